@@ -1,0 +1,2 @@
+// Texts of the "kr" library: English until they are translated.
+#include "en.h"

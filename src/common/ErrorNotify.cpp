@@ -1,0 +1,156 @@
+#include "common/ErrorNotify.h"
+
+#include <cstdio>
+#include <memory>
+
+#include "common/handle.h"
+#include "common/override_ini.h"
+#include "common/paths.h"
+#include "common/registry.h"
+#include "common/text.h"
+#include "common/trace.h"
+
+namespace {
+
+constexpr UINT kShowBox = 0x800E;
+constexpr UINT kBoxStyle = MB_ICONERROR | MB_SETFOREGROUND | MB_TOPMOST;
+constexpr int kLogNotWritten = -2;
+constexpr DWORD kMostFolderBytes = 260;
+
+qk::RegKey notification_key(const wchar_t* name) {
+    return qk::registry::open(HKEY_LOCAL_MACHINE,
+                              qk::format(L"Software\\%s\\%s\\%s\\%s", L"Corvanta", L"Vantrix", L"8.0", name));
+}
+
+DWORD chosen_channels() {
+    const qk::RegKey key = notification_key(L"Notification");
+    return key ? qk::registry::find_number(key.get(), L"Error").value_or(NotifyChannel::kMessageBox)
+               : NotifyChannel::kMessageBox;
+}
+
+void report_event(const std::wstring& message) {
+    const qk::EventSource source(RegisterEventSourceW(nullptr, L"Application"));
+    const wchar_t* texts[] = {message.c_str()};
+    if (source)
+        ReportEventW(source.get(), EVENTLOG_ERROR_TYPE, 1, 0, nullptr, 1, 0, texts, nullptr);
+}
+
+// The log's folder with its trailing backslash; empty when "ErrFile" lacks it, which leaves no path to open.
+std::wstring log_folder() {
+    const qk::RegKey key = notification_key(L"NotifiCation");
+    const std::wstring chosen = key ? qk::registry::find_text(key.get(), L"ErrFile").value_or(L"") : L"";
+    if (chosen.empty() || chosen.size() * sizeof(wchar_t) >= kMostFolderBytes)
+        return qk::format(L"%s\\%s\\", qk::common_documents_folder().c_str(), L"Dunmere\\Vantrix2");
+    return chosen.back() == L'\\' ? chosen : std::wstring();
+}
+
+struct LogRecord {
+    int print_id;
+    std::wstring pdf_file_name;
+    std::wstring time;
+    const std::wstring& message;
+};
+
+std::wstring log_text(const LogRecord& record) {
+    return qk::format(L"[%d]\r\n", record.print_id) +
+           qk::format(L"PDFFileName=%s\r\n", record.pdf_file_name.c_str()) +
+           qk::format(L"Time=%s\r\n", record.time.c_str()) +
+           qk::format(L"ErrorMessage=%s\r\n", record.message.c_str());
+}
+
+int append_to_log(const LogRecord& record) {
+    const std::wstring folder = log_folder();
+    if (folder.empty())
+        return kLogNotWritten;
+    const std::wstring path = qk::format(L"%sError_%d.log", folder.c_str(), record.print_id);
+    const std::unique_ptr<FILE, decltype(&std::fclose)> file(_wfopen(path.c_str(), L"ab"), &std::fclose);
+    if (!file)
+        return kLogNotWritten;
+    // One write, so that the records of two jobs that fail together do not mix.
+    const std::wstring text = log_text(record);
+    const size_t written = std::fwrite(text.data(), sizeof(wchar_t), text.size(), file.get());
+    return written == text.size() && std::fflush(file.get()) == 0 ? 0 : kLogNotWritten;
+}
+
+int write_log(const wchar_t* pdf_file_name, const std::wstring& message) {
+    const qk::OverrideIni ini;
+    SYSTEMTIME now = {};
+    GetLocalTime(&now);
+    const bool named = pdf_file_name && *pdf_file_name;
+    return append_to_log({ini.print_id(), named ? pdf_file_name : ini.pdf_file_name(), log_time(now), message});
+}
+
+bool in_splwow64() { return qk::equal_no_case(qk::file_part(qk::module_path(nullptr)), L"splwow64.exe"); }
+
+// A box handed to the thread's own message loop.
+struct BoxRecord {
+    HWND owner = nullptr;
+    std::wstring text;
+    std::wstring caption;
+    UINT style = MB_ICONERROR;
+};
+
+void post_until_taken(UINT message, LPARAM parameter) noexcept {
+    const DWORD thread = GetCurrentThreadId();
+    while (!PostThreadMessageW(thread, message, 0, parameter))
+        Sleep(1);
+}
+
+void show_box(const BoxRecord& record) noexcept {
+    TRACE("mb");
+    MessageBoxW(record.owner, record.text.c_str(), record.caption.c_str(),
+                record.style | MB_SETFOREGROUND | MB_TOPMOST);
+    TRACE("closed");
+}
+
+}  // namespace
+
+std::wstring log_time(const SYSTEMTIME& time) {
+    return qk::format(L"%04ud%02ud%02ud%02ud%02ud%02ud", time.wYear, time.wMonth, time.wDay, time.wHour,
+                      time.wMinute, time.wSecond);
+}
+
+void ZRTK_Thread_MessageBox(const std::wstring& message, const std::wstring& caption) {
+    TRACE("ZRTK_Thread_MessageBox");
+    const BoxRecord record{.text = message, .caption = caption};
+    MSG received = {};
+    if (PeekMessageW(&received, nullptr, 0, 0, PM_REMOVE))
+        DispatchMessageW(&received);
+    post_until_taken(kShowBox, reinterpret_cast<LPARAM>(&record));
+    while (GetMessageW(&received, nullptr, 0, 0) > 0) {  // 0: WM_QUIT, the box has been shown
+        const bool ours = received.message == kShowBox && received.hwnd == nullptr &&
+                          received.lParam == reinterpret_cast<LPARAM>(&record);
+        if (!ours) {
+            DispatchMessageW(&received);
+            continue;
+        }
+        show_box(record);
+        post_until_taken(WM_QUIT, 0);
+    }
+}
+
+int ZRTK_ErrorNotify(const std::wstring& caption, const wchar_t* pdf_file_name, DWORD code, int /*reserved*/,
+                     const std::wstring& message, const std::wstring& caption2) {
+    TRACE("ZRTK_ErrorNotify");
+    TRACE(message);
+    TRACE(caption);
+    const DWORD channels = chosen_channels();
+    int result = 0;
+    if (channels & NotifyChannel::kEventLog)
+        report_event(message);
+    if (channels & NotifyChannel::kLogFile)
+        result = write_log(pdf_file_name, message);
+    if (channels & NotifyChannel::kDebugOutput) {
+        qk::trace::debug_output(L"mes:not yet implemented");
+        TRACE_F(L"ErrorCode=%d", static_cast<int>(code));
+    }
+    if (!(channels & NotifyChannel::kMessageBox))
+        return result;
+    if (in_splwow64()) {
+        TRACE("in splwow64");
+        ZRTK_Thread_MessageBox(message, caption2);
+        return result;
+    }
+    TRACE("not in splwow64");
+    return MessageBoxW(nullptr, message.c_str(), caption2.c_str(), kBoxStyle);
+}

@@ -1,0 +1,19 @@
+// Looking at memory that somebody else vouches for: callers' DEVMODEs, pointers found in shared records.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+
+namespace qk {
+
+// Whether `size` bytes from `address` can be read, or written, now. Never faults; a null address or a range
+// that wraps around cannot. Another thread may still change the mapping afterwards.
+[[nodiscard]] bool is_readable(const void* address, size_t size) noexcept;
+[[nodiscard]] bool is_writable(void* address, size_t size) noexcept;
+
+// Copies `size` bytes out of memory that may not be there; false, with the target untouched or half filled,
+// when it cannot be read. Never faults.
+[[nodiscard]] bool try_copy(void* target, const void* source, size_t size) noexcept;
+
+}  // namespace qk

@@ -1,0 +1,44 @@
+#include "common/override_ini.h"
+
+#include "common/paths.h"
+#include "common/text.h"
+
+namespace qk {
+
+namespace {
+
+constexpr wchar_t kSection[] = L"Vantrix";
+
+}  // namespace
+
+OverrideIni::OverrideIni() : path_(shared_documents_folder() + L"\\DunmereVantrix.ini") {
+    if (!is_file(path_))
+        return;
+    const auto version = find_number(text(L"IniVersion"));
+    valid_ = version && *version >= 2.0 && *version <= 3.0;
+}
+
+std::optional<int> OverrideIni::find_orientation() const noexcept {
+    const int orientation = valid_ ? number(L"Orient", -1) : -1;
+    if (orientation != 0 && orientation != 1)
+        return std::nullopt;
+    return orientation;
+}
+
+std::wstring OverrideIni::pdf_file_name() const { return valid_ ? text(L"PDFFileName") : std::wstring(); }
+
+int OverrideIni::print_id() const noexcept { return valid_ ? number(L"PrintID", 0) : 0; }
+
+int OverrideIni::message_id() const noexcept { return number(L"MessageID", 11); }
+
+std::wstring OverrideIni::text(const wchar_t* key) const {
+    return grow_until_it_fits([this, key](wchar_t* buffer, DWORD units) {
+        return GetPrivateProfileStringW(kSection, key, L"", buffer, units, path_.c_str());
+    });
+}
+
+int OverrideIni::number(const wchar_t* key, int fallback) const noexcept {
+    return static_cast<int>(GetPrivateProfileIntW(kSection, key, fallback, path_.c_str()));
+}
+
+}  // namespace qk

@@ -1,0 +1,130 @@
+#include "common/paths.h"
+
+#include <knownfolders.h>
+#include <shlobj.h>
+
+#include "common/registry.h"
+#include "common/text.h"
+#include "common/trace.h"
+
+namespace qk {
+
+bool is_file(const std::wstring& path) noexcept {
+    const DWORD attributes = path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+bool is_folder(const std::wstring& path) noexcept {
+    const DWORD attributes = path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+std::wstring module_path(HMODULE module) {
+    return grow_until_it_fits(
+        [module](wchar_t* buffer, DWORD units) { return GetModuleFileNameW(module, buffer, units); });
+}
+
+std::wstring install_folder() {
+    std::wstring folder = ReadDriverRegString(L"PdfDllPath", nullptr);
+    if (!folder.empty() && folder.back() != L'\\')
+        folder += L'\\';
+    return folder;
+}
+
+std::wstring common_documents_folder() {
+    constexpr wchar_t kSpecialFolders[] = L"SOFTWARE\\Dunmere\\Common\\SpecialFolder";
+    std::wstring folder =
+        registry::find_text(HKEY_LOCAL_MACHINE, kSpecialFolders, L"CSIDL_COMMON_DOCUMENTS").value_or(L"");
+    if (folder.empty()) {
+        wchar_t buffer[MAX_PATH + 1] = {};
+        if (!SHGetSpecialFolderPathW(nullptr, buffer, CSIDL_COMMON_DOCUMENTS, FALSE))
+            return {};
+        folder = buffer;
+    }
+    return std::wstring(without_trailing_backslashes(folder));
+}
+
+std::wstring shared_documents_folder() { return common_documents_folder() + L"\\Dunmere\\Vantrix2"; }
+
+}  // namespace qk
+
+bool ForceDirectories(const std::wstring& path) {
+    const std::wstring folder(qk::without_trailing_backslashes(path));
+    if (folder.empty() || qk::is_folder(folder))
+        return !folder.empty();
+    const size_t slash = folder.rfind(L'\\');
+    if (slash != std::wstring::npos && slash > 0 && folder[slash - 1] != L':' && folder[slash - 1] != L'\\')
+        ForceDirectories(folder.substr(0, slash));
+    return CreateDirectoryW(folder.c_str(), nullptr) ||
+           (GetLastError() == ERROR_ALREADY_EXISTS && qk::is_folder(folder));
+}
+
+namespace {
+
+enum class ScratchFailure { kNone = 0, kNoRoot = 3, kNotMade = 4, kNoCache = 5 };
+
+// Internet Explorer's protected mode and its kin cannot write the temporary folder.
+bool in_protected_mode() noexcept {
+    const qk::DLL library(LoadLibraryExW(L"ieframe.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+    using IsProtected = HRESULT WINAPI(BOOL*);
+    auto* is_protected = library ? qk::find_export<IsProtected>(library.get(), "IEIsProtectedModeProcess") : nullptr;
+    BOOL answer = FALSE;
+    return is_protected && SUCCEEDED(is_protected(&answer)) && answer;
+}
+
+std::wstring internet_cache_folder() {
+    // {352481E8-33BE-4251-BA85-6007CAEDCF9D}, FOLDERID_InternetCache
+    constexpr GUID kInternetCache = {
+        0x352481E8, 0x33BE, 0x4251, {0xBA, 0x85, 0x60, 0x07, 0xCA, 0xED, 0xCF, 0x9D}};
+    const qk::DLL ole(LoadLibraryExW(L"ole32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+    auto* free_text = ole ? qk::find_export<void WINAPI(void*)>(ole.get(), "CoTaskMemFree") : nullptr;
+    wchar_t* text = nullptr;
+    if (!free_text || FAILED(SHGetKnownFolderPath(kInternetCache, 0, nullptr, &text)))
+        return {};
+    std::wstring folder = text;
+    free_text(text);
+    return folder;
+}
+
+ScratchFailure find_scratch_folder(std::wstring& folder) {
+    const std::wstring root = ZRTK_TempRoot();
+    if (!qk::is_folder(root) && !CreateDirectoryW(root.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
+        return ScratchFailure::kNoRoot;
+    folder = thread_temp_folder(root);
+    TRACE("ForceDirectories");
+    TRACE(folder);
+    if (ForceDirectories(folder) || qk::is_folder(folder))
+        return ScratchFailure::kNone;
+    if (!in_protected_mode())
+        return ScratchFailure::kNotMade;
+    folder = internet_cache_folder();
+    return folder.empty() ? ScratchFailure::kNoCache : ScratchFailure::kNone;
+}
+
+}  // namespace
+
+std::wstring ZRTK_TempRoot() {
+    std::wstring root = qk::grow_until_it_fits(
+        [](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
+    return root + L"ZRTK80" + L"_temp";
+}
+
+std::wstring thread_temp_folder(const std::wstring& root) {
+    return qk::format(L"%s\\%lu", root.c_str(), GetCurrentThreadId());
+}
+
+std::wstring ZRTK_TempPath() {
+    TRACE("ZRTK_TempPath");
+    std::wstring folder;
+    const ScratchFailure failure = find_scratch_folder(folder);
+    if (failure == ScratchFailure::kNone && folder.size() < MAX_PATH)
+        return folder;
+    TRACE_F(L"err:ZRTK_TempPath %d", static_cast<int>(failure));
+    return {};
+}
+
+qk::DLL LoadInstallDll(std::wstring_view file_name) {
+    TRACE("LoadInstallDll");
+    const std::wstring path = qk::install_folder() + std::wstring(file_name);
+    return qk::DLL(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+}

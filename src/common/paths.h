@@ -1,0 +1,47 @@
+// Files, folders and libraries of the installation, the user and the thread. UTF-16 paths.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+#include "common/handle.h"
+
+namespace qk {
+
+[[nodiscard]] bool is_file(const std::wstring& path) noexcept;    // exists and is not a folder
+[[nodiscard]] bool is_folder(const std::wstring& path) noexcept;  // exists and is a folder
+
+// The full path of a loaded module (null: the running program).
+[[nodiscard]] std::wstring module_path(HMODULE module);
+
+// The installation folder with its trailing backslash, from the registry value "PdfDllPath"; empty when it is
+// not set (what is appended to it is then relative).
+[[nodiscard]] std::wstring install_folder();
+
+// The common documents folder without a trailing backslash: the registry value "CSIDL_COMMON_DOCUMENTS" of the
+// vendor's special folders where there is one, else the shell's. Empty when there is none.
+[[nodiscard]] std::wstring common_documents_folder();
+
+// "<common documents>\Dunmere\Vantrix2".
+[[nodiscard]] std::wstring shared_documents_folder();
+
+}  // namespace qk
+
+// Makes the folder and every missing parent. True when the folder is there afterwards.
+bool ForceDirectories(const std::wstring& path);
+
+// The scratch folder of the calling thread, "<temp>\ZRTK80_temp\<thread id>", made when missing; empty on
+// failure. The module removes it, when empty, as the thread ends.
+[[nodiscard]] std::wstring ZRTK_TempPath();
+
+// The parent of the scratch folders, made or not, with no trailing backslash.
+[[nodiscard]] std::wstring ZRTK_TempRoot();
+
+// The folder `ZRTK_TempPath` uses for this thread, without making it.
+[[nodiscard]] std::wstring thread_temp_folder(const std::wstring& root);
+
+// Loads a library of the installation folder so that its own dependencies are found there too; empty, with the
+// last error of the attempt, when it cannot be loaded.
+[[nodiscard]] qk::DLL LoadInstallDll(std::wstring_view file_name);

@@ -1,0 +1,243 @@
+#include "common/resource_dll.h"
+
+#include <algorithm>
+#include <mutex>
+#include <optional>
+
+#include "common/module.h"
+#include "common/paths.h"
+#include "common/registry.h"
+#include "common/text.h"
+#include "common/trace.h"
+
+extern "C" IMAGE_DOS_HEADER __ImageBase;
+
+namespace qk {
+
+HINSTANCE module_instance() noexcept { return reinterpret_cast<HINSTANCE>(&__ImageBase); }
+
+namespace {
+
+constexpr wchar_t kCopyPrefix[] = L"zrtk_res_";
+constexpr int kMostAttempts = 10000;
+constexpr size_t kStringUnits = 10000;
+
+// The module-wide state: the copy's path, and the loader's handle with its count.
+struct Loader {
+    std::mutex mutex;
+    std::wstring copy_path;
+    HMODULE module = nullptr;
+    unsigned load_count = 0;
+};
+
+Loader loader;
+
+std::wstring module_folder() {
+    const std::wstring path = module_path(module_instance());
+    return path.substr(0, path.size() - file_part(path).size());
+}
+
+// The installed library of a language, beside the module or in the installation folder.
+std::optional<std::wstring> find_installed(const std::wstring& code) {
+    const std::wstring name = L"Language\\zrtk_res_" + code + L".dll";
+    TRACE(name);
+    if (std::wstring beside = module_folder() + name; is_file(beside))
+        return beside;
+    if (std::wstring installed = install_folder() + name; is_file(installed))
+        return installed;
+    return std::nullopt;
+}
+
+std::optional<std::wstring> find_source() {
+    for (const std::wstring& code : {language_code(), std::wstring(L"en"), std::wstring(L"ja")})
+        if (auto path = find_installed(code))
+            return path;
+    return std::nullopt;
+}
+
+// Makes the copy's file; its name holds the process id, so that no other process takes it for stale.
+FileObj create_copy(std::wstring& path) {
+    const std::wstring root = ZRTK_TempRoot();
+    ForceDirectories(root);
+    const std::wstring base = root + L'\\' + kCopyPrefix + std::to_wstring(GetCurrentProcessId());
+    for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
+        path = attempt == 0 ? base : base + format(L"(%d)", attempt);
+        path += L".dll";
+        FileObj file(CreateFileW(path.c_str(), GENERIC_ALL, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                                 FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (file)
+            return file;
+        const DWORD error = GetLastError();
+        if (error == ERROR_PATH_NOT_FOUND || error == ERROR_DISK_FULL) {
+            SetLastError(error);
+            break;  // no further name would do better
+        }
+        DeleteFileW(path.c_str());
+    }
+    trace::debug_output(L"cant open tmp lr:%ul", GetLastError());
+    return {};
+}
+
+bool try_copy_contents(const std::wstring& source, HANDLE target) {
+    const FileObj file(CreateFileW(source.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                   OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    if (!file) {
+        trace::debug_output(L"cant open src lr");
+        return false;
+    }
+    std::vector<char> bytes(GetFileSize(file.get(), nullptr));
+    DWORD done = 0;
+    if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr) ||
+        done != bytes.size()) {
+        trace::debug_output(L"read fail");
+        return false;
+    }
+    if (!WriteFile(target, bytes.data(), done, &done, nullptr) || done != bytes.size()) {
+        trace::debug_output(L"write fail");
+        return false;
+    }
+    return true;
+}
+
+std::wstring make_private_copy() {
+    const auto source = find_source();
+    if (!source)
+        return {};
+    std::wstring path;
+    FileObj file = create_copy(path);
+    if (!file)
+        return {};
+    const bool copied = try_copy_contents(*source, file.get());
+    file.reset();
+    if (!copied) {
+        DeleteFileW(path.c_str());
+        return {};
+    }
+    TRACE("resouece_dll is");
+    TRACE(path);
+    return path;
+}
+
+const std::wstring& copy_path_locked(bool cached_only) {
+    if (loader.copy_path.empty() && !cached_only)
+        loader.copy_path = make_private_copy();
+    return loader.copy_path;
+}
+
+HMODULE string_module() {
+    const std::scoped_lock lock(loader.mutex);
+    if (loader.module)
+        return loader.module;
+    const std::wstring& path = copy_path_locked(false);
+    if (path.empty())
+        return nullptr;
+    loader.module = GetModuleHandleW(path.c_str());
+    if (!loader.module) {
+        loader.module = LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+        loader.load_count += loader.module != nullptr;
+    }
+    return loader.module;
+}
+
+// Removes copies of processes that ended without a process detach.
+void remove_orphaned_copies() {
+    const std::wstring root = ZRTK_TempRoot() + L'\\';
+    WIN32_FIND_DATAW found = {};
+    const FindObj search(FindFirstFileW((root + kCopyPrefix + L"*").c_str(), &found));
+    if (!search)
+        return;
+    do {
+        const DWORD process = wcstoul(found.cFileName + std::size(kCopyPrefix) - 1, nullptr, 10);
+        const HandleObj alive(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, process));
+        if (!alive && GetLastError() == ERROR_INVALID_PARAMETER)
+            DeleteFileW((root + found.cFileName).c_str());
+    } while (FindNextFileW(search.get(), &found));
+}
+
+}  // namespace
+
+std::wstring resource_library_path(bool cached_only) {
+    const std::scoped_lock lock(loader.mutex);
+    return copy_path_locked(cached_only);
+}
+
+const wchar_t* language_code_of(LANGID language) noexcept {
+    switch (language) {
+        case 0x0004:  // Chinese, Simplified
+        case 0x0C04:  // Chinese, Hong Kong SAR: deliberately the simplified library
+            return L"chs";
+        case 0x0411:
+            return L"ja";
+        case 0x0412:
+            return L"kr";
+        case 0x7C04:  // Chinese, Traditional
+            return L"cht";
+        default:
+            return L"en";
+    }
+}
+
+std::wstring language_code() {
+    const std::wstring root = registry::kRoot;
+    const registry::CurrentUser user;
+    for (const HKEY hive : {user.get(), HKEY_LOCAL_MACHINE}) {
+        const auto code = registry::find_text(hive, root, L"Language");
+        if (code && !code->empty())
+            return *code;
+    }
+    return language_code_of(GetUserDefaultUILanguage());
+}
+
+std::wstring load_string(UINT id) {
+    const HMODULE module = string_module();
+    if (!module) {
+        TRACE(resource_library_path(true));
+        trace::debug_output(L"ERROR! no resource dll.");
+        return L"ERROR! no resource dll.";
+    }
+    std::wstring text(kStringUnits, L'\0');
+    const int units = LoadStringW(module, id, text.data(), static_cast<int>(text.size()));
+    if (units > 0) {
+        text.resize(static_cast<size_t>(units));
+        return text;
+    }
+    text = format(L"ERROR! no resource string id=%ud", id);
+    trace::debug_output(L"%s", text.c_str());
+    return text;
+}
+
+void finalize_resource_library(bool process_ends) noexcept {
+    try {
+        std::unique_lock lock(loader.mutex, std::defer_lock);
+        // The other threads of an ending process are gone, perhaps with the lock.
+        if (process_ends ? !lock.try_lock() : (lock.lock(), false))
+            return;
+        for (; loader.load_count > 0; --loader.load_count)
+            FreeLibrary(loader.module);
+        loader.module = nullptr;
+        if (!loader.copy_path.empty())
+            DeleteFileW(loader.copy_path.c_str());
+        loader.copy_path.clear();
+        remove_orphaned_copies();
+    } catch (...) {  // a copy that stays is removed by the next process that ends
+    }
+}
+
+ResourceDLL::ResourceDLL(size_t units) : units_(units) {
+    const std::wstring path = resource_library_path(false);
+    if (!path.empty())
+        library_.reset(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+}
+
+std::wstring ResourceDLL::load_string(UINT id) {
+    if (!library_)
+        return L"(no resource dll)";
+    if (buffer_.empty())
+        buffer_.resize(units_);
+    const int units = LoadStringW(library_.get(), id, buffer_.data(), static_cast<int>(buffer_.size()));
+    if (units <= 0)
+        return format(L"(no resource string:ID=%u)", id);
+    return {buffer_.data(), static_cast<size_t>(units)};
+}
+
+}  // namespace qk

@@ -1,0 +1,46 @@
+// The language library: texts, dialog templates and icons, one library per language beside the module.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/handle.h"
+
+namespace qk {
+
+// The path of this process's private copy of the language library, so that programs which print never hold
+// the installed file open. Made and cached on the first call; with `cached_only` the cached path, possibly
+// empty. Empty when there is no library or no copy could be made. Any thread.
+[[nodiscard]] std::wstring resource_library_path(bool cached_only);
+
+// The language code of the library to use: the registry value "Language", the current user's before the
+// machine's, else by the user's default UI language.
+[[nodiscard]] std::wstring language_code();
+[[nodiscard]] const wchar_t* language_code_of(LANGID language) noexcept;
+
+// The text of a string resource, from a module-wide handle that is loaded on first use. A missing string or
+// library gives a text that says so. Any thread.
+[[nodiscard]] std::wstring load_string(UINT id);
+
+// Forgets the module-wide handle and its count, removes this process's copy of the library and copies that
+// processes without a chance to clean up have left. Process detach only.
+void finalize_resource_library(bool process_ends) noexcept;
+
+// The same library through an object that owns its handle and a buffer of `units` characters (at least 2).
+class ResourceDLL {
+public:
+    explicit ResourceDLL(size_t units = 10000);
+
+    [[nodiscard]] HMODULE module() const noexcept { return library_.get(); }
+    [[nodiscard]] std::wstring load_string(UINT id);
+
+private:
+    DLL library_;
+    size_t units_;
+    std::vector<wchar_t> buffer_;
+};
+
+}  // namespace qk

@@ -1,0 +1,46 @@
+// Where setting files live, which one belongs to which printer, and what kind of file it is. No state is kept
+// between calls; any thread. Failures are traced, never shown. Paths are UTF-16.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+inline constexpr wchar_t kDefaultSettingFile[] = L"standard.ps4";
+
+// What `ProbeSettingFile` tells of a file.
+enum class SettingFormat : DWORD {
+    kNone = 0,  // not a usable setting file
+    kJson = 70000,
+    kBinary3 = 0x30000,
+    kBinary2_1 = 0x20001,
+    kBinary2_2 = 0x20002,
+    kBinary2_3 = 0x20003,
+    kBinary2_4 = 0x20004,
+    kBinary2_5 = 0x20005,
+    kBinary2_9 = 0x20009,
+};
+
+// The setting file to use for the printer: a bare file name or a full path, never empty.
+[[nodiscard]] std::wstring GetSettingFileName(const std::wstring& printer_name);
+
+// Records the user's choice for the printer, in the current user's key; a file of the installation's settings
+// folder by its bare name.
+void SetSettingFileName(std::wstring_view file_path, const std::wstring& printer_name);
+
+// Looks `name` up in the setting folders with each known extension. Returns 1 and overwrites `name` with the
+// full path, cut to `capacity` units with its terminating zero, or returns 0 and leaves it unchanged.
+int FindSettingFile(wchar_t* name, size_t capacity);
+
+// The full path of a setting file, or an empty text.
+[[nodiscard]] std::wstring ResolveSettingFilePath(std::wstring_view name);
+
+// The kind of a file by its first bytes; kNone also when it is missing, a folder or cannot be opened.
+[[nodiscard]] SettingFormat ProbeSettingFile(const std::wstring& path);
+
+// The user's folder of settings, ending in a backslash, made when `create`; empty when it is not there.
+[[nodiscard]] std::wstring GetAppDataPath(bool create);
+
+// Asks the save-file dialog library which setting file belongs to the printer; empty when it cannot say.
+[[nodiscard]] std::wstring GetSettingFileNameFromFD(const std::wstring& printer_name);

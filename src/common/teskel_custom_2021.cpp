@@ -1,0 +1,141 @@
+#include "common/teskel_custom_2021.h"
+
+#include <shlobj.h>
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "common/driver_util.h"
+#include "common/handle.h"
+#include "common/paths.h"
+#include "common/text.h"
+#include "common/trace.h"
+
+namespace pd_tk {
+
+namespace {
+
+constexpr DWORD kValueUnits = 4096;
+constexpr std::array<const wchar_t*, 4> kStages = {L"DocStart", L"PageStart", L"PageEnd", L"DocEnd"};
+
+// The lock that keeps the processes which print from changing the list at once; held while it lives.
+class ListLock {
+public:
+    ListLock() noexcept {
+        wchar_t name[128];
+        qk::format_into(name, std::size(name), L"Global\\ZR_4tm_mutex_w089ps89ghps9gr87osygh9t_%s",
+                        L"q3y8rfnoty__TeskelCustom2021;");
+        SECURITY_DESCRIPTOR everyone = {};
+        InitializeSecurityDescriptor(&everyone, SECURITY_DESCRIPTOR_REVISION);
+        SetSecurityDescriptorDacl(&everyone, TRUE, nullptr, FALSE);
+        SECURITY_ATTRIBUTES attributes = {sizeof attributes, &everyone, FALSE};
+        SetLastError(0);
+        mutex_.reset(CreateMutexW(&attributes, TRUE, name));
+        const DWORD error = GetLastError();
+        if (error == ERROR_ACCESS_DENIED)
+            mutex_.reset(OpenMutexW(SYNCHRONIZE, FALSE, name));
+        if (mutex_ && (error == ERROR_ALREADY_EXISTS || error == ERROR_ACCESS_DENIED))
+            WaitForSingleObject(mutex_.get(), INFINITE);
+    }
+    ~ListLock() {
+        if (mutex_)
+            ReleaseMutex(mutex_.get());
+    }
+    ListLock(const ListLock&) = delete;
+    ListLock& operator=(const ListLock&) = delete;
+
+private:
+    qk::HandleObj mutex_;
+};
+
+// The entry as it stands in the list: cut as the list cuts it.
+std::wstring entry_of(const std::wstring& path) {
+    wchar_t entry[kRecordTextUnits];
+    qk::copy_zero_padded(entry, kRecordTextUnits, path);
+    return entry;
+}
+
+wchar_t (*find_entry(TKFileNames& files, const std::wstring& entry) noexcept)[kRecordTextUnits] {
+    for (auto& name : files.names)
+        if (std::wstring_view(name, wcsnlen(name, kRecordTextUnits)) == entry)
+            return &name;
+    return nullptr;
+}
+
+}  // namespace
+
+ExternalCallIni::ExternalCallIni() {
+    wchar_t roaming[MAX_PATH] = {};
+    if (SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, roaming)))
+        path_ = std::wstring(roaming) + L"\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini";
+}
+
+bool ExternalCallIni::exists() const noexcept { return qk::is_file(path_); }
+
+std::wstring ExternalCallIni::value(const wchar_t* section, const wchar_t* key) const {
+    std::vector<wchar_t> buffer(kValueUnits);
+    const DWORD units = GetPrivateProfileStringW(section, key, L"", buffer.data(), kValueUnits, path_.c_str());
+    return {buffer.data(), units};
+}
+
+std::wstring file_list_name() {
+    return qk::format(L"zrtk_80tkcustom_mmf_4tgoeyrgblyi_%s", user_name().c_str());
+}
+
+TeskelCustom2021::TeskelCustom2021(std::wstring document_name, std::wstring output_path)
+    : document_name_(std::move(document_name)), files_(std::make_unique<qk::MMF<TKFileNames>>(file_list_name())) {
+    if (!output_path.empty())
+        set_output_path(std::move(output_path));
+}
+
+TeskelCustom2021::~TeskelCustom2021() {
+    const ListLock lock;
+    try {
+        remove_fn_from_mmf();
+    } catch (...) {  // the entry stays; the list's other entries are unharmed
+    }
+    files_.reset();
+}
+
+bool TeskelCustom2021::IsActive() { return ExternalCallIni().exists(); }
+
+std::wstring TeskelCustom2021::getExeName(size_t stage) const {
+    TRACE("pd_tk::TeskelCustom2021::getExeName");
+    std::wstring program = stage < kStages.size() ? ini_.value(kStages[stage], L"App") : std::wstring();
+    TRACE(program);
+    return program;
+}
+
+bool TeskelCustom2021::HasExe(size_t stage) const { return qk::is_file(getExeName(stage)); }
+
+bool TeskelCustom2021::HasAnyExe() const {
+    return HasExe(kPageStart) || HasExe(kPageEnd) || HasExe(kDocStart) || HasExe(kDocEnd);
+}
+
+std::wstring TeskelCustom2021::GetOutputFolder() const { return ini_.value(L"Output", L"OutputFolder"); }
+
+void TeskelCustom2021::set_output_path(std::wstring output_path) {
+    const ListLock lock;
+    remove_fn_from_mmf();
+    output_path_ = std::move(output_path);
+    add_fn_to_mmf();
+}
+
+void TeskelCustom2021::add_fn_to_mmf() {
+    if (!files_->view() || output_path_.empty())
+        return;
+    if (auto* free_entry = find_entry(*files_->view(), L""))
+        qk::copy_zero_padded(*free_entry, kRecordTextUnits, output_path_);
+}
+
+void TeskelCustom2021::remove_fn_from_mmf() {
+    if (!files_->view() || output_path_.empty())
+        return;
+    TRACE("pd_tk::TeskelCustom2021::remove_fn_from_mmf");
+    TRACE("delete");
+    if (auto* entry = find_entry(*files_->view(), entry_of(output_path_)))
+        std::fill(std::begin(*entry), std::end(*entry), L'\0');
+}
+
+}  // namespace pd_tk

@@ -1,0 +1,67 @@
+#include "common/threadprop.h"
+
+#include <algorithm>
+#include <list>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+
+#include "common/trace.h"
+
+namespace {
+
+struct Entry {
+    std::wstring key;
+    ULONG_PTR value;
+    DWORD thread;
+};
+
+struct Store {
+    std::mutex mutex;
+    std::list<Entry> entries;
+
+    auto find(std::wstring_view key) {
+        return std::ranges::find_if(entries, [key, thread = GetCurrentThreadId()](const Entry& entry) {
+            return entry.thread == thread && entry.key == key;
+        });
+    }
+};
+
+Store store;
+
+}  // namespace
+
+ULONG_PTR SetThreadProp(std::wstring_view key, ULONG_PTR value) {
+    TRACE("SetThreadProp");
+    const std::scoped_lock lock(store.mutex);
+    if (store.entries.size() == store.entries.max_size())
+        throw std::length_error("list<T> too long");
+    store.entries.push_back({std::wstring(key), value, GetCurrentThreadId()});
+    return 0;
+}
+
+void GetThreadProp(std::wstring_view key, ULONG_PTR& value) {
+    TRACE("GetThreadProp");
+    const std::scoped_lock lock(store.mutex);
+    const auto entry = store.find(key);
+    value = entry == store.entries.end() ? 0 : entry->value;
+}
+
+ULONG_PTR FreeThreadProp(std::wstring_view key) {
+    TRACE("FreeThreadProp");
+    const std::scoped_lock lock(store.mutex);
+    const auto entry = store.find(key);
+    if (entry == store.entries.end())
+        return 0;
+    const ULONG_PTR value = entry->value;
+    store.entries.erase(entry);
+    return value;
+}
+
+void FinalizeThreadProp(bool process_ends) {
+    TRACE("FinalizeThreadProp");
+    std::unique_lock lock(store.mutex, std::defer_lock);
+    if (process_ends ? !lock.try_lock() : (lock.lock(), false))
+        return;
+    store.entries.clear();
+}
