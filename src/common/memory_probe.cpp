@@ -1,5 +1,6 @@
 #include "common/memory_probe.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "common/handle.h"
@@ -10,6 +11,8 @@ namespace {
 
 constexpr DWORD kWritable = PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
 constexpr DWORD kReadable = kWritable | PAGE_READONLY | PAGE_EXECUTE_READ;
+
+constexpr size_t kPage = 4096;
 
 bool has_access(const void* address, size_t size, DWORD wanted) noexcept {
     const LastErrorKeeper keep;
@@ -38,6 +41,37 @@ bool try_copy(void* target, const void* source, size_t size) noexcept {
     SIZE_T copied = 0;
     // Unlike a plain copy behind is_readable, this cannot lose a race against the owner of the memory.
     return ReadProcessMemory(GetCurrentProcess(), source, target, size, &copied) && copied == size;
+}
+
+std::wstring copy_while_readable(const wchar_t* address, size_t units) {
+    std::wstring text(units, L'\0');
+    size_t done = 0;
+    while (done < units) {  // page by page: the next one may not be there
+        const auto at = reinterpret_cast<uintptr_t>(address + done);
+        const size_t to_page_end = std::max<size_t>((kPage - at % kPage) / sizeof(wchar_t), 1);
+        const size_t step = std::min(units - done, to_page_end);
+        if (!try_copy(text.data() + done, address + done, step * sizeof(wchar_t)))
+            break;
+        done += step;
+    }
+    text.resize(done);
+    return text;
+}
+
+std::wstring text_at(const wchar_t* address, size_t most) {
+    std::wstring text;
+    if (!address)
+        return text;
+    // In pieces, so that a short text in a large readable region costs little.
+    while (text.size() < most) {
+        const size_t wanted = std::min<size_t>(256, most - text.size());
+        const std::wstring piece = copy_while_readable(address + text.size(), wanted);
+        const size_t zero = piece.find(L'\0');
+        text.append(piece, 0, zero);
+        if (zero != std::wstring::npos || piece.size() < wanted)
+            break;
+    }
+    return text;
 }
 
 }  // namespace qk

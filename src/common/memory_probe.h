@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <string>
 
 namespace qk {
 
@@ -15,5 +16,11 @@ namespace qk {
 // Copies `size` bytes out of memory that may not be there; false, with the target untouched or half filled,
 // when it cannot be read. Never faults.
 [[nodiscard]] bool try_copy(void* target, const void* source, size_t size) noexcept;
+
+// As many of `units` units from `address` on as can be read. Never faults.
+[[nodiscard]] std::wstring copy_while_readable(const wchar_t* address, size_t units);
+
+// The zero-terminated text at `address`, at most `most` units of it; empty for a null address. Never faults.
+[[nodiscard]] std::wstring text_at(const wchar_t* address, size_t most = 32767);
 
 }  // namespace qk

@@ -7,28 +7,6 @@
 
 namespace qk {
 
-namespace {
-
-constexpr size_t kPage = 4096;
-
-// The units of a text of at most `units` that can be read from `address` on, page by page.
-std::wstring copy_while_readable(const wchar_t* address, size_t units) {
-    std::wstring text(units, L'\0');
-    size_t done = 0;
-    while (done < units) {
-        const auto at = reinterpret_cast<uintptr_t>(address + done);
-        const size_t to_page_end = std::max<size_t>((kPage - at % kPage) / sizeof(wchar_t), 1);
-        const size_t step = std::min(units - done, to_page_end);
-        if (!try_copy(text.data() + done, address + done, step * sizeof(wchar_t)))
-            break;
-        done += step;
-    }
-    text.resize(done);
-    return text;
-}
-
-}  // namespace
-
 void MsWString::set_in_place(std::wstring_view short_text) noexcept {
     const std::wstring_view cut = short_text.substr(0, kInPlace);
     copy_zero_padded(text, std::size(text), cut);

@@ -74,8 +74,8 @@ public:
     // sections read before it are replaced.
     [[nodiscard]] virtual bool Load(const std::wstring& path);
 
-    // The same with its result code (kLoaded, ...). With `keepCurrent` what the file does not name stays as it
-    // is. Entries of PSComment are only ever added or replaced.
+    // The same with its result code (kLoaded, ...). With `keepCurrent` what the file does not name stays as
+    // it is. Entries of PSComment are only ever added or replaced.
     [[nodiscard]] int Load(const std::wstring& path, bool keepCurrent);
 
     // Reads the JSON text of a setting (UTF-8, what follows the byte-order mark): kLoaded or kUnreadable.

@@ -7,8 +7,8 @@
 
 namespace Corvanta::Vantrix::PrintSettings {
 
-// The record that each kind of image owns. An image whose resolution is above the threshold is brought down to
-// the target, both in dots per inch (10 to 24000).
+// The record that each kind of image owns. An image whose resolution is above the threshold is brought down
+// to the target, both in dots per inch (10 to 24000).
 struct CompressImage_impl {
     uint32_t MonoCompressionMethod = 2;  // 0 to 4; monochrome images only
     uint32_t DownSamplingMethod = 2;     // 0 to 3

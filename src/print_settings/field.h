@@ -5,25 +5,35 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <limits>
 #include <tuple>
 
 namespace Corvanta::Vantrix::PrintSettings {
 
-// How a number that was read is brought into range. A default rule leaves it to the limits of its type.
+// How a number that was read is brought into range.
 struct Rule {
-    double low = std::numeric_limits<double>::lowest();
-    double high = std::numeric_limits<double>::max();
+    bool bounded = false;  // false: only the limits of the field's type hold
+    double low = 0;
+    double high = 0;
     uint32_t mask = 0;            // not 0: only these bits of the integer are kept, before the range
     bool zero_below = false;      // 0 and what is below it give 0, whatever the range
     bool keeps_all_ones = false;  // 4294967295 stays: it is how a field with every bit set is written
 };
 
-[[nodiscard]] constexpr Rule range(double low, double high) { return {low, high}; }
-[[nodiscard]] constexpr Rule range_or_all_ones(double low, double high) { return {low, high, 0, false, true}; }
-[[nodiscard]] constexpr Rule zero_or_range(double low, double high) { return {low, high, 0, true}; }
-[[nodiscard]] constexpr Rule low_bits(uint32_t mask) { return {0, static_cast<double>(mask), mask}; }
-[[nodiscard]] constexpr Rule low_bits_range(uint32_t mask, double low, double high) { return {low, high, mask}; }
+[[nodiscard]] constexpr Rule range(double low, double high) {
+    return {true, low, high};
+}
+[[nodiscard]] constexpr Rule range_or_all_ones(double low, double high) {
+    return {true, low, high, 0, false, true};
+}
+[[nodiscard]] constexpr Rule zero_or_range(double low, double high) {
+    return {true, low, high, 0, true};
+}
+[[nodiscard]] constexpr Rule low_bits(uint32_t mask) {
+    return {true, 0, static_cast<double>(mask), mask};
+}
+[[nodiscard]] constexpr Rule low_bits_range(uint32_t mask, double low, double high) {
+    return {true, low, high, mask};
+}
 
 // How a value is shown to a person.
 enum class Shown : uint8_t {
@@ -40,7 +50,7 @@ enum class Shown : uint8_t {
 struct FieldInfo {
     const char* key;       // JSON
     const char* read_key;  // JSON; the same but for one field
-    UINT name;             // string resource of the display name; 0: the field adds nothing to the section's name
+    UINT name;  // string resource of the display name; 0: the field adds nothing to the section's name
     Rule rule = {};
     Shown shown = Shown::kPlain;
     uint8_t value_count = 0;  // kNamed: string resources from first_value on, for the codes 0, 1, 2, ...
@@ -99,6 +109,8 @@ template <class Section, class Test>
 }
 
 template <class Value>
-concept SectionHandle = requires { typename Value::impl_type; };
+concept SectionHandle = requires {
+    typename Value::impl_type;
+};
 
 }  // namespace Corvanta::Vantrix::PrintSettings

@@ -17,9 +17,11 @@ inline constexpr auto kFields<General_impl> = std::tuple{
         .values(IDS_PS_SAME_NAME_0, 4),
     field("NoOutputBlankPage", &General_impl::NoOutputBlankPage, IDS_PS_NO_BLANK_PAGE),
     field("URLLink", &General_impl::URLLink, IDS_PS_URL_LINK),
-    field("SaveStyle", &General_impl::SaveStyle, IDS_PS_SAVE_STYLE, range(0, 1)).values(IDS_PS_SAVE_STYLE_0, 2),
+    field("SaveStyle", &General_impl::SaveStyle, IDS_PS_SAVE_STYLE, range(0, 1))
+        .values(IDS_PS_SAVE_STYLE_0, 2),
     field("OutputFolder", &General_impl::OutputFolder, IDS_PS_OUTPUT_FOLDER),
-    field("PaperType", &General_impl::PaperType, IDS_PS_PAPER_TYPE, range(0, 1)).values(IDS_PS_PAPER_TYPE_0, 2),
+    field("PaperType", &General_impl::PaperType, IDS_PS_PAPER_TYPE, range(0, 1))
+        .values(IDS_PS_PAPER_TYPE_0, 2),
     field("PaperName", &General_impl::PaperName, IDS_PS_PAPER_NAME, range(1, 32767)),
     field("PaperWidth", &General_impl::PaperWidth, IDS_PS_PAPER_WIDTH, range(25.4, 3276.7)),
     field("PaperHeight", &General_impl::PaperHeight, IDS_PS_PAPER_HEIGHT, range(25.4, 3276.7)),
@@ -157,7 +159,8 @@ inline constexpr auto kFields<Watermark_impl> = std::tuple{
     field("Text", &Watermark_impl::Text, IDS_PS_TEXT),
     field("TextColor", &Watermark_impl::TextColor, IDS_PS_TEXT_COLOUR, low_bits(0xFFFFFF)).as(Shown::kColour),
     field("FontName", &Watermark_impl::FontName, IDS_PS_FONT_NAME),
-    field("FontSize", &Watermark_impl::FontSize, IDS_PS_FONT_SIZE, zero_or_range(8, 500)).as(Shown::kZeroIsAuto),
+    field("FontSize", &Watermark_impl::FontSize, IDS_PS_FONT_SIZE, zero_or_range(8, 500))
+        .as(Shown::kZeroIsAuto),
     field("DiagonalText", &Watermark_impl::DiagonalText, IDS_PS_DIAGONAL),
     field("ZOrder", &Watermark_impl::ZOrder, IDS_PS_Z_ORDER, range(0, 1)),
     field("VerticalPosition", &Watermark_impl::VerticalPosition, IDS_PS_VERTICAL, range(0, 2))
@@ -176,7 +179,8 @@ inline constexpr auto kFields<Color_impl> = std::tuple{
     field("BlackToK100", &Color_impl::BlackToK100, IDS_PS_BLACK_TO_K),
     field("GrayDecreasingMethod", &Color_impl::GrayDecreasingMethod, IDS_PS_GREY_METHOD, range(0, 2)),
     field("MonoDecreasingMethod", &Color_impl::MonoDecreasingMethod, IDS_PS_MONO_METHOD, range(0, 1)),
-    field("ColorMode", &Color_impl::ColorMode, IDS_PS_COLOUR_MODE, range(0, 2)).values(IDS_PS_COLOUR_MODE_0, 3),
+    field("ColorMode", &Color_impl::ColorMode, IDS_PS_COLOUR_MODE, range(0, 2))
+        .values(IDS_PS_COLOUR_MODE_0, 3),
     field("MonoImageThreshold", &Color_impl::MonoImageThreshold, IDS_PS_MONO_THRESHOLD, low_bits(0xFF)),
     field("MonoTextAndPassThreshold", &Color_impl::MonoTextAndPassThreshold, IDS_PS_MONO_TEXT_THRESHOLD,
           range(0, 255)),

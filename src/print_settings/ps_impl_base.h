@@ -19,7 +19,8 @@ public:
         return std::make_unique<Impl>(static_cast<const Impl&>(*this));
     }
 
-    // Whether every field of the table has the same value. Floats compare by value: a NaN differs from itself.
+    // Whether every field of the table has the same value. Floats compare by value: a NaN differs from
+    // itself.
     [[nodiscard]] bool equals(const Impl& other) const;
 
     // One sentence for a person per field whose value in `newer` is another; empty when there is none. The

@@ -21,11 +21,11 @@ struct General_impl final : ps_impl_base<General_impl> {
     bool URLLink = false;            // turn URLs in text into links
     int32_t SaveStyle = 0;           // 0 = ask for the place, 1 = a fixed output folder
     std::wstring OutputFolder;
-    int32_t PaperType = 0;         // 0 = a form, 1 = a custom size
-    int16_t PaperName = 9;         // the form, as DEVMODE's dmPaperSize counts (9 = A4), 1 to 32767
-    float PaperWidth = 210.0f;     // millimetres, 25.4 to 3276.7
-    float PaperHeight = 297.0f;    // millimetres, 25.4 to 3276.7
-    int32_t PaperOrientation = 0;  // 0 = portrait, 1 = landscape
+    int32_t PaperType = 0;          // 0 = a form, 1 = a custom size
+    int16_t PaperName = 9;          // the form, as DEVMODE's dmPaperSize counts (9 = A4), 1 to 32767
+    float PaperWidth = 210.0f;      // millimetres, 25.4 to 3276.7
+    float PaperHeight = 297.0f;     // millimetres, 25.4 to 3276.7
+    int32_t PaperOrientation = 0;   // 0 = portrait, 1 = landscape
     int32_t PaperResolution = 600;  // dots per inch, 72 to 3600
     int32_t Scale = 100;            // percent, 10 to 400
 };
@@ -90,7 +90,7 @@ struct Box {
 };
 
 struct PDFVersion_impl final : ps_impl_base<PDFVersion_impl> {
-    uint32_t Version = 4;  // 0 to 12; see pdf_ver
+    uint32_t Version = 4;           // 0 to 12; see pdf_ver
     uint32_t WhenErroredPDFAX = 0;  // 0 to 1: what to do when the PDF/A or PDF/X check fails
     bool UseTrimBox = false;
     Box TrimBox;
@@ -112,10 +112,10 @@ struct Security_impl final : ps_impl_base<Security_impl> {
     std::wstring UserPassword;    // opens the document
     bool AllowCopyContent = false;
     bool AllowAccessFromScreenReader = true;
-    uint32_t EditPermission = 2;       // 0 to 5
-    uint32_t PrintPermission = 0;      // 0 to 2
-    uint32_t Level = 4;                // 0 to 5: encryption
-    bool PDF13_DisallowPrint = true;   // the four of the 40-bit encryption of PDF 1.3
+    uint32_t EditPermission = 2;      // 0 to 5
+    uint32_t PrintPermission = 0;     // 0 to 2
+    uint32_t Level = 4;               // 0 to 5: encryption
+    bool PDF13_DisallowPrint = true;  // the four of the 40-bit encryption of PDF 1.3
     bool PDF13_DisallowModify = true;
     bool PDF13_DisallowCopy = true;
     bool PDF13_DisallowAnnotate = false;

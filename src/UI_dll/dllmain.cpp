@@ -1,0 +1,22 @@
+// The loader's entry point. Apart from the rest, so that test programs can link everything else.
+#include <windows.h>
+
+#include "UI_dll/guard.h"
+#include "UI_dll/plotui.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved) noexcept {
+    return ui::guarded<BOOL>(FALSE, [&] {
+        switch (reason) {
+            case DLL_PROCESS_ATTACH:
+                return plotui::attach_process(instance);
+            case DLL_THREAD_DETACH:
+                plotui::detach_thread();
+                return true;
+            case DLL_PROCESS_DETACH:
+                plotui::detach_process(reserved != nullptr);
+                return true;
+            default:
+                return true;
+        }
+    });
+}

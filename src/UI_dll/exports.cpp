@@ -1,0 +1,130 @@
+// The exported entry points: each traces, calls one inner function and lets no exception out.
+#include "UI_dll/ddi.h"
+#include "UI_dll/docprop.h"
+#include "UI_dll/guard.h"
+#include "UI_dll/ptrinfo.h"
+#include "UI_dll/ptrprop.h"
+#include "common/handle.h"
+#include "common/memory_probe.h"
+#include "common/text.h"
+#include "common/trace.h"
+#include "job/document_event.h"
+#include "lib/devmode.h"
+
+namespace {
+
+constexpr LONG kFailure = -1;
+constexpr auto kNoAnswer = static_cast<DWORD>(-1);
+constexpr DWORD kAdvancedMode = DM_COPY | DM_PROMPT | DM_MODIFY | 16;  // 16: the advanced page
+
+// The answer of an entry point whose sheets are not part of this version.
+template <class Result>
+Result not_available(Result failure) noexcept {
+    TRACE("not available");
+    SetLastError(ERROR_CALL_NOT_IMPLEMENTED);
+    return failure;
+}
+
+BOOL convert_devmode(LPWSTR printer, DEVMODEW* source, DEVMODEW* target, DWORD* needed, DWORD mode) {
+    constexpr DWORD kLeastSize = 64;
+    if (!qk::is_writable(needed, sizeof *needed)) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    const DWORD size = *needed;
+    const ConvertResult result = CommonDrvConvertDevmode(source, target, needed, mode);
+    if (result != ConvertResult::kCallerFinishes || mode != kDriverDefault)
+        return result == ConvertResult::kDone;
+    qk::PrinterHandleObj handle;
+    if (size < kLeastSize || *needed < kLeastSize || !qk::is_writable(target, kDriverDevmodeSize) ||
+        !OpenPrinterW(printer, handle.put(), nullptr)) {
+        SetLastError(ERROR_INVALID_DATA);
+        return FALSE;
+    }
+    *reinterpret_cast<DriverDevmode*>(target) = default_devmode();
+    return TRUE;
+}
+
+// The spooler library of older systems and of some other print systems lacks the function.
+BOOL forward_query(DevQueryPrintInfo* info) {
+    using Query = BOOL WINAPI(DevQueryPrintInfo*);
+    const HMODULE spooler = GetModuleHandleW(L"winspool.drv");
+    auto* query = spooler ? qk::find_export<Query>(spooler, "DevQueryPrintEx") : nullptr;
+    if (query)
+        return query(info);
+    SetLastError(ERROR_PROC_NOT_FOUND);
+    return FALSE;
+}
+
+}  // namespace
+
+LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* info, LPARAM parameter) noexcept {
+    qk::trace::read_level();
+    TRACE_SCOPE("DrvDocumentPropertySheets");
+    return ui::guarded<LONG>(kFailure, [&] {
+        return info ? not_available(kFailure)
+                    : docprop::answer_query(reinterpret_cast<DocumentPropertyHeader*>(parameter));
+    });
+}
+
+LONG WINAPI DrvDocumentProperties(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* output, DEVMODEW* input,
+                                  DWORD mode) noexcept {
+    qk::trace::read_level();
+    TRACE_SCOPE("DrvDocumentProperties");
+    return ui::guarded<LONG>(
+        kFailure, [&] { return docprop::document_properties(window, printer, device, output, input, mode); });
+}
+
+LONG WINAPI DrvAdvancedDocumentProperties(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* output,
+                                          DEVMODEW* input) noexcept {
+    qk::trace::read_level();
+    TRACE_SCOPE("DrvAdvancedDocumentProperties");
+    return ui::guarded<LONG>(kFailure, [&] {
+        return docprop::document_properties(window, printer, device, output, input, kAdvancedMode);
+    });
+}
+
+BOOL WINAPI DrvConvertDevMode(LPWSTR printer, DEVMODEW* source, DEVMODEW* target, DWORD* needed,
+                              DWORD mode) noexcept {
+    TRACE("DrvConvertDevMode");
+    return ui::guarded<BOOL>(FALSE, [&] { return convert_devmode(printer, source, target, needed, mode); });
+}
+
+DWORD WINAPI DrvDeviceCapabilities(HANDLE, LPWSTR, WORD, void*, DEVMODEW*) noexcept {
+    TRACE("DrvDeviceCapabilities");
+    return not_available(kNoAnswer);
+}
+
+DWORD WINAPI DrvSplDeviceCaps(HANDLE, LPWSTR, WORD, void*, DWORD, DEVMODEW*) noexcept {
+    TRACE("DrvSplDeviceCaps");
+    return not_available(kNoAnswer);
+}
+
+int WINAPI DrvDocumentEvent(HANDLE printer, HDC hdc, int event, ULONG in_size, void* in, ULONG out_size,
+                            void* out) {
+    return ui::guarded<int>(DOCUMENTEVENT_FAILURE, [&] {
+        TRACE_F(L">>%d", event);
+        return internal_DrvDocumentEvent(printer, hdc, event, in_size, in, out_size, out);
+    });
+}
+
+BOOL WINAPI DrvPrinterEvent(LPWSTR printer, int event, DWORD /*flags*/, LPARAM /*parameter*/) {
+    qk::trace::read_level();
+    return ui::guarded<BOOL>(TRUE, [&] { return ptrprop::printer_event(printer, event); });
+}
+
+BOOL WINAPI PrinterProperties(HWND, HANDLE) {
+    qk::trace::read_level();
+    TRACE_SCOPE("PrinterProperties");
+    return not_available(FALSE);
+}
+
+LONG WINAPI DrvDevicePropertySheets(PROPSHEETUI_INFO*, LPARAM) noexcept {
+    TRACE("DrvDevicePropertySheets");
+    return not_available(kFailure);
+}
+
+BOOL WINAPI DevQueryPrintEx(DevQueryPrintInfo* info) noexcept {
+    TRACE("DevQueryPrintEx");
+    return ui::guarded<BOOL>(FALSE, [&] { return forward_query(info); });
+}

@@ -1,0 +1,84 @@
+#include "UI_dll/plotui.h"
+
+#include <string>
+
+#include "common/handle.h"
+#include "common/paths.h"
+#include "common/resource_dll.h"
+#include "common/text.h"
+#include "common/threadprop.h"
+#include "common/trace.h"
+
+namespace plotui {
+
+namespace {
+
+constexpr WORD kManifestId = 2;
+
+HMODULE resources = nullptr;
+
+bool load_resources() {
+    const std::wstring path = qk::resource_library_path(false);
+    resources = path.empty() ? nullptr : LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    const DWORD error = GetLastError();
+    if (resources && resources != INVALID_HANDLE_VALUE)
+        return true;
+    wchar_t text[100];
+    qk::format_into(text, std::size(text), L"gle=%d", static_cast<int>(error));
+    TRACE(text);
+    OutputDebugStringA("ZRTK Error:no resource dll.");
+    resources = nullptr;
+    return false;
+}
+
+// Loads the module once more under its own manifest. This reference is never given back: callbacks and sheets
+// that the system holds stay valid after a caller has freed the driver.
+void pin(HINSTANCE instance) {
+    wchar_t path[292] = {};
+    if (GetModuleFileNameW(instance, path, static_cast<DWORD>(std::size(path))) == 0)
+        return;
+    ACTCTXW request = {sizeof request};
+    request.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
+    request.hModule = instance;
+    request.lpResourceName = MAKEINTRESOURCEW(kManifestId);
+    const qk::ActivationContext context(CreateActCtxW(&request));
+    ULONG_PTR cookie = 0;
+    if (!context || !ActivateActCtx(context.get(), &cookie))
+        return;
+    LoadLibraryW(path);
+    DeactivateActCtx(0, cookie);
+}
+
+}  // namespace
+
+bool attach_process(HINSTANCE instance) {
+    qk::trace::read_level();
+    TRACE("ui:attach");
+    if (!load_resources()) {
+        qk::finalize_resource_library(false);  // a copy that could not be loaded is not left behind
+        return false;
+    }
+    pin(instance);
+    return true;
+}
+
+void detach_thread() {
+    TRACE("ui:thread detach");
+    RemoveDirectoryW(thread_temp_folder(ZRTK_TempRoot()).c_str());  // only when it is empty
+}
+
+void detach_process(bool process_ends) noexcept {
+    try {
+        TRACE("ui:detach");
+        FinalizeThreadProp(process_ends);
+        if (resources)
+            FreeLibrary(resources);
+        resources = nullptr;
+        qk::finalize_resource_library(process_ends);
+    } catch (...) {  // nobody is left to be told
+    }
+}
+
+HMODULE resource_module() noexcept { return resources; }
+
+}  // namespace plotui

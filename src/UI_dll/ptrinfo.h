@@ -1,0 +1,25 @@
+// The printer information that every property sheet and query works on.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+
+#include "lib/devmode.h"
+
+struct PrinterInformation {
+    HANDLE printer = nullptr;  // the caller's
+    bool may_update = false;
+    bool document_properties = false;
+    bool model_write_failed = false;
+    DriverDevmode devmode = {};
+    DWORD refused = 0;  // dmFields bits that the last merge refused
+    const wchar_t* form_name = L"A4";  // the current form, whatever paper the DEVMODE holds
+    SIZEL form_size = {210000, 297000};  // thousandths of a millimetre
+    const DEVMODEW* caller_devmode = nullptr;
+};
+
+// Builds the information for a printer: the driver's default, the printer's own DEVMODE and the caller's (may
+// be null) merged. Null, with `information` empty, when there is no memory for it.
+PrinterInformation* MapPrinter(std::unique_ptr<PrinterInformation>& information, HANDLE printer,
+                               const DEVMODEW* caller_devmode, bool document_properties);

@@ -1,0 +1,83 @@
+// The end of a job: its result is read back and reported, its state freed.
+#include <string>
+
+#include "common/ErrorNotify.h"
+#include "common/driver_util.h"
+#include "common/memory_probe.h"
+#include "common/module.h"
+#include "common/override_ini.h"
+#include "common/registry.h"
+#include "common/text.h"
+#include "common/threadprop.h"
+#include "common/trace.h"
+#include "job/document_event.h"
+
+namespace job {
+
+namespace {
+
+void tell_listeners() {
+    const qk::OverrideIni ini;
+    const UINT message = RegisterWindowMessageW(L"Dunmere Vantrix Stop");
+    PostMessageW(HWND_BROADCAST, message, static_cast<WPARAM>(ini.message_id()), 0);
+}
+
+// The choice of a setting file for one process ends with its job.
+void forget_process_setting(HANDLE printer) {
+    const qk::RegKey key = qk::registry::open(HKEY_CURRENT_USER, qk::registry::kRoot, KEY_WRITE);
+    if (key)
+        RegDeleteValueW(key.get(),
+                        qk::format(L"settingfile_for_process_%s", printer_name(printer).c_str()).c_str());
+}
+
+// A text of the result record, which another process has written: as much of it as is true.
+std::wstring text_of(const qk::MsWString& field) {
+    if (auto text = field.find_text())
+        return std::move(*text);
+    TRACE("ZRTKPrintInfo: a text is not readable");
+    return field.readable_text();
+}
+
+void report(const ZRTKPrintInfo& result) {
+    const std::wstring given = result.caption.length == 0 ? std::wstring() : text_of(result.caption);
+    const std::wstring caption = given.empty() ? qk::kProductName : given;
+    const std::wstring pdf = text_of(result.pdf_file_name);
+    ZRTK_ErrorNotify(caption, pdf.c_str(), result.error_code, 0, text_of(result.message), caption);
+}
+
+}  // namespace
+
+void release_start_state() {
+    TRACE("FreeThreadProp");
+    const std::unique_ptr<StartState> state(
+        reinterpret_cast<StartState*>(FreeThreadProp(threadprop::kStartRecord)));
+    if (state && state->block.view())
+        *state->block.view() = {};  // whoever still has the block open finds no job in it
+}
+
+std::unique_ptr<ResultState> take_result_state() {
+    return std::unique_ptr<ResultState>(
+        reinterpret_cast<ResultState*>(FreeThreadProp(threadprop::kResultRecord)));
+}
+
+Outcome end(HANDLE printer) {
+    release_start_state();
+    tell_listeners();
+    forget_process_setting(printer);
+    TRACE("ZRTKPrintInfo@end of document");
+    const auto state = take_result_state();
+    Outcome outcome;
+    if (!state) {
+        TRACE("404");
+        return outcome;
+    }
+    if (!state->view())
+        return outcome;
+    const ZRTKPrintInfo result = *state->view();  // once: its writer may not be done with it
+    if (result.error_code != 0)
+        report(result);
+    outcome.status = result.win32_error;
+    return outcome;
+}
+
+}  // namespace job

@@ -1,0 +1,254 @@
+// The start of a job: its setting, its output file, its records.
+#include <memory>
+#include <string>
+
+#include "common/ErrorNotify.h"
+#include "common/dialog_library.h"
+#include "common/driver_util.h"
+#include "common/handle.h"
+#include "common/memory_probe.h"
+#include "common/override_ini.h"
+#include "common/paths.h"
+#include "common/resource_dll.h"
+#include "common/rwPDFSet_functions.h"
+#include "common/text.h"
+#include "common/threadprop.h"
+#include "common/trace.h"
+#include "job/dialog_record.h"
+#include "job/document_event.h"
+#include "job/output_intent.h"
+#include "job/output_name.h"
+#include "print_settings/PSAdmin.h"
+#include "resources/ids.h"
+
+namespace job {
+
+namespace {
+
+using Corvanta::Vantrix::PrintSettings::PrintSettings;
+using Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin;
+using pd_tk::TeskelCustom2021;
+
+constexpr unsigned long kNoSettingFile = 100;
+constexpr unsigned long kBadSettingFile = 101;
+constexpr int kHandedOver = 555;  // the library's flag byte counts more than its result
+constexpr DWORD kUncheckedModes[] = {2, 3};
+
+// A job that does not start: -1 and the status that becomes the last error.
+struct NoJob {
+    DWORD status;
+};
+
+// The document name of the DOCINFOW behind `in`. Some callers hand over the address of a pointer to it instead,
+// as the interface of Windows describes the event; the structure's own size tells the two apart.
+std::wstring document_name_of(const void* in, ULONG in_size, bool& given) {
+    given = false;
+    DOCINFOW info = {};
+    const void* at = in;
+    if (!qk::try_copy(&info.cbSize, at, sizeof info.cbSize))
+        return {};
+    if (info.cbSize != sizeof(DOCINFOW) && in_size <= sizeof(void*)) {
+        const void* inner = nullptr;
+        int inner_size = 0;
+        if (qk::try_copy(&inner, in, sizeof inner) && qk::try_copy(&inner_size, inner, sizeof inner_size))
+            at = inner;
+    }
+    if (!qk::try_copy(&info, at, offsetof(DOCINFOW, lpszOutput)) || !info.lpszDocName)
+        return {};
+    given = qk::is_readable(info.lpszDocName, sizeof(wchar_t));
+    return qk::text_at(info.lpszDocName);
+}
+
+void notify(const Refusal& refusal) {
+    const std::wstring caption = qk::load_string(refusal.caption_id) + refusal.caption_end;
+    ZRTK_ErrorNotify(caption, nullptr, refusal.code, 0, qk::load_string(IDS_JOB_FAILED), caption);
+}
+
+// A bare name is looked for through the settings folders before it counts as missing; a path is used as it is.
+std::wstring setting_path(const std::wstring& name) {
+    if (name.find(L'\\') != std::wstring::npos || qk::is_file(name))
+        return name;
+    const std::wstring found = ResolveSettingFilePath(name);
+    return found.empty() ? name : found;
+}
+
+class JobStart {
+public:
+    JobStart(HANDLE printer, const void* in, ULONG in_size) : printer_name_(printer_name(printer)) {
+        document_name_ = document_name_of(in, in_size, has_document_name_);
+    }
+
+    Outcome run() {
+        try {
+            load_library();
+            load_settings();
+            name_output();
+            take_override_folder();
+            publish(ask_for_file());
+        } catch (const NoJob& no_job) {
+            return {DOCUMENTEVENT_FAILURE, no_job.status};
+        }
+        TRACE("<<sd!");
+        return {};
+    }
+
+private:
+    void load_library() {
+        TRACE("sd1");
+        library_ = LoadInstallDll(dialog_library::kFileName);
+        if (!library_) {
+            TRACE("failed LoadLibrary:Tessalo80.dll");
+            throw NoJob{ERROR_FILE_NOT_FOUND};
+        }
+        get_file_ = qk::find_export<dialog_library::GetFile2>(library_.get(), "GetFile2");
+        if (!get_file_) {
+            TRACE("failed GetProcAddress:GetFile2");
+            throw NoJob{ERROR_FILE_NOT_FOUND};
+        }
+    }
+
+    void load_settings() {
+        const std::wstring name = GetSettingFileNameFromFD(printer_name_);
+        if (name.empty())
+            return;  // the job goes on with the defaults
+        const std::wstring path = setting_path(name);
+        if (!qk::is_file(path))
+            refuse({kNoSettingFile, IDS_NO_SETTING_FILE, name});
+        TRACE("sd2");
+        if (!settings_.Load(path))
+            refuse({kBadSettingFile, IDS_BAD_SETTING_FILE, name});
+        TRACE("sd3");
+        if (const auto refusal = find_refusal(settings_))
+            refuse(*refusal);
+    }
+
+    [[noreturn]] static void refuse(const Refusal& refusal) {
+        notify(refusal);
+        throw NoJob{ERROR_SUCCESS};  // the user has been told
+    }
+
+    void name_output() {
+        if (has_document_name_)
+            TRACE(SetPDFname(document_name_.c_str()));
+        else
+            TRACE("no document name");
+        record_.set_title(CleanJobTitle(document_name_));
+        record_.raw().settings = static_cast<const PrintSettings*>(&settings_);
+    }
+
+    // Another program may steer the job into a folder; an administrator's folder wins over that.
+    void take_override_folder() {
+        const std::wstring file = qk::OverrideIni().pdf_file_name();
+        if (const size_t slash = file.rfind(L'\\'); slash != std::wstring::npos)
+            set_output_folder(file.substr(0, slash + 1));
+        if (!settings_.restriction().OutputFolder.empty())
+            set_output_folder(settings_.restriction().OutputFolder);
+    }
+
+    void set_output_folder(const std::wstring& folder) {
+        settings_.general()->OutputFolder = folder;
+        settings_.general()->SaveStyle = 1;  // the folder of the setting, not the user's last one
+    }
+
+    // Lets the library settle the output path; its result, or 555 when it hands the job over.
+    int ask_for_file() {
+        TRACE("jobname is ");
+        TRACE(document_name_);
+        prepare_external_call();
+        int result = get_file_(&record_.raw(), printer_name_.c_str());
+        record_.take_texts();
+        if (external_)
+            external_->set_output_path(record_.output_path());
+        if (record_.raw().hand_over != 0)
+            result = kHandedOver;
+        TRACE_F(L"ret=%d", result);
+        return result;
+    }
+
+    void prepare_external_call() {
+        if (!TeskelCustom2021::IsActive())
+            return;
+        const TeskelCustom2021 probe(document_name_, L"");
+        const std::wstring folder = probe.HasAnyExe() ? probe.GetOutputFolder() : std::wstring();
+        if (folder.empty())
+            return;
+        record_.raw().hand_over = 0;
+        record_.raw().third_value = 0;
+        record_.set_start_folder(folder);
+        external_ = std::make_unique<TeskelCustom2021>(document_name_, L"");
+        record_.raw().external_record = reinterpret_cast<uintptr_t>(external_.get());
+    }
+
+    void publish(int result) {
+        const bool resumes = result != 0;
+        if (!resumes) {
+            TRACE("C.1");
+            check_output_file();
+        } else {
+            TRACE("C.2...");
+            TRACE("resume");
+        }
+        auto start = std::make_unique<StartState>();
+        release_start_state();  // of a job on this thread that never ended
+        take_result_state().reset();
+        start->block.init(qk::format(kStartBlockName, static_cast<int>(GetCurrentThreadId())));
+        if (!start->block.view())
+            throw NoJob{ERROR_NOT_ENOUGH_MEMORY};  // nobody could render this job
+        record_.publish(*start->block.view(), resumes);
+        start->external = std::move(external_);
+        std::unique_ptr<ResultState> result_state;
+        if (!resumes)
+            result_state = create_result_record();
+        keep(threadprop::kStartRecord, start);
+        if (result_state)
+            keep(threadprop::kResultRecord, result_state);
+    }
+
+    // Hands a state over to the thread's properties.
+    template <class State>
+    static void keep(std::wstring_view key, std::unique_ptr<State>& state) {
+        SetThreadProp(key, reinterpret_cast<ULONG_PTR>(state.get()));
+        (void)state.release();
+    }
+
+    static std::unique_ptr<ResultState> create_result_record() {
+        auto state = std::make_unique<ResultState>(
+            qk::format(kResultBlockName, static_cast<int>(GetCurrentThreadId())));
+        if (state->view())
+            *state->view() = {};  // an older block of the name may still be open somewhere
+        return state;
+    }
+
+    void check_output_file() const {
+        const DWORD mode = fdlg_GetMMFJobMode(printer_name_);
+        if (mode == kUncheckedModes[0] || mode == kUncheckedModes[1])
+            return;
+        const std::wstring& path = record_.output_path();
+        if (path.empty())
+            throw NoJob{ERROR_PRINT_CANCELLED};
+        if (!qk::is_file(path))
+            return;
+        const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                           FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (!file) {
+            TRACE("sd5.2");
+            throw NoJob{ERROR_PRINT_CANCELLED};
+        }
+    }
+
+    std::wstring printer_name_;
+    std::wstring document_name_;
+    bool has_document_name_ = false;
+    // The library outlives the record: a text that it holds itself is copied before it is unloaded.
+    qk::DLL library_;
+    dialog_library::GetFile2* get_file_ = nullptr;
+    PrintSettingsAdmin settings_;
+    DialogRecord record_;
+    std::unique_ptr<TeskelCustom2021> external_;
+};
+
+}  // namespace
+
+Outcome start(HANDLE printer, const void* in, ULONG in_size) { return JobStart(printer, in, in_size).run(); }
+
+}  // namespace job

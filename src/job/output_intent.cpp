@@ -1,0 +1,52 @@
+#include "job/output_intent.h"
+
+#include "common/icc_profile.h"
+#include "common/text.h"
+#include "common/trace.h"
+#include "resources/ids.h"
+
+namespace job {
+
+namespace {
+
+using Settings = Corvanta::Vantrix::PrintSettings::PrintSettings;
+
+// The text "OutputCondition"; settings older than it get the identifier of the profile's description. An entry
+// that is there and empty stays empty.
+std::wstring output_condition(const Settings& settings, const std::wstring& profile_path) {
+    const auto& texts = settings.addition()->Str;
+    const auto entry = texts.find(L"OutputCondition");
+    if (entry != texts.end())
+        return entry->second;
+    return qk::to_wide(icc_ConditionIdFromDesc(icc::find_description(profile_path).value_or(L"")));
+}
+
+// The boxes are margins from the page's edges: the trim box lies inside the bleed box as long as no bleed margin
+// is the greater one.
+bool is_trim_inside_bleed(const Settings& settings) {
+    const auto& trim = settings.pdfVersion()->TrimBox;
+    const auto& bleed = settings.pdfVersion()->BleedBox;
+    return !(bleed.left > trim.left || bleed.top > trim.top || bleed.right > trim.right ||
+             bleed.bottom > trim.bottom);
+}
+
+}  // namespace
+
+std::optional<Refusal> find_refusal(const Settings& settings) {
+    const unsigned version = settings.pdfVersion()->Version;
+    if (version < 5 || version > 11)
+        return std::nullopt;
+    const std::wstring& profile = settings.pdfVersion()->ICCFileName;
+    const auto path = icc::find_profile(profile);
+    if (!path)
+        return Refusal{164, IDS_NO_COLOUR_PROFILE, profile};
+    if (version < 6 || version > 10)
+        return std::nullopt;
+    if (output_condition(settings, *path).empty())
+        return Refusal{50, IDS_NO_OUTPUT_CONDITION, {}};
+    if (!is_trim_inside_bleed(settings))
+        return Refusal{51, IDS_BAD_PAGE_BOXES, {}};
+    return std::nullopt;
+}
+
+}  // namespace job

@@ -1,0 +1,52 @@
+// Settings that an administrator forces on every user of the installation.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "print_settings/PrintSettings.h"
+
+namespace Corvanta::Vantrix {
+
+namespace Administrator {
+
+// What the administrator's file holds beside settings. Paths and names as they stand there, UTF-16.
+class Restriction {
+public:
+    virtual ~Restriction() = default;
+
+    std::wstring PSFile;         // a print setting to load before the user's
+    std::wstring PDFFileName;    // the PDF's file name
+    bool NoSettingTabs = false;  // hide the settings pages
+    std::wstring OutputFolder;
+};
+
+// Reads the restriction of this installation without any setting. True, with defaults, also when there is no
+// administrator file; false, with `restriction` left alone, when it is there but cannot be read.
+[[nodiscard]] bool load_restriction(Restriction& restriction);
+
+// The full path of "administrator.ps4a" in the installation folder; empty when there is no such file.
+[[nodiscard]] std::wstring find_file();
+
+}  // namespace Administrator
+
+namespace PrintSettings {
+
+// A print setting as a job uses it: the user's file with the administrator's values on top.
+class PrintSettingsAdmin : public PrintSettings {
+public:
+    PrintSettingsAdmin() : restriction_(std::make_unique<Administrator::Restriction>()) {}
+
+    using PrintSettings::Load;
+    // Loads the user's file and then the administrator's, when there is one. False when either cannot be
+    // loaded; the object is then not to be used.
+    [[nodiscard]] bool Load(const std::wstring& path) override;
+
+    [[nodiscard]] const Administrator::Restriction& restriction() const noexcept { return *restriction_; }
+
+private:
+    std::unique_ptr<Administrator::Restriction> restriction_;
+};
+
+}  // namespace PrintSettings
+}  // namespace Corvanta::Vantrix

@@ -1,0 +1,106 @@
+#include "print_settings/PrintSettings.h"
+
+#include <exception>
+
+#include "common/text.h"
+#include "common/trace.h"
+#include "print_settings/field_tables.h"
+#include "print_settings/legacy_reader.h"
+#include "print_settings/ps4_reader.h"
+#include "print_settings/ps4_writer.h"
+#include "print_settings/setting_file.h"
+
+namespace Corvanta::Vantrix::PrintSettings {
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+}  // namespace
+
+int RecogniseBytes(std::string_view bytes) noexcept {
+    // The eighth byte of the chunked kind belongs to its magic but is left to its reader.
+    constexpr std::string_view kFirst("\x09\x00\x02\x00", 4);
+    constexpr std::string_view kChunked("\xF0\x5A\x52\x54\x4B\x53\x33", 7);
+    if (bytes.starts_with(kFirst))
+        return kLegacyFirst;
+    if (bytes.starts_with(kChunked))
+        return kLegacyChunked;
+    return bytes.starts_with(kByteOrderMark) ? kPS4 : kUnknownKind;
+}
+
+int Recognise(const std::wstring& path) {
+    std::string bytes;
+    return setting_file::read_start(path, bytes) == kLoaded ? RecogniseBytes(bytes) : kUnknownKind;
+}
+
+bool PrintSettings::Load(const std::wstring& path) {
+    return Load(path, false) == kLoaded;
+}
+
+int PrintSettings::Load(const std::wstring& path, bool keepCurrent) {
+    TRACE("PrintSettings::Load");
+    TRACE(path);
+    std::string bytes;
+    int result = setting_file::read(path, bytes);
+    if (result == kLoaded)
+        result = LoadBytes(bytes, keepCurrent);
+    if (result != kLoaded)
+        TRACE_F(L"err:PrintSettings::Load %d", result);
+    return result;
+}
+
+int PrintSettings::LoadBytes(std::string_view bytes, bool keepCurrent) {
+    switch (const int kind = RecogniseBytes(bytes)) {
+        case kPS4:
+            return LoadPS4(bytes.substr(kByteOrderMark.size()), keepCurrent);
+        case kLegacyFirst:
+        case kLegacyChunked:
+            return read_legacy(bytes, kind);
+        default:
+            return kUnreadable;
+    }
+}
+
+int PrintSettings::LoadPS4(std::string_view text, bool keepCurrent) {
+    try {
+        picojson::value document;
+        if (!json::try_parse(text, document))
+            return kUnreadable;
+        read_setting(document, *impl_, keepCurrent);
+        return kLoaded;
+    } catch (const std::exception& error) {
+        TRACE(error.what());
+        return kUnreadable;
+    }
+}
+
+std::string PrintSettings::Serialise() const {
+    return std::string(kByteOrderMark) + write_setting(*impl_).serialize(true);
+}
+
+bool PrintSettings::Save(const std::wstring& path) const {
+    TRACE("PrintSettings::Save");
+    TRACE(path);
+    std::string bytes;
+    try {
+        bytes = Serialise();
+    } catch (const std::exception& error) {
+        TRACE(error.what());
+        SetLastError(ERROR_INVALID_DATA);
+        return false;
+    }
+    return setting_file::try_replace(path, bytes);
+}
+
+bool operator==(const PrintSettings& a, const PrintSettings& b) {
+    const auto same = [&](const auto& field) { return (*a).*field.member == (*b).*field.member; };
+    if (qk::trace::level >= qk::trace::kPlainLevel)
+        for_each_field<PrintSettings_impl>([&](const auto& field) {
+            if (!same(field))
+                TRACE_F(L"PrintSettings differ: %S", field.key);
+        });
+    return all_fields<PrintSettings_impl>(same);
+}
+
+}  // namespace Corvanta::Vantrix::PrintSettings

@@ -1,0 +1,95 @@
+// Walks two sections side by side and describes what differs.
+#pragma once
+
+#include <map>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "print_settings/display.h"
+#include "print_settings/field_tables.h"
+
+namespace Corvanta::Vantrix::PrintSettings::display {
+
+// One value as a person reads it: texts in quotation marks, codes by name.
+[[nodiscard]] std::wstring show(const FieldInfo& field, bool value);
+[[nodiscard]] std::wstring show(const FieldInfo& field, int64_t value);
+[[nodiscard]] std::wstring show(const FieldInfo& field, double value);
+[[nodiscard]] std::wstring show(const FieldInfo& field, const std::wstring& value);
+template <class Number>
+requires std::is_integral_v<Number>
+[[nodiscard]] std::wstring show(const FieldInfo& field, Number value) {
+    return show(field, static_cast<int64_t>(value));
+}
+template <class Element>
+[[nodiscard]] std::wstring show(const FieldInfo& field, const std::vector<Element>& list) {
+    std::wstring text;
+    for (const Element& element : list) {
+        if (!text.empty())
+            text += L", ";
+        text += show(field, element);
+    }
+    return text.empty() ? show(field, std::wstring()) : text;
+}
+
+[[nodiscard]] std::wstring show_name(const std::wstring& name);
+[[nodiscard]] inline std::wstring show_name(int32_t number) {
+    return std::to_wstring(number);
+}
+[[nodiscard]] std::wstring nothing();  // the place of a value that is not there
+[[nodiscard]] std::wstring secret_change(const std::wstring& what);
+
+// "Compression - Colour images - JPEG quality": the names from the section down to a field.
+[[nodiscard]] std::wstring join(const std::wstring& path, const std::wstring& name);
+[[nodiscard]] std::wstring join(const std::wstring& path, const FieldInfo& field);
+
+// Appends a sentence per difference to `lines`. `path` names the sections around.
+class Differences {
+public:
+    explicit Differences(std::vector<std::wstring>& lines) : lines_(lines) {}
+
+    template <class Section>
+    void compare(const std::wstring& path, const Section& older, const Section& newer) {
+        for_each_field<Section>([&](const auto& field) {
+            if (!(older.*field.member == newer.*field.member))
+                tell(join(path, field), field, older.*field.member, newer.*field.member);
+        });
+    }
+
+private:
+    template <class Value>
+    void tell(const std::wstring& what, const FieldInfo& field, const Value& older, const Value& newer) {
+        lines_.push_back(field.shown == Shown::kSecret
+                             ? secret_change(what)
+                             : Changed2Str(what, show(field, older), show(field, newer)));
+    }
+
+    template <SectionHandle Handle>
+    void tell(const std::wstring& what, const FieldInfo&, const Handle& older, const Handle& newer) {
+        compare(what, *older, *newer);
+    }
+
+    void tell(const std::wstring& what, const FieldInfo&, const Box& older, const Box& newer) {
+        compare(what, older, newer);
+    }
+
+    template <class Key, class Value>
+    void tell(const std::wstring& what, const FieldInfo& field, const std::map<Key, Value>& older,
+              const std::map<Key, Value>& newer) {
+        for (const auto& [key, value] : older) {
+            const auto other = newer.find(key);
+            if (other == newer.end())
+                lines_.push_back(Changed2Str(join(what, show_name(key)), show(field, value), nothing()));
+            else if (!(other->second == value))
+                lines_.push_back(
+                    Changed2Str(join(what, show_name(key)), show(field, value), show(field, other->second)));
+        }
+        for (const auto& [key, value] : newer)
+            if (!older.contains(key))
+                lines_.push_back(Changed2Str(join(what, show_name(key)), nothing(), show(field, value)));
+    }
+
+    std::vector<std::wstring>& lines_;
+};
+
+}  // namespace Corvanta::Vantrix::PrintSettings::display

@@ -1,0 +1,150 @@
+#include "print_settings/display.h"
+
+#include <initializer_list>
+#include <string_view>
+
+#include "common/resource_dll.h"
+#include "common/text.h"
+#include "print_settings/differences.h"
+
+namespace Corvanta::Vantrix::PrintSettings {
+
+namespace display {
+namespace {
+
+constexpr size_t kMostShown = 80;  // units of one text in a sentence
+
+// Puts the values in the place of %1, %2, ...: a language may order them as it needs.
+std::wstring fill_in(std::wstring_view pattern, std::initializer_list<std::wstring_view> values) {
+    std::wstring text;
+    for (size_t i = 0; i < pattern.size(); ++i) {
+        const size_t number = pattern[i] == L'%' && i + 1 < pattern.size()
+                                  ? static_cast<size_t>(pattern[i + 1] - L'1')
+                                  : values.size();
+        if (number < values.size()) {
+            text += values.begin()[number];
+            ++i;
+        } else {
+            text += pattern[i];
+        }
+    }
+    return text;
+}
+
+// One line, not too long.
+std::wstring shortened(std::wstring text) {
+    for (wchar_t& unit : text)
+        if (unit < L' ')
+            unit = L' ';
+    if (text.size() > kMostShown) {
+        const bool cuts_pair = IS_HIGH_SURROGATE(text[kMostShown - 1]);
+        text.resize(cuts_pair ? kMostShown - 1 : kMostShown);
+        text += L'\u2026';
+    }
+    return text;
+}
+
+}  // namespace
+
+std::wstring show(const FieldInfo&, bool value) {
+    return qk::load_string(value ? IDS_PS_YES : IDS_PS_NO);
+}
+
+std::wstring show(const FieldInfo& field, int64_t value) {
+    constexpr int64_t kAllOnes = 0xFFFFFFFF;
+    if (field.shown == Shown::kNamed && value >= 0 && value < field.value_count)
+        return qk::load_string(field.first_value + static_cast<UINT>(value));
+    if (field.shown == Shown::kColour) {
+        const auto colour = static_cast<COLORREF>(value);
+        return qk::format(L"#%02X%02X%02X", colour & 0xFF, colour >> 8 & 0xFF, colour >> 16 & 0xFF);
+    }
+    if ((field.shown == Shown::kZeroIsAuto && value == 0) ||
+        (field.shown == Shown::kOnesAreAuto && value == kAllOnes))
+        return qk::load_string(IDS_PS_AUTO);
+    return std::to_wstring(field.shown == Shown::kSigned && value == kAllOnes ? -1 : value);
+}
+
+std::wstring show(const FieldInfo&, double value) {
+    return qk::format(L"%g", value);
+}
+std::wstring show(const FieldInfo&, const std::wstring& value) {
+    return L"\"" + shortened(value) + L"\"";
+}
+std::wstring show_name(const std::wstring& name) {
+    return shortened(name);
+}
+std::wstring nothing() {
+    return qk::load_string(IDS_PS_NOTHING);
+}
+std::wstring secret_change(const std::wstring& what) {
+    return fill_in(qk::load_string(IDS_PS_SECRET_CHANGED), {what});
+}
+
+std::wstring join(const std::wstring& path, const std::wstring& name) {
+    return path.empty() ? name : fill_in(qk::load_string(IDS_PS_PATH), {path, name});
+}
+std::wstring join(const std::wstring& path, const FieldInfo& field) {
+    return field.name == 0 ? path : join(path, qk::load_string(field.name));
+}
+
+namespace {
+
+template <class Section>
+void list_names(std::vector<std::wstring>& lines, const std::wstring& path, const Section& section);
+
+template <class Value>
+void list_name(std::vector<std::wstring>& lines, const std::wstring& path, const FieldInfo& field,
+               const Value& value) {
+    if constexpr (SectionHandle<Value>)
+        list_names(lines, path, *value);
+    else if constexpr (std::is_integral_v<Value>)
+        if (field.shown == Shown::kNamed)
+            lines.push_back(fill_in(qk::load_string(IDS_PS_VALUE), {path, show(field, value)}));
+}
+
+template <class Section>
+void list_names(std::vector<std::wstring>& lines, const std::wstring& path, const Section& section) {
+    for_each_field<Section>(
+        [&](const auto& field) { list_name(lines, join(path, field), field, section.*field.member); });
+}
+
+}  // namespace
+}  // namespace display
+
+std::vector<std::wstring> Changed2Str(const PrintSettings& older, const PrintSettings& newer) {
+    std::vector<std::wstring> lines;
+    display::Differences(lines).compare({}, *older, *newer);
+    return lines;
+}
+
+std::wstring Changed2Str(const std::wstring& what, const std::wstring& older, const std::wstring& newer) {
+    return display::fill_in(qk::load_string(IDS_PS_CHANGED), {what, older, newer});
+}
+
+std::vector<std::wstring> Types2Str(const PrintSettings& settings) {
+    std::vector<std::wstring> lines;
+    display::list_names(lines, {}, *settings);
+    return lines;
+}
+
+const wchar_t* Types2Str(PDFVer version) noexcept {
+    switch (version) {
+        case PDFVer::_13:
+            return L"ZRPS::PDFVer::_13";
+        case PDFVer::_14:
+            return L"ZRPS::PDFVer::_14";
+        case PDFVer::_15:
+            return L"ZRPS::PDFVer::_15";
+        case PDFVer::_16:
+            return L"ZRPS::PDFVer::_16";
+        case PDFVer::_17:
+            return L"ZRPS::PDFVer::_17";
+        case PDFVer::_20:
+            return L"ZRPS::PDFVer::_20";
+        case PDFVer::Unknown:
+            break;
+    }
+    return L"ZRPS::PDFVer::Unknown";
+}
+
+}  // namespace Corvanta::Vantrix::PrintSettings
