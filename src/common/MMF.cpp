@@ -83,4 +83,18 @@ Block open_or_create(std::wstring_view name, size_t size) noexcept {
     }
 }
 
+Block open_existing(std::wstring_view name, size_t size) noexcept {
+    TRACE("MMF::open");
+    try {
+        Block block;
+        block.mapping.reset(
+            OpenFileMappingW(FILE_MAP_READ | FILE_MAP_WRITE, FALSE, std::wstring(name).c_str()));
+        if (block.mapping)
+            map(block, size);
+        return block;
+    } catch (...) {
+        return {};
+    }
+}
+
 }  // namespace qk::mmf

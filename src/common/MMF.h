@@ -22,6 +22,7 @@ struct Block {
 };
 
 [[nodiscard]] Block open_or_create(std::wstring_view name, size_t size) noexcept;
+[[nodiscard]] Block open_existing(std::wstring_view name, size_t size) noexcept;
 
 }  // namespace mmf
 
@@ -40,6 +41,12 @@ public:
     void init(std::wstring_view name) noexcept {
         block_ = {};  // what was held is released before a block of the same name is opened
         block_ = mmf::open_or_create(name, sizeof(T));
+    }
+
+    // Only opens it: a null view when there is no such block.
+    void open(std::wstring_view name) noexcept {
+        block_ = {};
+        block_ = mmf::open_existing(name, sizeof(T));
     }
 
     // The mapped record, or null. Valid while this object lives.

@@ -35,8 +35,8 @@ std::wstring printer_name(HANDLE printer) {
 
 DWORD fdlg_GetMMFJobMode(const std::wstring& printer_name) {
     TRACE("fdlg_GetMMFJobMode");
-    const qk::MMF<ZRTK_COMMON_MMF> common(
-        qk::format(kCommonBlockName, printer_name.c_str(), user_name().c_str()));
+    qk::MMF<ZRTK_COMMON_MMF> common;
+    common.open(qk::format(kCommonBlockName, printer_name.c_str(), user_name().c_str()));
     if (common.view() && (common.view()->flags & ZRTK_COMMON_MMF::kJobModeValid))
         return common.view()->job_mode;
     TRACE("no GetMMFJobMode");

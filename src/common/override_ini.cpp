@@ -12,7 +12,8 @@ constexpr wchar_t kSection[] = L"Vantrix";
 }  // namespace
 
 OverrideIni::OverrideIni() : path_(shared_documents_folder() + L"\\DunmereVantrix.ini") {
-    if (!is_file(path_))
+    exists_ = is_file(path_);
+    if (!exists_)
         return;
     const auto version = find_number(text(L"IniVersion"));
     valid_ = version && *version >= 2.0 && *version <= 3.0;
@@ -38,6 +39,8 @@ std::wstring OverrideIni::text(const wchar_t* key) const {
 }
 
 int OverrideIni::number(const wchar_t* key, int fallback) const noexcept {
+    if (!exists_)
+        return fallback;
     return static_cast<int>(GetPrivateProfileIntW(kSection, key, fallback, path_.c_str()));
 }
 

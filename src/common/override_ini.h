@@ -31,6 +31,7 @@ private:
     [[nodiscard]] int number(const wchar_t* key, int fallback) const noexcept;
 
     std::wstring path_;
+    bool exists_ = false;
     bool valid_ = false;
 };
 

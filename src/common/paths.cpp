@@ -31,16 +31,26 @@ std::wstring install_folder() {
     return folder;
 }
 
+namespace {
+
+// Asked of the shell once: it is the same for every user and as long as the process lives, and each job and
+// each DEVMODE query would ask again.
+const std::wstring& shell_common_documents() {
+    static const std::wstring folder = [] {
+        wchar_t buffer[MAX_PATH + 1] = {};
+        return SHGetSpecialFolderPathW(nullptr, buffer, CSIDL_COMMON_DOCUMENTS, FALSE) ? buffer : L"";
+    }();
+    return folder;
+}
+
+}  // namespace
+
 std::wstring common_documents_folder() {
     constexpr wchar_t kSpecialFolders[] = L"SOFTWARE\\Dunmere\\Common\\SpecialFolder";
     std::wstring folder =
         registry::find_text(HKEY_LOCAL_MACHINE, kSpecialFolders, L"CSIDL_COMMON_DOCUMENTS").value_or(L"");
-    if (folder.empty()) {
-        wchar_t buffer[MAX_PATH + 1] = {};
-        if (!SHGetSpecialFolderPathW(nullptr, buffer, CSIDL_COMMON_DOCUMENTS, FALSE))
-            return {};
-        folder = buffer;
-    }
+    if (folder.empty())
+        folder = shell_common_documents();
     return std::wstring(without_trailing_backslashes(folder));
 }
 

@@ -159,7 +159,11 @@ std::wstring GetSettingFileNameFromFD(const std::wstring& printer_name) {
         TRACE("dll not found: Tessalo80.dll");
         return {};
     }
-    auto* get_setting = qk::find_export<dialog_library::GetSettingFN>(library.get(), "GetSettingFN");
+    return GetSettingFileNameFromFD(library.get(), printer_name);
+}
+
+std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& printer_name) {
+    auto* get_setting = qk::find_export<dialog_library::GetSettingFN>(library, "GetSettingFN");
     if (!get_setting) {
         TRACE("no func");
         return {};

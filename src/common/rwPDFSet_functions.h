@@ -44,3 +44,6 @@ int FindSettingFile(wchar_t* name, size_t capacity);
 
 // Asks the save-file dialog library which setting file belongs to the printer; empty when it cannot say.
 [[nodiscard]] std::wstring GetSettingFileNameFromFD(const std::wstring& printer_name);
+
+// The same of the library already loaded.
+[[nodiscard]] std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& printer_name);

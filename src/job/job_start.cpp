@@ -108,7 +108,7 @@ private:
     }
 
     void load_settings() {
-        const std::wstring name = GetSettingFileNameFromFD(printer_name_);
+        const std::wstring name = GetSettingFileNameFromFD(library_.get(), printer_name_);
         if (name.empty())
             return;  // the job goes on with the defaults
         const std::wstring path = setting_path(name);
@@ -129,7 +129,7 @@ private:
 
     void name_output() {
         if (has_document_name_)
-            TRACE(SetPDFname(document_name_.c_str()));
+            TRACE_F(L"%s", SetPDFname(document_name_.c_str()).c_str());
         else
             TRACE("no document name");
         record_.set_title(CleanJobTitle(document_name_));

@@ -30,6 +30,7 @@ int RecogniseBytes(std::string_view bytes) noexcept {
 }
 
 int Recognise(const std::wstring& path) {
+    TRACE("Recognise");
     std::string bytes;
     return setting_file::read_start(path, bytes) == kLoaded ? RecogniseBytes(bytes) : kUnknownKind;
 }
@@ -63,6 +64,7 @@ int PrintSettings::LoadBytes(std::string_view bytes, bool keepCurrent) {
 }
 
 int PrintSettings::LoadPS4(std::string_view text, bool keepCurrent) {
+    TRACE("LoadPS4");
     try {
         picojson::value document;
         if (!json::try_parse(text, document))

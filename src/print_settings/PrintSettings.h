@@ -17,7 +17,7 @@ inline constexpr int kMissing = 18;        // no path, no such file, or a folder
 inline constexpr int kLegacyPayload = 21;  // a sound older binary setting, whose values cannot be taken over
 
 // Setting files above this many bytes are unreadable; a full one has some 4 KiB.
-inline constexpr unsigned kMostFileBytes = 16u << 20;
+inline constexpr unsigned kMostFileBytes = 4u << 20;
 
 // Kinds of setting file.
 inline constexpr int kUnknownKind = 0;

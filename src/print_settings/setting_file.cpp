@@ -119,6 +119,11 @@ int read_start(const std::wstring& path, std::string& bytes) {
 }
 
 bool try_replace(const std::wstring& path, std::string_view bytes) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY)) {
+        SetLastError(ERROR_ACCESS_DENIED);  // the folder's rights could let the file be replaced all the same
+        return false;
+    }
     const std::wstring temporary = write_temporary(path, bytes);
     if (temporary.empty())
         return false;

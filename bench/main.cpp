@@ -1,0 +1,296 @@
+// Prints each cost of the module beside the system calls that it must make. Exit code 1 when one is too slow.
+//
+//   zr_bench.exe [printer name]
+#include <windows.h>
+#include <winspool.h>
+#include <psapi.h>
+#include <picojson.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "UI_dll/ddi.h"
+#include "bench/measure.h"
+#include "common/handle.h"
+#include "common/job_records.h"
+#include "common/module.h"
+#include "common/paths.h"
+#include "common/registry.h"
+#include "common/text.h"
+#include "common/trace.h"
+#include "job/document_event.h"
+#include "lib/devmode.h"
+#include "lib/forms.h"
+#include "print_settings/PrintSettings.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/registry_override.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+using Corvanta::Vantrix::PrintSettings::PrintSettings;
+using bench::compare;
+using bench::report;
+
+volatile DWORD bare_level = 0;
+volatile int sink = 0;
+
+std::wstring program_folder() {
+    const std::wstring path = qk::module_path(nullptr);
+    return path.substr(0, path.size() - qk::file_part(path).size());
+}
+
+bool bench_trace() {
+    constexpr int kCalls = 1000;
+    const auto pair = compare(
+        201, 100,
+        [] {
+            for (int i = 0; i < kCalls; ++i) {
+                TRACE("bench");
+                sink = i;
+            }
+        },
+        [] {
+            for (int i = 0; i < kCalls; ++i) {
+                if (bare_level >= 5)
+                    std::abort();
+                sink = i;
+            }
+        });
+    return report("1,000 trace calls at level 0", "1,000 comparisons", pair, 1.5);
+}
+
+std::string full_setting(const TempFolder& folder) {
+    PrintSettings settings;
+    settings->PSName = L"bench";
+    for (int key = 0; key < 20; ++key)
+        settings->PSComment[key] = L"A comment of some length, under a key of its own";
+    for (int i = 0; i < 40; ++i)
+        settings.font()->Fonts.push_back(L"Font number " + std::to_wstring(i));
+    for (int i = 0; i < 20; ++i)
+        settings.addition()->Str[L"Name " + std::to_wstring(i)] = L"Value";
+    if (!settings.Save(folder.file(L"bench.ps4")))
+        std::abort();
+    return TempFolder::read(folder.file(L"bench.ps4"));
+}
+
+bool bench_settings(const TempFolder& folder) {
+    const std::string bytes = full_setting(folder);
+    const std::wstring path = folder.file(L"bench.ps4");
+    const auto load = compare(
+        101, 20,
+        [&] {
+            PrintSettings settings;
+            sink = settings.Load(path);
+        },
+        [&] {
+            const std::string text = TempFolder::read(path).substr(3);
+            picojson::value value;
+            std::string error;
+            picojson::parse(value, text.data(), text.data() + text.size(), &error);
+            sink = static_cast<int>(value.get<picojson::object>().size());
+        });
+    bool good = report("load a full setting file", "read it and let picojson parse it", load, 1.5);
+    PrintSettings settings;
+    if (!settings.Load(path))
+        std::abort();
+    const std::wstring saved = folder.file(L"saved.ps4");
+    const std::wstring bare = folder.file(L"bare");
+    const auto save = compare(
+        51, 5, [&] { sink = settings.Save(saved); },
+        [&] {
+            folder.write(L"bare.tmp", bytes);
+            MoveFileExW((bare + L".tmp").c_str(), bare.c_str(), MOVEFILE_REPLACE_EXISTING);
+        });
+    good &= report("save it", "write the bytes and replace a file", save, 0);
+    return good;
+}
+
+// What a DEVMODE query cannot do without.
+void ask_spooler(HANDLE printer) {
+    DWORD size = 0;
+    DWORD count = 0;
+    GetPrinterW(printer, 2, nullptr, 0, &size);
+    std::string buffer(size, '\0');
+    GetPrinterW(printer, 2, reinterpret_cast<BYTE*>(buffer.data()), size, &size);
+    EnumFormsW(printer, 1, nullptr, 0, &size, &count);
+    buffer.resize(size);
+    EnumFormsW(printer, 1, reinterpret_cast<BYTE*>(buffer.data()), size, &size, &count);
+}
+
+bool bench_devmode(const std::wstring& name) {
+    qk::PrinterHandleObj printer;
+    std::wstring printer_name = name;
+    if (!OpenPrinterW(printer_name.data(), printer.put(), nullptr)) {
+        std::printf("the DEVMODE query is not measured: no printer \"%ls\"\n", name.c_str());
+        return false;
+    }
+    const auto pair = compare(
+        101, 20,
+        [&] {
+            DriverDevmode out = {};
+            sink = DrvDocumentProperties(nullptr, printer.get(), printer_name.data(), &out.dm, nullptr, DM_COPY);
+        },
+        [&] { ask_spooler(printer.get()); });
+    return report("direct DEVMODE query", "GetPrinterW twice and EnumFormsW twice", pair, 1.2);
+}
+
+// The road of a job, with a dialog library that answers at once.
+bool bench_job(const TempFolder& folder, const MachineRegistry& machine) {
+    const std::wstring install = program_folder() + L"bench_install\\";
+    machine.set_text(L"SOFTWARE\\Corvanta\\Vantrix\\8.0", L"PdfDllPath", install);
+    const std::wstring setting = folder.file(L"bench.ps4");
+    SetEnvironmentVariableW(L"ZR_BENCH_SETTING", setting.c_str());
+    DOCINFOW document = {sizeof document, L"A document"};
+    const auto pair = compare(
+        51, 5,
+        [&] {
+            sink = internal_DrvDocumentEvent(nullptr, nullptr, DOCUMENTEVENT_STARTDOCPRE, sizeof document, &document,
+                                             0, nullptr);
+            if (sink != DOCUMENTEVENT_SUCCESS)
+                std::abort();
+            internal_DrvDocumentEvent(nullptr, nullptr, DOCUMENTEVENT_ENDDOCPOST, 0, nullptr, 0, nullptr);
+        },
+        [&] {
+            const qk::DLL library(
+                LoadLibraryExW((install + L"Tessalo80.dll").c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+            sink = static_cast<int>(TempFolder::read(setting).size());
+            const qk::MMF<ZRTKPrintStartInfoC> start(L"zr_bench_start");
+            const qk::MMF<ZRTKPrintInfo> result(L"zr_bench_result");
+            PostMessageW(HWND_BROADCAST, RegisterWindowMessageW(L"zr_bench"), 0, 0);
+        });
+    return report("a job, STARTDOCPRE to ENDDOCPOST", "library, file, two mappings, broadcast", pair, 1.5);
+}
+
+// Forms of a spooler that has as many as it is told to.
+DWORD form_count = 0;
+
+BOOL WINAPI enum_many_forms(HANDLE, DWORD, LPBYTE buffer, DWORD size, LPDWORD needed, LPDWORD count) {
+    static wchar_t name[] = L"A form with a name";
+    *needed = form_count * static_cast<DWORD>(sizeof(FORM_INFO_1W));
+    *count = 0;
+    if (size < *needed) {
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return FALSE;
+    }
+    auto* forms = reinterpret_cast<FORM_INFO_1W*>(buffer);
+    for (DWORD i = 0; i < form_count; ++i)
+        forms[i] = {FORM_USER, name, {210000, 297000}, {0, 0, 210000, 297000}};
+    *count = form_count;
+    return TRUE;
+}
+
+bool bench_forms() {
+    const ImportPatch patch("EnumFormsW", reinterpret_cast<void*>(&enum_many_forms));
+    double per_form[3] = {};
+    int index = 0;
+    for (const DWORD count : {100u, 1000u, 10000u}) {
+        form_count = count;
+        std::vector<FormRecord> records;
+        const auto ours = [&] { sink = ZRTK_EnumForms(nullptr, nullptr, records); };
+        const auto pair = compare(51, 5, ours, [] {
+            DWORD needed = 0;
+            DWORD got = 0;
+            std::string buffer(form_count * sizeof(FORM_INFO_1W), '\0');
+            enum_many_forms(nullptr, 1, reinterpret_cast<BYTE*>(buffer.data()),
+                            static_cast<DWORD>(buffer.size()), &needed, &got);
+        });
+        const std::string what = "ZRTK_EnumForms over " + std::to_string(count) + " forms";
+        report(what.c_str(), "the forms call alone", pair, 0);
+        per_form[index++] = pair.cost / count;
+    }
+    const double growth = per_form[2] / per_form[0];
+    std::printf("%-44s x%.2f per form from 100 to 10,000 forms (linear: about 1)\n", "growth of ZRTK_EnumForms",
+                growth);
+    return growth < 2.0;
+}
+
+// In a process of its own, for the module is never unloaded: prints its own measures.
+int measure_load() {
+    const std::wstring path = program_folder() + L"..\\stage\\ZR_UI80.dll";
+    PROCESS_MEMORY_COUNTERS_EX before = {};
+    GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&before), sizeof before);
+    const double start = bench::now_microseconds();
+    HMODULE module = LoadLibraryW(path.c_str());
+    const double loaded = bench::now_microseconds();
+    if (!module)
+        return 1;
+    FreeLibrary(module);
+    const double freed = bench::now_microseconds();
+    module = LoadLibraryW(path.c_str());
+    FreeLibrary(module);
+    const double again = bench::now_microseconds();
+    PROCESS_MEMORY_COUNTERS_EX after = {};
+    GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&after), sizeof after);
+    std::printf("%.1f %.1f %llu\n", loaded - start, again - freed,
+                static_cast<unsigned long long>((after.PrivateUsage - before.PrivateUsage) / 1024));
+    return 0;
+}
+
+std::string run_self(const wchar_t* argument) {
+    SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
+    HANDLE read = nullptr;
+    HANDLE write = nullptr;
+    CreatePipe(&read, &write, &inherit, 0);
+    const qk::HandleObj reader(read);
+    STARTUPINFOW startup = {sizeof startup};
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = write;
+    PROCESS_INFORMATION process = {};
+    std::wstring command = L"\"" + qk::module_path(nullptr) + L"\" " + argument;
+    const BOOL started =
+        CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process);
+    qk::HandleObj(write).reset();
+    if (!started)
+        return {};
+    const qk::HandleObj owner(process.hProcess);
+    const qk::HandleObj thread(process.hThread);
+    WaitForSingleObject(owner.get(), INFINITE);
+    char text[200] = {};
+    DWORD size = 0;
+    ReadFile(reader.get(), text, sizeof text - 1, &size, nullptr);
+    return text;
+}
+
+bool bench_load() {
+    std::vector<double> first;
+    std::vector<double> again;
+    unsigned long long private_kib = 0;
+    for (int run = 0; run < 15; ++run) {
+        double cold = 0;
+        double warm = 0;
+        if (std::sscanf(run_self(L"--measure-load").c_str(), "%lf %lf %llu", &cold, &warm, &private_kib) != 3)
+            return false;
+        first.push_back(cold);
+        again.push_back(warm);
+    }
+    std::printf("%-44s %12.1f us  (the very first in this run: %.1f us)\n", "load the module into a new process",
+                bench::median(first), first.front());
+    std::printf("%-44s %12.1f us\n", "load and free it again in that process", bench::median(again));
+    std::printf("%-44s %12llu KiB\n", "private memory added to the host", private_kib);
+    WIN32_FILE_ATTRIBUTE_DATA file = {};
+    GetFileAttributesExW((program_folder() + L"..\\stage\\ZR_UI80.dll").c_str(), GetFileExInfoStandard, &file);
+    std::printf("%-44s %12lu bytes  limit 1048576 %s\n", "size of ZR_UI80.dll",
+                static_cast<unsigned long>(file.nFileSizeLow), file.nFileSizeLow < 1048576 ? "ok" : "TOO LARGE");
+    return file.nFileSizeLow < 1048576;
+}
+
+}  // namespace
+
+int wmain(int argc, wchar_t** argv) {
+    if (argc > 1 && std::wcscmp(argv[1], L"--measure-load") == 0)
+        return measure_load();
+    bool good = bench_trace();
+    const TempFolder folder;
+    good &= bench_settings(folder);
+    good &= bench_devmode(argc > 1 ? argv[1] : qk::kProductName);
+    good &= bench_load();
+    {
+        const MachineRegistry machine;
+        good &= bench_job(folder, machine);
+    }
+    good &= bench_forms();
+    std::printf("%s\n", good ? "bench: all within their limits" : "bench: something is too slow or not measured");
+    return good ? 0 : 1;
+}

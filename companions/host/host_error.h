@@ -1,0 +1,32 @@
+// How the host program ends when something goes wrong.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace host {
+
+// The program's exit codes; scripts rely on them.
+enum class ExitCode {
+    kDone = 0,
+    kJobFailed = 1,     // the job was refused, cancelled or ended with an error
+    kUsage = 2,         // wrong arguments, or the text file cannot be read
+    kInstallation = 3,  // the printer, the module or a file of the installation is missing or cannot be set up
+    kInternal = 4,      // a fault of the program itself
+};
+
+// Thrown where a command cannot go on.
+struct HostError {
+    ExitCode exit_code;
+    std::wstring text;
+};
+
+// A Windows error code in words, without a trailing full stop or line break; "error <number>" for a code that
+// the system has no words for.
+[[nodiscard]] std::wstring error_in_words(DWORD error);
+
+// "<what>: <the error in words> (<number>)".
+[[nodiscard]] std::wstring with_reason(const std::wstring& what, DWORD error);
+
+}  // namespace host

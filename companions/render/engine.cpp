@@ -1,0 +1,205 @@
+#include "companions/render/engine.h"
+
+#include <algorithm>
+#include <chrono>
+#include <future>
+
+#include "common/handle.h"
+#include "common/text.h"
+#include "companions/wine_layer.h"
+
+namespace companions::render {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kPoll = 50ms;
+constexpr wchar_t kLogName[] = L"engine.log";
+
+// Limits the engine's processor time, since nobody could stop an endless document otherwise, and sends what
+// it prints to a file: a pipe of this process means nothing to a Unix program.
+constexpr char kScript[] =
+    "ulimit -t \"$1\" 2>/dev/null || :; log=$2; TMPDIR=$3; export TMPDIR; shift 3; "
+    "exec \"$@\" >\"$log\" 2>&1 </dev/null";
+constexpr int kShellNotStarted = 126;  // 126 not a program, 127 not found
+constexpr int kShellNotFound = 127;
+constexpr int kSignalled = 255;
+
+std::wstring environment(const wchar_t* name) {
+    return qk::grow_until_it_fits(
+        [name](wchar_t* buffer, DWORD units) { return GetEnvironmentVariableW(name, buffer, units); });
+}
+
+std::wstring chosen_program() {
+    std::wstring program = environment(L"ZR_GHOSTSCRIPT");
+    if (!program.empty())
+        return program;
+    return wine::present() ? L"gs" : L"gswin64c.exe";
+}
+
+unsigned time_limit() {
+    const double seconds = qk::find_number(environment(L"ZR_RENDER_SECONDS")).value_or(0);
+    return seconds >= 1 && seconds <= 1e6 ? static_cast<unsigned>(seconds) : Engine::kUsualSeconds;
+}
+
+// Hands on what has been added to a file that another program writes.
+class Tail {
+public:
+    Tail(const std::wstring& path, const std::function<void(std::string_view)>& output)
+        : path_(path), output_(output) {}
+
+    void read() {
+        if (!file_)
+            file_.reset(CreateFileW(path_.c_str(), GENERIC_READ,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        char bytes[4096];
+        DWORD size = 0;
+        while (file_ && ReadFile(file_.get(), bytes, sizeof bytes, &size, nullptr) && size > 0)
+            output_({bytes, size});
+    }
+
+private:
+    std::wstring path_;
+    const std::function<void(std::string_view)>& output_;
+    qk::FileObj file_;
+};
+
+Engine::End unix_end(std::optional<int> code) noexcept {
+    if (!code || *code == kShellNotStarted || *code == kShellNotFound)
+        return Engine::End::kMissing;
+    if (*code == kSignalled)
+        return Engine::End::kStopped;
+    return *code == 0 ? Engine::End::kDone : Engine::End::kFailed;
+}
+
+Engine::End run_unix(const std::vector<std::string>& command, Tail& tail) {
+    auto running = std::async(std::launch::async, [&command] { return wine::run_unix_program(command); });
+    while (running.wait_for(kPoll) != std::future_status::ready)
+        tail.read();
+    const auto code = running.get();
+    tail.read();
+    return unix_end(code);
+}
+
+// A job that takes its processes with it when this process goes.
+qk::HandleObj make_kill_on_close_job() noexcept {
+    qk::HandleObj job(CreateJobObjectW(nullptr, nullptr));
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    if (job)
+        SetInformationJobObject(job.get(), JobObjectExtendedLimitInformation, &limits, sizeof limits);
+    return job;
+}
+
+qk::FileObj open_inheritable(const std::wstring& path, DWORD access, DWORD disposition) noexcept {
+    SECURITY_ATTRIBUTES attributes = {sizeof attributes, nullptr, TRUE};
+    return qk::FileObj(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &attributes,
+                                   disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+qk::HandleObj start(const std::wstring& program, std::wstring command_line, const std::wstring& log) {
+    std::wstring found = qk::grow_until_it_fits([&program](wchar_t* buffer, DWORD units) {
+        return SearchPathW(nullptr, program.c_str(), L".exe", units, buffer, nullptr);
+    });
+    if (found.empty())
+        return {};
+    const qk::FileObj output = open_inheritable(log, FILE_APPEND_DATA, CREATE_ALWAYS);
+    const qk::FileObj input = open_inheritable(L"NUL", GENERIC_READ, OPEN_EXISTING);
+    STARTUPINFOW startup = {sizeof startup};
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = input.get();
+    startup.hStdOutput = startup.hStdError = output.get();
+    PROCESS_INFORMATION made = {};
+    if (!CreateProcessW(found.c_str(), command_line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
+                        nullptr, &startup, &made))
+        return {};
+    const qk::HandleObj thread(made.hThread);
+    return qk::HandleObj(made.hProcess);
+}
+
+Engine::End run_windows(const std::wstring& program, const std::wstring& command_line,
+                        const std::wstring& log, Tail& tail) {
+    const qk::HandleObj job = make_kill_on_close_job();
+    const qk::HandleObj process = start(program, command_line, log);
+    if (!process)
+        return Engine::End::kMissing;
+    if (job)
+        AssignProcessToJobObject(job.get(), process.get());
+    const auto last = std::chrono::steady_clock::now() + std::chrono::seconds(time_limit());
+    while (WaitForSingleObject(process.get(), static_cast<DWORD>(kPoll.count())) == WAIT_TIMEOUT) {
+        tail.read();
+        if (std::chrono::steady_clock::now() > last) {
+            TerminateProcess(process.get(), ERROR_TIMEOUT);
+            return Engine::End::kStopped;
+        }
+    }
+    tail.read();
+    DWORD code = 0;
+    GetExitCodeProcess(process.get(), &code);
+    // A crash leaves an exception's code, which has its highest bits set.
+    if (code >= 0xC0000000u)
+        return Engine::End::kStopped;
+    return code == 0 ? Engine::End::kDone : Engine::End::kFailed;
+}
+
+}  // namespace
+
+Engine::Engine() : Engine(chosen_program()) {}
+
+Engine::Engine(std::wstring program)
+    : program_(std::move(program)),
+      unix_(wine::present() && (program_.starts_with(L'/') || program_ == L"gs")) {}
+
+std::optional<std::string> Engine::find_path(const std::wstring& path) const {
+    const std::wstring full = qk::grow_until_it_fits([&path](wchar_t* buffer, DWORD units) {
+        return GetFullPathNameW(path.c_str(), units, buffer, nullptr);
+    });
+    return unix_ ? wine::find_unix_path(full) : qk::to_utf8(full);
+}
+
+std::vector<std::string> Engine::unix_command(const std::vector<std::string>& arguments,
+                                              const std::wstring& scratch, const std::wstring& log) const {
+    const auto folder = find_path(scratch);
+    const auto log_path = find_path(log);
+    if (!folder || !log_path)
+        return {};
+    std::vector<std::string> command = {"/bin/sh",
+                                        "-c",
+                                        kScript,
+                                        "zr_render",
+                                        std::to_string(time_limit()),
+                                        *log_path,
+                                        *folder,
+                                        qk::to_utf8(program_)};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return command;
+}
+
+Engine::End Engine::run(const std::vector<std::string>& arguments, const std::wstring& scratch,
+                        const std::function<void(std::string_view)>& output) const {
+    const std::wstring log = scratch + L'\\' + kLogName;
+    Tail tail(log, output);
+    if (unix_)
+        return run_unix(unix_command(arguments, scratch, log), tail);
+    std::wstring command_line = quoted(program_);
+    for (const std::string& argument : arguments)
+        command_line += L' ' + quoted(qk::to_wide(argument));
+    return run_windows(program_, command_line, log, tail);
+}
+
+std::wstring quoted(std::wstring_view word) {
+    std::wstring text = L"\"";
+    size_t backslashes = 0;  // double only where a quotation mark follows
+    for (const wchar_t unit : word) {
+        if (unit == L'"')
+            text.append(backslashes + 1, L'\\');
+        backslashes = unit == L'\\' ? backslashes + 1 : 0;
+        text += unit;
+    }
+    text.append(backslashes, L'\\');
+    return text + L'"';
+}
+
+}  // namespace companions::render

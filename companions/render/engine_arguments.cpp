@@ -1,0 +1,179 @@
+#include "companions/render/engine_arguments.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace companions::render {
+
+namespace {
+
+using Corvanta::Vantrix::PrintSettings::CompressImage;
+using Corvanta::Vantrix::PrintSettings::PDFVer;
+using Corvanta::Vantrix::PrintSettings::PrintSettings;
+using Corvanta::Vantrix::PrintSettings::Security_impl;
+
+constexpr uint32_t kPdf13 = 0;
+constexpr uint32_t kFirstStandard = 5;  // 5 to 11 are PDF/A and PDF/X
+constexpr uint32_t kLastStandard = 11;
+constexpr uint32_t kGrey = 1;  // ColorMode
+constexpr size_t kMostPassword = 32;
+
+constexpr bool is_standard(uint32_t version_code) noexcept {
+    return version_code >= kFirstStandard && version_code <= kLastStandard;
+}
+
+std::string flag(std::string_view name, bool value) {
+    return "-d" + std::string(name) + (value ? "=true" : "=false");
+}
+
+// A file name is a pattern to the engine in which % stands for a page number.
+std::string output_argument(const std::string& path) {
+    std::string argument = "-sOutputFile=";
+    for (const char c : path)
+        argument.append(c == '%' ? 2 : 1, c);
+    return argument;
+}
+
+// The engine takes thresholds as multiples of the target, from 1 to 10.
+std::string threshold(const CompressImage& image) {
+    const uint64_t target = std::max(image.ResolutionTarget(), 1u);
+    const uint64_t percent =
+        std::clamp<uint64_t>(uint64_t{image.ResolutionThreshold()} * 100 / target, 100, 1000);
+    char text[16];
+    std::snprintf(text, sizeof text, "%u.%02u", static_cast<unsigned>(percent / 100),
+                  static_cast<unsigned>(percent % 100));
+    return text;
+}
+
+void add_image(std::vector<std::string>& arguments, const std::string& kind, const CompressImage& image) {
+    constexpr const char* kMethods[] = {nullptr, "/Subsample", "/Average", "/Bicubic"};
+    const uint32_t method = image.DownSamplingMethod();
+    const bool downsample = method > 0 && method < std::size(kMethods);
+    arguments.push_back(flag("Downsample" + kind + "Images", downsample));
+    if (!downsample)
+        return;
+    // Averages of two colours are no colours of a monochrome image.
+    const std::string type = kind == "Mono" ? "/Subsample" : kMethods[method];
+    arguments.push_back("-d" + kind + "ImageDownsampleType=" + type);
+    arguments.push_back("-d" + kind + "ImageResolution=" + std::to_string(image.ResolutionTarget()));
+    arguments.push_back("-d" + kind + "ImageDownsampleThreshold=" + threshold(image));
+}
+
+std::optional<std::string> find_hex_password(std::wstring_view password) {
+    std::string hex = "<";
+    for (const wchar_t unit : password.substr(0, kMostPassword)) {
+        if (unit < 0x20 || (unit > 0x7E && unit < 0xA1) || unit > 0xFF)
+            return std::nullopt;
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02X", static_cast<unsigned>(unit));
+        hex += digits;
+    }
+    return hex + '>';
+}
+
+int32_t pdf13_permission_bits(const Security_impl& security) noexcept {
+    const uint32_t bits = 0xFFFFFFC0u | (security.PDF13_DisallowPrint ? 0u : 0x4u) |
+                          (security.PDF13_DisallowModify ? 0u : 0x8u) |
+                          (security.PDF13_DisallowCopy ? 0u : 0x10u) |
+                          (security.PDF13_DisallowAnnotate ? 0u : 0x20u);
+    return static_cast<int32_t>(bits);
+}
+
+}  // namespace
+
+std::string_view compatibility_level(uint32_t version_code) noexcept {
+    switch (Corvanta::Vantrix::PrintSettings::pdf_ver(version_code)) {
+        case PDFVer::_13:
+            return "1.3";
+        case PDFVer::_14:
+            return "1.4";
+        case PDFVer::_15:
+            return "1.5";
+        case PDFVer::_16:
+            return "1.6";
+        case PDFVer::_20:
+            return "2.0";
+        case PDFVer::_17:
+        case PDFVer::Unknown:
+            break;
+    }
+    return "1.7";
+}
+
+std::vector<std::string> engine_arguments(const PrintSettings& settings, const EngineFiles& files) {
+    // Pages stay as they were printed: the engine would turn them to the direction of their text.
+    std::vector<std::string> arguments = {"-q",        "-dSAFER",           "-dBATCH",
+                                          "-dNOPAUSE", "-sDEVICE=pdfwrite", "-dAutoRotatePages=/None"};
+    arguments.push_back("-dCompatibilityLevel=" +
+                        std::string(compatibility_level(settings.pdfVersion()->Version)));
+    arguments.push_back(flag("FastWebView", settings.general()->Linearize && files.options.empty()));
+    const auto& compression = *settings.compression();
+    arguments.push_back(flag("CompressPages", compression.TextAndLineArt));
+    arguments.push_back(flag("ASCII85EncodePages", compression.ASCIIFormat));
+    add_image(arguments, "Color", compression.Color);
+    add_image(arguments, "Gray", compression.Gray);
+    add_image(arguments, "Mono", compression.Mono);
+    if (settings.color()->ColorMode == kGrey)
+        arguments.push_back("-sColorConversionStrategy=Gray");
+    if (!files.options.empty())
+        arguments.push_back('@' + files.options);
+    arguments.push_back(output_argument(files.output));
+    arguments.push_back(files.prologue);
+    arguments.push_back(files.spool);
+    arguments.push_back(files.epilogue);
+    return arguments;
+}
+
+bool wants_password(const PrintSettings& settings) noexcept {
+    const auto& security = *settings.security();
+    return !is_standard(settings.pdfVersion()->Version) &&
+           !(security.MasterPassword.empty() && security.UserPassword.empty());
+}
+
+std::optional<std::string> find_password_options(const PrintSettings& settings) {
+    const auto& security = *settings.security();
+    const bool pdf13 = settings.pdfVersion()->Version == kPdf13;
+    // Without a master password the user's stands for it, as the format has it.
+    const auto owner =
+        find_hex_password(security.MasterPassword.empty() ? security.UserPassword : security.MasterPassword);
+    const auto user = find_hex_password(security.UserPassword);
+    if (!owner || !user)
+        return std::nullopt;
+    std::string options = "-dOwnerPassword=" + *owner + '\n';
+    if (!security.UserPassword.empty())
+        options += "-dUserPassword=" + *user + '\n';
+    options += pdf13 ? "-dEncryptionR=2\n-dKeyLength=40\n" : "-dEncryptionR=3\n-dKeyLength=128\n";
+    return options + "-dPermissions=" + std::to_string(permission_bits(security, pdf13)) + '\n';
+}
+
+int32_t permission_bits(const Security_impl& security, bool pdf13) noexcept {
+    if (pdf13)
+        return pdf13_permission_bits(security);
+    constexpr uint32_t kPrint = 0x4;
+    constexpr uint32_t kModify = 0x8;
+    constexpr uint32_t kCopy = 0x10;
+    constexpr uint32_t kAnnotate = 0x20;
+    constexpr uint32_t kFillForms = 0x100;
+    constexpr uint32_t kReadAloud = 0x200;
+    constexpr uint32_t kAssemble = 0x400;
+    constexpr uint32_t kPrintFine = 0x800;
+    constexpr uint32_t kEditing[] = {
+        0,           // nothing
+        kAssemble,   // insert, delete and turn pages
+        kFillForms,  // fill in and sign forms
+        kFillForms | kAnnotate,
+        kFillForms | kAnnotate | kModify,  // everything but extracting pages
+        kFillForms | kAnnotate | kModify | kAssemble,
+    };
+    constexpr uint32_t kPrinting[] = {0, kPrint, kPrint | kPrintFine};
+    uint32_t bits = 0xFFFFF0C0u;
+    bits |= kEditing[std::min<size_t>(security.EditPermission, std::size(kEditing) - 1)];
+    bits |= kPrinting[std::min<size_t>(security.PrintPermission, std::size(kPrinting) - 1)];
+    if (security.AllowCopyContent)
+        bits |= kCopy | kReadAloud;
+    if (security.AllowAccessFromScreenReader)
+        bits |= kReadAloud;
+    return static_cast<int32_t>(bits);
+}
+
+}  // namespace companions::render

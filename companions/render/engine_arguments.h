@@ -1,0 +1,46 @@
+// How a print setting reads as arguments of Ghostscript's PDF writer.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "print_settings/PrintSettings.h"
+
+namespace companions::render {
+
+// Paths as the engine opens them, in UTF-8 or the bytes of the Unix system.
+struct EngineFiles {
+    std::string options;  // file of arguments that no process list may show; empty: none
+    std::string output;
+    std::string prologue;
+    std::string spool;
+    std::string epilogue;
+};
+
+// The version of PDF to write, "1.3" to "2.0", for a setting's version code; codes of PDF/A and PDF/X give
+// the version that they build on.
+[[nodiscard]] std::string_view compatibility_level(uint32_t version_code) noexcept;
+
+// The arguments behind the program's name, in the engine's order.
+[[nodiscard]] std::vector<std::string> engine_arguments(
+    const Corvanta::Vantrix::PrintSettings::PrintSettings& settings, const EngineFiles& files);
+
+// Whether the setting asks for a password and its version of PDF allows one.
+[[nodiscard]] bool wants_password(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings) noexcept;
+
+// The arguments with the passwords, one a line, for the file `EngineFiles::options`; nothing when a password
+// has characters outside Latin-1, which this encryption has no bytes for. Only 32 characters of one count.
+[[nodiscard]] std::optional<std::string> find_password_options(
+    const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
+
+// The permission bits (the PDF entry /P) of a setting, for the 40-bit encryption of PDF 1.3 and for 128 bits.
+[[nodiscard]] int32_t permission_bits(const Corvanta::Vantrix::PrintSettings::Security_impl& security,
+                                      bool pdf13) noexcept;
+
+// What the setting asks for and this renderer does not do, a phrase each; empty when it does everything.
+[[nodiscard]] std::vector<std::string> unsupported_wishes(
+    const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
+
+}  // namespace companions::render

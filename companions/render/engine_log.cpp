@@ -1,0 +1,49 @@
+#include "companions/render/engine_log.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "companions/render/pdfmark.h"
+
+namespace companions::render {
+
+namespace {
+
+constexpr size_t kMostLine = 4096;  // what is longer is no line that matters
+constexpr size_t kMostError = 200;
+
+unsigned number_at(std::string_view text) noexcept {
+    unsigned number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
+}  // namespace
+
+void EngineLog::feed(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const size_t end = bytes.find('\n');
+        if (rest_.size() < kMostLine)
+            rest_ += bytes.substr(0, std::min(end, kMostLine));
+        if (end == std::string_view::npos)
+            return;
+        take_line(rest_);
+        rest_.clear();
+        bytes.remove_prefix(end + 1);
+    }
+}
+
+void EngineLog::take_line(std::string_view line) {
+    // A document that prints without a line end of its own may stand before the mark.
+    for (const std::string_view mark : {kPageMark, kPagesMark})
+        if (const size_t at = line.find(mark); at != std::string_view::npos)
+            pages_ = std::max(pages_, number_at(line.substr(at + mark.size())));
+    const bool names_error = line.find("Error:") != std::string_view::npos || line.find("****") == 0;
+    if (!names_error || !error_.empty())
+        return;
+    while (!line.empty() && (line.back() == '\r' || line.back() == ' '))
+        line.remove_suffix(1);
+    error_ = line.substr(0, kMostError);
+}
+
+}  // namespace companions::render

@@ -1,0 +1,85 @@
+// zr_render.exe: the renderer as a process of its own.
+#include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdio>
+#include <memory>
+
+#include "common/MMF.h"
+#include "common/job_records.h"
+#include "common/text.h"
+#include "companions/render/console.h"
+#include "companions/render/render_job.h"
+
+namespace companions::render {
+
+namespace {
+
+// The record of a job in progress. A block that had to be made is no job's.
+template <class Record>
+class JobBlock {
+public:
+    JobBlock(const wchar_t* name, DWORD thread) : block_(qk::format(name, static_cast<int>(thread))) {}
+    [[nodiscard]] Record* find() const noexcept { return block_.created() ? nullptr : block_.view(); }
+
+private:
+    qk::MMF<Record> block_;
+};
+
+int report(const Rendered& rendered, const Arguments& arguments, ZRTKPrintInfo* record) {
+    const Result& result = rendered.result;
+    if (result.code != ResultCode::kDone)
+        warn("error " + std::to_string(static_cast<uint32_t>(result.code)) + ": " +
+             qk::to_utf8(result.message));
+    if (!record)
+        warn("the job has no result record");
+    else if (!publish(result, arguments.arena, *record))
+        warn("the printing process's memory could not be written, error " + std::to_string(GetLastError()));
+    return result.code == ResultCode::kDone ? kExitDone : kExitFailed;
+}
+
+int run(std::span<const wchar_t* const> words) {
+    const ParsedArguments parsed = parse_arguments(words);
+    if (parsed.help) {
+        std::fwrite(kUsage.data(), 1, kUsage.size(), stdout);
+        return kExitDone;
+    }
+    if (!parsed.fault.empty()) {
+        warn(qk::to_utf8(parsed.fault));
+        std::fwrite(kUsage.data(), 1, kUsage.size(), stderr);
+        return kExitUsage;
+    }
+    const JobBlock<ZRTKPrintStartInfoC> start_block(kStartBlockName, parsed.arguments.thread);
+    if (!start_block.find()) {
+        warn("thread " + std::to_string(parsed.arguments.thread) +
+             " has no job: its start record is missing");
+        return kExitNoRecord;
+    }
+    // A copy, which nobody changes under way.
+    const auto start = std::make_unique<ZRTKPrintStartInfoC>(*start_block.find());
+    if (parsed.arguments.discard) {
+        discard_reserved(*start);
+        return kExitDone;
+    }
+    const JobBlock<ZRTKPrintInfo> result_block(kResultBlockName, parsed.arguments.thread);
+    return report(render(parsed.arguments, *start), parsed.arguments, result_block.find());
+}
+
+}  // namespace
+
+}  // namespace companions::render
+
+int wmain(int count, wchar_t** words) {
+    // UTF-8 with plain line feeds, whatever the console or the file behind the streams.
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+    SetConsoleOutputCP(CP_UTF8);
+    try {
+        return companions::render::run({words + 1, static_cast<size_t>(count > 0 ? count - 1 : 0)});
+    } catch (...) {
+        std::fputs("zr_render: out of memory\n", stderr);
+        return companions::render::kExitFailed;
+    }
+}

@@ -1,0 +1,75 @@
+#include "companions/render/pdfmark.h"
+
+#include <cstdint>
+
+namespace companions::render {
+
+namespace {
+
+void append_unit(std::string& hex, unsigned unit) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    for (int shift = 12; shift >= 0; shift -= 4)
+        hex += kDigits[unit >> shift & 0xF];
+}
+
+void append_entry(std::string& mark, const char* key, const std::wstring& text) {
+    if (!text.empty())
+        mark += std::string("  /") + key + ' ' + postscript_text(text) + '\n';
+}
+
+std::string information(const DocumentInfo& info) {
+    std::string entries;
+    append_entry(entries, "Title", info.title);
+    append_entry(entries, "Author", info.author);
+    append_entry(entries, "Subject", info.subject);
+    append_entry(entries, "Keywords", info.keywords);
+    append_entry(entries, "Creator", info.creator);
+    append_entry(entries, "PrintSetting", info.setting_name);
+    return entries.empty() ? std::string() : "mark\n" + entries + "/DOCINFO pdfmark\n";
+}
+
+std::string print_count(std::string_view mark) {
+    return '(' + std::string(mark) + ") print currentpagedevice /PageCount get =";
+}
+
+}  // namespace
+
+DocumentInfo document_info(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings,
+                           std::wstring_view job_title) {
+    const auto& summary = *settings.summary();
+    return {summary.Title.empty() ? std::wstring(job_title) : summary.Title,
+            summary.Author,
+            summary.Subject,
+            summary.Keywords,
+            summary.Creator,
+            summary.EmbedPSFileName ? settings->PSName : std::wstring()};
+}
+
+std::string postscript_text(std::wstring_view text) {
+    std::string hex = "<FEFF";
+    for (size_t i = 0; i < text.size(); ++i) {
+        const unsigned unit = static_cast<uint16_t>(text[i]);
+        const bool high = (unit & 0xFC00) == 0xD800;
+        const bool pair =
+            high && i + 1 < text.size() && (static_cast<uint16_t>(text[i + 1]) & 0xFC00) == 0xDC00;
+        if (pair) {
+            append_unit(hex, unit);
+            append_unit(hex, static_cast<uint16_t>(text[++i]));
+        } else {
+            append_unit(hex, (unit & 0xF800) == 0xD800 ? 0xFFFD : unit);
+        }
+    }
+    return hex + '>';
+}
+
+std::string prologue(const DocumentInfo& info) {
+    // In the user's dictionary, where the document's look-up of the name finds it before the operator.
+    return "%!PS\nuserdict /showpage {\n  systemdict /showpage get exec\n  " + print_count(kPageMark) +
+           " flush\n} bind put\n" + information(info);
+}
+
+std::string epilogue(const DocumentInfo& info) {
+    return "%!PS\n" + information(info) + print_count(kPagesMark) + " flush\n";
+}
+
+}  // namespace companions::render

@@ -1,0 +1,38 @@
+// What the renderer tells the engine in PostScript: the document information and a count of the pages.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "print_settings/PrintSettings.h"
+
+namespace companions::render {
+
+// Texts of the PDF's document information, UTF-16; empty ones are left as the spooled document has them.
+struct DocumentInfo {
+    std::wstring title;
+    std::wstring author;
+    std::wstring subject;
+    std::wstring keywords;
+    std::wstring creator;
+    std::wstring setting_name;  // under the key "PrintSetting"
+};
+
+// The setting's summary; the title of the job where the setting has none.
+[[nodiscard]] DocumentInfo document_info(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings,
+                                         std::wstring_view job_title);
+
+// A text as a hexadecimal PostScript string in UTF-16BE with its byte-order mark, which every language fits
+// into. A surrogate without its other half becomes U+FFFD.
+[[nodiscard]] std::string postscript_text(std::wstring_view text);
+
+// The PostScript that runs before the spooled document and the one that runs after it. The engine takes the
+// title of the document's own comments over the first, so the second gives the information again.
+[[nodiscard]] std::string prologue(const DocumentInfo& info);
+[[nodiscard]] std::string epilogue(const DocumentInfo& info);
+
+// The marks in the engine's output: a page that is done, and the count at the end, each before a number.
+inline constexpr std::string_view kPageMark = "zr:page ";
+inline constexpr std::string_view kPagesMark = "zr:pages ";
+
+}  // namespace companions::render

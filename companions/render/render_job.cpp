@@ -1,0 +1,247 @@
+#include "companions/render/render_job.h"
+
+#include <windows.h>
+
+#include "common/handle.h"
+#include "common/module.h"
+#include "common/paths.h"
+#include "common/rwPDFSet_functions.h"
+#include "common/text.h"
+#include "companions/render/console.h"
+#include "companions/render/engine.h"
+#include "companions/render/engine_arguments.h"
+#include "companions/render/engine_log.h"
+#include "companions/render/pdfmark.h"
+#include "companions/render/scratch_folder.h"
+#include "companions/reservation.h"
+#include "companions/tessalo/options.h"
+#include "print_settings/PSAdmin.h"
+
+namespace companions::render {
+
+namespace {
+
+using Corvanta::Vantrix::PrintSettings::PrintSettings;
+using Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin;
+
+struct Failure {
+    ResultCode code;
+    DWORD win32_error;
+    std::wstring detail;
+};
+
+template <size_t Size>
+std::wstring text_of(const wchar_t (&field)[Size]) {
+    return {field, wcsnlen(field, Size)};
+}
+
+std::wstring setting_path(const std::wstring& name) {
+    if (qk::is_file(name) || name.find(L'\\') != std::wstring::npos)
+        return name;
+    return ResolveSettingFilePath(name);
+}
+
+PrintSettingsAdmin load_settings(const Arguments& arguments) {
+    const bool named = !arguments.setting.empty();
+    const std::wstring name = named ? arguments.setting : setting_name_for(arguments.printer);
+    const std::wstring path = setting_path(name);
+    PrintSettingsAdmin settings;
+    if (!qk::is_file(path)) {
+        if (named)
+            throw Failure{ResultCode::kSettingUnreadable, ERROR_FILE_NOT_FOUND, name};
+        warn("no setting file for the printer, the defaults apply");
+        return settings;
+    }
+    if (!settings.Load(path))
+        throw Failure{ResultCode::kSettingUnreadable, ERROR_INVALID_DATA, path};
+    return settings;
+}
+
+void check_spool(const std::wstring& path) {
+    const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                       FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    LARGE_INTEGER size = {};
+    if (!file || !GetFileSizeEx(file.get(), &size))
+        throw Failure{ResultCode::kSpoolUnreadable, GetLastError(), path};
+    if (size.QuadPart == 0)
+        throw Failure{ResultCode::kNoPages, ERROR_INVALID_DATA, {}};
+}
+
+// The file that the engine writes, beside the target so that it can take its place in one step.
+class PendingPdf {
+public:
+    explicit PendingPdf(const std::wstring& target) : target_(target) {
+        const std::wstring folder = target.substr(0, target.size() - qk::file_part(target).size());
+        for (unsigned attempt = 0; attempt < 100 && path_.empty(); ++attempt) {
+            std::wstring path =
+                qk::format(L"%szr_%lu_%u.tmp", folder.c_str(), GetCurrentProcessId(), attempt);
+            const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                               FILE_ATTRIBUTE_NORMAL, nullptr));
+            if (file)
+                path_ = std::move(path);
+            else if (GetLastError() != ERROR_FILE_EXISTS)
+                break;
+        }
+        if (path_.empty())
+            throw Failure{ResultCode::kTargetUnwritable, GetLastError(), target};
+    }
+    ~PendingPdf() {
+        if (!path_.empty())
+            DeleteFileW(path_.c_str());
+    }
+    PendingPdf(const PendingPdf&) = delete;
+    PendingPdf& operator=(const PendingPdf&) = delete;
+
+    [[nodiscard]] const std::wstring& path() const noexcept { return path_; }
+
+    [[nodiscard]] uint64_t size() const noexcept {
+        WIN32_FILE_ATTRIBUTE_DATA data = {};
+        GetFileAttributesExW(path_.c_str(), GetFileExInfoStandard, &data);
+        return uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow;
+    }
+
+    void take_its_place() {
+        if (!MoveFileExW(path_.c_str(), target_.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+            throw Failure{ResultCode::kTargetUnwritable, GetLastError(), target_};
+        path_.clear();
+    }
+
+private:
+    std::wstring target_;
+    std::wstring path_;
+};
+
+class Run {
+public:
+    Run(const PrintSettings& settings, std::wstring_view title) : settings_(settings) {
+        info_ = document_info(settings, title);
+        if (scratch_.path().empty())
+            throw Failure{ResultCode::kInternal, GetLastError(), L"no temporary folder"};
+    }
+
+    // The pages of the PDF that the engine has written.
+    unsigned make(const std::wstring& spool, const std::wstring& output) {
+        EngineFiles files;
+        if (wants_password(settings_)) {
+            const auto options = find_password_options(settings_);
+            if (!options)
+                throw Failure{ResultCode::kPasswordUnusable, ERROR_INVALID_PASSWORD, {}};
+            files.options = written(L"options.txt", *options);
+        }
+        files.prologue = written(L"prologue.ps", prologue(info_));
+        files.epilogue = written(L"epilogue.ps", epilogue(info_));
+        files.spool = engine_path(spool);
+        files.output = engine_path(output);
+        const auto end = engine_.run(engine_arguments(settings_, files), scratch_.path(),
+                                     [this](std::string_view bytes) { follow(bytes); });
+        check(end);
+        return log_.pages();
+    }
+
+private:
+    std::string written(const wchar_t* name, const std::string& text) {
+        const std::wstring path = scratch_.write(name, text);
+        if (path.empty())
+            throw Failure{ResultCode::kInternal, GetLastError(), L"the temporary folder cannot be written"};
+        return engine_path(path);
+    }
+
+    std::string engine_path(const std::wstring& path) const {
+        auto found = engine_.find_path(path);
+        if (!found)
+            throw Failure{ResultCode::kEngineMissing, ERROR_PATH_NOT_FOUND, path};
+        return std::move(*found);
+    }
+
+    void follow(std::string_view bytes) {
+        log_.feed(bytes);
+        if (log_.pages() == told_)
+            return;
+        told_ = log_.pages();
+        say("page " + std::to_string(told_));
+    }
+
+    void check(Engine::End end) const {
+        const std::wstring detail = qk::to_wide(log_.error());
+        if (end == Engine::End::kMissing)
+            throw Failure{ResultCode::kEngineMissing, ERROR_FILE_NOT_FOUND, {}};
+        if (end == Engine::End::kStopped)
+            throw Failure{ResultCode::kEngineStopped, ERROR_PROCESS_ABORTED, detail};
+        const bool unwritten = log_.error().find("ioerror") != std::string::npos ||
+                               log_.error().find("Could not open the file") != std::string::npos;
+        if (end == Engine::End::kFailed && unwritten)
+            throw Failure{ResultCode::kTargetUnwritable, ERROR_WRITE_FAULT, detail};
+        if (end == Engine::End::kFailed)
+            throw Failure{ResultCode::kSpoolDamaged, ERROR_INVALID_DATA, detail};
+        // Without a page the engine writes an empty one of its own.
+        if (log_.pages() == 0)
+            throw Failure{ResultCode::kNoPages, ERROR_INVALID_DATA, {}};
+    }
+
+    const PrintSettings& settings_;
+    DocumentInfo info_;
+    ScratchFolder scratch_;
+    Engine engine_;
+    EngineLog log_;
+    unsigned told_ = 0;
+};
+
+void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rendered& rendered) {
+    const std::wstring& target = rendered.result.pdf_file_name;
+    if (start.resume != 0)
+        throw Failure{ResultCode::kCannotJoin, ERROR_NOT_SUPPORTED, {}};
+    if (target.empty())
+        throw Failure{ResultCode::kNoTarget, ERROR_INVALID_PARAMETER, {}};
+    const PrintSettingsAdmin settings = load_settings(arguments);
+    for (const std::string& wish : unsupported_wishes(settings))
+        warn("not done by this renderer: " + wish);
+    check_spool(arguments.spool);
+    PendingPdf output(target);
+    rendered.pages = Run(settings, text_of(start.title)).make(arguments.spool, output.path());
+    rendered.bytes = output.size();
+    output.take_its_place();
+    if (!arguments.keep_spool && !DeleteFileW(arguments.spool.c_str()))
+        warn("the print data could not be deleted: " + qk::to_utf8(arguments.spool));
+}
+
+Result failed(Result result, const Failure& failure) {
+    result.code = failure.code;
+    result.win32_error = failure.win32_error;
+    result.message = message_of(failure.code);
+    if (!failure.detail.empty())
+        result.message += L"\n" + failure.detail;
+    result.caption = qk::kProductName;
+    return result;
+}
+
+}  // namespace
+
+Rendered render(const Arguments& arguments, const ZRTKPrintStartInfoC& start) {
+    Rendered rendered;
+    rendered.result.pdf_file_name = text_of(start.output_path);
+    say("rendering " + qk::to_utf8(rendered.result.pdf_file_name));
+    try {
+        make_pdf(arguments, start, rendered);
+        say("done: " + std::to_string(rendered.pages) + (rendered.pages == 1 ? " page, " : " pages, ") +
+            std::to_string(rendered.bytes) + " bytes");
+    } catch (const Failure& failure) {
+        rendered.result = failed(std::move(rendered.result), failure);
+    } catch (const std::exception& error) {
+        rendered.result = failed(std::move(rendered.result),
+                                 {ResultCode::kInternal, ERROR_INTERNAL_ERROR, qk::to_wide(error.what())});
+    }
+    if (rendered.result.code != ResultCode::kDone)
+        discard_reserved(start);
+    return rendered;
+}
+
+void discard_reserved(const ZRTKPrintStartInfoC& start) {
+    const std::wstring path = text_of(start.output_path);
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    const bool empty = !path.empty() && GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) &&
+                       data.nFileSizeHigh == 0 && data.nFileSizeLow == 0;
+    if (start.first_value == kFileReserved && empty)
+        DeleteFileW(path.c_str());
+}
+
+}  // namespace companions::render

@@ -1,0 +1,91 @@
+#include "companions/render/scratch_folder.h"
+
+#include <windows.h>
+
+#include <sddl.h>
+
+#include <vector>
+
+#include "common/handle.h"
+#include "common/text.h"
+
+namespace companions::render {
+
+namespace {
+
+std::wstring user_sid() {
+    qk::HandleObj token;
+    DWORD size = 0;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.put()))
+        return {};
+    static_cast<void>(GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size));
+    std::vector<std::byte> user(size);
+    if (size < sizeof(TOKEN_USER) || !GetTokenInformation(token.get(), TokenUser, user.data(), size, &size))
+        return {};
+    wchar_t* text = nullptr;
+    if (!ConvertSidToStringSidW(reinterpret_cast<TOKEN_USER*>(user.data())->User.Sid, &text))
+        return {};
+    const qk::LocalMemory owner(text);
+    return text;
+}
+
+bool make_private_folder(const std::wstring& path) {
+    const std::wstring sid = user_sid();
+    const std::wstring rules = sid.empty() ? std::wstring() : L"D:P(A;OICI;FA;;;" + sid + L")";
+    qk::LocalMemory descriptor;
+    SECURITY_ATTRIBUTES attributes = {sizeof attributes, nullptr, FALSE};
+    if (!rules.empty() && ConvertStringSecurityDescriptorToSecurityDescriptorW(rules.c_str(), SDDL_REVISION_1,
+                                                                               descriptor.put(), nullptr))
+        attributes.lpSecurityDescriptor = descriptor.get();
+    return CreateDirectoryW(path.c_str(), &attributes);
+}
+
+void remove_files(const std::wstring& folder) {
+    WIN32_FIND_DATAW found;
+    const qk::FindObj search(FindFirstFileW((folder + L"\\*").c_str(), &found));
+    if (!search)
+        return;
+    do {
+        if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY))
+            DeleteFileW((folder + L'\\' + found.cFileName).c_str());
+    } while (FindNextFileW(search.get(), &found));
+}
+
+}  // namespace
+
+ScratchFolder::ScratchFolder() {
+    const std::wstring root =
+        qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
+    // A crashed run may have left a folder under this process's id.
+    for (unsigned attempt = 0; attempt < 100; ++attempt) {
+        std::wstring path = qk::format(L"%szr_render_%lu_%u", root.c_str(), GetCurrentProcessId(), attempt);
+        if (make_private_folder(path)) {
+            path_ = std::move(path);
+            return;
+        }
+        if (GetLastError() != ERROR_ALREADY_EXISTS)
+            return;
+    }
+}
+
+ScratchFolder::~ScratchFolder() {
+    if (path_.empty())
+        return;
+    try {
+        remove_files(path_);
+    } catch (...) {  // no memory: the files stay
+    }
+    RemoveDirectoryW(path_.c_str());
+}
+
+std::wstring ScratchFolder::write(std::wstring_view name, std::string_view bytes) const {
+    std::wstring path = path_ + L'\\' + std::wstring(name);
+    const qk::FileObj file(
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+    DWORD written = 0;
+    if (!file || !WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
+        return {};
+    return path;
+}
+
+}  // namespace companions::render

@@ -1,0 +1,28 @@
+// A folder for the files of one run.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace companions::render {
+
+// Made in the temporary folder, open to the current user only since passwords lie in it, and removed with all
+// that it holds when this goes out of scope.
+class ScratchFolder {
+public:
+    ScratchFolder();
+    ~ScratchFolder();
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    // Without a trailing backslash; empty, with the last error of the attempt, when it could not be made.
+    [[nodiscard]] const std::wstring& path() const noexcept { return path_; }
+
+    // Writes a file into the folder: its full path, or empty with the last error when that failed.
+    [[nodiscard]] std::wstring write(std::wstring_view name, std::string_view bytes) const;
+
+private:
+    std::wstring path_;
+};
+
+}  // namespace companions::render

@@ -1,0 +1,99 @@
+#include "companions/tessalo/options.h"
+
+#include <windows.h>
+
+#include <shlobj.h>
+
+#include <algorithm>
+
+#include "common/memory_probe.h"
+#include "common/paths.h"
+#include "common/registry.h"
+#include "common/rwPDFSet_functions.h"
+#include "common/text.h"
+
+namespace companions {
+
+namespace {
+
+constexpr wchar_t kSection[] = L"Dialog";
+constexpr int32_t kFixedFolder = 1;  // SaveStyle
+
+std::wstring environment(const wchar_t* name) {
+    return qk::grow_until_it_fits(
+        [name](wchar_t* buffer, DWORD units) { return GetEnvironmentVariableW(name, buffer, units); });
+}
+
+std::wstring ini_text(const std::wstring& ini_path, const wchar_t* key) {
+    return qk::grow_until_it_fits([&](wchar_t* buffer, DWORD units) {
+        return GetPrivateProfileStringW(kSection, key, L"", buffer, units, ini_path.c_str());
+    });
+}
+
+std::wstring documents_folder() {
+    wchar_t folder[MAX_PATH + 1] = {};
+    return SHGetSpecialFolderPathW(nullptr, folder, CSIDL_PERSONAL, TRUE) ? std::wstring(folder)
+                                                                          : std::wstring();
+}
+
+// The renderer has a current folder of its own, so what it is told must not depend on this process's.
+std::wstring absolute(const std::wstring& folder) {
+    return qk::grow_until_it_fits([&folder](wchar_t* buffer, DWORD units) {
+        return GetFullPathNameW(folder.c_str(), units, buffer, nullptr);
+    });
+}
+
+}  // namespace
+
+bool unattended(const std::wstring& ini_path) {
+    std::wstring choice = environment(L"ZR_UNATTENDED");
+    if (choice.empty())
+        choice = ini_text(ini_path, L"Unattended");
+    return qk::find_number(choice).value_or(0) != 0;
+}
+
+std::wstring unattended_folder(const std::wstring& record_folder,
+                               const Corvanta::Vantrix::PrintSettings::General_impl& general,
+                               const std::wstring& ini_path) {
+    if (!record_folder.empty())
+        return absolute(record_folder);
+    if (!general.OutputFolder.empty())
+        return absolute(general.OutputFolder);
+    std::wstring folder = environment(L"ZR_OUTPUT_FOLDER");
+    if (folder.empty())
+        folder = ini_text(ini_path, L"OutputFolder");
+    return folder.empty() ? documents_folder() : absolute(folder);
+}
+
+std::wstring dialog_folder(const std::wstring& record_folder,
+                           const Corvanta::Vantrix::PrintSettings::General_impl& general) {
+    if (!record_folder.empty())
+        return absolute(record_folder);
+    if (general.SaveStyle == kFixedFolder && !general.OutputFolder.empty())
+        return absolute(general.OutputFolder);
+    return documents_folder();
+}
+
+std::wstring setting_name_for(const std::wstring& printer_name) {
+    const std::wstring value = L"settingfile_for_process_" + printer_name;
+    auto chosen = qk::registry::find_text(HKEY_CURRENT_USER, qk::registry::kRoot, value.c_str());
+    return chosen && !chosen->empty() ? std::move(*chosen) : GetSettingFileName(printer_name);
+}
+
+bool try_write(qk::MsWString& field, std::wstring_view text) noexcept {
+    const bool in_place =
+        field.capacity <= qk::MsWString::kInPlace && field.length <= qk::MsWString::kInPlace;
+    if (in_place) {
+        if (text.size() > qk::MsWString::kInPlace)
+            return false;
+        field.set_in_place(text);
+        return true;
+    }
+    if (text.size() > field.capacity || !qk::is_writable(field.address, (text.size() + 1) * sizeof(wchar_t)))
+        return false;
+    *std::ranges::copy(text, field.address).out = L'\0';
+    field.length = text.size();
+    return true;
+}
+
+}  // namespace companions

@@ -1,0 +1,35 @@
+// How the dialog library is told to work: environment variables and "Tessalo80.ini" beside the library.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "common/ms_wstring.h"
+#include "print_settings/PrintSettings.h"
+
+namespace companions {
+
+// Whether no window may be shown: the variable ZR_UNATTENDED, a number, when it is set; else the key
+// "Unattended" of section "Dialog" in the ini.
+[[nodiscard]] bool unattended(const std::wstring& ini_path);
+
+// The folder of a job that nobody watches: the first that is given of the record's, the setting's, the
+// variable ZR_OUTPUT_FOLDER, the ini's "OutputFolder" and the user's documents.
+[[nodiscard]] std::wstring unattended_folder(const std::wstring& record_folder,
+                                             const Corvanta::Vantrix::PrintSettings::General_impl& general,
+                                             const std::wstring& ini_path);
+
+// The folder that the dialog opens in: the record's, else the setting's when it names a fixed one, else the
+// user's documents.
+[[nodiscard]] std::wstring dialog_folder(const std::wstring& record_folder,
+                                         const Corvanta::Vantrix::PrintSettings::General_impl& general);
+
+// The setting file that a printer's next job uses: the choice made for the running process, when there is
+// one, else the printer's own. A bare name or a path; never empty.
+[[nodiscard]] std::wstring setting_name_for(const std::wstring& printer_name);
+
+// Replaces a text of the working record in place; false, with the field unchanged, when the memory that
+// stands behind it has no room for it or cannot be written.
+[[nodiscard]] bool try_write(qk::MsWString& field, std::wstring_view text) noexcept;
+
+}  // namespace companions

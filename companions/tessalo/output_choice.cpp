@@ -1,0 +1,119 @@
+#include "companions/tessalo/output_choice.h"
+
+#include <windows.h>
+
+#include "common/handle.h"
+#include "common/paths.h"
+#include "common/text.h"
+
+namespace companions {
+
+namespace {
+
+constexpr unsigned kMostNumbers = 9999;
+constexpr std::wstring_view kExtension = L".pdf";
+
+std::wstring folder_part(const std::wstring& path) {
+    return path.substr(0, path.size() - qk::file_part(path).size());
+}
+
+bool ends_in_pdf(std::wstring_view path) noexcept {
+    return path.size() > kExtension.size() &&
+           qk::equal_no_case(path.substr(path.size() - kExtension.size()), kExtension);
+}
+
+// One answer of the dialog, settled under the rule; nothing, after the user was told, when it cannot be
+// taken.
+std::optional<OutputFile> settle(SaveDialog& dialog, const std::wstring& path, bool confirmed, SameName rule,
+                                 const NameLimits& limits) {
+    if (path.size() > limits.path_units) {
+        dialog.refuse(path, L"The path is too long. Choose a shorter name or another folder.");
+        return std::nullopt;
+    }
+    if (rule == SameName::kOverwrite)
+        return OutputFile{path, false};
+    switch (reserve(path)) {
+        case Reservation::kMade:
+            return OutputFile{path, true};
+        case Reservation::kFailed:
+            dialog.refuse(path, L"The file cannot be made there. Choose another name or folder.");
+            return std::nullopt;
+        case Reservation::kTaken:
+            break;
+    }
+    if (rule == SameName::kNumber)
+        return find_numbered(folder_part(path), qk::file_part(path), limits);
+    if (rule == SameName::kAsk && confirmed)
+        return OutputFile{path, false};
+    dialog.refuse(path, L"A file of this name exists already. Choose another name.");
+    return std::nullopt;
+}
+
+}  // namespace
+
+SameName same_name_rule(int32_t code) noexcept {
+    return code >= 0 && code <= static_cast<int32_t>(SameName::kRefuse) ? static_cast<SameName>(code)
+                                                                        : SameName::kAsk;
+}
+
+Reservation reserve(const std::wstring& path) noexcept {
+    const qk::FileObj file(
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (file)
+        return Reservation::kMade;
+    const DWORD error = GetLastError();
+    // A folder of that name, or a file that is just being deleted, reads as a denied access.
+    const bool exists = GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+    SetLastError(error);
+    return error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS || exists ? Reservation::kTaken
+                                                                                 : Reservation::kFailed;
+}
+
+std::optional<OutputFile> find_numbered(std::wstring_view folder, std::wstring_view title,
+                                        const NameLimits& limits) {
+    for (unsigned number = 0; number <= kMostNumbers; ++number) {
+        auto path = find_safe_path(folder, title, number, limits);
+        if (!path)
+            return std::nullopt;
+        const Reservation result = reserve(*path);
+        if (result != Reservation::kTaken)
+            return OutputFile{std::move(*path), result == Reservation::kMade};
+    }
+    return std::nullopt;
+}
+
+std::optional<OutputFile> choose_unattended(std::wstring_view folder, std::wstring_view title, SameName rule,
+                                            const NameLimits& limits) {
+    if (rule == SameName::kAsk || rule == SameName::kNumber)
+        return find_numbered(folder, title, limits);
+    auto path = find_safe_path(folder, title, 0, limits);
+    if (!path)
+        return std::nullopt;
+    if (rule == SameName::kOverwrite)
+        return OutputFile{std::move(*path), false};
+    const Reservation result = reserve(*path);
+    if (result == Reservation::kTaken)
+        return std::nullopt;
+    return OutputFile{std::move(*path), result == Reservation::kMade};
+}
+
+std::optional<OutputFile> choose_with_dialog(SaveDialog& dialog, std::wstring folder, std::wstring_view title,
+                                             SameName rule, const NameLimits& limits) {
+    std::wstring name = safe_stem(title) + std::wstring(kExtension);
+    if (const auto path = find_safe_path(folder, title, 0, limits))
+        name = qk::file_part(*path);
+    for (;;) {
+        const auto answer = dialog.ask(folder, name, rule == SameName::kAsk);
+        if (!answer)
+            return std::nullopt;
+        // A name that the extension is added to is not the one that the dialog has asked about.
+        const bool confirmed = ends_in_pdf(*answer);
+        const std::wstring path = confirmed ? *answer : *answer + std::wstring(kExtension);
+        if (auto file = settle(dialog, path, confirmed, rule, limits))
+            return file;
+        folder = folder_part(path);
+        name = qk::file_part(path);
+    }
+}
+
+}  // namespace companions

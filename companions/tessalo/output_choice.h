@@ -1,0 +1,66 @@
+// The file that a job's PDF is written to: where it goes, what it is called and what happens to one of that
+// name.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "companions/tessalo/safe_name.h"
+
+namespace companions {
+
+// What a setting says of an output file that exists (`WhenSameName`).
+enum class SameName : int32_t { kOverwrite = 0, kAsk = 1, kNumber = 2, kRefuse = 3 };
+
+// Codes outside 0 to 3 count as kAsk, which loses nothing.
+[[nodiscard]] SameName same_name_rule(int32_t code) noexcept;
+
+struct OutputFile {
+    std::wstring path;
+    bool reserved = false;  // an empty file of that name was made for this job
+};
+
+enum class Reservation {
+    kMade,
+    kTaken,   // something of that name exists
+    kFailed,  // the file cannot be made; the last error says why
+};
+
+// Makes an empty file where there is none, so that no other job takes the name; the file is closed again.
+[[nodiscard]] Reservation reserve(const std::wstring& path) noexcept;
+
+// The first of "title.pdf", "title(1).pdf", ... that is free, reserved. Where no file can be made at all the
+// first name comes back unreserved, and writing it will tell why. Nothing when the folder leaves no room for
+// a name or 9,999 are taken.
+[[nodiscard]] std::optional<OutputFile> find_numbered(std::wstring_view folder, std::wstring_view title,
+                                                      const NameLimits& limits);
+
+// The file of a job that nobody watches; nothing when the rule refuses it. kAsk numbers: there is nobody to
+// ask.
+[[nodiscard]] std::optional<OutputFile> choose_unattended(std::wstring_view folder, std::wstring_view title,
+                                                          SameName rule, const NameLimits& limits);
+
+// The window that asks for a file, as `choose_with_dialog` needs it.
+class SaveDialog {
+public:
+    virtual ~SaveDialog() = default;
+
+    // The full path that the user chose, starting from the file `name` in `folder`; nothing when the user
+    // cancelled. With `confirm_overwrite` the dialog itself asks before it returns a file that exists.
+    [[nodiscard]] virtual std::optional<std::wstring> ask(const std::wstring& folder,
+                                                          const std::wstring& name,
+                                                          bool confirm_overwrite) = 0;
+
+    // Tells the user why the file cannot be taken; the question is put again afterwards.
+    virtual void refuse(const std::wstring& path, std::wstring_view reason) = 0;
+};
+
+// Asks until the user names a file that can be taken or cancels (nothing). ".pdf" is added where it is
+// missing.
+[[nodiscard]] std::optional<OutputFile> choose_with_dialog(SaveDialog& dialog, std::wstring folder,
+                                                           std::wstring_view title, SameName rule,
+                                                           const NameLimits& limits);
+
+}  // namespace companions

@@ -1,0 +1,112 @@
+// The exports of the save-file dialog library. Each is a guard around one function of its own: what goes
+// wrong inside reads as a cancel.
+#include <windows.h>
+
+#include "common/dialog_library.h"
+#include "common/module.h"
+#include "common/paths.h"
+#include "common/text.h"
+#include "common/trace.h"
+#include "companions/reservation.h"
+#include "companions/tessalo/dialogs.h"
+#include "companions/tessalo/options.h"
+#include "companions/tessalo/output_choice.h"
+
+namespace {
+
+using companions::OutputFile;
+using Corvanta::Vantrix::PrintSettings::General_impl;
+using Corvanta::Vantrix::PrintSettings::PrintSettings;
+
+constexpr int kAnswered = 0;  // the user confirmed a file or cancelled; a job is never handed over to another
+
+constexpr size_t kBrowseUnits = 512;
+
+std::wstring ini_path() {
+    const std::wstring library = qk::module_path(qk::module_instance());
+    const std::wstring_view name = qk::file_part(library);
+    return library.substr(0, library.size() - name.size()) + L"Tessalo80.ini";
+}
+
+std::optional<OutputFile> choose(const dialog_library::WorkingRecord& record) {
+    const auto* settings = static_cast<const PrintSettings*>(record.settings);
+    const General_impl defaults;
+    const General_impl& general = settings ? *settings->general() : defaults;
+    const std::wstring title = record.title.readable_text();
+    const std::wstring asked_folder = record.output_path.readable_text();
+    const companions::SameName rule = companions::same_name_rule(general.WhenSameName);
+    const companions::NameLimits limits = companions::system_name_limits();
+    const std::wstring ini = ini_path();
+    if (!companions::unattended(ini)) {
+        companions::SystemSaveDialog dialog;
+        return choose_with_dialog(dialog, companions::dialog_folder(asked_folder, general), title, rule,
+                                  limits);
+    }
+    const std::wstring folder = companions::unattended_folder(asked_folder, general, ini);
+    ForceDirectories(folder);
+    return choose_unattended(folder, title, rule, limits);
+}
+
+void answer(dialog_library::WorkingRecord& record) {
+    const auto file = choose(record);
+    record.hand_over = 0;
+    record.first_value = 0;
+    if (file && companions::try_write(record.output_path, file->path)) {
+        record.first_value = file->reserved ? companions::kFileReserved : 0;
+        return;
+    }
+    if (file && file->reserved)
+        DeleteFileW(file->path.c_str());
+    static_cast<void>(companions::try_write(record.output_path, L""));
+}
+
+int copy_setting_name(wchar_t* buffer, int capacity, const wchar_t* printer_name) {
+    const std::wstring name = companions::setting_name_for(printer_name ? printer_name : L"");
+    if (!buffer || capacity <= 0 || name.size() >= static_cast<size_t>(capacity))
+        return ERROR_INSUFFICIENT_BUFFER;
+    qk::copy_zero_padded(buffer, static_cast<size_t>(capacity), name);
+    return ERROR_SUCCESS;
+}
+
+bool browse(wchar_t* buffer, const wchar_t* current) {
+    if (!buffer || companions::unattended(ini_path()))
+        return false;
+    const auto folder = companions::browse_for_folder(current ? current : L"");
+    if (!folder || folder->size() >= kBrowseUnits)
+        return false;
+    qk::copy_zero_padded(buffer, kBrowseUnits, *folder);
+    return true;
+}
+
+}  // namespace
+
+extern "C" {
+
+int WINAPI GetSettingFN(wchar_t* buffer, int capacity, const wchar_t* printer_name, void*) noexcept {
+    try {
+        return copy_setting_name(buffer, capacity, printer_name);
+    } catch (...) {
+        return ERROR_NOT_ENOUGH_MEMORY;
+    }
+}
+
+int WINAPI GetFile2(dialog_library::WorkingRecord* record, const wchar_t*) noexcept {
+    if (!record)
+        return kAnswered;
+    try {
+        answer(*record);
+    } catch (...) {
+        static_cast<void>(companions::try_write(record->output_path, L""));
+    }
+    return kAnswered;
+}
+
+int WINAPI GetBrowsePath(wchar_t* buffer, const wchar_t* current) noexcept {
+    try {
+        return browse(buffer, current) ? 1 : 0;
+    } catch (...) {
+        return 0;
+    }
+}
+
+}  // extern "C"

@@ -1,0 +1,27 @@
+# The save-file dialog library and the renderer. What both are made of lies in one library, which the tests link.
+add_library(zr_companions STATIC
+    render/arguments.cpp
+    render/console.cpp
+    render/engine.cpp
+    render/engine_arguments.cpp
+    render/engine_log.cpp
+    render/pdfmark.cpp
+    render/render_job.cpp
+    render/result_record.cpp
+    render/scratch_folder.cpp
+    render/unsupported.cpp
+    tessalo/options.cpp
+    tessalo/output_choice.cpp
+    tessalo/safe_name.cpp
+    wine_layer.cpp)
+target_link_libraries(zr_companions PUBLIC zr_ui_core)
+
+add_library(Tessalo80 SHARED tessalo/dialogs.cpp tessalo/tessalo.cpp tessalo/tessalo.def)
+target_link_libraries(Tessalo80 PRIVATE zr_companions)
+
+add_executable(zr_render render/main.cpp)
+target_link_libraries(zr_render PRIVATE zr_companions)
+target_link_options(zr_render PRIVATE -municode)
+
+set_target_properties(Tessalo80 zr_render PROPERTIES
+    PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/stage)

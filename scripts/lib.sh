@@ -1,0 +1,56 @@
+# What the scripts share: the project's folder, messages, locks, the Wine prefix. Sourced, not run.
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+export WINEPREFIX="${WINEPREFIX:-$root/build/wine}"
+export WINEDEBUG="${WINEDEBUG:--all}"
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml,winedbg.exe=}"
+mkdir -p "$root/build"
+
+say() { printf '==> %s\n' "$*"; }
+fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
+
+# Runs a command while no other run of the project's scripts does the same kind of work.
+alone() {  # alone KIND COMMAND...
+    local lock="$root/build/.$1.lock"
+    shift
+    (
+        flock -n 8 || { say "waiting for another run to finish"; flock 8; }
+        "$@"
+    ) 8>"$lock"
+}
+
+make_prefix() {
+    [ -f "$WINEPREFIX/.ready" ] && return
+    say "making a Wine prefix in ${WINEPREFIX#"$root"/}"
+    timeout 180 wineboot -i >/dev/null 2>&1 8>&- 9>&- || fail "wineboot could not make $WINEPREFIX"
+    # Without a window manager each managed window that closes costs two seconds.
+    timeout 60 "$root/scripts/wine-run" reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+    touch "$WINEPREFIX/.ready"
+}
+
+# Makes the prefix where it is missing and holds it until the script ends. The last script that holds it stops
+# its Wine server, so that nothing of it stays behind.
+hold_prefix() {
+    mkdir -p "$(dirname "$WINEPREFIX")"
+    exec 9>"$WINEPREFIX.lock"
+    flock -s 9
+    alone prefix make_prefix 9>&-
+    trap release_prefix EXIT
+}
+
+release_prefix() {
+    if flock -n -x 9; then
+        timeout 30 wineserver -k 2>/dev/null || true
+        timeout 30 wineserver -w 2>/dev/null || true
+    fi
+    exec 9>&-
+}
+
+# Configures and builds a preset; quiet but for its progress and its errors.
+build_preset() {  # build_preset release|test
+    cd "$root"
+    [ -f "build/$1/build.ninja" ] || cmake --preset "$1" >"build/configure-$1.log" 2>&1 ||
+        { cat "build/configure-$1.log" >&2; fail "cmake could not configure the $1 build"; }
+    cmake --build --preset "$1" || fail "the $1 build failed"
+}
