@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #include "common/handle.h"
 
@@ -37,10 +38,12 @@ bool is_readable(const void* address, size_t size) noexcept { return has_access(
 bool is_writable(void* address, size_t size) noexcept { return has_access(address, size, kWritable); }
 
 bool try_copy(void* target, const void* source, size_t size) noexcept {
-    const LastErrorKeeper keep;
-    SIZE_T copied = 0;
-    // Unlike a plain copy behind is_readable, this cannot lose a race against the owner of the memory.
-    return ReadProcessMemory(GetCurrentProcess(), source, target, size, &copied) && copied == size;
+    // ReadProcessMemory would not lose a race against somebody who unmaps the memory meanwhile, but costs a job
+    // more than everything else in it on systems where it stops the process to look.
+    if (!is_readable(source, size))
+        return false;
+    std::memcpy(target, source, size);
+    return true;
 }
 
 std::wstring copy_while_readable(const wchar_t* address, size_t units) {

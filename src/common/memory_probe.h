@@ -13,14 +13,14 @@ namespace qk {
 [[nodiscard]] bool is_readable(const void* address, size_t size) noexcept;
 [[nodiscard]] bool is_writable(void* address, size_t size) noexcept;
 
-// Copies `size` bytes out of memory that may not be there; false, with the target untouched or half filled,
-// when it cannot be read. Never faults.
+// Copies `size` bytes out of memory that may not be there; false, with the target untouched, when it cannot
+// be read.
 [[nodiscard]] bool try_copy(void* target, const void* source, size_t size) noexcept;
 
-// As many of `units` units from `address` on as can be read. Never faults.
+// As many of `units` units from `address` on as can be read.
 [[nodiscard]] std::wstring copy_while_readable(const wchar_t* address, size_t units);
 
-// The zero-terminated text at `address`, at most `most` units of it; empty for a null address. Never faults.
+// The zero-terminated text at `address`, at most `most` units of it; empty for a null address.
 [[nodiscard]] std::wstring text_at(const wchar_t* address, size_t most = 32767);
 
 }  // namespace qk

@@ -134,7 +134,11 @@ std::wstring ZRTK_TempPath() {
 }
 
 qk::DLL LoadInstallDll(std::wstring_view file_name) {
+    return LoadInstallDll(file_name, qk::install_folder());
+}
+
+qk::DLL LoadInstallDll(std::wstring_view file_name, const std::wstring& install_folder) {
     TRACE("LoadInstallDll");
-    const std::wstring path = qk::install_folder() + std::wstring(file_name);
+    const std::wstring path = install_folder + std::wstring(file_name);
     return qk::DLL(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
 }

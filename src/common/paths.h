@@ -45,3 +45,4 @@ bool ForceDirectories(const std::wstring& path);
 // Loads a library of the installation folder so that its own dependencies are found there too; empty, with the
 // last error of the attempt, when it cannot be loaded.
 [[nodiscard]] qk::DLL LoadInstallDll(std::wstring_view file_name);
+[[nodiscard]] qk::DLL LoadInstallDll(std::wstring_view file_name, const std::wstring& install_folder);

@@ -22,6 +22,11 @@ RegKey create(HKEY parent, const std::wstring& path, REGSAM access) noexcept {
 }
 
 CurrentUser::CurrentUser() noexcept {
+    // A thread that acts for nobody else has the process's own hive, which is open already; looking it up by the
+    // thread's user costs more than all that is read from it.
+    HandleObj token;
+    if (!OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, token.put()) && GetLastError() == ERROR_NO_TOKEN)
+        return;
     if (RegOpenCurrentUser(KEY_READ | KEY_WRITE, key_.put()) != ERROR_SUCCESS &&
         RegOpenCurrentUser(KEY_READ, key_.put()) != ERROR_SUCCESS)
         key_.reset();

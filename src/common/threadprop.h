@@ -33,4 +33,4 @@ ULONG_PTR FreeThreadProp(std::wstring_view key);
 
 // Removes every entry of every thread (process detach). While the process ends the other threads are gone and
 // may have taken the lock with them: `process_ends` gives up then instead of waiting for ever.
-void FinalizeThreadProp(bool process_ends);
+void FinalizeThreadProp(bool process_ends = false);

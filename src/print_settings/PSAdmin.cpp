@@ -55,15 +55,14 @@ bool read_file(const std::wstring& path, std::string& bytes, Restriction& restri
 
 }  // namespace
 
-std::wstring find_file() {
-    const std::wstring folder = qk::install_folder();
-    std::wstring path = folder.empty() ? folder : folder + L"administrator.ps4a";
+std::wstring find_file(const std::wstring& install_folder) {
+    std::wstring path = install_folder.empty() ? install_folder : install_folder + L"administrator.ps4a";
     return qk::is_file(path) ? path : std::wstring();
 }
 
 bool load_restriction(Restriction& restriction) {
     TRACE("load_restriction");
-    const std::wstring path = find_file();
+    const std::wstring path = find_file(qk::install_folder());
     std::string bytes;
     if (!path.empty())
         return read_file(path, bytes, restriction);
@@ -80,13 +79,14 @@ bool PrintSettingsAdmin::Load(const std::wstring& path) {
     std::string users;
     if (setting_file::read(path, users) != kLoaded)
         return false;
-    const std::wstring forced_path = Administrator::find_file();
+    const std::wstring forced_path =
+        Administrator::find_file(install_folder_ ? *install_folder_ : qk::install_folder());
     std::string forced;
-    *restriction_ = {};
-    if (!forced_path.empty() && !Administrator::read_file(forced_path, forced, *restriction_))
+    restriction_ = {};
+    if (!forced_path.empty() && !Administrator::read_file(forced_path, forced, restriction_))
         return false;
     // Of this one only comments outlive the user's file, which replaces every section.
-    if (!restriction_->PSFile.empty() && !PrintSettings::Load(restriction_->PSFile))
+    if (!restriction_.PSFile.empty() && !PrintSettings::Load(restriction_.PSFile))
         TRACE("administrator's print setting cannot be read");
     if (LoadBytes(users, false) != kLoaded)
         return false;

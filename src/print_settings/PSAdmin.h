@@ -1,7 +1,7 @@
 // Settings that an administrator forces on every user of the installation.
 #pragma once
 
-#include <memory>
+#include <optional>
 #include <string>
 
 #include "print_settings/PrintSettings.h"
@@ -25,8 +25,9 @@ public:
 // administrator file; false, with `restriction` left alone, when it is there but cannot be read.
 [[nodiscard]] bool load_restriction(Restriction& restriction);
 
-// The full path of "administrator.ps4a" in the installation folder; empty when there is no such file.
-[[nodiscard]] std::wstring find_file();
+// The full path of "administrator.ps4a" in the installation folder (with its trailing backslash); empty when
+// there is no such file.
+[[nodiscard]] std::wstring find_file(const std::wstring& install_folder);
 
 }  // namespace Administrator
 
@@ -35,17 +36,20 @@ namespace PrintSettings {
 // A print setting as a job uses it: the user's file with the administrator's values on top.
 class PrintSettingsAdmin : public PrintSettings {
 public:
-    PrintSettingsAdmin() : restriction_(std::make_unique<Administrator::Restriction>()) {}
+    PrintSettingsAdmin() = default;
+    // With the installation folder already looked up, for a job that needs it more than once.
+    explicit PrintSettingsAdmin(std::wstring install_folder) : install_folder_(std::move(install_folder)) {}
 
     using PrintSettings::Load;
     // Loads the user's file and then the administrator's, when there is one. False when either cannot be
     // loaded; the object is then not to be used.
     [[nodiscard]] bool Load(const std::wstring& path) override;
 
-    [[nodiscard]] const Administrator::Restriction& restriction() const noexcept { return *restriction_; }
+    [[nodiscard]] const Administrator::Restriction& restriction() const noexcept { return restriction_; }
 
 private:
-    std::unique_ptr<Administrator::Restriction> restriction_;
+    Administrator::Restriction restriction_;
+    std::optional<std::wstring> install_folder_;
 };
 
 }  // namespace PrintSettings

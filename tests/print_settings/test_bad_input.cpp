@@ -6,6 +6,7 @@
 #include "print_settings/PrintSettings.h"
 #include "support/random_settings.h"
 #include "support/temp_folder.h"
+#include "support/trace_capture.h"
 
 namespace ps = Corvanta::Vantrix::PrintSettings;
 
@@ -134,16 +135,18 @@ TEST(BadSetting, LegacyFilesAreCheckedAndNeverHalfRead) {
         const char* label;
         std::string bytes;
         int result;
+        const wchar_t* traced = L"read_legacy";
     } const rows[] = {
         {"first generation", std::string("\x09\x00\x02\x00 and more", 13), ps::kLegacyPayload},
         {"sound", chunked(data + end), ps::kLegacyPayload},
-        {"unknown chunks around", chunked(chunk("XXXX", "x") + data + chunk("YYYY", "") + end),
-         ps::kLegacyPayload},
-        {"other magic", chunked(data + end, 3, '\xF2'), ps::kUnreadable},
-        {"other version", chunked(data + end, 4), ps::kUnreadable},
-        {"header cut", chunked("").substr(0, 47), ps::kUnreadable},
-        {"magic only", chunked("").substr(0, 8), ps::kUnreadable},
-        {"no chunks", chunked(""), ps::kUnreadable},
+        {"other chunk", chunked(chunk("XXXX", "x") + data + end), ps::kLegacyPayload, L"unknown chunk"},
+        {"its identifier", chunked(data + chunk("AXXX", "") + end), ps::kLegacyPayload,
+         L"header.d=0x58585841"},
+        {"other magic", chunked(data + end, 3, '\xF2'), ps::kUnreadable, L"bad magic number"},
+        {"other version", chunked(data + end, 4), ps::kUnreadable, L"bad major version"},
+        {"header cut", chunked("").substr(0, 47), ps::kUnreadable, L"bad magic number"},
+        {"magic only", chunked("").substr(0, 8), ps::kUnreadable, L"bad magic number"},
+        {"no chunks", chunked(""), ps::kUnreadable, L"bad chunk list"},
         {"no data chunk", chunked(end), ps::kUnreadable},
         {"no end", chunked(data), ps::kUnreadable},
         {"end cut", chunked(data + end.substr(0, 7)), ps::kUnreadable},
@@ -154,8 +157,10 @@ TEST(BadSetting, LegacyFilesAreCheckedAndNeverHalfRead) {
     const ps::PrintSettings defaults;
     for (const auto& row : rows) {
         ps::PrintSettings settings;
+        const TraceCapture capture;
         EXPECT_EQ(settings.Load(folder.write(L"file.printSetting3", row.bytes), false), row.result)
             << row.label;
+        EXPECT_TRUE(TraceCapture::holds(row.traced)) << row.label;
         EXPECT_EQ(settings, defaults) << row.label;
     }
 }

@@ -4,10 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "common/trace.h"
 #include "print_settings/display.h"
-#include "support/import_patch.h"
 #include "support/random_settings.h"
+#include "support/trace_capture.h"
 
 namespace ps = Corvanta::Vantrix::PrintSettings;
 
@@ -79,16 +78,6 @@ TEST(PrintSettingsModel, VersionCodesNameTheirPdfVersion) {
         EXPECT_STREQ(ps::Types2Str(ps::pdf_ver(row.code)), row.text) << row.code;
 }
 
-namespace {
-
-std::vector<std::wstring> traced;
-
-void WINAPI record(const wchar_t* text) {
-    traced.emplace_back(text);
-}
-
-}  // namespace
-
 TEST(PrintSettingsModel, ComparingTracesEveryPartThatDiffers) {
     ps::PrintSettings a;
     ps::PrintSettings b;
@@ -97,14 +86,10 @@ TEST(PrintSettingsModel, ComparingTracesEveryPartThatDiffers) {
     b.compression()->Gray->JpegQuality = 1;
     b.addition()->Bool[L"flag"] = true;
 
-    const ImportPatch patch("OutputDebugStringW", reinterpret_cast<void*>(&record));
-    ASSERT_TRUE(patch.found());
-    traced.clear();
+    EXPECT_FALSE(a == b);  // the trace is off
+    const TraceCapture capture;
     EXPECT_FALSE(a == b);
-    EXPECT_TRUE(traced.empty());  // the trace is off
-    qk::trace::level = qk::trace::kPlainLevel;
-    EXPECT_FALSE(a == b);
-    qk::trace::level = 0;
+    const std::vector<std::wstring> traced = TraceCapture::records();
 
     const wchar_t* const parts[] = {L"PSVersion", L"PSComment", L"Compression", L"Addition"};
     ASSERT_EQ(traced.size(), std::size(parts));
