@@ -95,7 +95,7 @@ public:
 private:
     void load_library() {
         TRACE("sd1");
-        library_ = LoadInstallDll(dialog_library::kFileName);
+        library_ = LoadInstallDll(dialog_library::kFileName, install_folder_);
         if (!library_) {
             TRACE("failed LoadLibrary:Tessalo80.dll");
             throw NoJob{ERROR_FILE_NOT_FOUND};
@@ -236,13 +236,14 @@ private:
         }
     }
 
+    std::wstring install_folder_ = qk::install_folder();
     std::wstring printer_name_;
     std::wstring document_name_;
     bool has_document_name_ = false;
     // The library outlives the record: a text that it holds itself is copied before it is unloaded.
     qk::DLL library_;
     dialog_library::GetFile2* get_file_ = nullptr;
-    PrintSettingsAdmin settings_;
+    PrintSettingsAdmin settings_{install_folder_};
     DialogRecord record_;
     std::unique_ptr<TeskelCustom2021> external_;
 };
