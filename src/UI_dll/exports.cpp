@@ -1,5 +1,6 @@
 // The exported entry points: each traces, calls one inner function and lets no exception out.
 #include "UI_dll/ddi.h"
+#include "UI_dll/devcaps.h"
 #include "UI_dll/docprop.h"
 #include "UI_dll/guard.h"
 #include "UI_dll/ptrinfo.h"
@@ -14,7 +15,6 @@
 namespace {
 
 constexpr LONG kFailure = -1;
-constexpr auto kNoAnswer = static_cast<DWORD>(-1);
 constexpr DWORD kAdvancedMode = DM_COPY | DM_PROMPT | DM_MODIFY | 16;  // 16: the advanced page
 
 // The answer of an entry point whose sheets are not part of this version.
@@ -90,14 +90,19 @@ BOOL WINAPI DrvConvertDevMode(LPWSTR printer, DEVMODEW* source, DEVMODEW* target
     return ui::guarded<BOOL>(FALSE, [&] { return convert_devmode(printer, source, target, needed, mode); });
 }
 
-DWORD WINAPI DrvDeviceCapabilities(HANDLE, LPWSTR, WORD, void*, DEVMODEW*) noexcept {
+DWORD WINAPI DrvDeviceCapabilities(HANDLE printer, LPWSTR device, WORD index, void* output,
+                                   DEVMODEW* devmode) noexcept {
     TRACE("DrvDeviceCapabilities");
-    return not_available(kNoAnswer);
+    return ui::guarded<DWORD>(devcaps::kFailed,
+                              [&] { return devcaps::capability(printer, device, index, output, devmode); });
 }
 
-DWORD WINAPI DrvSplDeviceCaps(HANDLE, LPWSTR, WORD, void*, DWORD, DEVMODEW*) noexcept {
+DWORD WINAPI DrvSplDeviceCaps(HANDLE printer, LPWSTR device, WORD index, void* output, DWORD output_size,
+                              DEVMODEW* devmode) noexcept {
     TRACE("DrvSplDeviceCaps");
-    return not_available(kNoAnswer);
+    return ui::guarded<DWORD>(devcaps::kFailed, [&] {
+        return devcaps::spooler_capability(printer, device, index, output, output_size, devmode);
+    });
 }
 
 int WINAPI DrvDocumentEvent(HANDLE printer, HDC hdc, int event, ULONG in_size, void* in, ULONG out_size,

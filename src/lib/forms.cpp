@@ -75,7 +75,9 @@ FormRecord large_record(const LargeForm& form, size_t paper_number) {
             .paper_number = static_cast<uint16_t>(paper_number)};
 }
 
-void report(const std::vector<FormRecord>& records, FormCallback& callback) {
+}  // namespace
+
+void report_forms(const std::vector<FormRecord>& records, FormCallback& callback) {
     for (const FormRecord& record : records) {
         const wchar_t* kind = record.flags & FORM_BUILTIN ? L"FORM_BUILTIN "
                               : is_printer_form(record.flags) ? L"FORM_PRINTER"
@@ -85,8 +87,6 @@ void report(const std::vector<FormRecord>& records, FormCallback& callback) {
     }
     callback(nullptr);
 }
-
-}  // namespace
 
 std::optional<FormRecord> record_of(const FORM_INFO_1W& form, size_t position) {
     const std::wstring_view name = form.pName ? form.pName : L"";
@@ -127,7 +127,7 @@ int ZRTK_EnumForms(HANDLE printer, FormCallback* callback, std::vector<FormRecor
         if (!found[i])
             records.push_back(large_record(kLargeForms[i], ++paper_number));
     if (callback)
-        report(records, *callback);
+        report_forms(records, *callback);
     TRACE("<<");
     return 1;
 }

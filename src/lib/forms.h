@@ -38,6 +38,9 @@ public:
 // spooler cannot list its forms (its last error stays). Time is linear in the number of forms.
 int ZRTK_EnumForms(HANDLE printer, FormCallback* callback, std::vector<FormRecord>& records);
 
+// Calls `callback` for each record in order and then once with none.
+void report_forms(const std::vector<FormRecord>& records, FormCallback& callback);
+
 // The first record with that paper number, or with exactly that name; null when there is none.
 [[nodiscard]] const FormRecord* find_form(const std::vector<FormRecord>& records, int paper_number) noexcept;
 [[nodiscard]] const FormRecord* find_form(const std::vector<FormRecord>& records, std::wstring_view name) noexcept;
