@@ -12,9 +12,10 @@ namespace {
 
 constexpr size_t kFilterRoom = 32;  // elements; more than there are events
 
-constexpr const wchar_t* kNames[] = {nullptr,        L"CREATEDCPRE", L"CREATEDCPOST", L"RESETDCPRE", L"RESETDCPOST",
-                                     L"STARTDOCPRE", L"STARTPAGE",   L"ENDPAGE",      L"ENDDOCPRE",  L"ABORTDOC",
-                                     L"DELETEDC",    L"ESCAPE",      L"ENDDOCPOST",   L"STARTDOCPOST", L"QUERYFILTER"};
+constexpr const wchar_t* kNames[] = {nullptr,        L"CREATEDCPRE",  L"CREATEDCPOST", L"RESETDCPRE",
+                                     L"RESETDCPOST", L"STARTDOCPRE",  L"STARTPAGE",    L"ENDPAGE",
+                                     L"ENDDOCPRE",   L"ABORTDOC",     L"DELETEDC",     L"ESCAPE",
+                                     L"ENDDOCPOST",  L"STARTDOCPOST", L"QUERYFILTER"};
 
 // DOCEVENT_FILTER with room for its list.
 union Filter {
@@ -55,7 +56,8 @@ void EventPlayer::query_filter(const wchar_t* device) {
     filter.header.cElementsAllocated = kFilterRoom;
     constexpr UINT kUnanswered = ~0u;
     filter.header.cElementsReturned = kUnanswered;
-    const LONG result = call(DOCUMENTEVENT_QUERYFILTER, {&address, sizeof address, &filter, sizeof filter}, 0);
+    const LONG result =
+        call(DOCUMENTEVENT_QUERYFILTER, {&address, sizeof address, &filter, sizeof filter}, 0);
     if (result != DOCUMENTEVENT_SUCCESS || filter.header.cElementsReturned > kFilterRoom)
         return;
     subscribed_.fill(false);
@@ -86,11 +88,23 @@ LONG EventPlayer::start_doc_post(int job) {
     return send(DOCUMENTEVENT_STARTDOCPOST, {&id, sizeof id});
 }
 
-LONG EventPlayer::start_page(size_t page) { return send(DOCUMENTEVENT_STARTPAGE, {}, page); }
-LONG EventPlayer::end_page(size_t page) { return send(DOCUMENTEVENT_ENDPAGE, {}, page); }
-LONG EventPlayer::end_doc_pre() { return send(DOCUMENTEVENT_ENDDOCPRE, {}); }
-LONG EventPlayer::end_doc_post() { return send(DOCUMENTEVENT_ENDDOCPOST, {}); }
-LONG EventPlayer::abort_doc() { return send(DOCUMENTEVENT_ABORTDOC, {}); }
-LONG EventPlayer::delete_dc() { return send(DOCUMENTEVENT_DELETEDC, {}); }
+LONG EventPlayer::start_page(size_t page) {
+    return send(DOCUMENTEVENT_STARTPAGE, {}, page);
+}
+LONG EventPlayer::end_page(size_t page) {
+    return send(DOCUMENTEVENT_ENDPAGE, {}, page);
+}
+LONG EventPlayer::end_doc_pre() {
+    return send(DOCUMENTEVENT_ENDDOCPRE, {});
+}
+LONG EventPlayer::end_doc_post() {
+    return send(DOCUMENTEVENT_ENDDOCPOST, {});
+}
+LONG EventPlayer::abort_doc() {
+    return send(DOCUMENTEVENT_ABORTDOC, {});
+}
+LONG EventPlayer::delete_dc() {
+    return send(DOCUMENTEVENT_DELETEDC, {});
+}
 
 }  // namespace host

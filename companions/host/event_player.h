@@ -12,16 +12,16 @@
 namespace host {
 
 // The exported "DrvDocumentEvent" of a printer driver's user-interface module.
-using DocumentEvent = int WINAPI(HANDLE printer, HDC context, int event, ULONG in_size, void* in, ULONG out_size,
-                                 void* out);
+using DocumentEvent = int WINAPI(HANDLE printer, HDC context, int event, ULONG in_size, void* in,
+                                 ULONG out_size, void* out);
 
 // One event of the job as it went.
 struct PlayedEvent {
     int number;
-    bool sent;     // false: the module has not subscribed to it
-    LONG result;   // 1 success, 0 not supported, -1 failure
-    DWORD error;   // the thread's last error after the call
-    size_t page;   // of a page event, from 1; else 0
+    bool sent;    // false: the module has not subscribed to it
+    LONG result;  // 1 success, 0 not supported, -1 failure
+    DWORD error;  // the thread's last error after the call
+    size_t page;  // of a page event, from 1; else 0
 };
 
 // "STARTDOCPRE" for 5; "event <number>" for a number without a name.

@@ -6,6 +6,8 @@
 namespace host {
 
 std::wstring error_in_words(DWORD error) {
+    if (error == kJobCancelled)
+        return L"The job was cancelled";
     qk::LocalMemory memory;
     const DWORD units = FormatMessageW(
         FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,

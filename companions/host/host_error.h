@@ -10,10 +10,11 @@ namespace host {
 // The program's exit codes; scripts rely on them.
 enum class ExitCode {
     kDone = 0,
-    kJobFailed = 1,     // the job was refused, cancelled or ended with an error
-    kUsage = 2,         // wrong arguments, or the text file cannot be read
-    kInstallation = 3,  // the printer, the module or a file of the installation is missing or cannot be set up
-    kInternal = 4,      // a fault of the program itself
+    kJobFailed = 1,  // the job was refused, cancelled or ended with an error
+    kUsage = 2,      // wrong arguments, or the text file cannot be read
+    kInstallation =
+        3,          // the printer, the module or a file of the installation is missing or cannot be set up
+    kInternal = 4,  // a fault of the program itself
 };
 
 // Thrown where a command cannot go on.
@@ -22,8 +23,11 @@ struct HostError {
     std::wstring text;
 };
 
+// What a cancelled job leaves as last error. The system has no words for it.
+inline constexpr DWORD kJobCancelled = 2153;
+
 // A Windows error code in words, without a trailing full stop or line break; "error <number>" for a code that
-// the system has no words for.
+// nobody has words for.
 [[nodiscard]] std::wstring error_in_words(DWORD error);
 
 // "<what>: <the error in words> (<number>)".

@@ -10,8 +10,12 @@ namespace {
 
 constexpr wchar_t kFormFeed = L'\f';
 
-bool is_control(wchar_t unit) noexcept { return unit < L' ' || (unit >= 0x7F && unit < 0xA0); }
-bool is_low_surrogate(wchar_t unit) noexcept { return unit >= 0xDC00 && unit < 0xE000; }
+bool is_control(wchar_t unit) noexcept {
+    return unit < L' ' || (unit >= 0x7F && unit < 0xA0);
+}
+bool is_low_surrogate(wchar_t unit) noexcept {
+    return unit >= 0xDC00 && unit < 0xE000;
+}
 
 // Where to break a line of which `fits` units fit.
 size_t break_position(std::wstring_view line, size_t fits) noexcept {
@@ -102,6 +106,8 @@ std::vector<Page> paginate(std::wstring_view text, const PageLayout& layout) {
     }
 }
 
-std::wstring page_number_text(size_t page, size_t pages) { return qk::format(L"Page %llu of %llu", page, pages); }
+std::wstring page_number_text(size_t page, size_t pages) {
+    return qk::format(L"Page %llu of %llu", page, pages);
+}
 
 }  // namespace host

@@ -63,7 +63,9 @@ void draw_text(HDC context, int x, int y, const std::wstring& text) noexcept {
 }  // namespace
 
 PagePrinter::PagePrinter(HDC context)
-    : context_(context), font_(create_font(context)), replaced_font_(SelectObject(context, font_.get())),
+    : context_(context),
+      font_(create_font(context)),
+      replaced_font_(SelectObject(context, font_.get())),
       area_(text_area(context)) {
     TEXTMETRICW metrics = {};
     GetTextMetricsW(context_, &metrics);
@@ -71,12 +73,15 @@ PagePrinter::PagePrinter(HDC context)
     footer_top_ = area_.bottom - line_height_;
 }
 
-PagePrinter::~PagePrinter() { SelectObject(context_, replaced_font_); }
+PagePrinter::~PagePrinter() {
+    SelectObject(context_, replaced_font_);
+}
 
 PageLayout PagePrinter::layout() const {
     const int text_bottom = footer_top_ - line_height_;  // an empty line above the page number
     const int lines = (text_bottom - area_.top) / line_height_;
-    return {static_cast<size_t>(std::max(lines, 1)), [this](std::wstring_view line) { return fitting_units(line); }};
+    return {static_cast<size_t>(std::max(lines, 1)),
+            [this](std::wstring_view line) { return fitting_units(line); }};
 }
 
 size_t PagePrinter::fitting_units(std::wstring_view line) const {

@@ -16,8 +16,12 @@ namespace {
 constexpr UINT kWindows1252 = 1252;
 constexpr wchar_t kReplacement = L'\xFFFD';
 
-bool is_high(wchar_t unit) noexcept { return unit >= 0xD800 && unit < 0xDC00; }
-bool is_low(wchar_t unit) noexcept { return unit >= 0xDC00 && unit < 0xE000; }
+bool is_high(wchar_t unit) noexcept {
+    return unit >= 0xD800 && unit < 0xDC00;
+}
+bool is_low(wchar_t unit) noexcept {
+    return unit >= 0xDC00 && unit < 0xE000;
+}
 
 bool is_valid_utf8(std::string_view bytes) noexcept {
     return bytes.empty() || MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(),
@@ -26,8 +30,8 @@ bool is_valid_utf8(std::string_view bytes) noexcept {
 
 std::wstring from_windows_1252(std::string_view bytes) {
     std::wstring text(bytes.size(), L'\0');
-    const int units = MultiByteToWideChar(kWindows1252, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(),
-                                          static_cast<int>(text.size()));
+    const int units = MultiByteToWideChar(kWindows1252, 0, bytes.data(), static_cast<int>(bytes.size()),
+                                          text.data(), static_cast<int>(text.size()));
     text.resize(static_cast<size_t>(units));
     return text;
 }
@@ -71,7 +75,8 @@ DecodedText decode_text(std::string_view bytes) {
         replace_lone_surrogates(text);
         return {std::move(text), little_endian ? Encoding::kUtf16Le : Encoding::kUtf16Be};
     }
-    if (bytes.starts_with("\xEF\xBB\xBF"))  // the mark says UTF-8, so bad bytes are damage, not another encoding
+    if (bytes.starts_with(
+            "\xEF\xBB\xBF"))  // the mark says UTF-8, so bad bytes are damage, not another encoding
         return {qk::to_wide(bytes.substr(3)), Encoding::kUtf8};
     if (is_valid_utf8(bytes))
         return {qk::to_wide(bytes), Encoding::kUtf8};
@@ -81,16 +86,17 @@ DecodedText decode_text(std::string_view bytes) {
 std::string read_text_file(const std::wstring& path) {
     if (qk::is_folder(path))
         throw HostError{ExitCode::kUsage, path + L" is a folder, not a text file"};
-    const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                       OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                       nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     if (!file)
         throw HostError{ExitCode::kUsage, with_reason(L"cannot open " + path, GetLastError())};
     LARGE_INTEGER size = {};
     if (!GetFileSizeEx(file.get(), &size))
         throw HostError{ExitCode::kUsage, with_reason(L"cannot read " + path, GetLastError())};
     if (static_cast<uint64_t>(size.QuadPart) > kMostTextBytes)
-        throw HostError{ExitCode::kUsage, qk::format(L"%s is too large to print: %llu MiB, at most %llu", path.c_str(),
-                                                     size.QuadPart >> 20, kMostTextBytes >> 20)};
+        throw HostError{ExitCode::kUsage,
+                        qk::format(L"%s is too large to print: %llu MiB, at most %llu", path.c_str(),
+                                   size.QuadPart >> 20, kMostTextBytes >> 20)};
     std::string bytes(static_cast<size_t>(size.QuadPart), '\0');
     DWORD read = 0;
     if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr))

@@ -162,20 +162,20 @@ private:
     }
 
     void check(Engine::End end) const {
-        const std::wstring detail = qk::to_wide(log_.error());
-        if (end == Engine::End::kMissing)
-            throw Failure{ResultCode::kEngineMissing, ERROR_FILE_NOT_FOUND, {}};
-        if (end == Engine::End::kStopped)
-            throw Failure{ResultCode::kEngineStopped, ERROR_PROCESS_ABORTED, detail};
-        const bool unwritten = log_.error().find("ioerror") != std::string::npos ||
-                               log_.error().find("Could not open the file") != std::string::npos;
-        if (end == Engine::End::kFailed && unwritten)
-            throw Failure{ResultCode::kTargetUnwritable, ERROR_WRITE_FAULT, detail};
-        if (end == Engine::End::kFailed)
-            throw Failure{ResultCode::kSpoolDamaged, ERROR_INVALID_DATA, detail};
-        // Without a page the engine writes an empty one of its own.
-        if (log_.pages() == 0)
-            throw Failure{ResultCode::kNoPages, ERROR_INVALID_DATA, {}};
+        constexpr struct {
+            ResultCode code;
+            DWORD win32_error;
+        } kErrors[] = {
+            {ResultCode::kEngineMissing, ERROR_FILE_NOT_FOUND},
+            {ResultCode::kTargetUnwritable, ERROR_WRITE_FAULT},
+            {ResultCode::kEngineStopped, ERROR_PROCESS_ABORTED},
+            {ResultCode::kSpoolDamaged, ERROR_INVALID_DATA},
+            {ResultCode::kNoPages, ERROR_INVALID_DATA},
+        };
+        const ResultCode code = engine_result(end, log_);
+        for (const auto& row : kErrors)
+            if (row.code == code)
+                throw Failure{code, row.win32_error, qk::to_wide(log_.error())};
     }
 
     const PrintSettings& settings_;
@@ -215,6 +215,19 @@ Result failed(Result result, const Failure& failure) {
 }
 
 }  // namespace
+
+ResultCode engine_result(Engine::End end, const EngineLog& log) noexcept {
+    if (end == Engine::End::kMissing)
+        return ResultCode::kEngineMissing;
+    if (end == Engine::End::kDone)  // without a page the engine writes an empty one of its own
+        return log.pages() == 0 ? ResultCode::kNoPages : ResultCode::kDone;
+    // A full disk makes the engine fail or crash, as it comes.
+    const bool unwritten = log.error().find("ioerror") != std::string::npos ||
+                           log.error().find("Could not open the file") != std::string::npos;
+    if (unwritten)
+        return ResultCode::kTargetUnwritable;
+    return end == Engine::End::kStopped ? ResultCode::kEngineStopped : ResultCode::kSpoolDamaged;
+}
 
 Rendered render(const Arguments& arguments, const ZRTKPrintStartInfoC& start) {
     Rendered rendered;

@@ -15,27 +15,37 @@ constexpr DWORD kReadable = kWritable | PAGE_READONLY | PAGE_EXECUTE_READ;
 
 constexpr size_t kPage = 4096;
 
-bool has_access(const void* address, size_t size, DWORD wanted) noexcept {
+size_t accessible_size(const void* address, size_t most, DWORD wanted) noexcept {
     const LastErrorKeeper keep;
-    auto at = reinterpret_cast<uintptr_t>(address);
-    if (at == 0 || at + size < at)
-        return false;
-    for (const uintptr_t end = at + size; at < end;) {
+    const auto start = reinterpret_cast<uintptr_t>(address);
+    if (start == 0)
+        return 0;
+    const uintptr_t end = most > UINTPTR_MAX - start ? UINTPTR_MAX : start + most;
+    uintptr_t at = start;
+    while (at < end) {
         MEMORY_BASIC_INFORMATION region = {};
         if (VirtualQuery(reinterpret_cast<void*>(at), &region, sizeof region) != sizeof region)
-            return false;
+            break;
         if (region.State != MEM_COMMIT || !(region.Protect & wanted) || (region.Protect & PAGE_GUARD))
-            return false;
+            break;
         at = reinterpret_cast<uintptr_t>(region.BaseAddress) + region.RegionSize;
     }
-    return true;
+    return std::min(at, end) - start;
 }
 
 }  // namespace
 
-bool is_readable(const void* address, size_t size) noexcept { return has_access(address, size, kReadable); }
+size_t readable_size(const void* address, size_t most) noexcept {
+    return accessible_size(address, most, kReadable);
+}
 
-bool is_writable(void* address, size_t size) noexcept { return has_access(address, size, kWritable); }
+size_t writable_size(void* address, size_t most) noexcept { return accessible_size(address, most, kWritable); }
+
+bool is_readable(const void* address, size_t size) noexcept {
+    return address && readable_size(address, size) == size;
+}
+
+bool is_writable(void* address, size_t size) noexcept { return address && writable_size(address, size) == size; }
 
 bool try_copy(void* target, const void* source, size_t size) noexcept {
     // ReadProcessMemory would not lose a race against somebody who unmaps the memory meanwhile, but costs a job

@@ -28,14 +28,18 @@ constexpr WORD spec_version_of(WORD size) noexcept {
     }
 }
 
+constexpr size_t kMostBytes = size_t{2} * 0xFFFF;  // a size and an extra as large as they can be
+
+bool is_within(const DEVMODEW* devmode, size_t size) noexcept {
+    return size >= kHeaderBytes && size_t{devmode->dmSize} + devmode->dmDriverExtra <= size;
+}
+
 bool holds_what_it_claims(const DEVMODEW* devmode) noexcept {
-    return qk::is_readable(devmode, kHeaderBytes) &&
-           qk::is_readable(devmode, size_t{devmode->dmSize} + devmode->dmDriverExtra);
+    return is_within(devmode, qk::readable_size(devmode, kMostBytes));
 }
 
 bool can_take_what_it_claims(DEVMODEW* devmode) noexcept {
-    return qk::is_writable(devmode, kHeaderBytes) &&
-           qk::is_writable(devmode, std::max<size_t>(kHeaderBytes, size_t{devmode->dmSize} + devmode->dmDriverExtra));
+    return is_within(devmode, qk::writable_size(devmode, kMostBytes));
 }
 
 std::byte* bytes_of(DEVMODEW* devmode) noexcept { return reinterpret_cast<std::byte*>(devmode); }

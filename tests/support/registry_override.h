@@ -9,7 +9,7 @@ class MachineRegistry {
 public:
     MachineRegistry() : name_(L"Software\\zr_test_" + std::to_wstring(GetCurrentProcessId())) {
         RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
-        RegCreateKeyExW(HKEY_CURRENT_USER, name_.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
+        RegCreateKeyExW(HKEY_CURRENT_USER, name_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
                         nullptr, &key_, nullptr);
         RegOverridePredefKey(HKEY_LOCAL_MACHINE, key_);
     }
@@ -23,7 +23,7 @@ public:
 
     void set_text(const std::wstring& path, const std::wstring& value, const std::wstring& text) const {
         HKEY key = nullptr;
-        RegCreateKeyExW(key_, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
+        RegCreateKeyExW(key_, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
                         nullptr);
         RegSetValueExW(key, value.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                        static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));

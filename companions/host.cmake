@@ -1,0 +1,29 @@
+# The host program. What it is made of lies in one library, which the tests link.
+add_library(zr_host_core STATIC
+    host/console.cpp
+    host/driver_module.cpp
+    host/event_player.cpp
+    host/host_error.cpp
+    host/install.cpp
+    host/instant_jobs.cpp
+    host/job.cpp
+    host/job_report.cpp
+    host/options.cpp
+    host/output_target.cpp
+    host/page_layout.cpp
+    host/page_printer.cpp
+    host/printer_setup.cpp
+    host/record_fields.cpp
+    host/renderer.cpp
+    host/setting_choice.cpp
+    host/stage_files.cpp
+    host/text_file.cpp
+    host/trace_output.cpp)
+target_link_libraries(zr_host_core PUBLIC zr_ui_core)
+
+add_executable(zr_print host/main.cpp host/zr_print.rc)
+set_source_files_properties(host/zr_print.rc PROPERTIES OBJECT_DEPENDS
+    "${CMAKE_CURRENT_SOURCE_DIR}/host/Vantrix.ppd;${CMAKE_CURRENT_SOURCE_DIR}/host/resource.h")
+target_link_libraries(zr_print PRIVATE zr_host_core)
+target_link_options(zr_print PRIVATE -municode)
+set_target_properties(zr_print PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/stage)

@@ -1,0 +1,179 @@
+#include "companions/host/install.h"
+
+#include <shlobj.h>
+
+#include "common/handle.h"
+#include "common/module.h"
+#include "common/paths.h"
+#include "common/registry.h"
+#include "common/text.h"
+#include "companions/host/host_error.h"
+#include "companions/host/printer_setup.h"
+
+namespace host {
+
+namespace {
+
+constexpr wchar_t kFolderValue[] = L"PdfDllPath";
+constexpr wchar_t kNotificationKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Notification";
+constexpr wchar_t kChannelsValue[] = L"Error";
+constexpr wchar_t kOneAtATime[] = L"zr_print_installation";
+constexpr DWORD kMostWait = 120000;  // milliseconds
+
+// Held while the installation changes.
+class InstallationLock {
+public:
+    InstallationLock() : mutex_(CreateMutexW(nullptr, FALSE, kOneAtATime)) {
+        const DWORD waited = WaitForSingleObject(mutex_.get(), kMostWait);
+        if (waited != WAIT_OBJECT_0 && waited != WAIT_ABANDONED)
+            throw HostError{ExitCode::kInstallation, L"another installation does not come to its end"};
+    }
+    ~InstallationLock() { ReleaseMutex(mutex_.get()); }
+    InstallationLock(const InstallationLock&) = delete;
+    InstallationLock& operator=(const InstallationLock&) = delete;
+
+private:
+    qk::HandleObj mutex_;
+};
+
+// Collects the steps and shows each at once.
+class Steps {
+public:
+    explicit Steps(const StepSeen& seen) : seen_(seen) {}
+
+    void add(const std::wstring& what, const std::wstring& state, bool good = true) {
+        steps_.push_back({what, state, good});
+        if (seen_)
+            seen_(steps_.back());
+    }
+    [[nodiscard]] InstallSteps take() { return std::move(steps_); }
+
+private:
+    const StepSeen& seen_;
+    InstallSteps steps_;
+};
+
+qk::RegKey machine_key(const std::wstring& path) {
+    qk::RegKey key = qk::registry::create(HKEY_LOCAL_MACHINE, path, KEY_READ | KEY_WRITE);
+    if (!key)
+        throw HostError{ExitCode::kInstallation,
+                        L"the machine's registry key " + path + L" cannot be written"};
+    return key;
+}
+
+bool set_text(HKEY key, const wchar_t* value, const std::wstring& text) {
+    if (qk::registry::find_text(key, value) == text)
+        return false;
+    const LSTATUS error = RegSetValueExW(key, value, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                                         static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+    if (error != ERROR_SUCCESS)
+        throw HostError{ExitCode::kInstallation, with_reason(std::wstring(L"the registry refuses ") + value,
+                                                             static_cast<DWORD>(error))};
+    return true;
+}
+
+void make_folder(const std::wstring& folder) {
+    if (!ForceDirectories(folder))
+        throw HostError{ExitCode::kInstallation, with_reason(L"cannot make " + folder, GetLastError())};
+}
+
+void copy_files(const std::wstring& stage, const InstallPlaces& places, Steps& steps) {
+    const std::vector<FileCopy> copies = plan_copies(stage, places);
+    for (const wchar_t* folder : {L"Settings\\legacy\\", L"CustomSettings\\"})
+        make_folder(places.installation + folder);
+    make_folder(places.drivers);
+    for (const FileCopy& copy : copies)
+        steps.add(copy.target, outcome_name(bring_up_to_date(copy)));
+}
+
+void remove_file(const std::wstring& path, Steps& steps) {
+    if (!qk::is_file(path))
+        return;
+    const bool gone = DeleteFileW(path.c_str()) != FALSE;
+    steps.add(path, gone ? L"removed" : error_in_words(GetLastError()), gone);
+}
+
+// The files that an installation made; what an administrator has added stays, and its folders with it.
+void remove_files(const InstallPlaces& places, Steps& steps) {
+    for (const wchar_t* code : {L"en", L"ja", L"kr", L"chs", L"cht"})
+        for (const std::wstring& place : {places.drivers, places.installation})
+            remove_file(qk::format(L"%sLanguage\\zrtk_res_%s.dll", place.c_str(), code), steps);
+    remove_file(places.drivers + kConfigFile, steps);
+    remove_file(places.drivers + kDataFile, steps);
+    for (const wchar_t* name : {L"Tessalo80.dll", L"zr_render.exe", L"Settings\\standard.ps4"})
+        remove_file(places.installation + name, steps);
+    RemoveDirectoryW((places.drivers + L"Language").c_str());
+    for (const wchar_t* folder : {L"Language", L"Settings\\legacy", L"Settings", L"CustomSettings", L""})
+        RemoveDirectoryW((places.installation + folder).c_str());
+}
+
+void look_for_file(const std::wstring& path, Steps& steps) {
+    const bool there = qk::is_file(path);
+    steps.add(path, there ? L"there" : L"missing", there);
+}
+
+}  // namespace
+
+InstallPlaces install_places() {
+    wchar_t programs[MAX_PATH + 1] = {};
+    if (!SHGetSpecialFolderPathW(nullptr, programs, CSIDL_PROGRAM_FILES, TRUE))
+        throw HostError{ExitCode::kInstallation, L"the system names no folder for programs"};
+    return {std::wstring(programs) + L"\\Corvanta\\Vantrix\\", driver_folder()};
+}
+
+InstallSteps install(const std::wstring& stage, const StepSeen& seen) {
+    const InstallationLock lock;
+    const InstallPlaces places = install_places();
+    Steps steps(seen);
+    copy_files(stage, places, steps);
+    steps.add(places.drivers + kDataFile, provide_data_file(places.drivers) ? L"written" : L"up to date");
+    const qk::RegKey root = machine_key(qk::registry::kRoot);
+    const bool changed = set_text(root.get(), kFolderValue, places.installation);
+    steps.add(kFolderValue, changed ? L"set to " + places.installation : L"up to date");
+    steps.add(L"driver", ensure_driver() ? L"installed" : L"there");
+    steps.add(std::wstring(L"printer ") + qk::kProductName, ensure_printer() ? L"installed" : L"there");
+    return steps.take();
+}
+
+InstallSteps uninstall(const StepSeen& seen) {
+    const InstallationLock lock;
+    const InstallPlaces places = install_places();
+    Steps steps(seen);
+    steps.add(std::wstring(L"printer ") + qk::kProductName, remove_printer() ? L"removed" : L"was not there");
+    steps.add(L"driver", remove_driver() ? L"removed" : L"was not there");
+    remove_files(places, steps);
+    const qk::RegKey root = machine_key(qk::registry::kRoot);
+    RegDeleteValueW(root.get(), kFolderValue);
+    steps.add(kFolderValue, L"removed");
+    return steps.take();
+}
+
+InstallSteps installation_status() {
+    const StepSeen nobody;
+    Steps steps(nobody);
+    const bool printer = static_cast<bool>(open_printer());
+    steps.add(std::wstring(L"printer ") + qk::kProductName, printer ? L"there" : L"missing", printer);
+    const auto module = find_driver_module();
+    steps.add(L"driver", module ? L"there" : L"missing", module.has_value());
+    if (module)
+        look_for_file(*module, steps);
+    look_for_file(driver_folder() + kDataFile, steps);
+    const std::wstring folder = qk::install_folder();
+    steps.add(kFolderValue, folder.empty() ? L"missing" : folder, !folder.empty());
+    for (const wchar_t* name : {L"Tessalo80.dll", L"zr_render.exe", L"Settings\\standard.ps4"})
+        look_for_file(folder + name, steps);
+    const auto channels = qk::registry::find_number(HKEY_LOCAL_MACHINE, kNotificationKey, kChannelsValue);
+    steps.add(L"notification channels", channels ? qk::format(L"%u", *channels) : L"1 (not set)");
+    return steps.take();
+}
+
+void set_notify_channels(DWORD channels) {
+    const qk::RegKey key = machine_key(kNotificationKey);
+    const LSTATUS error = RegSetValueExW(key.get(), kChannelsValue, 0, REG_DWORD,
+                                         reinterpret_cast<const BYTE*>(&channels), sizeof channels);
+    if (error != ERROR_SUCCESS)
+        throw HostError{ExitCode::kInstallation,
+                        with_reason(L"the notification channels cannot be set", static_cast<DWORD>(error))};
+}
+
+}  // namespace host

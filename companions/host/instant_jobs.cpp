@@ -1,0 +1,170 @@
+#include "companions/host/instant_jobs.h"
+
+#include <picojson.h>
+
+#include <algorithm>
+#include <chrono>
+#include <mutex>
+#include <thread>
+
+#include "common/module.h"
+#include "common/text.h"
+#include "companions/host/console.h"
+#include "companions/host/host_error.h"
+#include "companions/host/output_target.h"
+#include "companions/host/printer_setup.h"
+#include "companions/host/record_fields.h"
+
+namespace host {
+
+namespace {
+
+constexpr size_t kMostWrong = 10;
+constexpr size_t kProgressSteps = 10;
+constexpr LONG kFailure = -1;
+
+// Counts what the threads report.
+class Tally {
+public:
+    Tally(InstantReport& report, size_t expected) : report_(report), expected_(expected) {}
+
+    void add(const std::wstring& fault) {
+        const std::lock_guard guard(lock_);
+        ++report_.jobs;
+        if (fault.empty())
+            ++report_.right;
+        else if (report_.wrong.size() < kMostWrong)
+            report_.wrong.push_back(fault);
+        if (expected_ >= kProgressSteps && report_.jobs % (expected_ / kProgressSteps) == 0)
+            report_progress(qk::format(L"%llu of %llu jobs", report_.jobs, expected_));
+    }
+
+private:
+    std::mutex lock_;
+    InstantReport& report_;
+    size_t expected_;
+};
+
+// What is wrong with the start record of the job `title`; empty when nothing is.
+std::wstring record_fault(const std::wstring& title, const std::wstring& folder) {
+    const auto record = find_start_record(GetCurrentThreadId());
+    if (!record)
+        return title + L": no start record";
+    const std::wstring path = record_text(record->output_path);
+    if (record_text(record->title) != title)
+        return title + L": the record's title is " + record_text(record->title);
+    if (!qk::equal_no_case(path, folder + L"\\" + title + L".pdf"))
+        return title + L": the record's path is " + path;
+    DeleteFileW(path.c_str());  // the library keeps the name with an empty file
+    return {};
+}
+
+std::wstring run_job(EventPlayer& events, const std::wstring& title, const std::wstring& folder) {
+    DOCINFOW document = {};
+    document.cbSize = sizeof document;
+    document.lpszDocName = title.c_str();
+    if (events.start_doc_pre(document) == kFailure)
+        return with_reason(title + L": refused", events.last_error());
+    std::wstring fault = record_fault(title, folder);
+    if (events.end_doc_post() == kFailure && fault.empty())
+        fault = title + L": the end failed";
+    if (fault.empty() && find_start_record(GetCurrentThreadId()))
+        fault = title + L": the start record is still there after the end";
+    return fault;
+}
+
+void run_thread(const DriverModule& module, size_t thread, size_t jobs, const std::wstring& folder,
+                Tally& tally) {
+    const qk::PrinterHandleObj printer = open_printer();
+    EventPlayer events(module.document_event, printer.get());
+    events.query_filter(qk::kProductName);
+    for (size_t job = 1; job <= jobs; ++job)
+        tally.add(run_job(events, qk::format(L"Thread %llu, job %llu", thread, job), folder));
+}
+
+std::wstring work_folder(const Options& options) {
+    if (!options.output.empty())
+        return options.output + L"\\";
+    return qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
+}
+
+size_t count_mappings() {
+    size_t mappings = 0;
+    MEMORY_BASIC_INFORMATION region = {};
+    const void* counted = nullptr;
+    for (const auto* at = static_cast<const std::byte*>(nullptr);
+         VirtualQuery(at, &region, sizeof region) != 0;
+         at = static_cast<const std::byte*>(region.BaseAddress) + region.RegionSize) {
+        if (region.Type != MEM_MAPPED || region.AllocationBase == counted)
+            continue;
+        counted = region.AllocationBase;
+        ++mappings;
+    }
+    return mappings;
+}
+
+}  // namespace
+
+Held count_held() {
+    DWORD handles = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &handles);
+    return {handles, count_mappings()};
+}
+
+InstantReport run_instant_jobs(const Options& options, const DriverModule& module) {
+    const std::wstring folder =
+        absolute_path(qk::format(L"%szr_jobs_%u", work_folder(options).c_str(), GetCurrentProcessId()));
+    const OutputTarget target(folder);
+    InstantReport warm_up;
+    Tally warm_up_tally(warm_up, 1);
+    std::thread(run_thread, std::cref(module), 0, 1, std::cref(folder), std::ref(warm_up_tally)).join();
+    InstantReport report;
+    report.before = count_held();
+    const auto started = std::chrono::steady_clock::now();
+    {
+        Tally tally(report, options.threads * options.jobs);
+        std::vector<std::jthread> threads;
+        for (size_t thread = 1; thread <= options.threads; ++thread)
+            threads.emplace_back(run_thread, std::cref(module), thread, options.jobs, std::cref(folder),
+                                 std::ref(tally));
+    }
+    report.milliseconds =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - started).count();
+    report.after = count_held();
+    RemoveDirectoryW(folder.c_str());
+    return report;
+}
+
+bool succeeded(const InstantReport& report) noexcept {
+    return report.jobs != 0 && report.right == report.jobs && report.after.handles <= report.before.handles &&
+           report.after.mappings <= report.before.mappings;
+}
+
+std::vector<std::wstring> report_lines(const InstantReport& report) {
+    std::vector<std::wstring> lines = report.wrong;
+    lines.push_back(
+        qk::format(L"%llu right records of %llu; handles %llu before, %llu after; mappings %llu before, "
+                   L"%llu after; %.0f ms",
+                   report.right, report.jobs, report.before.handles, report.after.handles,
+                   report.before.mappings, report.after.mappings, report.milliseconds));
+    return lines;
+}
+
+std::string report_json(const InstantReport& report) {
+    picojson::array wrong;
+    for (const std::wstring& text : report.wrong)
+        wrong.emplace_back(qk::to_utf8(text));
+    picojson::object object;
+    const auto add = [&object](const char* name, double number) { object[name] = picojson::value(number); };
+    add("jobs", static_cast<double>(report.jobs));
+    add("right_records", static_cast<double>(report.right));
+    add("handles_before", static_cast<double>(report.before.handles));
+    add("handles_after", static_cast<double>(report.after.handles));
+    add("mappings_before", static_cast<double>(report.before.mappings));
+    add("mappings_after", static_cast<double>(report.after.mappings));
+    add("milliseconds", report.milliseconds);
+    object["wrong"] = picojson::value(wrong);
+    return picojson::value(object).serialize(true) + "\n";
+}
+
+}  // namespace host

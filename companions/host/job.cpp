@@ -1,0 +1,290 @@
+#include "companions/host/job.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+
+#include "common/module.h"
+#include "common/paths.h"
+#include "common/text.h"
+#include "companions/host/console.h"
+#include "companions/host/gdi_owners.h"
+#include "companions/host/host_error.h"
+#include "companions/host/page_printer.h"
+#include "companions/host/printer_setup.h"
+#include "companions/host/renderer.h"
+#include "companions/host/setting_choice.h"
+#include "companions/host/text_file.h"
+
+namespace host {
+
+namespace {
+
+constexpr LONG kFailure = -1;
+constexpr std::chrono::milliseconds kProgressEvery{500};
+
+// A job that ends early; the report has been told why.
+struct JobOver {};
+
+// A path that no other job uses, in the temporary folder.
+std::wstring spool_path() {
+    const std::wstring folder =
+        qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
+    return qk::format(L"%szr_spool_%u_%u.ps", folder.c_str(), GetCurrentProcessId(), GetCurrentThreadId());
+}
+
+// A setting is a path when it looks like one, else a name that the settings folders are searched for.
+std::wstring setting_for_module(const std::wstring& setting) {
+    return setting.find_first_of(L"\\/") == std::wstring::npos ? setting : absolute_path(setting);
+}
+
+// The document settings that an application starts from; empty when the driver gives none.
+std::vector<std::byte> default_mode(HANDLE printer) {
+    wchar_t* name = const_cast<wchar_t*>(qk::kProductName);
+    const LONG size = DocumentPropertiesW(nullptr, printer, name, nullptr, nullptr, 0);
+    std::vector<std::byte> mode(size > 0 ? static_cast<size_t>(size) : 0);
+    if (mode.empty() || DocumentPropertiesW(nullptr, printer, name, reinterpret_cast<DEVMODEW*>(mode.data()),
+                                            nullptr, DM_OUT_BUFFER) != IDOK)
+        mode.clear();
+    return mode;
+}
+
+class JobRun {
+public:
+    JobRun(const Options& options, const DriverModule& module, const OutputTarget& target, JobReport& report)
+        : options_(options),
+          target_(target),
+          report_(report),
+          printer_(open_printer()),
+          events_(module.document_event, printer_.get()),
+          spool_(spool_path()) {
+        if (!printer_)
+            throw HostError{
+                ExitCode::kInstallation,
+                with_reason(std::wstring(L"cannot open the printer ") + qk::kProductName, GetLastError())};
+    }
+
+    void run(std::wstring_view text) {
+        try {
+            open_context();
+            const PagePrinter page_printer(context_.get());
+            lay_out(text, page_printer);
+            start();
+            print_pages(page_printer);
+            end();
+        } catch (const JobOver&) {
+        }
+        close_context();
+        report_.events = events_.events();
+    }
+
+private:
+    void open_context();
+    void lay_out(std::wstring_view text, const PagePrinter& page_printer);
+    void start();
+    void start_document(const DOCINFOW& document);
+    void print_pages(const PagePrinter& page_printer);
+    void print_page(const PagePrinter& page_printer, size_t number);
+    void end();
+    void render(const TextArena& arena);
+    void judge(DWORD error);
+    [[noreturn]] void abort(Outcome outcome, DWORD error, const std::wstring& fault);
+    void close_context();
+    [[noreturn]] void over(Outcome outcome, DWORD error, const std::wstring& fault);
+
+    const Options& options_;
+    const OutputTarget& target_;
+    JobReport& report_;
+    qk::PrinterHandleObj printer_;
+    EventPlayer events_;
+    std::wstring spool_;
+    DeviceContext context_;
+    std::vector<Page> pages_;
+};
+
+void JobRun::over(Outcome outcome, DWORD error, const std::wstring& fault) {
+    report_.outcome = outcome;
+    report_.last_error = error;
+    report_.fault = fault;
+    throw JobOver{};
+}
+
+void JobRun::open_context() {
+    events_.query_filter(qk::kProductName);
+    std::vector<std::byte> bytes = default_mode(printer_.get());
+    auto* mode = bytes.empty() ? nullptr : reinterpret_cast<DEVMODEW*>(bytes.data());
+    if (!mode)
+        report_.notes.push_back(L"the driver gave no document settings");
+    if (events_.create_dc_pre(qk::kProductName, mode) == kFailure)
+        over(Outcome::kRefused, events_.last_error(), L"the module refuses the device context");
+    context_.reset(CreateDCW(L"winspool", qk::kProductName, nullptr, mode));
+    if (!context_)
+        over(Outcome::kFailed, GetLastError(), L"the printer's device context cannot be made");
+    events_.set_context(context_.get());
+    events_.create_dc_post(mode);
+}
+
+void JobRun::lay_out(std::wstring_view text, const PagePrinter& page_printer) {
+    pages_ = paginate(text, page_printer.layout());
+    report_.pages = pages_.size();
+    report_.font = page_printer.font_face();
+    report_progress(qk::format(L"%s: %llu %s", report_.title.c_str(), pages_.size(),
+                               pages_.size() == 1 ? L"page" : L"pages"));
+}
+
+void JobRun::start_document(const DOCINFOW& document) {
+    if (!target_.unattended()) {  // somebody may look at a dialog for a long time: no turns
+        if (events_.start_doc_pre(document) == kFailure)
+            over(Outcome::kRefused, events_.last_error(), L"the module refuses the job");
+        return;
+    }
+    SettingTurn turn;
+    if (!options_.setting.empty())
+        turn.choose(setting_for_module(options_.setting));
+    if (events_.start_doc_pre(document) == kFailure)
+        over(events_.last_error() == kJobCancelled ? Outcome::kCancelled : Outcome::kRefused,
+             events_.last_error(), L"the module refuses the job");
+}
+
+void JobRun::start() {
+    DOCINFOW document = {};
+    document.cbSize = sizeof document;
+    document.lpszDocName = report_.title.c_str();
+    start_document(document);
+    if (const auto record = find_start_record(report_.thread)) {
+        report_.start_record = fields_of(*record);
+        report_.pdf = record_text(record->output_path);
+    }
+    document.lpszOutput = spool_.c_str();
+    report_.job = StartDocW(context_.get(), &document);
+    if (report_.job <= 0)
+        abort(Outcome::kFailed, GetLastError(), L"the print system refuses the job");
+    events_.start_doc_post(report_.job);
+}
+
+void JobRun::print_page(const PagePrinter& page_printer, size_t number) {
+    if (events_.start_page(number) == kFailure)
+        abort(Outcome::kFailed, events_.last_error(), L"the module refuses a page");
+    if (StartPage(context_.get()) <= 0)
+        abort(Outcome::kFailed, GetLastError(), L"a page cannot be started");
+    page_printer.draw(pages_[number - 1], number, pages_.size());
+    events_.end_page(number);
+    if (EndPage(context_.get()) <= 0)
+        abort(Outcome::kFailed, GetLastError(), L"a page cannot be ended");
+    report_.printed_pages = number;
+}
+
+void JobRun::print_pages(const PagePrinter& page_printer) {
+    auto shown = std::chrono::steady_clock::now();
+    for (size_t number = 1; number <= pages_.size(); ++number) {
+        print_page(page_printer, number);
+        if (options_.abort_after_page == number)
+            abort(Outcome::kAborted, ERROR_SUCCESS, L"");
+        const auto now = std::chrono::steady_clock::now();
+        if (now - shown < kProgressEvery && number != pages_.size())
+            continue;
+        shown = now;
+        report_progress(qk::format(L"printed page %llu of %llu", number, pages_.size()));
+    }
+}
+
+void JobRun::render(const TextArena& arena) {
+    if (!options_.render) {
+        discard_reserved_file(report_.thread);
+        return;
+    }
+    try {
+        report_.renderer_exit_code = run_renderer(
+            {report_.thread, qk::kProductName, spool_,
+             options_.setting.empty() ? L"" : setting_for_module(options_.setting), options_.keep_spool},
+            arena);
+    } catch (const HostError& error) {  // the job must still be brought to its end
+        report_.fault = error.text;
+    }
+}
+
+void JobRun::end() {
+    events_.end_doc_pre();
+    if (EndDoc(context_.get()) <= 0)
+        abort(Outcome::kFailed, GetLastError(), L"the job cannot be ended");
+    const TextArena arena;
+    render(arena);
+    uint32_t error_code = 0;
+    if (const auto record = find_result_record(report_.thread)) {
+        report_.result_record = fields_of(*record);
+        error_code = record->error_code;
+        if (error_code != 0)
+            report_.fault = record->message.readable_text();
+    }
+    {
+        const SettingTurn turn;  // the module removes the choice of a setting, which may be another job's
+        events_.end_doc_post();
+    }
+    report_.last_error = events_.last_error();
+    judge(error_code);
+}
+
+// What the end of the job has to say. `error` is the result record's.
+void JobRun::judge(DWORD error) {
+    const bool kept = qk::is_file(spool_);
+    report_.spool = kept ? spool_ : L"";
+    const bool failed = error != 0 || report_.renderer_exit_code.value_or(0) != 0 || !report_.fault.empty();
+    report_.outcome = failed ? Outcome::kFailed : options_.render ? Outcome::kPrinted : Outcome::kSpooled;
+    if (report_.outcome != Outcome::kPrinted) {
+        report_.pdf.clear();
+        return;
+    }
+    try {
+        report_.pdf = target_.settle(report_.pdf);
+    } catch (const HostError& fault) {
+        report_.outcome = Outcome::kFailed;
+        report_.fault = fault.text;
+    }
+}
+
+void JobRun::abort(Outcome outcome, DWORD error, const std::wstring& fault) {
+    discard_reserved_file(report_.thread);
+    events_.abort_doc();
+    AbortDoc(context_.get());
+    DeleteFileW(spool_.c_str());
+    report_.pdf.clear();
+    over(outcome, error, fault);
+}
+
+void JobRun::close_context() {
+    if (!context_)
+        return;
+    events_.delete_dc();
+    context_.reset();
+}
+
+std::wstring title_of(const Options& options) {
+    if (!options.title.empty())
+        return options.title;
+    std::wstring path = options.file;
+    std::ranges::replace(path, L'/', L'\\');
+    return std::wstring(qk::file_part(path));
+}
+
+}  // namespace
+
+JobReport print_file(const Options& options, const DriverModule& module) {
+    JobReport report;
+    const std::string bytes = read_text_file(options.file);
+    const DecodedText decoded = decode_text(bytes);
+    report.file = absolute_path(options.file);
+    report.encoding = encoding_name(decoded.encoding);
+    if (bytes.empty())
+        report.notes.push_back(L"the file is empty: one page without text is printed");
+    if (decoded.encoding == Encoding::kWindows1252)
+        report.notes.push_back(L"the file is not valid UTF-8: read as Windows-1252");
+    report.title = title_of(options);
+    report.printer = qk::kProductName;
+    report.module = module.path;
+    report.thread = GetCurrentThreadId();
+    const OutputTarget target(options.output);
+    JobRun(options, module, target, report).run(decoded.text);
+    return report;
+}
+
+}  // namespace host

@@ -1,0 +1,165 @@
+// zr_print.exe: the program that plays the print system.
+#include <windows.h>
+
+#include <picojson.h>
+
+#include <memory>
+#include <mutex>
+
+#include "common/paths.h"
+#include "common/text.h"
+#include "companions/host/console.h"
+#include "companions/host/host_error.h"
+#include "companions/host/install.h"
+#include "companions/host/instant_jobs.h"
+#include "companions/host/job.h"
+#include "companions/host/options.h"
+#include "companions/host/trace_output.h"
+
+namespace host {
+
+namespace {
+
+void print_lines(const std::vector<std::wstring>& lines) {
+    for (const std::wstring& line : lines)
+        print_line(line);
+}
+
+std::string steps_json(const InstallSteps& steps, bool good) {
+    picojson::array array;
+    for (const InstallStep& step : steps) {
+        picojson::object object;
+        object["what"] = picojson::value(qk::to_utf8(step.what));
+        object["state"] = picojson::value(qk::to_utf8(step.state));
+        object["good"] = picojson::value(step.good);
+        array.emplace_back(object);
+    }
+    picojson::object object;
+    object["steps"] = picojson::value(array);
+    object["good"] = picojson::value(good);
+    return picojson::value(object).serialize(true) + "\n";
+}
+
+void show_step(const InstallStep& step) {
+    print_line(step.what + L": " + step.state);
+}
+
+ExitCode finish(const Options& options, const InstallSteps& steps) {
+    bool good = true;
+    for (const InstallStep& step : steps)
+        good = good && step.good;
+    if (options.json)
+        print_document(qk::to_wide(steps_json(steps, good)));
+    return good ? ExitCode::kDone : ExitCode::kInstallation;
+}
+
+std::wstring stage_folder(const Options& options) {
+    if (!options.from.empty())
+        return absolute_path(options.from) + L"\\";
+    const std::wstring program = qk::module_path(nullptr);
+    return program.substr(0, program.size() - qk::file_part(program).size());
+}
+
+ExitCode run_install(const Options& options) {
+    const InstallSteps steps = install(stage_folder(options), &show_step);
+    if (options.notify_channels)
+        set_notify_channels(*options.notify_channels);
+    return finish(options, steps);
+}
+
+ExitCode run_status(const Options& options) {
+    const InstallSteps steps = installation_status();
+    for (const InstallStep& step : steps)
+        show_step(step);
+    return finish(options, steps);
+}
+
+ExitCode run_instant(const Options& options) {
+    const InstantReport report = run_instant_jobs(options, load_driver_module());
+    print_lines(report_lines(report));
+    if (options.json)
+        print_document(qk::to_wide(report_json(report)));
+    return succeeded(report) ? ExitCode::kDone : ExitCode::kJobFailed;
+}
+
+// Shows each line of the trace at once and keeps it for the JSON report.
+class TraceLines {
+public:
+    void add(const std::wstring& line) {
+        const std::lock_guard guard(lock_);
+        print_line(L"  trace " + line);
+        lines_.push_back(line);
+    }
+    [[nodiscard]] std::vector<std::wstring> take() {
+        const std::lock_guard guard(lock_);
+        return std::move(lines_);
+    }
+
+private:
+    std::mutex lock_;
+    std::vector<std::wstring> lines_;
+};
+
+ExitCode run_print(const Options& options) {
+    if (options.notify_channels)
+        set_notify_channels(*options.notify_channels);
+    TraceLines trace;
+    std::unique_ptr<TraceOutput> output;
+    if (options.trace_level)
+        output = std::make_unique<TraceOutput>(*options.trace_level,
+                                               [&trace](const std::wstring& line) { trace.add(line); });
+    if (options.threads != 0)
+        return run_instant(options);
+    JobReport report = print_file(options, load_driver_module());
+    report.trace = trace.take();
+    print_lines(report_lines(report));
+    if (options.json)
+        print_document(qk::to_wide(report_json(report)));
+    return succeeded(report.outcome) ? ExitCode::kDone : ExitCode::kJobFailed;
+}
+
+ExitCode run(const Options& options) {
+    if (options.json)
+        keep_output_for_json();
+    switch (options.command) {
+        case Command::kHelp:
+            print_document(kUsageText);
+            return ExitCode::kDone;
+        case Command::kInstall:
+            return run_install(options);
+        case Command::kUninstall:
+            return finish(options, uninstall(&show_step));
+        case Command::kStatus:
+            return run_status(options);
+        case Command::kPrint:
+            return run_print(options);
+    }
+    return ExitCode::kInternal;
+}
+
+ExitCode run_words(std::span<const wchar_t* const> words) {
+    const ParsedOptions parsed = parse_options(words);
+    if (!parsed.fault.empty()) {
+        report_progress(L"zr_print: " + parsed.fault);
+        report_progress(L"zr_print help tells what there is");
+        return ExitCode::kUsage;
+    }
+    try {
+        return run(parsed.options);
+    } catch (const HostError& error) {
+        report_progress(L"zr_print: " + error.text);
+        return error.exit_code;
+    } catch (const std::exception& error) {
+        report_progress(L"zr_print: " + qk::to_wide(error.what()));
+        return ExitCode::kInternal;
+    }
+}
+
+}  // namespace
+
+}  // namespace host
+
+int wmain(int count, wchar_t** words) {
+    const auto given = static_cast<size_t>(count > 0 ? count - 1 : 0);
+    return static_cast<int>(host::run_words({words + (given > 0 ? 1 : 0), given}));
+}

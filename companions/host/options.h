@@ -1,0 +1,46 @@
+// The command line of zr_print.exe.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+enum class Command { kHelp, kInstall, kUninstall, kStatus, kPrint };
+
+struct Options {
+    Command command = Command::kHelp;
+    bool json = false;
+
+    // install
+    std::wstring from;                     // folder to install from; empty: the program's own
+    std::optional<DWORD> notify_channels;  // also print
+
+    // print
+    std::wstring file;
+    std::wstring title;    // empty: the file's name
+    std::wstring output;   // PDF file or folder; empty: the dialog library decides
+    std::wstring setting;  // name or path of a print setting; empty: the printer's
+    std::optional<DWORD> trace_level;
+    std::optional<size_t> abort_after_page;
+    bool render = true;
+    bool keep_spool = false;
+    size_t threads = 0;  // 0: one real job
+    size_t jobs = 1;     // of each thread
+};
+
+struct ParsedOptions {
+    Options options;
+    std::wstring fault;  // one sentence; empty when nothing is wrong
+};
+
+// What the words behind the program's name ask for.
+[[nodiscard]] ParsedOptions parse_options(std::span<const wchar_t* const> words);
+
+extern const wchar_t kUsageText[];
+
+}  // namespace host

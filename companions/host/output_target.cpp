@@ -1,0 +1,51 @@
+#include "companions/host/output_target.h"
+
+#include <windows.h>
+
+#include "common/paths.h"
+#include "common/text.h"
+#include "companions/host/host_error.h"
+
+namespace host {
+
+std::wstring absolute_path(const std::wstring& path) {
+    std::wstring full = qk::grow_until_it_fits([&path](wchar_t* buffer, DWORD units) {
+        return GetFullPathNameW(path.c_str(), units, buffer, nullptr);
+    });
+    return full.empty() ? path : full;
+}
+
+bool names_pdf(std::wstring_view path) noexcept {
+    constexpr std::wstring_view kEnding = L".pdf";
+    return path.size() > kEnding.size() &&
+           qk::equal_no_case(path.substr(path.size() - kEnding.size()), kEnding);
+}
+
+OutputTarget::OutputTarget(const std::wstring& output) {
+    if (output.empty())
+        return;
+    folder_ = absolute_path(output);
+    if (names_pdf(folder_) && !qk::is_folder(folder_)) {
+        file_ = folder_;
+        folder_ = qk::format(L"%s.job%u", file_.c_str(), GetCurrentProcessId());
+    }
+    if (!ForceDirectories(folder_))
+        throw HostError{ExitCode::kUsage, with_reason(L"cannot make the folder " + folder_, GetLastError())};
+    SetEnvironmentVariableW(L"ZR_UNATTENDED", L"1");
+    SetEnvironmentVariableW(L"ZR_OUTPUT_FOLDER", folder_.c_str());
+}
+
+OutputTarget::~OutputTarget() {
+    if (!file_.empty())
+        RemoveDirectoryW(folder_.c_str());
+}
+
+std::wstring OutputTarget::settle(const std::wstring& path) const {
+    if (file_.empty())
+        return path;
+    if (!MoveFileExW(path.c_str(), file_.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED))
+        throw HostError{ExitCode::kJobFailed, with_reason(L"cannot write " + file_, GetLastError())};
+    return file_;
+}
+
+}  // namespace host

@@ -1,0 +1,39 @@
+// The printer and its driver in the spooler.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+#include "common/handle.h"
+
+namespace host {
+
+inline constexpr wchar_t kDataFile[] = L"Vantrix.ppd";
+inline constexpr wchar_t kConfigFile[] = L"ZR_UI80.dll";
+
+// The folder that the spooler loads this system's drivers from, with its trailing backslash. Throws HostError
+// (installation) when the spooler does not tell.
+[[nodiscard]] std::wstring driver_folder();
+
+// Writes the printer's data file, which is a resource of this program, into `folder` unless it is there with
+// the same bytes; true when it was written. Throws HostError (installation) when that fails.
+bool provide_data_file(const std::wstring& folder);
+
+// The path of the driver's user-interface module as the spooler has it registered; nothing when the driver is
+// not installed.
+[[nodiscard]] std::optional<std::wstring> find_driver_module();
+
+// Each makes what is missing; true when it did. Throws HostError (installation) when that fails.
+bool ensure_driver();
+bool ensure_printer();
+
+// Each is true when there was something to remove.
+bool remove_printer();
+bool remove_driver();
+
+// The printer; empty, with the last error, when it cannot be opened.
+[[nodiscard]] qk::PrinterHandleObj open_printer(ACCESS_MASK access = 0);
+
+}  // namespace host

@@ -1,0 +1,75 @@
+#include "companions/host/record_fields.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "common/handle.h"
+#include "common/text.h"
+
+namespace host {
+
+namespace {
+
+template <class Record>
+std::optional<Record> find_record(const wchar_t* pattern, DWORD thread) {
+    const std::wstring name = qk::format(pattern, static_cast<int>(thread));
+    const qk::HandleObj mapping(OpenFileMappingW(FILE_MAP_READ, FALSE, name.c_str()));
+    if (!mapping)
+        return std::nullopt;
+    const qk::View view(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, sizeof(Record)));
+    if (!view)
+        return std::nullopt;
+    Record record;
+    std::memcpy(&record, view.get(), sizeof record);
+    return record;
+}
+
+Field number(const wchar_t* name, uint32_t value) {
+    return {name, qk::format(L"%u", value), true};
+}
+
+Field value64(const wchar_t* name, uint64_t value) {
+    return {name, qk::format(L"0x%llx", value)};
+}
+
+Field text(const wchar_t* name, const qk::MsWString& field) {
+    const auto whole = field.find_text();
+    if (whole)
+        return {name, *whole};
+    return {name, field.readable_text() + L" [not true: length " + qk::format(L"%llu", field.length) +
+                      L", capacity " + qk::format(L"%llu]", field.capacity)};
+}
+
+}  // namespace
+
+std::optional<ZRTKPrintStartInfoC> find_start_record(DWORD thread) {
+    return find_record<ZRTKPrintStartInfoC>(kStartBlockName, thread);
+}
+
+std::optional<ZRTKPrintInfo> find_result_record(DWORD thread) {
+    return find_record<ZRTKPrintInfo>(kResultBlockName, thread);
+}
+
+std::wstring record_text(const wchar_t (&text)[kRecordTextUnits]) {
+    return std::wstring(text, std::find(std::begin(text), std::end(text), L'\0'));
+}
+
+Fields fields_of(const ZRTKPrintStartInfoC& record) {
+    return {number(L"resume", record.resume),
+            {L"title", record_text(record.title)},
+            {L"output_path", record_text(record.output_path)},
+            {L"third_text", record_text(record.third_text)},
+            value64(L"zero", record.zero),
+            value64(L"first_value", record.first_value),
+            value64(L"second_value", record.second_value),
+            value64(L"external_record", record.external_record),
+            value64(L"third_value", record.third_value)};
+}
+
+Fields fields_of(const ZRTKPrintInfo& record) {
+    return {number(L"error_code", record.error_code), number(L"win32_error", record.win32_error),
+            text(L"message", record.message), text(L"caption", record.caption),
+            text(L"pdf_file_name", record.pdf_file_name)};
+}
+
+}  // namespace host

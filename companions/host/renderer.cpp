@@ -1,0 +1,107 @@
+#include "companions/host/renderer.h"
+
+#include "common/handle.h"
+#include "common/paths.h"
+#include "common/text.h"
+#include "companions/host/host_error.h"
+
+namespace host {
+
+namespace {
+
+constexpr wchar_t kProgram[] = L"zr_render.exe";
+constexpr size_t kArenaBytes = 64 * 1024;
+
+// The renderer's progress must not get between the lines of a JSON report.
+HANDLE inheritable_error_stream() noexcept {
+    const HANDLE stream = GetStdHandle(STD_ERROR_HANDLE);
+    SetHandleInformation(stream, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+    return stream;
+}
+
+DWORD run(const std::vector<std::wstring>& words) {
+    std::wstring line = command_line(words);
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
+    startup.hStdOutput = inheritable_error_stream();
+    startup.hStdError = startup.hStdOutput;
+    PROCESS_INFORMATION started = {};
+    if (!CreateProcessW(words[0].c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                        &started))
+        throw HostError{ExitCode::kInstallation, with_reason(L"cannot start " + words[0], GetLastError())};
+    const qk::HandleObj process(started.hProcess);
+    const qk::HandleObj thread(started.hThread);
+    WaitForSingleObject(process.get(), INFINITE);  // the renderer keeps its own time limit
+    DWORD exit_code = 0;
+    GetExitCodeProcess(process.get(), &exit_code);
+    return exit_code;
+}
+
+std::wstring program() {
+    return qk::install_folder() + kProgram;
+}
+
+void append_quoted(std::wstring& line, const std::wstring& word) {
+    line += L'"';
+    size_t backslashes = 0;
+    for (const wchar_t unit : word) {
+        // Backslashes count double before a quotation mark only.
+        if (unit == L'"')
+            line.append(backslashes + 1, L'\\');
+        backslashes = unit == L'\\' ? backslashes + 1 : 0;
+        line += unit;
+    }
+    line.append(backslashes, L'\\');
+    line += L'"';
+}
+
+}  // namespace
+
+TextArena::TextArena()
+    : memory_(VirtualAlloc(nullptr, kArenaBytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)) {}
+
+TextArena::~TextArena() {
+    if (memory_)
+        VirtualFree(memory_, 0, MEM_RELEASE);
+}
+
+std::wstring TextArena::argument() const {
+    if (!memory_)
+        return {};
+    return qk::format(L"%u:%llu:%llu", GetCurrentProcessId(), reinterpret_cast<uintptr_t>(memory_),
+                      kArenaBytes);
+}
+
+DWORD run_renderer(const RenderJob& job, const TextArena& arena) {
+    std::vector<std::wstring> words = {program(),    L"--thread", qk::format(L"%u", job.thread),
+                                       L"--printer", job.printer, L"--spool",
+                                       job.spool};
+    if (!job.setting.empty())
+        words.insert(words.end(), {L"--setting", job.setting});
+    if (const std::wstring notify = arena.argument(); !notify.empty())
+        words.insert(words.end(), {L"--notify", notify});
+    if (job.keep_spool)
+        words.push_back(L"--keep-spool");
+    return run(words);
+}
+
+void discard_reserved_file(DWORD thread) {
+    try {
+        run({program(), L"--thread", qk::format(L"%u", thread), L"--discard"});
+    } catch (const HostError&) {  // no renderer: the job's own fault is the one to tell
+    }
+}
+
+std::wstring command_line(const std::vector<std::wstring>& words) {
+    std::wstring line;
+    for (const std::wstring& word : words) {
+        if (!line.empty())
+            line += L' ';
+        append_quoted(line, word);
+    }
+    return line;
+}
+
+}  // namespace host

@@ -1,0 +1,46 @@
+// Running the renderer, a process of its own, as the print system would after the last page.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// Memory of this process that the renderer writes the result record's long texts into. Must live until the
+// module has read the record.
+class TextArena {
+public:
+    TextArena();
+    ~TextArena();
+    TextArena(const TextArena&) = delete;
+    TextArena& operator=(const TextArena&) = delete;
+
+    // "<process id>:<address>:<bytes>", as the renderer takes it; empty when there is no memory.
+    [[nodiscard]] std::wstring argument() const;
+
+private:
+    void* memory_;
+};
+
+struct RenderJob {
+    DWORD thread;  // that prints
+    std::wstring printer;
+    std::wstring spool;    // path of the spooled PostScript
+    std::wstring setting;  // empty: the printer's
+    bool keep_spool;
+};
+
+// Runs the renderer of the installation folder to its end; its streams are this program's standard error
+// stream. Returns its exit code. Throws HostError (installation) when it cannot be started.
+[[nodiscard]] DWORD run_renderer(const RenderJob& job, const TextArena& arena);
+
+// Takes back the file that was reserved for a job which ends without a PDF. Where that cannot be done an
+// empty file stays.
+void discard_reserved_file(DWORD thread);
+
+// Words as one command line, quoted so that a C run-time library reads each back as it is.
+[[nodiscard]] std::wstring command_line(const std::vector<std::wstring>& words);
+
+}  // namespace host

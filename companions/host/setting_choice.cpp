@@ -1,0 +1,47 @@
+#include "companions/host/setting_choice.h"
+
+#include "common/module.h"
+#include "common/registry.h"
+#include "companions/host/host_error.h"
+
+namespace host {
+
+namespace {
+
+constexpr wchar_t kTurns[] = L"zr_print_setting_choice";
+constexpr DWORD kMostWait = 30000;  // milliseconds; a program that hangs in its turn must not stop all others
+
+std::wstring value_name() {
+    return std::wstring(L"settingfile_for_process_") + qk::kProductName;
+}
+
+qk::RegKey key() {
+    return qk::registry::create(HKEY_CURRENT_USER, qk::registry::kRoot, KEY_WRITE);
+}
+
+}  // namespace
+
+SettingTurn::SettingTurn() : mutex_(CreateMutexW(nullptr, FALSE, kTurns)) {
+    const DWORD waited = mutex_ ? WaitForSingleObject(mutex_.get(), kMostWait) : WAIT_FAILED;
+    has_turn_ = waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED;
+}
+
+SettingTurn::~SettingTurn() {
+    const qk::LastErrorKeeper keep;
+    if (chosen_)
+        RegDeleteValueW(key().get(), value_name().c_str());
+    if (has_turn_)
+        ReleaseMutex(mutex_.get());
+}
+
+void SettingTurn::choose(const std::wstring& setting) {
+    const LSTATUS error = RegSetValueExW(key().get(), value_name().c_str(), 0, REG_SZ,
+                                         reinterpret_cast<const BYTE*>(setting.c_str()),
+                                         static_cast<DWORD>((setting.size() + 1) * sizeof(wchar_t)));
+    if (error != ERROR_SUCCESS)
+        throw HostError{ExitCode::kInstallation,
+                        with_reason(L"the job's setting cannot be chosen", static_cast<DWORD>(error))};
+    chosen_ = true;
+}
+
+}  // namespace host

@@ -1,0 +1,30 @@
+// The choice of a print setting for one job.
+#pragma once
+
+#include <string>
+
+#include "common/handle.h"
+
+namespace host {
+
+// What the module and the dialog library are told of the job's setting: a registry value of the current user
+// that names it for the printer's next job and that the module removes at a job's end. Since it is one value
+// for all jobs of the user, jobs of this program take turns while it matters: make one of these around the
+// start of the job and around its end.
+class SettingTurn {
+public:
+    SettingTurn();
+    ~SettingTurn();
+    SettingTurn(const SettingTurn&) = delete;
+    SettingTurn& operator=(const SettingTurn&) = delete;
+
+    // From now on, until this object goes, the printer's jobs use `setting` (a bare name or a full path).
+    void choose(const std::wstring& setting);
+
+private:
+    qk::HandleObj mutex_;
+    bool has_turn_ = false;
+    bool chosen_ = false;
+};
+
+}  // namespace host

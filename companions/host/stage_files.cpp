@@ -1,0 +1,142 @@
+#include "companions/host/stage_files.h"
+
+#include <windows.h>
+
+#include <array>
+#include <cstring>
+#include <span>
+
+#include "common/handle.h"
+#include "common/paths.h"
+#include "common/text.h"
+#include "companions/host/host_error.h"
+
+namespace host {
+
+namespace {
+
+constexpr wchar_t kModule[] = L"ZR_UI80.dll";
+constexpr const wchar_t* kInstalledFiles[] = {L"Tessalo80.dll", L"zr_render.exe"};
+
+std::wstring folder_of(const std::wstring& path) {
+    return path.substr(0, path.size() - qk::file_part(path).size());
+}
+
+// The files in `folder` (with its trailing backslash) and, as relative paths, in the folders below it.
+std::vector<std::wstring> files_below(const std::wstring& folder, const std::wstring& relative = L"") {
+    std::vector<std::wstring> files;
+    WIN32_FIND_DATAW found = {};
+    const qk::FindObj search(FindFirstFileW((folder + relative + L"*").c_str(), &found));
+    for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found) != FALSE) {
+        const std::wstring name = relative + found.cFileName;
+        if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
+            files.push_back(name);
+        } else if (std::wstring_view(found.cFileName) != L"." &&
+                   std::wstring_view(found.cFileName) != L"..") {
+            for (std::wstring& inner : files_below(folder, name + L"\\"))
+                files.push_back(std::move(inner));
+        }
+    }
+    return files;
+}
+
+void demand(const std::wstring& path) {
+    if (!qk::is_file(path))
+        throw HostError{ExitCode::kInstallation,
+                        path + L" is missing; build the project first (scripts/build)"};
+}
+
+ULONGLONG write_time(const std::wstring& path) noexcept {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data))
+        return 0;
+    return ULONGLONG{data.ftLastWriteTime.dwHighDateTime} << 32 | data.ftLastWriteTime.dwLowDateTime;
+}
+
+qk::FileObj open_for_reading(const std::wstring& path) noexcept {
+    return qk::FileObj(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                   OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+}
+
+size_t read_piece(HANDLE file, std::span<char> piece) noexcept {
+    DWORD read = 0;
+    return ReadFile(file, piece.data(), static_cast<DWORD>(piece.size()), &read, nullptr) ? read : 0;
+}
+
+// A program that has loaded the file keeps it from being replaced, but not from being renamed.
+void move_aside(const std::wstring& target) {
+    const std::wstring aside = qk::format(L"%s.old%u", target.c_str(), GetCurrentProcessId());
+    if (MoveFileExW(target.c_str(), aside.c_str(), MOVEFILE_REPLACE_EXISTING) && !DeleteFileW(aside.c_str()))
+        MoveFileExW(aside.c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
+}
+
+// Under a name of its own first, so that nobody ever sees half a file.
+void put_in_place(const FileCopy& copy) {
+    const std::wstring fresh = qk::format(L"%s.new%u", copy.target.c_str(), GetCurrentProcessId());
+    ForceDirectories(folder_of(copy.target));
+    if (!CopyFileW(copy.source.c_str(), fresh.c_str(), FALSE))
+        throw HostError{ExitCode::kInstallation, with_reason(L"cannot write " + copy.target, GetLastError())};
+    if (MoveFileExW(fresh.c_str(), copy.target.c_str(), MOVEFILE_REPLACE_EXISTING))
+        return;
+    move_aside(copy.target);
+    if (MoveFileExW(fresh.c_str(), copy.target.c_str(), MOVEFILE_REPLACE_EXISTING))
+        return;
+    const DWORD error = GetLastError();
+    DeleteFileW(fresh.c_str());
+    throw HostError{ExitCode::kInstallation, with_reason(L"cannot replace " + copy.target, error)};
+}
+
+}  // namespace
+
+const wchar_t* outcome_name(CopyOutcome outcome) noexcept {
+    static constexpr const wchar_t* kNames[] = {L"copied", L"replaced", L"up to date", L"kept (edited)"};
+    return kNames[static_cast<size_t>(outcome)];
+}
+
+std::vector<FileCopy> plan_copies(const std::wstring& stage, const InstallPlaces& places) {
+    std::vector<FileCopy> copies;
+    demand(stage + kModule);
+    demand(stage + L"Language\\zrtk_res_en.dll");
+    demand(stage + L"Settings\\standard.ps4");
+    copies.push_back({stage + kModule, places.drivers + kModule, false});
+    for (const std::wstring& name : files_below(stage + L"Language\\")) {
+        copies.push_back({stage + L"Language\\" + name, places.drivers + L"Language\\" + name, false});
+        copies.push_back({stage + L"Language\\" + name, places.installation + L"Language\\" + name, false});
+    }
+    for (const wchar_t* name : kInstalledFiles) {
+        demand(stage + name);
+        copies.push_back({stage + name, places.installation + name, false});
+    }
+    for (const wchar_t* folder : {L"Settings\\", L"CustomSettings\\"})
+        for (const std::wstring& name : files_below(stage + folder))
+            copies.push_back({stage + folder + name, places.installation + folder + name, true});
+    return copies;
+}
+
+bool same_contents(const std::wstring& a, const std::wstring& b) {
+    const qk::FileObj first = open_for_reading(a);
+    const qk::FileObj second = open_for_reading(b);
+    if (!first || !second)
+        return false;
+    std::vector<char> one(1 << 16);
+    std::vector<char> other(1 << 16);
+    for (;;) {
+        const size_t read = read_piece(first.get(), one);
+        if (read != read_piece(second.get(), other) || std::memcmp(one.data(), other.data(), read) != 0)
+            return false;
+        if (read == 0)
+            return true;
+    }
+}
+
+CopyOutcome bring_up_to_date(const FileCopy& copy) {
+    const bool there = qk::is_file(copy.target);
+    if (there && same_contents(copy.source, copy.target))
+        return CopyOutcome::kUpToDate;
+    if (there && copy.keep_newer && write_time(copy.target) > write_time(copy.source))
+        return CopyOutcome::kKept;
+    put_in_place(copy);
+    return there ? CopyOutcome::kReplaced : CopyOutcome::kCopied;
+}
+
+}  // namespace host

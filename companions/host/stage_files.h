@@ -1,0 +1,37 @@
+// The built tree and where its files are installed to.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// The two places of an installation, each with its trailing backslash.
+struct InstallPlaces {
+    std::wstring installation;  // "…\Corvanta\Vantrix\"
+    std::wstring drivers;       // the spooler's folder for this system's drivers
+};
+
+struct FileCopy {
+    std::wstring source;
+    std::wstring target;
+    bool keep_newer;  // a target newer than the source has been edited by somebody and stays
+};
+
+enum class CopyOutcome { kCopied, kReplaced, kUpToDate, kKept };
+
+[[nodiscard]] const wchar_t* outcome_name(CopyOutcome outcome) noexcept;
+
+// Which file of the built tree `stage` (with its trailing backslash) goes where: the module and its language
+// libraries to the drivers; language libraries, dialog library, renderer and settings to the installation.
+// Throws HostError (installation) when a file is missing that the driver does not work without.
+[[nodiscard]] std::vector<FileCopy> plan_copies(const std::wstring& stage, const InstallPlaces& places);
+
+// Brings one target up to date with its source: contents are compared, folders made. A target that a running
+// program holds open is moved aside first. Throws HostError (installation) when that fails.
+CopyOutcome bring_up_to_date(const FileCopy& copy);
+
+// Whether both files can be read and hold the same bytes.
+[[nodiscard]] bool same_contents(const std::wstring& a, const std::wstring& b);
+
+}  // namespace host

@@ -1,0 +1,111 @@
+// Running an engine, with other programs in Ghostscript's place.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <string>
+
+#include "companions/render/engine.h"
+#include "companions/render/scratch_folder.h"
+#include "companions/wine_layer.h"
+#include "support/installation.h"
+
+namespace {
+
+using companions::render::Engine;
+using companions::render::ScratchFolder;
+
+class EngineRun : public testing::Test {
+protected:
+    Engine::End run(const wchar_t* program, const std::vector<std::string>& arguments) {
+        output_.clear();
+        return Engine(program).run(arguments, scratch_.path(),
+                                   [this](std::string_view bytes) { output_ += bytes; });
+    }
+
+    const ScratchFolder scratch_;
+    std::string output_;
+};
+
+TEST_F(EngineRun, EndsAreTold) {
+    if (!companions::wine::present())
+        GTEST_SKIP() << "needs the Unix system below Wine";
+    using End = Engine::End;
+    const std::wstring renderer = Installation::built(L"zr_render.exe");
+    const struct {
+        const char* label;
+        const wchar_t* program;
+        std::vector<std::string> arguments;
+        End end;
+        const char* output;
+    } rows[] = {
+        {"done", L"/bin/sh", {"-c", "echo out; echo error >&2"}, End::kDone, "out\nerror\n"},
+        {"arguments as they are",
+         L"/bin/sh",
+         {"-c", "echo \"$1\"", "x", "a \"b\" $c \xC3\xA9"},
+         End::kDone,
+         "a \"b\" $c \xC3\xA9\n"},
+        {"nothing to read", L"/bin/sh", {"-c", "cat"}, End::kDone, ""},
+        {"failed", L"/bin/sh", {"-c", "exit 1"}, End::kFailed, ""},
+        {"killed", L"/bin/sh", {"-c", "kill -9 $$"}, End::kStopped, ""},
+        {"missing", L"/none/gs", {}, End::kMissing, nullptr},
+        {"not a program", L"/etc/passwd", {}, End::kMissing, nullptr},
+        {"missing Windows program", L"none.exe", {}, End::kMissing, ""},
+        {"Windows program", renderer.c_str(), {"--help"}, End::kDone, nullptr},
+        {"failed Windows program", renderer.c_str(), {"--thread", "a \"b\""}, End::kFailed, nullptr},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(run(row.program, row.arguments), row.end) << row.label;
+        if (row.output) {
+            EXPECT_EQ(output_, row.output) << row.label;
+        }
+    }
+    EXPECT_NE(output_.find("cannot be a \"b\""), std::string::npos)
+        << "quoted words arrive whole: " << output_;
+}
+
+TEST_F(EngineRun, EndlessEngineIsStopped) {
+    if (!companions::wine::present())
+        GTEST_SKIP() << "needs the Unix system below Wine";
+    SetEnvironmentVariableW(L"ZR_RENDER_SECONDS", L"1");
+    EXPECT_EQ(run(L"/bin/sh", {"-c", "while :; do :; done"}), Engine::End::kStopped);
+    EXPECT_EQ(run(qk::module_path(nullptr).c_str(),
+                  {"--gtest_also_run_disabled_tests", "--gtest_filter=EngineHelper.DISABLED_NeverEnds"}),
+              Engine::End::kStopped);
+    SetEnvironmentVariableW(L"ZR_RENDER_SECONDS", nullptr);
+}
+
+// Not a test but the program that the one above runs.
+TEST(EngineHelper, DISABLED_NeverEnds) {
+    Sleep(INFINITE);
+}
+
+TEST(EngineCommandLine, WordsAreReadBackAsTheyAre) {
+    const struct {
+        const wchar_t* word;
+        const wchar_t* quoted;
+    } rows[] = {
+        {L"", L"\"\""},
+        {L"a b", L"\"a b\""},
+        {L"C:\\x\\", L"\"C:\\x\\\\\""},
+        {L"a\\b", L"\"a\\b\""},
+        {L"say \"x\"", L"\"say \\\"x\\\"\""},
+        {L"\\\\\"", L"\"\\\\\\\\\\\"\""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(companions::render::quoted(row.word), row.quoted);
+}
+
+TEST(EngineScratch, NothingStays) {
+    std::wstring path;
+    {
+        const ScratchFolder scratch;
+        path = scratch.path();
+        EXPECT_EQ(TempFolder::read(scratch.write(L"a.txt", "bytes")), "bytes");
+        EXPECT_TRUE(scratch.write(L"a.txt", "again").empty());
+        EXPECT_NE(ScratchFolder().path(), path);
+    }
+    EXPECT_EQ(GetFileAttributesW(path.c_str()), INVALID_FILE_ATTRIBUTES);
+}
+
+}  // namespace

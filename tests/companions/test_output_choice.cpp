@@ -1,0 +1,157 @@
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <deque>
+#include <mutex>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "common/paths.h"
+#include "common/text.h"
+#include "companions/tessalo/output_choice.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+using companions::choose_unattended;
+using companions::choose_with_dialog;
+using companions::OutputFile;
+using companions::SameName;
+
+TEST(OutputChoice, SameNameRulesWithNobodyWatching) {
+    const struct {
+        const char* label;
+        int32_t code;
+        bool exists;
+        const wchar_t* name;  // null: refused
+        bool reserved;
+    } rows[] = {
+        {"overwrite a new one", 0, false, L"a.pdf", false},
+        {"overwrite", 0, true, L"a.pdf", false},
+        {"ask a new one", 1, false, L"a.pdf", true},
+        {"ask numbers", 1, true, L"a(1).pdf", true},
+        {"number a new one", 2, false, L"a.pdf", true},
+        {"number", 2, true, L"a(1).pdf", true},
+        {"refuse a new one", 3, false, L"a.pdf", true},
+        {"refuse", 3, true, nullptr, false},
+        {"unknown code loses nothing", 7, true, L"a(1).pdf", true},
+    };
+    for (const auto& row : rows) {
+        const TempFolder folder;
+        if (row.exists)
+            folder.write(L"a.pdf", "old");
+        const auto file = choose_unattended(folder.path(), L"a", companions::same_name_rule(row.code), {});
+        ASSERT_EQ(file.has_value(), row.name != nullptr) << row.label;
+        EXPECT_EQ(TempFolder::read(folder.file(L"a.pdf")), row.exists     ? "old"
+                                                           : row.reserved ? ""
+                                                                          : "<missing>")
+            << row.label;
+        if (!file)
+            continue;
+        EXPECT_EQ(file->path, folder.file(row.name)) << row.label;
+        EXPECT_EQ(file->reserved, row.reserved) << row.label;
+        EXPECT_EQ(qk::is_file(file->path), row.reserved || row.exists) << row.label;
+    }
+}
+
+TEST(OutputChoice, FoldersOfTheNameAndMissingFoldersAreNoTrap) {
+    const TempFolder folder;
+    CreateDirectoryW(folder.file(L"a.pdf").c_str(), nullptr);
+    EXPECT_EQ(choose_unattended(folder.path(), L"a", SameName::kNumber, {})->path, folder.file(L"a(1).pdf"));
+    EXPECT_FALSE(choose_unattended(folder.path(), L"a", SameName::kRefuse, {}));
+    const auto nowhere = choose_unattended(folder.file(L"none"), L"a", SameName::kNumber, {});
+    ASSERT_TRUE(nowhere) << "who writes it tells why it cannot be written";
+    EXPECT_FALSE(nowhere->reserved);
+}
+
+TEST(OutputChoice, JobsOfOneTitleAtOnceGetNamesOfTheirOwn) {
+    constexpr int kThreads = 8;
+    constexpr int kJobs = 25;
+    const TempFolder folder;
+    std::mutex lock;
+    std::set<std::wstring> paths;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i)
+        threads.emplace_back([&] {
+            for (int job = 0; job < kJobs; ++job) {
+                const auto file = choose_unattended(folder.path(), L"Same title", SameName::kNumber, {});
+                const std::scoped_lock hold(lock);
+                if (file && file->reserved)
+                    paths.insert(file->path);
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(paths.size(), size_t{kThreads * kJobs});
+    EXPECT_EQ(folder.count(), size_t{kThreads * kJobs});
+    EXPECT_TRUE(qk::is_file(folder.file(L"Same title(199).pdf"))) << "no number is left out";
+}
+
+// Answers as a user would, and notes what the dialog was asked to do.
+class ScriptedDialog final : public companions::SaveDialog {
+public:
+    explicit ScriptedDialog(std::deque<std::wstring> answers) : answers_(std::move(answers)) {}
+
+    std::optional<std::wstring> ask(const std::wstring& folder, const std::wstring& name,
+                                    bool confirms) override {
+        offered.push_back(folder + L'|' + name);
+        confirmed = confirms;
+        if (answers_.empty())
+            return std::nullopt;
+        const std::wstring answer = answers_.front();
+        answers_.pop_front();
+        return answer;
+    }
+    void refuse(const std::wstring&, std::wstring_view) override { ++refusals; }
+
+    std::vector<std::wstring> offered;
+    bool confirmed = false;
+    int refusals = 0;
+
+private:
+    std::deque<std::wstring> answers_;
+};
+
+TEST(OutputChoice, DialogAnswersFollowTheRule) {
+    const std::wstring too_long(250, L'x');
+    const struct {
+        const char* label;
+        SameName rule;
+        std::deque<std::wstring> answers;  // file names; "old.pdf" and "old.txt.pdf" exist
+        std::wstring name;                 // empty: cancelled
+        bool reserved;
+        int refusals;
+    } rows[] = {
+        {"cancelled", SameName::kAsk, {}, L"", false, 0},
+        {"new name", SameName::kAsk, {L"new.pdf"}, L"new.pdf", true, 0},
+        {"extension added", SameName::kAsk, {L"new"}, L"new.pdf", true, 0},
+        {"the dialog has asked", SameName::kAsk, {L"old.pdf"}, L"old.pdf", false, 0},
+        {"the dialog has asked about another name", SameName::kAsk, {L"old.txt"}, L"", false, 1},
+        {"overwrite", SameName::kOverwrite, {L"old.pdf"}, L"old.pdf", false, 0},
+        {"number", SameName::kNumber, {L"old.PDF"}, L"old(1).pdf", true, 0},
+        {"refused until free", SameName::kRefuse, {L"old.pdf", L"old.pdf", L"x.pdf"}, L"x.pdf", true, 2},
+        {"refused, then cancelled", SameName::kRefuse, {L"old.pdf"}, L"", false, 1},
+        {"too long", SameName::kOverwrite, {too_long, L"x.pdf"}, L"x.pdf", false, 1},
+        {"not to be made", SameName::kNumber, {L"none\\x.pdf", L"x.pdf"}, L"x.pdf", true, 1},
+    };
+    for (const auto& row : rows) {
+        const TempFolder folder;
+        folder.write(L"old.pdf", "old");
+        folder.write(L"old.txt.pdf", "old");
+        std::deque<std::wstring> answers;
+        for (const std::wstring& name : row.answers)
+            answers.push_back(folder.file(name));
+        ScriptedDialog dialog(answers);
+        const auto file = choose_with_dialog(dialog, folder.path(), L"Ti:tle.pdf", row.rule, {});
+        EXPECT_EQ(file ? file->path : L"", row.name.empty() ? L"" : folder.file(row.name)) << row.label;
+        EXPECT_EQ(file && file->reserved, row.reserved) << row.label;
+        EXPECT_EQ(dialog.refusals, row.refusals) << row.label;
+        EXPECT_EQ(dialog.offered.front(), folder.path() + L"|Ti_tle.pdf") << row.label;
+        EXPECT_EQ(dialog.confirmed, row.rule == SameName::kAsk) << row.label;
+        EXPECT_EQ(TempFolder::read(folder.file(L"old.pdf")), "old") << row.label;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,219 @@
+// The renderer as a host runs it: a process of its own, the job's records in shared memory, the real engine.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <string>
+
+#include "common/MMF.h"
+#include "common/job_records.h"
+#include "common/paths.h"
+#include "common/text.h"
+#include "companions/reservation.h"
+#include "print_settings/PrintSettings.h"
+#include "support/installation.h"
+
+namespace {
+
+using Corvanta::Vantrix::PrintSettings::PrintSettings;
+
+constexpr char kTwoPages[] =
+    "%!PS-Adobe-3.0\n%%Title: the spool's own title\n%%EndComments\n"
+    "/Courier findfont 20 scalefont setfont\n"
+    "72 700 moveto (one) show showpage 72 700 moveto (two) show showpage\n";
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+
+// A job of this thread, as the module leaves it for the renderer.
+class RenderProcess : public testing::Test {
+public:  // the tables of the tests change jobs
+    RenderProcess() {
+        target_ = folder_.file(L"\u65E5\u672C 100%d.pdf");
+        spool_ = folder_.write(L"job.ps", kTwoPages);
+        setting_ = folder_.file(L"setting.ps4");
+        settings_.general()->Linearize = false;
+    }
+
+    // Runs the renderer and returns its exit code.
+    int run(const std::wstring& more = L"", bool with_arena = true) {
+        if (setting_ == folder_.file(L"setting.ps4")) {
+            EXPECT_TRUE(settings_.Save(setting_));
+        }
+        qk::copy_zero_padded(start_.view()->title, kRecordTextUnits, L"\u00C9t\u00E9 \U0001F5A8");
+        qk::copy_zero_padded(start_.view()->output_path, kRecordTextUnits, target_);
+        *result_.view() = {};
+        std::wstring line = L"zr_render --thread " + std::to_wstring(GetCurrentThreadId()) +
+                            L" --printer Printer --spool \"" + spool_ + L"\" --setting \"" + setting_ +
+                            L"\" " + more;
+        if (with_arena)
+            line += qk::format(L" --notify %lu:%llu:%u", GetCurrentProcessId(),
+                               reinterpret_cast<unsigned long long>(arena_),
+                               static_cast<unsigned>(sizeof arena_));
+        return start(line);
+    }
+
+    static int start(std::wstring line) {
+        STARTUPINFOW startup = {sizeof startup};
+        PROCESS_INFORMATION made = {};
+        if (!CreateProcessW(Installation::built(L"zr_render.exe").c_str(), line.data(), nullptr, nullptr,
+                            FALSE, 0, nullptr, nullptr, &startup, &made))
+            return -1;
+        const qk::HandleObj process(made.hProcess);
+        const qk::HandleObj thread(made.hThread);
+        DWORD code = STILL_ACTIVE;
+        WaitForSingleObject(process.get(), 120'000);
+        GetExitCodeProcess(process.get(), &code);
+        return static_cast<int>(code);
+    }
+
+    [[nodiscard]] std::string pdf() const { return TempFolder::read(target_); }
+    [[nodiscard]] uint32_t error() const { return result_.view()->error_code; }
+
+    const TempFolder folder_;
+    std::wstring target_, spool_, setting_;
+    PrintSettings settings_;
+    wchar_t arena_[2048] = {};
+    const qk::MMF<ZRTKPrintStartInfoC> start_{
+        qk::format(kStartBlockName, static_cast<int>(GetCurrentThreadId()))};
+    const qk::MMF<ZRTKPrintInfo> result_{
+        qk::format(kResultBlockName, static_cast<int>(GetCurrentThreadId()))};
+};
+
+TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
+    settings_.summary()->Author = L"\u65E5\u672C";
+    settings_.pdfVersion()->Version = 1;
+    folder_.write(L"\u65E5\u672C 100%d.pdf", "old");
+    ASSERT_EQ(run(), kDone);
+    EXPECT_EQ(error(), 0u);
+    EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
+    EXPECT_TRUE(pdf().starts_with("%PDF-1.4"));
+    EXPECT_NE(pdf().find("/Count 2"), std::string::npos);
+    // UTF-16BE behind its mark: the job's title, not the one of the spool's comments.
+    EXPECT_NE(pdf().find("/Title(\\376\\377\\000\\311"), std::string::npos);
+    EXPECT_EQ(folder_.count(), 2u) << "the PDF and the setting; the spool is gone";
+}
+
+TEST_F(RenderProcess, PasswordsEncrypt) {
+    settings_.security()->MasterPassword = L"own\" er";
+    settings_.security()->UserPassword = L"us\u00E9r";
+    ASSERT_EQ(run(L"--keep-spool"), kDone);
+    EXPECT_NE(pdf().find("/Encrypt"), std::string::npos);
+    EXPECT_NE(pdf().find("/R 3"), std::string::npos);
+    EXPECT_TRUE(qk::is_file(spool_));
+    settings_.pdfVersion()->Version = 0;
+    ASSERT_EQ(run(L"--keep-spool"), kDone);
+    EXPECT_NE(pdf().find("/R 2"), std::string::npos);
+    settings_.pdfVersion()->Version = 5;
+    ASSERT_EQ(run(), kDone);
+    EXPECT_EQ(pdf().find("/Encrypt"), std::string::npos);
+}
+
+TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
+    const struct {
+        const char* label;
+        const char* spool;  // null: missing
+        void (*change)(RenderProcess&);
+        uint32_t error;
+        uint32_t win32_error;
+        const wchar_t* message;
+    } rows[] = {
+        {"missing spool", nullptr, [](RenderProcess&) {}, 1002, ERROR_FILE_NOT_FOUND, L"print data"},
+        {"empty spool", "", [](RenderProcess&) {}, 1003, ERROR_INVALID_DATA, L"no pages"},
+        {"no page", "%!PS\n1 1 add pop\n", [](RenderProcess&) {}, 1003, ERROR_INVALID_DATA, L"no pages"},
+        {"document that quits", "%!PS\nquit\n", [](RenderProcess&) {}, 1003, ERROR_INVALID_DATA, L"no pages"},
+        {"damaged", "%!PS\nshowpage bogus", [](RenderProcess&) {}, 1004, ERROR_INVALID_DATA,
+         L"/undefined in bogus"},
+        {"not PostScript", "\x01\x02 rubbish \xFF)", [](RenderProcess&) {}, 1004, ERROR_INVALID_DATA,
+         L"damaged"},
+        {"setting missing", kTwoPages, [](RenderProcess& job) { job.setting_ = L"C:\\none\\x.ps4"; }, 1001,
+         ERROR_FILE_NOT_FOUND, L"C:\\none\\x.ps4"},
+        {"password of another script", kTwoPages,
+         [](RenderProcess& job) { job.settings_.security()->UserPassword = L"\u65E5"; }, 1008,
+         ERROR_INVALID_PASSWORD, L"password"},
+        {"job to be joined", kTwoPages, [](RenderProcess& job) { job.start_.view()->resume = 1; }, 1009,
+         ERROR_NOT_SUPPORTED, L"add a document"},
+        {"no target", kTwoPages, [](RenderProcess& job) { job.target_.clear(); }, 1010,
+         ERROR_INVALID_PARAMETER, L"names no PDF"},
+        {"folder of the target missing", kTwoPages,
+         [](RenderProcess& job) { job.target_ = job.folder_.file(L"none\\x.pdf"); }, 1005,
+         ERROR_PATH_NOT_FOUND, L"none\\x.pdf"},
+        {"engine missing", kTwoPages,
+         [](RenderProcess&) { SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", L"/none/gs"); }, 1006,
+         ERROR_FILE_NOT_FOUND, L"Ghostscript"},
+    };
+    const std::wstring old = folder_.write(L"\u65E5\u672C 100%d.pdf", "old");
+    const std::wstring kept_setting = setting_;
+    ASSERT_TRUE(settings_.Save(kept_setting));
+    for (const auto& row : rows) {
+        row.spool ? static_cast<void>(folder_.write(L"job.ps", row.spool))
+                  : static_cast<void>(DeleteFileW(spool_.c_str()));
+        settings_ = PrintSettings();
+        target_ = old;
+        setting_ = kept_setting;
+        *start_.view() = {};
+        row.change(*this);
+        const size_t files = folder_.count();
+        EXPECT_EQ(run(), kFailed) << row.label;
+        SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", nullptr);
+        EXPECT_EQ(error(), row.error) << row.label;
+        EXPECT_EQ(result_.view()->win32_error, row.win32_error) << row.label;
+        const std::wstring message = result_.view()->message.find_text().value_or(L"<unreadable>");
+        EXPECT_NE(message.find(row.message), std::wstring::npos) << row.label << ": " << qk::to_utf8(message);
+        EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_) << row.label;
+        EXPECT_EQ(result_.view()->caption.find_text(), L"Corvanta Vantrix 8.0") << row.label;
+        EXPECT_EQ(TempFolder::read(old), "old") << row.label;
+        EXPECT_EQ(folder_.count(), files) << row.label << ": nothing half-written stays";
+    }
+}
+
+TEST_F(RenderProcess, LockedTargetIsUnharmed) {
+    folder_.write(L"\u65E5\u672C 100%d.pdf", "old");
+    const qk::FileObj lock(
+        CreateFileW(target_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(lock);
+    EXPECT_EQ(run(), kFailed);
+    EXPECT_EQ(error(), 1005u);
+    EXPECT_EQ(pdf(), "old");
+    EXPECT_TRUE(qk::is_file(spool_)) << "what failed can be looked into";
+}
+
+TEST_F(RenderProcess, ReservedNameGoesWithTheJobThatFails) {
+    const struct {
+        const char* label;
+        uint64_t first_value;
+        const char* bytes;
+        bool stays;
+    } rows[] = {
+        {"reserved", companions::kFileReserved, "", false},
+        {"the user's own empty file", 0, "", true},
+        {"written meanwhile", companions::kFileReserved, "x", true},
+    };
+    for (const auto& row : rows) {
+        for (const bool discards : {false, true}) {
+            folder_.write(L"\u65E5\u672C 100%d.pdf", row.bytes);
+            folder_.write(L"job.ps", "");
+            start_.view()->first_value = row.first_value;
+            EXPECT_EQ(run(discards ? L"--discard" : L""), discards ? kDone : kFailed) << row.label;
+            EXPECT_EQ(qk::is_file(target_), row.stays) << row.label;
+        }
+    }
+}
+
+TEST_F(RenderProcess, WithoutMemoryOfTheHostShortTextsOnly) {
+    folder_.write(L"job.ps", "");
+    EXPECT_EQ(run(L"", false), kFailed);
+    EXPECT_EQ(error(), 1003u);
+    EXPECT_EQ(result_.view()->message.find_text(), L"");
+    EXPECT_EQ(run(qk::format(L"--notify %lu:0x10:4096", GetCurrentProcessId()), false), kFailed);
+    EXPECT_EQ(error(), 1003u) << "memory that is not there changes nothing else";
+    EXPECT_EQ(result_.view()->message.find_text(), L"");
+}
+
+TEST_F(RenderProcess, WrongCallsTouchNothing) {
+    EXPECT_EQ(start(L"zr_render"), 2);
+    EXPECT_EQ(start(L"zr_render --thread 4294967295 --printer P --spool s"), 3);
+    EXPECT_EQ(start(L"zr_render --help"), kDone);
+    EXPECT_EQ(error(), 0u);
+}
+
+}  // namespace

@@ -1,0 +1,171 @@
+// The save-file dialog library as the module loads it, with nobody watching.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "common/dialog_library.h"
+#include "common/handle.h"
+#include "common/paths.h"
+#include "common/registry.h"
+#include "common/text.h"
+#include "companions/tessalo/options.h"
+#include "print_settings/PrintSettings.h"
+#include "support/installation.h"
+
+namespace {
+
+using Corvanta::Vantrix::PrintSettings::PrintSettings;
+
+class Variable {
+public:
+    Variable(const wchar_t* name, const std::wstring& value) : name_(name) {
+        SetEnvironmentVariableW(name_, value.empty() ? nullptr : value.c_str());
+    }
+    ~Variable() { SetEnvironmentVariableW(name_, nullptr); }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+
+private:
+    const wchar_t* name_;
+};
+
+class Tessalo : public testing::Test {
+protected:
+    Tessalo() : library_(LoadLibraryW(Installation::built(dialog_library::kFileName).c_str())) {
+        get_file_ = qk::find_export<dialog_library::GetFile2>(library_.get(), "GetFile2");
+        get_setting_ = qk::find_export<dialog_library::GetSettingFN>(library_.get(), "GetSettingFN");
+        browse_ = qk::find_export<dialog_library::GetBrowsePath>(library_.get(), "GetBrowsePath");
+        record_.title.set_in_place(L"Title");
+        record_.output_path.lend(path_, 0);
+    }
+
+    void ask_to_start_in(const std::wstring& folder) {
+        qk::copy_zero_padded(path_.data(), path_.size(), folder);
+        record_.output_path.lend(path_, folder.size());
+    }
+
+    std::wstring ask() {
+        record_.settings = &settings_;
+        EXPECT_EQ(get_file_(&record_, L"Printer"), 0) << "anything else hands the job over";
+        return record_.output_path.find_text().value_or(L"<unreadable>");
+    }
+
+    const Variable unattended_{L"ZR_UNATTENDED", L"1"};
+    const qk::DLL library_;
+    dialog_library::GetFile2* get_file_ = nullptr;
+    dialog_library::GetSettingFN* get_setting_ = nullptr;
+    dialog_library::GetBrowsePath* browse_ = nullptr;
+    std::vector<wchar_t> path_ = std::vector<wchar_t>(dialog_library::kLentUnits);
+    dialog_library::WorkingRecord record_ = {};
+    PrintSettings settings_;
+};
+
+TEST_F(Tessalo, FolderComesFromTheFirstThatGivesOne) {
+    const TempFolder record;
+    const TempFolder setting;
+    const TempFolder variable;
+    const struct {
+        const char* label;
+        std::wstring record;
+        std::wstring setting;
+        std::wstring variable;
+        std::wstring path;
+    } rows[] = {
+        {"record", record.path(), setting.path(), variable.path(), record.file(L"Title.pdf")},
+        {"setting", L"", setting.path() + L"\\", variable.path(), setting.file(L"Title.pdf")},
+        {"variable", L"", L"", variable.path(), variable.file(L"Title.pdf")},
+        {"made when missing", setting.file(L"new\\deep"), L"", L"", setting.file(L"new\\deep\\Title.pdf")},
+    };
+    for (const auto& row : rows) {
+        const Variable folder(L"ZR_OUTPUT_FOLDER", row.variable);
+        settings_.general()->OutputFolder = row.setting;
+        ask_to_start_in(row.record);
+        EXPECT_EQ(ask(), row.path) << row.label;
+        EXPECT_TRUE(qk::is_folder(row.path.substr(0, row.path.rfind(L'\\')))) << row.label;
+    }
+}
+
+TEST_F(Tessalo, DocumentsAreTheLastResort) {
+    record_.settings = nullptr;
+    record_.title.set_in_place(L"\1");
+    ASSERT_EQ(get_file_(&record_, L"Printer"), 0);
+    EXPECT_TRUE(record_.output_path.find_text()->ends_with(L"\\no_name.pdf"));
+}
+
+TEST_F(Tessalo, RefusedNameReadsAsACancel) {
+    const TempFolder folder;
+    folder.write(L"Title.pdf", "old");
+    settings_.general()->WhenSameName = 3;
+    ask_to_start_in(folder.path());
+    record_.hand_over = 1;
+    EXPECT_EQ(ask(), L"");
+    EXPECT_EQ(record_.hand_over, 0);
+    EXPECT_EQ(path_[0], L'\0');
+}
+
+TEST_F(Tessalo, PathKeepsToTheMemoryThatWasLent) {
+    const TempFolder folder;
+    settings_.general()->OutputFolder = folder.path();
+    settings_.general()->WhenSameName = 2;
+    const size_t units = folder.file(L"Title.pdf").size();
+    for (const size_t lent : {units, units + 1}) {
+        std::vector<wchar_t> small(lent + 8, L'#');
+        record_.output_path.lend({small.data(), lent}, 0);
+        EXPECT_EQ(ask(), lent > units ? folder.file(L"Title.pdf") : L"");
+        EXPECT_EQ(std::wstring(small.data() + lent, 8), L"########");
+        EXPECT_EQ(folder.count(), lent > units ? 1u : 0u) << "a file that nobody learns of does not stay";
+    }
+}
+
+TEST_F(Tessalo, UnreadableTitleAndNoRecordDoNoHarm) {
+    const TempFolder folder;
+    settings_.general()->OutputFolder = folder.path();
+    record_.title.address = reinterpret_cast<wchar_t*>(16);
+    record_.title.length = record_.title.capacity = 100;
+    EXPECT_EQ(ask(), folder.file(L"no_name.pdf"));
+    EXPECT_EQ(get_file_(nullptr, nullptr), 0);
+    EXPECT_NE(get_setting_(nullptr, 10, L"Printer", nullptr), 0);
+    EXPECT_EQ(browse_(path_.data(), nullptr), 0) << "nobody is asked for a folder";
+}
+
+TEST_F(Tessalo, SettingOfTheProcessGoesBeforeThePrinters) {
+    const MachineRegistry machine;
+    const UserRegistry user;
+    const std::wstring key = qk::registry::kRoot;
+    user.set_text(key + L"Printer", L"PDFSettingFileName", L"gone.ps4");
+    EXPECT_EQ(companions::setting_name_for(L"Printer"), L"standard.ps4");
+    user.set_text(key, L"settingfile_for_process_Printer", L"C:\\chosen.ps4");
+    user.set_text(key, L"settingfile_for_process_Other", L"");
+    EXPECT_EQ(companions::setting_name_for(L"Printer"), L"C:\\chosen.ps4");
+    EXPECT_EQ(companions::setting_name_for(L"Other"), L"standard.ps4");
+    wchar_t name[32] = {};
+    EXPECT_EQ(get_setting_(name, 14, L"Printer", nullptr), 0);
+    EXPECT_STREQ(name, L"C:\\chosen.ps4");
+    EXPECT_NE(get_setting_(name, 13, L"Printer", nullptr), 0) << "no room for the terminating zero";
+}
+
+TEST(TessaloOptions, VariableGoesBeforeTheIni) {
+    const TempFolder folder;
+    const struct {
+        const char* label;
+        const wchar_t* variable;
+        const char* ini;
+        bool unattended;
+    } rows[] = {
+        {"nothing", L"", "", false},
+        {"ini", L"", "[Dialog]\r\nUnattended=1\r\n", true},
+        {"variable against ini", L"0", "[Dialog]\r\nUnattended=1\r\n", false},
+        {"rubbish", L"", "[Dialog]\r\nUnattended=yes\r\n", false},
+    };
+    int file = 0;  // the profile functions may keep a file in memory
+    for (const auto& row : rows) {
+        const Variable variable(L"ZR_UNATTENDED", row.variable);
+        const std::wstring ini = folder.write(std::to_wstring(++file) + L".ini", row.ini);
+        EXPECT_EQ(companions::unattended(ini), row.unattended) << row.label;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,151 @@
+// A thread that prints: the document events, the scripted dialog library and the job's records.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "UI_dll/ddi.h"
+#include "common/handle.h"
+#include "common/job_records.h"
+#include "common/text.h"
+#include "common/threadprop.h"
+#include "print_settings/PrintSettings.h"
+#include "support/fake_tessalo.h"
+#include "support/installation.h"
+
+// What an event leaves: its result and the thread's last error.
+struct Left {
+    int result;
+    DWORD error;
+    bool operator==(const Left&) const = default;
+};
+inline void PrintTo(const Left& left, std::ostream* out) { *out << left.result << ", last error " << left.error; }
+
+inline constexpr Left kGood = {DOCUMENTEVENT_SUCCESS, ERROR_SUCCESS};
+
+inline Left send_event(int event, void* in = nullptr, ULONG in_size = 0, void* out = nullptr, ULONG out_size = 0) {
+    SetLastError(ERROR_NO_TOKEN);  // an event that leaves the last error alone is found out
+    const int result = DrvDocumentEvent(FakePrinter::handle(), nullptr, event, in_size, in, out_size, out);
+    return {result, GetLastError()};
+}
+
+inline Left start_job(const wchar_t* document) {
+    DOCINFOW info = {.cbSize = sizeof info, .lpszDocName = document};
+    return send_event(DOCUMENTEVENT_STARTDOCPRE, &info, sizeof info);
+}
+
+inline Left end_job() { return send_event(DOCUMENTEVENT_ENDDOCPOST); }
+
+inline std::wstring block_name(const wchar_t* pattern) {
+    return qk::format(pattern, static_cast<int>(GetCurrentThreadId()));
+}
+
+// A record of another side in shared memory: opened or, with `create`, made.
+template <class T>
+class OtherSide {
+public:
+    explicit OtherSide(const std::wstring& name, DWORD create = 0)
+        : mapping_(create ? CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, create, name.c_str())
+                          : OpenFileMappingW(FILE_MAP_WRITE, FALSE, name.c_str())),
+          view_(mapping_ ? MapViewOfFile(mapping_.get(), FILE_MAP_WRITE, 0, 0, 0) : nullptr) {}
+
+    explicit operator bool() const { return static_cast<bool>(view_); }
+    T* operator->() const { return static_cast<T*>(view_.get()); }
+    T& operator*() const { return *static_cast<T*>(view_.get()); }
+
+private:
+    qk::HandleObj mapping_;
+    qk::View view_;
+};
+using StartRecord = OtherSide<ZRTKPrintStartInfoC>;
+using ResultRecord = OtherSide<ZRTKPrintInfo>;
+
+inline std::optional<std::string> start_record_bytes() {
+    const StartRecord record(block_name(kStartBlockName));
+    if (!record)
+        return std::nullopt;
+    return std::string(reinterpret_cast<const char*>(&*record), sizeof *record);
+}
+
+inline ULONG_PTR thread_prop(std::wstring_view key) {
+    ULONG_PTR value = 0;
+    GetThreadProp(key, value);
+    return value;
+}
+
+class JobTest : public testing::Test {
+public:
+    using Settings = Corvanta::Vantrix::PrintSettings::PrintSettings;
+
+    enum class How { kInTheLentBuffer, kByOwnAddress, kInTheField };
+
+    JobTest() {
+        CopyFileW(Installation::built(L"fake_tessalo.dll").c_str(), here.folder.file(L"Tessalo80.dll").c_str(), FALSE);
+        load_dialog_library();
+        script->context = this;
+        script->answer = [](dialog_library::WorkingRecord& record, const wchar_t*, void* context) {
+            return static_cast<JobTest*>(context)->answer(record);
+        };
+        here.user.set_text(Installation::kKey, L"Language", L"en");
+    }
+    ~JobTest() override { EXPECT_STREQ(script->misuse, ""); }
+
+    void load_dialog_library() {
+        library.reset(LoadLibraryW(here.folder.file(L"Tessalo80.dll").c_str()));
+        script = qk::find_export<FakeTessaloScriptExport>(library.get(), "Script")();
+        *script = {};
+    }
+
+    // Puts a text into a field of the working record.
+    static void put(qk::MsWString& field, std::wstring& text, How how) {
+        if (how == How::kInTheField) {
+            field.set_in_place(text);
+        } else if (how == How::kByOwnAddress) {
+            field.address = text.data();
+            field.capacity = field.length = text.size();
+        } else {
+            std::copy(text.begin(), text.end(), field.address);
+            field.length = text.size();
+        }
+    }
+
+    // Saves settings made by `change` and has the dialog library name them.
+    std::wstring use_settings(const std::function<void(Settings&)>& change = [](Settings&) {}) {
+        Settings settings;
+        change(settings);
+        const std::wstring file = here.folder.file(L"job.ps4");
+        EXPECT_TRUE(settings.Save(file));
+        name_setting(file);
+        return file;
+    }
+    void name_setting(const std::wstring& name) const { qk::copy_zero_padded(script->setting, 512, name); }
+
+    static bool has_state() {
+        return thread_prop(threadprop::kStartRecord) != 0 || thread_prop(threadprop::kResultRecord) != 0 ||
+               start_record_bytes() || ResultRecord(block_name(kResultBlockName));
+    }
+
+    Installation here;
+    qk::DLL library;
+    FakeTessaloScript* script = nullptr;
+
+    // The user's part in the dialog.
+    std::wstring path = here.folder.file(L"out\\report.pdf");
+    std::wstring third;
+    How how = How::kInTheLentBuffer;
+    int result = 0;
+    std::function<void(dialog_library::WorkingRecord&)> meddle;  // a last word
+
+private:
+    int answer(dialog_library::WorkingRecord& record) {
+        put(record.output_path, path, how);
+        put(record.third_text, third, how);
+        if (meddle)
+            meddle(record);
+        return result;
+    }
+};

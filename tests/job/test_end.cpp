@@ -1,0 +1,259 @@
+// The other events, the end of a job, and many jobs at once.
+#include "job/job_fixture.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <thread>
+
+#include "common/module.h"
+#include "job/document_event.h"
+#include "support/guarded_buffer.h"
+#include "support/handle_count.h"
+#include "support/trace_capture.h"
+
+TEST_F(JobTest, EventsWithoutWorkSucceedAndAreTraced) {
+    struct {
+        int event;
+        const wchar_t* name;
+    } const rows[] = {
+        {1, L"DOCUMENTEVENT_CREATEDCPRE"}, {2, L"DOCUMENTEVENT_CREATEDCPOST"}, {3, L"DOCUMENTEVENT_RESETDCPRE"},
+        {4, L"DOCUMENTEVENT_RESETDCPOST"}, {6, L"DOCUMENTEVENT_STARTPAGE"},    {7, L"DOCUMENTEVENT_ENDPAGE"},
+        {8, L"DOCUMENTEVENT_ENDDOCPRE"},   {10, L"DOCUMENTEVENT_DELETEDC"},    {11, L"DOCUMENTEVENT_ESCAPE"},
+        {13, L"DOCUMENTEVENT_STARTDOCPOST"}, {14, L"DOCUMENTEVENT_QUERYFILTER"}, {0, L"Unknown:0"},
+        {15, L"Unknown:15"},               {-1, L"Unknown:-1"},                {INT_MAX, L"Unknown:2147483647"},
+    };
+    start_job(L"in progress");
+    const auto record = start_record_bytes();
+    for (const auto& row : rows) {
+        const TraceCapture trace;
+        EXPECT_EQ(send_event(row.event), kGood) << row.event;
+        EXPECT_TRUE(trace.holds(L"internal_DrvDocumentEvent") && trace.holds(row.name)) << row.event;
+        EXPECT_TRUE(trace.holds(qk::format(L">>%d", row.event))) << row.event;
+    }
+    EXPECT_EQ(start_record_bytes(), record);
+    end_job();
+}
+
+TEST(DocumentEvents, FilterIsWrittenOnlyWhereItFits) {
+    struct {
+        DWORD allocated;
+        size_t elements;   // that are there before the guard page
+        ULONG given_size;  // 0: left out
+        DWORD needed, returned;
+    } const rows[] = {
+        {0, 0, 0, 13, 0},   {12, 12, 0, 13, 0},  {12, 12, 64, 13, 0}, {13, 13, 0, 0, 13},   {13, 13, 68, 0, 13},
+        {20, 20, 96, 0, 13}, {13, 12, 0, 13, 0}, {UINT32_MAX, 2, 0, 13, 0}, {13, 13, 67, 13, 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::to_string(row.allocated) + " of " + std::to_string(row.elements));
+        const GuardedBuffer buffer(16 + row.elements * sizeof(DWORD));
+        auto* words = buffer.as<DWORD>();
+        std::memset(words, 0xCC, buffer.size());
+        auto* filter = buffer.as<DOCEVENT_FILTER>();
+        filter->cElementsAllocated = row.allocated;
+        filter->cElementsNeeded = filter->cElementsReturned = 0;
+        EXPECT_EQ(send_event(DOCUMENTEVENT_QUERYFILTER, nullptr, 0, filter, row.given_size), kGood);
+        EXPECT_EQ(filter->cElementsNeeded, row.needed);
+        EXPECT_EQ(filter->cElementsReturned, row.returned);
+        for (DWORD i = 0; i < row.elements; ++i)
+            EXPECT_EQ(words[4 + i], row.returned && i < 13 ? i + 1 : 0xCCCCCCCC);
+    }
+    EXPECT_EQ(send_event(DOCUMENTEVENT_QUERYFILTER, nullptr, 0, nullptr, 100), kGood);
+    GuardedBuffer constant(68);
+    constant.make_read_only();
+    EXPECT_EQ(send_event(DOCUMENTEVENT_QUERYFILTER, nullptr, 0, constant.as<>(), 68), kGood);
+    const GuardedBuffer stump(8);
+    EXPECT_EQ(send_event(DOCUMENTEVENT_QUERYFILTER, nullptr, 0, stump.as<>(), 8), kGood);
+}
+
+TEST_F(JobTest, EndWithoutAJobTellsListenersAllTheSame) {
+    const std::wstring value = L"settingfile_for_process_" + here.printer.name;
+    for (const int event : {DOCUMENTEVENT_ENDDOCPOST, DOCUMENTEVENT_ABORTDOC}) {
+        here.user.set_text(Installation::kKey, value, L"x.ps4");
+        here.user.set_text(Installation::kKey, value + L"2", L"other printer");
+        Outbox::posted.clear();
+        const TraceCapture trace;
+        EXPECT_EQ(send_event(event), kGood);
+        EXPECT_TRUE(trace.holds(L"404"));
+        ASSERT_EQ(Outbox::posted.size(), 1u);
+        EXPECT_EQ(Outbox::posted[0].window, HWND_BROADCAST);
+        EXPECT_EQ(Outbox::posted[0].message, RegisterWindowMessageW(L"Dunmere Vantrix Stop"));
+        EXPECT_EQ(Outbox::posted[0].lparam, 0);
+        EXPECT_FALSE(UserRegistry::find(Installation::kKey, value));
+        EXPECT_TRUE(UserRegistry::find(Installation::kKey, value + L"2"));
+    }
+    EXPECT_TRUE(Outbox::boxes.empty());
+}
+
+TEST_F(JobTest, ListenersGetTheMessageIdOfTheOverrideFile) {
+    struct {
+        const char *version, *lines;
+        WPARAM id;
+    } const rows[] = {{nullptr, nullptr, 11}, {"2.5", "", 11}, {"2.5", "MessageID=42", 42}, {"9.9", "MessageID=43", 43}};
+    for (const auto& row : rows) {
+        if (row.version)
+            here.write_ini(row.lines, row.version);
+        Outbox::posted.clear();
+        end_job();
+        ASSERT_EQ(Outbox::posted.size(), 1u);
+        EXPECT_EQ(Outbox::posted[0].wparam, row.id);
+    }
+}
+
+TEST_F(JobTest, ResultRecordIsReportedAsFarAsItIsTrue) {
+    static std::wstring long_text = L"A message of more than seven units", caption = L"A caption of its own";
+    static const GuardedBuffer four_units(8, L"abcd");
+    using Put = void (*)(ZRTKPrintInfo&);
+    const auto fill = [](qk::MsWString& field, std::wstring& text) {
+        field.address = text.data();
+        field.length = field.capacity = text.size();
+    };
+    static const auto put = fill;
+    const wchar_t* product = qk::kProductName;
+    struct {
+        const char* label;
+        Put write;
+        bool shown;
+        std::wstring text, caption;
+        DWORD error;
+    } const rows[] = {
+        {"nothing", [](ZRTKPrintInfo&) {}, false, L"", L"", 0},
+        {"Windows code only", [](ZRTKPrintInfo& info) { info.win32_error = 5; put(info.message, long_text); }, false, L"", L"", 5},
+        {"all", [](ZRTKPrintInfo& info) { info.error_code = 9, info.win32_error = 112; put(info.message, long_text); put(info.caption, caption); },
+         true, long_text, caption, 112},
+        {"in the field", [](ZRTKPrintInfo& info) { info.error_code = 1; info.message.set_in_place(L"short"); }, true, L"short", product, 0},
+        {"seven units", [](ZRTKPrintInfo& info) { info.error_code = 1; info.message.set_in_place(L"1234567"); }, true, L"1234567", product, 0},
+        {"zero fields", [](ZRTKPrintInfo& info) { info.error_code = UINT32_MAX; }, true, L"", product, 0},
+        {"capacity forgotten", [](ZRTKPrintInfo& info) { info.error_code = 1; put(info.message, long_text); info.message.capacity = 0; }, true, long_text, product, 0},
+        {"length above capacity", [](ZRTKPrintInfo& info) { info.error_code = 1; put(info.message, long_text); info.message.length = 400; info.message.capacity = 9; },
+         true, long_text.substr(0, 9), product, 0},
+        {"length without end", [](ZRTKPrintInfo& info) { info.error_code = 1; put(info.message, long_text); info.message.length = info.message.capacity = UINT64_MAX; },
+         true, long_text, product, 0},
+        {"null", [](ZRTKPrintInfo& info) { info.error_code = 1; info.message.length = info.message.capacity = 30; }, true, L"", product, 0},
+        {"nowhere", [](ZRTKPrintInfo& info) { info.error_code = 1; put(info.message, long_text); info.message.address = reinterpret_cast<wchar_t*>(UINTPTR_MAX - 3); }, true, L"", product, 0},
+        {"memory ends", [](ZRTKPrintInfo& info) { info.error_code = 1; info.message.address = four_units.as<wchar_t>(); info.message.length = info.message.capacity = 50; },
+         true, L"abcd", product, 0},
+        {"caption lies", [](ZRTKPrintInfo& info) { info.error_code = 1; info.caption.length = 8; info.caption.capacity = 8; }, true, L"", product, 0},
+        {"file name lies", [](ZRTKPrintInfo& info) { info.error_code = 1; put(info.pdf_file_name, long_text); info.pdf_file_name.address = nullptr; }, true, L"", product, 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        Outbox::boxes.clear();
+        ASSERT_EQ(start_job(L"x"), kGood);
+        row.write(*ResultRecord(block_name(kResultBlockName)));
+        EXPECT_EQ(end_job(), (Left{DOCUMENTEVENT_SUCCESS, row.error}));
+        EXPECT_FALSE(has_state());
+        ASSERT_EQ(Outbox::boxes.size(), row.shown ? 1u : 0u);
+        if (row.shown) {
+            EXPECT_EQ(Outbox::boxes[0].text, row.text);
+            EXPECT_EQ(Outbox::boxes[0].caption, row.caption);
+        }
+    }
+}
+
+TEST_F(JobTest, EndClearsTheStartRecordForThoseWhoHoldIt) {
+    for (const int event : {DOCUMENTEVENT_ENDDOCPOST, DOCUMENTEVENT_ABORTDOC}) {
+        start_job(L"held");
+        const StartRecord held(block_name(kStartBlockName));
+        EXPECT_EQ(send_event(event), kGood);
+        EXPECT_EQ(std::string(reinterpret_cast<const char*>(&*held), 1608), std::string(1608, '\0'));
+    }
+}
+
+TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
+    const std::wstring program = here.folder.write(L"app.exe", "x");
+    const auto write_ini = [&](const std::wstring& lines) {
+        ForceDirectories(here.folder.file(L"Roaming\\Corvanta\\Vantrix\\8.0"));
+        here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini", qk::to_utf8(lines));
+    };
+    const std::wstring missing = L"[DocStart]\r\nApp=C:\\none.exe\r\n", output = L"[Output]\r\nOutputFolder=C:\\start\\\r\n";
+    struct {
+        const char* label;
+        std::wstring ini;
+        bool active;
+    } const rows[] = {
+        {"programs missing", missing + output, false},
+        {"a folder is no program", L"[DocEnd]\r\nApp=" + here.folder.path() + L"\r\n" + output, false},
+        {"no folder", L"[DocEnd]\r\nApp=" + program + L"\r\n", false},
+        {"document end", L"[DocEnd]\r\nApp=" + program + L"\r\n" + output, true},
+        {"page start", L"[PageStart]\r\nApp=" + program + L"\r\n" + output, true},
+        {"page end", missing + L"[PageEnd]\r\nApp=" + program + L"\r\n" + output, true},
+        {"document start", L"[DocStart]\r\nApp=" + program + L"\r\n" + output, true},
+        {"cancel is no stage", L"[Cancel]\r\nApp=" + program + L"\r\n" + output, false},
+    };
+    std::wstring folder;
+    meddle = [&](dialog_library::WorkingRecord& record) { record.first_value = record.external_record; };
+    script->answer = [](dialog_library::WorkingRecord& record, const wchar_t*, void* context) {
+        auto& test = *static_cast<JobTest*>(context);
+        test.third = record.output_path.find_text().value_or(L"<unreadable>");
+        put(record.output_path, test.path, How::kInTheLentBuffer);
+        return 0;
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        write_ini(row.ini);
+        script->expects_start_folder = row.active;
+        ASSERT_EQ(start_job(L"x"), kGood);
+        EXPECT_EQ(third, row.active ? L"C:\\start\\" : L"");
+        EXPECT_EQ(StartRecord(block_name(kStartBlockName))->external_record != 0, row.active);
+        const OtherSide<pd_tk::TKFileNames> list(pd_tk::file_list_name());
+        ASSERT_EQ(static_cast<bool>(list), row.active);
+        const auto is_listed = [&] {
+            return std::ranges::any_of(list->names, [&](const wchar_t* name) { return path == name; });
+        };
+        if (row.active) {
+            EXPECT_TRUE(is_listed());
+        }
+        EXPECT_EQ(end_job(), kGood);
+        if (row.active) {
+            EXPECT_FALSE(is_listed());
+        }
+    }
+}
+
+TEST_F(JobTest, ManyThreadsPrintAtOnceWithoutMeeting) {
+    constexpr int kThreads = 8, kJobs = 50, kWarmJobs = 5;
+    here.set_number(HKEY_LOCAL_MACHINE, L"\\Notification", L"Error", 0);
+    use_settings();
+    script->answer = [](dialog_library::WorkingRecord& record, const wchar_t*, void*) {
+        std::wstring chosen = L"C:\\out\\" + record.title.find_text().value_or(L"") + L".pdf";
+        put(record.output_path, chosen, How::kInTheLentBuffer);
+        record.first_value = GetCurrentThreadId();
+        return 0;
+    };
+    std::atomic<int> right = 0;
+    const auto print = [&right](int thread, int jobs) {
+        for (int job = 0; job < jobs; ++job) {
+            const std::wstring title = qk::format(L"job %d of thread %d", job, thread);
+            if (start_job(title.c_str()) != kGood)
+                continue;
+            bool good = false;
+            {
+                const StartRecord start(block_name(kStartBlockName));
+                const ResultRecord result_record(block_name(kResultBlockName));
+                good = start && start->title == title && start->output_path == L"C:\\out\\" + title + L".pdf" &&
+                       start->first_value == GetCurrentThreadId() && result_record && result_record->win32_error == 0;
+                if (result_record)
+                    result_record->win32_error = static_cast<uint32_t>(1000 + job);
+            }
+            good &= end_job() == Left{DOCUMENTEVENT_SUCCESS, static_cast<DWORD>(1000 + job)};
+            right += good && !has_state();
+        }
+    };
+    const auto run = [&print](int jobs) {
+        std::array<std::thread, kThreads> threads;
+        for (int i = 0; i < kThreads; ++i)
+            threads[static_cast<size_t>(i)] = std::thread(print, i, jobs);
+        for (auto& thread : threads)
+            thread.join();
+    };
+    run(kWarmJobs);  // what the system makes once for threads that meet is there before anything is counted
+    const unsigned handles = handle_count(), views = view_count();
+    right = 0;
+    run(kJobs);
+    EXPECT_EQ(right, kThreads * kJobs);
+    EXPECT_EQ(handle_count(), handles);
+    EXPECT_EQ(view_count(), views);
+    EXPECT_EQ(here.printer.open_handles, 0);
+}

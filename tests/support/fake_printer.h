@@ -1,0 +1,142 @@
+// A printer below the spooler's calls: it has the forms, the DEVMODE and the data that a test gives it, which the
+// spooler of a test machine cannot be brought to hold. One at a time; its calls may come from any thread.
+#pragma once
+
+#include <windows.h>
+#include <winspool.h>
+
+#include <atomic>
+#include <cstring>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "support/import_patch.h"
+
+class FakePrinter {
+public:
+    struct Form {
+        DWORD flags;
+        std::wstring name;
+        SIZEL size = {100000, 200000};
+    };
+
+    FakePrinter()
+        : open_("OpenPrinterW", reinterpret_cast<void*>(&on_open)),
+          close_("ClosePrinter", reinterpret_cast<void*>(&on_close)),
+          get_("GetPrinterW", reinterpret_cast<void*>(&on_get)),
+          forms_("EnumFormsW", reinterpret_cast<void*>(&on_forms)),
+          get_data_("GetPrinterDataW", reinterpret_cast<void*>(&on_get_data)),
+          set_data_("SetPrinterDataW", reinterpret_cast<void*>(&on_set_data)) {
+        self_ = this;
+    }
+    ~FakePrinter() { self_ = nullptr; }
+    FakePrinter(const FakePrinter&) = delete;
+    FakePrinter& operator=(const FakePrinter&) = delete;
+
+    static HANDLE handle() { return reinterpret_cast<HANDLE>(uintptr_t{0x5A5A0}); }
+
+    std::wstring name = L"Vantrix 8";
+    std::vector<Form> forms = {{FORM_BUILTIN, L"Letter", {215900, 279400}}, {FORM_BUILTIN, L"A4", {210000, 297000}}};
+    std::vector<std::byte> devmode;      // the printer's own; none when empty
+    int failing_forms_call = 0;          // 1: the size query succeeds oddly, 2: the second call fails
+    std::atomic<DWORD> grows_by = 0;     // PRINTER_INFO_2W is larger at the second call
+    std::atomic<int> forms_calls = 0;
+    std::atomic<int> open_handles = 0;
+    DWORD open_access = 0;
+    bool can_open = true;
+    std::optional<std::vector<BYTE>> model;  // the printer data "Model", as bytes
+    DWORD set_data_result = ERROR_SUCCESS;
+
+private:
+    static BOOL fail(DWORD error) {
+        SetLastError(error);
+        return FALSE;
+    }
+
+    static BOOL WINAPI on_open(LPWSTR printer, HANDLE* opened, PRINTER_DEFAULTSW* defaults) {
+        if (!self_->can_open || !printer || self_->name != printer)
+            return fail(ERROR_INVALID_PRINTER_NAME);
+        self_->open_access = defaults ? defaults->DesiredAccess : 0;
+        ++self_->open_handles;
+        *opened = handle();
+        return TRUE;
+    }
+    static BOOL WINAPI on_close(HANDLE) {
+        --self_->open_handles;
+        return TRUE;
+    }
+
+    static BOOL WINAPI on_get(HANDLE printer, DWORD level, BYTE* buffer, DWORD size, DWORD* needed) {
+        if (printer != handle())
+            return fail(ERROR_INVALID_HANDLE);
+        const size_t record = level == 4 ? sizeof(PRINTER_INFO_4W) : sizeof(PRINTER_INFO_2W);
+        const size_t name_bytes = (self_->name.size() + 1) * sizeof(wchar_t);
+        *needed = static_cast<DWORD>(record + name_bytes + self_->devmode.size()) + (buffer ? self_->grows_by.load() : 0);
+        if (!buffer || (size < *needed && self_->grows_by == 0))
+            return fail(ERROR_INSUFFICIENT_BUFFER);
+        std::memset(buffer, 0, record);
+        auto* text = reinterpret_cast<wchar_t*>(buffer + record + self_->devmode.size());
+        std::memcpy(text, self_->name.c_str(), name_bytes);
+        if (level == 4) {
+            reinterpret_cast<PRINTER_INFO_4W*>(buffer)->pPrinterName = text;
+            return TRUE;
+        }
+        auto& info = *reinterpret_cast<PRINTER_INFO_2W*>(buffer);
+        info.pPrinterName = text;
+        if (!self_->devmode.empty()) {
+            std::memcpy(buffer + record, self_->devmode.data(), self_->devmode.size());
+            info.pDevMode = reinterpret_cast<DEVMODEW*>(buffer + record);
+        }
+        return TRUE;
+    }
+
+    static BOOL WINAPI on_forms(HANDLE, DWORD, BYTE* buffer, DWORD size, DWORD* needed, DWORD* count) {
+        ++self_->forms_calls;
+        const auto& forms = self_->forms;
+        *needed = static_cast<DWORD>(forms.size() * sizeof(FORM_INFO_1W) + 8);
+        if (!buffer && self_->failing_forms_call == 1)
+            return fail(ERROR_INVALID_HANDLE);
+        if (size < *needed)
+            return fail(ERROR_INSUFFICIENT_BUFFER);
+        if (self_->failing_forms_call == 2)
+            return fail(ERROR_NOT_READY);
+        auto* form = reinterpret_cast<FORM_INFO_1W*>(buffer);
+        for (const Form& given : forms) {
+            form->Flags = given.flags;
+            form->pName = const_cast<wchar_t*>(given.name.c_str());
+            form->Size = given.size;
+            form->ImageableArea = {0, 0, given.size.cx, given.size.cy};
+            ++form;
+        }
+        *count = static_cast<DWORD>(forms.size());
+        return TRUE;
+    }
+
+    static DWORD WINAPI on_get_data(HANDLE, LPWSTR, DWORD* type, BYTE* data, DWORD size, DWORD* needed) {
+        if (!self_->model)
+            return ERROR_FILE_NOT_FOUND;
+        *needed = static_cast<DWORD>(self_->model->size());
+        if (size < *needed)
+            return ERROR_MORE_DATA;
+        if (type)
+            *type = REG_SZ;
+        std::memcpy(data, self_->model->data(), *needed);
+        return ERROR_SUCCESS;
+    }
+    static DWORD WINAPI on_set_data(HANDLE, LPWSTR value, DWORD type, BYTE* data, DWORD size) {
+        if (self_->set_data_result == ERROR_SUCCESS && type == REG_SZ && std::wcscmp(value, L"Model") == 0)
+            self_->model.emplace(data, data + size);
+        return self_->set_data_result;
+    }
+
+    static inline FakePrinter* self_ = nullptr;
+
+    ImportPatch open_;
+    ImportPatch close_;
+    ImportPatch get_;
+    ImportPatch forms_;
+    ImportPatch get_data_;
+    ImportPatch set_data_;
+};

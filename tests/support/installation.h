@@ -1,0 +1,103 @@
+// An installation of the product in a temporary folder, and what a test takes of the world around it: the registry,
+// the user's and the common folders, the printer, message boxes, posted messages.
+#pragma once
+
+#include <windows.h>
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "common/handle.h"
+#include "common/paths.h"
+#include "support/fake_printer.h"
+#include "support/import_patch.h"
+#include "support/registry_override.h"
+#include "support/temp_folder.h"
+#include "support/user_registry.h"
+
+// Takes what would be shown or told to other programs.
+class Outbox {
+public:
+    struct Box {
+        std::wstring text, caption;
+        UINT style;
+    };
+    struct Posted {
+        HWND window;
+        UINT message;
+        WPARAM wparam;
+        LPARAM lparam;
+    };
+
+    Outbox()
+        : box_("MessageBoxW", reinterpret_cast<void*>(&on_box)),
+          post_("PostMessageW", reinterpret_cast<void*>(&on_post)),
+          event_("ReportEventW", reinterpret_cast<void*>(&on_event)) {
+        boxes.clear();
+        posted.clear();
+        events.clear();
+    }
+
+    static inline std::vector<Box> boxes;
+    static inline std::vector<Posted> posted;
+    static inline std::vector<std::wstring> events;
+
+private:
+    static int WINAPI on_box(HWND, const wchar_t* text, const wchar_t* caption, UINT style) {
+        const std::scoped_lock lock(mutex_);
+        boxes.push_back({text, caption, style});
+        return IDOK;
+    }
+    static BOOL WINAPI on_post(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+        const std::scoped_lock lock(mutex_);
+        posted.push_back({window, message, wparam, lparam});
+        return TRUE;
+    }
+    static BOOL WINAPI on_event(HANDLE, WORD type, WORD category, DWORD id, PSID, WORD texts, DWORD, const wchar_t** text,
+                                void*) {
+        const std::scoped_lock lock(mutex_);
+        if (type == EVENTLOG_ERROR_TYPE && category == 1 && id == 0 && texts == 1)
+            events.push_back(*text);
+        return TRUE;
+    }
+
+    static inline std::mutex mutex_;
+    ImportPatch box_, post_, event_;
+};
+
+struct Installation {
+    static constexpr wchar_t kKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0";
+
+    Installation() {
+        for (const wchar_t* sub : {L"Settings\\legacy", L"CustomSettings", L"Dunmere\\Vantrix2", L"Roaming", L"out"})
+            ForceDirectories(folder.file(sub));
+        machine.set_text(kKey, L"PdfDllPath", folder.path() + L"\\");
+        machine.set_text(L"SOFTWARE\\Dunmere\\Common\\SpecialFolder", L"CSIDL_COMMON_DOCUMENTS", folder.path() + L"\\");
+        user.set_text(L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders", L"AppData",
+                      folder.file(L"Roaming"));
+    }
+
+    void set_number(HKEY hive, const std::wstring& subkey, const wchar_t* value, DWORD number) const {
+        UserRegistry::set_below(hive, std::wstring(kKey) + subkey, value, REG_DWORD, &number, sizeof number);
+    }
+    void write_ini(std::string_view lines, std::string_view version = "2.5") const {
+        folder.write(L"Dunmere\\Vantrix2\\DunmereVantrix.ini",
+                     "[Vantrix]\r\nIniVersion=" + std::string(version) + "\r\n" + std::string(lines));
+    }
+    // A file of the build beside the test program.
+    static std::wstring built(std::wstring_view name) {
+        const std::wstring program = qk::module_path(nullptr);
+        return program.substr(0, program.rfind(L'\\') + 1) + std::wstring(name);
+    }
+    // The file behind "Dunmere Vantrix" logs, read whole.
+    [[nodiscard]] std::string log(const wchar_t* name = L"Error_0.log") const {
+        return TempFolder::read(folder.file(L"Dunmere\\Vantrix2\\") + name);
+    }
+
+    MachineRegistry machine;
+    UserRegistry user;
+    TempFolder folder;
+    FakePrinter printer;
+    Outbox outbox;
+};

@@ -1,0 +1,59 @@
+// Takes what the code under test writes to the debug output while it lives, at a trace level of its own.
+#pragma once
+
+#include <windows.h>
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "common/text.h"
+#include "common/trace.h"
+#include "support/import_patch.h"
+
+class TraceCapture {
+public:
+    explicit TraceCapture(DWORD level = qk::trace::kPlainLevel)
+        : narrow_("OutputDebugStringA", reinterpret_cast<void*>(&take_narrow)),
+          wide_("OutputDebugStringW", reinterpret_cast<void*>(&take_wide)),
+          level_(qk::trace::level) {
+        const std::scoped_lock lock(mutex_);
+        records_.clear();
+        qk::trace::level = level;
+    }
+    ~TraceCapture() { qk::trace::level = level_; }
+    TraceCapture(const TraceCapture&) = delete;
+    TraceCapture& operator=(const TraceCapture&) = delete;
+
+    [[nodiscard]] static std::vector<std::wstring> records() {
+        const std::scoped_lock lock(mutex_);
+        return records_;
+    }
+
+    // How many records end in `text` (a trace record's line break does not count).
+    [[nodiscard]] static size_t count(std::wstring_view text) {
+        size_t found = 0;
+        for (std::wstring record : records()) {
+            if (record.ends_with(L"\r\n"))
+                record.resize(record.size() - 2);
+            found += record == text || record.ends_with(L"  " + std::wstring(text));
+        }
+        return found;
+    }
+    [[nodiscard]] static bool holds(std::wstring_view text) { return count(text) > 0; }
+
+private:
+    static void WINAPI take_narrow(const char* text) { take(qk::to_wide(text)); }
+    static void WINAPI take_wide(const wchar_t* text) { take(text); }
+    static void take(std::wstring text) {
+        const std::scoped_lock lock(mutex_);
+        records_.push_back(std::move(text));
+    }
+
+    static inline std::mutex mutex_;
+    static inline std::vector<std::wstring> records_;
+
+    ImportPatch narrow_;
+    ImportPatch wide_;
+    DWORD level_;
+};
