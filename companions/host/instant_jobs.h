@@ -1,29 +1,20 @@
 // Many jobs at once without pages: only the road from STARTDOCPRE to ENDDOCPOST.
 #pragma once
 
-#include <windows.h>
-
 #include <string>
 #include <vector>
 
 #include "companions/host/driver_module.h"
+#include "companions/host/held.h"
 #include "companions/host/options.h"
 
 namespace host {
-
-// What this process holds.
-struct Held {
-    size_t handles = 0;
-    size_t mappings = 0;  // views of shared memory
-};
-
-[[nodiscard]] Held count_held();
 
 struct InstantReport {
     size_t jobs = 0;
     size_t right = 0;                 // whose start record held the job's own title and path
     std::vector<std::wstring> wrong;  // the first few others, in words
-    Held before;                      // after one job to warm up
+    Held before;                      // after a round to warm up
     Held after;
     double milliseconds = 0;  // of all threads together, from the first start to the last end
 };

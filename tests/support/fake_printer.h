@@ -38,7 +38,7 @@ public:
     static HANDLE handle() { return reinterpret_cast<HANDLE>(uintptr_t{0x5A5A0}); }
 
     std::wstring name = L"Vantrix 8";
-    std::vector<Form> forms = {{FORM_BUILTIN, L"Letter", {215900, 279400}}, {FORM_BUILTIN, L"A4", {210000, 297000}}};
+    std::vector<Form> forms = standard_forms();
     std::vector<std::byte> devmode;      // the printer's own; none when empty
     int failing_forms_call = 0;          // 1: the size query succeeds oddly, 2: the second call fails
     std::atomic<DWORD> grows_by = 0;     // PRINTER_INFO_2W is larger at the second call
@@ -50,6 +50,13 @@ public:
     DWORD set_data_result = ERROR_SUCCESS;
 
 private:
+    // As far as A4, which has the number that its DMPAPER_A4 says.
+    static std::vector<Form> standard_forms() {
+        std::vector<Form> standard(DMPAPER_A4, {FORM_BUILTIN, L"Letter", {215900, 279400}});
+        standard.back() = {FORM_BUILTIN, L"A4", {210000, 297000}};
+        return standard;
+    }
+
     static BOOL fail(DWORD error) {
         SetLastError(error);
         return FALSE;
