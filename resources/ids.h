@@ -16,6 +16,21 @@
 // Sheets.
 #define IDS_SETTINGS_TAB 1370
 #define IDS_OPTION_TAB 4399
+#define IDS_SETTING_IN_FORCE 4380
+#define IDS_MODULE_VERSION 4381
+#define IDI_SETTINGS 1565
+#define IDI_SHEET 4393
+#define IDD_OPTIONS 7100
+#define IDC_OPTIONS_ICON 7101
+
+// The settings page.
+#define IDD_SETTINGS 370
+#define IDC_SETTINGS_LIST 7102
+#define IDC_SETTINGS_NEW 7103
+#define IDC_SETTINGS_EDIT 7104
+#define IDC_SETTINGS_DELETE 7105
+#define IDC_SETTINGS_ICON 7110
+#define IDC_SETTINGS_LABEL 7111
 
 // Names of sections, fields and values, for the sentences that tell what differs between two settings
 // (20000 to 20999).

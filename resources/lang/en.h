@@ -14,6 +14,14 @@
 
 #define TEXT_SETTINGS_TAB "PDF Settings"
 #define TEXT_OPTION_TAB "Options"
+#define TEXT_SETTING_IN_FORCE "Print setting in force"
+#define TEXT_MODULE_VERSION "Version of the printer driver"
+
+#define DIALOG_FONT 9, "Segoe UI"
+#define TEXT_SETTINGS_LABEL "Print &settings:"
+#define TEXT_SETTINGS_NEW "&New..."
+#define TEXT_SETTINGS_EDIT "&Edit..."
+#define TEXT_SETTINGS_DELETE "&Delete"
 
 // Names of sections, fields and values.
 #define TEXT_PS_CHANGED "%1: %2 → %3"

@@ -1,5 +1,7 @@
-// Document properties: the answers to DEVMODE queries.
+// Document properties: DEVMODE queries and the document's property sheet.
 #pragma once
+
+#include <string>
 
 #include "UI_dll/ddi.h"
 
@@ -9,8 +11,19 @@ namespace docprop {
 // cannot be built, 87: a header or DEVMODE that is not usable).
 [[nodiscard]] LONG answer_query(DocumentPropertyHeader* header);
 
-// DrvDocumentProperties: without DM_PROMPT the same for its parts.
+// Answers a reason of the sheet's life (PROPSHEETUI_REASON_*): 1 or 0, or -1.
+[[nodiscard]] LONG answer_sheet(PROPSHEETUI_INFO& info, LPARAM parameter);
+
+// DrvDocumentProperties: with DM_PROMPT shows the sheet and returns IDOK or IDCANCEL, else answers a query.
 [[nodiscard]] LONG document_properties(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* output,
                                        DEVMODEW* input, DWORD mode);
 
 }  // namespace docprop
+
+// What a sheet keeps in the thread's properties, so that the job of the same thread finds its own again.
+namespace sheet_thread {
+
+// Puts the printer's name under "PrinterName"; what stood there is released.
+void keep_printer_name(const std::wstring& name);
+
+}  // namespace sheet_thread

@@ -17,14 +17,6 @@ namespace {
 constexpr LONG kFailure = -1;
 constexpr DWORD kAdvancedMode = DM_COPY | DM_PROMPT | DM_MODIFY | 16;  // 16: the advanced page
 
-// The answer of an entry point whose sheets are not part of this version.
-template <class Result>
-Result not_available(Result failure) noexcept {
-    TRACE("not available");
-    SetLastError(ERROR_CALL_NOT_IMPLEMENTED);
-    return failure;
-}
-
 BOOL convert_devmode(LPWSTR printer, DEVMODEW* source, DEVMODEW* target, DWORD* needed, DWORD mode) {
     constexpr DWORD kLeastSize = 64;
     if (!qk::is_writable(needed, sizeof *needed)) {
@@ -62,7 +54,7 @@ LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* info, LPARAM parameter) 
     qk::trace::read_level();
     TRACE_SCOPE("DrvDocumentPropertySheets");
     return ui::guarded<LONG>(kFailure, [&] {
-        return info ? not_available(kFailure)
+        return info ? docprop::answer_sheet(*info, parameter)
                     : docprop::answer_query(reinterpret_cast<DocumentPropertyHeader*>(parameter));
     });
 }
@@ -118,15 +110,15 @@ BOOL WINAPI DrvPrinterEvent(LPWSTR printer, int event, DWORD /*flags*/, LPARAM /
     return ui::guarded<BOOL>(TRUE, [&] { return ptrprop::printer_event(printer, event); });
 }
 
-BOOL WINAPI PrinterProperties(HWND, HANDLE) {
+BOOL WINAPI PrinterProperties(HWND window, HANDLE printer) {
     qk::trace::read_level();
     TRACE_SCOPE("PrinterProperties");
-    return not_available(FALSE);
+    return ui::guarded<BOOL>(FALSE, [&] { return ptrprop::printer_properties(window, printer); });
 }
 
-LONG WINAPI DrvDevicePropertySheets(PROPSHEETUI_INFO*, LPARAM) noexcept {
+LONG WINAPI DrvDevicePropertySheets(PROPSHEETUI_INFO* info, LPARAM parameter) noexcept {
     TRACE("DrvDevicePropertySheets");
-    return not_available(kFailure);
+    return ui::guarded<LONG>(kFailure, [&] { return info ? ptrprop::answer_sheet(*info, parameter) : kFailure; });
 }
 
 BOOL WINAPI DevQueryPrintEx(DevQueryPrintInfo* info) noexcept {

@@ -2,9 +2,14 @@
 #pragma once
 
 #include <windows.h>
+#include <winspool.h>
+#include <winddiui.h>
 
 #include <memory>
+#include <optional>
+#include <string>
 
+#include "UI_dll/optitem.h"
 #include "lib/devmode.h"
 
 struct PrinterInformation {
@@ -14,9 +19,18 @@ struct PrinterInformation {
     bool model_write_failed = false;
     DriverDevmode devmode = {};
     DWORD refused = 0;  // dmFields bits that the last merge refused
-    const wchar_t* form_name = L"A4";  // the current form, whatever paper the DEVMODE holds
+    const wchar_t* form_name = L"A4";    // the current form, whatever paper the DEVMODE holds
     SIZEL form_size = {210000, 297000};  // thousandths of a millimetre
     const DEVMODEW* caller_devmode = nullptr;
+
+    // Of a property sheet only.
+    std::optional<OptionItem> option;
+    COMPROPSHEETUI sheet = {};
+    DLGPAGE page = {};
+    std::wstring title;
+    std::wstring caller_name;
+    LONG_PTR added = 0;           // the handle under which the common property sheet was added
+    DEVMODEW* output = nullptr;  // filled on OK; null: the caller wants none
 };
 
 // Builds the information for a printer: the driver's default, the printer's own DEVMODE and the caller's (may

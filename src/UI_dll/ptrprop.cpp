@@ -1,11 +1,13 @@
 #include "UI_dll/ptrprop.h"
 
-#include <winspool.h>
-#include <winddiui.h>
-
+#include "UI_dll/cpsui.h"
+#include "UI_dll/docprop.h"
 #include "UI_dll/ptrinfo.h"
+#include "common/driver_util.h"
 #include "common/handle.h"
+#include "common/memory_probe.h"
 #include "common/text.h"
+#include "common/threadprop.h"
 #include "common/trace.h"
 
 namespace ptrprop {
@@ -25,6 +27,24 @@ int initialize(LPWSTR name) {
     return AddFormsToDataBase(printer.get(), device, information->model_write_failed);
 }
 
+constexpr LONG kFailure = -1;
+
+LONG initialise_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, HANDLE printer) {
+    SetThreadProp(threadprop::kPrinter, reinterpret_cast<ULONG_PTR>(printer));
+    sheet_thread::keep_printer_name(printer_name(printer));
+    std::unique_ptr<PrinterInformation> information;
+    if (!MapPrinter(information, printer, nullptr, false)) {
+        SetLastError(ERROR_INVALID_DATA);
+        return kFailure;
+    }
+    const bool settings_page_only = cpsui::only_settings_page();
+    cpsui::set_up_page(*information, settings_page_only);
+    SetupPPOptItems(*information);
+    information->title = printer_name(printer);
+    PrinterInformation* kept = information.release();  // the sheet's, until DESTROY
+    return cpsui::DefCommonUIFunc(info, parameter, kept, kept->title.c_str(), !settings_page_only);
+}
+
 }  // namespace
 
 BOOL printer_event(LPWSTR printer, int event) {
@@ -38,6 +58,30 @@ BOOL printer_event(LPWSTR printer, int event) {
     }
     TRACE_F(L"ret=%d", result);
     return result;
+}
+
+BOOL printer_properties(HWND window, HANDLE printer) {
+    const auto info = GetPrinterInfo(printer);
+    DevicePropertyHeader header = {
+        .cbSize = sizeof header,
+        .Flags = 0,
+        .hPrinter = printer,
+        .pszPrinterName = info ? reinterpret_cast<PRINTER_INFO_4W*>(info.get())->pPrinterName : nullptr};
+    return cpsui::show(window, &DrvDevicePropertySheets, &header) == CPSUI_OK;
+}
+
+LONG answer_sheet(PROPSHEETUI_INFO& info, LPARAM parameter) {
+    const auto* header = reinterpret_cast<const DevicePropertyHeader*>(info.lParamInit);
+    if (!qk::is_readable(header, sizeof *header) || header->cbSize < sizeof *header) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return kFailure;
+    }
+    if (info.Reason == PROPSHEETUI_REASON_INIT)
+        return initialise_sheet(info, parameter, header->hPrinter);
+    if (info.Reason == PROPSHEETUI_REASON_DESTROY)
+        FreeThreadProp(threadprop::kPrinter);  // the handle is the caller's and may be closed after this
+    return cpsui::DefCommonUIFunc(info, parameter, reinterpret_cast<PrinterInformation*>(info.UserData), nullptr,
+                                  false);
 }
 
 }  // namespace ptrprop

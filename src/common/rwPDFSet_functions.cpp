@@ -178,3 +178,10 @@ std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& print
     name[kPathUnits - 1] = L'\0';
     return name;
 }
+
+std::wstring SettingPathOf(const std::wstring& name) {
+    if (name.find(L'\\') != std::wstring::npos || qk::is_file(name))
+        return name;
+    const std::wstring found = ResolveSettingFilePath(name);
+    return found.empty() ? name : found;
+}

@@ -64,14 +64,6 @@ void notify(const Refusal& refusal) {
     ZRTK_ErrorNotify(caption, nullptr, refusal.code, 0, qk::load_string(IDS_JOB_FAILED), caption);
 }
 
-// A bare name is looked for through the settings folders before it counts as missing; a path is used as it is.
-std::wstring setting_path(const std::wstring& name) {
-    if (name.find(L'\\') != std::wstring::npos || qk::is_file(name))
-        return name;
-    const std::wstring found = ResolveSettingFilePath(name);
-    return found.empty() ? name : found;
-}
-
 class JobStart {
 public:
     JobStart(HANDLE printer, const void* in, ULONG in_size) : printer_name_(printer_name(printer)) {
@@ -111,7 +103,7 @@ private:
         const std::wstring name = GetSettingFileNameFromFD(library_.get(), printer_name_);
         if (name.empty())
             return;  // the job goes on with the defaults
-        const std::wstring path = setting_path(name);
+        const std::wstring path = SettingPathOf(name);
         if (!qk::is_file(path))
             refuse({kNoSettingFile, IDS_NO_SETTING_FILE, name});
         TRACE("sd2");

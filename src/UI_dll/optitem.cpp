@@ -1,0 +1,135 @@
+#include "UI_dll/optitem.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+#include "UI_dll/ptrinfo.h"
+#include "common/driver_util.h"
+#include "common/resource_dll.h"
+#include "common/rwPDFSet_functions.h"
+#include "common/text.h"
+#include "common/trace.h"
+#include "resources/ids.h"
+
+namespace {
+
+constexpr OptionDescriptor kSettingInForce = {.flags = OPTIF_CALLBACK,
+                                              .level = 0,
+                                              .public_id = 101,
+                                              .name_id = IDS_SETTING_IN_FORCE,
+                                              .type = TVOT_LISTBOX,
+                                              .count = 1,
+                                              .style = 0,
+                                              .icon_id = IDI_CPSUI_DOCUMENT,
+                                              .build = OptionDescriptor::kDataAdvances};
+
+constexpr OptionDescriptor kModuleVersion = {.flags = OPTIF_CALLBACK,
+                                             .level = 0,
+                                             .public_id = 101,
+                                             .name_id = IDS_MODULE_VERSION,
+                                             .type = TVOT_LISTBOX,
+                                             .count = 1,
+                                             .style = 0,
+                                             .icon_id = IDI_CPSUI_PRINTER,
+                                             .build = OptionDescriptor::kDataAdvances};
+
+constexpr wchar_t kVersion[] = L"8.0.0";
+
+size_t storage_bytes(size_t parameters, uint32_t build) noexcept {
+    return sizeof(OPTITEM) + sizeof(OPTTYPE) + parameters * sizeof(OPTPARAM) +
+           (build & OptionDescriptor::kExtended ? kExtendedBytes : 0);
+}
+
+void fill_parameters(const OptionDescriptor& descriptor, std::span<OPTPARAM> parameters,
+                     std::span<std::wstring> texts, ULONG_PTR information) {
+    for (size_t i = 0; i < parameters.size(); ++i) {
+        OPTPARAM& parameter = parameters[i];
+        parameter.cbSize = sizeof parameter;
+        const size_t text = descriptor.build & OptionDescriptor::kDataAdvances ? i : 0;
+        if (text < texts.size())
+            parameter.pData = texts[text].data();
+        if (descriptor.build & OptionDescriptor::kDataCountsUp)
+            parameter.lParam = static_cast<LPARAM>(i);
+        parameter.IconID = descriptor.icon_id + (descriptor.build & OptionDescriptor::kIconsCountUp ? i : 0);
+    }
+    if (descriptor.type == TVOT_PUSHBUTTON)
+        parameters[0].lParam += static_cast<LPARAM>(information);
+}
+
+// The name of the setting in force for the printer, as its file is called.
+std::wstring setting_in_force(HANDLE printer) {
+    const std::wstring name = GetSettingFileNameFromFD(printer_name(printer));
+    return name.empty() ? std::wstring(kDefaultSettingFile) : std::wstring(qk::file_part(name));
+}
+
+void set_up(PrinterInformation& information, const OptionDescriptor& descriptor, std::wstring text) {
+    OptionItem item;
+    if (CreateOPTTYPE(descriptor, {std::move(text)}, reinterpret_cast<ULONG_PTR>(&information), item))
+        information.option = std::move(item);
+}
+
+}  // namespace
+
+size_t parameter_count(BYTE type, WORD own_count) noexcept {
+    // By option type: two and three states, up-down arrow, track bar, scroll bar, list and combo box (their own
+    // count), edit box, push button, check box.
+    constexpr size_t kOwn = 0;
+    constexpr std::array<size_t, 10> kCounts = {2, 3, 2, 3, 3, kOwn, kOwn, 2, 1, 1};
+    if (type >= kCounts.size())
+        return 0;
+    const size_t count = kCounts[type] == kOwn ? own_count : kCounts[type];
+    return count <= kMostParameters ? count : 0;
+}
+
+bool CreateOPTTYPE(const OptionDescriptor& descriptor, std::vector<std::wstring> texts, ULONG_PTR information,
+                   OptionItem& item) {
+    TRACE("CreateOPTTYPE");
+    const size_t count = parameter_count(descriptor.type, descriptor.count);
+    if (count == 0)
+        return false;
+    OptionItem made;
+    made.storage_.reset(new (std::nothrow) std::byte[storage_bytes(count, descriptor.build)]());
+    if (!made.storage_)
+        return false;
+    made.name_ = qk::load_string(descriptor.name_id);
+    made.texts_ = std::move(texts);
+    std::byte* at = made.storage_.get();
+    auto* option = new (at) OPTITEM{};
+    auto* type = new (at += sizeof(OPTITEM)) OPTTYPE{};
+    auto* parameters = reinterpret_cast<OPTPARAM*>(at += sizeof(OPTTYPE));
+    option->cbSize = sizeof *option;
+    option->Level = descriptor.level;
+    option->Flags = descriptor.flags;
+    option->pName = made.name_.data();
+    option->pOptType = type;
+    option->DMPubID = descriptor.public_id;
+    type->cbSize = sizeof *type;
+    type->Type = descriptor.type;
+    type->Count = static_cast<WORD>(count);
+    type->BegCtrlID = kFirstControlId;
+    type->pOptParam = parameters;
+    type->Style = descriptor.style;
+    fill_parameters(descriptor, {parameters, count}, made.texts_, information);
+    if (descriptor.build & OptionDescriptor::kExtended) {
+        auto* extension = new (at + count * sizeof(OPTPARAM)) OIEXT{};
+        extension->cbSize = sizeof *extension;
+        option->pOIExt = extension;
+        option->Flags |= OPTIF_HAS_POIEXT;
+    }
+    item = std::move(made);
+    return true;
+}
+
+void SetupDPOptItems(PrinterInformation& information) {
+    TRACE("SetupDPOptItems");
+    information.title = printer_name(information.printer);
+    if (information.title.empty())
+        information.title = qk::load_string(IDS_SETTINGS_TAB);
+    set_up(information, kSettingInForce, setting_in_force(information.printer));
+}
+
+void SetupPPOptItems(PrinterInformation& information) {
+    TRACE("SetupPPOptItems");
+    set_up(information, kModuleVersion, kVersion);
+}
