@@ -5,6 +5,7 @@
 #include <winternl.h>
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 #include "common/handle.h"
@@ -35,9 +36,8 @@ constexpr int kExtendedHandles = 64;  // a SYSTEM_INFORMATION_CLASS that the hea
 constexpr NTSTATUS kTooSmall = static_cast<NTSTATUS>(0xC0000004);
 constexpr size_t kMostBytes = size_t{64} << 20;
 
-// Counts this process's entries in the list of all handles of the system, for systems (Wine) that do not
-// count a process's handles.
-size_t count_listed_handles() {
+// The handles of this process; empty when the system does not tell.
+std::vector<HandleEntry> own_handles() {
     using Query = NTSTATUS NTAPI(int, void*, ULONG, ULONG*);
     auto* query = qk::find_export<Query>(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation");
     NTSTATUS status = kTooSmall;
@@ -48,19 +48,32 @@ size_t count_listed_handles() {
         status = query(kExtendedHandles, room.data(), static_cast<ULONG>(room.size() * sizeof(ULONG_PTR)),
                        &needed);
     }
-    if (status != 0)
-        return 0;
+    std::vector<HandleEntry> own;
     const auto* list = reinterpret_cast<const HandleList*>(room.data());
-    const ULONG_PTR process = GetCurrentProcessId();
-    return static_cast<size_t>(
-        std::count_if(list->entries, list->entries + list->count,
-                      [process](const HandleEntry& entry) { return entry.process == process; }));
+    if (status == 0)
+        std::copy_if(list->entries, list->entries + list->count, std::back_inserter(own),
+                     [](const HandleEntry& entry) { return entry.process == GetCurrentProcessId(); });
+    return own;
 }
 
-size_t count_handles() {
-    DWORD handles = 0;
-    return GetProcessHandleCount(GetCurrentProcess(), &handles) && handles != 0 ? handles
-                                                                                : count_listed_handles();
+// The system's number for a kind of object, learnt from one of that kind.
+USHORT type_of(const std::vector<HandleEntry>& handles, const qk::HandleObj& sample) noexcept {
+    const auto found =
+        std::ranges::find(handles, reinterpret_cast<ULONG_PTR>(sample.get()), &HandleEntry::handle);
+    return found == handles.end() ? USHORT{0} : found->type;
+}
+
+void count_handles(Held& held) {
+    const qk::HandleObj event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const qk::HandleObj semaphore(CreateSemaphoreW(nullptr, 0, 1, nullptr));
+    const std::vector<HandleEntry> handles = own_handles();
+    const USHORT event_type = type_of(handles, event);
+    const USHORT semaphore_type = type_of(handles, semaphore);
+    const auto of_lock = [&](const HandleEntry& entry) {
+        return entry.type == event_type || entry.type == semaphore_type;
+    };
+    held.lock_events = static_cast<size_t>(std::ranges::count_if(handles, of_lock));
+    held.handles = handles.size() - held.lock_events;
 }
 
 size_t count_mappings() {
@@ -80,7 +93,10 @@ size_t count_mappings() {
 }  // namespace
 
 Held count_held() {
-    return {count_handles(), count_mappings()};
+    Held held;
+    count_handles(held);
+    held.mappings = count_mappings();
+    return held;
 }
 
 }  // namespace host

@@ -26,6 +26,11 @@ struct HostError {
 // What a cancelled job leaves as last error. The system has no words for it.
 inline constexpr DWORD kJobCancelled = 2153;
 
+// Whether a last error says that a job was cancelled: the one above or the system's own.
+[[nodiscard]] constexpr bool means_cancelled(DWORD error) noexcept {
+    return error == kJobCancelled || error == ERROR_PRINT_CANCELLED;
+}
+
 // A Windows error code in words, without a trailing full stop or line break; "error <number>" for a code that
 // nobody has words for.
 [[nodiscard]] std::wstring error_in_words(DWORD error);

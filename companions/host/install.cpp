@@ -2,6 +2,7 @@
 
 #include <shlobj.h>
 
+#include "common/ErrorNotify.h"
 #include "common/handle.h"
 #include "common/module.h"
 #include "common/paths.h"
@@ -82,6 +83,7 @@ void copy_files(const std::wstring& stage, const InstallPlaces& places, Steps& s
     for (const wchar_t* folder : {L"Settings\\legacy\\", L"CustomSettings\\"})
         make_folder(places.installation + folder);
     make_folder(places.drivers);
+    make_folder(qk::shared_documents_folder());  // of the error logs, which do not make it themselves
     for (const FileCopy& copy : copies)
         steps.add(copy.target, outcome_name(bring_up_to_date(copy)));
 }
@@ -105,6 +107,11 @@ void remove_files(const InstallPlaces& places, Steps& steps) {
     RemoveDirectoryW((places.drivers + L"Language").c_str());
     for (const wchar_t* folder : {L"Language", L"Settings\\legacy", L"Settings", L"CustomSettings", L""})
         RemoveDirectoryW((places.installation + folder).c_str());
+}
+
+std::wstring log_folder() {
+    const auto chosen = qk::registry::find_text(HKEY_LOCAL_MACHINE, kNotificationKey, L"ErrFile");
+    return chosen && !chosen->empty() ? *chosen : qk::shared_documents_folder();
 }
 
 void look_for_file(const std::wstring& path, Steps& steps) {
@@ -162,9 +169,26 @@ InstallSteps installation_status() {
     steps.add(kFolderValue, folder.empty() ? L"missing" : folder, !folder.empty());
     for (const wchar_t* name : {L"Tessalo80.dll", L"zr_render.exe", L"Settings\\standard.ps4"})
         look_for_file(folder + name, steps);
-    const auto channels = qk::registry::find_number(HKEY_LOCAL_MACHINE, kNotificationKey, kChannelsValue);
-    steps.add(L"notification channels", channels ? qk::format(L"%u", *channels) : L"1 (not set)");
+    steps.add(L"failed jobs are told through", notify_channels_text());
     return steps.take();
+}
+
+std::wstring notify_channels_text() {
+    struct Name {
+        DWORD channel;
+        std::wstring text;
+    };
+    const Name names[] = {{NotifyChannel::kMessageBox, L"message box"},
+                          {NotifyChannel::kEventLog, L"event log"},
+                          {NotifyChannel::kDebugOutput, L"debug output"},
+                          {NotifyChannel::kLogFile, L"log file in " + log_folder()}};
+    const DWORD channels = qk::registry::find_number(HKEY_LOCAL_MACHINE, kNotificationKey, kChannelsValue)
+                               .value_or(NotifyChannel::kMessageBox);
+    std::wstring text;
+    for (const Name& name : names)
+        if (channels & name.channel)
+            text += (text.empty() ? L"" : L", ") + name.text;
+    return text.empty() ? L"nothing" : text;
 }
 
 void set_notify_channels(DWORD channels) {

@@ -37,8 +37,11 @@ using StepSeen = std::function<void(const InstallStep&)>;
 // What is there; a step that is not good names what is missing.
 [[nodiscard]] InstallSteps installation_status();
 
-// How failed jobs are told (the sum of NotifyChannel's values), for every printer job of the machine. Throws
-// HostError (installation) when the registry refuses.
+// How failed jobs are told, in words: "message box, log file in C:\\...".
+[[nodiscard]] std::wstring notify_channels_text();
+
+// Sets how failed jobs are told (the sum of NotifyChannel's values), for every printer job of the machine.
+// Throws HostError (installation) when the registry refuses.
 void set_notify_channels(DWORD channels);
 
 }  // namespace host

@@ -14,7 +14,7 @@ struct InstantReport {
     size_t jobs = 0;
     size_t right = 0;                 // whose start record held the job's own title and path
     std::vector<std::wstring> wrong;  // the first few others, in words
-    Held before;                      // after a round to warm up
+    Held before;                      // after rounds to warm up
     Held after;
     double milliseconds = 0;  // of all threads together, from the first start to the last end
 };

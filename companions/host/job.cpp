@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <optional>
 
 #include "common/module.h"
 #include "common/paths.h"
@@ -10,6 +11,7 @@
 #include "companions/host/console.h"
 #include "companions/host/gdi_owners.h"
 #include "companions/host/host_error.h"
+#include "companions/host/install.h"
 #include "companions/host/page_printer.h"
 #include "companions/host/printer_setup.h"
 #include "companions/host/renderer.h"
@@ -133,17 +135,20 @@ void JobRun::lay_out(std::wstring_view text, const PagePrinter& page_printer) {
 }
 
 void JobRun::start_document(const DOCINFOW& document) {
-    if (!target_.unattended()) {  // somebody may look at a dialog for a long time: no turns
-        if (events_.start_doc_pre(document) == kFailure)
-            over(Outcome::kRefused, events_.last_error(), L"the module refuses the job");
-        return;
-    }
-    SettingTurn turn;
+    std::optional<SettingTurn> turn;  // not while somebody looks at a dialog, unless it matters for this job
+    if (target_.unattended() || !options_.setting.empty())
+        turn.emplace();
     if (!options_.setting.empty())
-        turn.choose(setting_for_module(options_.setting));
-    if (events_.start_doc_pre(document) == kFailure)
-        over(events_.last_error() == kJobCancelled ? Outcome::kCancelled : Outcome::kRefused,
-             events_.last_error(), L"the module refuses the job");
+        turn->choose(setting_for_module(options_.setting));
+    if (events_.start_doc_pre(document) != kFailure)
+        return;
+    const DWORD error = events_.last_error();
+    if (means_cancelled(error))
+        over(Outcome::kCancelled, error, L"no file was chosen, or the chosen one cannot be written");
+    over(Outcome::kRefused, error,
+         error == ERROR_SUCCESS
+             ? L"the module refuses the job; why is told through: " + notify_channels_text()
+             : L"the module refuses the job");
 }
 
 void JobRun::start() {

@@ -179,7 +179,7 @@ std::string report_json(const JobReport& report) {
     object["fault"] = json_text(report.fault);
     object["outcome"] = json_text(outcome_name(report.outcome));
     object["trace"] = json_texts(report.trace);
-    return picojson::value(object).serialize(true) + "\n";
+    return picojson::value(object).serialize(true);
 }
 
 }  // namespace host

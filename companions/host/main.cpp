@@ -37,7 +37,7 @@ std::string steps_json(const InstallSteps& steps, bool good) {
     picojson::object object;
     object["steps"] = picojson::value(array);
     object["good"] = picojson::value(good);
-    return picojson::value(object).serialize(true) + "\n";
+    return picojson::value(object).serialize(true);
 }
 
 void show_step(const InstallStep& step) {
@@ -137,6 +137,17 @@ ExitCode run(const Options& options) {
     return ExitCode::kInternal;
 }
 
+ExitCode fault(const Options& options, const HostError& error) {
+    report_progress(L"zr_print: " + error.text);
+    if (options.json) {
+        picojson::object object;
+        object["fault"] = picojson::value(qk::to_utf8(error.text));
+        object["exit_code"] = picojson::value(static_cast<double>(error.exit_code));
+        print_document(qk::to_wide(picojson::value(object).serialize(true)));
+    }
+    return error.exit_code;
+}
+
 ExitCode run_words(std::span<const wchar_t* const> words) {
     const ParsedOptions parsed = parse_options(words);
     if (!parsed.fault.empty()) {
@@ -147,11 +158,9 @@ ExitCode run_words(std::span<const wchar_t* const> words) {
     try {
         return run(parsed.options);
     } catch (const HostError& error) {
-        report_progress(L"zr_print: " + error.text);
-        return error.exit_code;
+        return fault(parsed.options, error);
     } catch (const std::exception& error) {
-        report_progress(L"zr_print: " + qk::to_wide(error.what()));
-        return ExitCode::kInternal;
+        return fault(parsed.options, {ExitCode::kInternal, qk::to_wide(error.what())});
     }
 }
 

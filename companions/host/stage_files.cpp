@@ -70,6 +70,14 @@ void move_aside(const std::wstring& target) {
         MoveFileExW(aside.c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
 }
 
+// What earlier installations could not delete since a program still used it.
+void delete_moved_aside(const std::wstring& target) {
+    WIN32_FIND_DATAW found = {};
+    const qk::FindObj search(FindFirstFileW((target + L".old*").c_str(), &found));
+    for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found) != FALSE)
+        DeleteFileW((folder_of(target) + found.cFileName).c_str());
+}
+
 // Under a name of its own first, so that nobody ever sees half a file.
 void put_in_place(const FileCopy& copy) {
     const std::wstring fresh = qk::format(L"%s.new%u", copy.target.c_str(), GetCurrentProcessId());
@@ -130,6 +138,7 @@ bool same_contents(const std::wstring& a, const std::wstring& b) {
 }
 
 CopyOutcome bring_up_to_date(const FileCopy& copy) {
+    delete_moved_aside(copy.target);
     const bool there = qk::is_file(copy.target);
     if (there && same_contents(copy.source, copy.target))
         return CopyOutcome::kUpToDate;

@@ -3,6 +3,9 @@
 #include <knownfolders.h>
 #include <shlobj.h>
 
+#include <mutex>
+#include <optional>
+
 #include "common/registry.h"
 #include "common/text.h"
 #include "common/trace.h"
@@ -36,7 +39,7 @@ namespace {
 // Asked of the shell once: it is the same for every user and as long as the process lives, and each job and
 // each DEVMODE query would ask again.
 const std::wstring& shell_common_documents() {
-    static const std::wstring folder = [] {
+    static const std::wstring folder = []() -> std::wstring {
         wchar_t buffer[MAX_PATH + 1] = {};
         return SHGetSpecialFolderPathW(nullptr, buffer, CSIDL_COMMON_DOCUMENTS, FALSE) ? buffer : L"";
     }();
@@ -52,6 +55,39 @@ std::wstring common_documents_folder() {
     if (folder.empty())
         folder = shell_common_documents();
     return std::wstring(without_trailing_backslashes(folder));
+}
+
+namespace {
+
+std::wstring shell_roaming_folder() {
+    wchar_t buffer[MAX_PATH] = {};
+    return SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, buffer)) ? buffer : L"";
+}
+
+// What the shell has said last for the process's own user, and the registry value that it came from.
+struct RoamingFolder {
+    std::mutex mutex;
+    std::optional<std::wstring> raw;
+    std::wstring folder;
+};
+
+RoamingFolder last_roaming;
+
+}  // namespace
+
+std::wstring roaming_folder() {
+    constexpr wchar_t kFolders[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
+    const registry::CurrentUser user;
+    if (!user.is_own())
+        return shell_roaming_folder();
+    // The shell takes its time, each job asks, and the answer changes only with this value.
+    const auto raw = registry::find_text(user.get(), kFolders, L"AppData");
+    const std::scoped_lock lock(last_roaming.mutex);
+    if (!raw || raw != last_roaming.raw) {
+        last_roaming.folder = shell_roaming_folder();
+        last_roaming.raw = raw;
+    }
+    return last_roaming.folder;
 }
 
 std::wstring shared_documents_folder() { return common_documents_folder() + L"\\Dunmere\\Vantrix2"; }
@@ -139,6 +175,10 @@ qk::DLL LoadInstallDll(std::wstring_view file_name) {
 
 qk::DLL LoadInstallDll(std::wstring_view file_name, const std::wstring& install_folder) {
     TRACE("LoadInstallDll");
+    if (install_folder.empty()) {  // a bare name would be looked for where anybody can put a library
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return {};
+    }
     const std::wstring path = install_folder + std::wstring(file_name);
     return qk::DLL(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
 }

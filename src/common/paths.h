@@ -24,6 +24,9 @@ namespace qk {
 // vendor's special folders where there is one, else the shell's. Empty when there is none.
 [[nodiscard]] std::wstring common_documents_folder();
 
+// The user's roaming application data without a trailing backslash; empty when there is none.
+[[nodiscard]] std::wstring roaming_folder();
+
 // "<common documents>\Dunmere\Vantrix2".
 [[nodiscard]] std::wstring shared_documents_folder();
 

@@ -27,6 +27,9 @@ public:
     CurrentUser() noexcept;
     [[nodiscard]] HKEY get() const noexcept { return key_ ? key_.get() : HKEY_CURRENT_USER; }
 
+    // Whether that is the process's own user.
+    [[nodiscard]] bool is_own() const noexcept { return !key_; }
+
 private:
     RegKey key_;
 };

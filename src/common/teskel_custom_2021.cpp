@@ -1,7 +1,5 @@
 #include "common/teskel_custom_2021.h"
 
-#include <shlobj.h>
-
 #include <algorithm>
 #include <array>
 #include <vector>
@@ -66,9 +64,9 @@ wchar_t (*find_entry(TKFileNames& files, const std::wstring& entry) noexcept)[kR
 }  // namespace
 
 ExternalCallIni::ExternalCallIni() {
-    wchar_t roaming[MAX_PATH] = {};
-    if (SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, roaming)))
-        path_ = std::wstring(roaming) + L"\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini";
+    const std::wstring roaming = qk::roaming_folder();
+    if (!roaming.empty())
+        path_ = roaming + L"\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini";
 }
 
 bool ExternalCallIni::exists() const noexcept { return qk::is_file(path_); }

@@ -180,17 +180,19 @@ private:
     std::optional<int> orientation_;
 };
 
-// The printer's own DEVMODE inside its information block, null when it has none that fits into the block.
-const DEVMODEW* devmode_of(const std::vector<std::byte>& block) noexcept {
+// A copy of the printer's own DEVMODE inside its information block, empty when it has none that fits into the
+// block. A copy, since the spooler places it behind texts, at an address that need not suit a DEVMODEW.
+std::vector<std::byte> devmode_of(const std::vector<std::byte>& block) {
     const auto* devmode = reinterpret_cast<const PRINTER_INFO_2W*>(block.data())->pDevMode;
     const auto start = reinterpret_cast<uintptr_t>(block.data());
     const auto at = reinterpret_cast<uintptr_t>(devmode);
     if (at < start || at - start > block.size())
-        return nullptr;
-    const size_t room = block.size() - (at - start);
-    if (room < offsetof(DEVMODEW, dmFields) || room < size_t{devmode->dmSize} + devmode->dmDriverExtra)
-        return nullptr;
-    return devmode;
+        return {};
+    const std::vector<std::byte> copy(block.begin() + static_cast<ptrdiff_t>(at - start), block.end());
+    const auto* header = reinterpret_cast<const DEVMODEW*>(copy.data());
+    if (copy.size() < offsetof(DEVMODEW, dmFields) || copy.size() < size_t{header->dmSize} + header->dmDriverExtra)
+        return {};
+    return copy;
 }
 
 std::vector<std::byte> read_printer_info(HANDLE printer) {
@@ -225,8 +227,9 @@ DWORD MergeDevmode(HANDLE printer, const DEVMODEW* caller, DriverDevmode& devmod
     PrinterSource source(printer);
     DWORD refused = 0;
     const std::vector<std::byte> block = read_printer_info(printer);
-    if (const DEVMODEW* own = block.empty() ? nullptr : devmode_of(block))
-        refused = merge_devmode(own, devmode, source);
+    const std::vector<std::byte> own = block.empty() ? std::vector<std::byte>() : devmode_of(block);
+    if (!own.empty())
+        refused = merge_devmode(reinterpret_cast<const DEVMODEW*>(own.data()), devmode, source);
     if (caller)
         refused = merge_devmode(caller, devmode, source);
     return refused;

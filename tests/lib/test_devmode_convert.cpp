@@ -20,13 +20,16 @@ bool operator==(const Layout& a, const Layout& b) {
            a.driver_version == b.driver_version;
 }
 void PrintTo(const Layout& layout, std::ostream* out) {
-    *out << layout.size << " + " << layout.extra << ", " << std::hex << layout.spec_version << ", " << layout.driver_version;
+    *out << layout.size << " + " << layout.extra << ", " << std::hex << layout.spec_version << ", "
+         << layout.driver_version;
 }
 
 constexpr Layout k351 = {188, 36, 0x0320, 0x0350}, kOwn = {220, 36, 0x0401, 0x0800};
 constexpr size_t kHeader = offsetof(DEVMODEW, dmFields);
 
-Layout layout_of(const DEVMODEW& dm) { return {dm.dmSize, dm.dmDriverExtra, dm.dmSpecVersion, dm.dmDriverVersion}; }
+Layout layout_of(const DEVMODEW& dm) {
+    return {dm.dmSize, dm.dmDriverExtra, dm.dmSpecVersion, dm.dmDriverVersion};
+}
 
 void stamp(DEVMODEW& dm, const Layout& layout) {
     dm.dmSize = layout.size;
@@ -66,16 +69,21 @@ TEST(Devmode, DefaultIsA4InColour) {
     const DEVMODEW& dm = devmode.dm;
     EXPECT_EQ(layout_of(dm), kOwn);
     EXPECT_STREQ(dm.dmDeviceName, L"Corvanta Vantrix 8.0");
-    EXPECT_EQ(dm.dmFields, DWORD{0x1 | 0x2 | 0x10 | 0x400 | 0x800 | 0x10000});  // without the bit of the copies
-    const int numbers[] = {dm.dmOrientation, dm.dmPaperSize, dm.dmPaperLength, dm.dmPaperWidth, dm.dmScale, dm.dmCopies,
-                           dm.dmDefaultSource, dm.dmPrintQuality, dm.dmColor, dm.dmDuplex, dm.dmYResolution, dm.dmTTOption, dm.dmCollate};
+    EXPECT_EQ(dm.dmFields,
+              DWORD{0x1 | 0x2 | 0x10 | 0x400 | 0x800 | 0x10000});  // without the bit of the copies
+    const int numbers[] = {dm.dmOrientation, dm.dmPaperSize, dm.dmPaperLength,   dm.dmPaperWidth,
+                           dm.dmScale,       dm.dmCopies,    dm.dmDefaultSource, dm.dmPrintQuality,
+                           dm.dmColor,       dm.dmDuplex,    dm.dmYResolution,   dm.dmTTOption,
+                           dm.dmCollate};
     const int expected[] = {1, 9, 2970, 2100, 100, 1, 0, 600, 2, 1, 600, 0, 0};
-    EXPECT_EQ(std::vector(std::begin(numbers), std::end(numbers)), std::vector(std::begin(expected), std::end(expected)));
+    EXPECT_EQ(std::vector(std::begin(numbers), std::end(numbers)),
+              std::vector(std::begin(expected), std::end(expected)));
     EXPECT_STREQ(dm.dmFormName, L"A4");
     EXPECT_EQ(dm.dmPelsWidth, 2100u);
     EXPECT_EQ(dm.dmPelsHeight, 2970u);
     const auto* extra = reinterpret_cast<const BYTE*>(&devmode) + 220;
-    const BYTE bytes[36] = {'M', 'D', 'E', 'P', 0, 2, 5, 7, 1, 0, 0, 0, 24, 0, 0, 0, 0, 0, 0x10, 0x27, 0x10, 0x27, 0x10, 0x27, 0, 0, 0x10, 0x27};
+    const BYTE bytes[36] = {'M', 'D', 'E', 'P', 0,    2,    5,    7,    1,    0,    0, 0, 24,   0,
+                            0,   0,   0,   0,   0x10, 0x27, 0x10, 0x27, 0x10, 0x27, 0, 0, 0x10, 0x27};
     EXPECT_EQ(std::memcmp(extra, bytes, sizeof bytes), 0);
 }
 
@@ -104,20 +112,24 @@ TEST(Devmode, CopiesKeepTheTargetsLayout) {
         const Devmode source(row.source, 10), target(row.target, 120), untouched(row.target, 120);
         ASSERT_EQ(ConvertDevmode(source.get(), target.get()), row.copied);
         if (row.copied < 0) {
-            EXPECT_EQ(std::memcmp(target.get(), untouched.get(), size_t{row.target.size} + row.target.extra), 0);
+            EXPECT_EQ(std::memcmp(target.get(), untouched.get(), size_t{row.target.size} + row.target.extra),
+                      0);
             continue;
         }
         Layout expected = row.target;
         expected.spec_version = row.spec_version;
         EXPECT_EQ(layout_of(*target.get()), expected);
-        const size_t common = std::min(row.source.size, row.target.size), extra = std::min(row.source.extra, row.target.extra);
+        const size_t common = std::min(row.source.size, row.target.size),
+                     extra = std::min(row.source.extra, row.target.extra);
         for (size_t i = 0; i < row.target.size; ++i) {
             if (i < offsetof(DEVMODEW, dmSpecVersion) || i >= kHeader) {
                 ASSERT_EQ(target.byte(i), (i < common ? source : untouched).byte(i)) << i;
             }
         }
         for (size_t i = 0; i < row.target.extra; ++i)
-            ASSERT_EQ(target.byte(row.target.size + i), i < extra ? source.byte(row.source.size + i) : untouched.byte(row.target.size + i)) << i;
+            ASSERT_EQ(target.byte(row.target.size + i),
+                      i < extra ? source.byte(row.source.size + i) : untouched.byte(row.target.size + i))
+                << i;
     }
 }
 
@@ -134,9 +146,14 @@ TEST(Devmode, ThoseThatClaimMoreThanTheyHoldAreRefused) {
         Layout layout;
         size_t room;
     } const rows[] = {
-        {"a word short", kOwn, 252},      {"public part only", kOwn, 220}, {"extra far away", {220, 65535, 0x0401, 0}, 256},
-        {"all sizes at their end", most, 4096}, {"public part beyond", {65535, 0, 0x0401, 0}, 220}, {"header only", kOwn, kHeader},
-        {"no whole header", kOwn, 68},    {"a name", kOwn, 4},
+        {"a word short", kOwn, 252},
+        {"public part only", kOwn, 220},
+        {"extra far away", {220, 65535, 0x0401, 0}, 256},
+        {"all sizes at their end", most, 4096},
+        {"public part beyond", {65535, 0, 0x0401, 0}, 220},
+        {"header only", kOwn, kHeader},
+        {"no whole header", kOwn, 68},
+        {"a name", kOwn, 4},
     };
     const Devmode good(kOwn, 1);
     for (const auto& row : rows) {
@@ -173,15 +190,19 @@ TEST(Devmode, OutputTakesTheSmallerPartsOfTheTwo) {
     const DriverDevmode driver = filled();
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.output));
-        const Devmode caller(row.caller.value_or(kOwn), 5, std::max<size_t>(kHeader, row.caller ? row.caller->size : 220));
+        const Devmode caller(row.caller.value_or(kOwn), 5,
+                             std::max<size_t>(kHeader, row.caller ? row.caller->size : 220));
         const size_t room = std::max<size_t>(kHeader, size_t{row.output.size} + row.output.extra);
         const Devmode output(kOwn, 9, room);
-        ASSERT_EQ(ConvertDevmodeOut(&driver.dm, row.caller ? caller.get() : nullptr, output.get()), row.result);
+        ASSERT_EQ(ConvertDevmodeOut(&driver.dm, row.caller ? caller.get() : nullptr, output.get()),
+                  row.result);
         if (row.result == 0)
             continue;
         EXPECT_EQ(layout_of(*output.get()), row.output);
         EXPECT_EQ(std::memcmp(output.get()->dmDeviceName, driver.dm.dmDeviceName, 64), 0);
-        EXPECT_EQ(std::memcmp(reinterpret_cast<BYTE*>(output.get()) + kHeader, &driver.dm.dmFields, row.output.size - kHeader), 0);
+        EXPECT_EQ(std::memcmp(reinterpret_cast<BYTE*>(output.get()) + kHeader, &driver.dm.dmFields,
+                              row.output.size - kHeader),
+                  0);
         const auto* extra = reinterpret_cast<const BYTE*>(output.get()) + row.output.size;
         EXPECT_EQ(std::memcmp(extra, &driver.extra, row.output.extra), 0);
     }
@@ -260,7 +281,8 @@ TEST(DrvConvertDevMode, ModesAnswerWithSizeAndLastError) {
     EXPECT_EQ(GetLastError(), 13u);
     for (const DWORD mode : {1u, 2u, 4u}) {  // the size is a lie
         needed = 256;
-        EXPECT_FALSE(DrvConvertDevMode(printer.name.data(), target.get(), small.get(), &needed, mode)) << mode;
+        EXPECT_FALSE(DrvConvertDevMode(printer.name.data(), target.get(), small.get(), &needed, mode))
+            << mode;
     }
     EXPECT_EQ(printer.open_handles, 0);
 }

@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr DWORD kDefaultFields = 0x10C13;  // of the driver's default
-
 class ListedPapers final : public MergeSource {
 public:
     const std::vector<FormRecord>& forms() override {
@@ -24,7 +22,9 @@ public:
 
     std::vector<FormRecord> papers = {
         {.name = L"Letter", .size = {215900, 279400}, .paper_number = 1},
-        {.name = L"B7 a rather long name of more than thirty-one", .size = {88049, 124950}, .paper_number = 2},
+        {.name = L"B7 a rather long name of more than thirty-one",
+         .size = {88049, 124950},
+         .paper_number = 2},
         {.name = L"A4", .size = {210000, 297000}, .paper_number = 3},
         {.name = L"A4", .size = {1, 1}, .paper_number = 3},
         {.name = L"Far", .size = {500000, 600000}, .paper_number = 40000},
@@ -33,89 +33,95 @@ public:
     int asked = 0;
 };
 
-void name_form(DEVMODEW& dm, std::wstring_view name) { qk::copy_zero_padded(dm.dmFormName, 32, name); }
+void name_form(DEVMODEW& dm, std::wstring_view name) {
+    qk::copy_zero_padded(dm.dmFormName, 32, name);
+}
 
 // Everything but what a row is about must stay at the default.
 void expect_equal(const DriverDevmode& got, const DriverDevmode& wanted) {
     EXPECT_EQ(got.dm.dmFields, wanted.dm.dmFields);
     EXPECT_STREQ(got.dm.dmFormName, wanted.dm.dmFormName);
     for (size_t i = 0; i < sizeof got; ++i)
-        ASSERT_EQ(reinterpret_cast<const BYTE*>(&got)[i], reinterpret_cast<const BYTE*>(&wanted)[i]) << "at byte " << i;
+        ASSERT_EQ(reinterpret_cast<const BYTE*>(&got)[i], reinterpret_cast<const BYTE*>(&wanted)[i])
+            << "at byte " << i;
 }
 
 }  // namespace
 
 TEST(DevmodeMerge, EachFieldIsTakenOrRefused) {
-    using Set = std::function<void(DEVMODEW&)>;
-    const Set nothing = [](DEVMODEW&) {};
-    const DWORD custom = DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH;
-    const auto paper = [](short number, short width, short length, std::wstring_view name, DWORD fields = kDefaultFields) {
-        return [=](DEVMODEW& dm) {
-            dm.dmPaperSize = number;
-            dm.dmPaperWidth = width;
-            dm.dmPaperLength = length;
-            name_form(dm, name);
-            dm.dmFields = fields;
+    struct {
+        DWORD bit;
+        short DEVMODEW::*field;
+        std::vector<short> taken, refused;
+    } const rows[] = {
+        {DM_ORIENTATION, &DEVMODEW::dmOrientation, {1, 2}, {0, 3, -1}},
+        {DM_SCALE, &DEVMODEW::dmScale, {1, 99, 400}, {0, 401, -5}},
+        {DM_COPIES, &DEVMODEW::dmCopies, {1}, {0, 2, 5, -1}},
+        {DM_PRINTQUALITY,
+         &DEVMODEW::dmPrintQuality,
+         {72, 96, 144, 150, 300, 360, 600, 720, 1200, 2400, 3600, 4000},
+         {500, 0, 71, 4001, -5}},
+        {DM_COLOR, &DEVMODEW::dmColor, {1, 2}, {0, 3}},
+    };
+    for (const auto& row : rows) {
+        const auto merge = [&](short value, DWORD bit, DWORD refused, short wanted_value) {
+            SCOPED_TRACE(std::to_string(row.bit) + " = " + std::to_string(value));
+            DriverDevmode in = default_devmode(), got = default_devmode(), wanted = default_devmode();
+            in.dm.dmFields = bit;
+            in.dm.*row.field = value;
+            wanted.dm.*row.field = wanted_value;
+            wanted.dm.dmFields |= refused ? 0 : bit;
+            ListedPapers source;
+            EXPECT_EQ(merge_devmode(&in.dm, got, source), refused);
+            expect_equal(got, wanted);
+            EXPECT_EQ(source.asked, 0);
         };
-    };
-    const auto size = [](short number, short width = 0, short length = 0) {
-        return [=](DEVMODEW& dm) { dm.dmPaperSize = number, dm.dmPaperWidth = width, dm.dmPaperLength = length; };
-    };
-    const auto form = [](std::wstring_view name) { return [=](DEVMODEW& dm) { name_form(dm, name); }; };
-    const auto quality = [](short value) { return [=](DEVMODEW& dm) { dm.dmPrintQuality = value; }; };
+        const DriverDevmode before = default_devmode();
+        for (const short value : row.taken) {
+            merge(value, row.bit, 0, value);
+            merge(value, 0, 0, before.dm.*row.field);  // without its bit nothing counts
+        }
+        for (const short value : row.refused)
+            merge(value, row.bit, row.bit, before.dm.*row.field);
+        if (row.bit == DM_PRINTQUALITY) {
+            for (const short relative : {short{-1}, short{-4}})
+                merge(relative, row.bit, 0, 600);
+        }
+    }
+}
+
+TEST(DevmodeMerge, PaperIsTakenByNumberNameOrSize) {
+    constexpr DWORD kSize = DM_PAPERSIZE, kSides = DM_PAPERLENGTH | DM_PAPERWIDTH, kName = DM_FORMNAME;
+    constexpr auto kFar = static_cast<short>(40000);
     struct {
         const char* label;
         DWORD fields;
-        Set incoming;
-        DWORD refused;
-        Set changed;
+        short number, width, length;
+        const wchar_t* name;
+        bool taken;
+        short wanted_number = 0, wanted_width = 0, wanted_length = 0;
+        const wchar_t* wanted_name = L"";
     } const rows[] = {
-        {"no bit, no change", 0, [](DEVMODEW& dm) { dm.dmOrientation = 2, dm.dmScale = 50, dm.dmColor = 1, dm.dmPaperSize = 1; }, 0, nothing},
-        {"landscape", DM_ORIENTATION, [](DEVMODEW& dm) { dm.dmOrientation = 2; }, 0, [](DEVMODEW& dm) { dm.dmOrientation = 2; }},
-        {"orientation 0", DM_ORIENTATION, [](DEVMODEW& dm) { dm.dmOrientation = 0; }, DM_ORIENTATION, nothing},
-        {"orientation 3", DM_ORIENTATION, [](DEVMODEW& dm) { dm.dmOrientation = 3; }, DM_ORIENTATION, nothing},
-        {"scale 1", DM_SCALE, [](DEVMODEW& dm) { dm.dmScale = 1; }, 0, [](DEVMODEW& dm) { dm.dmScale = 1; }},
-        {"scale 400", DM_SCALE, [](DEVMODEW& dm) { dm.dmScale = 400; }, 0, [](DEVMODEW& dm) { dm.dmScale = 400; }},
-        {"scale 0", DM_SCALE, [](DEVMODEW& dm) { dm.dmScale = 0; }, DM_SCALE, nothing},
-        {"scale 401", DM_SCALE, [](DEVMODEW& dm) { dm.dmScale = 401; }, DM_SCALE, nothing},
-        {"scale -5", DM_SCALE, [](DEVMODEW& dm) { dm.dmScale = -5; }, DM_SCALE, nothing},
-        {"one copy", DM_COPIES, [](DEVMODEW& dm) { dm.dmCopies = 1; }, 0, [](DEVMODEW& dm) { dm.dmFields |= DM_COPIES; }},
-        {"refused copies keep one", DM_COPIES, [](DEVMODEW& dm) { dm.dmCopies = 5; }, DM_COPIES, nothing},
-        {"no copies", DM_COPIES, [](DEVMODEW& dm) { dm.dmCopies = 0; }, DM_COPIES, nothing},
-        {"quality 72", DM_PRINTQUALITY, quality(72), 0, quality(72)},
-        {"quality 4000", DM_PRINTQUALITY, quality(4000), 0, quality(4000)},
-        {"quality 500", DM_PRINTQUALITY, quality(500), DM_PRINTQUALITY, nothing},
-        {"quality 0", DM_PRINTQUALITY, quality(0), DM_PRINTQUALITY, nothing},
-        {"draft", DM_PRINTQUALITY, quality(-1), 0, nothing},
-        {"high", DM_PRINTQUALITY, quality(-4), 0, nothing},
-        {"quality -5", DM_PRINTQUALITY, quality(-5), DM_PRINTQUALITY, nothing},
-        {"monochrome", DM_COLOR, [](DEVMODEW& dm) { dm.dmColor = 1; }, 0, [](DEVMODEW& dm) { dm.dmColor = 1; }},
-        {"colour 3", DM_COLOR, [](DEVMODEW& dm) { dm.dmColor = 3; }, DM_COLOR, nothing},
-        {"fields that are not merged", DM_DUPLEX | DM_COLLATE | DM_YRESOLUTION, [](DEVMODEW& dm) { dm.dmDuplex = 2, dm.dmCollate = 1, dm.dmYResolution = 72; }, 0, nothing},
-
-        {"custom", custom, size(256, 1000, 2000), 0, paper(256, 1000, 2000, L"", (kDefaultFields & ~static_cast<DWORD>(DM_FORMNAME)) | custom)},
-        {"custom by 0, over a form", custom | DM_FORMNAME, [](DEVMODEW& dm) { dm.dmPaperSize = 0, dm.dmPaperWidth = 5, dm.dmPaperLength = 6; name_form(dm, L"Letter"); }, 0,
-         paper(256, 5, 6, L"", (kDefaultFields & ~static_cast<DWORD>(DM_FORMNAME)) | custom)},
-        {"custom without a width", custom, size(256, 0, 2000), custom, nothing},
-        {"custom without the width's bit", DM_PAPERSIZE | DM_PAPERLENGTH, size(256, 1000, 2000), DM_PAPERSIZE | DM_PAPERLENGTH, nothing},
-        {"sizes alone", DM_PAPERLENGTH | DM_PAPERWIDTH, size(256, 1000, 2000), DM_PAPERLENGTH | DM_PAPERWIDTH, nothing},
-
-        {"by number, rounded", DM_PAPERSIZE, size(1, 7, 7), 0, paper(1, 2159, 2794, L"Letter")},
-        {"rounding, long name", DM_PAPERSIZE, size(2), 0, paper(2, 880, 1250, L"B7 a rather long name of more t")},
-        {"number of two forms", DM_PAPERSIZE, size(3), 0, paper(3, 2100, 2970, L"A4")},
-        {"number above 32767", DM_PAPERSIZE, size(static_cast<short>(40000)), 0, paper(static_cast<short>(40000), 5000, 6000, L"Far")},
-        {"number with sizes of its own", custom, size(1, 50, 60), 0, paper(1, 2159, 2794, L"Letter")},
-        {"unknown number", DM_PAPERSIZE, size(99), DM_PAPERSIZE, nothing},
-        {"number before name", DM_PAPERSIZE | DM_FORMNAME, [](DEVMODEW& dm) { dm.dmPaperSize = 1; name_form(dm, L"A4"); }, 0, paper(1, 2159, 2794, L"Letter")},
-        {"unknown number, known name", DM_PAPERSIZE | DM_FORMNAME, [](DEVMODEW& dm) { dm.dmPaperSize = 98; name_form(dm, L"A4"); }, DM_PAPERSIZE | DM_FORMNAME, nothing},
-        {"by name", DM_FORMNAME, form(L"Letter"), 0, paper(1, 2159, 2794, L"Letter")},
-        {"name in other case", DM_FORMNAME, form(L"letter"), DM_FORMNAME, nothing},
-        {"part of a name", DM_FORMNAME, form(L"Lette"), DM_FORMNAME, nothing},
-        {"name without end", DM_FORMNAME, [](DEVMODEW& dm) { std::fill_n(dm.dmFormName, 32, L'A'); }, DM_FORMNAME, nothing},
-        {"A0", DM_PAPERSIZE, size(20256), 0, paper(20256, 8410, 11889, L"A0")},
-        {"A1", DM_PAPERSIZE, size(30256), 0, paper(30256, 5940, 8410, L"A1")},
-        {"all refused", DM_ORIENTATION | DM_SCALE | DM_COPIES | DM_PRINTQUALITY | DM_COLOR | DM_PAPERSIZE,
-         [](DEVMODEW& dm) { dm.dmPaperSize = 77; }, DM_ORIENTATION | DM_SCALE | DM_COPIES | DM_PRINTQUALITY | DM_COLOR | DM_PAPERSIZE, nothing},
+        {"without its bits", 0, 1, 1, 1, L"Letter", true, 9, 2100, 2970, L"A4"},
+        {"custom", kSize | kSides, 256, 1000, 2000, L"", true, 256, 1000, 2000},
+        {"custom by 0, over a form", kSize | kSides | kName, 0, 5, 6, L"Letter", true, 256, 5, 6},
+        {"custom without a width", kSize | kSides, 256, 0, 2000, L"", false},
+        {"custom without the width's bit", kSize | DM_PAPERLENGTH, 256, 1000, 2000, L"", false},
+        {"sides alone", kSides, 256, 1000, 2000, L"", false},
+        {"by number", kSize, 1, 7, 7, L"A4", true, 1, 2159, 2794, L"Letter"},
+        {"rounded, long name", kSize, 2, 0, 0, L"", true, 2, 880, 1250, L"B7 a rather long name of more t"},
+        {"number of two forms", kSize, 3, 0, 0, L"", true, 3, 2100, 2970, L"A4"},
+        {"number above 32767", kSize, kFar, 0, 0, L"", true, kFar, 5000, 6000, L"Far"},
+        {"number with sides", kSize | kSides, 1, 50, 60, L"", true, 1, 2159, 2794, L"Letter"},
+        {"unknown number", kSize, 99, 0, 0, L"", false},
+        {"number before name", kSize | kName, 1, 0, 0, L"A4", true, 1, 2159, 2794, L"Letter"},
+        {"unknown number, known name", kSize | kName, 98, 0, 0, L"A4", false},
+        {"by name", kName, 77, 0, 0, L"Letter", true, 1, 2159, 2794, L"Letter"},
+        {"name in other case", kName, 0, 0, 0, L"letter", false},
+        {"part of a name", kName, 0, 0, 0, L"Lette", false},
+        {"name without end", kName, 0, 0, 0, nullptr, false},
+        {"A0", kSize, 20256, 0, 0, L"", true, 20256, 8410, 11889, L"A0"},
+        {"A1", kSize, 30256, 0, 0, L"", true, 30256, 5940, 8410, L"A1"},
     };
     for (const auto& row : rows) {
         for (const WORD layout : {WORD{220}, WORD{188}}) {  // the older layout holds all that is merged
@@ -123,12 +129,19 @@ TEST(DevmodeMerge, EachFieldIsTakenOrRefused) {
             DEVMODEW in = {};
             in.dmSize = layout;
             in.dmFields = row.fields;
-            row.incoming(in);
+            in.dmPaperSize = row.number, in.dmPaperWidth = row.width, in.dmPaperLength = row.length;
+            row.name ? name_form(in, row.name) : static_cast<void>(std::fill_n(in.dmFormName, 32, L'A'));
             const GuardedBuffer incoming(layout, &in);
             ListedPapers source;
             DriverDevmode got = default_devmode(), wanted = default_devmode();
-            row.changed(wanted.dm);
-            EXPECT_EQ(merge_devmode(incoming.as<DEVMODEW>(), got, source), row.refused);
+            if (row.taken) {
+                wanted.dm.dmPaperSize = row.wanted_number;
+                wanted.dm.dmPaperWidth = row.wanted_width, wanted.dm.dmPaperLength = row.wanted_length;
+                name_form(wanted.dm, row.wanted_name);
+                if (!*row.wanted_name)
+                    wanted.dm.dmFields = (wanted.dm.dmFields | kSides) & ~kName;
+            }
+            EXPECT_EQ(merge_devmode(incoming.as<DEVMODEW>(), got, source), row.taken ? 0 : row.fields);
             expect_equal(got, wanted);
             EXPECT_LE(source.asked, 1);
         }
@@ -148,34 +161,18 @@ TEST(DevmodeMerge, WithoutPapersTheOldOneStays) {
 }
 
 TEST(DevmodeMerge, ExtensionIsTakenOnlyWhenItIsOurs) {
-    const COLORADJUSTMENT fallback = default_devmode().extra.colour;
-    using Set = std::function<void(DriverDevmode&)>;
     struct {
         const char* label;
-        Set incoming;
-        bool taken, refused;
-        std::function<void(COLORADJUSTMENT&)> mended = [](COLORADJUSTMENT&) {};
+        std::function<void(DriverDevmode&)> incoming;
+        bool taken;
     } const rows[] = {
-        {"ours", [](DriverDevmode&) {}, true, false},
-        {"flags cleared", [](DriverDevmode& in) { in.extra.flags = 0; }, true, false},
-        {"only one flag is carried", [](DriverDevmode& in) { in.extra.flags = 0xFFFFFFFF; }, true, false},
-        {"signature", [](DriverDevmode& in) { ++in.extra.signature; }, false, false},
-        {"version", [](DriverDevmode& in) { ++in.extra.version; }, false, false},
-        {"35 bytes", [](DriverDevmode& in) { in.dm.dmDriverExtra = 35; }, false, false},
-        {"none", [](DriverDevmode& in) { in.dm.dmDriverExtra = 0; }, false, false},
-        {"size of the record", [](DriverDevmode& in) { in.extra.colour.caSize = 23; }, true, true, [&](COLORADJUSTMENT& colour) { colour = fallback; }},
-        {"illuminant 9", [](DriverDevmode& in) { in.extra.colour.caIlluminantIndex = 9; }, true, true, [](COLORADJUSTMENT& colour) { colour.caIlluminantIndex = 0; }},
-        {"illuminant 8", [](DriverDevmode& in) { in.extra.colour.caIlluminantIndex = 8; }, true, false},
-        {"red gamma", [](DriverDevmode& in) { in.extra.colour.caRedGamma = 1343; }, true, true, [](COLORADJUSTMENT& colour) { colour.caRedGamma = 10000; }},
-        {"green gamma", [](DriverDevmode& in) { in.extra.colour.caGreenGamma = 65001; }, true, true, [](COLORADJUSTMENT& colour) { colour.caGreenGamma = 10000; }},
-        {"blue gamma at both ends", [](DriverDevmode& in) { in.extra.colour.caBlueGamma = 1344, in.extra.colour.caRedGamma = 65000; }, true, false},
-        {"black", [](DriverDevmode& in) { in.extra.colour.caReferenceBlack = 4001; }, true, true, [](COLORADJUSTMENT& colour) { colour.caReferenceBlack = 0; }},
-        {"white low", [](DriverDevmode& in) { in.extra.colour.caReferenceWhite = 5999; }, true, true, [](COLORADJUSTMENT& colour) { colour.caReferenceWhite = 10000; }},
-        {"white high", [](DriverDevmode& in) { in.extra.colour.caReferenceWhite = 10001; }, true, true, [](COLORADJUSTMENT& colour) { colour.caReferenceWhite = 10000; }},
-        {"contrast", [](DriverDevmode& in) { in.extra.colour.caContrast = 101; }, true, true, [](COLORADJUSTMENT& colour) { colour.caContrast = 0; }},
-        {"brightness, tint", [](DriverDevmode& in) { in.extra.colour.caBrightness = -101, in.extra.colour.caRedGreenTint = 300; }, true, true,
-         [](COLORADJUSTMENT& colour) { colour.caBrightness = colour.caRedGreenTint = 0; }},
-        {"colourfulness at its end", [](DriverDevmode& in) { in.extra.colour.caColorfulness = -100; }, true, false},
+        {"ours", [](DriverDevmode&) {}, true},
+        {"flags cleared", [](DriverDevmode& in) { in.extra.flags = 0; }, true},
+        {"only one flag is carried", [](DriverDevmode& in) { in.extra.flags = 0xFFFFFFFF; }, true},
+        {"signature", [](DriverDevmode& in) { ++in.extra.signature; }, false},
+        {"version", [](DriverDevmode& in) { ++in.extra.version; }, false},
+        {"35 bytes", [](DriverDevmode& in) { in.dm.dmDriverExtra = 35; }, false},
+        {"none", [](DriverDevmode& in) { in.dm.dmDriverExtra = 0; }, false},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
@@ -188,12 +185,51 @@ TEST(DevmodeMerge, ExtensionIsTakenOnlyWhenItIsOurs) {
         if (row.taken) {
             wanted.extra.colour = in.extra.colour;
             wanted.extra.flags = in.extra.flags & 1;
-            row.mended(wanted.extra.colour);
         }
         ListedPapers source;
-        EXPECT_EQ(merge_devmode(incoming.as<DEVMODEW>(), got, source), row.refused ? 0x20000000u : 0u);
+        EXPECT_EQ(merge_devmode(incoming.as<DEVMODEW>(), got, source), 0u);
         expect_equal(got, wanted);
     }
+}
+
+TEST(DevmodeMerge, ColourAdjustmentIsMendedFieldByField) {
+    constexpr size_t kIlluminant = 4, kRed = 6, kGreen = 8, kBlue = 10, kBlack = 12, kWhite = 14;
+    constexpr size_t kContrast = 16, kBrightness = 18, kColourfulness = 20, kTint = 22;
+    struct {
+        size_t offset;
+        int given, left;
+    } const rows[] = {
+        {kIlluminant, 8, 8},      {kIlluminant, 9, 0},
+        {kRed, 1344, 1344},       {kRed, 1343, 10000},
+        {kGreen, 65000, 65000},   {kGreen, 65001, 10000},
+        {kBlue, 0, 10000},        {kBlack, 4000, 4000},
+        {kBlack, 4001, 0},        {kWhite, 5999, 10000},
+        {kWhite, 6000, 6000},     {kWhite, 10001, 10000},
+        {kContrast, 100, 100},    {kContrast, 101, 0},
+        {kBrightness, -101, 0},   {kColourfulness, -100, -100},
+        {kColourfulness, 300, 0}, {kTint, -32768, 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::to_string(row.offset) + " = " + std::to_string(row.given));
+        DriverDevmode in = default_devmode(), got = default_devmode();
+        const auto set = [&](DriverDevmode& devmode, int value) {
+            std::memcpy(reinterpret_cast<BYTE*>(&devmode.extra.colour) + row.offset, &value, sizeof(WORD));
+        };
+        in.extra.colour.caFlags = CA_LOG_FILTER;
+        DriverDevmode wanted = in;
+        set(in, row.given);
+        set(wanted, row.left);
+        in.dm.dmFields = 0;
+        ListedPapers source;
+        EXPECT_EQ(merge_devmode(&in.dm, got, source), row.given == row.left ? 0u : 0x20000000u);
+        expect_equal(got, wanted);
+    }
+    COLORADJUSTMENT odd = default_devmode().extra.colour;
+    odd.caSize = 23;
+    odd.caFlags = 1;
+    EXPECT_FALSE(validate_colour(odd));
+    EXPECT_EQ(odd.caSize, 24);
+    EXPECT_EQ(odd.caFlags, 0);
 }
 
 TEST(DevmodeMerge, OverrideFileTurnsThePage) {
@@ -202,8 +238,9 @@ TEST(DevmodeMerge, OverrideFileTurnsThePage) {
         const char *version, *lines;
         short given, orientation;
     } const rows[] = {
-        {"2.5", "Orient=0", 2, 1}, {"2.0", "Orient=1", 1, 2},  {"3.0", "Orient=1", 1, 2}, {"3.1", "Orient=0", 2, 2}, {"1.99", "Orient=0", 2, 2},
-        {"2.5", "Orient=2", 1, 1}, {"2.5", "Orient=-1", 2, 2}, {"2.5", "", 2, 2},         {"x", "Orient=0", 2, 2},
+        {"2.5", "Orient=0", 2, 1},  {"2.0", "Orient=1", 1, 2},  {"3.0", "Orient=1", 1, 2},
+        {"3.1", "Orient=0", 2, 2},  {"1.99", "Orient=0", 2, 2}, {"2.5", "Orient=2", 1, 1},
+        {"2.5", "Orient=-1", 2, 2}, {"2.5", "", 2, 2},          {"x", "Orient=0", 2, 2},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.version) + " " + row.lines);
@@ -290,10 +327,13 @@ TEST(DirectQueries, DirectQueriesAnswerWithoutASheet) {
             const std::vector<BYTE> pattern(256, 0xEE);
             const GuardedBuffer output(std::max<size_t>(row.room, 1), pattern.data());
             DEVMODEW* out = row.room ? output.as<DEVMODEW>() : nullptr;
-            DocumentPropertyHeader header = {sizeof header, 0, FakePrinter::handle(), here.printer.name.data(), row.in, out, 0, row.mode};
+            DocumentPropertyHeader header = {
+                sizeof header, 0, FakePrinter::handle(), here.printer.name.data(), row.in, out, 0, row.mode};
             SetLastError(0);
-            const LONG result = as_header ? DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header))
-                                          : DrvDocumentProperties(nullptr, FakePrinter::handle(), here.printer.name.data(), out, row.in, row.mode);
+            const LONG result = as_header
+                                    ? DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header))
+                                    : DrvDocumentProperties(nullptr, FakePrinter::handle(),
+                                                            here.printer.name.data(), out, row.in, row.mode);
             const DWORD error = GetLastError();
             EXPECT_EQ(result, row.result);
             if (result == -1) {

@@ -27,7 +27,9 @@ void PrintTo(const Seen& seen, std::ostream* out) {
 class Listener final : public FormCallback {
 public:
     void operator()(const FormRecord* record) override {
-        seen.push_back(record ? Seen{record->name, record->paper_number, record->driver_paper_id, record->flags} : Seen{L"<end>", 0, 0, 0});
+        seen.push_back(record
+                           ? Seen{record->name, record->paper_number, record->driver_paper_id, record->flags}
+                           : Seen{L"<end>", 0, 0, 0});
     }
     std::vector<Seen> seen;
 };
@@ -40,22 +42,52 @@ TEST(Forms, FourLargePapersAreAlwaysOffered) {
         std::vector<FakePrinter::Form> forms;
         std::vector<Seen> wanted;
     } const rows[] = {
-        {"none", {}, {{L"A0", 1, -1, kAppended}, {L"A1", 2, -1, kAppended}, {kLongA0, 3, -1, kAppended}, {kLongA1, 4, -1, kAppended}}},
+        {"none",
+         {},
+         {{L"A0", 1, -1, kAppended},
+          {L"A1", 2, -1, kAppended},
+          {kLongA0, 3, -1, kAppended},
+          {kLongA1, 4, -1, kAppended}}},
         {"user and built-in",
          {{FORM_BUILTIN, L"Letter"}, {FORM_USER, L"Mine"}},
-         {{L"Letter", 1, -1, kOurs | 1}, {L"Mine", 2, -1, kOurs}, {L"A0", 3, -1, kAppended}, {L"A1", 4, -1, kAppended}, {kLongA0, 5, -1, kAppended}, {kLongA1, 6, -1, kAppended}}},
+         {{L"Letter", 1, -1, kOurs | 1},
+          {L"Mine", 2, -1, kOurs},
+          {L"A0", 3, -1, kAppended},
+          {L"A1", 4, -1, kAppended},
+          {kLongA0, 5, -1, kAppended},
+          {kLongA1, 6, -1, kAppended}}},
         {"printer forms: only the large ones, numbers by position",
-         {{FORM_PRINTER, L"Odd"}, {FORM_PRINTER, L"A0"}, {FORM_USER, L"Mine"}, {FORM_PRINTER | FORM_BUILTIN, kLongA1}, {FORM_PRINTER, L"a1"}},
-         {{L"A0", 2, 20256, kOurs | 2}, {L"Mine", 3, -1, kOurs}, {kLongA1, 4, 30256, kOurs | 3}, {L"A1", 6, -1, kAppended}, {kLongA0, 7, -1, kAppended}}},
+         {{FORM_PRINTER, L"Odd"},
+          {FORM_PRINTER, L"A0"},
+          {FORM_USER, L"Mine"},
+          {FORM_PRINTER | FORM_BUILTIN, kLongA1},
+          {FORM_PRINTER, L"a1"}},
+         {{L"A0", 2, 20256, kOurs | 2},
+          {L"Mine", 3, -1, kOurs},
+          {kLongA1, 4, 30256, kOurs | 3},
+          {L"A1", 6, -1, kAppended},
+          {kLongA0, 7, -1, kAppended}}},
         {"all four there",
          {{FORM_PRINTER, kLongA1}, {FORM_PRINTER, kLongA0}, {FORM_PRINTER, L"A1"}, {FORM_PRINTER, L"A0"}},
-         {{kLongA1, 1, 30256, kOurs | 2}, {kLongA0, 2, 20256, kOurs | 2}, {L"A1", 3, 30256, kOurs | 2}, {L"A0", 4, 20256, kOurs | 2}}},
+         {{kLongA1, 1, 30256, kOurs | 2},
+          {kLongA0, 2, 20256, kOurs | 2},
+          {L"A1", 3, 30256, kOurs | 2},
+          {L"A0", 4, 20256, kOurs | 2}}},
         {"a user's A0 is not the printer's",
          {{FORM_USER, L"A0"}, {FORM_BUILTIN, L"A1"}},
-         {{L"A0", 1, -1, kOurs}, {L"A1", 2, -1, kOurs | 1}, {L"A0", 3, -1, kAppended}, {L"A1", 4, -1, kAppended}, {kLongA0, 5, -1, kAppended}, {kLongA1, 6, -1, kAppended}}},
+         {{L"A0", 1, -1, kOurs},
+          {L"A1", 2, -1, kOurs | 1},
+          {L"A0", 3, -1, kAppended},
+          {L"A1", 4, -1, kAppended},
+          {kLongA0, 5, -1, kAppended},
+          {kLongA1, 6, -1, kAppended}}},
         {"high bits replaced",
          {{0xC0000001, L"Bits"}, {0x40000002, L"A0"}},
-         {{L"Bits", 1, -1, kOurs | 1}, {L"A0", 2, 20256, kOurs | 2}, {L"A1", 3, -1, kAppended}, {kLongA0, 4, -1, kAppended}, {kLongA1, 5, -1, kAppended}}},
+         {{L"Bits", 1, -1, kOurs | 1},
+          {L"A0", 2, 20256, kOurs | 2},
+          {L"A1", 3, -1, kAppended},
+          {kLongA0, 4, -1, kAppended},
+          {kLongA1, 5, -1, kAppended}}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
@@ -75,8 +107,11 @@ TEST(Forms, FourLargePapersAreAlwaysOffered) {
             EXPECT_EQ(record.size.cx, is_large ? is_a0 ? 841000 : 594000 : 100000);
             EXPECT_EQ(record.size.cy, is_large ? is_a0 ? 1189000 : 841000 : 200000);
             EXPECT_EQ(record.imageable_area.right, record.size.cx);
-            const wchar_t* kind = record.flags & 1 ? L"FORM_BUILTIN " : record.flags & 2 ? L"FORM_PRINTER" : L"";
-            EXPECT_TRUE(trace.holds(qk::format(L"%sj:dm=%d, f.name=%s", kind, int{record.paper_number}, record.name.c_str())));
+            const wchar_t* kind = record.flags & 1   ? L"FORM_BUILTIN "
+                                  : record.flags & 2 ? L"FORM_PRINTER"
+                                                     : L"";
+            EXPECT_TRUE(trace.holds(
+                qk::format(L"%sj:dm=%d, f.name=%s", kind, int{record.paper_number}, record.name.c_str())));
         }
         EXPECT_TRUE(trace.holds(qk::format(L"Count=%d", static_cast<int>(row.forms.size()))));
     }
@@ -113,7 +148,16 @@ TEST(Forms, SpoolersOwnListIsRead) {
 TEST(Forms, LengthsAreRoundedToTenths) {
     struct {
         int32_t thousandths, tenths;
-    } const rows[] = {{0, 0}, {49, 0}, {50, 1}, {149, 1}, {150, 2}, {297000, 2970}, {-49, 0}, {-50, 0}, {-149, 0}, {-150, -1},
+    } const rows[] = {{0, 0},
+                      {49, 0},
+                      {50, 1},
+                      {149, 1},
+                      {150, 2},
+                      {297000, 2970},
+                      {-49, 0},
+                      {-50, 0},
+                      {-149, 0},
+                      {-150, -1},
                       {std::numeric_limits<int32_t>::max(), 21474836}};
     for (const auto& row : rows)
         EXPECT_EQ(tenths_of_mm(row.thousandths), row.tenths) << row.thousandths;

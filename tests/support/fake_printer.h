@@ -1,5 +1,5 @@
-// A printer below the spooler's calls: it has the forms, the DEVMODE and the data that a test gives it, which the
-// spooler of a test machine cannot be brought to hold. One at a time; its calls may come from any thread.
+// A printer below the spooler's calls: it has the forms, the DEVMODE and the data that a test gives it, which
+// the spooler of a test machine cannot be brought to hold. One at a time; its calls may come from any thread.
 #pragma once
 
 #include <windows.h>
@@ -39,9 +39,9 @@ public:
 
     std::wstring name = L"Vantrix 8";
     std::vector<Form> forms = standard_forms();
-    std::vector<std::byte> devmode;      // the printer's own; none when empty
-    int failing_forms_call = 0;          // 1: the size query succeeds oddly, 2: the second call fails
-    std::atomic<DWORD> grows_by = 0;     // PRINTER_INFO_2W is larger at the second call
+    std::vector<std::byte> devmode;   // the printer's own; none when empty
+    int failing_forms_call = 0;       // 1: the size query succeeds oddly, 2: the second call fails
+    std::atomic<DWORD> grows_by = 0;  // PRINTER_INFO_2W is larger at the second call
     std::atomic<int> forms_calls = 0;
     std::atomic<int> open_handles = 0;
     DWORD open_access = 0;
@@ -80,7 +80,8 @@ private:
             return fail(ERROR_INVALID_HANDLE);
         const size_t record = level == 4 ? sizeof(PRINTER_INFO_4W) : sizeof(PRINTER_INFO_2W);
         const size_t name_bytes = (self_->name.size() + 1) * sizeof(wchar_t);
-        *needed = static_cast<DWORD>(record + name_bytes + self_->devmode.size()) + (buffer ? self_->grows_by.load() : 0);
+        *needed = static_cast<DWORD>(record + name_bytes + self_->devmode.size()) +
+                  (buffer ? self_->grows_by.load() : 0);
         if (!buffer || (size < *needed && self_->grows_by == 0))
             return fail(ERROR_INSUFFICIENT_BUFFER);
         std::memset(buffer, 0, record);

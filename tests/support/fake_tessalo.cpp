@@ -19,20 +19,23 @@ void check_lent(const qk::MsWString& text, bool may_hold_text, const char* name)
     expect(text.capacity > qk::MsWString::kInPlace && text.address, name);
     expect(text.length <= text.capacity && (may_hold_text || text.length == 0), name);
     if (text.address)
-        std::fill(text.address + text.length + 1, text.address + text.capacity + 1, L'\0');  // all of it is ours
+        std::fill(text.address + text.length + 1, text.address + text.capacity + 1,
+                  L'\0');  // all of it is ours
 }
 
 void check(const WorkingRecord& record) {
     expect(record.hand_over == 0, "hand-over flag not clear");
-    expect(std::all_of(std::begin(record.padding), std::end(record.padding), [](uint8_t byte) { return !byte; }),
-           "padding not clear");
+    expect(
+        std::all_of(std::begin(record.padding), std::end(record.padding), [](uint8_t byte) { return !byte; }),
+        "padding not clear");
     const auto& title = record.title;
     const wchar_t* text = title.capacity > qk::MsWString::kInPlace ? title.address : title.text;
     expect(title.length <= title.capacity && text && text[title.length] == L'\0', "title not terminated");
     check_lent(record.output_path, script.expects_start_folder, "path buffer");
     check_lent(record.third_text, false, "third text's buffer");
     expect(record.settings != nullptr, "no settings");
-    expect(record.first_value == 0 && record.second_value == 0 && record.third_value == 0, "values not clear");
+    expect(record.first_value == 0 && record.second_value == 0 && record.third_value == 0,
+           "values not clear");
     expect((record.external_record != 0) == script.expects_start_folder, "external-call record");
 }
 
@@ -40,15 +43,19 @@ void check(const WorkingRecord& record) {
 
 extern "C" {
 
-__declspec(dllexport) FakeTessaloScript* Script() { return &script; }
+__declspec(dllexport) FakeTessaloScript* Script() {
+    return &script;
+}
 
-__declspec(dllexport) int WINAPI GetSettingFN(wchar_t* buffer, int capacity, const wchar_t* printer, void* scratch) {
+__declspec(dllexport) int WINAPI
+    GetSettingFN(wchar_t* buffer, int capacity, const wchar_t* printer, void* scratch) {
     InterlockedIncrement(&script.setting_calls);
     const auto* bytes = static_cast<const char*>(scratch);
     expect(buffer && capacity == 512 && *buffer == L'\0', "setting buffer");
     expect(printer && *printer, "setting printer");
-    expect(bytes && std::all_of(bytes, bytes + dialog_library::kScratchBytes, [](char byte) { return !byte; }),
-           "scratch");
+    expect(
+        bytes && std::all_of(bytes, bytes + dialog_library::kScratchBytes, [](char byte) { return !byte; }),
+        "scratch");
     std::copy(std::begin(script.setting), std::end(script.setting), buffer);
     return script.setting_result;
 }

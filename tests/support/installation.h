@@ -1,5 +1,5 @@
-// An installation of the product in a temporary folder, and what a test takes of the world around it: the registry,
-// the user's and the common folders, the printer, message boxes, posted messages.
+// An installation of the product in a temporary folder, and what a test takes of the world around it: the
+// registry, the user's and the common folders, the printer, message boxes, posted messages.
 #pragma once
 
 #include <windows.h>
@@ -10,6 +10,7 @@
 
 #include "common/handle.h"
 #include "common/paths.h"
+#include "common/text.h"
 #include "support/fake_printer.h"
 #include "support/import_patch.h"
 #include "support/registry_override.h"
@@ -54,8 +55,8 @@ private:
         posted.push_back({window, message, wparam, lparam});
         return TRUE;
     }
-    static BOOL WINAPI on_event(HANDLE, WORD type, WORD category, DWORD id, PSID, WORD texts, DWORD, const wchar_t** text,
-                                void*) {
+    static BOOL WINAPI on_event(HANDLE, WORD type, WORD category, DWORD id, PSID, WORD texts, DWORD,
+                                const wchar_t** text, void*) {
         const std::scoped_lock lock(mutex_);
         if (type == EVENTLOG_ERROR_TYPE && category == 1 && id == 0 && texts == 1)
             events.push_back(*text);
@@ -69,13 +70,22 @@ private:
 struct Installation {
     static constexpr wchar_t kKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0";
 
-    Installation() {
-        for (const wchar_t* sub : {L"Settings\\legacy", L"CustomSettings", L"Dunmere\\Vantrix2", L"Roaming", L"out"})
+    Installation()
+        : user_name("GetUserNameW", reinterpret_cast<void*>(+[](wchar_t* buffer, DWORD* units) -> BOOL {
+                        // One for each test program: shared lists are named by the user.
+                        qk::copy_zero_padded(buffer, *units,
+                                             L"tester " + std::to_wstring(GetCurrentProcessId()));
+                        *units = static_cast<DWORD>(wcslen(buffer)) + 1;
+                        return TRUE;
+                    })) {
+        for (const wchar_t* sub :
+             {L"Settings\\legacy", L"CustomSettings", L"Dunmere\\Vantrix2", L"Roaming", L"out"})
             ForceDirectories(folder.file(sub));
         machine.set_text(kKey, L"PdfDllPath", folder.path() + L"\\");
-        machine.set_text(L"SOFTWARE\\Dunmere\\Common\\SpecialFolder", L"CSIDL_COMMON_DOCUMENTS", folder.path() + L"\\");
-        user.set_text(L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders", L"AppData",
-                      folder.file(L"Roaming"));
+        machine.set_text(L"SOFTWARE\\Dunmere\\Common\\SpecialFolder", L"CSIDL_COMMON_DOCUMENTS",
+                         folder.path() + L"\\");
+        user.set_text(L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders",
+                      L"AppData", folder.file(L"Roaming"));
     }
 
     void set_number(HKEY hive, const std::wstring& subkey, const wchar_t* value, DWORD number) const {
@@ -100,4 +110,5 @@ struct Installation {
     TempFolder folder;
     FakePrinter printer;
     Outbox outbox;
+    ImportPatch user_name;
 };

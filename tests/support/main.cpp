@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "common/resource_dll.h"
+
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    qk::finalize_resource_library(false);  // what the module does as it is unloaded
+    return result;
 }

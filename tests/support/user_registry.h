@@ -1,5 +1,5 @@
-// The current user's hive, replaced by an empty key of the test's own. Where both are replaced, make the machine's
-// first.
+// The current user's hive, replaced by an empty key of the test's own. Where both are replaced, make the
+// machine's first.
 #pragma once
 
 #include <windows.h>
@@ -30,7 +30,8 @@ public:
     UserRegistry(const UserRegistry&) = delete;
     UserRegistry& operator=(const UserRegistry&) = delete;
 
-    void set(const std::wstring& path, const std::wstring& value, DWORD type, const void* data, size_t bytes) const {
+    void set(const std::wstring& path, const std::wstring& value, DWORD type, const void* data,
+             size_t bytes) const {
         set_below(HKEY_CURRENT_USER, path, value, type, data, bytes);
     }
     void set_text(const std::wstring& path, const std::wstring& value, const std::wstring& text) const {
@@ -39,13 +40,16 @@ public:
     static void set_below(HKEY hive, const std::wstring& path, const std::wstring& value, DWORD type,
                           const void* data, size_t bytes) {
         HKEY key = nullptr;
-        RegCreateKeyExW(hive, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-        RegSetValueExW(key, value.c_str(), 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(bytes));
+        RegCreateKeyExW(hive, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
+                        &key, nullptr);
+        RegSetValueExW(key, value.c_str(), 0, type, static_cast<const BYTE*>(data),
+                       static_cast<DWORD>(bytes));
         RegCloseKey(key);
     }
 
     // The bytes of a value as they stand there, nothing when it is missing.
-    [[nodiscard]] static std::optional<std::vector<BYTE>> find(const std::wstring& path, const std::wstring& value) {
+    [[nodiscard]] static std::optional<std::vector<BYTE>> find(const std::wstring& path,
+                                                               const std::wstring& value) {
         std::vector<BYTE> bytes(4096);
         auto size = static_cast<DWORD>(bytes.size());
         if (RegGetValueW(HKEY_CURRENT_USER, path.c_str(), value.c_str(), RRF_RT_ANY | RRF_NOEXPAND, nullptr,

@@ -1,0 +1,2 @@
+target_sources(zr_tests PRIVATE
+    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_module.cpp)

@@ -1,0 +1,125 @@
+// The host program as people run it: the real spooler, GDI, module, dialog library and renderer.
+#include <gtest/gtest.h>
+
+#include <picojson.h>
+
+#include "common/handle.h"
+#include "common/paths.h"
+#include "print_settings/PrintSettings.h"
+#include "support/installation.h"
+
+namespace {
+
+class HostProcess : public testing::Test {
+protected:
+    HostProcess() {
+        EXPECT_EQ(run(L"install --notify-channels 8"), 0);
+        text_ = folder_.write(L"text.txt", "Some words.\n\fMore words.\n\fThe end.\n");
+    }
+
+    // Runs the program with --json; what it reports is in `report_`.
+    int run(const std::wstring& words) {
+        const std::wstring output = folder_.file(L"report.json");
+        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+        qk::FileObj stream(
+            CreateFileW(output.c_str(), GENERIC_WRITE, kShareAll, &inherited, CREATE_ALWAYS, 0, nullptr));
+        STARTUPINFOW startup = {sizeof startup};
+        startup.dwFlags = STARTF_USESTDHANDLES;
+        startup.hStdOutput = stream.get();
+        startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+        PROCESS_INFORMATION made = {};
+        std::wstring line = L"zr_print " + words + L" --json";
+        if (!CreateProcessW(Installation::built(L"zr_print.exe").c_str(), line.data(), nullptr, nullptr, TRUE,
+                            0, nullptr, nullptr, &startup, &made))
+            return -1;
+        const qk::HandleObj process(made.hProcess);
+        const qk::HandleObj thread(made.hThread);
+        DWORD code = STILL_ACTIVE;
+        WaitForSingleObject(process.get(), 120'000);
+        GetExitCodeProcess(process.get(), &code);
+        stream.reset();
+        EXPECT_EQ(picojson::parse(report_, TempFolder::read(output)), "");
+        return static_cast<int>(code);
+    }
+
+    int print(const std::wstring& more) { return run(L"print \"" + text_ + L"\" " + more); }
+
+    [[nodiscard]] std::string text(const char* key) const { return report_.get(key).to_str(); }
+    [[nodiscard]] double number(const char* key) const { return report_.get(key).get<double>(); }
+    [[nodiscard]] std::vector<int> sent_events() const {
+        std::vector<int> numbers;
+        for (const picojson::value& event : report_.get("events").get<picojson::array>())
+            if (event.get("sent").get<bool>())
+                numbers.push_back(static_cast<int>(event.get("event").get<double>()));
+        return numbers;
+    }
+
+    static constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+    const TempFolder folder_;
+    std::wstring text_;
+    picojson::value report_;
+};
+
+TEST_F(HostProcess, TextBecomesAPdf) {
+    const std::wstring pdf = folder_.file(L"\u65e5\u672c.pdf");
+    ASSERT_EQ(print(L"--title \"R\u00e9sum\u00e9 1/2\" --output \"" + pdf + L"\""), 0) << text("fault");
+    EXPECT_EQ(text("outcome"), "printed");
+    EXPECT_EQ(number("pages"), 3);
+    EXPECT_EQ(sent_events(), (std::vector<int>{14, 1, 2, 5, 13, 6, 7, 6, 7, 6, 7, 8, 12, 10}));
+    EXPECT_EQ(report_.get("start_record").get("title").to_str(), "R\xC3\xA9sum\xC3\xA9 1/2");
+    EXPECT_EQ(report_.get("result_record").get("error_code").get<double>(), 0);
+    EXPECT_EQ(text("pdf"), qk::to_utf8(pdf));
+    const std::string bytes = TempFolder::read(pdf);
+    EXPECT_TRUE(bytes.starts_with("%PDF-")) << bytes.substr(0, 20);
+    EXPECT_NE(bytes.find("/Count 3"), std::string::npos);
+    EXPECT_FALSE(qk::is_file(folder_.file(L"text.txt.pdf")));
+}
+
+TEST_F(HostProcess, AbortedJobLeavesNothing) {
+    EXPECT_EQ(print(L"--abort-after-page 2 --output \"" + folder_.file(L"out") + L"\""), 0);
+    EXPECT_EQ(text("outcome"), "aborted");
+    EXPECT_EQ(number("printed_pages"), 2);
+    EXPECT_EQ(sent_events(), (std::vector<int>{14, 1, 2, 5, 13, 6, 7, 6, 7, 9, 10}));
+    EXPECT_TRUE(RemoveDirectoryW(folder_.file(L"out").c_str())) << "no file is left in the folder";
+}
+
+TEST_F(HostProcess, RefusedJobSaysWhy) {
+    Corvanta::Vantrix::PrintSettings::PrintSettings settings;
+    settings.pdfVersion()->Version = 6;  // needs a colour profile
+    settings.pdfVersion()->ICCFileName = L"there is no such profile";
+    const std::wstring setting = folder_.file(L"setting.ps4");
+    ASSERT_TRUE(settings.Save(setting));
+    EXPECT_EQ(print(L"--output \"" + folder_.file(L"x.pdf") + L"\" --setting \"" + setting + L"\""), 1);
+    EXPECT_EQ(text("outcome"), "refused");
+    EXPECT_EQ(number("last_error"), 0);
+    EXPECT_EQ(sent_events(), (std::vector<int>{14, 1, 2, 5, 10}));
+    EXPECT_NE(text("fault").find("log file"), std::string::npos) << text("fault");
+    EXPECT_TRUE(report_.get("start_record").is<picojson::null>());
+    EXPECT_FALSE(qk::is_file(folder_.file(L"x.pdf")));
+    ASSERT_EQ(print(L"--output \"" + folder_.file(L"x.pdf") + L"\""), 0) << "the choice ended with its job";
+}
+
+TEST_F(HostProcess, EmptyFileIsOnePage) {
+    text_ = folder_.write(L"empty.txt", "");
+    ASSERT_EQ(print(L"--output \"" + folder_.file(L"x.pdf") + L"\""), 0) << text("fault");
+    EXPECT_EQ(number("pages"), 1);
+    EXPECT_EQ(report_.get("notes").get<picojson::array>().size(), 1u);
+    text_ = folder_.file(L"missing.txt");
+    EXPECT_EQ(print(L"--output \"" + folder_.file(L"x.pdf") + L"\""), 2);
+    EXPECT_EQ(number("exit_code"), 2);
+}
+
+TEST_F(HostProcess, ThreadsDoNotMeet) {
+    EXPECT_EQ(run(L"print --threads 8 --jobs 10"), 0);
+    EXPECT_EQ(number("right_records"), 80);
+    EXPECT_EQ(number("handles_after"), number("handles_before"));
+}
+
+TEST_F(HostProcess, InstallationIsWhole) {
+    EXPECT_EQ(run(L"status"), 0);
+    EXPECT_TRUE(report_.get("good").get<bool>());
+    EXPECT_EQ(run(L"install --from \"" + folder_.path() + L"\""), 3) << "an empty folder";
+}
+
+}  // namespace
