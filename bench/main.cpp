@@ -28,9 +28,9 @@
 
 namespace {
 
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
 using bench::compare;
 using bench::report;
+using Corvanta::Vantrix::PrintSettings::PrintSettings;
 
 volatile DWORD bare_level = 0;
 volatile int sink = 0;
@@ -144,7 +144,8 @@ bool bench_devmode(const std::wstring& name) {
         101, 20,
         [&] {
             DriverDevmode out = {};
-            sink = DrvDocumentProperties(nullptr, printer.get(), printer_name.data(), &out.dm, nullptr, DM_COPY);
+            sink =
+                DrvDocumentProperties(nullptr, printer.get(), printer_name.data(), &out.dm, nullptr, DM_COPY);
         },
         [&] { ask_spooler(printer.get()); });
     return report("direct DEVMODE query", "GetPrinterW twice and EnumFormsW twice", pair, 1.2);
@@ -163,8 +164,8 @@ bool bench_job(const TempFolder& folder, const MachineRegistry& machine) {
     const auto pair = compare(
         51, 5,
         [&] {
-            sink = internal_DrvDocumentEvent(nullptr, nullptr, DOCUMENTEVENT_STARTDOCPRE, sizeof document, &document,
-                                             0, nullptr);
+            sink = internal_DrvDocumentEvent(nullptr, nullptr, DOCUMENTEVENT_STARTDOCPRE, sizeof document,
+                                             &document, 0, nullptr);
             if (sink != DOCUMENTEVENT_SUCCESS)
                 std::abort();
             internal_DrvDocumentEvent(nullptr, nullptr, DOCUMENTEVENT_ENDDOCPOST, 0, nullptr, 0, nullptr);
@@ -218,19 +219,21 @@ bool bench_forms() {
         per_form[index++] = pair.cost / count;
     }
     const double growth = per_form[2] / per_form[0];
-    std::printf("%-44s x%.2f per form from 100 to 10,000 forms (linear: about 1)\n", "growth of ZRTK_EnumForms",
-                growth);
+    std::printf("%-44s x%.2f per form from 100 to 10,000 forms (linear: about 1)\n",
+                "growth of ZRTK_EnumForms", growth);
     return growth < 2.0;
 }
 
 // Memory that belongs to this process alone: private regions and pages of images that can be written.
 size_t private_bytes() {
-    constexpr DWORD kWritable = PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+    constexpr DWORD kWritable =
+        PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
     size_t bytes = 0;
     MEMORY_BASIC_INFORMATION region = {};
     for (const BYTE* at = nullptr; VirtualQuery(at, &region, sizeof region) == sizeof region;
          at = static_cast<const BYTE*>(region.BaseAddress) + region.RegionSize) {
-        const bool own = region.Type == MEM_PRIVATE || (region.Type == MEM_IMAGE && (region.Protect & kWritable));
+        const bool own =
+            region.Type == MEM_PRIVATE || (region.Type == MEM_IMAGE && (region.Protect & kWritable));
         if (region.State == MEM_COMMIT && own)
             bytes += region.RegionSize;
     }
@@ -267,8 +270,8 @@ std::string run_self(const wchar_t* argument) {
     startup.hStdOutput = write;
     PROCESS_INFORMATION process = {};
     std::wstring command = L"\"" + qk::module_path(nullptr) + L"\" " + argument;
-    const BOOL started =
-        CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process);
+    const BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                                        &startup, &process);
     qk::HandleObj(write).reset();
     if (!started)
         return {};
@@ -293,14 +296,16 @@ bool bench_load() {
         first.push_back(cold);
         again.push_back(warm);
     }
-    std::printf("%-44s %12.1f us  (the very first in this run: %.1f us)\n", "load the module into a new process",
-                bench::median(first), first.front());
+    std::printf("%-44s %12.1f us  (the very first in this run: %.1f us)\n",
+                "load the module into a new process", bench::median(first), first.front());
     std::printf("%-44s %12.1f us\n", "load and free it again in that process", bench::median(again));
     std::printf("%-44s %12llu KiB\n", "private memory added to the host", private_kib);
     WIN32_FILE_ATTRIBUTE_DATA file = {};
-    GetFileAttributesExW((program_folder() + L"..\\stage\\ZR_UI80.dll").c_str(), GetFileExInfoStandard, &file);
+    GetFileAttributesExW((program_folder() + L"..\\stage\\ZR_UI80.dll").c_str(), GetFileExInfoStandard,
+                         &file);
     std::printf("%-44s %12lu bytes  limit 1048576 %s\n", "size of ZR_UI80.dll",
-                static_cast<unsigned long>(file.nFileSizeLow), file.nFileSizeLow < 1048576 ? "ok" : "TOO LARGE");
+                static_cast<unsigned long>(file.nFileSizeLow),
+                file.nFileSizeLow < 1048576 ? "ok" : "TOO LARGE");
     return file.nFileSizeLow < 1048576;
 }
 
@@ -319,6 +324,7 @@ int wmain(int argc, wchar_t** argv) {
         good &= bench_job(folder, machine);
     }
     good &= bench_forms();
-    std::printf("%s\n", good ? "bench: all within their limits" : "bench: something is too slow or not measured");
+    std::printf("%s\n",
+                good ? "bench: all within their limits" : "bench: something is too slow or not measured");
     return good ? 0 : 1;
 }

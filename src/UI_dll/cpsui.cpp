@@ -27,7 +27,9 @@ struct PropertyPage {
 };
 static_assert(sizeof(PROPSHEETPAGEW) == 96 && sizeof(PropertyPage) == 104);
 
-wchar_t* resource(UINT id) noexcept { return MAKEINTRESOURCEW(id); }
+wchar_t* resource(UINT id) noexcept {
+    return MAKEINTRESOURCEW(id);
+}
 
 LONG_PTR add(const PROPSHEETUI_INFO& info, UINT function, const void* what) {
     return info.pfnComPropSheet(info.hComPropSheet, function, reinterpret_cast<LPARAM>(what), 0);
@@ -83,7 +85,8 @@ LONG fill_header(PROPSHEETUI_INFO_HEADER* header, const PrinterInformation& info
     return 1;
 }
 
-LONG take_result(PROPSHEETUI_INFO& info, const SETRESULT_INFO* result, const PrinterInformation& information) {
+LONG take_result(PROPSHEETUI_INFO& info, const SETRESULT_INFO* result,
+                 const PrinterInformation& information) {
     if (!qk::is_readable(result, sizeof *result))
         return kFailure;
     TRACE_F(L"pPI->hCPSUI=%llu", static_cast<unsigned long long>(information.added));
@@ -95,7 +98,9 @@ LONG take_result(PROPSHEETUI_INFO& info, const SETRESULT_INFO* result, const Pri
     return 1;
 }
 
-INT_PTR CALLBACK option_page_proc(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
+INT_PTR CALLBACK option_page_proc(HWND, UINT, WPARAM, LPARAM) {
+    return FALSE;
+}
 
 }  // namespace
 
@@ -121,7 +126,8 @@ bool only_settings_page() {
     const bool restricted =
         Corvanta::Vantrix::Administrator::load_restriction(restriction) && restriction.NoSettingTabs;
     // Unlike other values, the machine's replaces the user's.
-    const auto user = qk::registry::find_number(qk::registry::CurrentUser().get(), qk::registry::kSpecial, kValue);
+    const auto user =
+        qk::registry::find_number(qk::registry::CurrentUser().get(), qk::registry::kSpecial, kValue);
     const auto machine = qk::registry::find_number(HKEY_LOCAL_MACHINE, qk::registry::kSpecial, kValue);
     if (!restricted && machine.value_or(user.value_or(0)) == 0)
         return false;
@@ -164,4 +170,6 @@ LONG DefCommonUIFunc(PROPSHEETUI_INFO& info, LPARAM parameter, PrinterInformatio
 
 }  // namespace cpsui
 
-LONG APIENTRY NSETCallBack(CPSUICBPARAM* /*parameter*/) noexcept { return CPSUICB_ACTION_NONE; }
+LONG APIENTRY NSETCallBack(CPSUICBPARAM* /*parameter*/) noexcept {
+    return CPSUICB_ACTION_NONE;
+}

@@ -17,7 +17,8 @@ struct DocumentPropertyHeader {  // DOCUMENTPROPERTYHEADER
     DWORD fMode;
 };
 static_assert(sizeof(DocumentPropertyHeader) == 48);
-static_assert(offsetof(DocumentPropertyHeader, hPrinter) == 8 && offsetof(DocumentPropertyHeader, pdmOut) == 32);
+static_assert(offsetof(DocumentPropertyHeader, hPrinter) == 8 &&
+              offsetof(DocumentPropertyHeader, pdmOut) == 32);
 static_assert(offsetof(DocumentPropertyHeader, fMode) == 44);
 
 struct DevicePropertyHeader {  // DEVICEPROPERTYHEADER
@@ -35,8 +36,8 @@ inline constexpr DWORD kNoPermission = 32;  // DM_NOPERMISSION, in a header's mo
 extern "C" {
 
 LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* info, LPARAM parameter) noexcept;
-LONG WINAPI DrvDocumentProperties(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* output, DEVMODEW* input,
-                                  DWORD mode) noexcept;
+LONG WINAPI DrvDocumentProperties(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* output,
+                                  DEVMODEW* input, DWORD mode) noexcept;
 LONG WINAPI DrvAdvancedDocumentProperties(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* output,
                                           DEVMODEW* input) noexcept;
 BOOL WINAPI DrvConvertDevMode(LPWSTR printer, DEVMODEW* source, DEVMODEW* target, DWORD* needed,

@@ -17,7 +17,7 @@ namespace devcaps {
 
 namespace {
 
-constexpr DWORD kNameUnits = 64;         // a paper's name
+constexpr DWORD kNameUnits = 64;  // a paper's name
 constexpr DWORD kBinNameUnits = 24;
 constexpr DWORD kPersonalityUnits = 32;
 constexpr std::array<LONG, 10> kResolutions = {72, 96, 144, 300, 360, 600, 720, 1200, 2400, 3600};
@@ -36,13 +36,20 @@ constexpr DWORD extent(POINTS size) noexcept {
 }
 
 constexpr Constant kConstants[] = {
-    {DC_MINEXTENT, extent(kSmallest)}, {DC_MAXEXTENT, extent(kLargest)},
-    {DC_DUPLEX, 0},                    {DC_TRUETYPE, DCTT_DOWNLOAD},
-    {DC_ORIENTATION, 90},              {DC_COPIES, 1},
-    {DC_COLLATE, 0},                   {DC_PRINTRATE, 100},
-    {DC_PRINTRATEUNIT, PRINTRATEUNIT_PPM}, {DC_PRINTERMEM, 0x40000},
-    {DC_STAPLE, 0},                    {DC_PRINTRATEPPM, 100},
-    {DC_COLORDEVICE, 1},               {DC_NUP, 0},
+    {DC_MINEXTENT, extent(kSmallest)},
+    {DC_MAXEXTENT, extent(kLargest)},
+    {DC_DUPLEX, 0},
+    {DC_TRUETYPE, DCTT_DOWNLOAD},
+    {DC_ORIENTATION, 90},
+    {DC_COPIES, 1},
+    {DC_COLLATE, 0},
+    {DC_PRINTRATE, 100},
+    {DC_PRINTRATEUNIT, PRINTRATEUNIT_PPM},
+    {DC_PRINTERMEM, 0x40000},
+    {DC_STAPLE, 0},
+    {DC_PRINTRATEPPM, 100},
+    {DC_COLORDEVICE, 1},
+    {DC_NUP, 0},
 };
 
 // A caller's buffer, of which nobody says how large it is.
@@ -96,7 +103,7 @@ public:
     }
 
     [[nodiscard]] static size_t entry_bytes(WORD index) noexcept {
-        return index == DC_PAPERS ? sizeof(uint16_t)
+        return index == DC_PAPERS      ? sizeof(uint16_t)
                : index == DC_PAPERSIZE ? sizeof(POINT)
                                        : kNameUnits * sizeof(wchar_t);
     }

@@ -11,13 +11,15 @@ inline constexpr WORD kSplMediaReady = 65534;
 
 inline constexpr DWORD kFailed = static_cast<DWORD>(-1);
 
-// DrvDeviceCapabilities: a value or a count; kFailed when the papers cannot be listed or the buffer cannot take
-// what the index writes; 0 for what is not supported. `output` may be null, which only counts. A null printer
-// is opened by its device name for the call. Names stand in slots of fixed width, zero behind the text.
-[[nodiscard]] DWORD capability(HANDLE printer, LPWSTR device, WORD index, void* output, const DEVMODEW* devmode);
+// DrvDeviceCapabilities: a value or a count; kFailed when the papers cannot be listed or the buffer cannot
+// take what the index writes; 0 for what is not supported. `output` may be null, which only counts. A null
+// printer is opened by its device name for the call. Names stand in slots of fixed width, zero behind the
+// text.
+[[nodiscard]] DWORD capability(HANDLE printer, LPWSTR device, WORD index, void* output,
+                               const DEVMODEW* devmode);
 
 // DrvSplDeviceCaps: the same for paper names and media ready only, with the buffer's size in units.
-[[nodiscard]] DWORD spooler_capability(HANDLE printer, LPWSTR device, WORD index, void* output, DWORD output_units,
-                                       const DEVMODEW* devmode);
+[[nodiscard]] DWORD spooler_capability(HANDLE printer, LPWSTR device, WORD index, void* output,
+                                       DWORD output_units, const DEVMODEW* devmode);
 
 }  // namespace devcaps

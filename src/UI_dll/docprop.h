@@ -7,8 +7,8 @@
 
 namespace docprop {
 
-// Answers a query without sheet: the DEVMODE size, 1, or -1 with the last error (13: the printer's information
-// cannot be built, 87: a header or DEVMODE that is not usable).
+// Answers a query without sheet: the DEVMODE size, 1, or -1 with the last error (13: the printer's
+// information cannot be built, 87: a header or DEVMODE that is not usable).
 [[nodiscard]] LONG answer_query(DocumentPropertyHeader* header);
 
 // Answers a reason of the sheet's life (PROPSHEETUI_REASON_*): 1 or 0, or -1.

@@ -59,8 +59,8 @@ LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* info, LPARAM parameter) 
     });
 }
 
-LONG WINAPI DrvDocumentProperties(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* output, DEVMODEW* input,
-                                  DWORD mode) noexcept {
+LONG WINAPI DrvDocumentProperties(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* output,
+                                  DEVMODEW* input, DWORD mode) noexcept {
     qk::trace::read_level();
     TRACE_SCOPE("DrvDocumentProperties");
     return ui::guarded<LONG>(
@@ -118,7 +118,8 @@ BOOL WINAPI PrinterProperties(HWND window, HANDLE printer) {
 
 LONG WINAPI DrvDevicePropertySheets(PROPSHEETUI_INFO* info, LPARAM parameter) noexcept {
     TRACE("DrvDevicePropertySheets");
-    return ui::guarded<LONG>(kFailure, [&] { return info ? ptrprop::answer_sheet(*info, parameter) : kFailure; });
+    return ui::guarded<LONG>(kFailure,
+                             [&] { return info ? ptrprop::answer_sheet(*info, parameter) : kFailure; });
 }
 
 BOOL WINAPI DevQueryPrintEx(DevQueryPrintInfo* info) noexcept {

@@ -72,8 +72,8 @@ void set_up(PrinterInformation& information, const OptionDescriptor& descriptor,
 }  // namespace
 
 size_t parameter_count(BYTE type, WORD own_count) noexcept {
-    // By option type: two and three states, up-down arrow, track bar, scroll bar, list and combo box (their own
-    // count), edit box, push button, check box.
+    // By option type: two and three states, up-down arrow, track bar, scroll bar, list and combo box (their
+    // own count), edit box, push button, check box.
     constexpr size_t kOwn = 0;
     constexpr std::array<size_t, 10> kCounts = {2, 3, 2, 3, 3, kOwn, kOwn, 2, 1, 1};
     if (type >= kCounts.size())

@@ -18,18 +18,18 @@ static_assert(sizeof(DLGPAGE) == 40 && sizeof(COMPROPSHEETUI) == 128 && sizeof(O
 // What an option item is made from.
 struct OptionDescriptor {
     // Bits of `build`.
-    static constexpr uint32_t kExtended = 1;       // an extended item record goes with it
-    static constexpr uint32_t kDataCountsUp = 2;   // a parameter's data is the first one's plus its index
-    static constexpr uint32_t kIconsCountUp = 4;   // likewise its icon
-    static constexpr uint32_t kDataAdvances = 8;   // each parameter takes the next of the given texts
+    static constexpr uint32_t kExtended = 1;      // an extended item record goes with it
+    static constexpr uint32_t kDataCountsUp = 2;  // a parameter's data is the first one's plus its index
+    static constexpr uint32_t kIconsCountUp = 4;  // likewise its icon
+    static constexpr uint32_t kDataAdvances = 8;  // each parameter takes the next of the given texts
 
-    DWORD flags;      // OPTIF_*
-    BYTE level;       // depth in the tree
-    BYTE public_id;   // DMPUB_*, or one of our own from 101 on
-    UINT name_id;     // string of the language library
-    BYTE type;        // TVOT_*
-    WORD count;       // parameters of a list or combo box; the other types have their own number
-    WORD style;       // OTS_*
+    DWORD flags;     // OPTIF_*
+    BYTE level;      // depth in the tree
+    BYTE public_id;  // DMPUB_*, or one of our own from 101 on
+    UINT name_id;    // string of the language library
+    BYTE type;       // TVOT_*
+    WORD count;      // parameters of a list or combo box; the other types have their own number
+    WORD style;      // OTS_*
     UINT icon_id;
     uint32_t build;
 };
@@ -55,13 +55,14 @@ private:
 };
 
 // Fills `item` from a descriptor and the parameters' texts. `information` is what a push button gets added to
-// its first parameter's value. False, with `item` alone, for a descriptor that makes no item or without memory.
+// its first parameter's value. False, with `item` alone, for a descriptor that makes no item or without
+// memory.
 [[nodiscard]] bool CreateOPTTYPE(const OptionDescriptor& descriptor, std::vector<std::wstring> texts,
                                  ULONG_PTR information, OptionItem& item);
 
 struct PrinterInformation;
 
-// The one item of the document sheet (the setting in force) and of the printer sheet (the module's version). An
-// item that cannot be made is left out; the sheet opens without it. The document's also settles the title.
+// The one item of the document sheet (the setting in force) and of the printer sheet (the module's version).
+// An item that cannot be made is left out; the sheet opens without it. The document's also settles the title.
 void SetupDPOptItems(PrinterInformation& information);
 void SetupPPOptItems(PrinterInformation& information);

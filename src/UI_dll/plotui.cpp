@@ -79,6 +79,8 @@ void detach_process(bool process_ends) noexcept {
     }
 }
 
-HMODULE resource_module() noexcept { return resources; }
+HMODULE resource_module() noexcept {
+    return resources;
+}
 
 }  // namespace plotui

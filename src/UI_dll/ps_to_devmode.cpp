@@ -17,7 +17,9 @@ using Settings = Corvanta::Vantrix::PrintSettings::PrintSettings;
 constexpr int kCustomPaper = 1;
 constexpr int kLandscape = 1;
 
-short tenths(float millimetres) noexcept { return static_cast<short>(std::lround(millimetres * 10)); }
+short tenths(float millimetres) noexcept {
+    return static_cast<short>(std::lround(millimetres * 10));
+}
 
 void set_form_name(DEVMODEW& dm, std::wstring_view name) noexcept {
     qk::copy_zero_padded(dm.dmFormName, std::size(dm.dmFormName), name);

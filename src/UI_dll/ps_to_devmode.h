@@ -6,8 +6,8 @@
 #include "lib/forms.h"
 #include "print_settings/PrintSettings.h"
 
-// Copies paper, orientation, resolution and scale of the printer's setting, with the administrator's values on
-// top, into `dm`. A setting that is missing or cannot be read leaves it as it is.
+// Copies paper, orientation, resolution and scale of the printer's setting, with the administrator's values
+// on top, into `dm`. A setting that is missing or cannot be read leaves it as it is.
 void SetPSToDEVMODE(HANDLE printer, DEVMODEW& dm);
 
 // The same of a setting already loaded. `forms` name a paper whose setting names none.

@@ -18,7 +18,7 @@ struct PrinterInformation {
     bool document_properties = false;
     bool model_write_failed = false;
     DriverDevmode devmode = {};
-    DWORD refused = 0;  // dmFields bits that the last merge refused
+    DWORD refused = 0;                   // dmFields bits that the last merge refused
     const wchar_t* form_name = L"A4";    // the current form, whatever paper the DEVMODE holds
     SIZEL form_size = {210000, 297000};  // thousandths of a millimetre
     const DEVMODEW* caller_devmode = nullptr;
@@ -29,7 +29,7 @@ struct PrinterInformation {
     DLGPAGE page = {};
     std::wstring title;
     std::wstring caller_name;
-    LONG_PTR added = 0;           // the handle under which the common property sheet was added
+    LONG_PTR added = 0;          // the handle under which the common property sheet was added
     DEVMODEW* output = nullptr;  // filled on OK; null: the caller wants none
 };
 

@@ -80,8 +80,8 @@ LONG answer_sheet(PROPSHEETUI_INFO& info, LPARAM parameter) {
         return initialise_sheet(info, parameter, header->hPrinter);
     if (info.Reason == PROPSHEETUI_REASON_DESTROY)
         FreeThreadProp(threadprop::kPrinter);  // the handle is the caller's and may be closed after this
-    return cpsui::DefCommonUIFunc(info, parameter, reinterpret_cast<PrinterInformation*>(info.UserData), nullptr,
-                                  false);
+    return cpsui::DefCommonUIFunc(info, parameter, reinterpret_cast<PrinterInformation*>(info.UserData),
+                                  nullptr, false);
 }
 
 }  // namespace ptrprop

@@ -77,10 +77,13 @@ int write_log(const wchar_t* pdf_file_name, const std::wstring& message) {
     SYSTEMTIME now = {};
     GetLocalTime(&now);
     const bool named = pdf_file_name && *pdf_file_name;
-    return append_to_log({ini.print_id(), named ? pdf_file_name : ini.pdf_file_name(), log_time(now), message});
+    return append_to_log(
+        {ini.print_id(), named ? pdf_file_name : ini.pdf_file_name(), log_time(now), message});
 }
 
-bool in_splwow64() { return qk::equal_no_case(qk::file_part(qk::module_path(nullptr)), L"splwow64.exe"); }
+bool in_splwow64() {
+    return qk::equal_no_case(qk::file_part(qk::module_path(nullptr)), L"splwow64.exe");
+}
 
 // A box handed to the thread's own message loop.
 struct BoxRecord {

@@ -1,12 +1,13 @@
-// Tells somebody that a job failed: the user, the event log, the debug output, a log file, or several of them,
-// as the administrator has chosen.
+// Tells somebody that a job failed: the user, the event log, the debug output, a log file, or several of
+// them, as the administrator has chosen.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
 
-// The channels that the registry value "Error" of the product's Notification key sums up; 1 when it is not set.
+// The channels that the registry value "Error" of the product's Notification key sums up; 1 when it is not
+// set.
 struct NotifyChannel {
     static constexpr DWORD kMessageBox = 1;
     static constexpr DWORD kEventLog = 2;
@@ -25,5 +26,6 @@ int ZRTK_ErrorNotify(const std::wstring& caption, const wchar_t* pdf_file_name, 
 // Returns after the box is closed.
 void ZRTK_Thread_MessageBox(const std::wstring& message, const std::wstring& caption);
 
-// The time of a log record: each number of the pattern is followed by a letter d, which readers of the log expect.
+// The time of a log record: each number of the pattern is followed by a letter d, which readers of the log
+// expect.
 [[nodiscard]] std::wstring log_time(const SYSTEMTIME& time);

@@ -27,8 +27,8 @@ struct Block {
 }  // namespace mmf
 
 // Creates or opens the block `name` that holds one record T, open to every account and to low integrity, so
-// that a renderer or dialog in a protected process can write it. A new block is zeroed, an existing one never.
-// Failures leave a null view and are told to the debug output only.
+// that a renderer or dialog in a protected process can write it. A new block is zeroed, an existing one
+// never. Failures leave a null view and are told to the debug output only.
 template <class T>
 class MMF {
     static_assert(std::is_trivially_copyable_v<T> && std::is_standard_layout_v<T>);

@@ -41,8 +41,8 @@ static_assert(offsetof(WorkingRecord, external_record) == 136);
 
 inline constexpr size_t kLentUnits = 1024;
 
-// "GetFile2": 0 when the user confirmed a file or cancelled (empty path), anything else when the library hands
-// the job over to one that it already holds open.
+// "GetFile2": 0 when the user confirmed a file or cancelled (empty path), anything else when the library
+// hands the job over to one that it already holds open.
 using GetFile2 = int WINAPI(WorkingRecord* record, const wchar_t* printer_name);
 
 // "GetSettingFN": writes the name of the printer's setting file (a bare name or a full path) into `buffer`;
@@ -50,8 +50,8 @@ using GetFile2 = int WINAPI(WorkingRecord* record, const wchar_t* printer_name);
 using GetSettingFN = int WINAPI(wchar_t* buffer, int capacity, const wchar_t* printer_name, void* scratch);
 inline constexpr size_t kScratchBytes = 4096;
 
-// "GetBrowsePath": asks the user for a folder, starting at `current`; non-zero when one was chosen and written
-// into `buffer` (512 units).
+// "GetBrowsePath": asks the user for a folder, starting at `current`; non-zero when one was chosen and
+// written into `buffer` (512 units).
 using GetBrowsePath = int WINAPI(wchar_t* buffer, const wchar_t* current);
 
 }  // namespace dialog_library

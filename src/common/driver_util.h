@@ -15,6 +15,6 @@
 // The name of the printer behind a handle; empty when it cannot be asked.
 [[nodiscard]] std::wstring printer_name(HANDLE printer);
 
-// The job mode that the rendering module or the dialog library has set for the printer and the current user; 0
-// when there is none. In modes 2 and 3 the chosen output file is not checked.
+// The job mode that the rendering module or the dialog library has set for the printer and the current user;
+// 0 when there is none. In modes 2 and 3 the chosen output file is not checked.
 [[nodiscard]] DWORD fdlg_GetMMFJobMode(const std::wstring& printer_name);

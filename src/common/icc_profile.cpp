@@ -112,7 +112,8 @@ std::wstring driver_folder() {
     if (bytes == 0)
         return {};
     std::vector<wchar_t> buffer(bytes / sizeof(wchar_t) + 1);
-    if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(buffer.data()), bytes, &bytes))
+    if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(buffer.data()), bytes,
+                                    &bytes))
         return {};
     return buffer.data();
 }
@@ -196,7 +197,9 @@ constexpr Condition kConditions[] = {
 
 constexpr size_t kMostIdChars = 19;
 
-constexpr bool is_digit(wchar_t unit) noexcept { return unit >= L'0' && unit <= L'9'; }
+constexpr bool is_digit(wchar_t unit) noexcept {
+    return unit >= L'0' && unit <= L'9';
+}
 
 // A dot of the patterns below does not match the end of a line.
 bool is_one_line(std::wstring_view text) noexcept {
@@ -225,15 +228,19 @@ std::optional<std::string> find_fogra(std::wstring_view text) {
     return std::nullopt;
 }
 
-bool is_space(wchar_t unit) noexcept { return iswspace(unit) != 0; }
+bool is_space(wchar_t unit) noexcept {
+    return iswspace(unit) != 0;
+}
 
 // ".*Japan\sColor\s([0-9]{4}).*\s<kind>.*", the last year that fits.
-std::optional<std::string> find_japan_color(std::wstring_view text, std::wstring_view kind, const char* prefix) {
+std::optional<std::string> find_japan_color(std::wstring_view text, std::wstring_view kind,
+                                            const char* prefix) {
     constexpr std::wstring_view kJapan = L"Japan";
     constexpr std::wstring_view kColor = L"Color";
     constexpr size_t kLength = 5 + 1 + 5 + 1 + 4;
     const size_t last_kind = [&] {
-        for (size_t at = text.rfind(kind); at != std::wstring_view::npos && at > 0; at = text.rfind(kind, at - 1))
+        for (size_t at = text.rfind(kind); at != std::wstring_view::npos && at > 0;
+             at = text.rfind(kind, at - 1))
             if (is_space(text[at - 1]))
                 return at;
         return size_t{0};
@@ -255,7 +262,8 @@ std::optional<std::string> find_japan_color(std::wstring_view text, std::wstring
 
 std::string icc_ConditionIdFromDesc(const std::wstring& description) {
     TRACE("icc_ConditionIdFromDesc");
-    const auto known = std::ranges::find(kConditions, std::wstring_view(description), &Condition::description);
+    const auto known =
+        std::ranges::find(kConditions, std::wstring_view(description), &Condition::description);
     if (known != std::end(kConditions))
         return known->id;
     if (is_one_line(description)) {

@@ -1,4 +1,5 @@
-// The records of one job in shared memory. Frozen layouts: the rendering module reads and writes the same bytes.
+// The records of one job in shared memory. Frozen layouts: the rendering module reads and writes the same
+// bytes.
 #pragma once
 
 #include <windows.h>
@@ -20,10 +21,11 @@ struct ZRTKPrintStartInfoC {
     wchar_t third_text[kRecordTextUnits];   // returned by the dialog
     uint8_t padding2[6];
     uint64_t zero;
-    uint64_t first_value;      // the dialog's own
-    uint64_t second_value;     // the dialog's own
-    uint64_t external_record;  // address of the external-call record; means something in the printing process only
-    uint64_t third_value;      // the dialog's own
+    uint64_t first_value;   // the dialog's own
+    uint64_t second_value;  // the dialog's own
+    uint64_t
+        external_record;  // address of the external-call record; means something in the printing process only
+    uint64_t third_value;  // the dialog's own
 };
 static_assert(sizeof(ZRTKPrintStartInfoC) == 1608);
 static_assert(offsetof(ZRTKPrintStartInfoC, title) == 2);

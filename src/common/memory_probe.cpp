@@ -39,17 +39,21 @@ size_t readable_size(const void* address, size_t most) noexcept {
     return accessible_size(address, most, kReadable);
 }
 
-size_t writable_size(void* address, size_t most) noexcept { return accessible_size(address, most, kWritable); }
+size_t writable_size(void* address, size_t most) noexcept {
+    return accessible_size(address, most, kWritable);
+}
 
 bool is_readable(const void* address, size_t size) noexcept {
     return address && readable_size(address, size) == size;
 }
 
-bool is_writable(void* address, size_t size) noexcept { return address && writable_size(address, size) == size; }
+bool is_writable(void* address, size_t size) noexcept {
+    return address && writable_size(address, size) == size;
+}
 
 bool try_copy(void* target, const void* source, size_t size) noexcept {
-    // ReadProcessMemory would not lose a race against somebody who unmaps the memory meanwhile, but costs a job
-    // more than everything else in it on systems where it stops the process to look.
+    // ReadProcessMemory would not lose a race against somebody who unmaps the memory meanwhile, but costs a
+    // job more than everything else in it on systems where it stops the process to look.
     if (!is_readable(source, size))
         return false;
     std::memcpy(target, source, size);

@@ -13,8 +13,8 @@ namespace qk {
 [[nodiscard]] bool is_readable(const void* address, size_t size) noexcept;
 [[nodiscard]] bool is_writable(void* address, size_t size) noexcept;
 
-// How many bytes from `address` on, up to `most`, can be read or written; 0 for a null address. One look at the
-// memory's map where is_readable of a header and then of what it announces would take two.
+// How many bytes from `address` on, up to `most`, can be read or written; 0 for a null address. One look at
+// the memory's map where is_readable of a header and then of what it announces would take two.
 [[nodiscard]] size_t readable_size(const void* address, size_t most) noexcept;
 [[nodiscard]] size_t writable_size(void* address, size_t most) noexcept;
 

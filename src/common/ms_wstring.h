@@ -11,8 +11,8 @@
 namespace qk {
 
 // 32 bytes: the text itself or its address, the length, the capacity (both in UTF-16 units, without the
-// terminating zero). A text is held by address when its capacity or its length is above 7; a field of zeros is
-// an empty text.
+// terminating zero). A text is held by address when its capacity or its length is above 7; a field of zeros
+// is an empty text.
 //
 // Memory: this type owns nothing and frees nothing. Text held by address lies in memory of whoever wrote the
 // field: a buffer lent with `lend` stays the lender's, an address that somebody else put there stays theirs,

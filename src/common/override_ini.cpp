@@ -26,11 +26,17 @@ std::optional<int> OverrideIni::find_orientation() const noexcept {
     return orientation;
 }
 
-std::wstring OverrideIni::pdf_file_name() const { return valid_ ? text(L"PDFFileName") : std::wstring(); }
+std::wstring OverrideIni::pdf_file_name() const {
+    return valid_ ? text(L"PDFFileName") : std::wstring();
+}
 
-int OverrideIni::print_id() const noexcept { return valid_ ? number(L"PrintID", 0) : 0; }
+int OverrideIni::print_id() const noexcept {
+    return valid_ ? number(L"PrintID", 0) : 0;
+}
 
-int OverrideIni::message_id() const noexcept { return number(L"MessageID", 11); }
+int OverrideIni::message_id() const noexcept {
+    return number(L"MessageID", 11);
+}
 
 std::wstring OverrideIni::text(const wchar_t* key) const {
     return grow_until_it_fits([this, key](wchar_t* buffer, DWORD units) {

@@ -61,7 +61,8 @@ namespace {
 
 std::wstring shell_roaming_folder() {
     wchar_t buffer[MAX_PATH] = {};
-    return SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, buffer)) ? buffer : L"";
+    return SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, buffer)) ? buffer
+                                                                                                    : L"";
 }
 
 // What the shell has said last for the process's own user, and the registry value that it came from.
@@ -76,7 +77,8 @@ RoamingFolder last_roaming;
 }  // namespace
 
 std::wstring roaming_folder() {
-    constexpr wchar_t kFolders[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
+    constexpr wchar_t kFolders[] =
+        L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
     const registry::CurrentUser user;
     if (!user.is_own())
         return shell_roaming_folder();
@@ -90,7 +92,9 @@ std::wstring roaming_folder() {
     return last_roaming.folder;
 }
 
-std::wstring shared_documents_folder() { return common_documents_folder() + L"\\Dunmere\\Vantrix2"; }
+std::wstring shared_documents_folder() {
+    return common_documents_folder() + L"\\Dunmere\\Vantrix2";
+}
 
 }  // namespace qk
 
@@ -113,7 +117,8 @@ enum class ScratchFailure { kNone = 0, kNoRoot = 3, kNotMade = 4, kNoCache = 5 }
 bool in_protected_mode() noexcept {
     const qk::DLL library(LoadLibraryExW(L"ieframe.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
     using IsProtected = HRESULT WINAPI(BOOL*);
-    auto* is_protected = library ? qk::find_export<IsProtected>(library.get(), "IEIsProtectedModeProcess") : nullptr;
+    auto* is_protected =
+        library ? qk::find_export<IsProtected>(library.get(), "IEIsProtectedModeProcess") : nullptr;
     BOOL answer = FALSE;
     return is_protected && SUCCEEDED(is_protected(&answer)) && answer;
 }
@@ -134,7 +139,8 @@ std::wstring internet_cache_folder() {
 
 ScratchFailure find_scratch_folder(std::wstring& folder) {
     const std::wstring root = ZRTK_TempRoot();
-    if (!qk::is_folder(root) && !CreateDirectoryW(root.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
+    if (!qk::is_folder(root) && !CreateDirectoryW(root.c_str(), nullptr) &&
+        GetLastError() != ERROR_ALREADY_EXISTS)
         return ScratchFailure::kNoRoot;
     folder = thread_temp_folder(root);
     TRACE("ForceDirectories");
@@ -150,8 +156,8 @@ ScratchFailure find_scratch_folder(std::wstring& folder) {
 }  // namespace
 
 std::wstring ZRTK_TempRoot() {
-    std::wstring root = qk::grow_until_it_fits(
-        [](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
+    std::wstring root =
+        qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
     return root + L"ZRTK80" + L"_temp";
 }
 

@@ -20,8 +20,8 @@ namespace qk {
 // not set (what is appended to it is then relative).
 [[nodiscard]] std::wstring install_folder();
 
-// The common documents folder without a trailing backslash: the registry value "CSIDL_COMMON_DOCUMENTS" of the
-// vendor's special folders where there is one, else the shell's. Empty when there is none.
+// The common documents folder without a trailing backslash: the registry value "CSIDL_COMMON_DOCUMENTS" of
+// the vendor's special folders where there is one, else the shell's. Empty when there is none.
 [[nodiscard]] std::wstring common_documents_folder();
 
 // The user's roaming application data without a trailing backslash; empty when there is none.
@@ -45,7 +45,7 @@ bool ForceDirectories(const std::wstring& path);
 // The folder `ZRTK_TempPath` uses for this thread, without making it.
 [[nodiscard]] std::wstring thread_temp_folder(const std::wstring& root);
 
-// Loads a library of the installation folder so that its own dependencies are found there too; empty, with the
-// last error of the attempt, when it cannot be loaded.
+// Loads a library of the installation folder so that its own dependencies are found there too; empty, with
+// the last error of the attempt, when it cannot be loaded.
 [[nodiscard]] qk::DLL LoadInstallDll(std::wstring_view file_name);
 [[nodiscard]] qk::DLL LoadInstallDll(std::wstring_view file_name, const std::wstring& install_folder);

@@ -22,10 +22,11 @@ RegKey create(HKEY parent, const std::wstring& path, REGSAM access) noexcept {
 }
 
 CurrentUser::CurrentUser() noexcept {
-    // A thread that acts for nobody else has the process's own hive, which is open already; looking it up by the
-    // thread's user costs more than all that is read from it.
+    // A thread that acts for nobody else has the process's own hive, which is open already; looking it up by
+    // the thread's user costs more than all that is read from it.
     HandleObj token;
-    if (!OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, token.put()) && GetLastError() == ERROR_NO_TOKEN)
+    if (!OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, token.put()) &&
+        GetLastError() == ERROR_NO_TOKEN)
         return;
     if (RegOpenCurrentUser(KEY_READ | KEY_WRITE, key_.put()) != ERROR_SUCCESS &&
         RegOpenCurrentUser(KEY_READ, key_.put()) != ERROR_SUCCESS)
@@ -55,7 +56,8 @@ std::optional<DWORD> find_number(HKEY key, const wchar_t* value) noexcept {
     DWORD type = REG_NONE;
     DWORD number = 0;
     DWORD bytes = sizeof number;
-    if (RegQueryValueExW(key, value, nullptr, &type, reinterpret_cast<BYTE*>(&number), &bytes) != ERROR_SUCCESS ||
+    if (RegQueryValueExW(key, value, nullptr, &type, reinterpret_cast<BYTE*>(&number), &bytes) !=
+            ERROR_SUCCESS ||
         type != REG_DWORD || bytes != sizeof number)
         return std::nullopt;
     return number;

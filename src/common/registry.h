@@ -34,16 +34,18 @@ private:
     RegKey key_;
 };
 
-// A text value (REG_SZ or REG_EXPAND_SZ, not expanded), with or without its terminating zero; cut at the first
-// zero. Nothing when it is missing or of another type.
+// A text value (REG_SZ or REG_EXPAND_SZ, not expanded), with or without its terminating zero; cut at the
+// first zero. Nothing when it is missing or of another type.
 [[nodiscard]] std::optional<std::wstring> find_text(HKEY key, const wchar_t* value);
 
 // A number value (REG_DWORD). Nothing when it is missing or of another type or size.
 [[nodiscard]] std::optional<DWORD> find_number(HKEY key, const wchar_t* value) noexcept;
 
 // The same of the key `path` below `parent`.
-[[nodiscard]] std::optional<std::wstring> find_text(HKEY parent, const std::wstring& path, const wchar_t* value);
-[[nodiscard]] std::optional<DWORD> find_number(HKEY parent, const std::wstring& path, const wchar_t* value) noexcept;
+[[nodiscard]] std::optional<std::wstring> find_text(HKEY parent, const std::wstring& path,
+                                                    const wchar_t* value);
+[[nodiscard]] std::optional<DWORD> find_number(HKEY parent, const std::wstring& path,
+                                               const wchar_t* value) noexcept;
 
 }  // namespace qk::registry
 

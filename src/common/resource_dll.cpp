@@ -14,7 +14,9 @@ extern "C" IMAGE_DOS_HEADER __ImageBase;
 
 namespace qk {
 
-HINSTANCE module_instance() noexcept { return reinterpret_cast<HINSTANCE>(&__ImageBase); }
+HINSTANCE module_instance() noexcept {
+    return reinterpret_cast<HINSTANCE>(&__ImageBase);
+}
 
 namespace {
 

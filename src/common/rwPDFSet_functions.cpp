@@ -20,14 +20,19 @@ constexpr size_t kPathUnits = 512;
 constexpr wchar_t kSettingValue[] = L"PDFSettingFileName";
 constexpr std::array<std::wstring_view, 4> kExtensions = {L"", L".ps4", L".printSetting3", L".printSetting2"};
 
-std::wstring printer_key(const std::wstring& printer_name) { return qk::registry::kRoot + printer_name; }
+std::wstring printer_key(const std::wstring& printer_name) {
+    return qk::registry::kRoot + printer_name;
+}
 
-bool is_usable(const std::wstring& path) { return ProbeSettingFile(path) != SettingFormat::kNone; }
+bool is_usable(const std::wstring& path) {
+    return ProbeSettingFile(path) != SettingFormat::kNone;
+}
 
 // The folders that are searched, in their order: what is installed wins over what the user saved.
 std::array<std::wstring, 4> setting_folders() {
     const std::wstring root = qk::install_folder();
-    return {root + L"Settings\\", root + L"Settings\\legacy\\", root + L"CustomSettings\\", GetAppDataPath(false)};
+    return {root + L"Settings\\", root + L"Settings\\legacy\\", root + L"CustomSettings\\",
+            GetAppDataPath(false)};
 }
 
 std::wstring find_setting_file(const std::wstring& name) {
@@ -92,7 +97,8 @@ std::wstring GetSettingFileName(const std::wstring& printer_name) {
 void SetSettingFileName(std::wstring_view file_path, const std::wstring& printer_name) {
     TRACE("SetSettingFileName");
     const std::wstring installed = qk::install_folder() + L"Settings\\";
-    const std::wstring stored(qk::starts_with_no_case(file_path, installed) ? qk::file_part(file_path) : file_path);
+    const std::wstring stored(qk::starts_with_no_case(file_path, installed) ? qk::file_part(file_path)
+                                                                            : file_path);
     const qk::RegKey key = qk::registry::create(CurrentUser().get(), printer_key(printer_name), KEY_WRITE);
     if (!key)
         return;

@@ -48,6 +48,6 @@ int FindSettingFile(wchar_t* name, size_t capacity);
 // The same of the library already loaded.
 [[nodiscard]] std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& printer_name);
 
-// The path behind a name that the library gave: a bare name is looked for through the setting folders before it
-// counts as missing, a path is used as it is. The name itself when there is no such file.
+// The path behind a name that the library gave: a bare name is looked for through the setting folders before
+// it counts as missing, a path is used as it is. The name itself when there is no such file.
 [[nodiscard]] std::wstring SettingPathOf(const std::wstring& name);

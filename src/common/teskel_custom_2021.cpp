@@ -69,11 +69,14 @@ ExternalCallIni::ExternalCallIni() {
         path_ = roaming + L"\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini";
 }
 
-bool ExternalCallIni::exists() const noexcept { return qk::is_file(path_); }
+bool ExternalCallIni::exists() const noexcept {
+    return qk::is_file(path_);
+}
 
 std::wstring ExternalCallIni::value(const wchar_t* section, const wchar_t* key) const {
     std::vector<wchar_t> buffer(kValueUnits);
-    const DWORD units = GetPrivateProfileStringW(section, key, L"", buffer.data(), kValueUnits, path_.c_str());
+    const DWORD units =
+        GetPrivateProfileStringW(section, key, L"", buffer.data(), kValueUnits, path_.c_str());
     return {buffer.data(), units};
 }
 
@@ -82,7 +85,8 @@ std::wstring file_list_name() {
 }
 
 TeskelCustom2021::TeskelCustom2021(std::wstring document_name, std::wstring output_path)
-    : document_name_(std::move(document_name)), files_(std::make_unique<qk::MMF<TKFileNames>>(file_list_name())) {
+    : document_name_(std::move(document_name)),
+      files_(std::make_unique<qk::MMF<TKFileNames>>(file_list_name())) {
     if (!output_path.empty())
         set_output_path(std::move(output_path));
 }
@@ -96,7 +100,9 @@ TeskelCustom2021::~TeskelCustom2021() {
     files_.reset();
 }
 
-bool TeskelCustom2021::IsActive() { return ExternalCallIni().exists(); }
+bool TeskelCustom2021::IsActive() {
+    return ExternalCallIni().exists();
+}
 
 std::wstring TeskelCustom2021::getExeName(size_t stage) const {
     TRACE("pd_tk::TeskelCustom2021::getExeName");
@@ -105,13 +111,17 @@ std::wstring TeskelCustom2021::getExeName(size_t stage) const {
     return program;
 }
 
-bool TeskelCustom2021::HasExe(size_t stage) const { return qk::is_file(getExeName(stage)); }
+bool TeskelCustom2021::HasExe(size_t stage) const {
+    return qk::is_file(getExeName(stage));
+}
 
 bool TeskelCustom2021::HasAnyExe() const {
     return HasExe(kPageStart) || HasExe(kPageEnd) || HasExe(kDocStart) || HasExe(kDocEnd);
 }
 
-std::wstring TeskelCustom2021::GetOutputFolder() const { return ini_.value(L"Output", L"OutputFolder"); }
+std::wstring TeskelCustom2021::GetOutputFolder() const {
+    return ini_.value(L"Output", L"OutputFolder");
+}
 
 void TeskelCustom2021::set_output_path(std::wstring output_path) {
     const ListLock lock;

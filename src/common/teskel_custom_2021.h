@@ -1,5 +1,6 @@
-// External programs that an installation attaches to the stages of a job. The rendering module runs them; here
-// their ini file is found, the feature's output folder read, and the job's entry in the shared list kept.
+// External programs that an installation attaches to the stages of a job. The rendering module runs them;
+// here their ini file is found, the feature's output folder read, and the job's entry in the shared list
+// kept.
 #pragma once
 
 #include <windows.h>

@@ -10,7 +10,9 @@ namespace qk {
 
 namespace {
 
-constexpr bool is_high_surrogate(wchar_t unit) noexcept { return unit >= 0xD800 && unit <= 0xDBFF; }
+constexpr bool is_high_surrogate(wchar_t unit) noexcept {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
 
 }  // namespace
 
@@ -80,9 +82,8 @@ std::optional<double> find_number(std::wstring_view text) noexcept {
 }
 
 bool equal_no_case(std::wstring_view a, std::wstring_view b) noexcept {
-    return a.size() == b.size() &&
-           CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()),
-                                TRUE) == CSTR_EQUAL;
+    return a.size() == b.size() && CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(),
+                                                        static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
 }
 
 bool starts_with_no_case(std::wstring_view text, std::wstring_view prefix) noexcept {

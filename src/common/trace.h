@@ -66,9 +66,9 @@ void debug_output(const wchar_t* pattern, ...) noexcept;
 // The trace's macros add the source file and line. TRACE takes a text (narrow, wide or a string object);
 // TRACE_F a wide pattern and its values, which are formatted only when the level asks for them.
 #define TRACE(text) ::qk::trace::plain(text, __FILE__, __LINE__)
-#define TRACE_F(...)                                                        \
-    do {                                                                    \
-        if (::qk::trace::level >= ::qk::trace::kPlainLevel)                 \
+#define TRACE_F(...)                                                           \
+    do {                                                                       \
+        if (::qk::trace::level >= ::qk::trace::kPlainLevel)                    \
             ::qk::trace::plain(::qk::format(__VA_ARGS__), __FILE__, __LINE__); \
     } while (false)
 #define TRACE_SCOPE(function) const ::qk::trace::Scope trace_scope_(function, __FILE__, __LINE__)

@@ -11,9 +11,9 @@
 #include "common/job_records.h"
 #include "common/teskel_custom_2021.h"
 
-// Answers one event: DOCUMENTEVENT_SUCCESS (1) or DOCUMENTEVENT_FAILURE (-1). The last error is always set: 0,
-// or the status of the job. The events of one job arrive on the thread that prints; its state lives in that
-// thread's properties from STARTDOCPRE to ENDDOCPOST or ABORTDOC.
+// Answers one event: DOCUMENTEVENT_SUCCESS (1) or DOCUMENTEVENT_FAILURE (-1). The last error is always set:
+// 0, or the status of the job. The events of one job arrive on the thread that prints; its state lives in
+// that thread's properties from STARTDOCPRE to ENDDOCPOST or ABORTDOC.
 int internal_DrvDocumentEvent(HANDLE printer, HDC hdc, int event, ULONG in_size, void* in, ULONG out_size,
                               void* out);
 

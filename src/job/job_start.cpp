@@ -39,8 +39,8 @@ struct NoJob {
     DWORD status;
 };
 
-// The document name of the DOCINFOW behind `in`. Some callers hand over the address of a pointer to it instead,
-// as the interface of Windows describes the event; the structure's own size tells the two apart.
+// The document name of the DOCINFOW behind `in`. Some callers hand over the address of a pointer to it
+// instead, as the interface of Windows describes the event; the structure's own size tells the two apart.
 std::wstring document_name_of(const void* in, ULONG in_size, bool& given) {
     given = false;
     DOCINFOW info = {};
@@ -242,6 +242,8 @@ private:
 
 }  // namespace
 
-Outcome start(HANDLE printer, const void* in, ULONG in_size) { return JobStart(printer, in, in_size).run(); }
+Outcome start(HANDLE printer, const void* in, ULONG in_size) {
+    return JobStart(printer, in, in_size).run();
+}
 
 }  // namespace job

@@ -11,8 +11,8 @@ namespace {
 
 using Settings = Corvanta::Vantrix::PrintSettings::PrintSettings;
 
-// The text "OutputCondition"; settings older than it get the identifier of the profile's description. An entry
-// that is there and empty stays empty.
+// The text "OutputCondition"; settings older than it get the identifier of the profile's description. An
+// entry that is there and empty stays empty.
 std::wstring output_condition(const Settings& settings, const std::wstring& profile_path) {
     const auto& texts = settings.addition()->Str;
     const auto entry = texts.find(L"OutputCondition");
@@ -21,8 +21,8 @@ std::wstring output_condition(const Settings& settings, const std::wstring& prof
     return qk::to_wide(icc_ConditionIdFromDesc(icc::find_description(profile_path).value_or(L"")));
 }
 
-// The boxes are margins from the page's edges: the trim box lies inside the bleed box as long as no bleed margin
-// is the greater one.
+// The boxes are margins from the page's edges: the trim box lies inside the bleed box as long as no bleed
+// margin is the greater one.
 bool is_trim_inside_bleed(const Settings& settings) {
     const auto& trim = settings.pdfVersion()->TrimBox;
     const auto& bleed = settings.pdfVersion()->BleedBox;

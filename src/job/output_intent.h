@@ -16,6 +16,7 @@ struct Refusal {
 };
 
 // Nothing when the setting can be printed. Reads the profile that the setting names.
-[[nodiscard]] std::optional<Refusal> find_refusal(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
+[[nodiscard]] std::optional<Refusal> find_refusal(
+    const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
 
 }  // namespace job

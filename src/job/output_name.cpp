@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr std::wstring_view kPrefixes[] = {L"Microsoft Word - ", L"Microsoft PowerPoint - ", L"Visio-", L"Taro13-",
-                                           L"Taro-"};
+constexpr std::wstring_view kPrefixes[] = {L"Microsoft Word - ", L"Microsoft PowerPoint - ", L"Visio-",
+                                           L"Taro13-", L"Taro-"};
 constexpr std::wstring_view kMiwPrefix = L"MIW(";
 constexpr size_t kMostUnits = 512;
 

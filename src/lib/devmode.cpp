@@ -42,8 +42,12 @@ bool can_take_what_it_claims(DEVMODEW* devmode) noexcept {
     return is_within(devmode, qk::writable_size(devmode, kMostBytes));
 }
 
-std::byte* bytes_of(DEVMODEW* devmode) noexcept { return reinterpret_cast<std::byte*>(devmode); }
-const std::byte* bytes_of(const DEVMODEW* devmode) noexcept { return reinterpret_cast<const std::byte*>(devmode); }
+std::byte* bytes_of(DEVMODEW* devmode) noexcept {
+    return reinterpret_cast<std::byte*>(devmode);
+}
+const std::byte* bytes_of(const DEVMODEW* devmode) noexcept {
+    return reinterpret_cast<const std::byte*>(devmode);
+}
 
 COLORADJUSTMENT default_colour() noexcept {
     return {.caSize = sizeof(COLORADJUSTMENT),
@@ -71,7 +75,7 @@ bool keep_in_range(T& field, int lowest, int highest, T fallback) noexcept {
 }  // namespace
 
 DriverDevmode default_devmode() noexcept {
-    constexpr int32_t kWidth = 210000;   // A4 in thousandths of a millimetre
+    constexpr int32_t kWidth = 210000;  // A4 in thousandths of a millimetre
     constexpr int32_t kLength = 297000;
     DriverDevmode devmode = {};
     DEVMODEW& dm = devmode.dm;

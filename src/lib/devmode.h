@@ -38,9 +38,9 @@ static_assert(sizeof(PrivateDevmode) == kDevmodeExtra && offsetof(PrivateDevmode
 static_assert(sizeof(DriverDevmode) == 256 && offsetof(DriverDevmode, extra) == kDevmodeSize);
 
 // The modes of DrvConvertDevMode, which the tool chain's headers lack.
-inline constexpr DWORD kConvert = 1;           // CDM_CONVERT
-inline constexpr DWORD kConvert351 = 2;        // CDM_CONVERT351
-inline constexpr DWORD kDriverDefault = 4;     // CDM_DRIVER_DEFAULT
+inline constexpr DWORD kConvert = 1;        // CDM_CONVERT
+inline constexpr DWORD kConvert351 = 2;     // CDM_CONVERT351
+inline constexpr DWORD kDriverDefault = 4;  // CDM_DRIVER_DEFAULT
 
 inline constexpr DWORD kColourRefused = 0x20000000;  // in a merge's mask: the colour adjustment was mended
 inline constexpr short kPaperCustom = DMPAPER_USER;
@@ -48,9 +48,9 @@ inline constexpr short kPaperCustom = DMPAPER_USER;
 // The driver's default: A4, portrait, 600 dpi, colour, one copy.
 [[nodiscard]] DriverDevmode default_devmode() noexcept;
 
-// Copies `source` into `target`, keeping the target's size fields and writing the version that goes with them.
-// Both are callers' memory: what they claim to hold is checked before it is touched. The number of bytes
-// copied, or -1.
+// Copies `source` into `target`, keeping the target's size fields and writing the version that goes with
+// them. Both are callers' memory: what they claim to hold is checked before it is touched. The number of
+// bytes copied, or -1.
 int ConvertDevmode(const DEVMODEW* source, DEVMODEW* target) noexcept;
 
 // Shapes the driver's DEVMODE into the layout of the caller's (null: the driver's own). 1 on success, else 0.
@@ -58,8 +58,9 @@ int ConvertDevmodeOut(const DEVMODEW* driver, const DEVMODEW* caller, DEVMODEW* 
 
 enum class ConvertResult { kFailed = 0, kDone = 1, kCallerFinishes = 2 };
 
-// Everything of a conversion (the modes of DrvConvertDevMode) but the driver default, which the caller writes.
-// `needed` holds the target's size in bytes and receives the size needed. Last error 87 or 122 on failure.
+// Everything of a conversion (the modes of DrvConvertDevMode) but the driver default, which the caller
+// writes. `needed` holds the target's size in bytes and receives the size needed. Last error 87 or 122 on
+// failure.
 [[nodiscard]] ConvertResult CommonDrvConvertDevmode(const DEVMODEW* source, DEVMODEW* target, DWORD* needed,
                                                     DWORD mode) noexcept;
 

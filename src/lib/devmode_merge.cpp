@@ -78,8 +78,9 @@ private:
 
     [[nodiscard]] bool is_custom_paper() const noexcept {
         const DEVMODEW& in = in_.dm;
-        return (in.dmFields & kCustomBits) == kCustomBits && (in.dmPaperSize == 0 || in.dmPaperSize == kPaperCustom) &&
-               in.dmPaperWidth != 0 && in.dmPaperLength != 0;
+        return (in.dmFields & kCustomBits) == kCustomBits &&
+               (in.dmPaperSize == 0 || in.dmPaperSize == kPaperCustom) && in.dmPaperWidth != 0 &&
+               in.dmPaperLength != 0;
     }
 
     void take_custom_paper() noexcept {
@@ -133,7 +134,8 @@ private:
         const bool relative = in.dmPrintQuality <= DMRES_DRAFT && in.dmPrintQuality >= DMRES_HIGH;
         take(DM_PRINTQUALITY, out.dmPrintQuality, relative ? kDefaultResolution : in.dmPrintQuality,
              relative || std::ranges::find(kResolutions, in.dmPrintQuality) != kResolutions.end());
-        take(DM_COLOR, out.dmColor, in.dmColor, in.dmColor == DMCOLOR_MONOCHROME || in.dmColor == DMCOLOR_COLOR);
+        take(DM_COLOR, out.dmColor, in.dmColor,
+             in.dmColor == DMCOLOR_MONOCHROME || in.dmColor == DMCOLOR_COLOR);
     }
 
     void merge_extra() noexcept {
@@ -190,7 +192,8 @@ std::vector<std::byte> devmode_of(const std::vector<std::byte>& block) {
         return {};
     const std::vector<std::byte> copy(block.begin() + static_cast<ptrdiff_t>(at - start), block.end());
     const auto* header = reinterpret_cast<const DEVMODEW*>(copy.data());
-    if (copy.size() < offsetof(DEVMODEW, dmFields) || copy.size() < size_t{header->dmSize} + header->dmDriverExtra)
+    if (copy.size() < offsetof(DEVMODEW, dmFields) ||
+        copy.size() < size_t{header->dmSize} + header->dmDriverExtra)
         return {};
     return copy;
 }
@@ -202,7 +205,8 @@ std::vector<std::byte> read_printer_info(HANDLE printer) {
         return {};
     std::vector<std::byte> block(size);
     DWORD second_size = 0;
-    if (!GetPrinterW(printer, 2, reinterpret_cast<BYTE*>(block.data()), size, &second_size) || second_size != size)
+    if (!GetPrinterW(printer, 2, reinterpret_cast<BYTE*>(block.data()), size, &second_size) ||
+        second_size != size)
         return {};  // it has just been changed; the default serves better than half of it
     return block;
 }

@@ -31,7 +31,9 @@ constexpr std::array<LargeForm, 4> kLargeForms = {{
     {L"ISO A1 594 x 841 mm", kA1, kDriverPaperA1},
 }};
 
-constexpr bool is_printer_form(DWORD flags) noexcept { return (flags & FORM_PRINTER) != 0; }
+constexpr bool is_printer_form(DWORD flags) noexcept {
+    return (flags & FORM_PRINTER) != 0;
+}
 
 const LargeForm* find_large_form(std::wstring_view name) noexcept {
     const auto form = std::ranges::find(kLargeForms, name, &LargeForm::name);
@@ -79,7 +81,7 @@ FormRecord large_record(const LargeForm& form, size_t paper_number) {
 
 void report_forms(const std::vector<FormRecord>& records, FormCallback& callback) {
     for (const FormRecord& record : records) {
-        const wchar_t* kind = record.flags & FORM_BUILTIN ? L"FORM_BUILTIN "
+        const wchar_t* kind = record.flags & FORM_BUILTIN     ? L"FORM_BUILTIN "
                               : is_printer_form(record.flags) ? L"FORM_PRINTER"
                                                               : L"";
         TRACE_F(L"%sj:dm=%d, f.name=%s", kind, int{record.paper_number}, record.name.c_str());

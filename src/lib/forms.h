@@ -1,4 +1,5 @@
-// The papers of the printer: the forms of the spooler's database, and four large ones that are always offered.
+// The papers of the printer: the forms of the spooler's database, and four large ones that are always
+// offered.
 #pragma once
 
 #include <windows.h>
@@ -34,8 +35,8 @@ public:
     virtual void operator()(const FormRecord* record) = 0;
 };
 
-// Fills `records` with the papers of the printer behind the handle. 1 on success; 0, with no records, when the
-// spooler cannot list its forms (its last error stays). Time is linear in the number of forms.
+// Fills `records` with the papers of the printer behind the handle. 1 on success; 0, with no records, when
+// the spooler cannot list its forms (its last error stays). Time is linear in the number of forms.
 int ZRTK_EnumForms(HANDLE printer, FormCallback* callback, std::vector<FormRecord>& records);
 
 // Calls `callback` for each record in order and then once with none.
@@ -43,7 +44,8 @@ void report_forms(const std::vector<FormRecord>& records, FormCallback& callback
 
 // The first record with that paper number, or with exactly that name; null when there is none.
 [[nodiscard]] const FormRecord* find_form(const std::vector<FormRecord>& records, int paper_number) noexcept;
-[[nodiscard]] const FormRecord* find_form(const std::vector<FormRecord>& records, std::wstring_view name) noexcept;
+[[nodiscard]] const FormRecord* find_form(const std::vector<FormRecord>& records,
+                                          std::wstring_view name) noexcept;
 
 // Thousandths of a millimetre to tenths, rounded, truncated toward zero.
 [[nodiscard]] constexpr int32_t tenths_of_mm(int32_t thousandths) noexcept {
@@ -53,6 +55,6 @@ void report_forms(const std::vector<FormRecord>& records, FormCallback& callback
 // What a spooler form becomes in the list; pure, `position` counts from 1. Nothing when it is not offered.
 [[nodiscard]] std::optional<FormRecord> record_of(const FORM_INFO_1W& form, size_t position);
 
-// Keeps the printer's "Model" value in step with `device_name`. 0 when it has been written; 1 when a different
-// model stands there already, or when it could not be written, which also sets `write_failed`.
+// Keeps the printer's "Model" value in step with `device_name`. 0 when it has been written; 1 when a
+// different model stands there already, or when it could not be written, which also sets `write_failed`.
 int AddFormsToDataBase(HANDLE printer, const std::wstring& device_name, bool& write_failed);

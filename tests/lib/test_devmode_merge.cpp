@@ -148,6 +148,23 @@ TEST(DevmodeMerge, PaperIsTakenByNumberNameOrSize) {
     }
 }
 
+TEST(DevmodeMerge, FormAfterACustomPaperDropsItsSides) {
+    ListedPapers source;
+    DriverDevmode in = default_devmode(), got = default_devmode();
+    in.dm.dmFields = DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH;
+    in.dm.dmPaperSize = 256;
+    EXPECT_EQ(merge_devmode(&in.dm, got, source), 0u);
+    EXPECT_EQ(got.dm.dmFields & (DM_PAPERLENGTH | DM_FORMNAME), DWORD{DM_PAPERLENGTH});
+    in.dm.dmFields = DM_PAPERSIZE;
+    in.dm.dmPaperSize = 3;
+    EXPECT_EQ(merge_devmode(&in.dm, got, source), 0u);
+    expect_equal(got, [] {
+        DriverDevmode wanted = default_devmode();
+        wanted.dm.dmPaperSize = 3;
+        return wanted;
+    }());
+}
+
 TEST(DevmodeMerge, WithoutPapersTheOldOneStays) {
     for (const short number : {short{9}, short{20256}}) {
         ListedPapers source;
