@@ -38,6 +38,14 @@ hold_prefix() {
     flock -s 9
     alone prefix make_prefix 9>&-
     trap release_prefix EXIT
+    start_wine
+}
+
+# Starts the Wine server and the system processes that come with the first program. Later programs would pass
+# their output on to them, and whoever reads it would wait for their end.
+start_wine() {
+    wineserver -p >/dev/null 2>&1 8>&- 9>&- || true  # it runs already
+    "$root/scripts/wine-run" cmd /c exit >/dev/null 2>&1 </dev/null || true
 }
 
 release_prefix() {

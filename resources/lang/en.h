@@ -3,7 +3,8 @@
 #define ZR_RESOURCES_LANG_EN_H
 
 #define TEXT_JOB_FAILED \
-    "The PDF file was not created. Correct what the title of this message names, then print again."
+    "No PDF file was created: the print setting of this printer cannot be used. Correct it or choose another one " \
+    "in the printing preferences, then print again."
 #define TEXT_NO_COLOUR_PROFILE "Colour profile not found: "
 #define TEXT_NO_SETTING_FILE "Print setting not found: "
 #define TEXT_BAD_SETTING_FILE "Print setting cannot be read: "

@@ -19,7 +19,7 @@ OverrideIni::OverrideIni() : path_(shared_documents_folder() + L"\\DunmereVantri
     valid_ = version && *version >= 2.0 && *version <= 3.0;
 }
 
-std::optional<int> OverrideIni::find_orientation() const noexcept {
+std::optional<int> OverrideIni::find_orientation() const {
     const int orientation = valid_ ? number(L"Orient", -1) : -1;
     if (orientation != 0 && orientation != 1)
         return std::nullopt;
@@ -30,11 +30,11 @@ std::wstring OverrideIni::pdf_file_name() const {
     return valid_ ? text(L"PDFFileName") : std::wstring();
 }
 
-int OverrideIni::print_id() const noexcept {
+int OverrideIni::print_id() const {
     return valid_ ? number(L"PrintID", 0) : 0;
 }
 
-int OverrideIni::message_id() const noexcept {
+int OverrideIni::message_id() const {
     return number(L"MessageID", 11);
 }
 
@@ -44,8 +44,8 @@ std::wstring OverrideIni::text(const wchar_t* key) const {
     });
 }
 
-int OverrideIni::number(const wchar_t* key, int fallback) const noexcept {
-    if (!exists_)
+int OverrideIni::number(const wchar_t* key, int fallback) const {
+    if (!exists_ || !find_number(text(key)))  // the system reads rubbish as 0, which means something here
         return fallback;
     return static_cast<int>(GetPrivateProfileIntW(kSection, key, fallback, path_.c_str()));
 }

@@ -15,20 +15,20 @@ public:
     [[nodiscard]] bool valid() const noexcept { return valid_; }
 
     // "Orient": 0 portrait, 1 landscape. Nothing for anything else or when the file does not count.
-    [[nodiscard]] std::optional<int> find_orientation() const noexcept;
+    [[nodiscard]] std::optional<int> find_orientation() const;
 
     // "PDFFileName" and "PrintID"; empty and 0 when the file does not count.
     [[nodiscard]] std::wstring pdf_file_name() const;
-    [[nodiscard]] int print_id() const noexcept;
+    [[nodiscard]] int print_id() const;
 
     // "MessageID" (11 when absent), read whether or not the file counts or is there at all.
-    [[nodiscard]] int message_id() const noexcept;
+    [[nodiscard]] int message_id() const;
 
     [[nodiscard]] const std::wstring& path() const noexcept { return path_; }
 
 private:
     [[nodiscard]] std::wstring text(const wchar_t* key) const;
-    [[nodiscard]] int number(const wchar_t* key, int fallback) const noexcept;
+    [[nodiscard]] int number(const wchar_t* key, int fallback) const;
 
     std::wstring path_;
     bool exists_ = false;

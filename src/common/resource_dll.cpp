@@ -62,6 +62,7 @@ FileObj create_copy(std::wstring& path) {
     const std::wstring root = ZRTK_TempRoot();
     ForceDirectories(root);
     const std::wstring base = root + L'\\' + kCopyPrefix + std::to_wstring(GetCurrentProcessId());
+    DWORD error = ERROR_SUCCESS;
     for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
         path = attempt == 0 ? base : base + format(L"(%d)", attempt);
         path += L".dll";
@@ -69,14 +70,13 @@ FileObj create_copy(std::wstring& path) {
                                  FILE_ATTRIBUTE_NORMAL, nullptr));
         if (file)
             return file;
-        const DWORD error = GetLastError();
-        if (error == ERROR_PATH_NOT_FOUND || error == ERROR_DISK_FULL) {
-            SetLastError(error);
+        error = GetLastError();
+        if (error == ERROR_PATH_NOT_FOUND || error == ERROR_DISK_FULL)
             break;  // no further name would do better
-        }
         DeleteFileW(path.c_str());
     }
-    trace::debug_output(L"cant open tmp lr:%ul", GetLastError());
+    trace::debug_output(L"cant open tmp lr:%ul", error);
+    SetLastError(error);
     return {};
 }
 

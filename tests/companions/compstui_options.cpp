@@ -144,8 +144,7 @@ TEST(CompstuiOptions, ControlsChangeTheItem) {
         const bool changed = row.after != row.before;
         EXPECT_EQ(changed, told.changes == 1);
         EXPECT_EQ(changed, (item.item.Flags & OPTIF_CHANGEONCE) != 0);
-        if (changed)
-            EXPECT_EQ(row.before, told.old);
+        EXPECT_EQ(changed ? row.before : 0, told.old);
     }
 }
 

@@ -257,7 +257,8 @@ TEST(DevmodeMerge, OverrideFileTurnsThePage) {
     } const rows[] = {
         {"2.5", "Orient=0", 2, 1},  {"2.0", "Orient=1", 1, 2},  {"3.0", "Orient=1", 1, 2},
         {"3.1", "Orient=0", 2, 2},  {"1.99", "Orient=0", 2, 2}, {"2.5", "Orient=2", 1, 1},
-        {"2.5", "Orient=-1", 2, 2}, {"2.5", "", 2, 2},          {"x", "Orient=0", 2, 2},
+        {"2.5", "Orient=-1", 2, 2}, {"2.5", "", 2, 2},          {"2.5", "Orient=abc", 2, 2},
+        {"x", "Orient=0", 2, 2},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.version) + " " + row.lines);

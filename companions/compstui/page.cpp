@@ -1,0 +1,161 @@
+#include "companions/compstui/page.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "companions/compstui/group.h"
+#include "companions/compstui/option_view.h"
+#include "companions/compstui/sheet.h"
+#include "companions/compstui/sheet_functions.h"
+
+namespace compstui {
+
+namespace {
+
+// Dialog procedures use DWLP_USER and the window's user data as they like; a property is out of their way.
+constexpr wchar_t kProperty[] = L"compstui page";
+
+// Posted by a page that has applied its values: the results are due once every page has.
+UINT applied_message() noexcept {
+    return RegisterWindowMessageW(L"compstui applied");
+}
+
+}  // namespace
+
+PageNode::PageNode(Sheet& its_sheet, Node* its_parent) noexcept
+    : Node(NodeKind::page, its_sheet, its_parent) {}
+
+PageNode::~PageNode() {
+    if (property_page_)
+        DestroyPropertySheetPage(property_page_);
+}
+
+bool PageNode::try_create(const PROPSHEETPAGEW& description, std::wstring title) {
+    const DWORD size = description.dwSize;
+    if (size < PROPSHEETPAGEW_V1_SIZE || size > kLargestPage)
+        return failed(ERROR_INVALID_PARAMETER, false);
+    std::memcpy(seen_, &description, size);
+    PSPINFO info = {};
+    info.cbSize = sizeof info;
+    info.hComPropSheet = function_of(*this).handle();
+    info.hCPSUIPage = handle();
+    info.pfnComPropSheet = &com_prop_sheet;
+    std::memcpy(seen_ + size, &info, sizeof info);
+    auto& seen = *reinterpret_cast<PROPSHEETPAGEW*>(seen_);
+    title_ = std::move(title);
+    if (!title_.empty()) {
+        seen.dwFlags |= PSP_USETITLE;
+        seen.pszTitle = title_.c_str();
+    }
+    if (group)
+        seen.lParam = reinterpret_cast<LPARAM>(seen_ + size);
+    procedure_ = seen.pfnDlgProc;
+    callback_ = seen.dwFlags & PSP_USECALLBACK ? seen.pfnCallback : nullptr;
+
+    PROPSHEETPAGEW page = {};
+    std::memcpy(&page, seen_, std::min<size_t>(size, sizeof page));
+    page.dwSize = std::min<DWORD>(size, sizeof page);
+    page.pfnDlgProc = &PageNode::procedure;
+    page.lParam = reinterpret_cast<LPARAM>(this);
+    if (callback_)
+        page.pfnCallback = &PageNode::callback;
+    property_page_ = CreatePropertySheetPageW(&page);
+    return property_page_ != nullptr;
+}
+
+PageNode* PageNode::of(HWND window) noexcept {
+    return static_cast<PageNode*>(GetPropW(window, kProperty));
+}
+
+UINT CALLBACK PageNode::callback(HWND window, UINT message, PROPSHEETPAGEW* page) noexcept {
+    auto* node = reinterpret_cast<PageNode*>(page->lParam);
+    return node->callback_(window, message, reinterpret_cast<PROPSHEETPAGEW*>(node->seen_));
+}
+
+INT_PTR CALLBACK PageNode::procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
+    return guarded<INT_PTR>(FALSE, [&]() -> INT_PTR {
+        if (message == WM_INITDIALOG) {
+            auto* page = reinterpret_cast<PageNode*>(reinterpret_cast<PROPSHEETPAGEW*>(lparam)->lParam);
+            return SetPropW(window, kProperty, page) ? page->initialise(window, wparam) : FALSE;
+        }
+        PageNode* page = of(window);
+        return page ? page->answer(window, message, wparam, lparam) : FALSE;
+    });
+}
+
+INT_PTR PageNode::initialise(HWND window, WPARAM focus) {
+    if (group && !group->lead)
+        group->lead = window;
+    INT_PTR handled = FALSE;
+    if (procedure_)
+        handled = procedure_(window, WM_INITDIALOG, focus, reinterpret_cast<LPARAM>(seen_));
+    // A procedure that takes the dialog over fills it itself, unless its template asks for the items.
+    if (group && (!handled || GetDlgItem(window, kOptionTree)))
+        options_ = OptionView::create(window, *group, index);
+    return procedure_ ? handled : TRUE;
+}
+
+INT_PTR PageNode::answer(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == applied_message()) {
+        sheet.applied();
+        return TRUE;
+    }
+    INT_PTR handled = procedure_ ? procedure_(window, message, wparam, lparam) : FALSE;
+    if (message == WM_NOTIFY)
+        return answer_notification(window, *reinterpret_cast<const NMHDR*>(lparam), handled);
+    if (message == WM_NCDESTROY) {
+        options_.reset();
+        RemovePropW(window, kProperty);
+        if (group && group->lead == window)
+            group->lead = nullptr;
+        return handled;
+    }
+    return !handled && options_ ? options_->answer(message, wparam, lparam) : handled;
+}
+
+INT_PTR PageNode::answer_notification(HWND window, const NMHDR& notification, INT_PTR handled) {
+    if (!handled && options_ && options_->answer_notification(notification))
+        return TRUE;
+    switch (notification.code) {
+        case PSN_APPLY:
+            if (!handled)
+                SetWindowLongPtrW(window, DWLP_MSGRESULT, PSNRET_NOERROR);
+            if (GetWindowLongPtrW(window, DWLP_MSGRESULT) == PSNRET_NOERROR)
+                after_apply(window, notification);
+            return TRUE;
+        case PSN_SETACTIVE:
+        case PSN_KILLACTIVE:
+            if (group)
+                group->notify(window, notification.code == PSN_SETACTIVE ? CPSUICB_REASON_SETACTIVE
+                                                                         : CPSUICB_REASON_KILLACTIVE);
+            return handled;
+        default:
+            return handled;
+    }
+}
+
+void PageNode::after_apply(HWND window, const NMHDR& notification) {
+    if (group && !group->ignores_apply && group->lead == window && !group->apply(window)) {
+        SetWindowLongPtrW(window, DWLP_MSGRESULT, PSNRET_INVALID_NOCHANGEPAGE);
+        return;
+    }
+    // OK closes the sheet and the results are handed over then; Apply leaves it open.
+    const bool closes = reinterpret_cast<const PSHNOTIFY&>(notification).lParam != FALSE;
+    if (!closes && !sheet.apply_pending)
+        sheet.apply_pending = PostMessageW(window, applied_message(), 0, 0) != FALSE;
+}
+
+ULONG_PTR page_user_data(HWND window) noexcept {
+    const PageNode* page = PageNode::of(window);
+    return page ? page->user_data : failed<ULONG_PTR>(ERROR_INVALID_WINDOW_HANDLE, 0);
+}
+
+BOOL try_set_page_user_data(HWND window, ULONG_PTR data) noexcept {
+    PageNode* page = PageNode::of(window);
+    if (!page)
+        return failed<BOOL>(ERROR_INVALID_WINDOW_HANDLE, FALSE);
+    page->user_data = data;
+    return TRUE;
+}
+
+}  // namespace compstui

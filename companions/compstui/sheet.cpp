@@ -1,0 +1,225 @@
+#include "companions/compstui/sheet.h"
+
+#include <algorithm>
+#include <string>
+
+#include "common/memory_probe.h"
+#include "companions/compstui/page.h"
+#include "companions/compstui/strings.h"
+
+namespace compstui {
+
+namespace {
+
+constexpr int kDeepest = 16;
+
+int depth_of(const Node* node) noexcept {
+    int depth = 0;
+    for (; node; node = node->parent)
+        ++depth;
+    return depth;
+}
+
+bool start(FunctionNode& function, LONG& answer) {
+    const LPARAM parameter = function.info.lParamInit;
+    // The answer to this reason counts for nothing: functions that do not know it refuse it.
+    function.call(kReasonBeforeInit, parameter);
+    answer = function.call(PROPSHEETUI_REASON_INIT, parameter);
+    function.initialised = answer > 0;
+    return function.initialised;
+}
+
+std::wstring sheet_title(const PROPSHEETUI_INFO_HEADER& header) {
+    std::wstring title = text_of(header.pTitle, header.hInst);
+    if ((header.Flags & PSUIHDRF_DEFTITLE) && !(header.Flags & PSUIHDRF_EXACT_PTITLE))
+        title += L" " + std::wstring(own_string(IDS_CPSUI_DEFAULT));
+    return title;
+}
+
+DWORD sheet_flags(const PROPSHEETUI_INFO_HEADER& header) noexcept {
+    DWORD flags = PSH_NOCONTEXTHELP;
+    if (header.Flags & PSUIHDRF_NOAPPLYNOW)
+        flags |= PSH_NOAPPLYNOW;
+    if ((header.Flags & PSUIHDRF_PROPTITLE) && !(header.Flags & PSUIHDRF_EXACT_PTITLE))
+        flags |= PSH_PROPTITLE;
+    if (header.Flags & PSUIHDRF_USEHICON)
+        flags |= header.hIcon ? PSH_USEHICON : 0;
+    else if (has_icon(header.hInst, header.IconID))
+        flags |= PSH_USEICONID;
+    return flags;
+}
+
+}  // namespace
+
+LONG Sheet::run(HWND owner, PFNPROPSHEETUI function, LPARAM parameter, DWORD* result) {
+    root_ = std::make_unique<FunctionNode>(*this, nullptr, function, parameter);
+    LONG status = ERR_CPSUI_GETLASTERROR;
+    try {
+        if (start(*root_, status))
+            status = show(owner);
+        else if (status == 0)
+            status = ERR_CPSUI_GETLASTERROR;
+    } catch (...) {
+        qk::LastErrorKeeper keep;
+        destroying_ = true;
+        destroy(*root_);
+        throw;
+    }
+    if (status >= 0 && result)
+        *result = static_cast<DWORD>(root_->info.Result);
+    qk::LastErrorKeeper keep;
+    destroying_ = true;
+    destroy(*root_);
+    return status;
+}
+
+LONG Sheet::show(HWND owner) {
+    PROPSHEETUI_INFO_HEADER header = {};
+    header.cbSize = sizeof header;
+    header.hWndParent = owner;
+    if (root_->call(PROPSHEETUI_REASON_GET_INFO_HEADER, reinterpret_cast<LPARAM>(&header)) <= 0)
+        return ERR_CPSUI_GETLASTERROR;
+    const LONG left = show_pages(header);
+    // What Apply has written down and nobody has handed over yet counts even when Cancel follows at once.
+    if (left > CPSUI_CANCEL || (left == CPSUI_CANCEL && apply_pending))
+        settle(*root_, std::max<LONG>(left, CPSUI_OK));
+    return left == CPSUI_CANCEL && (was_applied_ || apply_pending) ? CPSUI_OK : left;
+}
+
+LONG Sheet::show_pages(const PROPSHEETUI_INFO_HEADER& header) {
+    const std::vector<PageNode*> pages = pages_of(*root_);
+    if (pages.empty())
+        return ERR_CPSUI_NO_PROPSHEETPAGE;
+    std::vector<HPROPSHEETPAGE> handles;
+    for (PageNode* page : pages)
+        handles.push_back(page->property_page());
+    const std::wstring title = sheet_title(header);
+    const auto first = std::find(pages.begin(), pages.end(), start_page);
+    PROPSHEETHEADERW sheet = {};
+    sheet.dwSize = sizeof sheet;
+    sheet.dwFlags = sheet_flags(header);
+    sheet.hwndParent = header.hWndParent;
+    sheet.hInstance = header.hInst;
+    if (sheet.dwFlags & PSH_USEHICON)
+        sheet.hIcon = header.hIcon;
+    else if (sheet.dwFlags & PSH_USEICONID)
+        sheet.pszIcon = MAKEINTRESOURCEW(header.IconID);
+    sheet.pszCaption = title.c_str();
+    sheet.nPages = static_cast<UINT>(handles.size());
+    sheet.nStartPage = first == pages.end() ? 0 : static_cast<UINT>(first - pages.begin());
+    sheet.phpage = handles.data();
+    shown_ = true;
+    for (PageNode* page : pages)
+        page->give_up_property_page();
+    const INT_PTR left = PropertySheetW(&sheet);
+    if (left < 0)
+        return ERR_CPSUI_GETLASTERROR;
+    if (left == ID_PSREBOOTSYSTEM)
+        return CPSUI_REBOOTSYSTEM;
+    if (left == ID_PSRESTARTWINDOWS)
+        return CPSUI_RESTARTWINDOWS;
+    return left > 0 ? CPSUI_OK : CPSUI_CANCEL;
+}
+
+FunctionNode* Sheet::add_function(FunctionNode& parent, PFNPROPSHEETUI function, LPARAM parameter) {
+    if (depth_of(&parent) >= kDeepest)
+        return nullptr;
+    auto* added = new FunctionNode(*this, &parent, function, parameter);
+    parent.children.emplace_back(added);
+    LONG answer = 0;
+    if (start(*added, answer))
+        return added;
+    qk::LastErrorKeeper keep;
+    static_cast<void>(try_remove(*added));
+    return nullptr;
+}
+
+bool Sheet::try_remove(Node& node) {
+    if (!node.parent || !can_change())
+        return false;
+    destroying_ = true;
+    destroy(node);
+    destroying_ = false;
+    auto& siblings = node.parent->children;
+    const auto at = std::find_if(siblings.begin(), siblings.end(),
+                                 [&](const auto& child) { return child.get() == &node; });
+    // Not freed before the sheet is: somebody on the call stack may be this very function.
+    removed_.push_back(std::move(*at));
+    siblings.erase(at);
+    node.retire();
+    return true;
+}
+
+bool Sheet::has_room() const {
+    return root_ && pages_of(*root_).size() < MAXPROPPAGES;
+}
+
+int Sheet::hand_up(Node& from, LRESULT result) {
+    int taken = 0;
+    Node* child = &from;
+    while (child->parent) {
+        FunctionNode& function = function_of(*child->parent);
+        // A page of a group speaks for the group: that is the handle its function knows.
+        Node* speaker = child;
+        while (speaker->parent != &function)
+            speaker = speaker->parent;
+        if (function.take_result(speaker->handle(), result) <= 0)
+            break;
+        ++taken;
+        result = static_cast<LRESULT>(function.info.Result);
+        child = &function;
+    }
+    return taken;
+}
+
+void Sheet::settle(FunctionNode& function, LRESULT result) {
+    Node* plain_page = nullptr;
+    bool spoken_for = function.has_result;
+    for (const auto& child : function.children) {
+        if (child->kind == NodeKind::function) {
+            auto& below = static_cast<FunctionNode&>(*child);
+            settle(below, result);
+            function.take_result(child->handle(), static_cast<LRESULT>(below.info.Result));
+            spoken_for = true;
+        } else if (child->kind == NodeKind::group) {
+            function.take_result(child->handle(), result);
+            spoken_for = true;
+        } else if (!plain_page) {
+            plain_page = child.get();
+        }
+    }
+    // Pages that stand alone set their results themselves; where none did, the first one tells of the OK.
+    if (!spoken_for && plain_page)
+        function.take_result(plain_page->handle(), result);
+}
+
+void Sheet::applied() {
+    apply_pending = false;
+    was_applied_ = true;
+    settle(*root_, CPSUI_OK);
+}
+
+void Sheet::destroy(Node& node) {
+    for (size_t i = node.children.size(); i-- > 0;)
+        destroy(*node.children[i]);
+    if (node.kind != NodeKind::function)
+        return;
+    auto& function = static_cast<FunctionNode&>(node);
+    function.call(PROPSHEETUI_REASON_DESTROY, function.initialised ? kDestroyedAfterInit : 0);
+}
+
+LONG show_sheet(HWND owner, PFNPROPSHEETUI function, LPARAM parameter, DWORD* result) noexcept {
+    if (result)
+        *result = CPSUI_CANCEL;
+    if (!function)
+        return failed<LONG>(ERROR_INVALID_PARAMETER, ERR_CPSUI_INVALID_PDATA);
+    return guarded<LONG>(ERR_CPSUI_ALLOCMEM_FAILED, [&] {
+        constexpr INITCOMMONCONTROLSEX kControls = {sizeof kControls, ICC_TREEVIEW_CLASSES | ICC_TAB_CLASSES |
+                                                                          ICC_UPDOWN_CLASS | ICC_BAR_CLASSES |
+                                                                          ICC_STANDARD_CLASSES};
+        InitCommonControlsEx(&kControls);
+        return Sheet().run(owner, function, parameter, result);
+    });
+}
+
+}  // namespace compstui

@@ -1,0 +1,57 @@
+// One call of CommonPropertySheetUIW, from the first reason to the last. Nothing of it outlives the call.
+#pragma once
+
+#include <memory>
+
+#include "companions/compstui/node.h"
+
+namespace compstui {
+
+class Sheet {
+public:
+    // Plays a whole sheet on this thread. `result`, when given, gets what the root function made of the
+    // result (CPSUI_CANCEL when nobody set one). Returns how the sheet was left (CPSUI_CANCEL, CPSUI_OK,
+    // CPSUI_RESTARTWINDOWS, CPSUI_REBOOTSYSTEM) or an ERR_CPSUI_* below 0.
+    [[nodiscard]] LONG run(HWND owner, PFNPROPSHEETUI function, LPARAM parameter, DWORD* result);
+
+    // Adds a function below `parent` and initialises it; null when it refuses or the tree is too deep.
+    [[nodiscard]] FunctionNode* add_function(FunctionNode& parent, PFNPROPSHEETUI function, LPARAM parameter);
+
+    // Takes `node` and what is below it out of the sheet; functions are told. The root stays.
+    [[nodiscard]] bool try_remove(Node& node);
+
+    // Hands `result` to the functions that stand over the group or page `from`, each one's own result to the
+    // next, as long as they take it. The number of functions that did.
+    int hand_up(Node& from, LRESULT result);
+
+    // Somebody pressed Apply and the sheet stays open: the results are handed to every function.
+    void applied();
+
+    // Pages can be added and taken out only before the sheet is shown.
+    [[nodiscard]] bool can_change() const noexcept { return !shown_ && !destroying_; }
+    [[nodiscard]] bool has_room() const;
+
+    // The page that the sheet opens with; the first one when null.
+    PageNode* start_page = nullptr;
+
+    // A page has posted word that Apply was pressed.
+    bool apply_pending = false;
+
+private:
+    LONG show(HWND owner);
+    LONG show_pages(const PROPSHEETUI_INFO_HEADER& header);
+    void settle(FunctionNode& function, LRESULT result);
+    void destroy(Node& node);
+
+    std::unique_ptr<FunctionNode> root_;
+    std::vector<std::unique_ptr<Node>> removed_;
+    bool shown_ = false;
+    bool destroying_ = false;
+    bool was_applied_ = false;
+};
+
+// What CommonPropertySheetUIW does: Sheet::run behind a guard. Without a function ERR_CPSUI_INVALID_PDATA,
+// last error 87; after an exception ERR_CPSUI_ALLOCMEM_FAILED.
+[[nodiscard]] LONG show_sheet(HWND owner, PFNPROPSHEETUI function, LPARAM parameter, DWORD* result) noexcept;
+
+}  // namespace compstui
