@@ -27,6 +27,11 @@ make_prefix() {
     timeout 180 wineboot -i >/dev/null 2>&1 8>&- 9>&- || fail "wineboot could not make $WINEPREFIX"
     # Without a window manager each managed window that closes costs two seconds.
     timeout 60 "$root/scripts/wine-run" reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+    if [ -n "${ZR_GRAPHICS:-}" ]; then
+        timeout 60 "$root/scripts/wine-run" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d "$ZR_GRAPHICS" /f >/dev/null
+    fi
+    timeout 30 wineserver -k || true  # the session that made it may hold another display
+    timeout 30 wineserver -w || true
     touch "$WINEPREFIX/.ready"
 }
 

@@ -11,6 +11,7 @@
 #include "companions/tessalo/dialogs.h"
 #include "companions/tessalo/options.h"
 #include "companions/tessalo/output_choice.h"
+#include "print_settings/PSAdmin.h"
 
 namespace {
 
@@ -28,11 +29,19 @@ std::wstring ini_path() {
     return library.substr(0, library.size() - name.size()) + L"Tessalo80.ini";
 }
 
+// The name that an administrator has fixed for every PDF, else the document's title.
+std::wstring wanted_name(const dialog_library::WorkingRecord& record) {
+    Corvanta::Vantrix::Administrator::Restriction restriction;
+    if (load_restriction(restriction) && !restriction.PDFFileName.empty())
+        return std::wstring(qk::file_part(restriction.PDFFileName));
+    return record.title.readable_text();
+}
+
 std::optional<OutputFile> choose(const dialog_library::WorkingRecord& record) {
     const auto* settings = static_cast<const PrintSettings*>(record.settings);
     const General_impl defaults;
     const General_impl& general = settings ? *settings->general() : defaults;
-    const std::wstring title = record.title.readable_text();
+    const std::wstring title = wanted_name(record);
     const std::wstring asked_folder = record.output_path.readable_text();
     const companions::SameName rule = companions::same_name_rule(general.WhenSameName);
     const companions::NameLimits limits = companions::system_name_limits();

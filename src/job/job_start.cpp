@@ -31,7 +31,8 @@ using pd_tk::TeskelCustom2021;
 
 constexpr unsigned long kNoSettingFile = 100;
 constexpr unsigned long kBadSettingFile = 101;
-constexpr int kHandedOver = 555;  // the library's flag byte counts more than its result
+constexpr DWORD kPrintCancelled = 2153;  // what print systems look for; the system's own name stands for 63
+constexpr int kHandedOver = 555;         // the library's flag byte counts more than its result
 constexpr DWORD kUncheckedModes[] = {2, 3};
 
 // A job that does not start: -1 and the status that becomes the last error.
@@ -217,14 +218,14 @@ private:
             return;
         const std::wstring& path = record_.output_path();
         if (path.empty())
-            throw NoJob{ERROR_PRINT_CANCELLED};
+            throw NoJob{kPrintCancelled};
         if (!qk::is_file(path))
             return;
         const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                            FILE_ATTRIBUTE_NORMAL, nullptr));
         if (!file) {
             TRACE("sd5.2");
-            throw NoJob{ERROR_PRINT_CANCELLED};
+            throw NoJob{kPrintCancelled};
         }
     }
 

@@ -63,6 +63,15 @@ protected:
     PrintSettings settings_;
 };
 
+TEST_F(Tessalo, AdministratorsNameTakesTheTitlesPlace) {
+    const Installation here;
+    const TempFolder folder;
+    here.folder.write(L"administrator.ps4a",
+                      "\xEF\xBB\xBF{\"Administrator\": {\"PDFFileName\": \"C:\\\\x\\\\Fixed.pdf\"}}");
+    ask_to_start_in(folder.path());
+    EXPECT_EQ(ask(), folder.file(L"Fixed.pdf"));
+}
+
 TEST_F(Tessalo, FolderComesFromTheFirstThatGivesOne) {
     const TempFolder record;
     const TempFolder setting;

@@ -180,7 +180,7 @@ TEST_F(JobTest, OverrideFileSetsTheFolderWhileItsVersionCounts) {
 TEST_F(JobTest, ChosenFileIsCheckedUnlessTheJobModeForbids) {
     here.folder.write(L"out\\report.pdf", "old");
     constexpr uint32_t kValid = ZRTK_COMMON_MMF::kJobModeValid;
-    constexpr Left kCancelled = {DOCUMENTEVENT_FAILURE, ERROR_PRINT_CANCELLED};
+    constexpr Left kCancelled = {DOCUMENTEVENT_FAILURE, 2153};
     struct {
         const char* label;
         bool has_block;
@@ -294,16 +294,13 @@ TEST_F(JobTest, LiesOfTheDialogLibraryAreReadAsFarAsTheyAreTrue) {
         {"text ends earlier", [](Record& record) { record.output_path.length += 3; }, kGood, nullptr},
         {"address nowhere",
          [](Record& record) { record.output_path.address = reinterpret_cast<wchar_t*>(64); },
-         {DOCUMENTEVENT_FAILURE, ERROR_PRINT_CANCELLED},
+         {DOCUMENTEVENT_FAILURE, 2153},
          nullptr},
         {"null",
          [](Record& record) { record.output_path.address = nullptr; },
-         {DOCUMENTEVENT_FAILURE, ERROR_PRINT_CANCELLED},
+         {DOCUMENTEVENT_FAILURE, 2153},
          nullptr},
-        {"all zero",
-         [](Record& record) { record.output_path = {}; },
-         {DOCUMENTEVENT_FAILURE, ERROR_PRINT_CANCELLED},
-         nullptr},
+        {"all zero", [](Record& record) { record.output_path = {}; }, {DOCUMENTEVENT_FAILURE, 2153}, nullptr},
         {"past the end of its memory",
          [](Record& record) {
              record.output_path.address = four_units.as<wchar_t>();
