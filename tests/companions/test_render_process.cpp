@@ -55,9 +55,15 @@ public:  // the tables of the tests change jobs
     static int start(std::wstring line) {
         STARTUPINFOW startup = {sizeof startup};
         PROCESS_INFORMATION made = {};
-        if (!CreateProcessW(Installation::built(L"zr_render.exe").c_str(), line.data(), nullptr, nullptr,
-                            FALSE, 0, nullptr, nullptr, &startup, &made))
+        // A busy Wine refuses a process now and then; the next try gets it.
+        BOOL started = FALSE;
+        for (int attempt = 0; attempt < 3 && !started; ++attempt)
+            started = CreateProcessW(Installation::built(L"zr_render.exe").c_str(), line.data(), nullptr,
+                                     nullptr, FALSE, 0, nullptr, nullptr, &startup, &made);
+        if (!started) {
+            ADD_FAILURE() << "no process: error " << GetLastError();
             return -1;
+        }
         const qk::HandleObj process(made.hProcess);
         const qk::HandleObj thread(made.hThread);
         DWORD code = STILL_ACTIVE;
