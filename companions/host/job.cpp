@@ -16,6 +16,7 @@
 #include "companions/host/printer_setup.h"
 #include "companions/host/renderer.h"
 #include "companions/host/setting_choice.h"
+#include "companions/host/spool_turn.h"
 #include "companions/host/text_file.h"
 
 namespace host {
@@ -101,6 +102,7 @@ private:
     EventPlayer events_;
     std::wstring spool_;
     DeviceContext context_;
+    std::optional<SpoolTurn> spool_turn_;
     std::vector<Page> pages_;
 };
 
@@ -161,6 +163,7 @@ void JobRun::start() {
         report_.pdf = record_text(record->output_path);
     }
     document.lpszOutput = spool_.c_str();
+    spool_turn_.emplace();
     report_.job = StartDocW(context_.get(), &document);
     if (report_.job <= 0)
         abort(Outcome::kFailed, GetLastError(), L"the print system refuses the job");
@@ -212,6 +215,7 @@ void JobRun::end() {
     events_.end_doc_pre();
     if (EndDoc(context_.get()) <= 0)
         abort(Outcome::kFailed, GetLastError(), L"the job cannot be ended");
+    spool_turn_.reset();
     const TextArena arena;
     render(arena);
     uint32_t error_code = 0;
@@ -251,6 +255,7 @@ void JobRun::abort(Outcome outcome, DWORD error, const std::wstring& fault) {
     discard_reserved_file(report_.thread);
     events_.abort_doc();
     AbortDoc(context_.get());
+    spool_turn_.reset();
     DeleteFileW(spool_.c_str());
     report_.pdf.clear();
     over(outcome, error, fault);
