@@ -155,7 +155,9 @@ bool bench_devmode(const std::wstring& name) {
 bool bench_job(const TempFolder& folder, const MachineRegistry& machine) {
     const std::wstring install = program_folder() + L"bench_install\\";
     machine.set_text(L"SOFTWARE\\Corvanta\\Vantrix\\8.0", L"PdfDllPath", install);
-    const std::wstring setting = folder.file(L"bench.ps4");
+    const std::wstring setting = folder.file(L"job.ps4");  // as most are: little but the defaults
+    if (!PrintSettings().Save(setting))
+        std::abort();
     // The shell looks here for the user's folders and would try to make it in the replaced hive each time.
     machine.set_text(L"Software\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList", L"ProfilesDirectory",
                      L"C:\\users");
