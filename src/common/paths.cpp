@@ -3,9 +3,6 @@
 #include <knownfolders.h>
 #include <shlobj.h>
 
-#include <mutex>
-#include <optional>
-
 #include "common/registry.h"
 #include "common/text.h"
 #include "common/trace.h"
@@ -65,31 +62,14 @@ std::wstring shell_roaming_folder() {
                                                                                                     : L"";
 }
 
-// What the shell has said last for the process's own user, and the registry value that it came from.
-struct RoamingFolder {
-    std::mutex mutex;
-    std::optional<std::wstring> raw;
-    std::wstring folder;
-};
-
-RoamingFolder last_roaming;
-
 }  // namespace
 
 std::wstring roaming_folder() {
-    constexpr wchar_t kFolders[] =
-        L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
-    const registry::CurrentUser user;
-    if (!user.is_own())
+    if (!registry::CurrentUser().is_own())
         return shell_roaming_folder();
-    // The shell takes its time, each job asks, and the answer changes only with this value.
-    const auto raw = registry::find_text(user.get(), kFolders, L"AppData");
-    const std::scoped_lock lock(last_roaming.mutex);
-    if (!raw || raw != last_roaming.raw) {
-        last_roaming.folder = shell_roaming_folder();
-        last_roaming.raw = raw;
-    }
-    return last_roaming.folder;
+    // The shell takes its time and each job asks; it is the same for one user as long as the process lives.
+    static const std::wstring own = shell_roaming_folder();
+    return own;
 }
 
 std::wstring shared_documents_folder() {
