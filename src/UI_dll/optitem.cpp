@@ -14,25 +14,21 @@
 
 namespace {
 
-constexpr OptionDescriptor kSettingInForce = {.flags = OPTIF_CALLBACK,
-                                              .level = 0,
-                                              .public_id = 101,
-                                              .name_id = IDS_SETTING_IN_FORCE,
-                                              .type = TVOT_LISTBOX,
-                                              .count = 1,
-                                              .style = 0,
-                                              .icon_id = IDI_CPSUI_DOCUMENT,
-                                              .build = OptionDescriptor::kDataAdvances};
+// An item that tells one text and offers no choice.
+constexpr OptionDescriptor telling(UINT name_id, UINT icon_id) noexcept {
+    return {.flags = OPTIF_CALLBACK,
+            .level = 0,
+            .public_id = 101,
+            .name_id = name_id,
+            .type = TVOT_LISTBOX,
+            .count = 1,
+            .style = 0,
+            .icon_id = icon_id,
+            .build = OptionDescriptor::kDataAdvances};
+}
 
-constexpr OptionDescriptor kModuleVersion = {.flags = OPTIF_CALLBACK,
-                                             .level = 0,
-                                             .public_id = 101,
-                                             .name_id = IDS_MODULE_VERSION,
-                                             .type = TVOT_LISTBOX,
-                                             .count = 1,
-                                             .style = 0,
-                                             .icon_id = IDI_CPSUI_PRINTER,
-                                             .build = OptionDescriptor::kDataAdvances};
+constexpr OptionDescriptor kSettingInForce = telling(IDS_SETTING_IN_FORCE, IDI_CPSUI_DOCUMENT);
+constexpr OptionDescriptor kModuleVersion = telling(IDS_MODULE_VERSION, IDI_CPSUI_PRINTER);
 
 constexpr wchar_t kVersion[] = L"8.0.0";
 
