@@ -1,6 +1,7 @@
 // Prints each cost of the module beside the system calls that it must make. Exit code 1 when one is too slow.
 //
 //   zr_bench.exe [printer name]
+//   zr_bench.exe --answers [printer name]    prints what each capability index answers instead
 #include <windows.h>
 #include <winspool.h>
 #include <picojson.h>
@@ -11,6 +12,7 @@
 
 #include "UI_dll/ddi.h"
 #include "bench/measure.h"
+#include "bench/queries.h"
 #include "common/handle.h"
 #include "common/job_records.h"
 #include "common/module.h"
@@ -40,23 +42,31 @@ std::wstring program_folder() {
     return path.substr(0, path.size() - qk::file_part(path).size());
 }
 
+std::wstring built_module() {
+    return program_folder() + L"..\\stage\\ZR_UI80.dll";
+}
+
+// Ten of them in each turn, so that where the compiler happens to place the loop counts for little.
+template <class Step>
+[[gnu::noinline]] void thousand_times(Step step) {
+    for (int i = 0; i < 1000; i += 10) {
+        step(i), step(i + 1), step(i + 2), step(i + 3), step(i + 4);
+        step(i + 5), step(i + 6), step(i + 7), step(i + 8), step(i + 9);
+    }
+}
+
 bool bench_trace() {
-    constexpr int kCalls = 1000;
+    const auto trace_off = [](int i) __attribute__((always_inline)) {
+        TRACE("bench");
+        sink = i;
+    };
+    const auto comparison = [](int i) __attribute__((always_inline)) {
+        if (bare_level >= 5)
+            std::abort();
+        sink = i;
+    };
     const auto pair = compare(
-        201, 100,
-        [] {
-            for (int i = 0; i < kCalls; ++i) {
-                TRACE("bench");
-                sink = i;
-            }
-        },
-        [] {
-            for (int i = 0; i < kCalls; ++i) {
-                if (bare_level >= 5)
-                    std::abort();
-                sink = i;
-            }
-        });
+        201, 100, [&] { thousand_times(trace_off); }, [&] { thousand_times(comparison); });
     return report("1,000 trace calls at level 0", "1,000 comparisons", pair, 1.5);
 }
 
@@ -119,36 +129,6 @@ bool bench_settings(const TempFolder& folder) {
         });
     good &= report("save it", "write the bytes and replace a file", save, 0);
     return good;
-}
-
-// What a DEVMODE query cannot do without.
-void ask_spooler(HANDLE printer) {
-    DWORD size = 0;
-    DWORD count = 0;
-    GetPrinterW(printer, 2, nullptr, 0, &size);
-    std::string buffer(size, '\0');
-    GetPrinterW(printer, 2, reinterpret_cast<BYTE*>(buffer.data()), size, &size);
-    EnumFormsW(printer, 1, nullptr, 0, &size, &count);
-    buffer.resize(size);
-    EnumFormsW(printer, 1, reinterpret_cast<BYTE*>(buffer.data()), size, &size, &count);
-}
-
-bool bench_devmode(const std::wstring& name) {
-    qk::PrinterHandleObj printer;
-    std::wstring printer_name = name;
-    if (!OpenPrinterW(printer_name.data(), printer.put(), nullptr)) {
-        std::printf("the DEVMODE query is not measured: no printer \"%ls\"\n", name.c_str());
-        return false;
-    }
-    const auto pair = compare(
-        101, 20,
-        [&] {
-            DriverDevmode out = {};
-            sink =
-                DrvDocumentProperties(nullptr, printer.get(), printer_name.data(), &out.dm, nullptr, DM_COPY);
-        },
-        [&] { ask_spooler(printer.get()); });
-    return report("direct DEVMODE query", "GetPrinterW twice and EnumFormsW twice", pair, 1.2);
 }
 
 // The road of a job, with a dialog library that answers at once.
@@ -226,26 +206,10 @@ bool bench_forms() {
     return growth < 2.0;
 }
 
-// Memory that belongs to this process alone: private regions and pages of images that can be written.
-size_t private_bytes() {
-    constexpr DWORD kWritable =
-        PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
-    size_t bytes = 0;
-    MEMORY_BASIC_INFORMATION region = {};
-    for (const BYTE* at = nullptr; VirtualQuery(at, &region, sizeof region) == sizeof region;
-         at = static_cast<const BYTE*>(region.BaseAddress) + region.RegionSize) {
-        const bool own =
-            region.Type == MEM_PRIVATE || (region.Type == MEM_IMAGE && (region.Protect & kWritable));
-        if (region.State == MEM_COMMIT && own)
-            bytes += region.RegionSize;
-    }
-    return bytes;
-}
-
 // In a process of its own, for the module is never unloaded: prints its own measures.
 int measure_load() {
-    const std::wstring path = program_folder() + L"..\\stage\\ZR_UI80.dll";
-    const size_t before = private_bytes();
+    const std::wstring path = built_module();
+    const size_t before = bench::private_bytes();
     const double start = bench::now_microseconds();
     HMODULE module = LoadLibraryW(path.c_str());
     const double loaded = bench::now_microseconds();
@@ -257,7 +221,7 @@ int measure_load() {
     FreeLibrary(module);
     const double again = bench::now_microseconds();
     std::printf("%.1f %.1f %llu\n", loaded - start, again - freed,
-                static_cast<unsigned long long>((private_bytes() - before) / 1024));
+                static_cast<unsigned long long>((bench::private_bytes() - before) / 1024));
     return 0;
 }
 
@@ -303,8 +267,7 @@ bool bench_load() {
     std::printf("%-44s %12.1f us\n", "load and free it again in that process", bench::median(again));
     std::printf("%-44s %12llu KiB\n", "private memory added to the host", private_kib);
     WIN32_FILE_ATTRIBUTE_DATA file = {};
-    GetFileAttributesExW((program_folder() + L"..\\stage\\ZR_UI80.dll").c_str(), GetFileExInfoStandard,
-                         &file);
+    GetFileAttributesExW(built_module().c_str(), GetFileExInfoStandard, &file);
     std::printf("%-44s %12lu bytes  limit 1048576 %s\n", "size of ZR_UI80.dll",
                 static_cast<unsigned long>(file.nFileSizeLow),
                 file.nFileSizeLow < 1048576 ? "ok" : "TOO LARGE");
@@ -316,10 +279,12 @@ bool bench_load() {
 int wmain(int argc, wchar_t** argv) {
     if (argc > 1 && std::wcscmp(argv[1], L"--measure-load") == 0)
         return measure_load();
+    if (argc > 1 && std::wcscmp(argv[1], L"--answers") == 0)
+        return bench::print_answers(argc > 2 ? argv[2] : qk::kProductName, built_module()) ? 0 : 1;
     bool good = bench_trace();
     const TempFolder folder;
     good &= bench_settings(folder);
-    good &= bench_devmode(argc > 1 ? argv[1] : qk::kProductName);
+    good &= bench::time_queries(argc > 1 ? argv[1] : qk::kProductName, built_module());
     good &= bench_load();
     {
         const MachineRegistry machine;

@@ -9,6 +9,7 @@ add_library(zr_compstui_core STATIC
     compstui/page_template.cpp
     compstui/sheet.cpp
     compstui/sheet_functions.cpp
+    compstui/sheet_size.cpp
     compstui/strings.cpp
     compstui/value_pane.cpp
     compstui/value_reading.cpp)

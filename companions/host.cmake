@@ -14,9 +14,13 @@ add_library(zr_host_core STATIC
     host/page_layout.cpp
     host/page_printer.cpp
     host/printer_setup.cpp
+    host/properties.cpp
     host/record_fields.cpp
     host/renderer.cpp
+    host/report_parts.cpp
     host/setting_choice.cpp
+    host/sheet_host.cpp
+    host/sheet_watch.cpp
     host/stage_files.cpp
     host/text_file.cpp
     host/trace_output.cpp)
@@ -24,7 +28,7 @@ target_link_libraries(zr_host_core PUBLIC zr_ui_core)
 
 add_executable(zr_print host/main.cpp host/zr_print.rc)
 set_source_files_properties(host/zr_print.rc PROPERTIES OBJECT_DEPENDS
-    "${CMAKE_CURRENT_SOURCE_DIR}/host/Vantrix.ppd;${CMAKE_CURRENT_SOURCE_DIR}/host/resource.h")
+    "${CMAKE_CURRENT_SOURCE_DIR}/host/Vantrix.ppd;${CMAKE_CURRENT_SOURCE_DIR}/host/zr_print.manifest;${CMAKE_CURRENT_SOURCE_DIR}/host/resource.h")
 target_link_libraries(zr_print PRIVATE zr_host_core)
 target_link_options(zr_print PRIVATE -municode)
 set_target_properties(zr_print PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/stage)

@@ -31,6 +31,41 @@
 #define IDC_SETTINGS_DELETE 7105
 #define IDC_SETTINGS_ICON 7110
 #define IDC_SETTINGS_LABEL 7111
+#define IDC_SETTINGS_PREVIEW 7112
+#define IDS_LIST_PAGE 1050
+
+// The edit sheet and its messages.
+#define IDS_CONFIRM_DELETE 1425
+#define IDS_SHEET_CAPTION 1426
+#define IDS_SHEET_NEW 1427
+#define IDS_NAME_TAKEN 1428
+#define IDS_CHECK_BUTTON 4379
+#define IDS_CHECKED 4382
+#define IDS_NOT_SAVED 4383
+#define IDS_NO_USER_FOLDER 4384
+#define IDS_UNREADABLE 4385
+#define IDS_CONFIRM_MORE 4386
+#define IDS_REFUSED 4396
+#define IDS_CONFIRM_CAPTION 4500
+#define IDS_CONFIRM_CHANGES 4501
+#define IDS_NAME_TAKEN_CAPTION 4631
+#define IDC_NAME 7122
+#define IDI_NO_DELETE 20005
+#define IDI_DELETE 1503
+#define IDI_NEW 1501
+#define IDI_EDIT 1502
+#define IDI_CUSTOM_SETTING 1504
+#define IDI_INSTALLED_SETTING 1505
+
+#include "pages/general.h"
+#include "pages/pdf_version.h"
+#include "pages/color.h"
+#include "pages/compress.h"
+#include "pages/font.h"
+#include "pages/securities.h"
+#include "pages/watermark.h"
+#include "pages/open_action.h"
+#include "pages/info.h"
 
 // Names of sections, fields and values, for the sentences that tell what differs between two settings
 // (20000 to 20999).

@@ -20,14 +20,12 @@ bool is_standard(WORD template_id) noexcept {
 }
 
 // The dialog template that a caller's page means; null when its library has none of that number.
-const DLGTEMPLATE* find_template(const DLGPAGE& page, HINSTANCE instance) noexcept {
+const DLGTEMPLATE* find_page_template(const DLGPAGE& page, HINSTANCE instance) noexcept {
     if (page.Flags & DPF_USE_HDLGTEMPLATE)
         return static_cast<const DLGTEMPLATE*>(page.hDlgTemplate ? LockResource(page.hDlgTemplate) : nullptr);
     if (is_standard(page.DlgTemplateID))
         return plain_page_template();
-    const HRSRC found = FindResourceW(instance, MAKEINTRESOURCEW(page.DlgTemplateID), RT_DIALOG);
-    const HGLOBAL loaded = found ? LoadResource(instance, found) : nullptr;
-    return static_cast<const DLGTEMPLATE*>(loaded ? LockResource(loaded) : nullptr);
+    return find_template(instance, MAKEINTRESOURCEW(page.DlgTemplateID));
 }
 
 }  // namespace
@@ -116,7 +114,7 @@ LONG GroupNode::make_page(const DLGPAGE& page, size_t index) {
     shown.dwSize = sizeof shown;
     shown.dwFlags = PSP_DLGINDIRECT;
     shown.hInstance = instance;
-    shown.pResource = find_template(page, instance);
+    shown.pResource = find_page_template(page, instance);
     shown.pfnDlgProc = page.DlgProc;
     if (!shown.pResource)
         return ERR_CPSUI_CREATEPROPPAGE_FAILED;

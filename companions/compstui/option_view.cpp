@@ -10,34 +10,41 @@ namespace compstui {
 
 namespace {
 
-constexpr LONG kEdge = 7;  // dialog units between controls and the page's edge
+// Dialog units.
+constexpr LONG kEdge = 7;         // between controls and the page's edge
+constexpr LONG kHalfCaption = 4;  // a group box draws its line that much below its edge
 
 // A control cannot be replaced while it is telling of its change: that is posted.
 UINT refresh_message() noexcept {
     return RegisterWindowMessageW(L"compstui refresh");
 }
 
-// The page's room below the controls that its template has.
-RECT free_room(HWND page) noexcept {
-    RECT room = {};
-    GetClientRect(page, &room);
-    RECT edge = {kEdge, kEdge, kEdge, kEdge};
-    MapDialogRect(page, &edge);
-    LONG top = 0;
+SIZE pixels(HWND page, LONG x, LONG y) noexcept {
+    RECT rect = {0, 0, x, y};
+    MapDialogRect(page, &rect);
+    return {rect.right, rect.bottom};
+}
+
+// Where the controls that the template has end.
+LONG foot_of_controls(HWND page) noexcept {
+    LONG foot = 0;
     for (HWND child = GetWindow(page, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
         RECT taken = {};
         GetWindowRect(child, &taken);
         MapWindowPoints(nullptr, page, reinterpret_cast<POINT*>(&taken), 2);
-        top = std::max(top, taken.bottom);
+        foot = std::max(foot, taken.bottom);
     }
-    return {edge.left, top + edge.top, room.right - edge.right, room.bottom - edge.bottom};
+    return foot;
 }
 
-HWND add_control(HWND page, DWORD extended, const wchar_t* window_class, DWORD style, int id,
-                 const RECT& place) {
+void place(HWND control, const RECT& where) noexcept {
+    SetWindowPos(control, nullptr, where.left, where.top, std::max(where.right - where.left, 1L),
+                 std::max(where.bottom - where.top, 1L), SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+HWND add_control(HWND page, DWORD extended, const wchar_t* window_class, DWORD style, int id) {
     const HWND control =
-        CreateWindowExW(extended, window_class, L"", style | WS_CHILD | WS_VISIBLE, place.left, place.top,
-                        std::max(place.right - place.left, 1L), std::max(place.bottom - place.top, 1L), page,
+        CreateWindowExW(extended, window_class, L"", style | WS_CHILD | WS_VISIBLE, 0, 0, 1, 1, page,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), nullptr, nullptr);
     SendMessageW(control, WM_SETFONT, static_cast<WPARAM>(SendMessageW(page, WM_GETFONT, 0, 0)), FALSE);
     return control;
@@ -71,23 +78,31 @@ OptionView::OptionView(HWND page, GroupNode& group, size_t index)
     : page_(page), group_(group), index_(index) {}
 
 void OptionView::make_controls() {
-    RECT room = free_room(page_);
-    const LONG split = room.left + (room.right - room.left) * 3 / 5;
+    top_ = foot_of_controls(page_);
     tree_ = GetDlgItem(page_, kOptionTree);
-    if (!tree_) {
-        const RECT left = {room.left, room.top, split, room.bottom};
-        tree_ = add_control(page_, WS_EX_CLIENTEDGE, WC_TREEVIEWW,
-                            TVS_HASLINES | TVS_LINESATROOT | TVS_HASBUTTONS | TVS_SHOWSELALWAYS | WS_TABSTOP,
-                            kOptionTree, left);
-    }
+    if (!tree_)
+        tree_ = made_tree_ = add_control(
+            page_, WS_EX_CLIENTEDGE, WC_TREEVIEWW,
+            TVS_HASLINES | TVS_LINESATROOT | TVS_HASBUTTONS | TVS_SHOWSELALWAYS | WS_TABSTOP, kOptionTree);
     HWND frame = GetDlgItem(page_, kOptionFrame);
-    if (!frame) {
-        RECT gap = {kEdge, 0, 0, 0};
-        MapDialogRect(page_, &gap);
-        const RECT right = {split + gap.left, room.top, room.right, room.bottom};
-        frame = add_control(page_, 0, WC_BUTTONW, BS_GROUPBOX, kOptionFrame, right);
-    }
+    if (!frame)
+        frame = made_frame_ = add_control(page_, 0, WC_BUTTONW, BS_GROUPBOX, kOptionFrame);
+    place_controls();
     pane_ = std::make_unique<ValuePane>(page_, frame);
+}
+
+// The tree above, the frame below, in the room that the template's controls leave.
+void OptionView::place_controls() const {
+    RECT page = {};
+    GetClientRect(page_, &page);
+    const SIZE edge = pixels(page_, kEdge, kEdge);
+    const LONG caption = pixels(page_, 0, kHalfCaption).cy;
+    const RECT room = {edge.cx, top_ + edge.cy, page.right - edge.cx, page.bottom - edge.cy};
+    const LONG split = (room.top + room.bottom) / 2;
+    if (made_tree_)
+        place(made_tree_, {room.left, room.top, room.right, split});
+    if (made_frame_)
+        place(made_frame_, {room.left, split + edge.cy - caption, room.right, room.bottom});
 }
 
 bool OptionView::answer_notification(const NMHDR& notification) {
@@ -116,6 +131,11 @@ INT_PTR OptionView::answer(UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == refresh_message()) {
         refresh_changed();
         return TRUE;
+    }
+    if (message == WM_SIZE && made_frame_ && !pane_->filling()) {
+        place_controls();
+        show_current();
+        return FALSE;
     }
     if (!current_ || pane_->filling())
         return FALSE;

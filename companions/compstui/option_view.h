@@ -1,4 +1,4 @@
-// The option items of one page: a tree of them all, and the chosen one's value beside it.
+// The option items of one page: a tree of them all, and the chosen one's value below it.
 #pragma once
 
 #include <memory>
@@ -24,6 +24,7 @@ private:
     OptionView(HWND page, GroupNode& group, size_t index);
 
     void make_controls();
+    void place_controls() const;
     void fill_tree();
     void choose(HTREEITEM chosen);
     void show_current();
@@ -42,6 +43,9 @@ private:
     GroupNode& group_;
     size_t index_;
     HWND tree_ = nullptr;
+    HWND made_tree_ = nullptr;   // null where the template has one
+    HWND made_frame_ = nullptr;  // the same
+    LONG top_ = 0;               // pixels: what the template has lies above
     std::unique_ptr<ValuePane> pane_;
     OPTITEM* current_ = nullptr;
     bool filling_ = false;

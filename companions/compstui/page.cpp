@@ -5,6 +5,7 @@
 
 #include "companions/compstui/group.h"
 #include "companions/compstui/option_view.h"
+#include "companions/compstui/page_template.h"
 #include "companions/compstui/sheet.h"
 #include "companions/compstui/sheet_functions.h"
 
@@ -61,6 +62,17 @@ bool PageNode::try_create(const PROPSHEETPAGEW& description, std::wstring title)
         page.pfnCallback = &PageNode::callback;
     property_page_ = CreatePropertySheetPageW(&page);
     return property_page_ != nullptr;
+}
+
+HINSTANCE PageNode::instance() const noexcept {
+    return reinterpret_cast<const PROPSHEETPAGEW*>(seen_)->hInstance;
+}
+
+const DLGTEMPLATE* PageNode::find_template() const noexcept {
+    const auto& seen = *reinterpret_cast<const PROPSHEETPAGEW*>(seen_);
+    if (seen.dwFlags & PSP_DLGINDIRECT)
+        return seen.pResource;
+    return seen.dwSize != 0 ? compstui::find_template(seen.hInstance, seen.pszTemplate) : nullptr;
 }
 
 PageNode* PageNode::of(HWND window) noexcept {

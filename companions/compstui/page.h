@@ -27,6 +27,11 @@ public:
 
     [[nodiscard]] HPROPSHEETPAGE property_page() const noexcept { return property_page_; }
 
+    // The page's dialog template; null for a page that the caller has made, and for a number that its library
+    // has no template of.
+    [[nodiscard]] const DLGTEMPLATE* find_template() const noexcept;
+    [[nodiscard]] HINSTANCE instance() const noexcept;
+
     // The sheet that is about to be shown frees the page.
     void give_up_property_page() noexcept { property_page_ = nullptr; }
 

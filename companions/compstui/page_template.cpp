@@ -33,4 +33,10 @@ const DLGTEMPLATE* plain_page_template() noexcept {
     return reinterpret_cast<const DLGTEMPLATE*>(&kPlainPage);
 }
 
+const DLGTEMPLATE* find_template(HINSTANCE instance, const wchar_t* name) noexcept {
+    const HRSRC found = FindResourceW(instance, name, RT_DIALOG);
+    const HGLOBAL loaded = found ? LoadResource(instance, found) : nullptr;
+    return static_cast<const DLGTEMPLATE*>(loaded ? LockResource(loaded) : nullptr);
+}
+
 }  // namespace compstui

@@ -5,6 +5,7 @@
 
 #include "common/memory_probe.h"
 #include "companions/compstui/page.h"
+#include "companions/compstui/sheet_size.h"
 #include "companions/compstui/strings.h"
 
 namespace compstui {
@@ -27,6 +28,24 @@ bool start(FunctionNode& function, LONG& answer) {
     answer = function.call(PROPSHEETUI_REASON_INIT, parameter);
     function.initialised = answer > 0;
     return function.initialised;
+}
+
+// Asks `function` for the sheet's header. One that only adds somebody else's function, as the print system's
+// own does, may leave it without a title: then the first function below that has one settles the header.
+bool try_fill_header(FunctionNode& function, PROPSHEETUI_INFO_HEADER& header) {
+    if (function.call(PROPSHEETUI_REASON_GET_INFO_HEADER, reinterpret_cast<LPARAM>(&header)) <= 0)
+        return false;
+    for (const auto& child : function.children) {
+        if (header.pTitle)
+            break;
+        PROPSHEETUI_INFO_HEADER below = {};
+        below.cbSize = sizeof below;
+        below.hWndParent = header.hWndParent;
+        if (child->kind == NodeKind::function && try_fill_header(static_cast<FunctionNode&>(*child), below) &&
+            below.pTitle)
+            header = below;
+    }
+    return true;
 }
 
 std::wstring sheet_title(const PROPSHEETUI_INFO_HEADER& header) {
@@ -77,7 +96,7 @@ LONG Sheet::show(HWND owner) {
     PROPSHEETUI_INFO_HEADER header = {};
     header.cbSize = sizeof header;
     header.hWndParent = owner;
-    if (root_->call(PROPSHEETUI_REASON_GET_INFO_HEADER, reinterpret_cast<LPARAM>(&header)) <= 0)
+    if (!try_fill_header(*root_, header))
         return ERR_CPSUI_GETLASTERROR;
     const LONG left = show_pages(header);
     // What Apply has written down and nobody has handed over yet counts even when Cancel follows at once.
@@ -97,7 +116,7 @@ LONG Sheet::show_pages(const PROPSHEETUI_INFO_HEADER& header) {
     const auto first = std::find(pages.begin(), pages.end(), start_page);
     PROPSHEETHEADERW sheet = {};
     sheet.dwSize = sizeof sheet;
-    sheet.dwFlags = sheet_flags(header);
+    sheet.dwFlags = sheet_flags(header) | PSH_USECALLBACK;
     sheet.hwndParent = header.hWndParent;
     sheet.hInstance = header.hInst;
     if (sheet.dwFlags & PSH_USEHICON)
@@ -108,6 +127,8 @@ LONG Sheet::show_pages(const PROPSHEETUI_INFO_HEADER& header) {
     sheet.nPages = static_cast<UINT>(handles.size());
     sheet.nStartPage = first == pages.end() ? 0 : static_cast<UINT>(first - pages.begin());
     sheet.phpage = handles.data();
+    const SheetSize size(pages);
+    sheet.pfnCallback = &SheetSize::callback;
     shown_ = true;
     for (PageNode* page : pages)
         page->give_up_property_page();

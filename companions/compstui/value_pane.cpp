@@ -118,11 +118,13 @@ void ValuePane::add_radios(const OPTITEM& item, HINSTANCE instance) {
 
 void ValuePane::add_list(const OPTITEM& item, HINSTANCE instance, bool combo) {
     const bool sorted = item.pOptType->Style & OTS_LBCB_SORT;
-    const LONG height = std::max<LONG>(units_.cy - kTop - 2 * kRow - kMargin, 2 * kRow);
+    const bool has_extra = find_extra_push(item) || find_extra_check(item);
+    constexpr LONG kMostOpen = 120;  // of a combo box with its list
+    const LONG room = std::max<LONG>(units_.cy - kTop - kMargin - (has_extra ? kRow + kMargin : 0), 2 * kRow);
     const DWORD style = combo ? CBS_DROPDOWNLIST | (sorted ? CBS_SORT : 0)
                               : LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_BORDER | (sorted ? LBS_SORT : 0);
     const HWND list = add(combo ? WC_COMBOBOXW : WC_LISTBOXW, L"", style | WS_VSCROLL | WS_TABSTOP,
-                          kOptionValue, row(kTop, units_.cx, std::min<LONG>(height, 120)));
+                          kOptionValue, row(kTop, units_.cx, combo ? std::min(room, kMostOpen) : room));
     const auto put = [&](const std::wstring& text, LONG selection) {
         const LRESULT at = SendMessageW(list, combo ? CB_ADDSTRING : LB_ADDSTRING, 0,
                                         reinterpret_cast<LPARAM>(text.c_str()));

@@ -1,4 +1,4 @@
-// The controls that show and change the value of one option item, inside the frame beside the tree.
+// The controls that show and change the value of one option item, inside the frame below the tree.
 #pragma once
 
 #include <optional>

@@ -10,6 +10,7 @@
 #include "common/text.h"
 #include "companions/host/host_error.h"
 #include "companions/host/printer_setup.h"
+#include "companions/host/sheet_host.h"
 
 namespace host {
 
@@ -86,6 +87,8 @@ void copy_files(const std::wstring& stage, const InstallPlaces& places, Steps& s
     make_folder(qk::shared_documents_folder());  // of the error logs, which do not make it themselves
     for (const FileCopy& copy : copies)
         steps.add(copy.target, outcome_name(bring_up_to_date(copy)));
+    const std::wstring sheet_host = sheet_host_path();
+    steps.add(sheet_host, install_sheet_host(stage + L"compstui.dll", sheet_host));
 }
 
 void remove_file(const std::wstring& path, Steps& steps) {
@@ -149,6 +152,8 @@ InstallSteps uninstall(const StepSeen& seen) {
     steps.add(std::wstring(L"printer ") + qk::kProductName, remove_printer() ? L"removed" : L"was not there");
     steps.add(L"driver", remove_driver() ? L"removed" : L"was not there");
     remove_files(places, steps);
+    if (const std::wstring sheet_host = sheet_host_path(); remove_sheet_host(sheet_host))
+        steps.add(sheet_host, L"the system's own again");
     const qk::RegKey root = machine_key(qk::registry::kRoot);
     RegDeleteValueW(root.get(), kFolderValue);
     steps.add(kFolderValue, L"removed");
@@ -169,6 +174,7 @@ InstallSteps installation_status() {
     steps.add(kFolderValue, folder.empty() ? L"missing" : folder, !folder.empty());
     for (const wchar_t* name : {L"Tessalo80.dll", L"zr_render.exe", L"Settings\\standard.ps4"})
         look_for_file(folder + name, steps);
+    steps.add(sheet_host_path(), sheet_host_state(sheet_host_path()));
     steps.add(L"failed jobs are told through", notify_channels_text());
     return steps.take();
 }

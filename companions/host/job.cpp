@@ -36,22 +36,6 @@ std::wstring spool_path() {
     return qk::format(L"%szr_spool_%u_%u.ps", folder.c_str(), GetCurrentProcessId(), GetCurrentThreadId());
 }
 
-// A setting is a path when it looks like one, else a name that the settings folders are searched for.
-std::wstring setting_for_module(const std::wstring& setting) {
-    return setting.find_first_of(L"\\/") == std::wstring::npos ? setting : absolute_path(setting);
-}
-
-// The document settings that an application starts from; empty when the driver gives none.
-std::vector<std::byte> default_mode(HANDLE printer) {
-    wchar_t* name = const_cast<wchar_t*>(qk::kProductName);
-    const LONG size = DocumentPropertiesW(nullptr, printer, name, nullptr, nullptr, 0);
-    std::vector<std::byte> mode(size > 0 ? static_cast<size_t>(size) : 0);
-    if (mode.empty() || DocumentPropertiesW(nullptr, printer, name, reinterpret_cast<DEVMODEW*>(mode.data()),
-                                            nullptr, DM_OUT_BUFFER) != IDOK)
-        mode.clear();
-    return mode;
-}
-
 class JobRun {
 public:
     JobRun(const Options& options, const DriverModule& module, const OutputTarget& target, JobReport& report)

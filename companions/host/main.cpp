@@ -3,8 +3,8 @@
 
 #include <picojson.h>
 
-#include <memory>
 #include <mutex>
+#include <optional>
 
 #include "common/paths.h"
 #include "common/text.h"
@@ -14,6 +14,8 @@
 #include "companions/host/instant_jobs.h"
 #include "companions/host/job.h"
 #include "companions/host/options.h"
+#include "companions/host/printer_setup.h"
+#include "companions/host/properties.h"
 #include "companions/host/trace_output.h"
 
 namespace host {
@@ -64,6 +66,8 @@ ExitCode run_install(const Options& options) {
     const InstallSteps steps = install(stage_folder(options), &show_step);
     if (options.notify_channels)
         set_notify_channels(*options.notify_channels);
+    if (options.make_default)
+        make_default_printer();
     return finish(options, steps);
 }
 
@@ -82,13 +86,13 @@ ExitCode run_instant(const Options& options) {
     return succeeded(report) ? ExitCode::kDone : ExitCode::kJobFailed;
 }
 
-// Shows each line of the trace at once and keeps it for the JSON report.
+// Switches the trace on where a level is given, shows each of its lines at once and keeps it for the JSON
+// report.
 class TraceLines {
 public:
-    void add(const std::wstring& line) {
-        const std::lock_guard guard(lock_);
-        print_line(L"  trace " + line);
-        lines_.push_back(line);
+    explicit TraceLines(std::optional<DWORD> level) {
+        if (level)
+            output_.emplace(*level, [this](const std::wstring& line) { add(line); });
     }
     [[nodiscard]] std::vector<std::wstring> take() {
         const std::lock_guard guard(lock_);
@@ -96,18 +100,21 @@ public:
     }
 
 private:
+    void add(const std::wstring& line) {
+        const std::lock_guard guard(lock_);
+        print_line(L"  trace " + line);
+        lines_.push_back(line);
+    }
+
     std::mutex lock_;
     std::vector<std::wstring> lines_;
+    std::optional<TraceOutput> output_;
 };
 
 ExitCode run_print(const Options& options) {
     if (options.notify_channels)
         set_notify_channels(*options.notify_channels);
-    TraceLines trace;
-    std::unique_ptr<TraceOutput> output;
-    if (options.trace_level)
-        output = std::make_unique<TraceOutput>(*options.trace_level,
-                                               [&trace](const std::wstring& line) { trace.add(line); });
+    TraceLines trace(options.trace_level);
     if (options.threads != 0)
         return run_instant(options);
     JobReport report = print_file(options, load_driver_module());
@@ -116,6 +123,16 @@ ExitCode run_print(const Options& options) {
     if (options.json)
         print_document(qk::to_wide(report_json(report)));
     return succeeded(report.outcome) ? ExitCode::kDone : ExitCode::kJobFailed;
+}
+
+ExitCode run_properties(const Options& options) {
+    TraceLines trace(options.trace_level);
+    SheetReport report = show_properties(options, load_driver_module());
+    report.trace = trace.take();
+    print_lines(report_lines(report));
+    if (options.json)
+        print_document(qk::to_wide(report_json(report)));
+    return report.sheets.empty() || report.result < 0 ? ExitCode::kJobFailed : ExitCode::kDone;
 }
 
 ExitCode run(const Options& options) {
@@ -133,6 +150,8 @@ ExitCode run(const Options& options) {
             return run_status(options);
         case Command::kPrint:
             return run_print(options);
+        case Command::kProperties:
+            return run_properties(options);
     }
     return ExitCode::kInternal;
 }

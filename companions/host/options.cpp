@@ -1,5 +1,7 @@
 #include "companions/host/options.h"
 
+#include <prsht.h>
+
 #include <charconv>
 
 #include "common/text.h"
@@ -10,11 +12,12 @@ const wchar_t kUsageText[] =
     L"zr_print: prints text files through the printer \"Corvanta Vantrix 8.0\" and plays the print system\n"
     L"around its user-interface module.\n"
     L"\n"
-    L"usage: zr_print install [--from DIR] [--notify-channels N] [--json]\n"
+    L"usage: zr_print install [--from DIR] [--notify-channels N] [--default] [--json]\n"
     L"       zr_print uninstall [--json]\n"
     L"       zr_print status [--json]\n"
     L"       zr_print print FILE [options] [--json]\n"
     L"       zr_print print --threads N [--jobs M] [--output DIR] [--json]\n"
+    L"       zr_print properties [--document | --printer] [options] [--json]\n"
     L"       zr_print help\n"
     L"\n"
     L"install   sets up the printer, its driver files and the installation folder, or repairs what is "
@@ -22,6 +25,7 @@ const wchar_t kUsageText[] =
     L"  --from DIR           the built tree; usual: the folder of this program\n"
     L"  --notify-channels N  how failed jobs are told, kept in the registry; the sum of 1 message box,\n"
     L"                       2 event log, 4 debug output, 8 log file (usual: 1)\n"
+    L"  --default            makes the printer the user's default\n"
     L"print     prints a text file: UTF-8, UTF-16 with a byte-order mark, or Windows-1252\n"
     L"  --title TEXT         title of the document; usual: the file's name\n"
     L"  --output PATH        the PDF (PATH ends in .pdf) or the folder for it, with no dialog shown; a PDF "
@@ -35,6 +39,14 @@ const wchar_t kUsageText[] =
     L"  --notify-channels N  as for install\n"
     L"  --threads N          no pages: N threads each start and end --jobs M jobs, and what the module has\n"
     L"                       published is checked (usual: 1 job)\n"
+    L"properties  opens a sheet and tells what came back\n"
+    L"  --document           the document's, as programs that print do (usual)\n"
+    L"  --printer            the printer's\n"
+    L"  --direct             the document's, asked of the module itself and not through the print system\n"
+    L"  --press ok|cancel    presses the button itself; usual: a user does\n"
+    L"  --no-permission      the document's sheet may change nothing\n"
+    L"  --setting NAME|PATH  the print setting in force while it is open\n"
+    L"  --trace LEVEL        as for print\n"
     L"--json                 the report as one JSON object on the standard output\n"
     L"\n"
     L"exit codes: 0 done; 1 the job was refused, cancelled or failed; 2 wrong arguments, or the text file\n"
@@ -47,9 +59,9 @@ struct CommandName {
     Command command;
 };
 constexpr CommandName kCommands[] = {
-    {L"help", Command::kHelp},       {L"--help", Command::kHelp},         {L"-h", Command::kHelp},
-    {L"install", Command::kInstall}, {L"uninstall", Command::kUninstall}, {L"status", Command::kStatus},
-    {L"print", Command::kPrint}};
+    {L"help", Command::kHelp},       {L"--help", Command::kHelp},          {L"-h", Command::kHelp},
+    {L"install", Command::kInstall}, {L"uninstall", Command::kUninstall},  {L"status", Command::kStatus},
+    {L"print", Command::kPrint},     {L"properties", Command::kProperties}};
 
 std::optional<size_t> find_count(std::wstring_view text, size_t most) {
     const std::string digits = qk::to_utf8(text);
@@ -81,6 +93,13 @@ bool set_from_one(size_t& target, const std::wstring& text, size_t most) {
 bool set_text(std::wstring& target, const std::wstring& text) {
     target = text;
     return !text.empty();
+}
+
+bool set_button(std::optional<int>& target, std::wstring_view text) {
+    if (text != L"ok" && text != L"cancel")
+        return false;
+    target = text == L"ok" ? PSBTN_OK : PSBTN_CANCEL;
+    return true;
 }
 
 struct OptionName {
@@ -117,6 +136,17 @@ constexpr OptionName kOptions[] = {
      [](Options& o, const std::wstring& t) { return set_from_one(o.threads, t, kMostThreads); }, nullptr},
     {L"--jobs", Command::kPrint,
      [](Options& o, const std::wstring& t) { return set_from_one(o.jobs, t, kMostJobs); }, nullptr},
+    {L"--setting", Command::kProperties,
+     [](Options& o, const std::wstring& t) { return set_text(o.setting, t); }, nullptr},
+    {L"--trace", Command::kProperties,
+     [](Options& o, const std::wstring& t) { return set_number(o.trace_level, t); }, nullptr},
+    {L"--press", Command::kProperties,
+     [](Options& o, const std::wstring& t) { return set_button(o.button, t); }, nullptr},
+    {L"--document", Command::kProperties, nullptr, [](Options& o) { o.printer_sheet = false; }},
+    {L"--printer", Command::kProperties, nullptr, [](Options& o) { o.printer_sheet = true; }},
+    {L"--direct", Command::kProperties, nullptr, [](Options& o) { o.direct = true; }},
+    {L"--no-permission", Command::kProperties, nullptr, [](Options& o) { o.no_permission = true; }},
+    {L"--default", Command::kInstall, nullptr, [](Options& o) { o.make_default = true; }},
     {L"--no-render", Command::kPrint, nullptr, [](Options& o) { o.render = false; }},
     {L"--keep-spool", Command::kPrint, nullptr, [](Options& o) { o.keep_spool = true; }},
 };

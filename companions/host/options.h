@@ -10,7 +10,7 @@
 
 namespace host {
 
-enum class Command { kHelp, kInstall, kUninstall, kStatus, kPrint };
+enum class Command { kHelp, kInstall, kUninstall, kStatus, kPrint, kProperties };
 
 struct Options {
     Command command = Command::kHelp;
@@ -19,8 +19,15 @@ struct Options {
     // install
     std::wstring from;                     // folder to install from; empty: the program's own
     std::optional<DWORD> notify_channels;  // also print
+    bool make_default = false;
 
-    // print
+    // properties
+    bool printer_sheet = false;
+    bool direct = false;
+    bool no_permission = false;
+    std::optional<int> button;  // PSBTN_*: pressed without a user
+
+    // print; the setting and the trace also properties
     std::wstring file;
     std::wstring title;    // empty: the file's name
     std::wstring output;   // PDF file or folder; empty: the dialog library decides

@@ -2,9 +2,7 @@
 
 #include <winspool.h>
 
-#include <cstddef>
 #include <string_view>
-#include <vector>
 
 #include "common/module.h"
 #include "common/text.h"
@@ -149,6 +147,21 @@ qk::PrinterHandleObj open_printer(ACCESS_MASK access) {
     qk::PrinterHandleObj printer;
     OpenPrinterW(writable(qk::kProductName), printer.put(), access == 0 ? nullptr : &defaults);
     return printer;
+}
+
+std::vector<std::byte> default_mode(HANDLE printer) {
+    wchar_t* name = writable(qk::kProductName);
+    const LONG size = DocumentPropertiesW(nullptr, printer, name, nullptr, nullptr, 0);
+    std::vector<std::byte> mode(size > 0 ? static_cast<size_t>(size) : 0);
+    if (mode.empty() || DocumentPropertiesW(nullptr, printer, name, reinterpret_cast<DEVMODEW*>(mode.data()),
+                                            nullptr, DM_OUT_BUFFER) != IDOK)
+        mode.clear();
+    return mode;
+}
+
+void make_default_printer() {
+    if (!SetDefaultPrinterW(qk::kProductName))
+        throw installation_fault(L"the printer cannot be made the default", GetLastError());
 }
 
 }  // namespace host

@@ -3,8 +3,10 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "common/handle.h"
 
@@ -35,5 +37,11 @@ bool remove_driver();
 
 // The printer; empty, with the last error, when it cannot be opened.
 [[nodiscard]] qk::PrinterHandleObj open_printer(ACCESS_MASK access = 0);
+
+// The document settings that an application starts from; empty when the driver gives none.
+[[nodiscard]] std::vector<std::byte> default_mode(HANDLE printer);
+
+// Makes the printer the current user's default. Throws HostError (installation).
+void make_default_printer();
 
 }  // namespace host

@@ -3,6 +3,7 @@
 #include "common/module.h"
 #include "common/registry.h"
 #include "companions/host/host_error.h"
+#include "companions/host/output_target.h"
 
 namespace host {
 
@@ -42,6 +43,10 @@ void SettingTurn::choose(const std::wstring& setting) {
         throw HostError{ExitCode::kInstallation,
                         with_reason(L"the job's setting cannot be chosen", static_cast<DWORD>(error))};
     chosen_ = true;
+}
+
+std::wstring setting_for_module(const std::wstring& setting) {
+    return setting.find_first_of(L"\\/") == std::wstring::npos ? setting : absolute_path(setting);
 }
 
 }  // namespace host

@@ -27,4 +27,8 @@ private:
     bool chosen_ = false;
 };
 
+// What SettingTurn takes for a setting named on the command line: a path when it looks like one, made
+// absolute, else a name that the settings folders are searched for.
+[[nodiscard]] std::wstring setting_for_module(const std::wstring& setting);
+
 }  // namespace host

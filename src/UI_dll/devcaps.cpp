@@ -1,8 +1,15 @@
 #include "UI_dll/devcaps.h"
 
-#include <array>
-#include <cstring>
+#include <emmintrin.h>
 
+#include <array>
+#include <bit>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "UI_dll/plotui.h"
 #include "UI_dll/ptrinfo.h"
 #include "common/handle.h"
 #include "common/memory_probe.h"
@@ -17,40 +24,64 @@ namespace devcaps {
 
 namespace {
 
-constexpr DWORD kNameUnits = 64;  // a paper's name
-constexpr DWORD kBinNameUnits = 24;
-constexpr DWORD kPersonalityUnits = 32;
+constexpr size_t kNameUnits = 64;  // a paper's name
+constexpr size_t kBinNameUnits = 24;
+constexpr size_t kPersonalityUnits = 32;
 constexpr std::array<LONG, 10> kResolutions = {72, 96, 144, 300, 360, 600, 720, 1200, 2400, 3600};
 constexpr POINTS kSmallest = {254, 254};  // tenths of a millimetre
 constexpr POINTS kLargest = {32767, 32767};
 constexpr POINT kCustomSize = {2100, 2970};  // what the custom-size entry tells, deliberately that of A4
 
-// An answer that does not depend on the printer; nothing for every other index.
-struct Constant {
-    WORD index;
-    DWORD value;
-};
-
 constexpr DWORD extent(POINTS size) noexcept {
     return static_cast<DWORD>(static_cast<WORD>(size.y)) << 16 | static_cast<WORD>(size.x);
 }
 
-constexpr Constant kConstants[] = {
-    {DC_MINEXTENT, extent(kSmallest)},
-    {DC_MAXEXTENT, extent(kLargest)},
-    {DC_DUPLEX, 0},
-    {DC_TRUETYPE, DCTT_DOWNLOAD},
-    {DC_ORIENTATION, 90},
-    {DC_COPIES, 1},
-    {DC_COLLATE, 0},
-    {DC_PRINTRATE, 100},
-    {DC_PRINTRATEUNIT, PRINTRATEUNIT_PPM},
-    {DC_PRINTERMEM, 0x40000},
-    {DC_STAPLE, 0},
-    {DC_PRINTRATEPPM, 100},
-    {DC_COLORDEVICE, 1},
-    {DC_NUP, 0},
-};
+// The answers that do not depend on the printer and write nothing, by index.
+constexpr auto kConstants = [] {
+    std::array<std::optional<DWORD>, DC_NUP + 1> answers = {};
+    answers[DC_MINEXTENT] = extent(kSmallest);
+    answers[DC_MAXEXTENT] = extent(kLargest);
+    answers[DC_DUPLEX] = 0;
+    answers[DC_SIZE] = kDevmodeSize;  // merging never changes the layout
+    answers[DC_EXTRA] = kDevmodeExtra;
+    answers[DC_VERSION] = kSpecVersion;
+    answers[DC_DRIVER] = kDriverVersion;
+    answers[DC_TRUETYPE] = DCTT_DOWNLOAD;
+    answers[DC_ORIENTATION] = 90;
+    answers[DC_COPIES] = 1;
+    answers[DC_COLLATE] = 0;
+    answers[DC_PRINTRATE] = 100;
+    answers[DC_PRINTRATEUNIT] = PRINTRATEUNIT_PPM;
+    answers[DC_PRINTERMEM] = 0x40000;
+    answers[DC_STAPLE] = 0;
+    answers[DC_PRINTRATEPPM] = 100;
+    answers[DC_COLORDEVICE] = 1;
+    answers[DC_NUP] = 0;
+    return answers;
+}();
+
+// Names are copied in pieces of eight units: the names are the larger part of what a list of them costs
+// beside the forms calls.
+constexpr size_t kPieceUnits = sizeof(__m128i) / sizeof(wchar_t);
+
+// Whether a whole piece can be read wherever the text in it ends.
+bool is_within_page(const wchar_t* piece) noexcept {
+    constexpr uintptr_t kPage = 4096;
+    return reinterpret_cast<uintptr_t>(piece) % kPage <= kPage - sizeof(__m128i);
+}
+
+// Copies what stands before the first zero, zeros for the rest, and returns the number of units.
+size_t copy_piece(std::byte* target, const wchar_t* source) noexcept {
+    static constexpr std::array<uint16_t, 2 * kPieceUnits> kKept = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF,
+                                                                    0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
+    const __m128i piece = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
+    const auto zeros = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(piece, _mm_setzero_si128())));
+    const size_t units = zeros ? static_cast<size_t>(std::countr_zero(zeros)) / sizeof(wchar_t) : kPieceUnits;
+    const void* mask = &kKept[kPieceUnits - units];
+    const __m128i kept = _mm_and_si128(piece, _mm_loadu_si128(static_cast<const __m128i*>(mask)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(target), kept);
+    return units;
+}
 
 // A caller's buffer, of which nobody says how large it is.
 class Buffer {
@@ -65,11 +96,28 @@ public:
         at_ += sizeof value;
     }
 
-    void put_name(std::wstring_view name, size_t units) noexcept {
-        std::array<wchar_t, kNameUnits> slot = {};
-        qk::copy_zero_padded(slot.data(), units, name);
-        std::memcpy(at_, slot.data(), units * sizeof(wchar_t));
-        at_ += units * sizeof(wchar_t);
+    void clear(size_t bytes) noexcept { std::memset(at_, 0, bytes); }
+
+    // A text in a cleared slot of fixed width: cut to leave a zero behind it, but not within a surrogate
+    // pair. The first `units` of it stand there already.
+    template <size_t kUnits>
+    void put_name(const wchar_t* name, size_t units = 0) noexcept {
+        std::byte* const slot = std::exchange(at_, at_ + kUnits * sizeof(wchar_t));
+        for (; units < kUnits - 1 && name[units] != L'\0'; ++units)
+            std::memcpy(slot + units * sizeof(wchar_t), &name[units], sizeof(wchar_t));
+        if (units > 0 && name[units] != L'\0' && IS_HIGH_SURROGATE(name[units - 1]))
+            std::memset(slot + (units - 1) * sizeof(wchar_t), 0, sizeof(wchar_t));
+    }
+
+    void put_paper_name(const wchar_t* name) noexcept {
+        size_t units = 0;
+        while (units + kPieceUnits < kNameUnits && is_within_page(name + units)) {
+            const size_t taken = copy_piece(at_ + units * sizeof(wchar_t), name + units);
+            units += taken;
+            if (taken < kPieceUnits)
+                break;
+        }
+        put_name<kNameUnits>(name, units);
     }
 
     explicit operator bool() const noexcept { return at_ != nullptr; }
@@ -82,22 +130,37 @@ constexpr LONG short_tenths(LONG thousandths) noexcept {
     return static_cast<short>(tenths_of_mm(thousandths));
 }
 
+// The text in the library that the module has held since it was loaded: a query loads none.
+std::wstring load_custom_paper_name() {
+    const wchar_t* text = nullptr;  // with a capacity of 0 the system gives the text where it lies
+    const int units = plotui::resource_module() ? LoadStringW(plotui::resource_module(), IDS_CUSTOM_PAPER,
+                                                              reinterpret_cast<wchar_t*>(&text), 0)
+                                                : 0;
+    return units > 0 ? std::wstring(text, static_cast<size_t>(units)) : qk::load_string(IDS_CUSTOM_PAPER);
+}
+
+// Looked up once: the language library of a process stays the same.
+const std::wstring& custom_paper_name() {
+    static const std::wstring name = load_custom_paper_name();
+    return name;
+}
+
 // Writes one entry per paper and the custom-size entry behind them.
 class PaperWriter final : public FormCallback {
 public:
     PaperWriter(WORD index, Buffer& buffer) noexcept : index_(index), buffer_(buffer) {}
 
-    void operator()(const FormRecord* record) override {
+    void operator()(const FormView* form) override {
         switch (index_) {
             case DC_PAPERS:
-                buffer_.put(record ? record->paper_number : static_cast<uint16_t>(DMPAPER_USER));
+                buffer_.put(form ? form->paper_number : static_cast<uint16_t>(DMPAPER_USER));
                 break;
             case DC_PAPERSIZE:
-                buffer_.put(record ? POINT{short_tenths(record->size.cx), short_tenths(record->size.cy)}
-                                   : kCustomSize);
+                buffer_.put(form ? POINT{short_tenths(form->size.cx), short_tenths(form->size.cy)}
+                                 : kCustomSize);
                 break;
             default:
-                buffer_.put_name(record ? record->name : qk::load_string(IDS_CUSTOM_PAPER), kNameUnits);
+                buffer_.put_paper_name(form ? form->name : custom_paper_name().c_str());
                 break;
         }
     }
@@ -128,24 +191,30 @@ private:
 };
 
 DWORD list_papers(HANDLE printer, WORD index, Buffer buffer) {
-    std::vector<FormRecord> records;
-    if (!ZRTK_EnumForms(printer, nullptr, records))
+    TRACE("ZRTK_EnumForms");
+    const auto forms = FormList::read(printer);
+    if (!forms)
         return kFailed;
-    const size_t count = records.size() + 1;
+    const size_t count = forms->size() + 1;
     if (!buffer)
         return static_cast<DWORD>(count);
-    if (!buffer.can_take(count * PaperWriter::entry_bytes(index)))
+    const size_t bytes = count * PaperWriter::entry_bytes(index);
+    if (!buffer.can_take(bytes))
         return kFailed;
+    buffer.clear(bytes);
     PaperWriter write(index, buffer);
-    report_forms(records, write);
+    forms->report(write);
     return static_cast<DWORD>(count);
 }
 
-DWORD name_in_slot(std::wstring_view name, size_t units, Buffer buffer) noexcept {
-    if (!buffer.can_take(units * sizeof(wchar_t)))
+template <size_t kUnits>
+DWORD name_in_slot(const wchar_t* name, Buffer buffer) noexcept {
+    if (!buffer.can_take(kUnits * sizeof(wchar_t)))
         return kFailed;
-    if (buffer)
-        buffer.put_name(name, units);
+    if (buffer) {
+        buffer.clear(kUnits * sizeof(wchar_t));
+        buffer.put_name<kUnits>(name);
+    }
     return 1;
 }
 
@@ -168,41 +237,21 @@ DWORD one_value(const T& value, DWORD result, Buffer buffer) noexcept {
     return result;
 }
 
-DWORD devmode_figure(const DEVMODEW& dm, WORD index) noexcept {
-    switch (index) {
-        case DC_FIELDS:
-            return dm.dmFields;
-        case DC_SIZE:
-            return dm.dmSize;
-        case DC_EXTRA:
-            return dm.dmDriverExtra;
-        case DC_VERSION:
-            return dm.dmSpecVersion;
-        default:
-            return dm.dmDriverVersion;
-    }
-}
-
-DWORD devmode_answer(HANDLE printer, const DEVMODEW* devmode, WORD index) {
+DWORD fields_of_devmode(HANDLE printer, const DEVMODEW* devmode) {
     std::unique_ptr<PrinterInformation> information;
     if (!MapPrinter(information, printer, devmode, false))
         return kFailed;
-    return devmode_figure(information->devmode.dm, index);
+    return information->devmode.dm.dmFields;
 }
 
 // The printer is asked only for the answers that depend on it: programs ask dozens of these while a window
 // opens, and each call of the spooler may go over a network.
 DWORD answer(HANDLE printer, LPWSTR device, WORD index, Buffer buffer, const DEVMODEW* devmode) {
-    for (const Constant& constant : kConstants)
-        if (constant.index == index)
-            return constant.value;
+    if (index < kConstants.size() && kConstants[index])
+        return *kConstants[index];
     switch (index) {
         case DC_FIELDS:
-        case DC_SIZE:
-        case DC_EXTRA:
-        case DC_VERSION:
-        case DC_DRIVER:
-            return devmode_answer(CallPrinter(printer, device).get(), devmode, index);
+            return fields_of_devmode(CallPrinter(printer, device).get(), devmode);
         case kSplPaperNames:
             if (!buffer)
                 return kFailed;
@@ -216,17 +265,17 @@ DWORD answer(HANDLE printer, LPWSTR device, WORD index, Buffer buffer, const DEV
                 return kFailed;
             [[fallthrough]];
         case DC_MEDIAREADY:
-            return name_in_slot(PrinterInformation{}.form_name, kNameUnits, buffer);
+            return name_in_slot<kNameUnits>(PrinterInformation::kFormName, buffer);
         case DC_BINS:
             return one_value(WORD{1}, 1, buffer);
         case DC_BINNAMES:
-            return name_in_slot(L"PDF", kBinNameUnits, buffer);
+            return name_in_slot<kBinNameUnits>(L"PDF", buffer);
         case DC_ENUMRESOLUTIONS:
             return list_resolutions(buffer);
         case DC_FILEDEPENDENCIES:
             return one_value(L'\0', 0, buffer);
         case DC_PERSONALITY:
-            return name_in_slot(L"NONE", kPersonalityUnits, buffer);
+            return name_in_slot<kPersonalityUnits>(L"NONE", buffer);
         default:
             TRACE_F(L"defaullt:Capability=%d", int{index});
             return 0;
@@ -247,7 +296,7 @@ DWORD spooler_capability(HANDLE printer, LPWSTR device, WORD index, void* output
         return kFailed;
     WORD asked = index;  // without a buffer the index goes on unchanged, which counts
     if (output) {
-        const DWORD slots = output_units / kNameUnits;
+        const auto slots = static_cast<DWORD>(output_units / kNameUnits);
         if (slots == 0 || !qk::is_writable(output, size_t{slots} * kNameUnits * sizeof(wchar_t)))
             return kFailed;
         std::memcpy(output, &slots, sizeof slots);

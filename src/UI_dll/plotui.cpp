@@ -3,6 +3,7 @@
 #include <string>
 
 #include "common/handle.h"
+#include "common/module.h"
 #include "common/paths.h"
 #include "common/resource_dll.h"
 #include "common/text.h"
@@ -31,22 +32,23 @@ bool load_resources() {
     return false;
 }
 
+qk::ActivationContext own_context(HINSTANCE instance) {
+    ACTCTXW request = {sizeof request};
+    request.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
+    request.hModule = instance;
+    request.lpResourceName = MAKEINTRESOURCEW(kManifestId);
+    return qk::ActivationContext(CreateActCtxW(&request));
+}
+
 // Loads the module once more under its own manifest. This reference is never given back: callbacks and sheets
 // that the system holds stay valid after a caller has freed the driver.
 void pin(HINSTANCE instance) {
     wchar_t path[292] = {};
     if (GetModuleFileNameW(instance, path, static_cast<DWORD>(std::size(path))) == 0)
         return;
-    ACTCTXW request = {sizeof request};
-    request.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
-    request.hModule = instance;
-    request.lpResourceName = MAKEINTRESOURCEW(kManifestId);
-    const qk::ActivationContext context(CreateActCtxW(&request));
-    ULONG_PTR cookie = 0;
-    if (!context || !ActivateActCtx(context.get(), &cookie))
-        return;
-    LoadLibraryW(path);
-    DeactivateActCtx(0, cookie);
+    const CommonControls controls;
+    if (controls)
+        LoadLibraryW(path);
 }
 
 }  // namespace
@@ -81,6 +83,15 @@ void detach_process(bool process_ends) noexcept {
 
 HMODULE resource_module() noexcept {
     return resources;
+}
+
+CommonControls::CommonControls()
+    : context_(own_context(qk::module_instance())),
+      active_(context_ && ActivateActCtx(context_.get(), &cookie_)) {}
+
+CommonControls::~CommonControls() {
+    if (active_)
+        DeactivateActCtx(0, cookie_);
 }
 
 }  // namespace plotui

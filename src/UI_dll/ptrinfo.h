@@ -18,9 +18,10 @@ struct PrinterInformation {
     bool document_properties = false;
     bool model_write_failed = false;
     DriverDevmode devmode = {};
-    DWORD refused = 0;                   // dmFields bits that the last merge refused
-    const wchar_t* form_name = L"A4";    // the current form, whatever paper the DEVMODE holds
-    SIZEL form_size = {210000, 297000};  // thousandths of a millimetre
+    DWORD refused = 0;  // dmFields bits that the last merge refused
+    static constexpr wchar_t kFormName[] = L"A4";
+    const wchar_t* form_name = kFormName;  // the current form, whatever paper the DEVMODE holds
+    SIZEL form_size = {210000, 297000};    // thousandths of a millimetre
     const DEVMODEW* caller_devmode = nullptr;
 
     // Of a property sheet only.

@@ -1,15 +1,11 @@
 #include "common/icc_profile.h"
 
-#include <winspool.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <vector>
 
 #include "common/handle.h"
-#include "common/paths.h"
-#include "common/text.h"
 #include "common/trace.h"
 
 namespace icc {
@@ -106,43 +102,7 @@ std::optional<std::wstring> find_localized_text(const Reader& element) {
     return until_zero(std::move(wide));
 }
 
-std::wstring driver_folder() {
-    DWORD bytes = 0;
-    GetPrinterDriverDirectoryW(nullptr, nullptr, 1, nullptr, 0, &bytes);
-    if (bytes == 0)
-        return {};
-    std::vector<wchar_t> buffer(bytes / sizeof(wchar_t) + 1);
-    if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(buffer.data()), bytes,
-                                    &bytes))
-        return {};
-    return buffer.data();
-}
-
 }  // namespace
-
-std::wstring profile_folder() {
-    const std::wstring folder = driver_folder();
-    if (folder.size() < 2)
-        return {};
-    const size_t slash = folder.rfind(L'\\', folder.size() - 2);  // a trailing backslash is no component
-    return slash == std::wstring::npos ? std::wstring() : folder.substr(0, slash) + L"\\color\\";
-}
-
-std::optional<std::wstring> find_profile(std::wstring_view stored_name) {
-    if (stored_name.empty())
-        return std::nullopt;
-    std::wstring path(stored_name);
-    if (qk::is_file(path))
-        return path;
-    const std::wstring folder = profile_folder();
-    const std::wstring_view name = qk::file_part(stored_name);
-    if (folder.empty() || name.empty())
-        return std::nullopt;
-    path = folder + std::wstring(name);
-    if (!qk::is_file(path))
-        return std::nullopt;
-    return path;
-}
 
 std::optional<std::wstring> find_description(std::span<const std::byte> profile) {
     const auto element = find_tag(Reader(profile), tag("desc"));

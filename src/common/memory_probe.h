@@ -13,11 +13,6 @@ namespace qk {
 [[nodiscard]] bool is_readable(const void* address, size_t size) noexcept;
 [[nodiscard]] bool is_writable(void* address, size_t size) noexcept;
 
-// How many bytes from `address` on, up to `most`, can be read or written; 0 for a null address. One look at
-// the memory's map where is_readable of a header and then of what it announces would take two.
-[[nodiscard]] size_t readable_size(const void* address, size_t most) noexcept;
-[[nodiscard]] size_t writable_size(void* address, size_t most) noexcept;
-
 // Copies `size` bytes out of memory that may not be there; false, with the target untouched, when it cannot
 // be read.
 [[nodiscard]] bool try_copy(void* target, const void* source, size_t size) noexcept;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 
 namespace qk {
 
@@ -64,7 +65,7 @@ void copy_zero_padded(wchar_t* buffer, size_t capacity, std::wstring_view text) 
     if (units < text.size() && units > 0 && is_high_surrogate(text[units - 1]))
         --units;
     std::copy_n(text.data(), units, buffer);
-    std::fill(buffer + units, buffer + capacity, L'\0');
+    std::memset(buffer + units, 0, (capacity - units) * sizeof(wchar_t));
 }
 
 std::optional<double> find_number(std::wstring_view text) noexcept {

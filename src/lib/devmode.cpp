@@ -28,18 +28,16 @@ constexpr WORD spec_version_of(WORD size) noexcept {
     }
 }
 
-constexpr size_t kMostBytes = size_t{2} * 0xFFFF;  // a size and an extra as large as they can be
-
-bool is_within(const DEVMODEW* devmode, size_t size) noexcept {
-    return size >= kHeaderBytes && size_t{devmode->dmSize} + devmode->dmDriverExtra <= size;
+size_t claimed_size(const DEVMODEW* devmode) noexcept {
+    return std::max(kHeaderBytes, size_t{devmode->dmSize} + devmode->dmDriverExtra);
 }
 
 bool holds_what_it_claims(const DEVMODEW* devmode) noexcept {
-    return is_within(devmode, qk::readable_size(devmode, kMostBytes));
+    return qk::is_readable(devmode, kHeaderBytes) && qk::is_readable(devmode, claimed_size(devmode));
 }
 
 bool can_take_what_it_claims(DEVMODEW* devmode) noexcept {
-    return is_within(devmode, qk::writable_size(devmode, kMostBytes));
+    return qk::is_writable(devmode, kHeaderBytes) && qk::is_writable(devmode, claimed_size(devmode));
 }
 
 std::byte* bytes_of(DEVMODEW* devmode) noexcept {

@@ -69,7 +69,7 @@ class MergeSource {
 public:
     virtual ~MergeSource() = default;
     // The papers of the printer; empty when it has none or cannot say. Asked at most once per merge.
-    virtual const std::vector<FormRecord>& forms() = 0;
+    virtual const std::vector<FormView>& forms() = 0;
     // What the override file says of the orientation (DMORIENT_*), 0 when it says nothing.
     virtual short forced_orientation() = 0;
 };

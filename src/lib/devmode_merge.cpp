@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <utility>
 #include <string_view>
 
 #include "common/override_ini.h"
@@ -94,7 +95,7 @@ private:
     }
 
     void take_form() {
-        const std::vector<FormRecord>& forms = source_.forms();
+        const std::vector<FormView>& forms = source_.forms();
         if (forms.empty())
             return;
         const auto paper = find_paper(forms);
@@ -110,16 +111,16 @@ private:
         refused_ &= ~kPaperBits;
     }
 
-    [[nodiscard]] std::optional<Paper> find_paper(const std::vector<FormRecord>& forms) const noexcept {
+    [[nodiscard]] std::optional<Paper> find_paper(const std::vector<FormView>& forms) const noexcept {
         const DEVMODEW& in = in_.dm;
         if (in.dmPaperSize == kDriverPaperA0)
             return Paper{in.dmPaperSize, 8410, 11889, L"A0"};  // 1188.9 mm long, as it has always been
         if (in.dmPaperSize == kDriverPaperA1)
             return Paper{in.dmPaperSize, 5940, 8410, L"A1"};
         const std::wstring_view name(in.dmFormName, wcsnlen(in.dmFormName, std::size(in.dmFormName)));
-        const FormRecord* form = in.dmFields & DM_PAPERSIZE
-                                     ? find_form(forms, static_cast<uint16_t>(in.dmPaperSize))
-                                     : find_form(forms, name);
+        const FormView* form = in.dmFields & DM_PAPERSIZE
+                                   ? find_form(forms, static_cast<uint16_t>(in.dmPaperSize))
+                                   : find_form(forms, name);
         if (!form)
             return std::nullopt;
         return Paper{static_cast<short>(form->paper_number), static_cast<short>(tenths_of_mm(form->size.cx)),
@@ -160,12 +161,14 @@ class PrinterSource final : public MergeSource {
 public:
     explicit PrinterSource(HANDLE printer) noexcept : printer_(printer) {}
 
-    const std::vector<FormRecord>& forms() override {
-        if (!forms_) {
-            forms_.emplace();
-            ZRTK_EnumForms(printer_, nullptr, *forms_);
+    const std::vector<FormView>& forms() override {
+        if (!asked_) {
+            asked_ = true;
+            list_ = FormList::read(printer_);
+            if (list_)
+                forms_ = list_->as<FormView>();
         }
-        return *forms_;
+        return forms_;
     }
 
     short forced_orientation() override {
@@ -178,7 +181,9 @@ public:
 
 private:
     HANDLE printer_;
-    std::optional<std::vector<FormRecord>> forms_;
+    bool asked_ = false;
+    std::optional<FormList> list_;
+    std::vector<FormView> forms_;  // views of the list
     std::optional<int> orientation_;
 };
 
@@ -198,7 +203,29 @@ std::vector<std::byte> devmode_of(const std::vector<std::byte>& block) {
     return copy;
 }
 
+// Some spoolers ask the driver for a DEVMODE in order to tell the printer's; that inner query gets the
+// default.
+class AskingOnce {
+public:
+    AskingOnce() noexcept : first_(!std::exchange(asking_, true)) {}
+    ~AskingOnce() {
+        if (first_)
+            asking_ = false;
+    }
+    AskingOnce(const AskingOnce&) = delete;
+    AskingOnce& operator=(const AskingOnce&) = delete;
+
+    explicit operator bool() const noexcept { return first_; }
+
+private:
+    static inline thread_local bool asking_ = false;
+    bool first_;
+};
+
 std::vector<std::byte> read_printer_info(HANDLE printer) {
+    const AskingOnce first;
+    if (!first)
+        return {};
     DWORD size = 0;
     GetPrinterW(printer, 2, nullptr, 0, &size);
     if (size < sizeof(PRINTER_INFO_2W))

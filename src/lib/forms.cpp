@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <memory>
 #include <new>
 
 #include "common/memory_probe.h"
@@ -40,108 +38,109 @@ const LargeForm* find_large_form(std::wstring_view name) noexcept {
     return form == kLargeForms.end() ? nullptr : &*form;
 }
 
-struct SpoolerForms {
-    std::unique_ptr<std::byte[]> buffer;
-    DWORD count = 0;
+const wchar_t* name_of(const FORM_INFO_1W& form) noexcept {
+    return form.pName ? form.pName : L"";
+}
 
-    [[nodiscard]] const FORM_INFO_1W* begin() const noexcept {
-        return reinterpret_cast<const FORM_INFO_1W*>(buffer.get());
-    }
-};
+FormView large_form(const LargeForm& form, size_t paper_number) noexcept {
+    return {.flags = FORM_PRINTER | FormView::kMadeByDriver,
+            .name = form.name.data(),
+            .size = form.size,
+            .imageable_area = {0, 0, form.size.cx, form.size.cy},
+            .paper_number = static_cast<uint16_t>(paper_number)};
+}
 
-std::optional<SpoolerForms> read_forms(HANDLE printer) {
+void trace_form(const FormView& form) {
+    const wchar_t* kind = form.flags & FORM_BUILTIN     ? L"FORM_BUILTIN "
+                          : is_printer_form(form.flags) ? L"FORM_PRINTER"
+                                                        : L"";
+    TRACE_F(L"%sj:dm=%d, f.name=%s", kind, int{form.paper_number}, form.name);
+}
+
+}  // namespace
+
+std::optional<FormList> FormList::read(HANDLE printer) {
     DWORD size = 0;
     DWORD count = 0;
     if (EnumFormsW(printer, 1, nullptr, 0, &size, &count) || GetLastError() != ERROR_INSUFFICIENT_BUFFER) {
         TRACE("err1");
         return std::nullopt;
     }
-    SpoolerForms forms{std::unique_ptr<std::byte[]>(new (std::nothrow) std::byte[size]())};
-    if (!forms.buffer) {
+    FormList forms;
+    forms.buffer_.reset(new (std::nothrow) std::byte[size]);
+    if (!forms.buffer_) {
         TRACE("err2");
         return std::nullopt;
     }
-    if (!EnumFormsW(printer, 1, reinterpret_cast<BYTE*>(forms.buffer.get()), size, &size, &forms.count)) {
+    if (!EnumFormsW(printer, 1, reinterpret_cast<BYTE*>(forms.buffer_.get()), size, &size, &forms.count_)) {
         TRACE("err3");
         return std::nullopt;
     }
-    TRACE_F(L"Count=%d", static_cast<int>(forms.count));
+    TRACE_F(L"Count=%d", static_cast<int>(forms.count_));
     return forms;
 }
 
-FormRecord large_record(const LargeForm& form, size_t paper_number) {
-    return {.flags = FORM_PRINTER | FormRecord::kMadeByDriver,
-            .name = std::wstring(form.name),
-            .size = form.size,
-            .imageable_area = {0, 0, form.size.cx, form.size.cy},
-            .paper_number = static_cast<uint16_t>(paper_number)};
+template <class Visit>
+void FormList::for_each(Visit visit) const {
+    const auto* form = reinterpret_cast<const FORM_INFO_1W*>(buffer_.get());
+    std::array<bool, kLargeForms.size()> found = {};
+    for (DWORD position = 1; position <= count_; ++position, ++form) {
+        int32_t driver_paper_id = -1;
+        if (is_printer_form(form->Flags)) {
+            const LargeForm* large = find_large_form(name_of(*form));
+            if (!large)
+                continue;
+            found[static_cast<size_t>(large - kLargeForms.data())] = true;
+            driver_paper_id = large->driver_paper_id;
+        }
+        visit(FormView{(form->Flags & ~FormView::kReplacedBits) | FormView::kMadeByDriver, name_of(*form),
+                       form->Size, form->ImageableArea, static_cast<uint16_t>(position), driver_paper_id});
+    }
+    size_t paper_number = count_;
+    for (size_t i = 0; i < kLargeForms.size(); ++i)
+        if (!found[i])
+            visit(large_form(kLargeForms[i], ++paper_number));
 }
 
-}  // namespace
+size_t FormList::size() const noexcept {
+    size_t papers = 0;
+    for_each([&papers](const FormView&) { ++papers; });
+    return papers;
+}
 
-void report_forms(const std::vector<FormRecord>& records, FormCallback& callback) {
-    for (const FormRecord& record : records) {
-        const wchar_t* kind = record.flags & FORM_BUILTIN     ? L"FORM_BUILTIN "
-                              : is_printer_form(record.flags) ? L"FORM_PRINTER"
-                                                              : L"";
-        TRACE_F(L"%sj:dm=%d, f.name=%s", kind, int{record.paper_number}, record.name.c_str());
-        callback(&record);
-    }
+void FormList::report(FormCallback& callback) const {
+    for_each([&callback](const FormView& form) {
+        trace_form(form);
+        callback(&form);
+    });
     callback(nullptr);
 }
 
-std::optional<FormRecord> record_of(const FORM_INFO_1W& form, size_t position) {
-    const std::wstring_view name = form.pName ? form.pName : L"";
-    FormRecord record{.flags = (form.Flags & ~FormRecord::kReplacedBits) | FormRecord::kMadeByDriver,
-                      .name = std::wstring(name),
-                      .size = form.Size,
-                      .imageable_area = form.ImageableArea,
-                      .paper_number = static_cast<uint16_t>(position)};
-    if (is_printer_form(form.Flags)) {
-        const LargeForm* large = find_large_form(name);
-        if (!large)
-            return std::nullopt;
-        record.driver_paper_id = large->driver_paper_id;
-    }
-    return record;
+template <class Form>
+std::vector<Form> FormList::as() const {
+    std::vector<Form> forms;
+    forms.reserve(count_ + kLargeForms.size());
+    for_each([&forms](const FormView& form) {
+        forms.push_back(
+            {form.flags, form.name, form.size, form.imageable_area, form.paper_number, form.driver_paper_id});
+    });
+    return forms;
 }
+
+template std::vector<FormRecord> FormList::as() const;
+template std::vector<FormView> FormList::as() const;
 
 int ZRTK_EnumForms(HANDLE printer, FormCallback* callback, std::vector<FormRecord>& records) {
     TRACE("ZRTK_EnumForms");
     records.clear();
-    const auto forms = read_forms(printer);
+    const auto forms = FormList::read(printer);
     if (!forms)
         return 0;
-    records.reserve(forms->count + kLargeForms.size());
-    std::array<bool, kLargeForms.size()> found = {};
-    for (DWORD i = 0; i < forms->count; ++i) {
-        const FORM_INFO_1W& form = forms->begin()[i];
-        auto record = record_of(form, size_t{i} + 1);
-        if (!record)
-            continue;
-        const LargeForm* large = is_printer_form(form.Flags) ? find_large_form(record->name) : nullptr;
-        if (large)
-            found[static_cast<size_t>(large - kLargeForms.data())] = true;
-        records.push_back(std::move(*record));
-    }
-    size_t paper_number = forms->count;
-    for (size_t i = 0; i < kLargeForms.size(); ++i)
-        if (!found[i])
-            records.push_back(large_record(kLargeForms[i], ++paper_number));
+    records = forms->as<FormRecord>();
     if (callback)
-        report_forms(records, *callback);
+        forms->report(*callback);
     TRACE("<<");
     return 1;
-}
-
-const FormRecord* find_form(const std::vector<FormRecord>& records, int paper_number) noexcept {
-    const auto record = std::ranges::find(records, paper_number, &FormRecord::paper_number);
-    return record == records.end() ? nullptr : &*record;
-}
-
-const FormRecord* find_form(const std::vector<FormRecord>& records, std::wstring_view name) noexcept {
-    const auto record = std::ranges::find(records, name, &FormRecord::name);
-    return record == records.end() ? nullptr : &*record;
 }
 
 int AddFormsToDataBase(HANDLE printer, const std::wstring& device_name, bool& write_failed) {

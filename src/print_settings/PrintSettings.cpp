@@ -35,6 +35,14 @@ int Recognise(const std::wstring& path) {
     return setting_file::read_start(path, bytes) == kLoaded ? RecogniseBytes(bytes) : kUnknownKind;
 }
 
+std::optional<std::wstring> ReadName(const std::wstring& path) {
+    std::string bytes;
+    if (setting_file::read(path, bytes) != kLoaded || RecogniseBytes(bytes) != kPS4)
+        return std::nullopt;
+    const auto name = json::find_text(std::string_view(bytes).substr(kByteOrderMark.size()), "PSName");
+    return name ? std::optional(qk::to_wide(*name)) : std::nullopt;
+}
+
 bool PrintSettings::Load(const std::wstring& path) {
     return Load(path, false) == kLoaded;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,10 @@ inline constexpr int kPS4 = 7;            // JSON
 // The kind of a file by its first bytes; kUnknownKind also when it is missing, a folder or cannot be opened.
 [[nodiscard]] int Recognise(const std::wstring& path);
 [[nodiscard]] int RecogniseBytes(std::string_view first_bytes) noexcept;
+
+// The display name in a setting file of the JSON kind, found without reading its values; nothing when the file
+// cannot be read or holds none.
+[[nodiscard]] std::optional<std::wstring> ReadName(const std::wstring& path);
 
 // Owns one print setting; copies are deep. Name, version and comment are reached with `->`, the sections with
 // the accessors: `settings->PSName`, `settings.general()->Scale`. Not for two threads at once.

@@ -33,8 +33,10 @@ inline constexpr auto kFields<General_impl> = std::tuple{
 
 template <class Image>
 inline constexpr auto kImageFields = std::tuple{
-    field("DownSamplingMethod", &Image::DownSamplingMethod, IDS_PS_DOWN_SAMPLING, range(0, 3)),
-    field("CompressionMethod", &Image::CompressionMethod, IDS_PS_METHOD, range(0, 4)),
+    field("DownSamplingMethod", &Image::DownSamplingMethod, IDS_PS_DOWN_SAMPLING, range(0, 3))
+        .values(IDS_CMP_SAMPLING_0, 4),
+    field("CompressionMethod", &Image::CompressionMethod, IDS_PS_METHOD, range(0, 4))
+        .values(IDS_CMP_METHOD_0, 5),
     field("JpegQuality", &Image::JpegQuality, IDS_PS_JPEG_QUALITY, low_bits_range(0xFF, 0, 100)),
     field("ResolutionThreshold", &Image::ResolutionThreshold, IDS_PS_THRESHOLD, range(10, 24000)),
     field("ResolutionTarget", &Image::ResolutionTarget, IDS_PS_TARGET, range(10, 24000)),
@@ -51,8 +53,10 @@ template <>
 inline constexpr UINT kName<MonoImage_impl> = IDS_PS_MONO_IMAGES;
 template <>
 inline constexpr auto kFields<MonoImage_impl> = std::tuple{
-    field("MonoCompressionMethod", &MonoImage_impl::MonoCompressionMethod, IDS_PS_METHOD, range(0, 4)),
-    field("DownSamplingMethod", &MonoImage_impl::DownSamplingMethod, IDS_PS_DOWN_SAMPLING, range(0, 3)),
+    field("MonoCompressionMethod", &MonoImage_impl::MonoCompressionMethod, IDS_PS_METHOD, range(0, 4))
+        .values(IDS_CMP_MONO_METHOD_0, 5),
+    field("DownSamplingMethod", &MonoImage_impl::DownSamplingMethod, IDS_PS_DOWN_SAMPLING, range(0, 3))
+        .values(IDS_CMP_SAMPLING_0, 4),
     field("ResolutionThreshold", &MonoImage_impl::ResolutionThreshold, IDS_PS_THRESHOLD, range(10, 24000)),
     field("ResolutionTarget", &MonoImage_impl::ResolutionTarget, IDS_PS_TARGET, range(10, 24000)),
 };
@@ -73,8 +77,10 @@ template <>
 inline constexpr UINT kName<Font_impl> = IDS_PS_FONT;
 template <>
 inline constexpr auto kFields<Font_impl> = std::tuple{
-    field("EmbedFontStyle", &Font_impl::EmbedFontStyle, IDS_PS_EMBED_STYLE, range(0, 1)),
-    field("WhenFailedToEmbed", &Font_impl::WhenFailedToEmbed, IDS_PS_EMBED_FAILED, range(0, 1)),
+    field("EmbedFontStyle", &Font_impl::EmbedFontStyle, IDS_PS_EMBED_STYLE, range(0, 1))
+        .values(IDS_FONT_STYLE_0, 2),
+    field("WhenFailedToEmbed", &Font_impl::WhenFailedToEmbed, IDS_PS_EMBED_FAILED, range(0, 1))
+        .values(IDS_FONT_FAILED_0, 2),
     field("EmbedBase14", &Font_impl::EmbedBase14, IDS_PS_EMBED_BASE_14),
     field("Fonts", &Font_impl::Fonts, IDS_PS_FONTS),
 };
@@ -95,10 +101,12 @@ template <>
 inline constexpr UINT kName<OpenAction_impl> = IDS_PS_OPEN_ACTION;
 template <>
 inline constexpr auto kFields<OpenAction_impl> = std::tuple{
-    field("PageLayout", &OpenAction_impl::PageLayout, IDS_PS_PAGE_LAYOUT, range(0, 4)),
-    field("Binding", &OpenAction_impl::Binding, IDS_PS_BINDING, range(0, 2)),
-    field("PageAdjust", &OpenAction_impl::PageAdjust, IDS_PS_PAGE_ADJUST, range(0, 4)),
-    field("PageMode", &OpenAction_impl::PageMode, IDS_PS_PAGE_MODE, range(0, 3)),
+    field("PageLayout", &OpenAction_impl::PageLayout, IDS_PS_PAGE_LAYOUT, range(0, 4))
+        .values(IDS_OPEN_LAYOUT_0, 5),
+    field("Binding", &OpenAction_impl::Binding, IDS_PS_BINDING, range(0, 2)).values(IDS_OPEN_BINDING_0, 3),
+    field("PageAdjust", &OpenAction_impl::PageAdjust, IDS_PS_PAGE_ADJUST, range(0, 4))
+        .values(IDS_OPEN_ADJUST_0, 5),
+    field("PageMode", &OpenAction_impl::PageMode, IDS_PS_PAGE_MODE, range(0, 3)).values(IDS_OPEN_MODE_0, 4),
     field("StartPage", &OpenAction_impl::StartPage, IDS_PS_START_PAGE, range_or_all_ones(-1, 1000000))
         .as(Shown::kSigned),
     field("FullScreen", &OpenAction_impl::FullScreen, IDS_PS_FULL_SCREEN),
@@ -123,7 +131,8 @@ inline constexpr UINT kName<PDFVersion_impl> = IDS_PS_PDF_VERSION;
 template <>
 inline constexpr auto kFields<PDFVersion_impl> = std::tuple{
     field("Version", &PDFVersion_impl::Version, IDS_PS_VERSION, range(0, 12)).values(IDS_PS_VERSION_0, 13),
-    field("WhenErroredPDFAX", &PDFVersion_impl::WhenErroredPDFAX, IDS_PS_WHEN_ERRORED, range(0, 1)),
+    field("WhenErroredPDFAX", &PDFVersion_impl::WhenErroredPDFAX, IDS_PS_WHEN_ERRORED, range(0, 1))
+        .values(IDS_PV_ON_ERROR_0, 2),
     field("UseTrimBox", &PDFVersion_impl::UseTrimBox, IDS_PS_USE_TRIM_BOX),
     field("TrimBox", &PDFVersion_impl::TrimBox, IDS_PS_TRIM_BOX),
     field("UseBleedBox", &PDFVersion_impl::UseBleedBox, IDS_PS_USE_BLEED_BOX),
@@ -139,8 +148,10 @@ inline constexpr auto kFields<Security_impl> = std::tuple{
     field("UserPassword", &Security_impl::UserPassword, IDS_PS_USER_PASSWORD).as(Shown::kSecret),
     field("AllowCopyContent", &Security_impl::AllowCopyContent, IDS_PS_ALLOW_COPY),
     field("AllowAccessFromScreenReader", &Security_impl::AllowAccessFromScreenReader, IDS_PS_ALLOW_READER),
-    field("EditPermission", &Security_impl::EditPermission, IDS_PS_EDIT_PERMISSION, range(0, 5)),
-    field("PrintPermission", &Security_impl::PrintPermission, IDS_PS_PRINT_PERMISSION, range(0, 2)),
+    field("EditPermission", &Security_impl::EditPermission, IDS_PS_EDIT_PERMISSION, range(0, 5))
+        .values(IDS_SEC_EDIT_0, 6),
+    field("PrintPermission", &Security_impl::PrintPermission, IDS_PS_PRINT_PERMISSION, range(0, 2))
+        .values(IDS_SEC_PRINT_0, 3),
     field("Level", &Security_impl::Level, IDS_PS_LEVEL, range(0, 5)),
     field("PDF13_DisallowPrint", &Security_impl::PDF13_DisallowPrint, IDS_PS_13_NO_PRINT),
     field("PDF13_DisallowModify", &Security_impl::PDF13_DisallowModify, IDS_PS_13_NO_MODIFY),
@@ -162,7 +173,7 @@ inline constexpr auto kFields<Watermark_impl> = std::tuple{
     field("FontSize", &Watermark_impl::FontSize, IDS_PS_FONT_SIZE, zero_or_range(8, 500))
         .as(Shown::kZeroIsAuto),
     field("DiagonalText", &Watermark_impl::DiagonalText, IDS_PS_DIAGONAL),
-    field("ZOrder", &Watermark_impl::ZOrder, IDS_PS_Z_ORDER, range(0, 1)),
+    field("ZOrder", &Watermark_impl::ZOrder, IDS_PS_Z_ORDER, range(0, 1)).values(IDS_MARK_ORDER_0, 2),
     field("VerticalPosition", &Watermark_impl::VerticalPosition, IDS_PS_VERTICAL, range(0, 2))
         .values(IDS_PS_VERTICAL_0, 3),
     field("HorizontalPosition", &Watermark_impl::HorizontalPosition, IDS_PS_HORIZONTAL, range(0, 2))

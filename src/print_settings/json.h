@@ -3,6 +3,8 @@
 
 #include <picojson.h>
 
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace Corvanta::Vantrix::PrintSettings::json {
@@ -11,6 +13,10 @@ namespace Corvanta::Vantrix::PrintSettings::json {
 // is none or it is nested too deep; throws std::overflow_error for a number that is not finite. picojson
 // reads and writes numbers with a point whatever the C locale of the host program is.
 [[nodiscard]] bool try_parse(std::string_view text, picojson::value& value);
+
+// The text of the member `key` of the object that `text` holds (of several the last), without keeping anything
+// else of it. Nothing when the JSON is broken or the member is no text.
+[[nodiscard]] std::optional<std::string> find_text(std::string_view text, std::string_view key);
 
 // The member `key`, or null when there is none. Valid while `object` is.
 [[nodiscard]] const picojson::value* find(const picojson::object& object, const char* key);

@@ -42,8 +42,8 @@ struct Compression_impl final : ps_impl_base<Compression_impl> {
 class Compression final : public ps_handle<Compression_impl> {};
 
 struct Font_impl final : ps_impl_base<Font_impl> {
-    uint32_t EmbedFontStyle = 0;     // 0 to 1
-    uint32_t WhenFailedToEmbed = 1;  // 0 to 1
+    uint32_t EmbedFontStyle = 0;     // 0 = all but those in Fonts, 1 = only those
+    uint32_t WhenFailedToEmbed = 1;  // 0 = no PDF, 1 = go on without the font
     bool EmbedBase14 = true;         // the 14 standard fonts of PDF too
     std::vector<std::wstring> Fonts;
 };
@@ -64,10 +64,10 @@ class Summary final : public ps_handle<Summary_impl> {};
 struct OpenAction_impl final : ps_impl_base<OpenAction_impl> {
     static constexpr uint32_t kNoStartPage = 0xFFFFFFFF;  // -1, as an unsigned field holds it
 
-    uint32_t PageLayout = 0;  // 0 to 4
-    uint32_t Binding = 1;     // 0 to 2
-    uint32_t PageAdjust = 0;  // 0 to 4
-    uint32_t PageMode = 0;    // 0 to 3
+    uint32_t PageLayout = 0;  // 0 = the viewer's, one page (1, continuous 2), two pages (3, continuous 4)
+    uint32_t Binding = 1;     // 0 = the viewer's, 1 = left, 2 = right
+    uint32_t PageAdjust = 0;  // 0 = the viewer's, 1 = 100 %, 2 = page, 3 = its width, 4 = contents' width
+    uint32_t PageMode = 0;    // pane: 0 = none, 1 = bookmarks, 2 = thumbnails, 3 = layers
     uint32_t StartPage = 1;   // kNoStartPage or 0 to 1000000
     bool FullScreen = false;
     bool ShowDocumentTitle = false;
@@ -133,7 +133,7 @@ struct Watermark_impl final : ps_impl_base<Watermark_impl> {
     std::wstring FontName = L"Arial";
     uint32_t FontSize = 0;  // points, 8 to 500; 0 = as the text needs
     bool DiagonalText = true;
-    uint32_t ZOrder = 0;              // 0 to 1: against the page's content
+    uint32_t ZOrder = 0;              // 0 = over the page's content, 1 = under it
     uint32_t VerticalPosition = 1;    // 0 = top, 1 = middle, 2 = bottom
     uint32_t HorizontalPosition = 1;  // 0 = left, 1 = centre, 2 = right
     uint32_t Transparency = 70;       // percent

@@ -1,5 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
+#include <prsht.h>
+
+#include <atomic>
+#include <thread>
 #include <vector>
 
 #include "UI_dll/cpsui.h"
@@ -7,7 +13,10 @@
 #include "UI_dll/optitem.h"
 #include "UI_dll/ps_to_devmode.h"
 #include "common/threadprop.h"
+#include "companions/compstui/sheet.h"
 #include "support/fake_printer.h"
+#include "support/guarded_buffer.h"
+#include "support/handle_count.h"
 #include "support/installation.h"
 
 namespace {
@@ -113,12 +122,173 @@ TEST_F(Sheet, HiddenTabLeavesTheSettingsPageAlone) {
 }
 
 TEST_F(Sheet, BadHeadersAndReasonsAreRefused) {
-    EXPECT_EQ(send(99), -1);
-    header.cbSize = 12;
-    EXPECT_EQ(send(PROPSHEETUI_REASON_INIT), -1);
-    info.lParamInit = 0;
-    EXPECT_EQ(send(PROPSHEETUI_REASON_INIT), -1);
-    EXPECT_TRUE(added.empty());
+    using Function = LONG WINAPI(PROPSHEETUI_INFO*, LPARAM) noexcept;
+    const struct {
+        Function* function;
+        size_t header;
+    } sheets[] = {{&DrvDocumentPropertySheets, sizeof(DocumentPropertyHeader)},
+                  {&DrvDevicePropertySheets, sizeof(DevicePropertyHeader)}};
+    for (const auto& sheet : sheets) {
+        SCOPED_TRACE(sheet.header);
+        const auto reason = [&](int number, const void* parameter = nullptr) {
+            info.Reason = static_cast<WORD>(number);
+            return sheet.function(&info, reinterpret_cast<LPARAM>(parameter));
+        };
+        header.cbSize = static_cast<WORD>(sheet.header);
+        const GuardedBuffer whole(sheet.header, &header), stump(sheet.header - 1, &header);
+        info.lParamInit = reinterpret_cast<LPARAM>(whole.as<>());
+        const SETRESULT_INFO ok = {sizeof ok, 0, reinterpret_cast<HANDLE>(INT_PTR{77}), CPSUI_OK};
+        for (int number = 1; number <= 200; ++number)  // none of them belongs to a sheet before its INIT
+            EXPECT_EQ(reason(number, number == PROPSHEETUI_REASON_SET_RESULT ? &ok : nullptr), -1) << number;
+        EXPECT_EQ(reason(0xFFFF), -1);
+        for (const WORD claimed : {WORD{0}, WORD{12}, static_cast<WORD>(sheet.header - 1)}) {
+            whole.as<DocumentPropertyHeader>()->cbSize = claimed;
+            EXPECT_EQ(reason(PROPSHEETUI_REASON_INIT), -1);
+        }
+        for (void* const place :
+             {static_cast<void*>(nullptr), reinterpret_cast<void*>(48), static_cast<void*>(stump.as<>())}) {
+            info.lParamInit = reinterpret_cast<LPARAM>(place);
+            EXPECT_EQ(reason(PROPSHEETUI_REASON_INIT), -1);
+        }
+        EXPECT_TRUE(added.empty());
+
+        whole.as<DocumentPropertyHeader>()->cbSize = 0xFFFF;  // of a later system: there is more behind
+        info.lParamInit = reinterpret_cast<LPARAM>(whole.as<>());
+        EXPECT_EQ(reason(PROPSHEETUI_REASON_INIT), 1);
+        EXPECT_EQ(reason(PROPSHEETUI_REASON_GET_INFO_HEADER), -1);
+        EXPECT_EQ(reason(PROPSHEETUI_REASON_SET_RESULT), -1);
+        const SETRESULT_INFO other = {sizeof other, 0, nullptr, CPSUI_OK};
+        EXPECT_EQ(reason(PROPSHEETUI_REASON_SET_RESULT, &other), -1);
+        EXPECT_EQ(reason(PROPSHEETUI_REASON_DESTROY), 1);
+        EXPECT_EQ(reason(PROPSHEETUI_REASON_DESTROY), -1) << "it is gone";
+        added.clear();
+    }
+}
+
+TEST_F(Sheet, WorldInDisorderStillGivesASheet) {
+    ForceDirectories(here.folder.file(L"Settings\\standard.ps4"));  // a folder where a setting is expected
+    const ImportPatch texts("LoadStringW", reinterpret_cast<void*>(+[]() -> int { return 0; }));
+    here.printer.fails_to_tell = true;
+    EXPECT_EQ(send(PROPSHEETUI_REASON_INIT), 1);
+    PROPSHEETUI_INFO_HEADER sheet_header = {};
+    EXPECT_EQ(send(PROPSHEETUI_REASON_GET_INFO_HEADER, &sheet_header), 1);
+    EXPECT_NE(*sheet_header.pTitle, L'\0');
+    EXPECT_EQ(end_with(CPSUI_OK), 1);
+    EXPECT_EQ(output.dm.dmScale, 100);
+    EXPECT_EQ(send(PROPSHEETUI_REASON_DESTROY), 1);
+}
+
+TEST_F(Sheet, WithoutTheServiceItCountsAsCancelled) {
+    const ImportPatch load("LoadLibraryExW", reinterpret_cast<void*>(+[]() -> HMODULE { return nullptr; }));
+    EXPECT_EQ(DrvDocumentProperties(nullptr, header.hPrinter, header.pszPrinterName, &output.dm, nullptr,
+                                    DM_COPY | DM_PROMPT),
+              IDCANCEL);
+    EXPECT_EQ(output.dm.dmSize, 0);
+    EXPECT_FALSE(PrinterProperties(nullptr, header.hPrinter));
+}
+
+TEST_F(Sheet, SpoolerMayAskWhileItIsAsked) {
+    DriverDevmode inner = {};
+    here.printer.while_telling = [&] {
+        EXPECT_EQ(DrvDocumentProperties(nullptr, FakePrinter::handle(), nullptr, &inner.dm, nullptr, DM_COPY),
+                  1);
+    };
+    EXPECT_EQ(DrvDocumentProperties(nullptr, FakePrinter::handle(), nullptr, &output.dm, nullptr, DM_COPY),
+              1);
+    EXPECT_EQ(inner.dm.dmScale, 100);
+    EXPECT_EQ(output.dm.dmSize, 220);
+}
+
+TEST_F(Sheet, ThoseOfTwoThreadsDoNotMeet) {
+    std::atomic<int> standing = 0;
+    const auto live = [&](ULONG_PTR job, short scale) {
+        DriverDevmode in = default_devmode(), out = {};
+        in.dm.dmFields = DM_SCALE;
+        in.dm.dmScale = scale;
+        SetThreadProp(threadprop::kPrinter, job);
+        DocumentPropertyHeader mine = header;
+        mine.pdmIn = &in.dm, mine.pdmOut = &out.dm;
+        PROPSHEETUI_INFO sheet = info;
+        sheet.pfnComPropSheet = [](HANDLE, UINT, LPARAM, LPARAM) -> LONG_PTR { return 77; };
+        sheet.lParamInit = reinterpret_cast<LPARAM>(&mine);
+        const SETRESULT_INFO set = {sizeof set, 0, reinterpret_cast<HANDLE>(INT_PTR{77}), CPSUI_OK};
+        sheet.Reason = PROPSHEETUI_REASON_INIT;
+        EXPECT_EQ(DrvDocumentPropertySheets(&sheet, 0), 1);
+        for (++standing; standing < 2;)
+            Sleep(0);
+        sheet.Reason = PROPSHEETUI_REASON_SET_RESULT;
+        EXPECT_EQ(DrvDocumentPropertySheets(&sheet, reinterpret_cast<LPARAM>(&set)), 1);
+        sheet.Reason = PROPSHEETUI_REASON_DESTROY;
+        EXPECT_EQ(DrvDocumentPropertySheets(&sheet, 0), 1);
+        EXPECT_EQ(out.dm.dmScale, scale);
+        EXPECT_EQ(FreeThreadProp(threadprop::kPrinter), job);
+    };
+    std::thread other(live, 11, 50);
+    live(22, 75);
+    other.join();
+}
+
+// What the sheets of a process leave behind in it.
+struct Remains {
+    unsigned handles = handle_count();
+    int windows = 0;
+    uintptr_t next_gdi_index = 0;  // the system hands out the lowest one that is free
+
+    Remains() {
+        EnumThreadWindows(
+            GetCurrentThreadId(), [](HWND, LPARAM count) { return ++*reinterpret_cast<int*>(count), TRUE; },
+            reinterpret_cast<LPARAM>(&windows));
+        std::vector<HGDIOBJ> made(64);  // several: what was freed last is handed out first
+        for (HGDIOBJ& pen : made) {
+            pen = CreatePen(PS_SOLID, 3, 0);
+            next_gdi_index = std::max<uintptr_t>(next_gdi_index, LOWORD(pen));
+        }
+        for (const HGDIOBJ pen : made)
+            DeleteObject(pen);
+    }
+};
+
+TEST(Sheets, TwoHundredLeaveNothingBehind) {
+    const HMODULE module = LoadLibraryW(Installation::built(L"ZR_UI80.dll").c_str());
+    ASSERT_NE(module, nullptr);
+    auto* function = reinterpret_cast<PFNPROPSHEETUI>(
+        reinterpret_cast<void*>(GetProcAddress(module, "DrvDocumentPropertySheets")));
+    static int presses;
+    const auto open_and_close = [&](int button) {
+        DriverDevmode out = {};
+        DocumentPropertyHeader header = {.cbSize = sizeof header, .pdmOut = &out.dm, .fMode = DM_COPY};
+        static int pressed;
+        pressed = button;
+        const UINT_PTR timer = SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR, DWORD) {
+            EnumThreadWindows(
+                GetCurrentThreadId(),
+                [](HWND window, LPARAM) {
+                    if (SendMessageW(window, PSM_GETCURRENTPAGEHWND, 0, 0)) {
+                        ++presses;
+                        PostMessageW(window, PSM_PRESSBUTTON, static_cast<WPARAM>(pressed), 0);
+                    }
+                    return TRUE;
+                },
+                0);
+        });
+        DWORD result = 99;
+        EXPECT_EQ(compstui::show_sheet(nullptr, function, reinterpret_cast<LPARAM>(&header), &result), 1);
+        KillTimer(nullptr, timer);
+        EXPECT_EQ(result, button == PSBTN_OK ? DWORD{CPSUI_OK} : DWORD{CPSUI_CANCEL});
+    };
+    const auto open_many = [&](int count) {
+        for (int i = 0; i < count; ++i)
+            open_and_close(i % 2 ? PSBTN_OK : PSBTN_CANCEL);
+    };
+    open_many(4);  // what the system keeps once
+    const Remains before;
+    presses = 0;
+    open_many(200);
+    EXPECT_GE(presses, 200);
+    const Remains after;
+    EXPECT_EQ(after.handles, before.handles);
+    EXPECT_EQ(after.windows, before.windows);
+    EXPECT_EQ(after.next_gdi_index, before.next_gdi_index);
 }
 
 TEST(OptionItem, EachTypeHasItsParameters) {

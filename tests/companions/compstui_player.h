@@ -13,6 +13,7 @@
 struct Player {
     std::function<void(PROPSHEETUI_INFO&)> add;  // at INIT
     std::function<void(HWND page)> script;       // once a page of `page_proc` stands; it must end the sheet
+    const wchar_t* title = L"Sheet";
     LONG init_answer = 1;
     LONG header_answer = 1;
 
@@ -45,7 +46,7 @@ struct Player {
                 return player.init_answer;
             case PROPSHEETUI_REASON_GET_INFO_HEADER: {
                 auto& header = *reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter);
-                header.pTitle = const_cast<wchar_t*>(L"Sheet");
+                header.pTitle = const_cast<wchar_t*>(player.title);
                 header.Flags = PSUIHDRF_PROPTITLE;
                 return player.header_answer;
             }

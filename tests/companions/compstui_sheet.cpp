@@ -112,6 +112,62 @@ TEST(CompstuiSheet, ResultsGoFromChildToParent) {
     EXPECT_EQ(1u, root.result);
 }
 
+// As when the print system's own root function adds the driver's.
+TEST(CompstuiSheet, TitleMayComeFromBelow) {
+    Player root, child;
+    root.title = nullptr;
+    child.title = L"Below";
+    Group group;
+    child.add = [&](PROPSHEETUI_INFO& info) { call(info, CPSFUNC_ADD_PCOMPROPSHEETUIW, &group.sheet); };
+    root.add = [&](PROPSHEETUI_INFO& info) {
+        call(info, CPSFUNC_ADD_PFNPROPSHEETUIW, reinterpret_cast<void*>(&Player::function),
+             reinterpret_cast<LPARAM>(&child));
+    };
+    std::wstring caption(64, L'\0');
+    root.script = [&](HWND page) {
+        caption.resize(static_cast<size_t>(GetWindowTextW(GetParent(page), caption.data(), 64)));
+        press_ok(page);
+    };
+    root.play();
+    EXPECT_NE(std::wstring::npos, caption.find(L"Below")) << qk::to_utf8(caption);
+    EXPECT_EQ("50132", child.reasons);
+}
+
+TEST(CompstuiSheet, HasRoomForItsLargestPage) {
+    constexpr size_t kPointSizeAt = 32;
+    alignas(4) BYTE large[64] = {};
+    std::copy_n(reinterpret_cast<const BYTE*>(compstui::plain_page_template()), sizeof large, large);
+    large[kPointSizeAt] = 15;
+    PROPSHEETPAGEW pages[] = {plain_page(), plain_page()};
+    pages[1].pResource = reinterpret_cast<const DLGTEMPLATE*>(large);
+    const HWND alone =
+        CreateDialogIndirectParamW(nullptr, pages[1].pResource, GetDesktopWindow(), nullptr, 0);
+    RECT wanted = {};
+    GetClientRect(alone, &wanted);
+    DestroyWindow(alone);
+    ASSERT_GT(wanted.bottom, 0);
+
+    RECT room = {}, tabs = {}, button = {}, sheet = {};
+    Player player;
+    player.add = [&](PROPSHEETUI_INFO& info) {
+        for (const PROPSHEETPAGEW& page : pages)
+            call(info, CPSFUNC_ADD_PROPSHEETPAGEW, &page);
+    };
+    player.script = [&](HWND page) {
+        GetClientRect(page, &room);
+        const HWND window = GetParent(page);
+        GetWindowRect(PropSheet_GetTabControl(window), &tabs);
+        GetWindowRect(GetDlgItem(window, IDOK), &button);
+        GetWindowRect(window, &sheet);
+        press_ok(page);
+    };
+    player.play();
+    EXPECT_GE(room.right, wanted.right);
+    EXPECT_GE(room.bottom, wanted.bottom);
+    EXPECT_GE(button.top, tabs.bottom);
+    EXPECT_LE(button.bottom, sheet.bottom);
+}
+
 TEST(CompstuiSheet, RefusedChildLeavesNothing) {
     Player root, child;
     child.init_answer = -1;

@@ -80,22 +80,6 @@ TEST(EngineHelper, DISABLED_NeverEnds) {
     Sleep(INFINITE);
 }
 
-TEST(EngineCommandLine, WordsAreReadBackAsTheyAre) {
-    const struct {
-        const wchar_t* word;
-        const wchar_t* quoted;
-    } rows[] = {
-        {L"", L"\"\""},
-        {L"a b", L"\"a b\""},
-        {L"C:\\x\\", L"\"C:\\x\\\\\""},
-        {L"a\\b", L"\"a\\b\""},
-        {L"say \"x\"", L"\"say \\\"x\\\"\""},
-        {L"\\\\\"", L"\"\\\\\\\\\\\"\""},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(companions::render::quoted(row.word), row.quoted);
-}
-
 TEST(EngineScratch, NothingStays) {
     std::wstring path;
     {

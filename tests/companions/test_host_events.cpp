@@ -2,11 +2,9 @@
 
 #include <windows.h>
 
-#include <picojson.h>
 #include <winddiui.h>
 
 #include "companions/host/event_player.h"
-#include "companions/host/job_report.h"
 
 namespace {
 
@@ -93,73 +91,6 @@ TEST(HostEvents, FilterIsHonoured) {
         EXPECT_EQ(FakeModule::told, row.told) << row.label;
         EXPECT_EQ(player.events().size(), all.size()) << row.label;
     }
-}
-
-TEST(HostEvents, AnswersAreKept) {
-    FakeModule::reset({1, 5});
-    host::EventPlayer player(&FakeModule::event, kPrinter);
-    play_all(player);
-    EXPECT_EQ(FakeModule::title, L"Title");
-    EXPECT_EQ(FakeModule::device, L"device");
-    const host::PlayedEvent& refused = player.events()[3];
-    EXPECT_EQ(refused.number, DOCUMENTEVENT_STARTDOCPRE);
-    EXPECT_EQ(refused.result, -1);
-    EXPECT_EQ(refused.error, 2153u);
-    EXPECT_TRUE(refused.sent);
-    EXPECT_FALSE(player.events()[4].sent);
-    EXPECT_EQ(player.events()[4].result, 1);
-}
-
-std::vector<host::PlayedEvent> pages(size_t count, size_t odd_one) {
-    std::vector<host::PlayedEvent> events = {{14, true, 1, 0, 0}, {5, false, 1, 0, 0}};
-    for (size_t page = 1; page <= count; ++page) {
-        events.push_back({6, true, 1, 0, page});
-        events.push_back({7, true, 1, page == odd_one ? 5u : 0u, page});
-    }
-    events.push_back({12, true, 1, 0, 0});
-    return events;
-}
-
-bool holds(const std::vector<std::wstring>& lines, std::wstring_view wanted) {
-    return std::ranges::any_of(lines,
-                               [wanted](const std::wstring& line) { return line.find(wanted) != line.npos; });
-}
-
-TEST(HostEvents, PagesThatGoAlikeAreOneLine) {
-    host::JobReport report;
-    report.events = pages(1000, 0);
-    const std::vector<std::wstring> alike = host::report_lines(report);
-    EXPECT_LT(alike.size(), 20u);
-    EXPECT_TRUE(holds(alike, L"the same for pages 1 to 1000"));
-    EXPECT_TRUE(holds(alike, L"not sent: not subscribed"));
-    report.events = pages(1000, 700);
-    const std::vector<std::wstring> odd = host::report_lines(report);
-    EXPECT_TRUE(holds(odd, L"the same for pages 1 to 699"));
-    EXPECT_TRUE(holds(odd, L"ENDPAGE         1, last error 5"));
-    EXPECT_TRUE(holds(odd, L"the same for pages 701 to 1000"));
-}
-
-TEST(HostEvents, JsonHoldsTheWholeReport) {
-    host::JobReport report;
-    report.title = L"\u00dcber \"uns\"\\\n\u65e5\U0001F5A8";
-    report.events = pages(3, 2);
-    report.start_record = host::Fields{{L"resume", L"1", true}, {L"title", L"a"}};
-    report.renderer_exit_code = 1;
-    report.last_error = 2153;
-    report.outcome = host::Outcome::kCancelled;
-    picojson::value value;
-    ASSERT_EQ(picojson::parse(value, host::report_json(report)), "");
-    const auto text = [&](const char* key) { return value.get(key).get<std::string>(); };
-    EXPECT_EQ(text("title"),
-              "\xC3\x9C"
-              "ber \"uns\"\\\n\xE6\x97\xA5\xF0\x9F\x96\xA8");
-    EXPECT_EQ(text("outcome"), "cancelled");
-    EXPECT_EQ(text("last_error_text"), "The job was cancelled");
-    EXPECT_EQ(value.get("events").get<picojson::array>().size(), report.events.size());
-    EXPECT_EQ(value.get("events").get(5).get("last_error").get<double>(), 5);
-    EXPECT_EQ(value.get("start_record").get("resume").get<double>(), 1);
-    EXPECT_EQ(value.get("renderer_exit_code").get<double>(), 1);
-    EXPECT_TRUE(value.get("result_record").is<picojson::null>());
 }
 
 }  // namespace

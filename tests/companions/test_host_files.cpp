@@ -4,11 +4,14 @@
 
 #include "common/handle.h"
 #include "common/paths.h"
+#include "common/registry.h"
 #include "companions/host/host_error.h"
 #include "companions/host/output_target.h"
+#include "companions/host/sheet_host.h"
 #include "companions/host/stage_files.h"
 #include "companions/host/text_file.h"
 #include "support/temp_folder.h"
+#include "support/user_registry.h"
 
 namespace {
 
@@ -89,6 +92,39 @@ TEST(HostFiles, TargetThatCannotBeReplacedStays) {
     user.reset();
     EXPECT_EQ(TempFolder::read(copy.target), "old");
     EXPECT_EQ(folder.count(), 2u);
+}
+
+TEST(HostFiles, SheetHostTakesTheSystemsPlaceAndGivesItBack) {
+    const std::string wines = std::string(0x40, 'M') + "Wine builtin DLL";
+    const struct {
+        const char* label;
+        std::string target, kept;  // empty: not there
+        std::string after;
+        bool taken_back;
+    } rows[] = {
+        {"Wine's own", wines, "", "ours", true},
+        {"an earlier one of ours", "earlier", wines, "ours", true},
+        {"Wine's own, after an update of it", wines, "old", "ours", true},
+        {"somebody else's", "another", "", "another", false},
+    };
+    for (const auto& row : rows) {
+        const UserRegistry registry;
+        const TempFolder folder;
+        const std::wstring source = folder.write(L"source.dll", "ours");
+        const std::wstring target = folder.write(L"target.dll", row.target);
+        if (!row.kept.empty())
+            folder.write(L"target.dll.wine", row.kept);
+        const auto preference = [] {
+            return qk::registry::find_text(HKEY_CURRENT_USER, L"Software\\Wine\\DllOverrides", L"compstui");
+        };
+        EXPECT_FALSE(host::install_sheet_host(source, target).empty()) << row.label;
+        EXPECT_EQ(TempFolder::read(target), row.after) << row.label;
+        EXPECT_EQ(preference().has_value(), row.taken_back) << row.label;
+        EXPECT_EQ(host::remove_sheet_host(target), row.taken_back) << row.label;
+        EXPECT_EQ(TempFolder::read(target), row.taken_back ? wines : row.target) << row.label;
+        EXPECT_FALSE(qk::is_file(target + L".wine")) << row.label;
+        EXPECT_FALSE(preference()) << row.label;
+    }
 }
 
 TEST(HostFiles, PlanNamesWhatIsMissing) {

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
+#include <prsht.h>
 #include <shellapi.h>
 
 #include "common/handle.h"
@@ -48,6 +50,12 @@ TEST(HostOptions, CommandsAreUnderstood) {
         {"abort",
          {L"print", L"f", L"--abort-after-page", L"3"},
          [](const Options& o) { return o.abort_after_page == 3u; }},
+        {"sheets",
+         {L"properties", L"--press", L"cancel", L"--no-permission", L"--trace", L"5", L"--setting", L"s"},
+         [](const Options& o) {
+             return o.command == Command::kProperties && o.button == PSBTN_CANCEL && o.no_permission &&
+                    o.trace_level == 5u && o.setting == L"s" && !o.printer_sheet;
+         }},
         {"threads",
          {L"print", L"--threads", L"8", L"--jobs", L"50"},
          [](const Options& o) { return o.threads == 8 && o.jobs == 50; }},
@@ -75,6 +83,8 @@ TEST(HostOptions, WrongWordsAreNamed) {
         {{L"print", L"a", L"--trace", L"-1"}, L"--trace does not take \"-1\""},
         {{L"print", L"a", L"--trace", L"4294967296"}, L"--trace does not take \"4294967296\""},
         {{L"print", L"a", L"--abort-after-page", L"0"}, L"--abort-after-page does not take \"0\""},
+        {{L"properties", L"--press", L"help"}, L"--press does not take \"help\""},
+        {{L"properties", L"x"}, L"unexpected \"x\""},
         {{L"print", L"--threads", L"8x"}, L"--threads does not take \"8x\""},
         {{L"print", L"--threads", L"65"}, L"--threads does not take \"65\""},
         {{L"print", L"a", L"--jobs", L"5"}, L"--jobs needs --threads"},

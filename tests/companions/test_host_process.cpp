@@ -110,6 +110,47 @@ TEST_F(HostProcess, EmptyFileIsOnePage) {
     EXPECT_EQ(number("exit_code"), 2);
 }
 
+TEST_F(HostProcess, SheetGivesBackTheSettingOnOkOnly) {
+    Corvanta::Vantrix::PrintSettings::PrintSettings settings;
+    settings.general()->PaperType = 1;
+    settings.general()->PaperWidth = 123.4F;
+    settings.general()->PaperHeight = 234.5F;
+    settings.general()->Scale = 77;
+    settings.general()->PaperOrientation = 1;
+    const std::wstring setting = folder_.file(L"custom.ps4");
+    ASSERT_TRUE(settings.Save(setting));
+    const struct {
+        const wchar_t* words;
+        const char* result;
+        double scale, paper, width, length;
+        const char* form;
+    } rows[] = {
+        {L"--press ok", "OK", 77, 256, 1234, 2345, "custom"},
+        {L"--press cancel", "cancelled", 100, 9, 2100, 2970, "A4"},
+        {L"--press ok --no-permission", "OK", 100, 9, 2100, 2970, "A4"},
+        {L"--press ok --direct", "OK", 77, 256, 1234, 2345, "custom"},
+        {L"--press cancel --direct", "cancelled", 100, 9, 2100, 2970, "A4"},
+    };
+    for (const auto& row : rows) {
+        ASSERT_EQ(run(L"properties " + (row.words + (L" --setting \"" + setting + L"\""))), 0);
+        EXPECT_EQ(text("result_name"), row.result);
+        const picojson::value after = report_.get("after");
+        EXPECT_EQ(after.get("scale").get<double>(), row.scale);
+        EXPECT_EQ(after.get("orientation").get<double>(), 1)
+            << "of a custom paper, whatever the setting says";
+        EXPECT_EQ(after.get("paper").get<double>(), row.paper);
+        EXPECT_EQ(after.get("paper_width").get<double>(), row.width);
+        EXPECT_EQ(after.get("paper_length").get<double>(), row.length);
+        EXPECT_EQ(after.get("form_name").to_str(), row.form);
+        const auto sheets = report_.get("sheets").get<picojson::array>();
+        ASSERT_EQ(sheets.size(), 1u);
+        EXPECT_NE(sheets[0].get("title").to_str().find("Corvanta Vantrix 8.0"), std::string::npos);
+        EXPECT_EQ(sheets[0].get("pages").get<picojson::array>().size(), 2u);
+    }
+    EXPECT_EQ(run(L"properties --printer --press cancel"), 0);
+    EXPECT_EQ(text("result_name"), "cancelled");
+}
+
 TEST_F(HostProcess, ThreadsDoNotMeet) {
     EXPECT_EQ(run(L"print --threads 8 --jobs 10"), 0);
     EXPECT_EQ(number("right_records"), 80);

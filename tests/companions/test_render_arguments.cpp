@@ -67,18 +67,6 @@ TEST(RenderPdfmark, TextsOfEveryLanguageBecomeUtf16) {
         EXPECT_EQ(postscript_text(row.text), row.hex);
 }
 
-TEST(RenderPdfmark, SummaryGoesBeforeTheJobsTitle) {
-    PrintSettings settings;
-    settings->PSName = L"Fine";
-    EXPECT_EQ(document_info(settings, L"Job").title, L"Job");
-    EXPECT_EQ(document_info(settings, L"Job").setting_name, L"");
-    settings.summary()->Title = L"Own";
-    settings.summary()->EmbedPSFileName = true;
-    EXPECT_EQ(document_info(settings, L"Job").title, L"Own");
-    EXPECT_EQ(document_info(settings, L"Job").setting_name, L"Fine");
-    EXPECT_EQ(prologue({}).find("pdfmark"), std::string::npos) << "nothing to say, the document's own stays";
-}
-
 bool has(const std::vector<std::string>& arguments, const char* argument) {
     return std::ranges::find(arguments, argument) != arguments.end();
 }
@@ -91,23 +79,16 @@ TEST(RenderEngineArguments, SettingsReadAsArguments) {
     } rows[] = {
         {"default version", [](PrintSettings&) {}, "-dCompatibilityLevel=1.7"},
         {"oldest version", [](PrintSettings& s) { s.pdfVersion()->Version = 0; }, "-dCompatibilityLevel=1.3"},
-        {"newest version", [](PrintSettings& s) { s.pdfVersion()->Version = 12; },
-         "-dCompatibilityLevel=2.0"},
         {"archive version", [](PrintSettings& s) { s.pdfVersion()->Version = 5; },
          "-dCompatibilityLevel=1.4"},
         {"unknown version", [](PrintSettings& s) { s.pdfVersion()->Version = 99; },
          "-dCompatibilityLevel=1.7"},
-        {"linearized", [](PrintSettings&) {}, "-dFastWebView=true"},
         {"plain", [](PrintSettings& s) { s.general()->Linearize = false; }, "-dFastWebView=false"},
-        {"text", [](PrintSettings& s) { s.compression()->TextAndLineArt = true; }, "-dCompressPages=true"},
-        {"threshold", [](PrintSettings&) {}, "-dColorImageDownsampleThreshold=1.50"},
         {"threshold below target", [](PrintSettings& s) { s.compression()->Gray->ResolutionThreshold = 10; },
          "-dGrayImageDownsampleThreshold=1.00"},
         {"target zero", [](PrintSettings& s) { s.compression()->Color->ResolutionTarget = 0; },
          "-dColorImageDownsampleThreshold=10.00"},
         {"mono is never averaged", [](PrintSettings&) {}, "-dMonoImageDownsampleType=/Subsample"},
-        {"bicubic", [](PrintSettings& s) { s.compression()->Gray->DownSamplingMethod = 3; },
-         "-dGrayImageDownsampleType=/Bicubic"},
         {"no downsampling", [](PrintSettings& s) { s.compression()->Color->DownSamplingMethod = 0; },
          "-dDownsampleColorImages=false"},
         {"grey", [](PrintSettings& s) { s.color()->ColorMode = 1; }, "-sColorConversionStrategy=Gray"},

@@ -104,14 +104,7 @@ TEST_F(RenderProcess, PasswordsEncrypt) {
     settings_.security()->UserPassword = L"us\u00E9r";
     ASSERT_EQ(run(L"--keep-spool"), kDone);
     EXPECT_NE(pdf().find("/Encrypt"), std::string::npos);
-    EXPECT_NE(pdf().find("/R 3"), std::string::npos);
     EXPECT_TRUE(qk::is_file(spool_));
-    settings_.pdfVersion()->Version = 0;
-    ASSERT_EQ(run(L"--keep-spool"), kDone);
-    EXPECT_NE(pdf().find("/R 2"), std::string::npos);
-    settings_.pdfVersion()->Version = 5;
-    ASSERT_EQ(run(), kDone);
-    EXPECT_EQ(pdf().find("/Encrypt"), std::string::npos);
 }
 
 TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
@@ -205,20 +198,9 @@ TEST_F(RenderProcess, ReservedNameGoesWithTheJobThatFails) {
     }
 }
 
-TEST_F(RenderProcess, WithoutMemoryOfTheHostShortTextsOnly) {
-    folder_.write(L"job.ps", "");
-    EXPECT_EQ(run(L"", false), kFailed);
-    EXPECT_EQ(error(), 1003u);
-    EXPECT_EQ(result_.view()->message.find_text(), L"");
-    EXPECT_EQ(run(qk::format(L"--notify %lu:0x10:4096", GetCurrentProcessId()), false), kFailed);
-    EXPECT_EQ(error(), 1003u) << "memory that is not there changes nothing else";
-    EXPECT_EQ(result_.view()->message.find_text(), L"");
-}
-
 TEST_F(RenderProcess, WrongCallsTouchNothing) {
     EXPECT_EQ(start(L"zr_render"), 2);
     EXPECT_EQ(start(L"zr_render --thread 4294967295 --printer P --spool s"), 3);
-    EXPECT_EQ(start(L"zr_render --help"), kDone);
     EXPECT_EQ(error(), 0u);
 }
 

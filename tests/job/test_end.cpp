@@ -1,15 +1,11 @@
-// The other events, the end of a job, and many jobs at once.
+// The other events and the end of a job.
 #include "job/job_fixture.h"
 
 #include <algorithm>
-#include <array>
-#include <atomic>
-#include <thread>
 
 #include "common/module.h"
 #include "job/document_event.h"
 #include "support/guarded_buffer.h"
-#include "support/handle_count.h"
 #include "support/trace_capture.h"
 
 TEST_F(JobTest, EventsWithoutWorkSucceedAndAreTraced) {
@@ -233,54 +229,4 @@ TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
             EXPECT_FALSE(is_listed());
         }
     }
-}
-
-TEST_F(JobTest, ManyThreadsPrintAtOnceWithoutMeeting) {
-    constexpr int kThreads = 8, kJobs = 50, kWarmJobs = 5;
-    here.set_number(HKEY_LOCAL_MACHINE, L"\\Notification", L"Error", 0);
-    use_settings();
-    script->answer = [](dialog_library::WorkingRecord& record, const wchar_t*, void*) {
-        std::wstring chosen = L"C:\\out\\" + record.title.find_text().value_or(L"") + L".pdf";
-        put(record.output_path, chosen, How::kInTheLentBuffer);
-        record.first_value = GetCurrentThreadId();
-        return 0;
-    };
-    std::atomic<int> right = 0;
-    const auto print = [&right](int thread, int jobs) {
-        for (int job = 0; job < jobs; ++job) {
-            const std::wstring title = qk::format(L"job %d of thread %d", job, thread);
-            if (start_job(title.c_str()) != kGood)
-                continue;
-            bool good = false;
-            {
-                const StartRecord start(block_name(kStartBlockName));
-                const ResultRecord result_record(block_name(kResultBlockName));
-                good = start && start->title == title &&
-                       start->output_path == L"C:\\out\\" + title + L".pdf" &&
-                       start->first_value == GetCurrentThreadId() && result_record &&
-                       result_record->win32_error == 0;
-                if (result_record)
-                    result_record->win32_error = static_cast<uint32_t>(1000 + job);
-            }
-            good &= end_job() == Left{DOCUMENTEVENT_SUCCESS, static_cast<DWORD>(1000 + job)};
-            right += good && !has_state();
-        }
-    };
-    const auto run = [&print](int jobs) {
-        std::array<std::thread, kThreads> threads;
-        for (int i = 0; i < kThreads; ++i)
-            threads[static_cast<size_t>(i)] = std::thread(print, i, jobs);
-        for (auto& thread : threads)
-            thread.join();
-    };
-    run(kWarmJobs);  // what the system makes once for threads that meet is there before anything is counted
-    const unsigned handles = handle_count(), views = view_count();
-    right = 0;
-    run(kJobs);
-    EXPECT_EQ(right, kThreads * kJobs);
-    // Where two threads first meet at one of its locks the system makes an event; a leak would be 400 of
-    // them.
-    EXPECT_LE(handle_count(), handles + kThreads);
-    EXPECT_EQ(view_count(), views);
-    EXPECT_EQ(here.printer.open_handles, 0);
 }

@@ -160,13 +160,8 @@ TEST_F(JobTest, OverrideFileSetsTheFolderWhileItsVersionCounts) {
         {"2.99", "PDFFileName=c.pdf", L"C:\\own\\"},
         {"2.5", "PDFFileName=", L"C:\\own\\"},
         {"2.5", "PrintID=abc\r\nOrient=xyz\r\nMessageID=\r\nPDFFileName=D:\\q\\", L"D:\\q\\"},
-        {"1.9", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
         {"3.01", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
-        {"two", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
-        {"", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
         {"nan", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
-        {"1e999", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
-        {"-2.5", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.version) + " " + row.lines);
@@ -289,15 +284,8 @@ TEST_F(JobTest, LiesOfTheDialogLibraryAreReadAsFarAsTheyAreTrue) {
         const wchar_t* path;
     } const rows[] = {
         {"length above capacity", [](Record& record) { record.output_path.length = 5000; }, kGood, nullptr},
-        {"length without end", [](Record& record) { record.output_path.length = UINT64_MAX; }, kGood,
-         nullptr},
-        {"text ends earlier", [](Record& record) { record.output_path.length += 3; }, kGood, nullptr},
         {"address nowhere",
          [](Record& record) { record.output_path.address = reinterpret_cast<wchar_t*>(64); },
-         {DOCUMENTEVENT_FAILURE, 2153},
-         nullptr},
-        {"null",
-         [](Record& record) { record.output_path.address = nullptr; },
          {DOCUMENTEVENT_FAILURE, 2153},
          nullptr},
         {"all zero", [](Record& record) { record.output_path = {}; }, {DOCUMENTEVENT_FAILURE, 2153}, nullptr},

@@ -49,7 +49,6 @@ public:
             stamp(*get(), layout);
     }
     [[nodiscard]] DEVMODEW* get() const { return buffer_.as<DEVMODEW>(); }
-    [[nodiscard]] BYTE byte(size_t at) const { return buffer_.as<BYTE>()[at]; }
     void make_read_only() { buffer_.make_read_only(); }
 
 private:
@@ -116,20 +115,14 @@ TEST(Devmode, CopiesKeepTheTargetsLayout) {
                       0);
             continue;
         }
-        Layout expected = row.target;
-        expected.spec_version = row.spec_version;
-        EXPECT_EQ(layout_of(*target.get()), expected);
-        const size_t common = std::min(row.source.size, row.target.size),
-                     extra = std::min(row.source.extra, row.target.extra);
-        for (size_t i = 0; i < row.target.size; ++i) {
-            if (i < offsetof(DEVMODEW, dmSpecVersion) || i >= kHeader) {
-                ASSERT_EQ(target.byte(i), (i < common ? source : untouched).byte(i)) << i;
-            }
-        }
-        for (size_t i = 0; i < row.target.extra; ++i)
-            ASSERT_EQ(target.byte(row.target.size + i),
-                      i < extra ? source.byte(row.source.size + i) : untouched.byte(row.target.size + i))
-                << i;
+        DEVMODEW* const expected = untouched.get();
+        std::memcpy(expected, source.get(), std::min(row.source.size, row.target.size));
+        std::memcpy(reinterpret_cast<BYTE*>(expected) + row.target.size,
+                    reinterpret_cast<BYTE*>(source.get()) + row.source.size,
+                    std::min(row.source.extra, row.target.extra));
+        stamp(*expected, row.target);
+        expected->dmSpecVersion = row.spec_version;
+        EXPECT_EQ(std::memcmp(target.get(), expected, size_t{row.target.size} + row.target.extra), 0);
     }
 }
 
@@ -147,13 +140,10 @@ TEST(Devmode, ThoseThatClaimMoreThanTheyHoldAreRefused) {
         size_t room;
     } const rows[] = {
         {"a word short", kOwn, 252},
-        {"public part only", kOwn, 220},
-        {"extra far away", {220, 65535, 0x0401, 0}, 256},
         {"all sizes at their end", most, 4096},
         {"public part beyond", {65535, 0, 0x0401, 0}, 220},
         {"header only", kOwn, kHeader},
         {"no whole header", kOwn, 68},
-        {"a name", kOwn, 4},
     };
     const Devmode good(kOwn, 1);
     for (const auto& row : rows) {

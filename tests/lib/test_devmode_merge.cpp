@@ -4,7 +4,6 @@
 #include <functional>
 
 #include "UI_dll/ddi.h"
-#include "UI_dll/ptrinfo.h"
 #include "lib/devmode.h"
 #include "support/guarded_buffer.h"
 #include "support/installation.h"
@@ -14,13 +13,13 @@ namespace {
 
 class ListedPapers final : public MergeSource {
 public:
-    const std::vector<FormRecord>& forms() override {
+    const std::vector<FormView>& forms() override {
         ++asked;
         return papers;
     }
     short forced_orientation() override { return orientation; }
 
-    std::vector<FormRecord> papers = {
+    std::vector<FormView> papers = {
         {.name = L"Letter", .size = {215900, 279400}, .paper_number = 1},
         {.name = L"B7 a rather long name of more than thirty-one",
          .size = {88049, 124950},
@@ -124,27 +123,26 @@ TEST(DevmodeMerge, PaperIsTakenByNumberNameOrSize) {
         {"A1", kSize, 30256, 0, 0, L"", true, 30256, 5940, 8410, L"A1"},
     };
     for (const auto& row : rows) {
-        for (const WORD layout : {WORD{220}, WORD{188}}) {  // the older layout holds all that is merged
-            SCOPED_TRACE(row.label + std::string(" in ") + std::to_string(layout));
-            DEVMODEW in = {};
-            in.dmSize = layout;
-            in.dmFields = row.fields;
-            in.dmPaperSize = row.number, in.dmPaperWidth = row.width, in.dmPaperLength = row.length;
-            row.name ? name_form(in, row.name) : static_cast<void>(std::fill_n(in.dmFormName, 32, L'A'));
-            const GuardedBuffer incoming(layout, &in);
-            ListedPapers source;
-            DriverDevmode got = default_devmode(), wanted = default_devmode();
-            if (row.taken) {
-                wanted.dm.dmPaperSize = row.wanted_number;
-                wanted.dm.dmPaperWidth = row.wanted_width, wanted.dm.dmPaperLength = row.wanted_length;
-                name_form(wanted.dm, row.wanted_name);
-                if (!*row.wanted_name)
-                    wanted.dm.dmFields = (wanted.dm.dmFields | kSides) & ~kName;
-            }
-            EXPECT_EQ(merge_devmode(incoming.as<DEVMODEW>(), got, source), row.taken ? 0 : row.fields);
-            expect_equal(got, wanted);
-            EXPECT_LE(source.asked, 1);
+        constexpr WORD kOldest = 188;  // that layout holds all that is merged
+        SCOPED_TRACE(row.label);
+        DEVMODEW in = {};
+        in.dmSize = kOldest;
+        in.dmFields = row.fields;
+        in.dmPaperSize = row.number, in.dmPaperWidth = row.width, in.dmPaperLength = row.length;
+        row.name ? name_form(in, row.name) : static_cast<void>(std::fill_n(in.dmFormName, 32, L'A'));
+        const GuardedBuffer incoming(kOldest, &in);
+        ListedPapers source;
+        DriverDevmode got = default_devmode(), wanted = default_devmode();
+        if (row.taken) {
+            wanted.dm.dmPaperSize = row.wanted_number;
+            wanted.dm.dmPaperWidth = row.wanted_width, wanted.dm.dmPaperLength = row.wanted_length;
+            name_form(wanted.dm, row.wanted_name);
+            if (!*row.wanted_name)
+                wanted.dm.dmFields = (wanted.dm.dmFields | kSides) & ~kName;
         }
+        EXPECT_EQ(merge_devmode(incoming.as<DEVMODEW>(), got, source), row.taken ? 0 : row.fields);
+        expect_equal(got, wanted);
+        EXPECT_LE(source.asked, 1);
     }
 }
 
@@ -294,9 +292,11 @@ TEST(DevmodeMerge, PrintersOwnComesBeforeTheCallers) {
     EXPECT_TRUE(trace.holds(L"PlotDMIn.dm: dmPaperSize=9, dmPaperWidth=2100, dmPaperLength=2970"));
     EXPECT_TRUE(trace.holds(L"pPlotDMTo->dm: dmPaperWidth=2100, dmPaperLength=2970"));
 
-    here.printer.grows_by = 8;  // it has changed between the two calls
-    EXPECT_EQ(MergeDevmode(FakePrinter::handle(), nullptr, got), 0u);
-    expect_equal(got, default_devmode());
+    for (const int growth : {8, -8}) {  // it has changed between the two calls
+        here.printer.grows_by = static_cast<DWORD>(growth);
+        EXPECT_EQ(MergeDevmode(FakePrinter::handle(), nullptr, got), 0u);
+        expect_equal(got, default_devmode());
+    }
     here.printer.grows_by = 0;
     own.dm.dmDriverExtra = 60000;  // it claims more than the spooler has given
     set_own(sizeof own);
@@ -370,19 +370,4 @@ TEST(DirectQueries, DirectQueriesAnswerWithoutASheet) {
     EXPECT_EQ(GetLastError(), 87u);
     const GuardedBuffer stump(40);
     EXPECT_EQ(DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(stump.as<>())), -1);
-}
-
-TEST(DirectQueries, MappedPrinterHoldsTheMergedDevmode) {
-    const Installation here;
-    std::unique_ptr<PrinterInformation> information;
-    DriverDevmode caller = default_devmode();
-    caller.dm.dmFields = DM_COPIES;
-    caller.dm.dmCopies = 3;
-    const PrinterInformation* mapped = MapPrinter(information, FakePrinter::handle(), &caller.dm, true);
-    ASSERT_EQ(mapped, information.get());
-    EXPECT_EQ(information->refused, DWORD{DM_COPIES});
-    EXPECT_TRUE(information->document_properties);
-    EXPECT_STREQ(information->form_name, L"A4");
-    EXPECT_EQ(information->form_size.cx, 210000);
-    EXPECT_EQ(information->caller_devmode, &caller.dm);
 }

@@ -30,29 +30,6 @@ TEST(PrintSettingsModel, CopiesShareNothing) {
     EXPECT_EQ(copy.notification()->V6->PageEnd, original.notification()->V6->PageEnd + L"x");
 }
 
-TEST(PrintSettingsModel, ImagesAnswerWhateverTheirKind) {
-    ps::PrintSettings settings;
-    settings.compression()->Gray->JpegQuality = 7;
-    settings.compression()->Mono->MonoCompressionMethod = 4;
-    const ps::Compression& compression = settings.compression();
-    struct {
-        const ps::CompressImage& image;
-        unsigned threshold, target, quality, mono_method;
-    } const rows[] = {
-        {compression->Color, 225, 150, 95, 2},
-        {compression->Gray, 225, 150, 7, 2},
-        {compression->Mono, 1800, 1200, 95, 4},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.image.ResolutionThreshold(), row.threshold);
-        EXPECT_EQ(row.image.ResolutionTarget(), row.target);
-        EXPECT_EQ(row.image.JpegQuality(), row.quality);
-        EXPECT_EQ(row.image.MonoCompressionMethod(), row.mono_method);
-        EXPECT_EQ(row.image.DownSamplingMethod(), 2u);
-        EXPECT_EQ(row.image.CompressionMethod(), 0u);
-    }
-}
-
 TEST(PrintSettingsModel, NotificationNumberIsItsTwoHalves) {
     ps::Notification_V6 v6;
     for (const uint64_t id :

@@ -41,8 +41,12 @@ public:
     std::vector<Form> forms = standard_forms();
     std::vector<std::byte> devmode;   // the printer's own; none when empty
     int failing_forms_call = 0;       // 1: the size query succeeds oddly, 2: the second call fails
-    std::atomic<DWORD> grows_by = 0;  // PRINTER_INFO_2W is larger at the second call
+    std::atomic<DWORD> grows_by = 0;  // PRINTER_INFO_2W is larger (or, wrapped, smaller) at the second call
+    bool fails_to_tell = false;       // PRINTER_INFO_2W has a size, but cannot be read
+    std::function<void()> while_telling;
+    std::atomic<int> get_calls = 0;
     std::atomic<int> forms_calls = 0;
+    std::atomic<int> open_calls = 0;
     std::atomic<int> open_handles = 0;
     DWORD open_access = 0;
     bool can_open = true;
@@ -65,6 +69,7 @@ private:
     static BOOL WINAPI on_open(LPWSTR printer, HANDLE* opened, PRINTER_DEFAULTSW* defaults) {
         if (!self_->can_open || !printer || self_->name != printer)
             return fail(ERROR_INVALID_PRINTER_NAME);
+        ++self_->open_calls;
         self_->open_access = defaults ? defaults->DesiredAccess : 0;
         ++self_->open_handles;
         *opened = handle();
@@ -76,8 +81,13 @@ private:
     }
 
     static BOOL WINAPI on_get(HANDLE printer, DWORD level, BYTE* buffer, DWORD size, DWORD* needed) {
+        ++self_->get_calls;
+        if (self_->while_telling)
+            self_->while_telling();
         if (printer != handle())
             return fail(ERROR_INVALID_HANDLE);
+        if (buffer && self_->fails_to_tell)
+            return fail(ERROR_NOT_READY);
         const size_t record = level == 4 ? sizeof(PRINTER_INFO_4W) : sizeof(PRINTER_INFO_2W);
         const size_t name_bytes = (self_->name.size() + 1) * sizeof(wchar_t);
         *needed = static_cast<DWORD>(record + name_bytes + self_->devmode.size()) +

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cwchar>
 
 using dialog_library::WorkingRecord;
 
@@ -65,6 +66,14 @@ __declspec(dllexport) int WINAPI GetFile2(WorkingRecord* record, const wchar_t* 
     expect(record && printer && *printer, "file call's arguments");
     check(*record);
     return script.answer ? script.answer(*record, printer, script.context) : 0;
+}
+
+__declspec(dllexport) int WINAPI GetBrowsePath(wchar_t* buffer, const wchar_t* current) {
+    expect(buffer && std::all_of(buffer, buffer + 512, [](wchar_t unit) { return !unit; }), "browse buffer");
+    expect(current && wcslen(current) < 512, "browse start");
+    wcscpy(script.browsed_from, current);
+    std::copy(std::begin(script.folder), std::end(script.folder), buffer);
+    return script.folder[0] != L'\0';
 }
 
 }  // extern "C"

@@ -16,6 +16,10 @@ struct FakeTessaloScript {
     void* context;
     bool expects_start_folder;  // the path is not empty before the call
 
+    // What "GetBrowsePath" answers, nothing chosen when empty, and the folder that it was last given.
+    wchar_t folder[512];
+    wchar_t browsed_from[512];
+
     volatile LONG setting_calls;
     volatile LONG file_calls;
     char misuse[200];  // the first fault in how the library was called, empty when there was none

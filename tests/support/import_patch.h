@@ -1,4 +1,5 @@
-// Replaces a function that the test program imports, so that a call of the code under test fails on demand.
+// Replaces a function that the test program (or another module) imports, so that a call of the code under
+// test fails on demand or is counted.
 #pragma once
 
 #include <windows.h>
@@ -9,7 +10,8 @@ class ImportPatch {
 public:
     // Every call of `function` (a name of any imported library) goes to `replacement` while this object
     // lives.
-    ImportPatch(std::string_view function, void* replacement) : slot_(find(function)) {
+    ImportPatch(std::string_view function, void* replacement, HMODULE module = nullptr)
+        : slot_(find(function, module ? module : GetModuleHandleW(nullptr))) {
         if (slot_)
             original_ = exchange(replacement);
     }
@@ -21,10 +23,11 @@ public:
     ImportPatch& operator=(const ImportPatch&) = delete;
 
     [[nodiscard]] bool found() const { return slot_ != nullptr; }
+    [[nodiscard]] void* original() const { return original_; }
 
 private:
-    static void** find(std::string_view function) {
-        auto* base = reinterpret_cast<BYTE*>(GetModuleHandleW(nullptr));
+    static void** find(std::string_view function, HMODULE module) {
+        auto* base = reinterpret_cast<BYTE*>(module);
         const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
         const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
         const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];

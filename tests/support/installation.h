@@ -35,11 +35,14 @@ public:
         : box_("MessageBoxW", reinterpret_cast<void*>(&on_box)),
           post_("PostMessageW", reinterpret_cast<void*>(&on_post)),
           event_("ReportEventW", reinterpret_cast<void*>(&on_event)) {
+        original_post_ = post_.original();
         boxes.clear();
         posted.clear();
         events.clear();
+        answer = IDOK;
     }
 
+    static inline int answer;  // the button that ends every box
     static inline std::vector<Box> boxes;
     static inline std::vector<Posted> posted;
     static inline std::vector<std::wstring> events;
@@ -48,9 +51,11 @@ private:
     static int WINAPI on_box(HWND, const wchar_t* text, const wchar_t* caption, UINT style) {
         const std::scoped_lock lock(mutex_);
         boxes.push_back({text, caption, style});
-        return IDOK;
+        return answer;
     }
     static BOOL WINAPI on_post(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+        if (window != HWND_BROADCAST && IsWindow(window))  // a page's message to itself
+            return reinterpret_cast<decltype(&PostMessageW)>(original_post_)(window, message, wparam, lparam);
         const std::scoped_lock lock(mutex_);
         posted.push_back({window, message, wparam, lparam});
         return TRUE;
@@ -64,6 +69,7 @@ private:
     }
 
     static inline std::mutex mutex_;
+    static inline void* original_post_ = nullptr;
     ImportPatch box_, post_, event_;
 };
 

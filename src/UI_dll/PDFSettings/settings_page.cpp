@@ -1,16 +1,208 @@
 #include "UI_dll/PDFSettings/settings_page.h"
 
+#include <commctrl.h>
+#include <prsht.h>
+
+#include "UI_dll/PDFSettings/dpi.h"
+#include "UI_dll/PDFSettings/edit_sheet.h"
+#include "UI_dll/PDFSettings/exchange.h"
+#include "UI_dll/PDFSettings/font_states.h"
+#include "UI_dll/PDFSettings/page.h"
+#include "UI_dll/PDFSettings/setting_rows.h"
+#include "UI_dll/PDFSettings/view_box.h"
 #include "UI_dll/guard.h"
+#include "common/rwPDFSet_functions.h"
+#include "common/threadprop.h"
+#include "common/trace.h"
+#include "resources/ids.h"
+
+namespace pdf_settings {
 
 namespace {
 
-INT_PTR handle(HWND /*page*/, UINT message) noexcept {
+constexpr UINT kBuildFontStates = WM_APP + 32;
+constexpr UINT_PTR kMovedTimer = 1234;
+constexpr UINT kMovedDelay = 100;  // milliseconds
+
+// --- The sheet around the page ---
+
+// Moving the sheet to another screen may change its DPI; while it moves only the last place counts.
+LRESULT on_sheet_message(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
+    const DialogState& state = dialog_state();
+    if (message == WM_MOVE || message == WM_DPICHANGED) {
+        KillTimer(sheet, kMovedTimer);
+        SetTimer(sheet, kMovedTimer, kMovedDelay, nullptr);
+    } else if (message == WM_TIMER && wparam == kMovedTimer) {
+        KillTimer(sheet, kMovedTimer);
+        if (state.list_page)
+            dlg_init_dpi_PDFSettings(state.list_page);
+    }
+    return state.sheet_procedure ? CallWindowProcW(state.sheet_procedure, sheet, message, wparam, lparam)
+                                 : DefWindowProcW(sheet, message, wparam, lparam);
+}
+
+LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
+    return ui::guarded<LRESULT>(0, [&] { return on_sheet_message(sheet, message, wparam, lparam); });
+}
+
+void watch_sheet(HWND sheet) noexcept {
+    DialogState& state = dialog_state();
+    state.list_sheet = sheet;
+    state.sheet_procedure = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&sheet_procedure)));
+    SetWindowLongPtrW(sheet, GWL_EXSTYLE,
+                      GetWindowLongPtrW(sheet, GWL_EXSTYLE) & ~static_cast<LONG_PTR>(WS_EX_CONTEXTHELP));
+}
+
+// Somebody else may have replaced the procedure since; theirs leads to ours, which then only passes on.
+void leave_sheet() noexcept {
+    const DialogState& state = dialog_state();
+    if (!IsWindow(state.list_sheet))
+        return;
+    KillTimer(state.list_sheet, kMovedTimer);
+    if (GetWindowLongPtrW(state.list_sheet, GWLP_WNDPROC) == reinterpret_cast<LONG_PTR>(&sheet_procedure))
+        SetWindowLongPtrW(state.list_sheet, GWLP_WNDPROC,
+                          reinterpret_cast<LONG_PTR>(state.sheet_procedure));
+}
+
+// --- Opening and closing ---
+
+void dlg_init_PDFSettings(HWND page) {
+    TRACE("dlg_init_PDFSettings");
+    release_dialog_state();
+    DialogState& state = dialog_state();
+    state.list_page = page;
+    watch_sheet(GetParent(page));
+    // The number itself, not one of the contexts' pseudo handles: systems that do not know it change nothing.
+    state.dpi_context = qk_SetThreadDpiAwarenessContext(reinterpret_cast<HANDLE>(2));
+    PostMessageW(page, kBuildFontStates, 0, 0);
+    SetWindowTextW(page, dialog_text(IDS_LIST_PAGE).c_str());
+    dlg_init_dpi_PDFSettings(page);
+    SetLVDummyColumn(page, IDC_SETTINGS_LIST);
+    ResetSettingsList(page, std::nullopt);
+}
+
+void close_page(HWND page) {
+    forget_rows(page);
+    const DialogState& state = dialog_state();
+    if (state.dpi_context)
+        qk_SetThreadDpiAwarenessContext(state.dpi_context);
+    leave_sheet();
+    release_dialog_state();
+}
+
+// --- What the user does ---
+
+void delete_selected(HWND page) {
+    TRACE("IDC_DLG_P_PB_DELETE");
+    const std::wstring path = selected_path(page);
+    const int row = selected_row(page);
+    if (row < 0 || !IsCurrentItemEditable(page) || GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES ||
+        (GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_DIRECTORY))
+        return;
+    const std::wstring name(
+        cut(Corvanta::Vantrix::PrintSettings::ReadName(path).value_or(std::wstring()), kNameUnits));
+    const std::wstring text =
+        qk::format(dialog_text(IDS_CONFIRM_DELETE).c_str(), name.c_str(), path.c_str());
+    if (show_message(page, text, IDS_REFUSED, MB_YESNO | MB_ICONQUESTION) == IDYES &&
+        DeleteFileW(path.c_str()))
+        remove_row(page, row);
+}
+
+void edit_selected(HWND page) {
+    DoEditDialog(page, !IsCurrentItemEditable(page));
+}
+
+bool on_command(HWND page, int control) {
+    switch (control) {
+        case IDC_SETTINGS_NEW:
+            DoEditDialog(page, true);
+            return true;
+        case IDC_SETTINGS_EDIT:
+            edit_selected(page);
+            return true;
+        case IDC_SETTINGS_DELETE:
+            delete_selected(page);
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool on_list(HWND page, const NMHDR& header) {
+    switch (header.code) {
+        case LVN_ITEMCHANGED:
+            if (!dialog_state().filling &&
+                reinterpret_cast<const NMLISTVIEW&>(header).uNewState == (LVIS_SELECTED | LVIS_FOCUSED)) {
+                show_selected(page);
+                SendMessageW(GetParent(page), PSM_CHANGED, reinterpret_cast<WPARAM>(page), 0);
+            }
+            return true;
+        case NM_DBLCLK:
+        case NM_RDBLCLK:
+            edit_selected(page);
+            return true;
+        default:
+            return false;
+    }
+}
+
+// --- The end of the sheet ---
+
+void take_choice(HWND page) {
+    TRACE("PSN_APPLY@dlg_notify_PDFSettings");
+    const std::wstring path = selected_path(page);
+    if (path.empty())
+        return;  // the printer keeps the setting it has
+    SetSettingFileName(qk::file_part(path), sheet_printer());
+    ResetSettingsList(page, path);
+}
+
+void leave_choice(HWND page) {
+    const std::wstring printer = sheet_printer();
+    if (!is_setting_file_there(printer))
+        SetSettingFileName(kDefaultSettingFile, printer);
+    ResetSettingsList(page, selected_path(page));
+}
+
+bool dlg_notify_PDFSettings(HWND page, const NMHDR& header) {
+    if (header.idFrom == IDC_SETTINGS_LIST && header.hwndFrom == GetDlgItem(page, IDC_SETTINGS_LIST))
+        return on_list(page, header);
+    switch (header.code) {
+        case PSN_APPLY:
+            take_choice(page);
+            break;
+        case PSN_QUERYCANCEL:
+            leave_choice(page);
+            break;
+        default:
+            return false;
+    }
+    SetWindowLongPtrW(page, DWLP_MSGRESULT, PSNRET_NOERROR);
+    return true;
+}
+
+INT_PTR handle(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
         case WM_INITDIALOG:
+            dlg_init_PDFSettings(page);
+            return TRUE;
+        case WM_COMMAND:
+            return on_command(page, LOWORD(wparam));
+        case WM_NOTIFY:
+            return dlg_notify_PDFSettings(page, *reinterpret_cast<const NMHDR*>(lparam));
+        case WM_DRAWITEM:
+            draw_view_box(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
             return TRUE;
         case WM_ERASEBKGND:
         case WM_CONTEXTMENU:
             return TRUE;  // handled: nothing is drawn, no menu is shown
+        case kBuildFontStates:
+            build_font_states();
+            return TRUE;
+        case WM_DESTROY:
+            close_page(page);
+            return FALSE;
         default:
             return FALSE;
     }
@@ -18,6 +210,31 @@ INT_PTR handle(HWND /*page*/, UINT message) noexcept {
 
 }  // namespace
 
-INT_PTR CALLBACK settings_page_proc(HWND page, UINT message, WPARAM /*wparam*/, LPARAM /*lparam*/) {
-    return ui::guarded<INT_PTR>(FALSE, [&] { return handle(page, message); });
+void dlg_init_dpi_PDFSettings(HWND page) {
+    TRACE("dlg_init_dpi_PDFSettings");
+    const HWND list = find_list(page);
+    if (!list)
+        return;
+    // The list lets go of the old pictures before they are destroyed.
+    ListView_SetImageList(list, nullptr, LVSIL_SMALL);
+    PageIcons& icons = dialog_state().icons;
+    PageIcons fresh = load_page_icons(qk_GetWindowDPI(page));
+    ListView_SetImageList(list, fresh.images.get(), LVSIL_SMALL);
+    SendDlgItemMessageW(page, IDC_SETTINGS_ICON, STM_SETIMAGE, IMAGE_ICON,
+                        reinterpret_cast<LPARAM>(fresh.page.get()));
+    const auto set_icon = [&](int button, const qk::Icon& icon) {
+        SendDlgItemMessageW(page, button, BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(icon.get()));
+    };
+    set_icon(IDC_SETTINGS_NEW, fresh.make);
+    set_icon(IDC_SETTINGS_EDIT, fresh.edit);
+    set_icon(IDC_SETTINGS_DELETE, IsCurrentItemEditable(page) ? fresh.remove : fresh.no_remove);
+    icons = std::move(fresh);
+    ListView_SetColumnWidth(list, 0, 65535);
+    size_column(list);
+}
+
+}  // namespace pdf_settings
+
+INT_PTR CALLBACK settings_page_proc(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
+    return ui::guarded<INT_PTR>(FALSE, [&] { return pdf_settings::handle(page, message, wparam, lparam); });
 }

@@ -1,0 +1,84 @@
+#include "companions/host/sheet_host.h"
+
+#include <windows.h>
+
+#include <string_view>
+
+#include "common/handle.h"
+#include "common/paths.h"
+#include "common/registry.h"
+#include "common/text.h"
+#include "companions/host/host_error.h"
+#include "companions/host/stage_files.h"
+
+namespace host {
+
+namespace {
+
+constexpr wchar_t kOverrides[] = L"Software\\Wine\\DllOverrides";
+constexpr wchar_t kLibrary[] = L"compstui";
+constexpr wchar_t kFileFirst[] = L"native,builtin";  // a file that is not Wine's goes before Wine's own
+constexpr std::string_view kWinesMark = "Wine builtin DLL";
+constexpr LONG kWinesMarkAt = 0x40;  // behind the DOS header
+
+bool is_wines_own(const std::wstring& path) {
+    const qk::FileObj file(
+        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file || SetFilePointer(file.get(), kWinesMarkAt, nullptr, FILE_BEGIN) != DWORD{kWinesMarkAt})
+        return false;
+    char mark[kWinesMark.size()] = {};
+    DWORD read = 0;
+    return ReadFile(file.get(), mark, sizeof mark, &read, nullptr) &&
+           std::string_view(mark, read) == kWinesMark;
+}
+
+// Where Wine's own lies while the stand-in has its place.
+std::wstring kept_path(const std::wstring& target) {
+    return target + L".wine";
+}
+
+void prefer_file() {
+    const qk::RegKey key = qk::registry::create(HKEY_CURRENT_USER, kOverrides, KEY_WRITE);
+    const LSTATUS error = RegSetValueExW(key.get(), kLibrary, 0, REG_SZ,
+                                         reinterpret_cast<const BYTE*>(kFileFirst), sizeof kFileFirst);
+    if (error != ERROR_SUCCESS)
+        throw HostError{ExitCode::kInstallation,
+                        with_reason(L"programs cannot be told of the sheet host", static_cast<DWORD>(error))};
+}
+
+}  // namespace
+
+std::wstring sheet_host_path() {
+    return qk::grow_until_it_fits(
+               [](wchar_t* buffer, DWORD units) { return GetSystemDirectoryW(buffer, units); }) +
+           L"\\compstui.dll";
+}
+
+std::wstring install_sheet_host(const std::wstring& source, const std::wstring& target) {
+    const std::wstring kept = kept_path(target);
+    if (is_wines_own(target))
+        bring_up_to_date({target, kept, false});
+    else if (!qk::is_file(kept))
+        return L"left as it is";
+    const CopyOutcome outcome = bring_up_to_date({source, target, false});
+    prefer_file();
+    return outcome_name(outcome);
+}
+
+std::wstring sheet_host_state(const std::wstring& target) {
+    return qk::is_file(kept_path(target)) && !is_wines_own(target) ? L"the stand-in" : L"the system's own";
+}
+
+bool remove_sheet_host(const std::wstring& target) {
+    const std::wstring kept = kept_path(target);
+    if (!qk::is_file(kept))
+        return false;
+    if (!is_wines_own(target))
+        bring_up_to_date({kept, target, false});
+    DeleteFileW(kept.c_str());
+    if (qk::registry::find_text(HKEY_CURRENT_USER, kOverrides, kLibrary) == kFileFirst)
+        RegDeleteKeyValueW(HKEY_CURRENT_USER, kOverrides, kLibrary);
+    return true;
+}
+
+}  // namespace host

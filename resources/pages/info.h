@@ -1,0 +1,10 @@
+// Identifiers of the Document page. IDC_NAME shows the name of the setting here, too.
+#define IDD_INFO 350
+#define IDS_INFO_TAB 1360
+
+#define IDC_INFO_TITLE 3501
+#define IDC_INFO_SUBJECT 3502
+#define IDC_INFO_AUTHOR 3503
+#define IDC_INFO_KEYWORDS 3504
+#define IDC_INFO_CREATOR 3505
+#define IDC_INFO_SETTING_NAME 3506

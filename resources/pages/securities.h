@@ -1,0 +1,43 @@
+// Identifiers of the Security page.
+#define IDD_SECURITIES 240
+#define IDS_SECURITIES_TAB 1240
+
+#define IDC_SEC_USE_OPEN 242
+#define IDC_SEC_OPEN_PASSWORD 243
+#define IDC_SEC_USE_PERMISSIONS 244
+#define IDC_SEC_PASSWORD 245
+#define IDC_SEC_COPY 247
+#define IDC_SEC_READER 248
+#define IDC_SEC_EDIT_LABEL 249
+#define IDC_SEC_EDIT 250
+#define IDC_SEC_PRINT_LABEL 251
+#define IDC_SEC_PRINT 252
+#define IDC_SEC_NO_PRINT 257
+#define IDC_SEC_NO_MODIFY 258
+#define IDC_SEC_NO_COPY 259
+#define IDC_SEC_NO_ANNOTATE 260
+#define IDC_SEC_NOTE 261
+#define IDC_SEC_OPEN_LABEL 262
+#define IDC_SEC_PASSWORD_LABEL 263
+#define IDC_SEC_GROUP 264
+
+// Values of the two lists.
+#define IDS_SEC_EDIT_0 1241
+#define IDS_SEC_EDIT_1 1242
+#define IDS_SEC_EDIT_2 1243
+#define IDS_SEC_EDIT_3 1244
+#define IDS_SEC_EDIT_4 1245
+#define IDS_SEC_EDIT_5 1246
+#define IDS_SEC_PRINT_0 1247
+#define IDS_SEC_PRINT_1 1248
+#define IDS_SEC_PRINT_2 1249
+// What protects the document, by version.
+#define IDS_SEC_NOTE_LOW 1250
+#define IDS_SEC_NOTE_HIGH 1251
+#define IDS_SEC_NOTE_NONE 1252
+// Why passwords are refused.
+#define IDS_SEC_BAD_CHARACTER 1253
+#define IDS_SEC_TOO_LONG 1254
+#define IDS_SEC_SAME_PASSWORDS 4387
+#define IDS_SEC_NO_OPEN_PASSWORD 4502
+#define IDS_SEC_NO_PASSWORD 4503

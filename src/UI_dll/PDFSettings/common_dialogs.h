@@ -1,0 +1,23 @@
+// The system's dialogs for a file and a colour. Their library is loaded while one is open only: a program
+// that prints shall not carry it.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <optional>
+#include <string>
+
+namespace pdf_settings {
+
+// Asks for an existing file. `filter`: name and pattern in turn, each ending with a zero. `current` (a path
+// or empty) is where the dialog starts. Nothing when it is cancelled or cannot be shown.
+[[nodiscard]] std::optional<std::wstring> choose_file(HWND owner, const std::wstring& title,
+                                                      const std::wstring& filter,
+                                                      const std::wstring& current);
+
+// Asks for a colour. `custom` are the user's own colours, which the dialog changes.
+[[nodiscard]] std::optional<COLORREF> choose_colour(HWND owner, COLORREF current,
+                                                    std::array<COLORREF, 16>& custom);
+
+}  // namespace pdf_settings

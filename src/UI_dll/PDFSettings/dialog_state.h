@@ -1,0 +1,85 @@
+// What the settings dialog keeps for the thread that shows it.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "common/gdi_handle.h"
+#include "print_settings/PrintSettings.h"
+
+namespace pdf_settings {
+
+using Setting = Corvanta::Vantrix::PrintSettings::PrintSettings;
+
+// The pages of the edit sheet, in their order.
+enum PageIndex : size_t {
+    kGeneralPage,
+    kPDFVersionPage,
+    kColorPage,
+    kCompressPage,
+    kFontPage,
+    kSecuritiesPage,
+    kWaterMarkPage,
+    kOpenActionPage,
+    kInfoPage,
+    kPageCount
+};
+
+// What a page keeps for itself while the sheet is open; a page derives its own from this.
+class PageHelper {
+public:
+    virtual ~PageHelper() = default;
+};
+
+// The list page's pictures, for one DPI.
+struct PageIcons {
+    UINT dpi = 0;  // 0: none loaded
+    qk::ImageList images;  // the rows' icons: 0 = an administrator's setting, 1 = one of the installation
+    qk::Icon page, make, edit, remove, no_remove;
+};
+
+struct DialogState {
+    PageIcons icons;
+    std::optional<int> last_row;  // the list row that was selected last
+    bool filling = false;         // the list is being filled: its notifications are not the user's
+
+    std::unique_ptr<Setting> edited;  // the setting being edited, see edited_setting()
+    std::unique_ptr<Setting> saved;   // as it was loaded; compared with on OK
+    std::wstring path;                // the file that both were loaded from
+
+    std::array<std::unique_ptr<PageHelper>, kPageCount> helpers;
+    std::unique_ptr<PageHelper> view_box;     // what the drawing of the page keeps
+    std::unique_ptr<PageHelper> font_states;  // the table of font_states.h
+    std::array<HWND, kPageCount> pages = {};  // of the open edit sheet
+    bool opening = false;                     // its pages are being made: nothing is checked
+    bool cancelled = false;                   // the edit sheet was cancelled
+
+    HWND list_page = nullptr;
+    HWND list_sheet = nullptr;  // the list page's parent, whose window procedure is replaced
+    WNDPROC sheet_procedure = nullptr;
+    HANDLE dpi_context = nullptr;  // the thread's, before the list page was opened
+};
+
+// The calling thread's state, made on first use.
+[[nodiscard]] DialogState& dialog_state();
+
+// Forgets the calling thread's state.
+void release_dialog_state() noexcept;
+
+// The setting that the calling thread's dialog edits, made with default values on first use.
+[[nodiscard]] Setting& edited_setting();
+
+// The page's helper, made on first use.
+template <class Helper>
+[[nodiscard]] Helper& page_helper(PageIndex page) {
+    auto& slot = dialog_state().helpers[page];
+    if (!slot)
+        slot = std::make_unique<Helper>();
+    return static_cast<Helper&>(*slot);
+}
+
+}  // namespace pdf_settings

@@ -1,0 +1,139 @@
+// Controls and the fields that they show: a page lists them once, and one exchange fills and reads them.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <array>
+#include <optional>
+#include <string>
+#include <tuple>
+
+#include "common/text.h"
+
+namespace pdf_settings {
+
+[[nodiscard]] std::wstring control_text(HWND page, int control);
+[[nodiscard]] bool is_checked(HWND page, int control) noexcept;
+void check(HWND page, int control, bool checked) noexcept;
+void enable(HWND page, int control, bool enabled) noexcept;
+void show(HWND page, int control, bool shown) noexcept;
+
+template <size_t Count>
+void enable(HWND page, const std::array<int, Count>& controls, bool enabled) noexcept {
+    for (const int control : controls)
+        enable(page, control, enabled);
+}
+
+// Appends the string resources `first` .. `first + count - 1` to a combo box.
+void fill_list(HWND page, int control, UINT first, UINT count);
+// The selected position of a combo box, or `otherwise` when nothing is selected.
+[[nodiscard]] int selected(HWND page, int control, int otherwise = 0) noexcept;
+void select(HWND page, int control, int position) noexcept;
+
+// --- Rows of a page's table ---
+
+template <class Section, class Value>
+struct CheckBox {  // bool, or a number that is 1 when checked
+    int control;
+    Value Section::*member;
+
+    void load(HWND page, const Section& section) const {
+        pdf_settings::check(page, control, section.*member == Value{1});
+    }
+    void store(HWND page, Section& section) const {
+        section.*member = is_checked(page, control) ? Value{1} : Value{0};
+    }
+};
+
+template <class Section, class Value, size_t Count>
+struct Radios {  // the value is the position of the checked one
+    std::array<int, Count> controls;
+    Value Section::*member;
+
+    void load(HWND page, const Section& section) const {
+        for (size_t i = 0; i < Count; ++i)
+            pdf_settings::check(page, controls[i], static_cast<size_t>(section.*member) == i);
+    }
+    void store(HWND page, Section& section) const {
+        for (size_t i = 0; i < Count; ++i)
+            if (is_checked(page, controls[i]))
+                section.*member = static_cast<Value>(i);
+    }
+};
+
+template <class Section, class Value>
+struct DropList {  // the value is the selected position; the page's init has filled the list from these
+    int control;
+    Value Section::*member;
+    UINT first_text;
+    UINT count;
+
+    void load(HWND page, const Section& section) const {
+        fill_list(page, control, first_text, count);
+        select(page, control, static_cast<int>(section.*member));
+    }
+    void store(HWND page, Section& section) const {
+        section.*member = static_cast<Value>(selected(page, control, static_cast<int>(section.*member)));
+    }
+};
+
+template <class Section>
+struct Text {
+    int control;
+    std::wstring Section::*member;
+    WPARAM limit;  // UTF-16 units
+
+    void load(HWND page, const Section& section) const {
+        SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, limit, 0);
+        SetDlgItemTextW(page, control, (section.*member).c_str());
+    }
+    void store(HWND page, Section& section) const { section.*member = control_text(page, control); }
+};
+
+template <class Section, class Value>
+struct Number {  // a whole number, brought into its range when it is read; text that is none leaves the field
+    int control;
+    Value Section::*member;
+    int low;
+    int high;
+    WPARAM limit;      // UTF-16 units
+    int up_down = 0;  // its up-down control, or none
+
+    void load(HWND page, const Section& section) const {
+        SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, limit, 0);
+        if (up_down)
+            SendDlgItemMessageW(page, up_down, UDM_SETRANGE32, static_cast<WPARAM>(low), high);
+        SetDlgItemTextW(page, control, std::to_wstring(static_cast<long long>(section.*member)).c_str());
+    }
+    void store(HWND page, Section& section) const {
+        if (const auto number = qk::find_number(control_text(page, control)))
+            section.*member = static_cast<Value>(*number < low ? low : *number > high ? high : *number);
+    }
+};
+
+template <class Section, class Value>
+CheckBox(int, Value Section::*) -> CheckBox<Section, Value>;
+template <class Section, class Value, size_t Count>
+Radios(std::array<int, Count>, Value Section::*) -> Radios<Section, Value, Count>;
+template <class Section, class Value>
+DropList(int, Value Section::*, UINT, UINT) -> DropList<Section, Value>;
+template <class Section>
+Text(int, std::wstring Section::*, WPARAM) -> Text<Section>;
+template <class Section, class Value>
+Number(int, Value Section::*, int, int, WPARAM) -> Number<Section, Value>;
+template <class Section, class Value>
+Number(int, Value Section::*, int, int, WPARAM, int) -> Number<Section, Value>;
+
+// Fills the controls of every row of the table from the section, or the section from the controls.
+template <class Section, class... Rows>
+void load_controls(HWND page, const Section& section, const std::tuple<Rows...>& table) {
+    std::apply([&](const auto&... row) { (row.load(page, section), ...); }, table);
+}
+template <class Section, class... Rows>
+void store_controls(HWND page, Section& section, const std::tuple<Rows...>& table) {
+    std::apply([&](const auto&... row) { (row.store(page, section), ...); }, table);
+}
+
+}  // namespace pdf_settings

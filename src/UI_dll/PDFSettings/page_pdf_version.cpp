@@ -1,0 +1,264 @@
+#include "UI_dll/PDFSettings/page_pdf_version.h"
+
+#include <algorithm>
+
+#include "UI_dll/PDFSettings/exchange.h"
+#include "UI_dll/PDFSettings/page.h"
+#include "UI_dll/PDFSettings/page_pdf_version_boxes.h"
+#include "UI_dll/PDFSettings/page_pdf_version_rules.h"
+#include "common/icc_profile.h"
+#include "common/text.h"
+#include "common/trace.h"
+#include "job/output_intent.h"
+#include "resources/ids.h"
+
+namespace pdf_settings {
+
+namespace {
+
+using Corvanta::Vantrix::PrintSettings::PDFVersion_impl;
+
+constexpr size_t kProfileUnits = 260;
+constexpr wchar_t kDefaultProfile[] = L"Japan Color 2001 Coated";
+constexpr wchar_t kConditionKey[] = L"OutputCondition";
+
+constexpr auto kTable = std::tuple{
+    Radios{std::array{IDC_PV_STOP, IDC_PV_CONTINUE}, &PDFVersion_impl::WhenErroredPDFAX},
+    CheckBox{IDC_PV_USE_TRIM, &PDFVersion_impl::UseTrimBox},
+    CheckBox{IDC_PV_USE_BLEED, &PDFVersion_impl::UseBleedBox},
+};
+
+struct VersionHelper final : PageHelper {
+    std::wstring profile;             // the description that was selected last
+    std::wstring stored_name;         // of the profile that the setting names, as the page opened
+    std::wstring stored_description;  // of that profile
+};
+
+// --- The version ---
+
+uint32_t selected_version(HWND page) {
+    const int position = selected(page, IDC_PV_VERSION, -1);
+    return position < 0 ? edited_setting().pdfVersion()->Version
+                        : kVersionOrder[static_cast<size_t>(position)];
+}
+
+void fill_versions(HWND page, uint32_t version) {
+    for (const uint32_t code : kVersionOrder) {
+        const std::wstring text = dialog_text(IDS_PS_VERSION_0 + code);
+        SendDlgItemMessageW(page, IDC_PV_VERSION, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    }
+    const auto position = std::ranges::find(kVersionOrder, version);
+    select(page, IDC_PV_VERSION, static_cast<int>(position - kVersionOrder.begin()));
+}
+
+UINT version_note(uint32_t version) noexcept {
+    if (is_press_standard(version))
+        return version <= 7 ? IDS_PV_NOTE_PRESS_CMYK : IDS_PV_NOTE_PRESS;
+    if (is_standard(version))
+        return IDS_PV_NOTE_ARCHIVE;
+    return version == 0 ? IDS_PV_NOTE_LOW : version == 12 ? IDS_PV_NOTE_NEWEST : IDS_PV_NOTE_PLAIN;
+}
+
+// --- The profile ---
+
+std::wstring selected_profile(HWND page) {
+    wchar_t text[kProfileUnits] = {};
+    COMBOBOXEXITEMW item = {CBEIF_TEXT, selected(page, IDC_PV_PROFILE, -1), text, kProfileUnits};
+    if (item.iItem < 0 ||
+        !SendDlgItemMessageW(page, IDC_PV_PROFILE, CBEM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)))
+        return {};
+    return item.pszText == text ? std::wstring(text) : std::wstring();
+}
+
+void add_profile(HWND page, std::wstring description) {
+    const COMBOBOXEXITEMW item = {CBEIF_TEXT, -1, description.data()};
+    SendDlgItemMessageW(page, IDC_PV_PROFILE, CBEM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+LRESULT find_item(HWND page, const std::wstring& description) {
+    return SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                               reinterpret_cast<LPARAM>(description.c_str()));
+}
+
+// A setting may name a profile outside the profile folder; it stays a choice.
+void add_stored_profile(HWND page, uint32_t version) {
+    const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    if (helper.stored_description.empty() || find_item(page, helper.stored_description) >= 0)
+        return;
+    const auto path = icc::find_profile(helper.stored_name);
+    const auto profile = path ? icc::read_profile(*path) : std::nullopt;
+    if (profile && is_profile_listed(version, profile->colour_space, profile->device_class))
+        add_profile(page, helper.stored_description);
+}
+
+// The file name for the selected description. The setting's own stands as it is for the profile that it
+// names, and for none while the version lists none.
+std::wstring profile_name(HWND page) {
+    const std::wstring description = selected_profile(page);
+    if (description.empty())
+        return is_standard(selected_version(page)) ? std::wstring()
+                                                   : edited_setting().pdfVersion()->ICCFileName;
+    const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    if (description == helper.stored_description)
+        return helper.stored_name;
+    wchar_t name[kFileNameUnits] = {};
+    icc_FileNameFromDesc(description, name);
+    return name;
+}
+
+// --- The output condition ---
+
+std::wstring condition_of(const std::wstring& description) {
+    return description.empty() ? std::wstring() : qk::to_wide(icc_ConditionIdFromDesc(description));
+}
+
+// A condition that the setting names itself stands; without one it is that of the profile.
+void load_condition(HWND page) {
+    const auto& texts = edited_setting().addition()->Str;
+    const auto entry = texts.find(kConditionKey);
+    const std::wstring text = entry != texts.end() ? entry->second : condition_of(selected_profile(page));
+    SetDlgItemTextW(page, IDC_PV_CONDITION, text.c_str());
+}
+
+void store_condition(HWND page, Setting& setting) {
+    auto& texts = setting.addition()->Str;
+    const std::wstring text = control_text(page, IDC_PV_CONDITION);
+    const bool own = texts.contains(kConditionKey) || text != condition_of(selected_profile(page));
+    if (own && is_press_standard(selected_version(page)))
+        texts[kConditionKey] = text;
+}
+
+// --- The page ---
+
+void dlg_enable_PDFVersion(HWND page) {
+    const uint32_t version = selected_version(page);
+    SetDlgItemTextW(page, IDC_PV_NOTE, dialog_text(version_note(version)).c_str());
+    enable(page,
+           std::array{IDC_PV_PROFILE_LABEL, IDC_PV_PROFILE, IDC_PV_ERROR_LABEL, IDC_PV_STOP, IDC_PV_CONTINUE},
+           is_standard(version));
+    enable(page, std::array{IDC_PV_CONDITION_LABEL, IDC_PV_CONDITION}, is_press_standard(version));
+    enable_boxes(page, is_press_standard(version));
+}
+
+PDFVersion_impl read_section(HWND page) {
+    PDFVersion_impl section = *edited_setting().pdfVersion();
+    store_controls(page, section, kTable);
+    store_boxes(page, section);
+    section.Version = selected_version(page);
+    section.ICCFileName = profile_name(page);
+    return section;
+}
+
+void dlg_init_PDFVersion(HWND page) {
+    TRACE("dlg_init_PDFVersion");
+    const PDFVersion_impl& section = *edited_setting().pdfVersion();
+    fill_versions(page, section.Version);
+    load_controls(page, section, kTable);
+    load_boxes(page, section);
+    auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    helper.stored_name = section.ICCFileName;
+    if (const auto path = icc::find_profile(section.ICCFileName))
+        helper.stored_description = icc::find_description(*path).value_or(L"").substr(0, kProfileUnits - 1);
+    helper.profile = helper.stored_description;
+    ListupICCFileByName(page, nullptr, section.Version);
+    load_condition(page);
+    dlg_enable_PDFVersion(page);
+}
+
+// The condition follows the profile.
+void profile_changed(HWND page) {
+    const std::wstring description = selected_profile(page);
+    if (description.empty())
+        return;
+    page_helper<VersionHelper>(kPDFVersionPage).profile = description;
+    SetDlgItemTextW(page, IDC_PV_CONDITION, condition_of(description).c_str());
+}
+
+void version_changed(HWND page) {
+    TRACE("dlg_callback_PDFVersion.WM_COMMAND.IDC_PV_VERSION");
+    const std::wstring before = page_helper<VersionHelper>(kPDFVersionPage).profile;
+    ListupICCFileByName(page, nullptr, selected_version(page));
+    if (selected_profile(page) != before || control_text(page, IDC_PV_CONDITION).empty())
+        profile_changed(page);
+    dlg_enable_PDFVersion(page);
+}
+
+void dlg_callback_PDFVersion(HWND page, int control, int notification) {
+    if (control == IDC_PV_VERSION && notification == CBN_SELCHANGE)
+        version_changed(page);
+    else if (control == IDC_PV_PROFILE && notification == CBN_SELCHANGE)
+        profile_changed(page);
+    else if ((control == IDC_PV_USE_TRIM || control == IDC_PV_USE_BLEED) && notification == BN_CLICKED)
+        dlg_enable_PDFVersion(page);
+}
+
+// Refuses what a job with this setting would be refused for.
+bool dlg_killactive_PDFVersion(HWND page) {
+    TRACE("dlg_killactive_PDFVersion");
+    if (!is_standard(selected_version(page)))
+        return true;
+    if (const int edit = is_press_standard(selected_version(page)) ? find_bad_margin(page) : 0)
+        return refuse(page, edit, IDS_PV_BAD_MARGIN);
+    Setting candidate = edited_setting();
+    *candidate.pdfVersion() = read_section(page);
+    candidate.addition()->Str[kConditionKey] = control_text(page, IDC_PV_CONDITION);
+    const auto refusal = job::find_refusal(candidate);
+    if (!refusal)
+        return true;
+    if (refusal->caption_id == IDS_NO_COLOUR_PROFILE)
+        return refuse(page, IDC_PV_PROFILE, IDS_PV_NO_PROFILE);
+    if (refusal->caption_id == IDS_NO_OUTPUT_CONDITION)
+        return refuse(page, IDC_PV_CONDITION, IDS_PV_NO_CONDITION);
+    return refuse(page, box_to_mend(page, *candidate.pdfVersion()), IDS_PV_BAD_BOXES);
+}
+
+LONG dlg_apply_PDFVersion(HWND page, bool /*from_ok*/) {
+    TRACE("dlg_apply_PDFVersion");
+    const PDFVersion_impl section = read_section(page);
+    store_condition(page, edited_setting());
+    *edited_setting().pdfVersion() = section;
+    return PSNRET_NOERROR;
+}
+
+}  // namespace
+
+void ListupICCFileByName(HWND page, void* /*ignored*/, uint32_t version) {
+    TRACE("ListupICCFileByName");
+    auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    if (const std::wstring current = selected_profile(page); !current.empty())
+        helper.profile = current;
+    const HWND list = GetDlgItem(page, IDC_PV_PROFILE);
+    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
+    SendMessageW(list, CB_RESETCONTENT, 0, 0);
+    if (is_standard(version)) {
+        for (const icc::Profile& profile : icc::list_profiles())
+            if (is_profile_listed(version, profile.colour_space, profile.device_class))
+                if (const auto description = icc::find_description(profile.path);
+                    description && !description->empty())
+                    add_profile(page, description->substr(0, kProfileUnits - 1));
+        add_stored_profile(page, version);
+    }
+    LRESULT position = helper.profile.empty() ? -1 : find_item(page, helper.profile);
+    if (position < 0)
+        position = find_item(page, kDefaultProfile);
+    select(page, IDC_PV_PROFILE, static_cast<int>(position));
+    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(list, nullptr, TRUE);
+}
+
+PDFVersion_impl read_PDFVersion(HWND page) {
+    const HWND version_page = find_sibling_page(page, IDS_PDF_VERSION_TAB);
+    return version_page && GetDlgItem(version_page, IDC_PV_VERSION)
+               ? read_section(version_page)
+               : PDFVersion_impl(*edited_setting().pdfVersion());
+}
+
+const PageOperations kPDFVersion = {.index = kPDFVersionPage,
+                                    .template_id = IDD_PDF_VERSION,
+                                    .title_id = IDS_PDF_VERSION_TAB,
+                                    .init = &dlg_init_PDFVersion,
+                                    .command = &dlg_callback_PDFVersion,
+                                    .check = &dlg_killactive_PDFVersion,
+                                    .apply = &dlg_apply_PDFVersion};
+
+}  // namespace pdf_settings

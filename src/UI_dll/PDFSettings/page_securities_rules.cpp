@@ -1,0 +1,45 @@
+#include "UI_dll/PDFSettings/page_securities_rules.h"
+
+#include <algorithm>
+
+#include "UI_dll/PDFSettings/page_pdf_version_rules.h"
+#include "common/text.h"
+
+namespace pdf_settings {
+
+namespace {
+
+constexpr uint32_t kAnyCharacter = 12;  // PDF 2.0
+constexpr size_t kPasswordBytes = 128;  // in UTF-8, as a setting file holds it, with its end
+
+bool has_bad_character(std::wstring_view password) noexcept {
+    return std::ranges::any_of(password, [](wchar_t unit) { return unit < 33 || unit > 254; });
+}
+
+bool is_too_long(std::wstring_view password) {
+    return qk::to_utf8(password).size() >= kPasswordBytes;
+}
+
+}  // namespace
+
+std::optional<PasswordFault> find_password_fault(uint32_t version, const PasswordChoice& choice) {
+    if (is_standard(version))
+        return std::nullopt;
+    if (!choice.open.empty() && choice.open == choice.permissions)
+        return PasswordFault::kSame;
+    if (choice.needs_open && choice.open.empty())
+        return PasswordFault::kNoOpen;
+    if (choice.needs_permissions && choice.permissions.empty())
+        return PasswordFault::kNoPermissions;
+    if (version != kAnyCharacter && has_bad_character(choice.permissions))
+        return PasswordFault::kPermissionsCharacter;
+    if (version != kAnyCharacter && has_bad_character(choice.open))
+        return PasswordFault::kOpenCharacter;
+    if (is_too_long(choice.permissions))
+        return PasswordFault::kPermissionsTooLong;
+    if (is_too_long(choice.open))
+        return PasswordFault::kOpenTooLong;
+    return std::nullopt;
+}
+
+}  // namespace pdf_settings

@@ -1,0 +1,170 @@
+#include "UI_dll/PDFSettings/setting_list.h"
+
+#include <array>
+#include <cwchar>
+#include <functional>
+
+#include "common/paths.h"
+#include "common/registry.h"
+#include "common/rwPDFSet_functions.h"
+#include "common/text.h"
+#include "common/trace.h"
+
+namespace pdf_settings {
+
+namespace {
+
+constexpr std::array<std::wstring_view, 3> kExtensions = {L".printSetting2", L".printSetting3", L".ps4"};
+
+struct Folder {
+    int32_t kind;
+    std::wstring path;  // with its trailing backslash
+};
+
+std::wstring with_backslash(std::wstring folder) {
+    if (!folder.empty() && !folder.ends_with(L'\\'))
+        folder += L'\\';
+    return folder;
+}
+
+std::array<Folder, 4> listed_folders() {
+    const std::wstring root = qk::install_folder();
+    return {{{SettingEntry::kOwn, with_backslash(GetAppDataPath(false))},
+             {SettingEntry::kCustom, root + L"CustomSettings\\"},
+             {SettingEntry::kInstalled, root + L"Settings\\"},
+             {SettingEntry::kInstalled, root + L"Settings\\legacy\\"}}};
+}
+
+// Calls `found` with the full path of every file of the folder with that extension, until it returns true.
+bool any_file(const std::wstring& folder, std::wstring_view extension,
+              const std::function<bool(const std::wstring& path)>& found) {
+    if (folder.empty())
+        return false;
+    WIN32_FIND_DATAW file;
+    const std::wstring pattern = folder + L'*' + std::wstring(extension);
+    const qk::FindObj search(FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &file, FindExSearchNameMatch,
+                                              nullptr, FIND_FIRST_EX_LARGE_FETCH));
+    if (!search)
+        return false;
+    do {
+        // The system's patterns also match longer extensions that begin alike.
+        const bool right = std::wstring_view(file.cFileName).size() > extension.size() &&
+                           qk::equal_no_case(std::wstring_view(file.cFileName)
+                                                 .substr(wcslen(file.cFileName) - extension.size()),
+                                             extension);
+        if (right && !(file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) && found(folder + file.cFileName))
+            return true;
+    } while (FindNextFileW(search.get(), &file));
+    return false;
+}
+
+std::wstring name_of_file(const std::wstring& path) {
+    const std::wstring_view file = qk::file_part(path);
+    return std::wstring(file.substr(0, file.rfind(L'.')));
+}
+
+SettingEntry entry_of(int32_t kind, const std::wstring& path) {
+    auto name = Corvanta::Vantrix::PrintSettings::ReadName(path);
+    if (!name && kind == SettingEntry::kOwn)
+        kind = SettingEntry::kCustom;  // what cannot be read must not be written over
+    if (!name || name->empty())
+        name = name_of_file(path);
+    return {kind, path, *std::move(name)};
+}
+
+// --- Settings of older versions ---
+
+constexpr wchar_t kImported[] = L"ImportedOldCustomSettings";
+constexpr int kThisVersion = 8;
+
+// The older version's folder of settings, "<roaming>\Corvanta\Vantrix\7.0\CustomSettings\".
+std::wstring old_folder(int version) {
+    return qk::format(L"%s\\Corvanta\\Vantrix\\%d.0\\CustomSettings\\", qk::roaming_folder().c_str(),
+                      version);
+}
+
+void copy_settings(const std::wstring& from, const std::wstring& to) {
+    for (const std::wstring_view extension : kExtensions)
+        any_file(from, extension, [&](const std::wstring& path) {
+            const std::wstring target = to + std::wstring(qk::file_part(path));
+            if (CopyFileW(path.c_str(), target.c_str(), TRUE))
+                TRACE_F(L"imported %s", target.c_str());
+            return false;
+        });
+}
+
+}  // namespace
+
+void ImportOldCustomSettings() {
+    const qk::registry::CurrentUser user;
+    if (qk::registry::find_number(user.get(), qk::registry::kRoot, kImported).value_or(0) != 0)
+        return;
+    TRACE("ImportOldCustomSettings");
+    for (int version = kThisVersion - 1; version > 0; --version) {  // newer ones first: theirs stay
+        const std::wstring from = old_folder(version);
+        if (!qk::is_folder(from))
+            continue;
+        const std::wstring to = with_backslash(GetAppDataPath(true));
+        if (to.empty())
+            return;  // again the next time
+        copy_settings(from, to);
+    }
+    const qk::RegKey key = qk::registry::create(user.get(), qk::registry::kRoot, KEY_WRITE);
+    const DWORD done = 1;
+    if (key)
+        RegSetValueExW(key.get(), kImported, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&done), sizeof done);
+}
+
+std::vector<SettingEntry> ListUpPSFiles() {
+    ImportOldCustomSettings();
+    std::vector<SettingEntry> entries;
+    for (const Folder& folder : listed_folders())
+        for (const std::wstring_view extension : kExtensions)
+            any_file(folder.path, extension, [&](const std::wstring& path) {
+                entries.push_back(entry_of(folder.kind, path));
+                return false;
+            });
+    return entries;
+}
+
+bool is_name_taken(const std::wstring& name, const std::wstring& ignored) {
+    for (const Folder& folder : listed_folders())
+        for (const std::wstring_view extension : kExtensions)
+            if (any_file(folder.path, extension, [&](const std::wstring& path) {
+                    return !qk::equal_no_case(path, ignored) && entry_of(folder.kind, path).name == name;
+                }))
+                return true;
+    return false;
+}
+
+std::wstring create_setting_file(const Setting& setting) {
+    const std::wstring folder = with_backslash(GetAppDataPath(true));
+    if (folder.empty()) {
+        SetLastError(ERROR_PATH_NOT_FOUND);
+        return {};
+    }
+    const std::wstring stem = folder + file_name_of(setting->PSName);
+    const std::wstring path =
+        free_name(stem, [](const std::wstring& candidate) {
+            return GetFileAttributesW((candidate + L".ps4").c_str()) != INVALID_FILE_ATTRIBUTES;
+        }) +
+        L".ps4";
+    return setting.Save(path) ? path : std::wstring();
+}
+
+bool LoadSettingFile(const std::wstring& path) {
+    DialogState& state = dialog_state();
+    Setting& edited = edited_setting();
+    edited = Setting();
+    state.path = path;
+    const bool loaded = !path.empty() && edited.Load(path);
+    if (!loaded) {
+        TRACE("no ps");
+        edited = Setting();
+        edited->PSName = path.empty() ? std::wstring() : name_of_file(path);
+    }
+    state.saved = std::make_unique<Setting>(edited);
+    return loaded;
+}
+
+}  // namespace pdf_settings

@@ -1,0 +1,36 @@
+// The rows of the settings page's list.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "UI_dll/PDFSettings/list_rules.h"
+
+namespace pdf_settings {
+
+// The list control of the page or of its parent; null, traced, when neither has it.
+[[nodiscard]] HWND find_list(HWND page);
+
+// As wide as the list without its scroll bar, so that no horizontal one appears.
+void size_column(HWND list);
+
+// The selected row, or -1.
+[[nodiscard]] int selected_row(HWND page);
+
+// Loads the selected row's file for editing, and shows what can be done with it.
+void show_selected(HWND page);
+
+// Takes every row out.
+void forget_rows(HWND page);
+
+// Takes a row out of the list, and selects its neighbour.
+void remove_row(HWND page, int row);
+
+// The printer of the sheet on this thread; empty when there is none.
+[[nodiscard]] std::wstring sheet_printer();
+
+// Whether the setting file that is chosen for the printer exists. True when none is chosen.
+[[nodiscard]] bool is_setting_file_there(const std::wstring& printer);
+
+}  // namespace pdf_settings

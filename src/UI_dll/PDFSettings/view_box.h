@@ -1,0 +1,20 @@
+// The drawing of the page that a print setting makes.
+#pragma once
+
+#include <windows.h>
+
+#include "print_settings/sections.h"
+
+namespace pdf_settings {
+
+// Draws the preview of the list page anew, for the setting that is loaded.
+void SetViewBox(HWND list_page);
+
+// Draws the page of the setting that is loaded (WM_DRAWITEM of IDC_SETTINGS_PREVIEW).
+void draw_view_box(const DRAWITEMSTRUCT& item);
+
+// Draws the page of the loaded setting with that watermark into `area`: paper, orientation and scale,
+// watermark, trim and bleed box. Without flicker; leaves `dc` as it was.
+void draw_page(HDC dc, const RECT& area, const Corvanta::Vantrix::PrintSettings::Watermark_impl& watermark);
+
+}  // namespace pdf_settings

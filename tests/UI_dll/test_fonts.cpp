@@ -1,0 +1,112 @@
+// The table of installed fonts, and the page that lists them.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "UI_dll/PDFSettings/font_states.h"
+#include "UI_dll/PDFSettings/page_font_rules.h"
+#include "common/gdi_handle.h"
+#include "resources/ids.h"
+#include "support/sheet_driver.h"
+
+namespace {
+
+using namespace pdf_settings;
+
+TEST(FontStates, LicenceBitsGiveTheLeastStrictPermission) {
+    using enum Embedding;
+    struct {
+        uint16_t bits;
+        Embedding wanted;
+    } const rows[] = {{0, kInstallable},    {2, kRestricted},     {4, kPreview},        {8, kEditable},
+                      {0xE, kEditable},     {6, kPreview},        {1, kInstallable},    {0x108, kEditable},
+                      {0x200, kRestricted}, {0x208, kRestricted}, {0x100, kInstallable}};
+    for (const auto& row : rows)
+        EXPECT_EQ(embedding_of(row.bits), row.wanted) << row.bits;
+}
+
+// What another function of the system says of each font.
+TEST(FontStates, TableHoldsEachFontOnceWithItsOwnLicence) {
+    build_font_states();
+    const auto fonts = font_states();
+    ASSERT_FALSE(fonts.empty());
+    const qk::MemoryDC dc(CreateCompatibleDC(nullptr));
+    for (const FontState& font : fonts) {
+        EXPECT_EQ(find_embedding(font.name), font.embedding) << qk::to_utf8(font.name);
+        const qk::Font handle(
+            CreateFontW(0, 0, 0, 0, 0, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, font.name.c_str()));
+        const qk::Selected selected(dc.get(), handle.get());
+        std::vector<char> bytes(GetOutlineTextMetricsW(dc.get(), 0, nullptr));
+        auto* metrics = reinterpret_cast<OUTLINETEXTMETRICW*>(bytes.data());
+        if (!bytes.empty() && GetOutlineTextMetricsW(dc.get(), static_cast<UINT>(bytes.size()), metrics)) {
+            EXPECT_EQ(font.embedding, embedding_of(static_cast<uint16_t>(metrics->otmfsType)))
+                << qk::to_utf8(font.name);
+        }
+    }
+    EXPECT_EQ(find_embedding(L"No Such Font"), Embedding::kNotInstalled);
+    release_dialog_state();
+}
+
+TEST(FontStates, NoFontsMakeAnEmptyTable) {
+    const ImportPatch none("EnumFontFamiliesExW", reinterpret_cast<void*>(+[](HDC, LOGFONTW*, FONTENUMPROCW,
+                                                                              LPARAM, DWORD) { return 1; }));
+    build_font_states();
+    EXPECT_TRUE(font_states().empty());
+    EXPECT_EQ(find_embedding(L"Arial"), Embedding::kNotInstalled);
+    release_dialog_state();
+}
+
+TEST(FontRules, SearchAndListGoByNameWithoutCase) {
+    EXPECT_TRUE(has_in_name(L"DejaVu Sans Mono", L" vu SANS "));
+    EXPECT_FALSE(has_in_name(L"DejaVu Sans Mono", L"serif"));
+    EXPECT_TRUE(has_in_name(L"Arial", L"  "));
+    std::vector<std::wstring> list = {L"Arial"};
+    add_names(list, std::vector<std::wstring>{L"ARIAL", L"Courier", L"Times", L"courier"});
+    EXPECT_EQ(list, (std::vector<std::wstring>{L"Arial", L"Courier", L"Times"}));
+    remove_positions(list, std::vector<size_t>{0, 2, 9});
+    EXPECT_EQ(list, (std::vector<std::wstring>{L"Courier"}));
+}
+
+class FontPage : public EditSheet {
+protected:
+    static HWND list(int id) { return control(kFontPage, id); }
+    static int count(int id) { return ListView_GetItemCount(list(id)); }
+    static void pick(int id, int row) {
+        ListView_SetItemState(list(id), row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    }
+    static std::wstring cell(int id, int row, int column) {
+        wchar_t cell_text[100] = {};
+        LVITEMW item = {};
+        item.iSubItem = column;
+        item.pszText = cell_text;
+        item.cchTextMax = 100;
+        SendMessageW(list(id), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        return cell_text;
+    }
+};
+
+TEST_F(FontPage, FontsAreFoundAddedAndRemoved) {
+    setting().font()->Fonts = {L"From elsewhere"};
+    show([] {
+        EXPECT_EQ(cell(IDC_FONT_LISTED, 0, 1), dialog_text(IDS_FONT_ABSENT));
+        EXPECT_EQ(count(IDC_FONT_INSTALLED), static_cast<int>(font_states().size()));
+        const FontState last = font_states().back();
+        type(kFontPage, IDC_FONT_FIND, last.name.c_str());
+        ASSERT_GE(count(IDC_FONT_INSTALLED), 1);
+        EXPECT_FALSE(enabled(kFontPage, IDC_FONT_ADD));
+        pick(IDC_FONT_INSTALLED, count(IDC_FONT_INSTALLED) - 1);
+        click(kFontPage, IDC_FONT_ADD);
+        ASSERT_EQ(count(IDC_FONT_LISTED), 2);
+        EXPECT_EQ(cell(IDC_FONT_LISTED, 1, 0), last.name);
+        EXPECT_EQ(cell(IDC_FONT_LISTED, 1, 1),
+                  dialog_text(IDS_FONT_INSTALLABLE + static_cast<UINT>(last.embedding)));
+        pick(IDC_FONT_LISTED, 0);
+        click(kFontPage, IDC_FONT_REMOVE);
+        type(kFontPage, IDC_FONT_FIND, L"no such font");
+        EXPECT_EQ(count(IDC_FONT_INSTALLED), 0);
+        press_apply();
+    });
+    EXPECT_EQ(setting().font()->Fonts, std::vector{font_states().back().name});
+}
+
+}  // namespace

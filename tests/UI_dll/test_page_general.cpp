@@ -1,0 +1,233 @@
+// The General page and its rules.
+#include <gtest/gtest.h>
+
+#include "UI_dll/PDFSettings/page_general_rules.h"
+#include "resources/ids.h"
+#include "support/fake_tessalo.h"
+#include "support/sheet_driver.h"
+#include "support/trace_capture.h"
+
+namespace {
+
+using namespace pdf_settings;
+
+constexpr PageIndex kPage = kGeneralPage;
+
+TEST(GeneralRules, TextsAreReadAsTheNumbersTheyShow) {
+    struct {
+        const wchar_t* text;
+        std::optional<double> length, scale;
+        std::optional<int> resolution;
+    } const rows[] = {
+        {L"", {}, {}, {}},
+        {L".", {}, {}, {}},
+        {L"abc", {}, {}, {}},
+        {L"210.5.1", {}, {}, 210},
+        {L"-30", {}, {}, {}},
+        {L"1e2", {}, {}, 100},
+        {L"50 mm", {}, {}, 50},
+        {L"9.99", {}, {}, 9},
+        {L"10", {}, 10, 10},
+        {L"25.39", {}, 25.39, 25},
+        {L"25.4", 25.4, 25.4, 25},
+        {L"400.", 400, 400, 400},
+        {L"400.1", 400.1, {}, 400},
+        {L"3276.7", 3276.7, {}, 3276},
+        {L"3276.71", {}, {}, 3276},
+        {L"00000100000", {}, 100, 100000},  // of a scale eight digits count
+        {L"99999999999", {}, {}, {}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(qk::to_utf8(row.text));
+        EXPECT_EQ(find_paper_length(row.text), row.length);
+        EXPECT_EQ(find_scale(row.text), row.scale);
+        EXPECT_EQ(find_resolution(row.text), row.resolution);
+    }
+    EXPECT_EQ(length_text(215.9f), L"215.90");
+}
+
+TEST(GeneralRules, CommonPapersComeFirst) {
+    std::vector<FormRecord> forms;
+    for (const auto& [name, number] :
+         std::initializer_list<std::pair<const wchar_t*, uint16_t>>{{L"Mine", 120},
+                                                                    {L"Other A4", 9},
+                                                                    {L"A4 again", 9},
+                                                                    {L"ISO A1 594 x 841 mm", 122},
+                                                                    {L"Letter", 1},
+                                                                    {L"A3", 8},
+                                                                    {L"a0", 123},
+                                                                    {L"A1", 66},
+                                                                    {L"ISO A0 841 x 1189 mm", 121},
+                                                                    {L"A0", 124}})
+        forms.push_back({.name = name, .paper_number = number});
+    forms.front().driver_paper_id = kDriverPaperA0;
+    std::wstring order;
+    for (const FormRecord& form : in_list_order(forms))
+        order += form.name + L"|";
+    EXPECT_EQ(order, L"A0|A1|A3|Other A4|Letter|ISO A0 841 x 1189 mm|ISO A1 594 x 841 mm|Mine|A4 again|a0|");
+    EXPECT_EQ(find_paper(forms, 9), 1u);
+    EXPECT_EQ(find_paper(forms, kDriverPaperA0), 0u);
+    EXPECT_EQ(find_paper(forms, 77), std::nullopt);
+}
+
+class GeneralPage : public EditSheet {
+protected:
+    static inline std::wstring deleted;  // names of forms
+    ImportPatch delete_form{"DeleteFormW", reinterpret_cast<void*>(+[](HANDLE, wchar_t* name) -> BOOL {
+                                deleted += name;
+                                return TRUE;
+                            })};
+    static auto& general() { return *setting().general(); }
+    // The page stays, with that message.
+    static void expect_refusal(UINT message) {
+        const size_t before = Outbox::boxes.size();
+        EXPECT_FALSE(go_to(kColorPage));
+        ASSERT_EQ(Outbox::boxes.size(), before + 1);
+        EXPECT_EQ(Outbox::boxes.back().text, dialog_text(message));
+        EXPECT_EQ(Outbox::boxes.back().caption, dialog_text(4396));
+    }
+};
+
+TEST_F(GeneralPage, UntouchedPageChangesNothing) {
+    general().Linearize = false;
+    general().WhenSameName = 2;
+    general().URLLink = general().NoOutputBlankPage = true;
+    general().SaveStyle = 1;
+    general().OutputFolder = here.folder.path();
+    general().PaperType = 1;
+    general().PaperWidth = 123.456f;  // more decimals than are shown
+    general().PaperOrientation = 1;
+    general().PaperResolution = 150;
+    general().Scale = 55;
+    const Setting before = setting();
+    deleted.clear();
+    show([] {
+        EXPECT_EQ(deleted, L" ");
+        EXPECT_EQ(text(kPage, 153), L"150");
+        EXPECT_EQ(text(kPage, 144), L"123.46");
+        EXPECT_TRUE(enabled(kPage, 7135) && enabled(kPage, 144) && enabled(kPage, 159));
+        EXPECT_FALSE(enabled(kPage, 140) || enabled(kPage, 148) || shown(kPage, 155));
+        press_apply();
+    });
+    EXPECT_EQ(setting().general(), before.general());
+    EXPECT_EQ(setting()->PSName, before->PSName);
+    EXPECT_EQ(setting().addition()->Str[L"PaperName"], L"A4");
+    EXPECT_EQ(setting().addition(),
+              dialog_state().saved->addition());  // the name alone is nothing to confirm
+}
+
+TEST_F(GeneralPage, EachControlReachesItsField) {
+    general().PaperResolution = 50;
+    show([] {
+        EXPECT_EQ(text(kPage, 153), L"");
+        type(kPage, 7122, L"Renamed");
+        for (const int box : {7126, 7127, 5004, 7129, 7130, 149})
+            click(kPage, box);
+        choose(kPage, 153, 9);
+        type(kPage, 157, L"70.5");
+        choose(kPage, 7133, 1);
+        type(kPage, 7135, L"C:\\windows");
+        const TraceCapture trace;
+        choose(kPage, 140, 4);
+        EXPECT_TRUE(trace.holds(L"c=4, DM=1, w=215.90, h =279.40"));
+        EXPECT_EQ(text(kPage, 146), L"279.40");
+        press_apply();
+    });
+    EXPECT_TRUE(!general().Linearize && !general().OpenPDF && general().URLLink);
+    EXPECT_TRUE(general().NoOutputBlankPage && general().PaperOrientation == 1);
+    EXPECT_EQ(general().WhenSameName, 3);
+    EXPECT_EQ(general().PaperResolution, 3600);
+    EXPECT_EQ(general().Scale, 70);
+    EXPECT_EQ(general().SaveStyle, 1);
+    EXPECT_EQ(general().OutputFolder, L"C:\\windows");
+    EXPECT_EQ(general().PaperName, 1);
+    EXPECT_EQ(general().PaperWidth, 215.9f);
+    EXPECT_EQ(setting()->PSName, L"Renamed");
+}
+
+TEST_F(GeneralPage, CustomSizeKeepsTheFormAndNoFormsKeepThePaper) {
+    for (const bool forms : {true, false}) {
+        here.printer.failing_forms_call = forms ? 0 : 2;
+        show([] {
+            click(kPage, 142);
+            type(kPage, 144, L"300");
+            press_apply();
+        });
+        EXPECT_EQ(general().PaperType, 1);
+        EXPECT_EQ(general().PaperName, 9);
+        EXPECT_EQ(general().PaperWidth, 300);
+    }
+    show([] {
+        click(kPage, 139);
+        EXPECT_FALSE(enabled(kPage, 144));
+        press_apply();
+    });
+    EXPECT_EQ(general().PaperType, 0);
+    EXPECT_EQ(general().PaperWidth, 300);
+}
+
+TEST_F(GeneralPage, BadInputKeepsThePageAndShowsWhatWasThere) {
+    setting()->PSName = L"Taken";
+    ASSERT_TRUE(setting().Save(here.folder.file(L"Settings\\taken.ps4")));
+    struct {
+        int control;
+        const wchar_t* text;
+        UINT message;
+        const wchar_t *shown, *good;
+    } const rows[] = {
+        {7122, L"", 1423, L"", L"Taken"},
+        {7122, L"Taken", 1428, L"Taken", L"taken"},
+        {144, L"abc", 4392, L"210.00", nullptr},
+        {146, L"25.3", 4392, L"297.00", nullptr},
+        {7135, L"C:\\none", 4703, L"C:\\none", L"C:\\windows"},
+        {157, L"401", 4402, L"100", nullptr},
+    };
+    show([&] {
+        choose(kPage, 7133, 1);
+        type(kPage, 7135, L"C:\\windows");
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row.message);
+            type(kPage, row.control, row.text);
+            expect_refusal(row.message);
+            EXPECT_EQ(text(kPage, row.control), row.shown);
+            if (row.good)
+                type(kPage, row.control, row.good);
+        }
+        EXPECT_TRUE(go_to(kColorPage));
+    });
+    show([] { EXPECT_TRUE(go_to(kColorPage)); }, here.folder.file(L"Settings\\taken.ps4"));  // its own name
+}
+
+TEST_F(GeneralPage, LinksDoNotGoWithThePressStandards) {
+    for (const uint32_t version : {5u, 6u, 10u, 11u}) {
+        setting().pdfVersion()->Version = version;
+        show([&] {
+            click(kPage, 7129);
+            if (version == 6 || version == 10)
+                expect_refusal(4704);
+            else
+                EXPECT_TRUE(go_to(kColorPage)) << version;
+        });
+    }
+}
+
+TEST_F(GeneralPage, BrowseAsksTheDialogLibrary) {
+    show([&] {
+        choose(kPage, 7133, 1);
+        type(kPage, 7135, L"C:\\start");
+        click(kPage, 136);  // no library: nothing happens
+        const std::wstring path = here.folder.file(L"Tessalo80.dll");
+        ASSERT_TRUE(CopyFileW(Installation::built(L"fake_tessalo.dll").c_str(), path.c_str(), FALSE));
+        const qk::DLL library(LoadLibraryW(path.c_str()));
+        FakeTessaloScript& script = *qk::find_export<FakeTessaloScriptExport>(library.get(), "Script")();
+        click(kPage, 136);
+        EXPECT_EQ(text(kPage, 7135), L"C:\\start");
+        wcscpy(script.folder, L"C:\\chosen");
+        click(kPage, 136);
+        EXPECT_EQ(text(kPage, 7135), L"C:\\chosen");
+        EXPECT_STREQ(script.browsed_from, L"C:\\start");
+        EXPECT_STREQ(script.misuse, "");
+    });
+}
+
+}  // namespace

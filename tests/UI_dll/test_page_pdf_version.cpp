@@ -1,0 +1,232 @@
+// Colour profiles as the PDF version page finds and lists them, and the page itself.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "UI_dll/PDFSettings/page_pdf_version.h"
+#include "UI_dll/PDFSettings/page_pdf_version_rules.h"
+#include "common/icc_profile.h"
+#include "resources/ids.h"
+#include "support/profile_folder.h"
+#include "support/sheet_driver.h"
+#include "support/trace_capture.h"
+
+namespace {
+
+using namespace pdf_settings;
+
+constexpr wchar_t kCoated[] = L"Japan Color 2001 Coated";
+
+class PDFVersionPage : public EditSheet {
+protected:
+    PDFVersionPage() {
+        profiles.add(L"coated.icm", "CMYK", "prtr", "Japan Color 2001 Coated");
+        profiles.add(L"fogra39.icc", "CMYK", "prtr", "Coated FOGRA39");
+        profiles.add(L"photo.icc", "RGB ", "prtr", "Photo printer");
+        profiles.add(L"screen.icc", "RGB ", "mntr", "Screen");
+        profiles.add(L"plates.icc", "CMYK", "mntr", "Plates");
+        profiles.add(L"grey.icc", "GRAY", "prtr", "Grey printer");
+        profiles.add(L"blank.icc", "CMYK", "prtr", "");
+        profiles.add(L"notes.txt", "CMYK", "prtr", "Another extension");
+        profiles.files.write(L"color\\broken.icc", "no profile");
+        CreateDirectoryW(profiles.files.file(L"color\\folder.icc").c_str(), nullptr);
+    }
+
+    static void choose_version(uint32_t version) {
+        const auto place = std::ranges::find(kVersionOrder, version) - kVersionOrder.begin();
+        choose(kPDFVersionPage, IDC_PV_VERSION, static_cast<int>(place));
+    }
+    static LRESULT list(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
+        return SendMessageW(control(kPDFVersionPage, IDC_PV_PROFILE), message, wparam, lparam);
+    }
+    static std::wstring item(LRESULT position) {
+        wchar_t text[260] = {};
+        COMBOBOXEXITEMW found = {CBEIF_TEXT, position, text, 260};
+        return list(CBEM_GETITEMW, 0, reinterpret_cast<LPARAM>(&found)) ? found.pszText : L"";
+    }
+    static std::wstring chosen() { return item(list(CB_GETCURSEL)); }
+    static void choose_profile(const wchar_t* description) {
+        const LRESULT position =
+            list(CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(description));
+        choose(kPDFVersionPage, IDC_PV_PROFILE, static_cast<int>(position));
+    }
+    static std::wstring condition() { return text(kPDFVersionPage, IDC_PV_CONDITION); }
+
+    ProfileFolder profiles;
+};
+
+TEST_F(PDFVersionPage, ListsTheProfilesThatFitTheVersion) {
+    using Names = std::vector<std::wstring>;
+    struct {
+        uint32_t version;
+        Names listed;  // in the folder's order, .icc files first
+    } const rows[] = {
+        {0, {}},
+        {4, {}},
+        {5, {L"Coated FOGRA39", L"Photo printer", L"Plates", L"Screen", kCoated}},
+        {11, {L"Coated FOGRA39", L"Photo printer", L"Plates", L"Screen", kCoated}},
+        {6, {L"Coated FOGRA39", kCoated}},
+        {7, {L"Coated FOGRA39", kCoated}},
+        {8, {L"Coated FOGRA39", L"Photo printer", kCoated}},
+        {10, {L"Coated FOGRA39", L"Photo printer", kCoated}},
+        {12, {}},
+    };
+    show([&] {
+        for (const auto& row : rows) {
+            const TraceCapture trace;
+            choose_version(row.version);
+            EXPECT_TRUE(trace.holds(L"dlg_callback_PDFVersion.WM_COMMAND.IDC_PV_VERSION"));
+            Names listed;
+            for (LRESULT i = 0; i < list(CB_GETCOUNT); ++i)
+                listed.push_back(item(i));
+            std::sort(listed.begin(), listed.end() - (listed.empty() ? 0 : 1));
+            EXPECT_EQ(listed, row.listed) << row.version;
+            EXPECT_EQ(enabled(kPDFVersionPage, IDC_PV_PROFILE), !listed.empty()) << row.version;
+            EXPECT_EQ(enabled(kPDFVersionPage, IDC_PV_USE_TRIM), row.version >= 6 && row.version <= 10);
+        }
+    });
+}
+
+TEST_F(PDFVersionPage, ChoiceOfProfileSurvivesTheRefill) {
+    setting().pdfVersion()->ICCFileName = L"photo.icc";
+    show([] {
+        EXPECT_EQ(read_PDFVersion(page(kColorPage)).ICCFileName, L"photo.icc");  // kept while none is listed
+        const struct {
+            uint32_t version;
+            const wchar_t *chosen, *file, *condition;
+        } rows[] = {{8, L"Photo printer", L"photo.icc", L"Custom"},
+                    {4, L"", L"photo.icc", L"Custom"},
+                    {9, L"Photo printer", L"photo.icc", L"Custom"},
+                    {7, kCoated, L"coated.icm", L"JC200103"}};
+        for (const auto& row : rows) {
+            choose_version(row.version);
+            EXPECT_EQ(chosen(), row.chosen) << row.version;
+            EXPECT_EQ(condition(), row.condition) << row.version;
+            const auto read = read_PDFVersion(page(kColorPage));
+            EXPECT_EQ(read.Version, row.version);
+            EXPECT_EQ(read.ICCFileName, row.file) << row.version;
+        }
+        choose_profile(L"Coated FOGRA39");
+        EXPECT_EQ(condition(), L"FOGRA39");
+        choose_version(5);
+        EXPECT_EQ(chosen(), L"Coated FOGRA39");
+    });
+}
+
+TEST_F(PDFVersionPage, ProfileOutsideTheFolderStays) {
+    const std::wstring path =
+        profiles.files.write(L"own.icc", ProfileFolder::profile("CMYK", "prtr", "Our press"));
+    setting().pdfVersion()->ICCFileName = path;
+    setting().pdfVersion()->Version = 6;
+    show([&] {
+        EXPECT_EQ(chosen(), L"Our press");
+        choose_version(5);
+        EXPECT_EQ(read_PDFVersion(page(kColorPage)).ICCFileName, path);
+        choose_version(12);
+        EXPECT_EQ(read_PDFVersion(page(kColorPage)).ICCFileName, path);
+    });
+}
+
+TEST_F(PDFVersionPage, EveryFieldIsSavedAndReadAgain) {
+    show([] {
+        choose_version(9);
+        choose_profile(L"Coated FOGRA39");
+        type(kPDFVersionPage, IDC_PV_CONDITION, L"Our press");
+        click(kPDFVersionPage, IDC_PV_CONTINUE);
+        set_check(kPDFVersionPage, IDC_PV_USE_TRIM, true);
+        set_check(kPDFVersionPage, IDC_PV_USE_BLEED, true);
+        const wchar_t* const margins[] = {L"12.345", L"6,5", L"7", L" 8.25 ", L"1", L"2.5", L"0.125", L"4"};
+        for (int edge = 0; edge < 4; ++edge) {
+            type(kPDFVersionPage, IDC_PV_TRIM_LEFT + edge, margins[edge]);
+            type(kPDFVersionPage, IDC_PV_BLEED_LEFT + edge, margins[edge + 4]);
+        }
+        press_ok();
+    });
+    Setting saved;
+    ASSERT_TRUE(saved.Load(dialog_state().path));
+    const auto& section = *saved.pdfVersion();
+    EXPECT_EQ(section.Version, 9u);
+    EXPECT_EQ(section.WhenErroredPDFAX, 1u);
+    EXPECT_EQ(section.ICCFileName, L"fogra39.icc");
+    EXPECT_EQ(saved.addition()->Str[L"OutputCondition"], L"Our press");
+    EXPECT_TRUE(section.UseTrimBox && section.UseBleedBox);
+    EXPECT_EQ(section.TrimBox, (Corvanta::Vantrix::PrintSettings::Box{12.345f, 6.5f, 7, 8.25f}));
+    EXPECT_EQ(section.BleedBox, (Corvanta::Vantrix::PrintSettings::Box{1, 2.5f, 0.125f, 4}));
+
+    setting() = saved;
+    const std::wstring path = dialog_state().path;
+    show([] { press_ok(); }, path);
+    EXPECT_EQ(setting().pdfVersion(), saved.pdfVersion());
+    EXPECT_EQ(setting().addition(), saved.addition());
+}
+
+TEST_F(PDFVersionPage, RefusesWhatTheJobWouldRefuse) {
+    struct {
+        uint32_t version;
+        const wchar_t *profile, *condition, *trim, *bleed;
+        UINT message;  // 0: accepted
+        int focus;
+    } const rows[] = {
+        {6, kCoated, L"X", L"3", L"3", 0, 0},
+        {6, nullptr, L"X", L"3", L"3", IDS_PV_NO_PROFILE, IDC_PV_PROFILE},
+        {11, nullptr, L"X", L"3", L"3", IDS_PV_NO_PROFILE, IDC_PV_PROFILE},
+        {6, kCoated, L"", L"3", L"3", IDS_PV_NO_CONDITION, IDC_PV_CONDITION},
+        {5, kCoated, L"", L"3", L"9", 0, 0},
+        {10, kCoated, L"X", L"3", L"3.5", IDS_PV_BAD_BOXES, IDC_PV_BLEED_RIGHT},
+        {10, kCoated, L"X", L"", L"3", IDS_PV_BAD_MARGIN, IDC_PV_TRIM_RIGHT},
+        {10, kCoated, L"X", L"4", L"3276.8", IDS_PV_BAD_MARGIN, IDC_PV_BLEED_RIGHT},
+        {4, nullptr, L"", L"-", L"9", 0, 0},
+    };
+    show([&] {
+        go_to(kPDFVersionPage);
+        for (const auto& row : rows) {
+            choose_version(row.version);
+            row.profile ? choose_profile(row.profile) : choose(kPDFVersionPage, IDC_PV_PROFILE, -1);
+            type(kPDFVersionPage, IDC_PV_CONDITION, row.condition);
+            set_check(kPDFVersionPage, IDC_PV_USE_TRIM, true);
+            set_check(kPDFVersionPage, IDC_PV_USE_BLEED, true);
+            type(kPDFVersionPage, IDC_PV_TRIM_RIGHT, row.trim);
+            type(kPDFVersionPage, IDC_PV_BLEED_RIGHT, row.bleed);
+            Outbox::boxes.clear();
+            SCOPED_TRACE(&row - rows);
+            EXPECT_EQ(go_to(kInfoPage), row.message == 0);
+            ASSERT_EQ(Outbox::boxes.size(), row.message ? 1u : 0u);
+            if (row.message) {
+                EXPECT_EQ(Outbox::boxes[0].text, dialog_text(row.message));
+                const HWND wanted = control(kPDFVersionPage, row.focus);
+                EXPECT_TRUE(GetFocus() == wanted || IsChild(wanted, GetFocus()));
+            }
+            go_to(kPDFVersionPage);
+        }
+    });
+}
+
+TEST_F(PDFVersionPage, FileNameIsFoundByTheWholeDescription) {
+    struct {
+        const wchar_t* description;
+        int result;
+        const wchar_t* name;
+    } const rows[] = {{L"Coated FOGRA39", 0, L"fogra39.icc"}, {kCoated, 0, L"coated.icm"},
+                      {L"coated fogra39", 0, L"before"},      {L"Coated", 0, L"before"},
+                      {L"Another extension", 0, L"before"},   {L"", 1, L""}};
+    for (const auto& row : rows) {
+        wchar_t name[kFileNameUnits] = L"before";
+        EXPECT_EQ(icc_FileNameFromDesc(row.description, name), row.result) << row.description;
+        EXPECT_STREQ(name, row.name) << row.description;
+    }
+    EXPECT_EQ(icc_FileNameFromDesc(kCoated, nullptr), 1);
+}
+
+TEST_F(PDFVersionPage, CMYKProfilesAreToldFromOthers) {
+    const std::wstring own = profiles.files.write(L"own.icc", ProfileFolder::profile("CMYK", "prtr", "Own"));
+    struct {
+        std::wstring name;
+        bool cmyk;
+    } const rows[] = {
+        {L"coated.icm", true},  {own, true},          {L"C:\\gone\\coated.icm", true}, {L"photo.icc", false},
+        {L"broken.icc", false}, {L"none.icc", false}, {L"folder.icc", false},          {L"", false}};
+    for (const auto& row : rows)
+        EXPECT_EQ(icc::is_cmyk_profile(row.name), row.cmyk) << qk::to_utf8(row.name);
+}
+
+}  // namespace

@@ -1,0 +1,163 @@
+// The drawing of the page that a setting makes.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "UI_dll/PDFSettings/page_drawing.h"
+#include "UI_dll/PDFSettings/view_box.h"
+#include "support/sheet_driver.h"
+
+namespace {
+
+using namespace pdf_settings;
+using Corvanta::Vantrix::PrintSettings::General_impl;
+using Corvanta::Vantrix::PrintSettings::Watermark_impl;
+
+TEST(ViewBoxRules, PageFollowsPaperAndOrientation) {
+    struct {
+        const char* label;
+        int32_t type, orientation;
+        std::optional<Extent> form;
+        float width;
+        Extent wanted;
+    } const rows[] = {
+        {"own size", 0, 0, {}, 100, {100, 297}},
+        {"the form's size", 0, 0, Extent{297, 420}, 100, {297, 420}},
+        {"turned form", 0, 1, Extent{297, 420}, 100, {420, 297}},
+        {"a custom size is not turned", 1, 1, Extent{297, 420}, 100, {100, 297}},
+        {"no number", 1, 0, {}, NAN, {1, 297}},
+    };
+    for (const auto& row : rows) {
+        General_impl general;
+        general.PaperType = row.type;
+        general.PaperOrientation = row.orientation;
+        general.PaperWidth = row.width;
+        const Extent page = page_extent(general, row.form);
+        EXPECT_EQ(page.width, row.wanted.width) << row.label;
+        EXPECT_EQ(page.height, row.wanted.height) << row.label;
+    }
+    for (const auto& [width, height] : {std::pair{0, 0}, {3, 500}, {101, 160}}) {
+        const RECT place = fit_page({210, 297}, width, height);
+        EXPECT_LT(place.left, place.right);
+        EXPECT_LT(place.top, place.bottom);
+    }
+    EXPECT_FALSE(box_on_page({100, 0, 110, 0}, {0, 0, 210, 297}, 1));
+    const RECT box = box_on_page({1, 2, 3, -1e30f}, {0, 0, 210, 297}, 2).value();
+    EXPECT_EQ(box.left, 2);
+    EXPECT_EQ(box.right, 204);
+}
+
+// The page of the loaded setting, drawn into a bitmap whose bits can be read.
+class PageDrawing : public EditSheet {
+protected:
+    static constexpr int kWidth = 216;  // with the shadow's room the page is 210 x 297
+    static constexpr int kHeight = 303;
+
+    PageDrawing() {
+        BITMAPINFO info = {};
+        info.bmiHeader = {sizeof info.bmiHeader, kWidth, -kHeight, 1, 32, BI_RGB};
+        bitmap.reset(
+            CreateDIBSection(dc.get(), &info, DIB_RGB_COLORS, reinterpret_cast<void**>(&bits), nullptr, 0));
+        mark.Style = 1;
+        mark.Transparency = 0;
+        setting().general()->Scale = 10;  // the contents keep out of the way
+    }
+    // Where the drawing has the watermark's red, and how red it is at most.
+    struct Red {
+        int count = 0;
+        RECT around = {kWidth, kHeight, 0, 0};
+        int strength = 0;
+    };
+    Red draw() {
+        const qk::Selected selected(dc.get(), bitmap.get());
+        draw_page(dc.get(), {0, 0, kWidth, kHeight}, mark);
+        GdiFlush();
+        Red red;
+        for (LONG y = 0; y < kHeight; ++y)
+            for (LONG x = 0; x < kWidth; ++x) {
+                const uint32_t pixel = bits[y * kWidth + x];
+                const int strength = static_cast<int>(pixel >> 16 & 0xFF) - static_cast<int>(pixel & 0xFF);
+                red.strength = std::max(red.strength, strength);
+                if (strength < 32)
+                    continue;
+                ++red.count;
+                red.around = {std::min(red.around.left, x), std::min(red.around.top, y),
+                              std::max(red.around.right, x), std::max(red.around.bottom, y)};
+            }
+        return red;
+    }
+
+    qk::MemoryDC dc{CreateCompatibleDC(nullptr)};
+    qk::Bitmap bitmap;
+    uint32_t* bits = nullptr;
+    Watermark_impl mark;
+};
+
+TEST_F(PageDrawing, WatermarkLiesWhereItIsAsked) {
+    mark.DiagonalText = false;
+    mark.FontSize = 30;
+    mark.Text = L"MM";
+    for (uint32_t horizontal = 0; horizontal < 3; ++horizontal)
+        for (uint32_t vertical = 0; vertical < 3; ++vertical) {
+            mark.HorizontalPosition = horizontal;
+            mark.VerticalPosition = vertical;
+            const Red red = draw();
+            ASSERT_GT(red.count, 0);
+            const auto third = [](LONG first, LONG last, int side) { return (first + last) / 2 * 3 / side; };
+            EXPECT_EQ(third(red.around.left, red.around.right, kWidth), static_cast<LONG>(horizontal));
+            EXPECT_EQ(third(red.around.top, red.around.bottom, kHeight), static_cast<LONG>(vertical));
+        }
+}
+
+TEST_F(PageDrawing, WatermarkThatFitsFillsThePageAndNoMore) {
+    mark.DiagonalText = true;
+    const Red red = draw();
+    EXPECT_GT(red.around.right - red.around.left, kWidth / 2);
+    EXPECT_GT(red.around.bottom - red.around.top, kHeight / 2);
+    EXPECT_GT(red.around.left, 6);
+    EXPECT_LT(red.around.right, kWidth - 6);
+    mark.Text = L"WWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWW";
+    mark.DiagonalText = false;
+    const Red longer = draw();
+    EXPECT_GT(longer.around.left, 6);
+    EXPECT_LT(longer.around.right, kWidth - 6);
+}
+
+TEST_F(PageDrawing, TransparencyAndVisibilityAreSeen) {
+    struct {
+        uint32_t style, transparency;
+        bool print, display;
+        int low, high;  // of the strength
+    } const rows[] = {{1, 0, true, true, 250, 255}, {1, 70, true, false, 60, 95},
+                      {1, 100, true, true, 0, 0},   {1, 0, false, false, 0, 0},
+                      {0, 0, true, true, 0, 0},     {1, 0, false, true, 250, 255}};
+    for (const auto& row : rows) {
+        mark.Style = row.style;
+        mark.Transparency = row.transparency;
+        mark.VisibleInPrint = row.print;
+        mark.VisibleInDisplay = row.display;
+        const int strength = draw().strength;
+        EXPECT_GE(strength, row.low) << row.transparency;
+        EXPECT_LE(strength, row.high) << row.transparency;
+    }
+}
+
+TEST_F(PageDrawing, PictureIsDrawnInItsOwnColoursAndSize) {
+    // Two by two red pixels, at 2 per 25.4 mm.
+    std::string file(
+        "BM\x46\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\2\0\0\0\1\0\x18\0\0\0\0\0\x10\0\0\0"
+        "\x4f\0\0\0\x4f\0\0\0\0\0\0\0\0\0\0\0\0\0\xff\0\0\xff\0\0\0\0\xff\0\0\xff\0\0",
+        70);
+    mark.Style = 2;
+    mark.PictureFileName = here.folder.write(L"red.bmp", file);
+    mark.PictureScale = 200;
+    const Red red = draw();
+    EXPECT_NEAR(red.around.right - red.around.left, 51, 3);
+    EXPECT_NEAR(red.around.bottom - red.around.top, 51, 3);
+    mark.PictureScale = Watermark_impl::kNoPictureScale;
+    EXPECT_NEAR(draw().around.right - red.around.left, 189 / 2 + 25, 4);
+    mark.PictureFileName = here.folder.write(L"broken.bmp", file.substr(0, 20));
+    EXPECT_EQ(draw().count, 0);
+}
+
+}  // namespace

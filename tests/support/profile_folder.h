@@ -1,0 +1,61 @@
+// A profile folder of a test's own in the place of the machine's, and small colour profiles to put into it.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+
+#include "common/text.h"
+#include "support/import_patch.h"
+#include "support/temp_folder.h"
+
+class ProfileFolder {
+public:
+    ProfileFolder() : directory_("GetPrinterDriverDirectoryW", reinterpret_cast<void*>(&on_directory)) {
+        CreateDirectoryW(files.file(L"color").c_str(), nullptr);
+        driver_folder_ = files.file(L"x64");
+    }
+
+    // Adds a profile; a space is "RGB " or "CMYK", a device class "prtr" or "mntr". Returns its path.
+    std::wstring add(std::wstring_view name, const char* space, const char* device,
+                     std::string_view text) const {
+        return files.write(L"color\\" + std::wstring(name), profile(space, device, text));
+    }
+
+    // A header and one tag, the description.
+    static std::string profile(const char* space, const char* device, std::string_view text) {
+        const std::string tag = "desc" + number(0) + number(static_cast<uint32_t>(text.size() + 1)) +
+                                std::string(text) + std::string(1, '\0');
+        const auto tag_bytes = static_cast<uint32_t>(tag.size());
+        constexpr uint32_t kTagOffset = 128 + 4 + 12;
+        std::string bytes(128, '\0');
+        bytes.replace(0, 4, number(kTagOffset + tag_bytes));
+        bytes.replace(8, 4, number(0x02400000));
+        bytes.replace(12, 4, device);
+        bytes.replace(16, 4, space);
+        bytes.replace(20, 4, "Lab ");
+        bytes.replace(36, 4, "acsp");
+        return bytes + number(1) + "desc" + number(kTagOffset) + number(tag_bytes) + tag;
+    }
+
+    TempFolder files;  // the profile folder is its "color"
+
+private:
+    static std::string number(uint32_t value) {
+        return {static_cast<char>(value >> 24), static_cast<char>(value >> 16), static_cast<char>(value >> 8),
+                static_cast<char>(value)};
+    }
+    static BOOL WINAPI on_directory(wchar_t*, wchar_t*, DWORD, BYTE* buffer, DWORD bytes, DWORD* needed) {
+        *needed = static_cast<DWORD>((driver_folder_.size() + 1) * sizeof(wchar_t));
+        if (bytes < *needed) {
+            SetLastError(ERROR_INSUFFICIENT_BUFFER);
+            return FALSE;
+        }
+        qk::copy_zero_padded(reinterpret_cast<wchar_t*>(buffer), *needed / sizeof(wchar_t), driver_folder_);
+        return TRUE;
+    }
+
+    static inline std::wstring driver_folder_;
+    ImportPatch directory_;
+};

@@ -1,0 +1,138 @@
+// Shows the settings dialog on the test's thread and drives it by messages. A script runs inside the modal loop,
+// as a timer's callback, once the sheet stands with all its pages; what the script leaves open is cancelled.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <prsht.h>
+
+#include <functional>
+#include <string>
+
+#include "UI_dll/PDFSettings/dialog_state.h"
+#include "UI_dll/PDFSettings/edit_sheet.h"
+#include "UI_dll/PDFSettings/exchange.h"
+#include "UI_dll/PDFSettings/page.h"
+#include "UI_dll/plotui.h"
+#include "common/threadprop.h"
+#include "support/installation.h"
+
+// Runs `script` once `ready` holds, inside whatever message loop the thread is in by then.
+class Later {
+public:
+    Later(std::function<bool()> ready, std::function<void()> script)
+        : ready_(std::move(ready)), script_(std::move(script)), before_(current_) {
+        current_ = this;
+        timer_ = SetTimer(nullptr, 0, 10, &on_timer);
+    }
+    ~Later() {
+        KillTimer(nullptr, timer_);
+        current_ = before_;
+        EXPECT_TRUE(ran_) << "the script did not run";
+    }
+    Later(const Later&) = delete;
+    Later& operator=(const Later&) = delete;
+
+private:
+    static void CALLBACK on_timer(HWND, UINT, UINT_PTR timer, DWORD) {
+        Later* self = current_;
+        while (self && self->timer_ != timer)
+            self = self->before_;
+        if (!self || self->ran_ || !self->ready_())
+            return;
+        self->ran_ = true;
+        KillTimer(nullptr, timer);
+        self->script_();
+    }
+
+    static inline Later* current_ = nullptr;
+    std::function<bool()> ready_;
+    std::function<void()> script_;
+    Later* before_;
+    UINT_PTR timer_ = 0;
+    bool ran_ = false;
+};
+
+// The edit sheet for one setting.
+class EditSheet : public testing::Test {
+protected:
+    using PageIndex = pdf_settings::PageIndex;
+
+    EditSheet() {
+        EXPECT_TRUE(plotui::attach_process(GetModuleHandleW(nullptr)));
+        pdf_settings::release_dialog_state();
+        SetThreadProp(threadprop::kPrinter, reinterpret_cast<ULONG_PTR>(FakePrinter::handle()));
+        setting()->PSName = L"Tested";
+    }
+    ~EditSheet() override {
+        FreeThreadProp(threadprop::kPrinter);
+        pdf_settings::release_dialog_state();
+        plotui::detach_process(false);
+    }
+
+    // The setting that the sheet edits: set it before, look at it afterwards.
+    static pdf_settings::Setting& setting() { return pdf_settings::edited_setting(); }
+
+    // Shows the sheet for a new setting, or for the file at `path` with what setting() holds, and runs the
+    // script. Returns when the sheet is closed.
+    void show(const std::function<void()>& script, const std::wstring& path = {}) {
+        auto& state = pdf_settings::dialog_state();
+        state.path = path;
+        state.saved = std::make_unique<pdf_settings::Setting>(setting());
+        const Later later([] { return sheet() != nullptr; },
+                          [&] {
+                              script();
+                              if (sheet())
+                                  SendMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
+                          });
+        EXPECT_GE(pdf_settings::DoPropertySheet(nullptr, path.empty()), 0) << GetLastError();
+    }
+
+    // Null until every page is there.
+    static HWND sheet() {
+        for (const HWND page : pdf_settings::dialog_state().pages)
+            if (!page)
+                return nullptr;
+        return GetParent(pdf_settings::dialog_state().pages[0]);
+    }
+    static HWND page(PageIndex index) { return pdf_settings::dialog_state().pages[index]; }
+    static HWND control(PageIndex index, int id) { return GetDlgItem(page(index), id); }
+
+    // Turns to a page, as its tab does; false when the current one does not let go.
+    static bool go_to(PageIndex index) {
+        SendMessageW(sheet(), PSM_SETCURSEL, index, 0);
+        return reinterpret_cast<HWND>(SendMessageW(sheet(), PSM_GETCURRENTPAGEHWND, 0, 0)) == page(index);
+    }
+    static void press_ok() { SendMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_OK, 0); }
+    static void press_apply() { SendMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_APPLYNOW, 0); }
+
+    // What a user does with a control, with the notifications that follow.
+    static void click(PageIndex index, int id) { SendMessageW(control(index, id), BM_CLICK, 0, 0); }
+    static void set_check(PageIndex index, int id, bool checked) {
+        if (pdf_settings::is_checked(page(index), id) != checked)
+            click(index, id);
+    }
+    static void type(PageIndex index, int id, const wchar_t* text) {
+        SetWindowTextW(control(index, id), text);
+        notify(index, id, EN_KILLFOCUS);
+    }
+    static void choose(PageIndex index, int id, int position) {
+        SendMessageW(control(index, id), CB_SETCURSEL, static_cast<WPARAM>(position), 0);
+        notify(index, id, CBN_SELCHANGE);
+    }
+    static void notify(PageIndex index, int id, int notification) {
+        SendMessageW(page(index), WM_COMMAND, MAKEWPARAM(id, notification),
+                     reinterpret_cast<LPARAM>(control(index, id)));
+    }
+    static std::wstring text(PageIndex index, int id) { return pdf_settings::control_text(page(index), id); }
+    static bool enabled(PageIndex index, int id) { return IsWindowEnabled(control(index, id)) != FALSE; }
+    static bool checked(PageIndex index, int id) { return pdf_settings::is_checked(page(index), id); }
+    // Shown on its page, whether or not that page is in front.
+    static bool shown(PageIndex index, int id) {
+        return (GetWindowLongPtrW(control(index, id), GWL_STYLE) & WS_VISIBLE) != 0;
+    }
+
+    Installation here;
+};
