@@ -53,6 +53,27 @@ start_wine() {
     "$root/scripts/wine-run" cmd /c exit >/dev/null 2>&1 </dev/null || true
 }
 
+# What is set in the registry for the whole session counts from here on.
+restart_wine() {
+    timeout 30 wineserver -k 2>/dev/null || true
+    timeout 30 wineserver -w 2>/dev/null || true
+    start_wine
+}
+
+# Wine's own fonts (text and window buttons) are found in the prefix only; free fonts, one of nearly the same widths
+# and one that has the characters of the Far East, stand in for the dialogs'. Counts after a restart.
+set_fonts() {
+    cp -u /usr/share/wine/fonts/{tahoma,tahomabd,marlett}.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
+    {
+        printf '%s\n\n' 'Windows Registry Editor Version 5.00' '[HKEY_CURRENT_USER\Software\Wine\Fonts\Replacements]'
+        printf '"%s"="Open Sans"\n' 'Segoe UI'
+        printf '"%s"="WenQuanYi Micro Hei"\n' 'MS UI Gothic' 'MS PGothic' 'Meiryo UI' 'Yu Gothic UI' 'Gulim' 'Dotum' \
+            'Malgun Gothic' 'SimSun' 'Microsoft YaHei' 'Microsoft YaHei UI' 'MingLiU' 'PMingLiU' \
+            'Microsoft JhengHei' 'Microsoft JhengHei UI'
+    } >"$WINEPREFIX/drive_c/fonts.reg"
+    "$root/scripts/wine-run" reg import 'C:\fonts.reg' >/dev/null 2>&1 </dev/null || fail "the fonts could not be set"
+}
+
 release_prefix() {
     if flock -n -x 9; then
         timeout 30 wineserver -k 2>/dev/null || true

@@ -26,13 +26,14 @@ void write(const wchar_t* text, const char* source, unsigned line) noexcept;
 void write(const char* text, const char* source, unsigned line) noexcept;
 
 template <class Char>
-inline void plain(const Char* text, const char* source, unsigned line) noexcept {
+[[gnu::always_inline]] inline void plain(const Char* text, const char* source, unsigned line) noexcept {
     if (level < kPlainLevel)
         return;
     write(text, source, line);
 }
 
-inline void plain(const std::wstring& text, const char* source, unsigned line) noexcept {
+[[gnu::always_inline]] inline void plain(const std::wstring& text, const char* source,
+                                         unsigned line) noexcept {
     plain(text.c_str(), source, line);
 }
 

@@ -14,8 +14,8 @@ namespace Corvanta::Vantrix::PrintSettings::json {
 // reads and writes numbers with a point whatever the C locale of the host program is.
 [[nodiscard]] bool try_parse(std::string_view text, picojson::value& value);
 
-// The text of the member `key` of the object that `text` holds (of several the last), without keeping anything
-// else of it. Nothing when the JSON is broken or the member is no text.
+// The text of the member `key` of the object that `text` holds (of several the last), without keeping
+// anything else of it. Nothing when the JSON is broken or the member is no text.
 [[nodiscard]] std::optional<std::string> find_text(std::string_view text, std::string_view key);
 
 // The member `key`, or null when there is none. Valid while `object` is.

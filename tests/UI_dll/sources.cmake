@@ -2,6 +2,7 @@ target_sources(zr_tests PRIVATE
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_devcaps.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_edit_sheet.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_fonts.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_list_rules.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_module.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_color.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_compress.cpp
@@ -9,5 +10,6 @@ target_sources(zr_tests PRIVATE
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_pdf_version.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_securities.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_values.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_settings_page.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_sheets.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_view_box.cpp)

@@ -157,7 +157,7 @@ TEST(RealSpooler, HandlesThatAreNoPrintersGetTheDefaults) {
 }
 
 TEST(RealSpooler, DocumentPropertiesAnswersInEveryMode) {
-    constexpr DWORD kAdvanced = 16;
+    constexpr DWORD kAskedOfTheSystem = DM_UPDATE | DM_COPY | DM_MODIFY;
     InstalledPrinter printer;
     DriverDevmode good = default_devmode();
     good.dm.dmFields = DM_SCALE;
@@ -183,12 +183,13 @@ TEST(RealSpooler, DocumentPropertiesAnswersInEveryMode) {
             const GuardedBuffer input(sizeof good, row.in), output(sizeof good);
             output.as<DEVMODEW>()->dmScale = -1;
             DEVMODEW* const in = row.in ? input.as<DEVMODEW>() : nullptr;
-            // Some systems show the sheet in a mode with the advanced page, whether or not they shall prompt.
+            // Some systems show the sheet where a mode has any other bit, whether or not they shall prompt.
             const LONG result =
-                mode & kAdvanced ? DrvDocumentProperties(nullptr, printer.handle.get(), printer.name.data(),
-                                                         output.as<DEVMODEW>(), in, mode)
-                                 : DocumentPropertiesW(nullptr, printer.handle.get(), printer.name.data(),
-                                                       output.as<DEVMODEW>(), in, mode);
+                mode & ~kAskedOfTheSystem
+                    ? DrvDocumentProperties(nullptr, printer.handle.get(), printer.name.data(),
+                                            output.as<DEVMODEW>(), in, mode)
+                    : DocumentPropertiesW(nullptr, printer.handle.get(), printer.name.data(),
+                                          output.as<DEVMODEW>(), in, mode);
             const bool written = (mode & (DM_COPY | DM_UPDATE)) && !(mode & kNoPermission);
             EXPECT_EQ(result, mode == 0 ? 256 : written ? row.copied : 1);
             EXPECT_EQ(output.as<DEVMODEW>()->dmScale, written ? row.scale : -1);

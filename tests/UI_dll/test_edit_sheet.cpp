@@ -1,18 +1,159 @@
 #include <gtest/gtest.h>
 
+#include "UI_dll/PDFSettings/setting_list.h"
+#include "common/rwPDFSet_functions.h"
+#include "resources/ids.h"
 #include "support/sheet_driver.h"
 
 namespace {
 
 using namespace pdf_settings;
+using Corvanta::Vantrix::PrintSettings::ReadName;
 
-TEST_F(EditSheet, HoldsItsNinePagesFromTheStart) {
+constexpr int kCheckButton = 12321;
+
+class Saving : public EditSheet {
+protected:
+    // A file of the user's with what setting() holds.
+    std::wstring own_file(const wchar_t* name) {
+        setting()->PSName = name;
+        const std::wstring path = GetAppDataPath(true) + name + L".ps4";
+        EXPECT_TRUE(setting().Save(path));
+        return path;
+    }
+    static FILETIME written(const std::wstring& path) {
+        WIN32_FILE_ATTRIBUTE_DATA data = {};
+        GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data);
+        return data.ftLastWriteTime;
+    }
+    // Gives a file an old time stamp, so that any writing shows.
+    static void make_old(const std::wstring& path) {
+        const qk::FileObj file(
+            CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        const FILETIME old = {0, 0x01C00000};
+        EXPECT_TRUE(SetFileTime(file.get(), nullptr, nullptr, &old));
+    }
+    static bool is_old(const std::wstring& path) { return written(path).dwHighDateTime == 0x01C00000; }
+    static void rename(const wchar_t* name) { SetWindowTextW(control(kGeneralPage, IDC_NAME), name); }
+};
+
+TEST_F(Saving, SheetHoldsNinePagesAndTheCheckButton) {
     show([] {
-        EXPECT_TRUE(sheet());
         for (size_t i = 0; i < kPageCount; ++i)
             EXPECT_TRUE(go_to(static_cast<PageIndex>(i))) << i;
+        const HWND button = GetDlgItem(sheet(), kCheckButton);
+        EXPECT_TRUE(IsWindowVisible(button));
+        EXPECT_TRUE(IsWindowEnabled(button));
+        RECT place, cancel, client;
+        GetWindowRect(button, &place);
+        GetWindowRect(GetDlgItem(sheet(), IDCANCEL), &cancel);
+        GetWindowRect(sheet(), &client);
+        EXPECT_GE(place.left, cancel.right);
+        EXPECT_LE(place.right, client.right);
     });
-    EXPECT_TRUE(dialog_state().cancelled);
+    EXPECT_TRUE(stayed_open());
+    EXPECT_TRUE(here.outbox.boxes.empty());
+}
+
+TEST_F(Saving, NewSettingIsWrittenUnderItsName) {
+    show([] {
+        rename(L"My: new");
+        press_ok();
+    });
+    EXPECT_FALSE(stayed_open());
+    const std::wstring path = GetAppDataPath(false) + L"My_ new.ps4";
+    EXPECT_EQ(dialog_state().path, path);
+    EXPECT_EQ(ReadName(path), L"My: new");
+}
+
+TEST_F(Saving, UnchangedFileIsLeftAlone) {
+    const std::wstring path = own_file(L"Same");
+    make_old(path);
+    show([] { press_ok(); }, path);
+    EXPECT_FALSE(stayed_open());
+    EXPECT_TRUE(is_old(path));
+    EXPECT_TRUE(here.outbox.boxes.empty());
+}
+
+TEST_F(Saving, ChangesAreListedAndSavedWhenTheUserAgrees) {
+    const std::wstring path = own_file(L"Before");
+    make_old(path);
+    Outbox::answer = IDNO;
+    const auto edit = [] {
+        rename(L"After");
+        press_ok();
+    };
+    show(edit, path);
+    EXPECT_TRUE(stayed_open());
+    ASSERT_EQ(Outbox::boxes.size(), 1u);
+    EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_YESNO | MB_ICONEXCLAMATION});
+    EXPECT_NE(Outbox::boxes[0].text.find(L"After"), std::wstring::npos);
+    EXPECT_TRUE(is_old(path));
+
+    Outbox::answer = IDYES;
+    LoadSettingFile(path);
+    show(
+        [] {
+            rename(L"After");
+            press_ok();
+        },
+        path);
+    EXPECT_EQ(ReadName(path), L"After");
+    EXPECT_FALSE(is_old(path));
+}
+
+TEST_F(Saving, NameOfAnotherSettingIsRefused) {
+    own_file(L"Taken");
+    const std::wstring path = own_file(L"Mine");
+    make_old(path);
+    show(
+        [] {
+            rename(L"Taken");
+            press_ok();
+            rename(L"taken");  // names are compared exactly
+            Outbox::answer = IDYES;
+            press_ok();
+        },
+        path);
+    EXPECT_EQ(ReadName(path), L"taken");
+    ASSERT_GE(Outbox::boxes.size(), 2u);
+    EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_OK | MB_ICONERROR});
+}
+
+TEST_F(Saving, CheckButtonSavesNothing) {
+    show([] {
+        press_apply();
+    });
+    ASSERT_EQ(Outbox::boxes.size(), 1u);
+    EXPECT_TRUE(stayed_open());
+    EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_OK | MB_ICONINFORMATION});
+    EXPECT_FALSE(is_name_taken(setting()->PSName, {}));
+}
+
+TEST_F(Saving, EditsSurviveAFileThatCannotBeWritten) {
+    const std::wstring path = own_file(L"Locked");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    Outbox::answer = IDYES;
+    show(
+        [&] {
+            rename(L"Other");
+            press_ok();
+            EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Other");
+            SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+            press_ok();
+        },
+        path);
+    ASSERT_EQ(Outbox::boxes.size(), 3u);  // confirmed, refused with the reason, confirmed
+    EXPECT_NE(Outbox::boxes[1].text.find(path), std::wstring::npos);
+    EXPECT_EQ(ReadName(path), L"Other");
+}
+
+TEST_F(Saving, CaptionTellsTheNameOfWhatIsEdited) {
+    EXPECT_EQ(sheet_caption(L"Mine", true), dialog_text(IDS_SHEET_NEW));
+    EXPECT_EQ(sheet_caption(L"", false), dialog_text(IDS_SHEET_NEW));
+    EXPECT_NE(sheet_caption(L"Mine", false).find(L"Mine"), std::wstring::npos);
+    EXPECT_EQ(sheet_caption(std::wstring(400, L'x'), false).size(), 259u);
+    EXPECT_EQ(dialog_text(60000), L"(no id{60000})");
 }
 
 }  // namespace

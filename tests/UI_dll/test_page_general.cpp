@@ -128,8 +128,8 @@ TEST_F(GeneralPage, EachControlReachesItsField) {
         choose(kPage, 7133, 1);
         type(kPage, 7135, L"C:\\windows");
         const TraceCapture trace;
-        choose(kPage, 140, 4);
-        EXPECT_TRUE(trace.holds(L"c=4, DM=1, w=215.90, h =279.40"));
+        choose(kPage, 140, 6);
+        EXPECT_TRUE(trace.holds(L"c=6, DM=1, w=215.90, h =279.40"));
         EXPECT_EQ(text(kPage, 146), L"279.40");
         press_apply();
     });

@@ -93,7 +93,7 @@ TEST(SettingDifferences, CodesAreListedByName) {
     ps::PrintSettings settings;
     settings.watermark()->Style = 2;
     const std::vector<std::wstring> lines = ps::Types2Str(settings);
-    EXPECT_EQ(lines.size(), 10u);
+    EXPECT_EQ(lines.size(), 26u);
     EXPECT_EQ(lines.front(), L"General \u2013 Open the PDF after creation: yes");
     EXPECT_NE(std::find(lines.begin(), lines.end(), L"Watermark \u2013 Kind: picture"), lines.end());
 }

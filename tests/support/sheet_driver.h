@@ -1,5 +1,6 @@
-// Shows the settings dialog on the test's thread and drives it by messages. A script runs inside the modal loop,
-// as a timer's callback, once the sheet stands with all its pages; what the script leaves open is cancelled.
+// Shows the settings dialog on the test's thread and drives it by messages. A script runs inside the modal
+// loop, as a timer's callback, once the sheet stands with all its pages; what the script leaves open is
+// cancelled.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -84,8 +85,7 @@ protected:
         const Later later([] { return sheet() != nullptr; },
                           [&] {
                               script();
-                              if (sheet())
-                                  SendMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
+                              cancel();
                           });
         EXPECT_GE(pdf_settings::DoPropertySheet(nullptr, path.empty()), 0) << GetLastError();
     }
@@ -107,6 +107,14 @@ protected:
     }
     static void press_ok() { SendMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_OK, 0); }
     static void press_apply() { SendMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_APPLYNOW, 0); }
+
+    // Nothing when the sheet is on its way out: no message reaches it then.
+    static void cancel() {
+        if (sheet())
+            PostMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
+    }
+    // Whether the sheet stayed open for show() to cancel it.
+    static bool stayed_open() { return pdf_settings::dialog_state().cancelled; }
 
     // What a user does with a control, with the notifications that follow.
     static void click(PageIndex index, int id) { SendMessageW(control(index, id), BM_CLICK, 0, 0); }

@@ -37,7 +37,7 @@ public:
 
 // The list page's pictures, for one DPI.
 struct PageIcons {
-    UINT dpi = 0;  // 0: none loaded
+    UINT dpi = 0;          // 0: none loaded
     qk::ImageList images;  // the rows' icons: 0 = an administrator's setting, 1 = one of the installation
     qk::Icon page, make, edit, remove, no_remove;
 };

@@ -18,7 +18,6 @@ namespace pdf_settings {
 
 namespace {
 
-constexpr int kApplyButton = 12321;  // of every property sheet
 constexpr size_t kMostChanges = 20;
 
 bool is_new_sheet() {
@@ -36,38 +35,37 @@ RECT window_place(HWND window, HWND parent) noexcept {
     return place;
 }
 
-void move_left(HWND sheet, int button, int distance) noexcept {
-    const HWND window = GetDlgItem(sheet, button);
-    const RECT place = window_place(window, sheet);
-    SetWindowPos(window, nullptr, place.left - distance, place.top, 0, 0,
+void move(HWND sheet, int button, int left, const RECT& place) noexcept {
+    SetWindowPos(GetDlgItem(sheet, button), nullptr, left, place.top, 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-// The sheet hides its Apply button and closes the gap; ours checks the pages, so its place is made again.
-void make_room(HWND sheet, const RECT& apply) noexcept {
-    const RECT cancel = window_place(GetDlgItem(sheet, IDCANCEL), sheet);
-    const int distance = cancel.right - apply.left;
-    if (distance <= 0)
-        return;
-    const int gap = std::max<int>(4, (apply.bottom - apply.top) / 4);
-    for (const int button : {IDOK, IDCANCEL})
-        move_left(sheet, button, distance + gap);
-}
-
+// The sheet hides its Apply button and gives Cancel the place; ours checks the pages. It is shown again, twice as
+// wide, and the row of buttons moves left by what it then takes.
 void set_up_check_button(HWND sheet) {
     const HWND apply = GetDlgItem(sheet, kApplyButton);
     if (!apply)
         return;
+    const RECT ok = window_place(GetDlgItem(sheet, IDOK), sheet);
+    const RECT cancel = window_place(GetDlgItem(sheet, IDCANCEL), sheet);
     const RECT place = window_place(apply, sheet);
-    SetWindowPos(apply, nullptr, place.left, place.top, 2 * (place.right - place.left),
-                 place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW);
+    const int width = 2 * (place.right - place.left);
+    const int left = std::min<int>(place.left, std::max(place.right, cancel.right) - width);
+    SetWindowPos(apply, nullptr, left, place.top, width, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW);
     SetWindowTextW(apply, dialog_text(IDS_CHECK_BUTTON).c_str());
     EnableWindow(apply, TRUE);
-    make_room(sheet, window_place(apply, sheet));
+    if (const int overlap = cancel.right - left; overlap > 0) {
+        const int gap = std::max<int>(0, cancel.left - ok.right);
+        move(sheet, IDCANCEL, cancel.left - overlap - gap, cancel);
+        move(sheet, IDOK, ok.left - overlap - gap, ok);
+    }
+    // The sheet greys the button once more before it stands.
+    PostMessageW(dialog_state().pages[kGeneralPage], kSheetStands, 0, 0);
 }
 
-// PSP_PREMATURE asks for every page at once: OK applies, and pages read, what others show. Where the system does
-// not take the flag, turning to each page makes it.
+// PSP_PREMATURE asks for every page at once: OK applies, and pages read, what others show. Where the system
+// does not take the flag, turning to each page makes it.
 void make_every_page(HWND sheet) {
     DialogState& state = dialog_state();
     state.opening = true;
@@ -123,9 +121,8 @@ void name_copy() {
 
 std::wstring system_text(DWORD error) {
     wchar_t text[400] = {};
-    const DWORD length =
-        FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
-                       static_cast<DWORD>(std::size(text)), nullptr);
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                        error, 0, text, static_cast<DWORD>(std::size(text)), nullptr);
     return length > 0 ? std::wstring(text, length) : qk::format(L"%lu", error);
 }
 
@@ -140,8 +137,8 @@ int tell_not_saved(HWND page, const std::wstring& path, DWORD error) {
 bool confirmed(HWND page, std::span<const std::wstring> changes) {
     if (changes.empty())
         return true;
-    const std::wstring text = qk::format(dialog_text(IDS_CONFIRM_CHANGES).c_str(),
-                                         change_list(changes, kMostChanges).c_str());
+    const std::wstring text =
+        qk::format(dialog_text(IDS_CONFIRM_CHANGES).c_str(), change_list(changes, kMostChanges).c_str());
     return show_message(page, text, IDS_CONFIRM_CAPTION, MB_YESNO | MB_ICONEXCLAMATION) == IDYES;
 }
 
@@ -191,8 +188,8 @@ std::wstring change_list(std::span<const std::wstring> changes, size_t most) {
     for (size_t i = 0; i < shown; ++i)
         list += (i > 0 ? L"\r\n" : L"") + changes[i];
     if (shown < changes.size())
-        list += L"\r\n" + qk::format(dialog_text(IDS_CONFIRM_MORE).c_str(),
-                                     static_cast<int>(changes.size() - shown));
+        list += L"\r\n" +
+                qk::format(dialog_text(IDS_CONFIRM_MORE).c_str(), static_cast<int>(changes.size() - shown));
     return list;
 }
 
@@ -238,6 +235,8 @@ INT_PTR DoPropertySheet(HWND list_page, bool is_new) {
     INT_PTR result = 0;
     {
         const plotui::CommonControls controls;
+        const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_USEREX_CLASSES | ICC_UPDOWN_CLASS};
+        InitCommonControlsEx(&classes);
         TRACE("call PropertySheet");
         result = PropertySheetW(&header);
         TRACE("ret PropertySheet");

@@ -10,8 +10,8 @@
 
 namespace pdf_settings {
 
-// Opens the edit sheet for the setting loaded from the selected row: the file itself, or, when `is_new` or when
-// the row is not the user's to edit, a copy with a free name. Refills the list afterwards.
+// Opens the edit sheet for the setting loaded from the selected row: the file itself, or, when `is_new` or
+// when the row is not the user's to edit, a copy with a free name. Refills the list afterwards.
 void DoEditDialog(HWND list_page, bool is_new);
 
 // Shows the nine pages and returns when the sheet is closed: PropertySheet's result.

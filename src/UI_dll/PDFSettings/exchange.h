@@ -89,7 +89,11 @@ struct Text {
         SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, limit, 0);
         SetDlgItemTextW(page, control, (section.*member).c_str());
     }
-    void store(HWND page, Section& section) const { section.*member = control_text(page, control); }
+    void store(HWND page, Section& section) const {
+        std::wstring text = control_text(page, control);
+        if (text != (section.*member).c_str())  // what no control shows, behind a zero, stays otherwise
+            section.*member = std::move(text);
+    }
 };
 
 template <class Section, class Value>
@@ -98,7 +102,7 @@ struct Number {  // a whole number, brought into its range when it is read; text
     Value Section::*member;
     int low;
     int high;
-    WPARAM limit;      // UTF-16 units
+    WPARAM limit;     // UTF-16 units
     int up_down = 0;  // its up-down control, or none
 
     void load(HWND page, const Section& section) const {

@@ -86,9 +86,9 @@ std::wstring file_name_of(std::wstring_view name) {
     constexpr std::wstring_view kForbidden = L"<>:\"/\\|?*";
     std::wstring safe(cut(name, kNameUnits));
     for (size_t i = 0; i < safe.size(); ++i) {
-        const bool paired = (IS_HIGH_SURROGATE(safe[i]) && i + 1 < safe.size() &&
-                             IS_LOW_SURROGATE(safe[i + 1])) ||
-                            (IS_LOW_SURROGATE(safe[i]) && i > 0 && IS_HIGH_SURROGATE(safe[i - 1]));
+        const bool paired =
+            (IS_HIGH_SURROGATE(safe[i]) && i + 1 < safe.size() && IS_LOW_SURROGATE(safe[i + 1])) ||
+            (IS_LOW_SURROGATE(safe[i]) && i > 0 && IS_HIGH_SURROGATE(safe[i - 1]));
         const bool lone = (IS_HIGH_SURROGATE(safe[i]) || IS_LOW_SURROGATE(safe[i])) && !paired;
         if (safe[i] < L' ' || lone || kForbidden.find(safe[i]) != std::wstring_view::npos)
             safe[i] = L'_';

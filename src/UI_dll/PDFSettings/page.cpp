@@ -1,5 +1,6 @@
 #include "UI_dll/PDFSettings/page.h"
 
+#include "UI_dll/PDFSettings/exchange.h"
 #include "UI_dll/plotui.h"
 #include "common/trace.h"
 #include "common/text.h"
@@ -62,6 +63,9 @@ INT_PTR handle_page_message(const PageOperations& operations, HWND page, UINT me
                 return pass_on(operations, page, message, wparam, lparam);
             return handle_notification(operations, page, reinterpret_cast<const PSHNOTIFY&>(header));
         }
+        case kSheetStands:
+            enable(GetParent(page), kApplyButton, true);
+            return TRUE;
         case WM_DESTROY:
             dialog_state().pages[operations.index] = nullptr;
             pass_on(operations, page, message, wparam, lparam);

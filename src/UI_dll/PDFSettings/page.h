@@ -46,6 +46,11 @@ struct PageRow {
 };
 [[nodiscard]] const std::array<PageRow, kPageCount>& page_table() noexcept;
 
+inline constexpr int kApplyButton = 12321;  // of every property sheet
+
+// Posted to the first page when all are made: the sheet's own preparations are over when it arrives.
+inline constexpr UINT kSheetStands = WM_APP + 45;
+
 // What a page's dialog procedure does with a message.
 INT_PTR handle_page_message(const PageOperations& operations, HWND page, UINT message, WPARAM wparam,
                             LPARAM lparam);
@@ -74,8 +79,8 @@ extern const PageOperations kGeneral, kPDFVersion, kColor, kCompress, kFont, kSe
 // Shows a message box; the result is its button.
 int show_message(HWND owner, const std::wstring& text, UINT caption_id, UINT style);
 
-// The way a check refuses: the message with the caption IDS_REFUSED, then the focus on the control, whose text
-// is selected. Always false.
+// The way a check refuses: the message with the caption IDS_REFUSED, then the focus on the control, whose
+// text is selected. Always false.
 bool refuse(HWND page, int control, UINT text_id, UINT icon = MB_ICONERROR);
 bool refuse(HWND page, int control, const std::wstring& text, UINT icon = MB_ICONERROR);
 

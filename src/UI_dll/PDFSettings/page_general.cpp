@@ -4,6 +4,7 @@
 #include "UI_dll/PDFSettings/page.h"
 #include "UI_dll/PDFSettings/page_general_rules.h"
 #include "UI_dll/PDFSettings/page_pdf_version.h"
+#include "UI_dll/PDFSettings/page_pdf_version_rules.h"
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "common/dialog_library.h"
 #include "common/paths.h"
@@ -220,9 +221,7 @@ bool check_scale(HWND page, int32_t current) {
 bool check_links(HWND page) {
     if (!is_checked(page, IDC_URL_LINK))
         return true;
-    const uint32_t version = read_PDFVersion(page).Version;
-    const bool is_pdfx = version >= 6 && version <= 10;
-    return !is_pdfx || refuse(page, IDC_URL_LINK, IDS_NO_LINKS);
+    return !is_press_standard(read_PDFVersion(page).Version) || refuse(page, IDC_URL_LINK, IDS_NO_LINKS);
 }
 
 bool dlg_killactive_General(HWND page) {

@@ -120,6 +120,8 @@ void use_changed(HWND page, const PasswordControls& controls, std::wstring& kept
 void dlg_init_Securities(HWND page) {
     TRACE("dlg_init_Securities");
     const Security_impl& section = *edited_setting().security();
+    if (const auto& saved = dialog_state().saved)
+        saved->security()->Level = kLevel;  // what the page always writes is no change of the user's
     move_low_level(page);
     load_controls(page, section, kTable);
     check(page, IDC_SEC_USE_OPEN, !section.UserPassword.empty());

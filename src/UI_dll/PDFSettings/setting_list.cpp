@@ -48,10 +48,11 @@ bool any_file(const std::wstring& folder, std::wstring_view extension,
         return false;
     do {
         // The system's patterns also match longer extensions that begin alike.
-        const bool right = std::wstring_view(file.cFileName).size() > extension.size() &&
-                           qk::equal_no_case(std::wstring_view(file.cFileName)
-                                                 .substr(wcslen(file.cFileName) - extension.size()),
-                                             extension);
+        const bool right =
+            std::wstring_view(file.cFileName).size() > extension.size() &&
+            qk::equal_no_case(
+                std::wstring_view(file.cFileName).substr(wcslen(file.cFileName) - extension.size()),
+                extension);
         if (right && !(file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) && found(folder + file.cFileName))
             return true;
     } while (FindNextFileW(search.get(), &file));
@@ -145,9 +146,10 @@ std::wstring create_setting_file(const Setting& setting) {
     }
     const std::wstring stem = folder + file_name_of(setting->PSName);
     const std::wstring path =
-        free_name(stem, [](const std::wstring& candidate) {
-            return GetFileAttributesW((candidate + L".ps4").c_str()) != INVALID_FILE_ATTRIBUTES;
-        }) +
+        free_name(stem,
+                  [](const std::wstring& candidate) {
+                      return GetFileAttributesW((candidate + L".ps4").c_str()) != INVALID_FILE_ATTRIBUTES;
+                  }) +
         L".ps4";
     return setting.Save(path) ? path : std::wstring();
 }

@@ -61,8 +61,7 @@ void leave_sheet() noexcept {
         return;
     KillTimer(state.list_sheet, kMovedTimer);
     if (GetWindowLongPtrW(state.list_sheet, GWLP_WNDPROC) == reinterpret_cast<LONG_PTR>(&sheet_procedure))
-        SetWindowLongPtrW(state.list_sheet, GWLP_WNDPROC,
-                          reinterpret_cast<LONG_PTR>(state.sheet_procedure));
+        SetWindowLongPtrW(state.list_sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(state.sheet_procedure));
 }
 
 // --- Opening and closing ---
@@ -97,13 +96,13 @@ void delete_selected(HWND page) {
     TRACE("IDC_DLG_P_PB_DELETE");
     const std::wstring path = selected_path(page);
     const int row = selected_row(page);
-    if (row < 0 || !IsCurrentItemEditable(page) || GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES ||
+    if (row < 0 || !IsCurrentItemEditable(page) ||
+        GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES ||
         (GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_DIRECTORY))
         return;
     const std::wstring name(
         cut(Corvanta::Vantrix::PrintSettings::ReadName(path).value_or(std::wstring()), kNameUnits));
-    const std::wstring text =
-        qk::format(dialog_text(IDS_CONFIRM_DELETE).c_str(), name.c_str(), path.c_str());
+    const std::wstring text = qk::format(dialog_text(IDS_CONFIRM_DELETE).c_str(), name.c_str(), path.c_str());
     if (show_message(page, text, IDS_REFUSED, MB_YESNO | MB_ICONQUESTION) == IDYES &&
         DeleteFileW(path.c_str()))
         remove_row(page, row);

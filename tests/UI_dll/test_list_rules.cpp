@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include <set>
+#include <vector>
+
+#include "UI_dll/PDFSettings/dpi.h"
+#include "UI_dll/PDFSettings/edit_sheet.h"
+#include "UI_dll/PDFSettings/list_rules.h"
+
+namespace {
+
+using namespace pdf_settings;
+
+TEST(ListRules, CopiesGetTheFirstFreeName) {
+    struct Row {
+        const wchar_t* name;
+        std::set<std::wstring> taken;
+        const wchar_t* copy;
+    };
+    const Row kRows[] = {{L"Report(12)", {}, L"Report"},
+                         {L"Report(12)", {L"Report"}, L"Report(1)"},
+                         {L"Report", {L"Report", L"Report(1)"}, L"Report(2)"},
+                         {L"Report(1a)", {L"Report(1a)"}, L"Report(1a)(1)"},
+                         {L"Report(3) x", {}, L"Report(3) x"},
+                         {L"Report()", {}, L"Report"},
+                         {L"Report(\xFF11)", {}, L"Report(\xFF11)"},  // a digit, but not 0 to 9
+                         {L"Report 1)", {}, L"Report 1)"},
+                         {L"", {}, L""}};
+    for (const Row& row : kRows)
+        EXPECT_EQ(free_name(base_name(row.name),
+                            [&](const std::wstring& name) { return row.taken.contains(name); }),
+                  row.copy)
+            << row.name;
+}
+
+TEST(ListRules, RowsSortByKindThenByCodeUnits) {
+    std::vector<SettingEntry> rows = {{2, L"", L"a"}, {1, L"", L"A"}, {0, L"", L"z"}, {0, L"", L"a1"},
+                                      {0, L"", L"a"}, {0, L"", L"B"}, {1, L"", L""}};
+    std::sort(rows.begin(), rows.end(), sorts_before);
+    std::wstring order;
+    for (const SettingEntry& row : rows)
+        order += std::to_wstring(row.kind) + row.name + L' ';
+    EXPECT_EQ(order, L"0B 0a 0a1 0z 1 1A 2a ");
+    EXPECT_EQ(row_image(0), -2);
+    EXPECT_EQ(row_image(1), 0);
+    EXPECT_EQ(row_image(2), 1);
+    EXPECT_EQ(row_image(-7), 0);
+}
+
+TEST(ListRules, SelectionPrefersTheLastRowOfThePath) {
+    const std::vector<SettingEntry> rows = {
+        {0, L"C:\\s\\a.ps4", L""}, {0, L"C:\\S\\\xC4.ps4", L""}, {1, L"c:\\s\\A.PS4", L""}};
+    EXPECT_EQ(row_to_select(rows, L"C:\\S\\A.ps4"), 2u);
+    EXPECT_EQ(row_to_select(rows, L"c:\\s\\\xE4.ps4"), 1u);
+    EXPECT_EQ(row_to_select(rows, L"C:\\elsewhere.ps4"), 0u);
+    EXPECT_EQ(row_after_removal(2, 2), 1);
+    EXPECT_EQ(row_after_removal(0, 0), 0);
+}
+
+TEST(ListRules, NamesBecomeSafeFileNames) {
+    const std::pair<std::wstring, std::wstring> kRows[] = {
+        {L"Invoices", L"Invoices"},
+        {L"a/b\\c:d*e?f\"g<h>i|j\n", L"a_b_c_d_e_f_g_h_i_j_"},
+        {L"CON", L"_CON"},
+        {L"com1.txt", L"_com1.txt"},
+        {L"COMB", L"COMB"},
+        {L" x . ", L"x"},
+        {L"...", L"_"},
+        {L"\xD83D\xDE00 \xD83D", L"\xD83D\xDE00 _"},
+        {L"\x05D0\x202E"
+         L"b",
+         L"\x05D0\x202E"
+         L"b"},  // right-to-left text stays
+        {std::wstring(109, L'n') + L"\xD83D\xDE00", std::wstring(109, L'n')}};
+    for (const auto& [name, file] : kRows)
+        EXPECT_EQ(file_name_of(name), file);
+}
+
+TEST(ListRules, ChangesAreListedUpToALimit) {
+    const std::vector<std::wstring> changes = {L"a", L"b", L"c"};
+    EXPECT_EQ(change_list(changes, 3), L"a\r\nb\r\nc");
+    EXPECT_TRUE(change_list(changes, 1).starts_with(L"a\r\n"));
+    EXPECT_EQ(change_list(changes, 1).find(L'b'), std::wstring::npos);
+}
+
+TEST(Dpi, OnlyUsableAnswersAreTaken) {
+    EXPECT_EQ(usable_dpi(0), 96u);
+    EXPECT_EQ(usable_dpi(1), 1u);
+    EXPECT_EQ(usable_dpi(1000), 1000u);
+    EXPECT_EQ(usable_dpi(1001), 96u);
+}
+
+}  // namespace

@@ -1,0 +1,218 @@
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include "UI_dll/PDFSettings/setting_list.h"
+#include "UI_dll/PDFSettings/setting_rows.h"
+#include "UI_dll/PDFSettings/settings_page.h"
+#include "common/registry.h"
+#include "common/rwPDFSet_functions.h"
+#include "resources/ids.h"
+#include "support/sheet_driver.h"
+
+namespace {
+
+using namespace pdf_settings;
+using Corvanta::Vantrix::PrintSettings::ReadName;
+
+class SettingsPage : public EditSheet {
+protected:
+    SettingsPage() {
+        SetThreadProp(threadprop::kPrinterName, reinterpret_cast<ULONG_PTR>(&here.printer.name));
+        add(L"Settings\\standard.ps4", L"Standard");
+        add(L"CustomSettings\\office.ps4", L"Office");
+        add_own(L"zeta");
+        add_own(L"alpha");
+    }
+    ~SettingsPage() override {
+        close();
+        FreeThreadProp(threadprop::kPrinterName);
+    }
+
+    void add(const std::wstring& path, const wchar_t* name) const {
+        Setting setting;
+        setting->PSName = name;
+        EXPECT_TRUE(setting.Save(here.folder.file(path)));
+    }
+    static std::wstring add_own(const std::wstring& name) {
+        Setting setting;
+        setting->PSName = name;
+        std::wstring path = GetAppDataPath(true) + name + L".ps4";
+        EXPECT_TRUE(setting.Save(path));
+        return path;
+    }
+
+    void open() {
+        parent = CreateWindowExW(WS_EX_CONTEXTHELP, L"STATIC", L"", WS_POPUP, 0, 0, 600, 500, nullptr,
+                                 nullptr, nullptr, nullptr);
+        window = CreateDialogParamW(plotui::resource_module(), MAKEINTRESOURCEW(IDD_SETTINGS), parent,
+                                    &settings_page_proc, 0);
+        ASSERT_TRUE(window);
+    }
+    void close() {
+        if (parent)
+            DestroyWindow(std::exchange(parent, nullptr));
+    }
+
+    [[nodiscard]] HWND list() const { return GetDlgItem(window, IDC_SETTINGS_LIST); }
+    [[nodiscard]] std::wstring rows() const {  // "name name [selected] name"
+        std::wstring all;
+        for (int row = 0; row < ListView_GetItemCount(list()); ++row) {
+            wchar_t text[200];
+            ListView_GetItemText(list(), row, 0, text, 200);
+            all += (row > 0 ? L" " : L"") +
+                   (row == selected_row(window) ? L'[' + std::wstring(text) + L']' : text);
+        }
+        return all;
+    }
+    void select(int row) const {
+        ListView_SetItemState(list(), row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    }
+    [[nodiscard]] bool can_delete() const { return IsWindowEnabled(GetDlgItem(window, IDC_SETTINGS_DELETE)); }
+    void press(int button) const { SendMessageW(GetDlgItem(window, button), BM_CLICK, 0, 0); }
+    void end(UINT code) const {
+        const PSHNOTIFY notification = {{parent, 0, code}, TRUE};
+        SendMessageW(window, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notification));
+    }
+    // Presses a button that opens the edit sheet, and runs the script there.
+    void in_sheet(int button, const std::function<void()>& script) const {
+        const Later later([] { return sheet() != nullptr; },
+                          [&] {
+                              script();
+                              cancel();
+                          });
+        press(button);
+    }
+
+    HWND parent = nullptr;
+    HWND window = nullptr;
+};
+
+TEST_F(SettingsPage, ListsAllFoldersAndSelectsThePrintersSetting) {
+    here.folder.write(L"Settings\\legacy\\old.printSetting2", "\x09\x00\x02\x00");
+    here.folder.write(L"Settings\\broken.ps4", "{");
+    ForceDirectories(here.folder.file(L"Settings\\folder.ps4"));
+    open();
+    EXPECT_EQ(rows(), L"alpha zeta Office [Standard] broken old");
+    EXPECT_FALSE(can_delete());
+    EXPECT_FALSE(GetWindowLongPtrW(parent, GWL_EXSTYLE) & WS_EX_CONTEXTHELP);
+    select(0);
+    EXPECT_TRUE(can_delete());
+    EXPECT_EQ(setting()->PSName, L"alpha");
+}
+
+TEST_F(SettingsPage, ChosenSettingBecomesThePrintersOnOkOnly) {
+    open();
+    select(2);
+    end(PSN_QUERYCANCEL);
+    EXPECT_EQ(GetSettingFileName(here.printer.name), L"standard.ps4");
+    EXPECT_EQ(rows(), L"alpha zeta [Office] Standard");
+    end(PSN_APPLY);
+    EXPECT_EQ(GetSettingFileName(here.printer.name), L"office.ps4");
+    close();
+    open();
+    EXPECT_EQ(rows(), L"alpha zeta [Office] Standard");
+}
+
+TEST_F(SettingsPage, CancelGivesAPrinterWithoutItsFileTheStandardOne) {
+    SetSettingFileName(L"gone.ps4", here.printer.name);
+    open();
+    end(PSN_QUERYCANCEL);
+    EXPECT_EQ(ReadDriverRegString(L"PDFSettingFileName", here.printer.name.c_str()), L"standard.ps4");
+}
+
+TEST_F(SettingsPage, OwnSettingIsDeletedWhenTheUserAgrees) {
+    open();
+    select(1);
+    Outbox::answer = IDNO;
+    press(IDC_SETTINGS_DELETE);
+    EXPECT_EQ(rows(), L"alpha [zeta] Office Standard");
+    Outbox::answer = IDYES;
+    press(IDC_SETTINGS_DELETE);
+    EXPECT_EQ(rows(), L"alpha [Office] Standard");
+    ASSERT_EQ(Outbox::boxes.size(), 2u);
+    EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_YESNO | MB_ICONQUESTION});
+    EXPECT_NE(Outbox::boxes[0].text.find(L"zeta.ps4"), std::wstring::npos);
+    SendMessageW(window, WM_COMMAND, IDC_SETTINGS_DELETE, 0);  // not the user's: a greyed button's command
+    EXPECT_EQ(Outbox::boxes.size(), 2u);
+}
+
+TEST_F(SettingsPage, ListOfNothingSelectsNothing) {
+    for (const wchar_t* file : {L"Settings\\standard.ps4", L"CustomSettings\\office.ps4"})
+        DeleteFileW(here.folder.file(file).c_str());
+    for (const wchar_t* name : {L"alpha", L"zeta"})
+        DeleteFileW((GetAppDataPath(false) + name + L".ps4").c_str());
+    add_own(L"only");
+    open();
+    Outbox::answer = IDYES;
+    press(IDC_SETTINGS_DELETE);
+    EXPECT_EQ(rows(), L"");
+    EXPECT_FALSE(can_delete());
+    end(PSN_APPLY);
+    EXPECT_EQ(ReadDriverRegString(L"PDFSettingFileName", here.printer.name.c_str()), L"");
+}
+
+TEST_F(SettingsPage, NewAndReadOnlySettingsAreCopiesAndOwnOnesAreEditedInPlace) {
+    open();
+    in_sheet(IDC_SETTINGS_EDIT, [] {
+        EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Standard(1)");
+        press_ok();
+    });
+    EXPECT_EQ(rows(), L"[Standard(1)] alpha zeta Office Standard");
+    in_sheet(IDC_SETTINGS_NEW, [] { EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Standard(2)"); });
+    EXPECT_EQ(rows(), L"[Standard(1)] alpha zeta Office Standard");
+    select(1);
+    Outbox::answer = IDYES;
+    in_sheet(IDC_SETTINGS_EDIT, [] {
+        SetWindowTextW(control(kGeneralPage, IDC_NAME), L"beta");
+        press_ok();
+    });
+    EXPECT_EQ(rows(), L"Standard(1) [beta] zeta Office Standard");
+    EXPECT_EQ(ReadName(GetAppDataPath(false) + L"alpha.ps4"), L"beta");
+}
+
+TEST_F(SettingsPage, FileThatVanishesOrBreaksWhileListedCostsNothing) {
+    open();
+    const std::wstring zeta = GetAppDataPath(false) + L"zeta.ps4";
+    DeleteFileW(zeta.c_str());
+    select(1);  // "zeta", gone
+    press(IDC_SETTINGS_DELETE);
+    EXPECT_TRUE(Outbox::boxes.empty());
+    const std::wstring alpha = GetAppDataPath(false) + L"alpha.ps4";
+    here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\alpha.ps4", "no setting");
+    select(0);
+    in_sheet(IDC_SETTINGS_EDIT, [] { press_ok(); });  // a new one from standard values
+    ASSERT_EQ(Outbox::boxes.size(), 1u);
+    EXPECT_EQ(TempFolder::read(alpha), "no setting");
+    EXPECT_NE(rows().find(L"[alpha"), std::wstring::npos);
+}
+
+TEST_F(SettingsPage, PicturesAreLoadedOnceAfterManyMoves) {
+    open();
+    const HIMAGELIST before = dialog_state().icons.images.get();
+    for (int i = 0; i < 20; ++i)
+        SendMessageW(parent, WM_MOVE, 0, 0);
+    EXPECT_EQ(dialog_state().icons.images.get(), before);
+    SendMessageW(parent, WM_TIMER, 1234, 0);
+    EXPECT_NE(dialog_state().icons.images.get(), nullptr);
+    EXPECT_FALSE(KillTimer(parent, 1234));  // no second time
+}
+
+TEST_F(SettingsPage, SettingsOfAnOlderVersionComeInOnce) {
+    const std::wstring old = here.folder.file(L"Roaming\\Corvanta\\Vantrix\\7.0\\CustomSettings\\");
+    ForceDirectories(old);
+    Setting setting;
+    setting->PSName = L"from old";
+    EXPECT_TRUE(setting.Save(old + L"zeta.ps4"));  // one of that file is there already
+    EXPECT_TRUE(setting.Save(old + L"fresh.ps4"));
+    open();
+    EXPECT_EQ(rows(), L"alpha from old zeta Office [Standard]");
+    close();
+    DeleteFileW((GetAppDataPath(false) + L"fresh.ps4").c_str());
+    open();
+    EXPECT_EQ(rows(), L"alpha zeta Office [Standard]");
+}
+
+}  // namespace
