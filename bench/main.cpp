@@ -2,6 +2,7 @@
 //
 //   zr_bench.exe [printer name]
 //   zr_bench.exe --answers [printer name]    prints what each capability index answers instead
+//   zr_bench.exe --dialog                    measures the settings dialog alone
 #include <windows.h>
 #include <winspool.h>
 #include <picojson.h>
@@ -11,6 +12,7 @@
 #include <string>
 
 #include "UI_dll/ddi.h"
+#include "bench/dialog.h"
 #include "bench/measure.h"
 #include "bench/queries.h"
 #include "common/handle.h"
@@ -281,6 +283,8 @@ int wmain(int argc, wchar_t** argv) {
         return measure_load();
     if (argc > 1 && std::wcscmp(argv[1], L"--answers") == 0)
         return bench::print_answers(argc > 2 ? argv[2] : qk::kProductName, built_module()) ? 0 : 1;
+    if (argc > 1 && std::wcscmp(argv[1], L"--dialog") == 0)
+        return bench::time_dialog() ? 0 : 1;
     bool good = bench_trace();
     const TempFolder folder;
     good &= bench_settings(folder);
@@ -291,6 +295,7 @@ int wmain(int argc, wchar_t** argv) {
         good &= bench_job(folder, machine);
     }
     good &= bench_forms();
+    good &= bench::time_dialog();
     std::printf("%s\n",
                 good ? "bench: all within their limits" : "bench: something is too slow or not measured");
     return good ? 0 : 1;

@@ -18,6 +18,7 @@ add_library(zr_host_core STATIC
     host/record_fields.cpp
     host/renderer.cpp
     host/report_parts.cpp
+    host/setting_check.cpp
     host/setting_choice.cpp
     host/sheet_host.cpp
     host/sheet_watch.cpp

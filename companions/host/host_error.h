@@ -10,8 +10,8 @@ namespace host {
 // The program's exit codes; scripts rely on them.
 enum class ExitCode {
     kDone = 0,
-    kJobFailed = 1,  // the job was refused, cancelled or ended with an error
-    kUsage = 2,      // wrong arguments, or the text file cannot be read
+    kJobFailed = 1,  // the job was refused, cancelled or ended with an error; a setting file has faults
+    kUsage = 2,      // wrong arguments, or a file cannot be read
     kInstallation =
         3,          // the printer, the module or a file of the installation is missing or cannot be set up
     kInternal = 4,  // a fault of the program itself

@@ -16,6 +16,8 @@
 #include "companions/host/options.h"
 #include "companions/host/printer_setup.h"
 #include "companions/host/properties.h"
+#include "companions/host/report_parts.h"
+#include "companions/host/setting_check.h"
 #include "companions/host/trace_output.h"
 
 namespace host {
@@ -135,6 +137,34 @@ ExitCode run_properties(const Options& options) {
     return report.sheets.empty() || report.result < 0 ? ExitCode::kJobFailed : ExitCode::kDone;
 }
 
+ExitCode run_check(const Options& options) {
+    std::vector<SettingFindings> files;
+    ExitCode code = ExitCode::kDone;
+    for (const std::wstring& path : options.setting_files) {
+        files.push_back(check_setting(path));
+        print_lines(report_lines(files.back()));
+        if (!files.back().readable)
+            code = ExitCode::kUsage;
+        else if (!files.back().faults.empty() && code == ExitCode::kDone)
+            code = ExitCode::kJobFailed;
+    }
+    if (options.json)
+        print_document(qk::to_wide(report_json(files)));
+    return code;
+}
+
+ExitCode run_diff(const Options& options) {
+    const std::vector<std::wstring> changes =
+        setting_differences(options.setting_files[0], options.setting_files[1]);
+    print_lines(changes);
+    if (options.json) {
+        picojson::object object;
+        object["changes"] = json_texts(changes);
+        print_document(qk::to_wide(picojson::value(object).serialize(true)));
+    }
+    return changes.empty() ? ExitCode::kDone : ExitCode::kJobFailed;
+}
+
 ExitCode run(const Options& options) {
     if (options.json)
         keep_output_for_json();
@@ -152,6 +182,10 @@ ExitCode run(const Options& options) {
             return run_print(options);
         case Command::kProperties:
             return run_properties(options);
+        case Command::kCheck:
+            return run_check(options);
+        case Command::kDiff:
+            return run_diff(options);
     }
     return ExitCode::kInternal;
 }

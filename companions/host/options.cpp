@@ -18,6 +18,8 @@ const wchar_t kUsageText[] =
     L"       zr_print print FILE [options] [--json]\n"
     L"       zr_print print --threads N [--jobs M] [--output DIR] [--json]\n"
     L"       zr_print properties [--document | --printer] [options] [--json]\n"
+    L"       zr_print check FILE... [--json]\n"
+    L"       zr_print diff FILE FILE [--json]\n"
     L"       zr_print help\n"
     L"\n"
     L"install   sets up the printer, its driver files and the installation folder, or repairs what is "
@@ -47,10 +49,15 @@ const wchar_t kUsageText[] =
     L"  --no-permission      the document's sheet may change nothing\n"
     L"  --setting NAME|PATH  the print setting in force while it is open\n"
     L"  --trace LEVEL        as for print\n"
+    L"check     tells what is wrong with print settings (.ps4) and with the administrator's file (.ps4a), "
+    L"and\n"
+    L"          what the latter forces\n"
+    L"diff      tells in words what the second of two print settings has changed\n"
     L"--json                 the report as one JSON object on the standard output\n"
     L"\n"
-    L"exit codes: 0 done; 1 the job was refused, cancelled or failed; 2 wrong arguments, or the text file\n"
-    L"cannot be read; 3 the installation is incomplete; 4 a fault of this program\n";
+    L"exit codes: 0 done; 1 the job was refused, cancelled or failed, or faults or differences were found;\n"
+    L"2 wrong arguments, or a file cannot be read; 3 the installation is incomplete; 4 a fault of this "
+    L"program\n";
 
 namespace {
 
@@ -59,9 +66,10 @@ struct CommandName {
     Command command;
 };
 constexpr CommandName kCommands[] = {
-    {L"help", Command::kHelp},       {L"--help", Command::kHelp},          {L"-h", Command::kHelp},
-    {L"install", Command::kInstall}, {L"uninstall", Command::kUninstall},  {L"status", Command::kStatus},
-    {L"print", Command::kPrint},     {L"properties", Command::kProperties}};
+    {L"help", Command::kHelp},       {L"--help", Command::kHelp},           {L"-h", Command::kHelp},
+    {L"install", Command::kInstall}, {L"uninstall", Command::kUninstall},   {L"status", Command::kStatus},
+    {L"print", Command::kPrint},     {L"properties", Command::kProperties}, {L"check", Command::kCheck},
+    {L"diff", Command::kDiff}};
 
 std::optional<size_t> find_count(std::wstring_view text, size_t most) {
     const std::string digits = qk::to_utf8(text);
@@ -168,6 +176,14 @@ std::wstring check_print(const Options& options) {
     return {};
 }
 
+std::wstring check_settings(const Options& options) {
+    if (options.command == Command::kCheck && options.setting_files.empty())
+        return L"check needs a setting file";
+    if (options.command == Command::kDiff && options.setting_files.size() != 2)
+        return L"diff needs two setting files";
+    return {};
+}
+
 // Reads the words behind the command.
 class Parser {
 public:
@@ -179,6 +195,8 @@ public:
             take(words_[at_++]);
         if (parsed_.fault.empty() && command == Command::kPrint)
             parsed_.fault = check_print(parsed_.options);
+        else if (parsed_.fault.empty())
+            parsed_.fault = check_settings(parsed_.options);
         return std::move(parsed_);
     }
 
@@ -192,8 +210,14 @@ private:
             take_option(word);
         else if (parsed_.options.command == Command::kPrint && parsed_.options.file.empty())
             parsed_.options.file = word;
+        else if (takes_setting_files())
+            parsed_.options.setting_files.push_back(word);
         else
             parsed_.fault = L"unexpected \"" + word + L"\"";
+    }
+
+    [[nodiscard]] bool takes_setting_files() const noexcept {
+        return parsed_.options.command == Command::kCheck || parsed_.options.command == Command::kDiff;
     }
 
     void take_option(const std::wstring& word) {

@@ -7,10 +7,11 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
-enum class Command { kHelp, kInstall, kUninstall, kStatus, kPrint, kProperties };
+enum class Command { kHelp, kInstall, kUninstall, kStatus, kPrint, kProperties, kCheck, kDiff };
 
 struct Options {
     Command command = Command::kHelp;
@@ -26,6 +27,9 @@ struct Options {
     bool direct = false;
     bool no_permission = false;
     std::optional<int> button;  // PSBTN_*: pressed without a user
+
+    // check, diff
+    std::vector<std::wstring> setting_files;
 
     // print; the setting and the trace also properties
     std::wstring file;

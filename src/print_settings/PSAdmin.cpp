@@ -5,21 +5,10 @@
 #include "common/paths.h"
 #include "common/trace.h"
 #include "print_settings/ps4_reader.h"
+#include "print_settings/restriction_fields.h"
 #include "print_settings/setting_file.h"
 
 namespace Corvanta::Vantrix {
-
-namespace PrintSettings {
-
-template <>
-inline constexpr auto kFields<Administrator::Restriction> = std::tuple{
-    field("PSFile", &Administrator::Restriction::PSFile, 0),
-    field("PDFFileName", &Administrator::Restriction::PDFFileName, 0),
-    field("NoSettingTabs", &Administrator::Restriction::NoSettingTabs, 0),
-    field("OutputFolder", &Administrator::Restriction::OutputFolder, 0),
-};
-
-}  // namespace PrintSettings
 
 namespace Administrator {
 

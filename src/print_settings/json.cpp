@@ -76,13 +76,15 @@ std::optional<std::string> find_text(std::string_view text, std::string_view key
     return error.empty() ? found : std::nullopt;
 }
 
-bool try_parse(std::string_view text, picojson::value& value) {
+bool try_parse(std::string_view text, picojson::value& value, std::string* fault) {
     BoundedContext context(&value);
     std::string error;
     picojson::_parse(context, text.data(), text.data() + text.size(), &error);
     if (error.empty())
         return true;
     TRACE(error.c_str());
+    if (fault)
+        *fault = std::move(error);
     return false;
 }
 

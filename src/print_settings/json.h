@@ -11,8 +11,9 @@ namespace Corvanta::Vantrix::PrintSettings::json {
 
 // Parses the JSON value at the start of `text`; what follows it is not looked at. False, traced, when there
 // is none or it is nested too deep; throws std::overflow_error for a number that is not finite. picojson
-// reads and writes numbers with a point whatever the C locale of the host program is.
-[[nodiscard]] bool try_parse(std::string_view text, picojson::value& value);
+// reads and writes numbers with a point whatever the C locale of the host program is. `fault`, when given,
+// takes the place of the first error in words.
+[[nodiscard]] bool try_parse(std::string_view text, picojson::value& value, std::string* fault = nullptr);
 
 // The text of the member `key` of the object that `text` holds (of several the last), without keeping
 // anything else of it. Nothing when the JSON is broken or the member is no text.

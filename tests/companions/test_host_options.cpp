@@ -56,6 +56,11 @@ TEST(HostOptions, CommandsAreUnderstood) {
              return o.command == Command::kProperties && o.button == PSBTN_CANCEL && o.no_permission &&
                     o.trace_level == 5u && o.setting == L"s" && !o.printer_sheet;
          }},
+        {"check",
+         {L"check", L"a.ps4", L"--json", L"b.ps4"},
+         [](const Options& o) {
+             return o.command == Command::kCheck && o.setting_files.size() == 2 && o.json;
+         }},
         {"threads",
          {L"print", L"--threads", L"8", L"--jobs", L"50"},
          [](const Options& o) { return o.threads == 8 && o.jobs == 50; }},
@@ -84,6 +89,8 @@ TEST(HostOptions, WrongWordsAreNamed) {
         {{L"print", L"a", L"--trace", L"4294967296"}, L"--trace does not take \"4294967296\""},
         {{L"print", L"a", L"--abort-after-page", L"0"}, L"--abort-after-page does not take \"0\""},
         {{L"properties", L"--press", L"help"}, L"--press does not take \"help\""},
+        {{L"check"}, L"check needs a setting file"},
+        {{L"diff", L"a"}, L"diff needs two setting files"},
         {{L"properties", L"x"}, L"unexpected \"x\""},
         {{L"print", L"--threads", L"8x"}, L"--threads does not take \"8x\""},
         {{L"print", L"--threads", L"65"}, L"--threads does not take \"65\""},

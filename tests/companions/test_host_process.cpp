@@ -157,6 +157,26 @@ TEST_F(HostProcess, ThreadsDoNotMeet) {
     EXPECT_EQ(number("handles_after"), number("handles_before"));
 }
 
+TEST_F(HostProcess, SettingsAreCheckedAndCompared) {
+    const std::string start = "\xEF\xBB\xBF{\"PSComment\": [], \"General\": {\"Scale\": ";
+    const auto file = [&](const wchar_t* name, const char* scale) {
+        return L" \"" + folder_.write(name, start + scale + "}}") + L"\"";
+    };
+    const std::wstring good = file(L"good.ps4", "100");
+    const std::wstring other = file(L"other.ps4", "50");
+    const std::wstring bad = file(L"bad.ps4", "500");
+    EXPECT_EQ(run(L"check" + good + other), 0);
+    EXPECT_EQ(run(L"check" + good + bad), 1);
+    EXPECT_EQ(report_.get("files").get(1).get("faults").get(0).to_str(),
+              "General.Scale: 500 is out of its range; 400 is used");
+    EXPECT_EQ(run(L"check nowhere.ps4" + bad), 2);
+    EXPECT_EQ(run(L"diff" + good + good), 0);
+    EXPECT_EQ(run(L"diff" + good + other), 1);
+    EXPECT_EQ(report_.get("changes").get<picojson::array>().size(), 1u);
+    EXPECT_NE(report_.get("changes").get(0).to_str().find("50"), std::string::npos);
+    EXPECT_EQ(run(L"diff nowhere.ps4" + good), 2);
+}
+
 TEST_F(HostProcess, InstallationIsWhole) {
     EXPECT_EQ(run(L"status"), 0);
     EXPECT_TRUE(report_.get("good").get<bool>());

@@ -58,6 +58,8 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
     };
     const std::wstring empty_file = here.folder.write(L"empty.ps4", "");
     const std::wstring rubbish = here.folder.write(L"rubbish.ps4", "\xEF\xBB\xBF{\"PSComment\": [");
+    const std::wstring older = here.folder.write(L"Settings\\legacy\\old.printSetting2",
+                                                 std::string("\x09\x00\x02\x00 and more", 13));
     const std::wstring locked = here.folder.write(L"locked.ps4", "\xEF\xBB\xBF{\"PSComment\": []}");
     const qk::FileObj lock(CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     struct {
@@ -74,6 +76,9 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
          here.folder.path()},
         {"setting empty", [&] { name_setting(empty_file); }, 101, IDS_BAD_SETTING_FILE, empty_file},
         {"setting rubbish", [&] { name_setting(rubbish); }, 101, IDS_BAD_SETTING_FILE, rubbish},
+        {"setting of an older version", [&] { name_setting(older); }, 101, IDS_BAD_SETTING_FILE, older},
+        {"setting of an older version by its name", [&] { name_setting(L"old"); }, 101, IDS_BAD_SETTING_FILE,
+         L"old"},
         {"setting locked", [&] { name_setting(locked); }, 101, IDS_BAD_SETTING_FILE, locked},
         {"no profile named", [&] { use(5, L"", L"id"); }, 164, IDS_NO_COLOUR_PROFILE, L""},
         {"profile missing", [&] { use(11, L"gone.icc", L"id"); }, 164, IDS_NO_COLOUR_PROFILE, L"gone.icc"},

@@ -1,8 +1,8 @@
 #include "UI_dll/PDFSettings/setting_list.h"
 
+#include <algorithm>
 #include <array>
-#include <cwchar>
-#include <functional>
+#include <iterator>
 
 #include "common/paths.h"
 #include "common/registry.h"
@@ -35,28 +35,30 @@ std::array<Folder, 4> listed_folders() {
              {SettingEntry::kInstalled, root + L"Settings\\legacy\\"}}};
 }
 
-// Calls `found` with the full path of every file of the folder with that extension, until it returns true.
-bool any_file(const std::wstring& folder, std::wstring_view extension,
-              const std::function<bool(const std::wstring& path)>& found) {
-    if (folder.empty())
-        return false;
+// The folder's setting files by full path: in the order of the extensions, and in each as the folder has
+// them.
+std::vector<std::wstring> setting_files(const std::wstring& folder) {
+    std::array<std::vector<std::wstring>, kExtensions.size()> by_extension;
     WIN32_FIND_DATAW file;
-    const std::wstring pattern = folder + L'*' + std::wstring(extension);
-    const qk::FindObj search(FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &file, FindExSearchNameMatch,
-                                              nullptr, FIND_FIRST_EX_LARGE_FETCH));
+    const qk::FindObj search(folder.empty() ? INVALID_HANDLE_VALUE
+                                            : FindFirstFileExW((folder + L'*').c_str(), FindExInfoBasic,
+                                                               &file, FindExSearchNameMatch, nullptr,
+                                                               FIND_FIRST_EX_LARGE_FETCH));
     if (!search)
-        return false;
+        return {};
     do {
-        // The system's patterns also match longer extensions that begin alike.
-        const bool right =
-            std::wstring_view(file.cFileName).size() > extension.size() &&
-            qk::equal_no_case(
-                std::wstring_view(file.cFileName).substr(wcslen(file.cFileName) - extension.size()),
-                extension);
-        if (right && !(file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) && found(folder + file.cFileName))
-            return true;
+        const std::wstring_view name = file.cFileName;
+        for (size_t i = 0; i < kExtensions.size(); ++i) {
+            const std::wstring_view extension = kExtensions[i];
+            if (name.size() >= extension.size() && !(file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) &&
+                qk::equal_no_case(name.substr(name.size() - extension.size()), extension))
+                by_extension[i].push_back(folder + file.cFileName);
+        }
     } while (FindNextFileW(search.get(), &file));
-    return false;
+    std::vector<std::wstring> files = std::move(by_extension[0]);
+    for (size_t i = 1; i < kExtensions.size(); ++i)
+        std::ranges::move(by_extension[i], std::back_inserter(files));
+    return files;
 }
 
 std::wstring name_of_file(const std::wstring& path) {
@@ -85,13 +87,11 @@ std::wstring old_folder(int version) {
 }
 
 void copy_settings(const std::wstring& from, const std::wstring& to) {
-    for (const std::wstring_view extension : kExtensions)
-        any_file(from, extension, [&](const std::wstring& path) {
-            const std::wstring target = to + std::wstring(qk::file_part(path));
-            if (CopyFileW(path.c_str(), target.c_str(), TRUE))
-                TRACE_F(L"imported %s", target.c_str());
-            return false;
-        });
+    for (const std::wstring& path : setting_files(from)) {
+        const std::wstring target = to + std::wstring(qk::file_part(path));
+        if (CopyFileW(path.c_str(), target.c_str(), TRUE))
+            TRACE_F(L"imported %s", target.c_str());
+    }
 }
 
 }  // namespace
@@ -120,20 +120,15 @@ std::vector<SettingEntry> ListUpPSFiles() {
     ImportOldCustomSettings();
     std::vector<SettingEntry> entries;
     for (const Folder& folder : listed_folders())
-        for (const std::wstring_view extension : kExtensions)
-            any_file(folder.path, extension, [&](const std::wstring& path) {
-                entries.push_back(entry_of(folder.kind, path));
-                return false;
-            });
+        for (const std::wstring& path : setting_files(folder.path))
+            entries.push_back(entry_of(folder.kind, path));
     return entries;
 }
 
 bool is_name_taken(const std::wstring& name, const std::wstring& ignored) {
     for (const Folder& folder : listed_folders())
-        for (const std::wstring_view extension : kExtensions)
-            if (any_file(folder.path, extension, [&](const std::wstring& path) {
-                    return !qk::equal_no_case(path, ignored) && entry_of(folder.kind, path).name == name;
-                }))
+        for (const std::wstring& path : setting_files(folder.path))
+            if (!qk::equal_no_case(path, ignored) && entry_of(folder.kind, path).name == name)
                 return true;
     return false;
 }

@@ -54,6 +54,9 @@ void select_row(HWND list, int row) {
 void update_delete_button(HWND page) {
     const HWND owner = GetDlgItem(page, IDC_SETTINGS_DELETE) ? page : GetParent(page);
     const bool editable = IsCurrentItemEditable(page);
+    // A greyed button would keep the focus, and the keys with it.
+    if (!editable && GetFocus() == GetDlgItem(owner, IDC_SETTINGS_DELETE))
+        SendMessageW(owner, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(find_list(page)), TRUE);
     enable(owner, IDC_SETTINGS_DELETE, editable);
     const PageIcons& icons = dialog_state().icons;
     SendDlgItemMessageW(owner, IDC_SETTINGS_DELETE, BM_SETIMAGE, IMAGE_ICON,

@@ -1,0 +1,182 @@
+#include "bench/dialog.h"
+
+#include <windows.h>
+
+#include <picojson.h>
+#include <prsht.h>
+
+#include <array>
+#include <vector>
+
+#include "UI_dll/PDFSettings/dialog_state.h"
+#include "UI_dll/PDFSettings/edit_sheet.h"
+#include "UI_dll/PDFSettings/setting_list.h"
+#include "UI_dll/plotui.h"
+#include "bench/measure.h"
+#include "common/text.h"
+#include "print_settings/PrintSettings.h"
+#include "print_settings/setting_file.h"
+#include "tests/support/handle_count.h"
+#include "tests/support/registry_override.h"
+#include "tests/support/temp_folder.h"
+#include "tests/support/user_registry.h"
+
+namespace bench {
+
+namespace {
+
+using namespace pdf_settings;
+
+// A user's folder of so many settings, and nothing else that is listed.
+class SettingFolder {
+public:
+    explicit SettingFolder(int count) {
+        machine_.set_text(L"SOFTWARE\\Corvanta\\Vantrix\\8.0", L"PdfDllPath", folder_.path() + L"\\none\\");
+        user_.set_text(L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Debug", L"AppDataPath", folder_.path() + L"\\");
+        Setting setting;
+        for (int i = 0; i < count; ++i) {
+            setting->PSName = qk::format(L"Setting %d", i);
+            paths_.push_back(folder_.file(qk::format(L"setting %d.ps4", i)));
+            good_ &= setting.Save(paths_.back());
+        }
+    }
+
+    [[nodiscard]] bool good() const { return good_; }
+    [[nodiscard]] const std::vector<std::wstring>& paths() const { return paths_; }
+
+private:
+    TempFolder folder_;
+    MachineRegistry machine_;
+    UserRegistry user_;
+    std::vector<std::wstring> paths_;
+    bool good_ = true;
+};
+
+// What listing cannot do without: each file read whole, and its JSON looked through once.
+void read_and_parse(const SettingFolder& folder) {
+    constexpr size_t kByteOrderMark = 3;
+    for (const std::wstring& path : folder.paths()) {
+        std::string bytes;
+        if (Corvanta::Vantrix::PrintSettings::setting_file::read(path, bytes) != 0)
+            continue;
+        picojson::value document;
+        picojson::parse(document, bytes.substr(kByteOrderMark));
+    }
+}
+
+bool time_list() {
+    bool good = true;
+    std::array<double, 3> per_file = {};
+    size_t column = 0;
+    for (const int count : {10, 100, 1000}) {
+        const SettingFolder folder(count);
+        const auto files = static_cast<size_t>(count);
+        good &= folder.good() && ListUpPSFiles().size() == files;
+        const int runs = count < 1000 ? 15 : 5;
+        const Pair list = compare(
+            runs, 1, [] { (void)ListUpPSFiles(); }, [&] { read_and_parse(folder); });
+        per_file[column++] = list.cost / count;
+        good &= report(qk::to_utf8(qk::format(L"list of %d settings", count)).c_str(),
+                       "reading and parsing the files once", list, 1.3);
+        const Pair query = compare(
+            runs, 1, [] { (void)is_name_taken(L"no such name", {}); }, [&] { read_and_parse(folder); });
+        good &= report(qk::to_utf8(qk::format(L"name query over %d settings", count)).c_str(),
+                       "reading and parsing the files once", query, 1.3);
+    }
+    const double growth = per_file[2] / per_file[0];
+    std::printf("%-44s %12.3f us per file at 1,000, x%.2f of that at 10 %s\n", "the list's growth",
+                per_file[2], growth, growth < 1.5 ? "ok" : "NOT LINEAR");
+    return good && growth < 1.5;
+}
+
+// --- The edit sheet ---
+
+double shown_after = 0;  // microseconds from the call to the sheet with all its pages
+double called_at = 0;
+
+int ticks = 0;
+
+BOOL CALLBACK cancel_sheet(HWND window, LPARAM) {
+    if (SendMessageW(window, PSM_GETCURRENTPAGEHWND, 0, 0) || ticks > 500)
+        PostMessageW(window, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
+    return TRUE;
+}
+
+// Ends a sheet that stays without its pages, too: it is not measured then.
+void CALLBACK close_when_shown(HWND, UINT, UINT_PTR timer, DWORD) {
+    bool complete = true;
+    for (const HWND page : dialog_state().pages)
+        complete &= page != nullptr;
+    if (!complete && ++ticks <= 500)
+        return;
+    shown_after = complete ? now_microseconds() - called_at : 0;
+    KillTimer(nullptr, timer);
+    EnumThreadWindows(GetCurrentThreadId(), &cancel_sheet, 0);
+}
+
+double open_and_close() {
+    called_at = now_microseconds();
+    shown_after = 0;
+    ticks = 0;
+    SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &close_when_shown);
+    (void)DoPropertySheet(nullptr, true);
+    release_dialog_state();
+    return shown_after;
+}
+
+struct Objects {
+    unsigned handles;
+    uintptr_t gdi, user;  // the highest of the lowest free ones
+};
+
+// The counters of the system are not kept by every Windows layer; its tables hand out the lowest free entry.
+Objects count_objects() {
+    Objects objects = {handle_count(), 0, 0};
+    std::array<HPEN, 64> pens;
+    std::array<HMENU, 64> menus;
+    for (size_t i = 0; i < pens.size(); ++i) {
+        pens[i] = CreatePen(PS_SOLID, 1, 0);
+        menus[i] = CreateMenu();
+        objects.gdi = std::max<uintptr_t>(objects.gdi, LOWORD(reinterpret_cast<uintptr_t>(pens[i])));
+        objects.user = std::max<uintptr_t>(objects.user, LOWORD(reinterpret_cast<uintptr_t>(menus[i])));
+    }
+    for (size_t i = 0; i < pens.size(); ++i) {
+        DeleteObject(pens[i]);  // lint: owner
+        DestroyMenu(menus[i]);
+    }
+    return objects;
+}
+
+bool time_sheet() {
+    constexpr int kCycles = 100;
+    for (int i = 0; i < 3; ++i)
+        open_and_close();
+    const Objects before = count_objects();
+    double best = 0;
+    for (int i = 0; i < kCycles; ++i)
+        if (const double took = open_and_close(); best == 0 || (took > 0 && took < best))
+            best = took;
+    const Objects after = count_objects();
+    const bool good = best > 0 && after.handles <= before.handles && after.gdi <= before.gdi + 8 &&
+                      after.user <= before.user + 8;
+    std::printf("%-44s %12.3f us\n", "opening the edit sheet with its nine pages", best);
+    std::printf("%-44s handles %u -> %u, GDI %llu -> %llu, USER %llu -> %llu %s\n",
+                "100 times opened and closed", before.handles, after.handles, before.gdi, after.gdi,
+                before.user, after.user, good ? "ok" : "LEAKS");
+    return good;
+}
+
+}  // namespace
+
+bool time_dialog() {
+    if (!plotui::attach_process(GetModuleHandleW(nullptr))) {
+        std::printf("no language library: the dialog is not measured\n");
+        return false;
+    }
+    bool good = time_list();
+    good &= time_sheet();
+    plotui::detach_process(false);
+    return good;
+}
+
+}  // namespace bench
