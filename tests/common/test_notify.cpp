@@ -279,8 +279,10 @@ TEST(ColourProfile, DescriptionIsReadFromTheProfile) {
 // Whatever the bytes say, nothing outside them is read. The header's reader is the system's: it gets the
 // file.
 TEST(ColourProfile, TenThousandDamagedProfilesDoNoHarm) {
-    const std::string good[] = {profile({{"desc", kPlain}, {"cprt", "x"}}), profile({{"desc", kLocalized}}),
-                                ProfileFolder::profile("CMYK", "prtr", "Press")};
+    const std::string header = ProfileFolder::profile("CMYK", "prtr", "").substr(4, 124);
+    std::string good[] = {profile({{"desc", kPlain}, {"cprt", "x"}}), profile({{"desc", kLocalized}})};
+    for (std::string& bytes : good)
+        bytes.replace(0, 128, number(static_cast<uint32_t>(bytes.size())) + header);
     const TempFolder folder;
     const qk::DLL kept(LoadLibraryW(L"mscms.dll"));  // not loaded anew for each file
     std::mt19937 engine(7);
@@ -288,16 +290,15 @@ TEST(ColourProfile, TenThousandDamagedProfilesDoNoHarm) {
     size_t opened = 0;
     const ULONGLONG start = GetTickCount64();
     for (int round = 0; round < 10'000; ++round) {
-        const std::string bytes = damaged(good[round % 3], engine, std::endian::big);
+        const std::string bytes = damaged(good[round % 2], engine, std::endian::big);
         const auto text = description_of(bytes);
         EXPECT_LE(text.value_or(L"").size(), 260u);
         described += text.has_value();
-        if (round % 3 == 2)
-            opened += icc::read_profile(folder.write(L"p.icc", bytes)).has_value();
+        opened += icc::read_profile(folder.write(L"p.icc", bytes)).has_value();
     }
     const ULONGLONG spent = GetTickCount64() - start;
     std::printf("10000 damaged profiles: %llu ms, %zu described, %zu opened\n", spent, described, opened);
-    EXPECT_LT(spent, 60'000u);
+    EXPECT_LT(spent, 120'000u);
     EXPECT_TRUE(described > 1000 && described < 9000 && opened > 500) << "the damage is neither none nor all";
 }
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "UI_dll/PDFSettings/dlg_item.h"
 #include "UI_dll/PDFSettings/exchange.h"
 #include "UI_dll/PDFSettings/page.h"
 #include "UI_dll/PDFSettings/page_general_rules.h"
@@ -25,6 +26,7 @@ constexpr wchar_t kFormNameKey[] = L"PaperName";
 
 struct GeneralHelper final : PageHelper {
     std::vector<FormRecord> forms;  // in list order; the items of the paper list point at them
+    std::shared_ptr<DlgRadioGroup> paper_type;
 };
 
 constexpr std::tuple kControls = {
@@ -104,6 +106,16 @@ void dlg_init_General_PaperCombo(HWND page) {
     SendDlgItemMessageW(page, IDC_PAPER_LIST, WM_SETREDRAW, TRUE, 0);
 }
 
+void show_paper_type(HWND page, bool custom) {
+    auto& group = page_helper<GeneralHelper>(kGeneralPage).paper_type;
+    group = std::make_shared<DlgRadioGroup>();
+    for (const int control : {IDC_PAPER_FORM, IDC_PAPER_CUSTOM}) {
+        const auto button = std::make_shared<DlgRadioButton>(page, control);
+        button->set_checked((control == IDC_PAPER_CUSTOM) == custom);
+        group->add(button);
+    }
+}
+
 void dlg_init_General(HWND page) {
     TRACE("dlg_init_General");
     const Setting& setting = edited_setting();
@@ -118,8 +130,7 @@ void dlg_init_General(HWND page) {
     show_resolution(page, general.PaperResolution);
     dlg_init_General_PaperCombo(page);
     show_text(page, IDC_SCALE, std::to_wstring(general.Scale), kScaleUnits);
-    check(page, IDC_PAPER_FORM, !general.PaperType);
-    check(page, IDC_PAPER_CUSTOM, general.PaperType);
+    show_paper_type(page, general.PaperType);
     enable_paper(page, general.PaperType);
     show(page, IDC_UNUSED, false);
     check(page, IDC_UNUSED, false);
@@ -171,7 +182,8 @@ void command(HWND page, int control, int notification) {
             break;
         case IDC_PAPER_FORM:
         case IDC_PAPER_CUSTOM:
-            if (notification == BN_CLICKED)
+            if (notification == BN_CLICKED &&
+                page_helper<GeneralHelper>(kGeneralPage).paper_type->command(control))
                 enable_paper(page, control == IDC_PAPER_CUSTOM);
             break;
         case IDC_SAVE_STYLE:

@@ -1,0 +1,234 @@
+// Every example of docs/for-administrators.md does what its section says.
+#include "UI_dll/cpsui.h"
+#include "common/ErrorNotify.h"
+#include "common/override_ini.h"
+#include "common/resource_dll.h"
+#include "common/rwPDFSet_functions.h"
+#include "common/teskel_custom_2021.h"
+#include "companions/host/setting_check.h"
+#include "job/job_fixture.h"
+#include "lib/devmode.h"
+#include "print_settings/PSAdmin.h"
+
+namespace {
+
+using Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin;
+
+struct Example {
+    std::string section, kind, file, text;
+};
+
+std::vector<Example> examples_of(const std::string& document) {
+    std::vector<Example> examples;
+    std::string section;
+    Example* open = nullptr;
+    for (size_t at = 0, end; at < document.size(); at = end + 1) {
+        end = std::min(document.find('\n', at), document.size());
+        const std::string line = document.substr(at, end - at);
+        if (line.starts_with("```")) {
+            const size_t blank = std::min(line.find(' '), line.size());
+            open = open ? nullptr : &examples.emplace_back(section, line.substr(3, blank - 3));
+            if (open && blank < line.size())
+                open->file = line.substr(blank + 1);
+        } else if (open) {
+            open->text += line + "\r\n";
+        } else if (line.starts_with("### ")) {
+            section = line.substr(4);
+        }
+    }
+    return examples;
+}
+
+std::string replaced(std::string text, std::string_view from, std::string_view to) {
+    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+    return text;
+}
+
+// Enters the lines of a registration file below the test's own hives.
+void enter(const std::string& lines) {
+    HKEY hive = nullptr;
+    std::wstring key;
+    for (size_t at = 0; at < lines.size(); at = lines.find("\r\n", at) + 2) {
+        const std::string line = lines.substr(at, lines.find("\r\n", at) - at);
+        const size_t equals = line.find("\"=");
+        if (line.starts_with("[")) {
+            const size_t slash = line.find('\\');
+            hive = line.starts_with("[HKEY_LOCAL_MACHINE\\") ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+            key = qk::to_wide(line.substr(slash + 1, line.size() - slash - 2));
+        } else if (equals != std::string::npos) {
+            const std::wstring name = qk::to_wide(line.substr(1, equals - 1));
+            const std::string given = line.substr(equals + 2);
+            if (given.starts_with("dword:")) {
+                const auto number = static_cast<DWORD>(std::stoul(given.substr(6), nullptr, 16));
+                UserRegistry::set_below(hive, key, name, REG_DWORD, &number, sizeof number);
+            } else {
+                const std::wstring text =
+                    qk::to_wide(replaced(given.substr(1, given.size() - 2), "\\\\", "\\"));
+                UserRegistry::set_below(hive, key, name, REG_SZ, text.c_str(), text.size() * 2 + 2);
+            }
+        }
+    }
+}
+
+class AdministratorExamples : public JobTest {
+protected:
+    AdministratorExamples() {
+        for (const wchar_t* name : {L"Shared", L"PrintLogs", L"Tools", L"Incoming"})
+            ForceDirectories(drive_ + name);
+        use_settings([](Settings& settings) { settings.summary()->Title = L"the user's"; });
+        meddle = [this](dialog_library::WorkingRecord& record) {
+            job_general = *static_cast<const Settings*>(record.settings)->general();
+        };
+    }
+
+    // Puts an example where it belongs; its drive D: is a folder of the test's.
+    void apply(const Example& example) const {
+        const std::string drive = qk::to_utf8(drive_);
+        const bool escaped = example.kind != "ini";
+        const std::string text = escaped ? replaced(example.text, "D:\\\\", replaced(drive, "\\", "\\\\"))
+                                         : replaced(example.text, "D:\\", drive);
+        if (example.kind == "reg")
+            return enter(text);
+        if (example.kind == "json") {
+            const std::wstring file = here.folder.write(qk::to_wide(example.file), "\xEF\xBB\xBF" + text);
+            EXPECT_EQ(host::check_setting(file).faults, std::vector<std::wstring>());
+        } else if (example.file == "DunmereVantrix.ini") {
+            here.folder.write(L"Dunmere\\Vantrix2\\DunmereVantrix.ini", text);
+        } else {
+            ForceDirectories(here.folder.file(L"Roaming\\Corvanta\\Vantrix\\8.0"));
+            here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\" + qk::to_wide(example.file), text);
+        }
+    }
+
+    [[nodiscard]] PrintSettingsAdmin loaded() const {
+        PrintSettingsAdmin settings;
+        EXPECT_TRUE(settings.Load(here.folder.file(L"job.ps4")));
+        EXPECT_EQ(settings.summary()->Title, L"the user's");
+        return settings;
+    }
+
+    const std::wstring drive_ = here.folder.file(L"D\\");
+    Corvanta::Vantrix::PrintSettings::General_impl job_general;
+};
+
+}  // namespace
+
+TEST_F(AdministratorExamples, DoWhatTheDocumentSays) {
+    const auto is_wide = [](short wanted) {
+        DriverDevmode caller = default_devmode(), got;
+        EXPECT_EQ(MergeDevmode(FakePrinter::handle(), &caller.dm, got), 0u);
+        return got.dm.dmOrientation == wanted;
+    };
+    const auto set_user = [&](const wchar_t* value, const wchar_t* text) {
+        here.user.set_text(Installation::kKey, value, text);
+    };
+    const std::vector<std::pair<std::string_view, std::function<void()>>> sections = {
+        {"The installation folder",
+         [&] {
+             EXPECT_EQ(qk::install_folder(), L"C:\\Program Files\\Corvanta\\Vantrix\\");
+             here.machine.set_text(Installation::kKey, L"PdfDllPath", here.folder.path() + L"\\");
+         }},
+        {"A folder of one's own for a user's settings",
+         [&] { EXPECT_EQ(GetAppDataPath(true), drive_ + L"PrintSettings\\"); }},
+        {"A setting for everybody",
+         [&] {
+             const std::wstring file = here.folder.file(L"CustomSettings\\office.ps4");
+             here.folder.write(L"D\\PrintSettings\\office.ps4", "\xEF\xBB\xBF{}");
+             EXPECT_EQ(ResolveSettingFilePath(L"office"), file) << "before the user's";
+             Settings settings;
+             EXPECT_TRUE(settings.Load(file));
+             EXPECT_EQ(settings->PSName, L"Office, grey");
+             EXPECT_EQ(settings.color()->ColorMode, 1u);
+         }},
+        {"The setting of a printer",
+         [&] {
+             here.folder.write(L"Settings\\standard.ps4", "\xEF\xBB\xBF{}");
+             EXPECT_EQ(GetSettingFileName(L"Corvanta Vantrix 8.0"), L"office.ps4");
+             EXPECT_EQ(GetSettingFileName(L"Another"), L"standard.ps4");
+             DeleteFileW(here.folder.file(L"CustomSettings\\office.ps4").c_str());
+             DeleteFileW((drive_ + L"PrintSettings\\office.ps4").c_str());
+             EXPECT_EQ(GetSettingFileName(L"Corvanta Vantrix 8.0"), L"standard.ps4");
+         }},
+        {"The language",
+         [&] {
+             set_user(L"Language", L"");
+             EXPECT_EQ(qk::language_code(), L"ja");
+             set_user(L"Language", L"kr");
+             EXPECT_EQ(qk::language_code(), L"kr");
+         }},
+        {"Only the settings page",
+         [&] {
+             here.set_number(HKEY_CURRENT_USER, L"\\Special", L"HideSettingTab", 0);
+             EXPECT_TRUE(cpsui::only_settings_page());
+             here.set_number(HKEY_LOCAL_MACHINE, L"\\Special", L"HideSettingTab", 0);
+             EXPECT_FALSE(cpsui::only_settings_page());
+         }},
+        {"The common documents folder",
+         [&] {
+             EXPECT_EQ(qk::OverrideIni().path(), drive_ + L"Shared\\Dunmere\\Vantrix2\\DunmereVantrix.ini");
+             here.machine.set_text(L"SOFTWARE\\Dunmere\\Common\\SpecialFolder", L"CSIDL_COMMON_DOCUMENTS",
+                                   here.folder.path());
+         }},
+        {"Forcing values",
+         [&] {
+             const auto settings = loaded();
+             EXPECT_EQ(settings.watermark()->Style, 1u);
+             EXPECT_EQ(settings.watermark()->Text, L"INTERNAL");
+         }},
+        {"Folder and name of every PDF",
+         [&] {
+             EXPECT_EQ(loaded().restriction().PDFFileName, L"scan.pdf");
+             here.write_ini("PDFFileName=Q:\\other\\x.pdf");
+             EXPECT_EQ(start_job(L"x"), kGood);
+             EXPECT_EQ(job_general.OutputFolder, drive_ + L"Outgoing");
+             EXPECT_EQ(job_general.SaveStyle, 1);
+             end_job();
+         }},
+        {"No other pages", [&] { EXPECT_TRUE(cpsui::only_settings_page()); }},
+        {"Steering jobs",
+         [&] {
+             DeleteFileW(here.folder.file(L"administrator.ps4a").c_str());
+             EXPECT_EQ(start_job(L"x"), kGood);
+             EXPECT_EQ(job_general.OutputFolder, drive_ + L"Incoming\\");
+             Outbox::posted.clear();
+             end_job();
+             ASSERT_FALSE(Outbox::posted.empty());
+             EXPECT_EQ(Outbox::posted.back().wparam, 12u);
+             EXPECT_TRUE(is_wide(DMORIENT_LANDSCAPE));
+         }},
+        {"Event log and log file, no box",
+         [&] {
+             Outbox::boxes.clear();
+             EXPECT_EQ(ZRTK_ErrorNotify(L"", L"C:\\x.pdf", 1, 0, L"failed", L""), 0);
+             EXPECT_TRUE(Outbox::boxes.empty());
+             EXPECT_EQ(Outbox::events, std::vector<std::wstring>{L"failed"});
+             const std::string log = TempFolder::read(drive_ + L"PrintLogs\\Error_7.log");
+             const std::wstring start = L"[7]\r\nPDFFileName=C:\\x.pdf\r\nTime=";
+             EXPECT_TRUE(log.starts_with(
+                 std::string(reinterpret_cast<const char*>(start.data()), start.size() * sizeof(wchar_t))));
+             here.write_ini("Orient=1", "3.1");
+             EXPECT_TRUE(is_wide(DMORIENT_PORTRAIT)) << "a version that does not count";
+         }},
+        {"A program after each document",
+         [&] {
+             const pd_tk::TeskelCustom2021 calls(L"x", L"");
+             EXPECT_TRUE(calls.IsActive());
+             EXPECT_FALSE(calls.HasAnyExe());
+             here.folder.write(L"D\\Tools\\archive.exe", "");
+             EXPECT_TRUE(calls.HasExe(pd_tk::TeskelCustom2021::kDocEnd) && calls.HasAnyExe());
+             script->expects_start_folder = true;
+             EXPECT_EQ(start_job(L"x"), kGood);
+             end_job();
+         }},
+    };
+    const auto examples =
+        examples_of(TempFolder::read(Installation::built(L"..\\test_data\\for-administrators.md")));
+    ASSERT_EQ(examples.size(), sections.size()) << "an example that no line here tries, or none";
+    for (size_t i = 0; i < examples.size(); ++i) {
+        SCOPED_TRACE(examples[i].section);
+        ASSERT_EQ(examples[i].section, sections[i].first);
+        apply(examples[i]);
+        sections[i].second();
+    }
+}
