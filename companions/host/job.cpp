@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <optional>
 
+#include "UI_dll/ps_to_devmode.h"
 #include "common/module.h"
 #include "common/paths.h"
 #include "common/text.h"
@@ -67,6 +68,7 @@ public:
 
 private:
     void open_context();
+    void take_paper(DEVMODEW& mode);
     void lay_out(std::wstring_view text, const PagePrinter& page_printer);
     void start();
     void start_document(const DOCINFOW& document);
@@ -97,12 +99,21 @@ void JobRun::over(Outcome outcome, DWORD error, const std::wstring& fault) {
     throw JobOver{};
 }
 
+// What a user does who chooses the setting in the print dialog's properties and presses OK.
+void JobRun::take_paper(DEVMODEW& mode) {
+    SettingTurn turn;
+    turn.choose(setting_for_module(options_.setting));
+    SetPSToDEVMODE(printer_.get(), mode);
+}
+
 void JobRun::open_context() {
     events_.query_filter(qk::kProductName);
     std::vector<std::byte> bytes = default_mode(printer_.get());
     auto* mode = bytes.empty() ? nullptr : reinterpret_cast<DEVMODEW*>(bytes.data());
     if (!mode)
         report_.notes.push_back(L"the driver gave no document settings");
+    else if (!options_.setting.empty())
+        take_paper(*mode);
     if (events_.create_dc_pre(qk::kProductName, mode) == kFailure)
         over(Outcome::kRefused, events_.last_error(), L"the module refuses the device context");
     context_.reset(CreateDCW(L"winspool", qk::kProductName, nullptr, mode));

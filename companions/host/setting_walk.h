@@ -37,12 +37,15 @@ template <class Value>
         return given.is<picojson::array>();
 }
 
+// Tells of each value of a file what is wrong with it and, as if the file were an administrator's, that it is
+// forced.
 class SettingWalk {
 public:
     // With `administrator` the file is laid over a user's setting: what is missing or mistyped stays.
     SettingWalk(bool administrator, SettingFindings& findings)
         : administrator_(administrator), findings_(findings) {}
 
+    // The members of one object; `path` names it, empty for the whole setting.
     template <class Section>
     void section(const std::wstring& path, const picojson::object& from) {
         const Section defaults;
@@ -61,6 +64,7 @@ public:
         }
     }
 
+    // Adds "<path>: <what>", or `what` alone where the whole file is meant.
     void fault(const std::wstring& path, const std::wstring& what);
 
 private:

@@ -62,10 +62,16 @@ std::string postscript_text(std::wstring_view text) {
     return hex + '>';
 }
 
-std::string prologue(const DocumentInfo& info) {
+bool is_landscape(std::string_view head) noexcept {
+    head = head.substr(0, head.find("\n%%EndComments"));
+    return head.find("\n%%Orientation: Landscape") != std::string_view::npos;
+}
+
+std::string prologue(const DocumentInfo& info, bool landscape) {
     // In the user's dictionary, where the document's look-up of the name finds it before the operator.
     return "%!PS\nuserdict /showpage {\n  systemdict /showpage get exec\n  " + print_count(kPageMark) +
-           " flush\n} bind put\n" + information(info);
+           " flush\n} bind put\n" + (landscape ? "<</Orientation 3>> setpagedevice\n" : "") +
+           information(info);
 }
 
 std::string epilogue(const DocumentInfo& info) {

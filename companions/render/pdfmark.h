@@ -28,8 +28,11 @@ struct DocumentInfo {
 
 // The PostScript that runs before the spooled document and the one that runs after it. The engine takes the
 // title of the document's own comments over the first, so the second gives the information again.
-[[nodiscard]] std::string prologue(const DocumentInfo& info);
+[[nodiscard]] std::string prologue(const DocumentInfo& info, bool landscape = false);
 [[nodiscard]] std::string epilogue(const DocumentInfo& info);
+
+// Whether the comments at the head of a spooled document say that its pages lie on their side.
+[[nodiscard]] bool is_landscape(std::string_view head) noexcept;
 
 // The marks in the engine's output: a page that is done, and the count at the end, each before a number.
 inline constexpr std::string_view kPageMark = "zr:page ";

@@ -57,7 +57,8 @@ PrintSettingsAdmin load_settings(const Arguments& arguments) {
     return settings;
 }
 
-void check_spool(const std::wstring& path) {
+// Looks into the spooled document; true when its pages lie on their side.
+bool check_spool(const std::wstring& path) {
     const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                        FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     LARGE_INTEGER size = {};
@@ -65,6 +66,10 @@ void check_spool(const std::wstring& path) {
         throw Failure{ResultCode::kSpoolUnreadable, GetLastError(), path};
     if (size.QuadPart == 0)
         throw Failure{ResultCode::kNoPages, ERROR_INVALID_DATA, {}};
+    char head[4096];
+    DWORD read = 0;
+    ReadFile(file.get(), head, sizeof head, &read, nullptr);
+    return is_landscape({head, read});
 }
 
 // The file that the engine writes, beside the target so that it can take its place in one step.
@@ -120,7 +125,7 @@ public:
     }
 
     // The pages of the PDF that the engine has written.
-    unsigned make(const std::wstring& spool, const std::wstring& output) {
+    unsigned make(const std::wstring& spool, bool landscape, const std::wstring& output) {
         EngineFiles files;
         if (wants_password(settings_)) {
             const auto options = find_password_options(settings_);
@@ -128,7 +133,7 @@ public:
                 throw Failure{ResultCode::kPasswordUnusable, ERROR_INVALID_PASSWORD, {}};
             files.options = written(L"options.txt", *options);
         }
-        files.prologue = written(L"prologue.ps", prologue(info_));
+        files.prologue = written(L"prologue.ps", prologue(info_, landscape));
         files.epilogue = written(L"epilogue.ps", epilogue(info_));
         files.spool = engine_path(spool);
         files.output = engine_path(output);
@@ -195,9 +200,9 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
     const PrintSettingsAdmin settings = load_settings(arguments);
     for (const std::string& wish : unsupported_wishes(settings))
         warn("not done by this renderer: " + wish);
-    check_spool(arguments.spool);
+    const bool landscape = check_spool(arguments.spool);
     PendingPdf output(target);
-    rendered.pages = Run(settings, text_of(start.title)).make(arguments.spool, output.path());
+    rendered.pages = Run(settings, text_of(start.title)).make(arguments.spool, landscape, output.path());
     rendered.bytes = output.size();
     output.take_its_place();
     if (!arguments.keep_spool && !DeleteFileW(arguments.spool.c_str()))

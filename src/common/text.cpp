@@ -82,6 +82,23 @@ std::optional<double> find_number(std::wstring_view text) noexcept {
     return number;
 }
 
+// std::to_chars would do it, with a hundred kilobytes of tables.
+std::wstring fixed_text(double number, int decimals) {
+    constexpr double kMost = 1e9;
+    long long scale = 1;
+    for (int i = 0; i < decimals; ++i)
+        scale *= 10;
+    const long long scaled = std::llround(std::clamp(std::isfinite(number) ? number : 0, -kMost, kMost) *
+                                          static_cast<double>(scale));
+    const long long digits = std::abs(scaled);
+    std::wstring text = (scaled < 0 ? L"-" : L"") + std::to_wstring(digits / scale);
+    if (decimals > 0) {
+        const std::wstring behind = std::to_wstring(digits % scale);
+        text += L'.' + std::wstring(static_cast<size_t>(decimals) - behind.size(), L'0') + behind;
+    }
+    return text;
+}
+
 bool equal_no_case(std::wstring_view a, std::wstring_view b) noexcept {
     return a.size() == b.size() && CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(),
                                                         static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;

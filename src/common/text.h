@@ -30,6 +30,10 @@ void copy_zero_padded(wchar_t* buffer, size_t capacity, std::wstring_view text) 
 // when there is none or it is not finite.
 [[nodiscard]] std::optional<double> find_number(std::wstring_view text) noexcept;
 
+// A number with so many decimals (at most 6), rounded, with a point whatever the C locale. Of numbers beyond
+// a thousand million that one.
+[[nodiscard]] std::wstring fixed_text(double number, int decimals);
+
 // Equal without regard to case, as file and registry names are compared.
 [[nodiscard]] bool equal_no_case(std::wstring_view a, std::wstring_view b) noexcept;
 [[nodiscard]] bool starts_with_no_case(std::wstring_view text, std::wstring_view prefix) noexcept;

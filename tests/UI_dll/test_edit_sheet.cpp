@@ -121,9 +121,7 @@ TEST_F(Saving, NameOfAnotherSettingIsRefused) {
 }
 
 TEST_F(Saving, CheckButtonSavesNothing) {
-    show([] {
-        press_apply();
-    });
+    show([] { press_apply(); });
     ASSERT_EQ(Outbox::boxes.size(), 1u);
     EXPECT_TRUE(stayed_open());
     EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_OK | MB_ICONINFORMATION});

@@ -40,8 +40,8 @@ void move(HWND sheet, int button, int left, const RECT& place) noexcept {
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-// The sheet hides its Apply button and gives Cancel the place; ours checks the pages. It is shown again, twice as
-// wide, and the row of buttons moves left by what it then takes.
+// The sheet hides its Apply button and gives Cancel the place; ours checks the pages. It is shown again,
+// twice as wide, and the row of buttons moves left by what it then takes.
 void set_up_check_button(HWND sheet) {
     const HWND apply = GetDlgItem(sheet, kApplyButton);
     if (!apply)

@@ -1,8 +1,6 @@
 #include "UI_dll/PDFSettings/page_general_rules.h"
 
 #include <algorithm>
-#include <charconv>
-#include <iterator>
 #include <utility>
 
 #include "common/text.h"
@@ -23,10 +21,7 @@ std::optional<double> within(std::optional<double> number, double low, double hi
 }  // namespace
 
 std::wstring length_text(double millimetres) {
-    char digits[400];  // the largest double has 309 digits before the point
-    const auto end =
-        std::to_chars(std::begin(digits), std::end(digits), millimetres, std::chars_format::fixed, 2);
-    return std::wstring(std::begin(digits), end.ptr);
+    return qk::fixed_text(millimetres, 2);
 }
 
 std::optional<double> find_plain_number(std::wstring_view text) noexcept {

@@ -1,10 +1,9 @@
 #include "UI_dll/PDFSettings/page_pdf_version_rules.h"
 
 #include <algorithm>
-#include <charconv>
-#include <iterator>
 
 #include "common/icc_profile.h"
+#include "common/text.h"
 
 namespace pdf_settings {
 
@@ -16,27 +15,26 @@ bool is_profile_listed(uint32_t version, uint32_t colour_space, uint32_t device_
 }
 
 std::wstring margin_text(float millimetres) {
-    char digits[64];
-    const auto end =
-        std::to_chars(std::begin(digits), std::end(digits), millimetres, std::chars_format::fixed);
-    return std::wstring(std::begin(digits), end.ptr);
+    constexpr int kMostDecimals = 6;
+    std::wstring text;
+    for (int decimals = 0; decimals <= kMostDecimals; ++decimals) {
+        text = qk::fixed_text(millimetres, decimals);
+        if (static_cast<float>(qk::find_number(text).value_or(-1)) == millimetres)
+            break;
+    }
+    return text;
 }
 
-std::optional<float> find_margin(std::wstring_view text) noexcept {
+std::optional<float> find_margin(std::wstring_view text) {
     const size_t first = text.find_first_not_of(L' ');
     if (first == std::wstring_view::npos)
         return std::nullopt;
-    text = text.substr(first, text.find_last_not_of(L' ') - first + 1);
-    char digits[64];
-    if (text.size() > std::size(digits) || text.find_first_not_of(L"0123456789.,") != std::wstring_view::npos)
-        return std::nullopt;
-    std::ranges::transform(text, digits,
-                           [](wchar_t unit) { return unit == L',' ? '.' : static_cast<char>(unit); });
-    float margin = 0;
-    const auto [end, error] = std::from_chars(digits, digits + text.size(), margin, std::chars_format::fixed);
-    if (error != std::errc{} || end != digits + text.size() || margin > kMostMargin)
-        return std::nullopt;
-    return margin;
+    std::wstring digits(text.substr(first, text.find_last_not_of(L' ') - first + 1));
+    std::ranges::replace(digits, L',', L'.');
+    const bool plain = digits.find_first_not_of(L"0123456789.") == std::wstring::npos &&
+                       std::ranges::count(digits, L'.') <= 1;
+    const auto margin = plain ? qk::find_number(digits) : std::nullopt;
+    return margin && *margin <= kMostMargin ? std::optional(static_cast<float>(*margin)) : std::nullopt;
 }
 
 }  // namespace pdf_settings

@@ -32,6 +32,6 @@ inline constexpr float kMostMargin = 3276.7f;  // millimetres
 
 // A margin of at least 0; the decimal sign is a point or a comma. Nothing when the text is anything else or
 // the margin is above `kMostMargin`.
-[[nodiscard]] std::optional<float> find_margin(std::wstring_view text) noexcept;
+[[nodiscard]] std::optional<float> find_margin(std::wstring_view text);
 
 }  // namespace pdf_settings
