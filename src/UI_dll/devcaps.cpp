@@ -176,20 +176,6 @@ private:
     Buffer& buffer_;
 };
 
-// A printer handle for the call: the caller's, or the printer of that name where the caller has none.
-class CallPrinter {
-public:
-    CallPrinter(HANDLE printer, LPWSTR device) noexcept : printer_(printer) {
-        if (!printer && device && OpenPrinterW(device, opened_.put(), nullptr))
-            printer_ = opened_.get();
-    }
-    [[nodiscard]] HANDLE get() const noexcept { return printer_; }
-
-private:
-    qk::PrinterHandleObj opened_;
-    HANDLE printer_;
-};
-
 DWORD list_papers(HANDLE printer, WORD index, Buffer buffer) {
     TRACE("ZRTK_EnumForms");
     const auto forms = FormList::read(printer);

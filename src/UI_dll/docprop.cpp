@@ -6,7 +6,6 @@
 #include "UI_dll/ps_to_devmode.h"
 #include "UI_dll/ptrinfo.h"
 #include "common/driver_util.h"
-#include "common/handle.h"
 #include "common/memory_probe.h"
 #include "common/text.h"
 #include "common/threadprop.h"
@@ -28,14 +27,10 @@ bool writes_devmode(const DocumentPropertyHeader& header) noexcept {
     return (header.fMode & (DM_COPY | DM_UPDATE)) && !(header.fMode & kNoPermission) && header.pdmOut;
 }
 
-// Some print systems only name the printer; without a handle its papers would not be known.
 LONG write_merged(const DocumentPropertyHeader& header) {
-    HANDLE printer = header.hPrinter;
-    qk::PrinterHandleObj opened;
-    if (!printer && header.pszPrinterName && OpenPrinterW(header.pszPrinterName, opened.put(), nullptr))
-        printer = opened.get();
+    const CallPrinter printer(header.hPrinter, header.pszPrinterName);
     std::unique_ptr<PrinterInformation> information;
-    if (!MapPrinter(information, printer, header.pdmIn, true))
+    if (!MapPrinter(information, printer.get(), header.pdmIn, true))
         return fail(ERROR_INVALID_DATA);
     if (!ConvertDevmodeOut(&information->devmode.dm, header.pdmIn, header.pdmOut))
         return fail(ERROR_INVALID_PARAMETER);

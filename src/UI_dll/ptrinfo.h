@@ -10,6 +10,7 @@
 #include <string>
 
 #include "UI_dll/optitem.h"
+#include "common/handle.h"
 #include "lib/devmode.h"
 
 struct PrinterInformation {
@@ -38,3 +39,18 @@ struct PrinterInformation {
 // be null) merged. Null, with `information` empty, when there is no memory for it.
 PrinterInformation* MapPrinter(std::unique_ptr<PrinterInformation>& information, HANDLE printer,
                                const DEVMODEW* caller_devmode, bool document_properties);
+
+// A printer handle for one call: the caller's, or the printer of that name where the caller has none: some
+// print systems only name it.
+class CallPrinter {
+public:
+    CallPrinter(HANDLE printer, LPWSTR device) noexcept : printer_(printer) {
+        if (!printer && device && OpenPrinterW(device, opened_.put(), nullptr))
+            printer_ = opened_.get();
+    }
+    [[nodiscard]] HANDLE get() const noexcept { return printer_; }
+
+private:
+    qk::PrinterHandleObj opened_;
+    HANDLE printer_;
+};

@@ -30,8 +30,11 @@ InfoHelper& helper() {
     return page_helper<InfoHelper>(kInfoPage);
 }
 
+// The name as it stands on the General page, applied or not.
 void show_name(HWND page) {
-    SetDlgItemTextW(page, IDC_NAME, edited_setting()->PSName.c_str());
+    const HWND general = dialog_state().pages[kGeneralPage];
+    const std::wstring name = general ? control_text(general, IDC_NAME) : edited_setting()->PSName;
+    SetDlgItemTextW(page, IDC_NAME, name.c_str());
 }
 
 void dlg_init_Info(HWND page) {
