@@ -156,6 +156,34 @@ TEST(RealSpooler, HandlesThatAreNoPrintersGetTheDefaults) {
     }
 }
 
+// A handle decides, not the name beside it, and a printer of another driver is read like one of ours.
+TEST(RealSpooler, HandleOfAnotherPrinterIsReadWithinTheBuffers) {
+    const InstalledPrinter ours;
+    wchar_t name[] = L"Another printer", port[] = L"FILE:", ps[] = L"winprint", type[] = L"RAW";
+    PRINTER_INFO_2W other = {};
+    other.pPrinterName = name;
+    other.pPortName = port;
+    std::wstring our_driver(qk::kProductName);
+    other.pDriverName = our_driver.data();
+    other.pPrintProcessor = ps;
+    other.pDatatype = type;
+    qk::PrinterHandleObj handle(AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&other)));
+    ASSERT_TRUE(handle) << GetLastError();
+    std::wstring our_name = ours.name;
+    const DriverDevmode expected = default_devmode();
+    const GuardedBuffer output(sizeof expected);
+    EXPECT_EQ(DrvDocumentProperties(nullptr, handle.get(), our_name.data(), output.as<DEVMODEW>(), nullptr,
+                                    DM_COPY),
+              1);
+    EXPECT_STREQ(output.as<DEVMODEW>()->dmDeviceName, expected.dm.dmDeviceName);
+    const DWORD papers = DrvDeviceCapabilities(handle.get(), our_name.data(), DC_PAPERS, nullptr, nullptr);
+    ASSERT_LT(papers, 10000u);
+    const GuardedBuffer numbers(papers * sizeof(WORD));
+    EXPECT_EQ(DrvDeviceCapabilities(handle.get(), our_name.data(), DC_PAPERS, numbers.as<void>(), nullptr),
+              papers);
+    EXPECT_TRUE(DeletePrinter(handle.get()));
+}
+
 TEST(RealSpooler, DocumentPropertiesAnswersInEveryMode) {
     constexpr DWORD kAskedOfTheSystem = DM_UPDATE | DM_COPY | DM_MODIFY;
     InstalledPrinter printer;
