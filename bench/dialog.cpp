@@ -72,7 +72,7 @@ bool time_list() {
         const SettingFolder folder(count);
         const auto files = static_cast<size_t>(count);
         good &= folder.good() && ListUpPSFiles().size() == files;
-        const int runs = count < 1000 ? 15 : 5;
+        const int runs = 5 + 500 / count;
         const Pair list = compare(
             runs, 1, [] { (void)ListUpPSFiles(); }, [&] { read_and_parse(folder); });
         per_file[column++] = list.cost / count;

@@ -1,4 +1,4 @@
-// What callers reach through pfnComPropSheet, and the whole sheet as one call.
+// What callers reach through pfnComPropSheet.
 #pragma once
 
 #include "companions/compstui/interface.h"

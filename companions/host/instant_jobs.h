@@ -24,7 +24,7 @@ struct InstantReport {
 
 [[nodiscard]] bool succeeded(const InstantReport& report) noexcept;
 
-// "400 right records of 400; …", then the wrong ones, a line each.
+// The wrong ones, a line each, then "400 right records of 400; …".
 [[nodiscard]] std::vector<std::wstring> report_lines(const InstantReport& report);
 [[nodiscard]] std::string report_json(const InstantReport& report);
 

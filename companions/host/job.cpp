@@ -10,7 +10,7 @@
 #include "common/paths.h"
 #include "common/text.h"
 #include "companions/host/console.h"
-#include "companions/host/gdi_owners.h"
+#include "common/gdi_handle.h"
 #include "companions/host/host_error.h"
 #include "companions/host/install.h"
 #include "companions/host/page_printer.h"
@@ -87,7 +87,7 @@ private:
     qk::PrinterHandleObj printer_;
     EventPlayer events_;
     std::wstring spool_;
-    DeviceContext context_;
+    qk::DeviceContext context_;
     std::optional<SpoolTurn> spool_turn_;
     std::vector<Page> pages_;
 };

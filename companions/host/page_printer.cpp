@@ -31,7 +31,7 @@ bool has_face(HDC context, const wchar_t* face) noexcept {
     return found;
 }
 
-Font create_font(HDC context) noexcept {
+qk::Font create_font(HDC context) noexcept {
     const auto face = std::ranges::find_if(kFaces, [context](auto* name) { return has_face(context, name); });
     LOGFONTW font = {};
     font.lfHeight = -MulDiv(kFontPoints, GetDeviceCaps(context, LOGPIXELSY), kPointsPerInch);
@@ -40,7 +40,7 @@ Font create_font(HDC context) noexcept {
     font.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
     if (face != std::end(kFaces))
         lstrcpynW(font.lfFaceName, *face, LF_FACESIZE);
-    return Font(CreateFontIndirectW(&font));
+    return qk::Font(CreateFontIndirectW(&font));
 }
 
 // The part of the printable area that keeps the borders from the paper's edges.

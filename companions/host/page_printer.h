@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "companions/host/gdi_owners.h"
+#include "common/gdi_handle.h"
 #include "companions/host/page_layout.h"
 
 namespace host {
@@ -31,7 +31,7 @@ private:
     [[nodiscard]] size_t fitting_units(std::wstring_view line) const;
 
     HDC context_;
-    Font font_;
+    qk::Font font_;
     HGDIOBJ replaced_font_ = nullptr;
     RECT area_ = {};  // of the text, device units
     int line_height_ = 1;

@@ -137,13 +137,32 @@ public:
         files.epilogue = written(L"epilogue.ps", epilogue(info_));
         files.spool = engine_path(spool);
         files.output = engine_path(output);
-        const auto end = engine_.run(engine_arguments(settings_, files), scratch_.path(),
-                                     [this](std::string_view bytes) { follow(bytes); });
-        check(end);
+        check(run(files));
         return log_.pages();
     }
 
 private:
+    // Some versions of the engine crash over some documents when they linearize them.
+    Engine::End run(const EngineFiles& files) {
+        constexpr ULONGLONG kSoon = 60'000;  // milliseconds; later it has run out of time, and would again
+        const ULONGLONG start = GetTickCount64();
+        const Engine::End end = run_once(settings_, files);
+        if (end != Engine::End::kStopped || !settings_.general()->Linearize ||
+            GetTickCount64() - start > kSoon)
+            return end;
+        warn("Ghostscript stopped while it linearized the PDF; it is made once more without");
+        PrintSettings plain = settings_;
+        plain.general()->Linearize = false;
+        log_ = {};
+        told_ = 0;
+        return run_once(plain, files);
+    }
+
+    Engine::End run_once(const PrintSettings& settings, const EngineFiles& files) {
+        return engine_.run(engine_arguments(settings, files), scratch_.path(),
+                           [this](std::string_view bytes) { follow(bytes); });
+    }
+
     std::string written(const wchar_t* name, const std::string& text) {
         const std::wstring path = scratch_.write(name, text);
         if (path.empty())

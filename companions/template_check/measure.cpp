@@ -12,14 +12,14 @@ constexpr std::wstring_view kLetters = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklm
 // A line does not start with these.
 constexpr std::wstring_view kNeverFirst = L"、。，．・：；？！ー）］｝」』】〉》〕”’,.:;?!)]}%";
 
-host::Font make_font(const FontOfTemplate& font, int dpi) {
+qk::Font make_font(const FontOfTemplate& font, int dpi) {
     LOGFONTW wanted{};
     wanted.lfHeight = -MulDiv(font.points, dpi, 72);
     wanted.lfWeight = font.weight;
     wanted.lfItalic = font.italic;
     wanted.lfCharSet = DEFAULT_CHARSET;
     font.face.copy(wanted.lfFaceName, LF_FACESIZE - 1);
-    return host::Font(CreateFontIndirectW(&wanted));
+    return qk::Font(CreateFontIndirectW(&wanted));
 }
 
 // GetTextFace would tell the name that was asked for, although another font stands in for it.

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "companions/host/gdi_owners.h"
+#include "common/gdi_handle.h"
 #include "companions/template_check/dialog_template.h"
 
 namespace template_check {
@@ -39,8 +39,8 @@ private:
     [[nodiscard]] size_t line_length(const std::wstring& text, size_t start, int width) const;
 
     int dpi_;
-    host::Font font_;
-    host::DeviceContext context_;
+    qk::Font font_;
+    qk::DeviceContext context_;
     std::wstring face_;
     int base_width_ = 0;
     int base_height_ = 0;

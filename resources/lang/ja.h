@@ -221,7 +221,7 @@
 #define TEXT_GENERAL_OVERWRITE "上書きする(&I)"
 #define TEXT_GENERAL_ASK "処理方法を確認する(&A)"
 #define TEXT_GENERAL_NUMBER "名前に番号を付ける(&M)"
-#define TEXT_GENERAL_REFUSE "既存を残し、作成しない(&K)"
+#define TEXT_GENERAL_REFUSE "既存の PDF を残し、作成しない(&K)"
 #define TEXT_GENERAL_PLACE "PDF の保存場所"
 #define TEXT_GENERAL_SAVE_STYLE "保存方法(&S):"
 #define TEXT_GENERAL_SAVE_STYLE_ASK "保存場所を毎回確認する"
@@ -236,11 +236,11 @@
 #define TEXT_GENERAL_LANDSCAPE "横(&L)"
 #define TEXT_GENERAL_WIDTH "幅(&W):"
 #define TEXT_GENERAL_HEIGHT "高さ(&H):"
-#define TEXT_GENERAL_PAPER_RANGE "(25.4～3276.7)"
+#define TEXT_GENERAL_PAPER_RANGE "(25.4 - 3276.7)"
 #define TEXT_GENERAL_RESOLUTION "解像度(&E):"
 #define TEXT_GENERAL_DPI "dpi"
 #define TEXT_GENERAL_SCALE "倍率(&G):"
-#define TEXT_GENERAL_SCALE_RANGE "% (10～400)"
+#define TEXT_GENERAL_SCALE_RANGE "% (10 - 400)"
 #define TEXT_GENERAL_NO_NAME "印刷設定に名前がありません。名前を入力してください。"
 #define TEXT_GENERAL_BAD_PAPER_SIZE \
     "この用紙サイズは使用できないため、前の値に戻しました。25.4～3276.7 mm の数値を入力してください (小数点は" \
@@ -311,7 +311,7 @@
 #define TEXT_COLOR_MONO_METHOD_1 "ディザー (誤差拡散)"
 #define TEXT_COLOR_IMAGE_THRESHOLD "画像のしきい値(&I):"
 #define TEXT_COLOR_TEXT_THRESHOLD "テキストと線のしきい値(&X):"
-#define TEXT_COLOR_THRESHOLD_RANGE "(0～255)"
+#define TEXT_COLOR_THRESHOLD_RANGE "(0 - 255)"
 #define TEXT_COLOR_MONO_FILTER "画像フィルター(&F):"
 #define TEXT_COLOR_MONO_FILTER_0 "なし"
 #define TEXT_COLOR_MONO_FILTER_1 "平滑化"
@@ -345,7 +345,7 @@
 #define TEXT_CMP_MONO_SAMPLING "ダウンサンプル(&L):"
 #define TEXT_CMP_MONO_THRESHOLD "次を超える画像(&G):"
 #define TEXT_CMP_MONO_TARGET "変換後の解像度(&O):"
-#define TEXT_CMP_QUALITY_RANGE "0～100"
+#define TEXT_CMP_QUALITY_RANGE "0 - 100"
 #define TEXT_CMP_DPI "dpi"
 #define TEXT_CMP_METHOD_0 "自動"
 #define TEXT_CMP_METHOD_1 "JPEG"
@@ -391,7 +391,7 @@
 #define TEXT_FONT_PREVIEW "表示用"
 #define TEXT_FONT_RESTRICTED "禁止"
 #define TEXT_FONT_UNKNOWN "不明"
-#define TEXT_FONT_ABSENT "未インストール"
+#define TEXT_FONT_ABSENT "未導入"
 #define TEXT_FONT_COLUMN_NAME "フォント"
 #define TEXT_FONT_COLUMN_STATE "ライセンス"
 #define TEXT_FONT_HINT \
@@ -430,7 +430,7 @@
 #define TEXT_SEC_PRINT_2 "高解像度"
 #define TEXT_SEC_NOTE_LOW \
     "PDF 1.3 の暗号化レベルは低 (40 ビット) です。保護を強めるには、より新しい PDF バージョンを選んでください。"
-#define TEXT_SEC_NOTE_HIGH "パスワードは印刷設定のファイルにそのまま保存されます。ファイルを他人に渡さないでください。"
+#define TEXT_SEC_NOTE_HIGH "パスワードは印刷設定のファイルにそのまま保存されます。他人に渡さないでください。"
 #define TEXT_SEC_NOTE_NONE \
     "PDF/A と PDF/X は保護できません。パスワードを使うには、[PDF バージョン] ページで別のバージョンを選んでく" \
     "ださい。"

@@ -32,7 +32,9 @@ wchar_t* resource(UINT id) noexcept {
 }
 
 LONG_PTR add(const PROPSHEETUI_INFO& info, UINT function, const void* what) {
-    return info.pfnComPropSheet(info.hComPropSheet, function, reinterpret_cast<LPARAM>(what), 0);
+    return info.pfnComPropSheet
+               ? info.pfnComPropSheet(info.hComPropSheet, function, reinterpret_cast<LPARAM>(what), 0)
+               : 0;
 }
 
 void add_settings_page_beside(const PROPSHEETUI_INFO& info) {
@@ -56,6 +58,7 @@ LONG add_common_sheet(PROPSHEETUI_INFO& info, PrinterInformation& information) {
     sheet.UserData = reinterpret_cast<ULONG_PTR>(&information);
     sheet.pOptItem = information.option ? information.option->get() : nullptr;
     sheet.cOptItem = information.option ? 1 : 0;
+    sheet.pHelpFile = resource(IDI_SHEET);  // a library without a text of that number has no help
     sheet.IconID = IDI_SHEET;
     if (information.may_update)
         sheet.Flags |= CPSUIF_UPDATE_PERMISSION;

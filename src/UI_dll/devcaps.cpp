@@ -88,7 +88,13 @@ class Buffer {
 public:
     explicit Buffer(void* start) noexcept : at_(static_cast<std::byte*>(start)) {}
 
-    [[nodiscard]] bool can_take(size_t bytes) const noexcept { return !at_ || qk::is_writable(at_, bytes); }
+    // False with last error 87.
+    [[nodiscard]] bool can_take(size_t bytes) const noexcept {
+        if (!at_ || qk::is_writable(at_, bytes))
+            return true;
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return false;
+    }
 
     template <class T>
     void put(const T& value) noexcept {
@@ -182,14 +188,17 @@ DWORD list_papers(HANDLE printer, WORD index, Buffer buffer) {
     if (!forms)
         return kFailed;
     const size_t count = forms->size() + 1;
-    if (!buffer)
+    if (!buffer) {
+        TRACE("<<");
         return static_cast<DWORD>(count);
+    }
     const size_t bytes = count * PaperWriter::entry_bytes(index);
     if (!buffer.can_take(bytes))
         return kFailed;
     buffer.clear(bytes);
     PaperWriter write(index, buffer);
     forms->report(write);
+    TRACE("<<");
     return static_cast<DWORD>(count);
 }
 
@@ -278,12 +287,18 @@ DWORD capability(HANDLE printer, LPWSTR device, WORD index, void* output, const 
 
 DWORD spooler_capability(HANDLE printer, LPWSTR device, WORD index, void* output, DWORD output_units,
                          const DEVMODEW* devmode) {
-    if (index != DC_PAPERNAMES && index != DC_MEDIAREADY)
+    if (index != DC_PAPERNAMES && index != DC_MEDIAREADY) {
+        SetLastError(ERROR_INVALID_PARAMETER);
         return kFailed;
+    }
     WORD asked = index;  // without a buffer the index goes on unchanged, which counts
     if (output) {
         const auto slots = static_cast<DWORD>(output_units / kNameUnits);
-        if (slots == 0 || !qk::is_writable(output, size_t{slots} * kNameUnits * sizeof(wchar_t)))
+        if (slots == 0) {
+            SetLastError(ERROR_INSUFFICIENT_BUFFER);
+            return kFailed;
+        }
+        if (!Buffer(output).can_take(size_t{slots} * kNameUnits * sizeof(wchar_t)))
             return kFailed;
         std::memcpy(output, &slots, sizeof slots);
         asked = index == DC_PAPERNAMES ? kSplPaperNames : kSplMediaReady;

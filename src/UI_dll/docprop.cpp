@@ -8,7 +8,6 @@
 #include "common/driver_util.h"
 #include "common/memory_probe.h"
 #include "common/text.h"
-#include "common/threadprop.h"
 #include "common/trace.h"
 
 namespace docprop {
@@ -38,27 +37,14 @@ LONG write_merged(const DocumentPropertyHeader& header) {
     return 1;
 }
 
-// The sheet's handle hides that of a job on the same thread until the sheet is gone.
-void enter_thread(HANDLE printer) {
-    SetThreadProp(threadprop::kSavedPrinter, FreeThreadProp(threadprop::kPrinter));
-    SetThreadProp(threadprop::kPrinter, reinterpret_cast<ULONG_PTR>(printer));
-    sheet_thread::keep_printer_name(printer_name(printer));
-}
-
-void leave_thread() {
-    FreeThreadProp(threadprop::kPrinter);
-    if (const ULONG_PTR saved = FreeThreadProp(threadprop::kSavedPrinter))
-        SetThreadProp(threadprop::kPrinter, saved);
-}
-
 LONG initialise(PROPSHEETUI_INFO& info, LPARAM parameter, const DocumentPropertyHeader& header) {
-    enter_thread(header.hPrinter);
+    auto thread = std::make_unique<SheetThread>(header.hPrinter);
     std::unique_ptr<PrinterInformation> information;
     if (!MapPrinter(information, header.hPrinter, header.pdmIn, true)) {
         TRACE("ddps7");
-        leave_thread();
         return fail(ERROR_INVALID_DATA);
     }
+    information->thread = std::move(thread);
     if (writes_devmode(header)) {
         information->may_update = true;
         information->output = header.pdmOut;
@@ -81,20 +67,10 @@ void write_result(const DocumentPropertyHeader& header, PrinterInformation& info
 
 LONG answer_reason(PROPSHEETUI_INFO& info, LPARAM parameter, const DocumentPropertyHeader& header) {
     auto* information = reinterpret_cast<PrinterInformation*>(info.UserData);
-    switch (info.Reason) {
-        case PROPSHEETUI_REASON_INIT:
-            return initialise(info, parameter, header);
-        case PROPSHEETUI_REASON_DESTROY:
-            if (information)  // not of a sheet whose INIT has failed
-                leave_thread();
-            break;
-        case PROPSHEETUI_REASON_SET_RESULT:
-            if (information)
-                write_result(header, *information, parameter);
-            break;
-        default:
-            break;
-    }
+    if (info.Reason == PROPSHEETUI_REASON_INIT)
+        return initialise(info, parameter, header);
+    if (info.Reason == PROPSHEETUI_REASON_SET_RESULT && information)
+        write_result(header, *information, parameter);
     return cpsui::DefCommonUIFunc(info, parameter, information, nullptr, false);
 }
 
@@ -131,21 +107,11 @@ LONG document_properties(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* o
                                      .pdmOut = output,
                                      .cbOut = kDriverDevmodeSize,
                                      .fMode = mode};
-    if (!(mode & DM_PROMPT))
+    if (!(mode & DM_PROMPT)) {
+        TRACE_SCOPE("DrvDocumentPropertySheets");  // whose answer without a sheet it is
         return answer_query(&header);
+    }
     return cpsui::show(window, &DrvDocumentPropertySheets, &header) == CPSUI_OK ? IDOK : IDCANCEL;
 }
 
 }  // namespace docprop
-
-namespace sheet_thread {
-
-void keep_printer_name(const std::wstring& name) {
-    const std::unique_ptr<std::wstring> old(
-        reinterpret_cast<std::wstring*>(FreeThreadProp(threadprop::kPrinterName)));
-    auto fresh = std::make_unique<std::wstring>(name);
-    SetThreadProp(threadprop::kPrinterName, reinterpret_cast<ULONG_PTR>(fresh.get()));
-    (void)fresh.release();
-}
-
-}  // namespace sheet_thread

@@ -1,8 +1,6 @@
 // Document properties: DEVMODE queries and the document's property sheet.
 #pragma once
 
-#include <string>
-
 #include "UI_dll/ddi.h"
 
 namespace docprop {
@@ -19,11 +17,3 @@ namespace docprop {
                                        DEVMODEW* input, DWORD mode);
 
 }  // namespace docprop
-
-// What a sheet keeps in the thread's properties, so that the job of the same thread finds its own again.
-namespace sheet_thread {
-
-// Puts the printer's name under "PrinterName"; what stood there is released.
-void keep_printer_name(const std::wstring& name);
-
-}  // namespace sheet_thread

@@ -60,9 +60,9 @@ std::wstring setting_in_force(HANDLE printer) {
 }
 
 void set_up(PrinterInformation& information, const OptionDescriptor& descriptor, std::wstring text) {
-    OptionItem item;
-    if (CreateOPTTYPE(descriptor, {std::move(text)}, reinterpret_cast<ULONG_PTR>(&information), item))
-        information.option = std::move(item);
+    OptionItem& item = information.option.emplace();
+    if (!CreateOPTTYPE(descriptor, {std::move(text)}, reinterpret_cast<ULONG_PTR>(&information), item))
+        information.option.reset();
 }
 
 }  // namespace
@@ -84,20 +84,19 @@ bool CreateOPTTYPE(const OptionDescriptor& descriptor, std::vector<std::wstring>
     const size_t count = parameter_count(descriptor.type, descriptor.count);
     if (count == 0)
         return false;
-    OptionItem made;
-    made.storage_.reset(new (std::nothrow) std::byte[storage_bytes(count, descriptor.build)]());
-    if (!made.storage_)
+    item.storage_.reset(new (std::nothrow) std::byte[storage_bytes(count, descriptor.build)]());
+    if (!item.storage_)
         return false;
-    made.name_ = qk::load_string(descriptor.name_id);
-    made.texts_ = std::move(texts);
-    std::byte* at = made.storage_.get();
+    item.name_ = qk::load_string(descriptor.name_id);
+    item.texts_ = std::move(texts);
+    std::byte* at = item.storage_.get();
     auto* option = new (at) OPTITEM{};
     auto* type = new (at += sizeof(OPTITEM)) OPTTYPE{};
     auto* parameters = reinterpret_cast<OPTPARAM*>(at += sizeof(OPTTYPE));
     option->cbSize = sizeof *option;
     option->Level = descriptor.level;
     option->Flags = descriptor.flags;
-    option->pName = made.name_.data();
+    option->pName = item.name_.data();
     option->pOptType = type;
     option->DMPubID = descriptor.public_id;
     type->cbSize = sizeof *type;
@@ -106,14 +105,13 @@ bool CreateOPTTYPE(const OptionDescriptor& descriptor, std::vector<std::wstring>
     type->BegCtrlID = kFirstControlId;
     type->pOptParam = parameters;
     type->Style = descriptor.style;
-    fill_parameters(descriptor, {parameters, count}, made.texts_, information);
+    fill_parameters(descriptor, {parameters, count}, item.texts_, information);
     if (descriptor.build & OptionDescriptor::kExtended) {
         auto* extension = new (at + count * sizeof(OPTPARAM)) OIEXT{};
         extension->cbSize = sizeof *extension;
         option->pOIExt = extension;
         option->Flags |= OPTIF_HAS_POIEXT;
     }
-    item = std::move(made);
     return true;
 }
 

@@ -44,6 +44,10 @@ inline constexpr size_t kMostParameters = 10;
 // One item with its type, parameters and texts, which stay where they are while it lives.
 class OptionItem {
 public:
+    OptionItem() = default;
+    OptionItem(const OptionItem&) = delete;
+    OptionItem& operator=(const OptionItem&) = delete;
+
     [[nodiscard]] OPTITEM* get() const noexcept { return reinterpret_cast<OPTITEM*>(storage_.get()); }
 
 private:
@@ -54,9 +58,8 @@ private:
     std::vector<std::wstring> texts_;
 };
 
-// Fills `item` from a descriptor and the parameters' texts. `information` is what a push button gets added to
-// its first parameter's value. False, with `item` alone, for a descriptor that makes no item or without
-// memory.
+// Fills a new `item` from a descriptor and the parameters' texts. `information` is what a push button gets
+// added to its first parameter's value. False for a descriptor that makes no item or without memory.
 [[nodiscard]] bool CreateOPTTYPE(const OptionDescriptor& descriptor, std::vector<std::wstring> texts,
                                  ULONG_PTR information, OptionItem& item);
 

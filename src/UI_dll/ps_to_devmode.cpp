@@ -59,7 +59,8 @@ void copy_setting(const Settings& settings, const std::vector<FormRecord>& forms
 
 void SetPSToDEVMODE(HANDLE printer, DEVMODEW& dm) {
     TRACE("SetPSToDEVMODE");
-    const std::wstring path = SettingPathOf(GetSettingFileNameFromFD(printer_name(printer)));
+    const std::wstring name = GetSettingFileNameFromFD(printer_name(printer), MAX_PATH);
+    const std::wstring path = name.empty() ? name : SettingPathOf(name);
     Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin settings;
     if (!qk::is_file(path) || !settings.Load(path))
         return;

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "UI_dll/optitem.h"
+#include "UI_dll/sheet_thread.h"
 #include "common/handle.h"
 #include "lib/devmode.h"
 
@@ -26,6 +27,7 @@ struct PrinterInformation {
     const DEVMODEW* caller_devmode = nullptr;
 
     // Of a property sheet only.
+    std::unique_ptr<SheetThread> thread;
     std::optional<OptionItem> option;
     COMPROPSHEETUI sheet = {};
     DLGPAGE page = {};

@@ -1,13 +1,11 @@
 #include "UI_dll/ptrprop.h"
 
 #include "UI_dll/cpsui.h"
-#include "UI_dll/docprop.h"
 #include "UI_dll/ptrinfo.h"
 #include "common/driver_util.h"
 #include "common/handle.h"
 #include "common/memory_probe.h"
 #include "common/text.h"
-#include "common/threadprop.h"
 #include "common/trace.h"
 
 namespace ptrprop {
@@ -30,13 +28,13 @@ int initialize(LPWSTR name) {
 constexpr LONG kFailure = -1;
 
 LONG initialise_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, HANDLE printer) {
-    SetThreadProp(threadprop::kPrinter, reinterpret_cast<ULONG_PTR>(printer));
-    sheet_thread::keep_printer_name(printer_name(printer));
+    auto thread = std::make_unique<SheetThread>(printer);
     std::unique_ptr<PrinterInformation> information;
     if (!MapPrinter(information, printer, nullptr, false)) {
         SetLastError(ERROR_INVALID_DATA);
         return kFailure;
     }
+    information->thread = std::move(thread);
     const bool settings_page_only = cpsui::only_settings_page();
     cpsui::set_up_page(*information, settings_page_only);
     SetupPPOptItems(*information);
@@ -78,8 +76,6 @@ LONG answer_sheet(PROPSHEETUI_INFO& info, LPARAM parameter) {
     }
     if (info.Reason == PROPSHEETUI_REASON_INIT)
         return initialise_sheet(info, parameter, header->hPrinter);
-    if (info.Reason == PROPSHEETUI_REASON_DESTROY)
-        FreeThreadProp(threadprop::kPrinter);  // the handle is the caller's and may be closed after this
     return cpsui::DefCommonUIFunc(info, parameter, reinterpret_cast<PrinterInformation*>(info.UserData),
                                   nullptr, false);
 }

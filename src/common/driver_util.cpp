@@ -2,6 +2,8 @@
 
 #include <winspool.h>
 
+#include <new>
+
 #include "common/MMF.h"
 #include "common/job_records.h"
 #include "common/text.h"
@@ -19,8 +21,8 @@ std::unique_ptr<std::byte[]> GetPrinterInfo(HANDLE printer) {
     GetPrinterW(printer, 4, nullptr, 0, &size);
     if (size < sizeof(PRINTER_INFO_4W))
         return nullptr;
-    auto info = std::make_unique<std::byte[]>(size);
-    if (!GetPrinterW(printer, 4, reinterpret_cast<BYTE*>(info.get()), size, &size))
+    std::unique_ptr<std::byte[]> info(new (std::nothrow) std::byte[size]());
+    if (!info || !GetPrinterW(printer, 4, reinterpret_cast<BYTE*>(info.get()), size, &size))
         return nullptr;
     return info;
 }

@@ -9,29 +9,21 @@
 
 namespace qk {
 
-struct IconTraits {
-    using Handle = HICON;
-    static Handle empty() noexcept { return nullptr; }
-    static void close(Handle handle) noexcept { DestroyIcon(handle); }
+struct IconTraits : NullIsNone<HICON> {
+    static void close(HICON icon) noexcept { DestroyIcon(icon); }
 };
 
-struct ImageListTraits {
-    using Handle = HIMAGELIST;
-    static Handle empty() noexcept { return nullptr; }
-    static void close(Handle handle) noexcept { ImageList_Destroy(handle); }
+struct ImageListTraits : NullIsNone<HIMAGELIST> {
+    static void close(HIMAGELIST list) noexcept { ImageList_Destroy(list); }
 };
 
 template <class GdiHandle>
-struct GdiTraits {
-    using Handle = GdiHandle;
-    static Handle empty() noexcept { return nullptr; }
-    static void close(Handle handle) noexcept { DeleteObject(handle); }
+struct GdiTraits : NullIsNone<GdiHandle> {
+    static void close(GdiHandle handle) noexcept { DeleteObject(handle); }
 };
 
-struct MemoryDCTraits {
-    using Handle = HDC;
-    static Handle empty() noexcept { return nullptr; }
-    static void close(Handle handle) noexcept { DeleteDC(handle); }
+struct DeviceContextTraits : NullIsNone<HDC> {
+    static void close(HDC dc) noexcept { DeleteDC(dc); }
 };
 
 using Icon = Owner<IconTraits>;
@@ -40,7 +32,7 @@ using Font = Owner<GdiTraits<HFONT>>;
 using Brush = Owner<GdiTraits<HBRUSH>>;
 using Pen = Owner<GdiTraits<HPEN>>;
 using Bitmap = Owner<GdiTraits<HBITMAP>>;
-using MemoryDC = Owner<MemoryDCTraits>;
+using DeviceContext = Owner<DeviceContextTraits>;
 
 // A window's device context, given back when it goes out of scope. Null window: the screen.
 class WindowDC {

@@ -66,64 +66,55 @@ private:
     Handle handle_ = Traits::empty();
 };
 
-struct KernelHandleTraits {  // events, mutexes, mappings, processes
-    using Handle = HANDLE;
+template <class HandleType>
+struct NullIsNone {
+    using Handle = HandleType;
     static Handle empty() noexcept { return nullptr; }
-    static void close(Handle handle) noexcept { CloseHandle(handle); }
 };
 
-struct FileHandleTraits {
-    using Handle = HANDLE;
-    static Handle empty() noexcept { return INVALID_HANDLE_VALUE; }
-    static void close(Handle handle) noexcept { CloseHandle(handle); }
-};
-
-struct FindHandleTraits {
+struct InvalidIsNone {
     using Handle = HANDLE;
     static Handle empty() noexcept { return INVALID_HANDLE_VALUE; }
-    static void close(Handle handle) noexcept { FindClose(handle); }
 };
 
-struct PrinterHandleTraits {
-    using Handle = HANDLE;
-    static Handle empty() noexcept { return nullptr; }
-    static void close(Handle handle) noexcept { ClosePrinter(handle); }
+struct KernelHandleTraits : NullIsNone<HANDLE> {  // events, mutexes, mappings, processes, threads
+    static void close(HANDLE handle) noexcept { CloseHandle(handle); }
 };
 
-struct ModuleTraits {
-    using Handle = HMODULE;
-    static Handle empty() noexcept { return nullptr; }
-    static void close(Handle handle) noexcept { FreeLibrary(handle); }
+struct FileHandleTraits : InvalidIsNone {
+    static void close(HANDLE handle) noexcept { CloseHandle(handle); }
 };
 
-struct RegKeyTraits {
-    using Handle = HKEY;
-    static Handle empty() noexcept { return nullptr; }
-    static void close(Handle handle) noexcept { RegCloseKey(handle); }
+struct FindHandleTraits : InvalidIsNone {
+    static void close(HANDLE handle) noexcept { FindClose(handle); }
 };
 
-struct ViewTraits {
-    using Handle = void*;
-    static Handle empty() noexcept { return nullptr; }
-    static void close(Handle handle) noexcept { UnmapViewOfFile(handle); }
+struct PrinterHandleTraits : NullIsNone<HANDLE> {
+    static void close(HANDLE handle) noexcept { ClosePrinter(handle); }
 };
 
-struct LocalMemoryTraits {
-    using Handle = void*;
-    static Handle empty() noexcept { return nullptr; }
-    static void close(Handle handle) noexcept { LocalFree(handle); }
+struct ModuleTraits : NullIsNone<HMODULE> {
+    static void close(HMODULE module) noexcept { FreeLibrary(module); }
 };
 
-struct ActivationContextTraits {
-    using Handle = HANDLE;
-    static Handle empty() noexcept { return INVALID_HANDLE_VALUE; }
-    static void close(Handle handle) noexcept { ReleaseActCtx(handle); }
+struct RegKeyTraits : NullIsNone<HKEY> {
+    static void close(HKEY key) noexcept { RegCloseKey(key); }
 };
 
-struct EventSourceTraits {
-    using Handle = HANDLE;
-    static Handle empty() noexcept { return nullptr; }
-    static void close(Handle handle) noexcept { DeregisterEventSource(handle); }
+struct ViewTraits : NullIsNone<void*> {
+    static void close(void* view) noexcept { UnmapViewOfFile(view); }
+};
+
+struct LocalMemoryTraits : NullIsNone<void*> {
+    static void close(void* memory) noexcept { LocalFree(memory); }
+};
+
+struct ActivationContextTraits : InvalidIsNone {
+    static void close(HANDLE context) noexcept { ReleaseActCtx(context); }
+};
+
+struct EventSourceTraits : NullIsNone<HANDLE> {
+    static void close(HANDLE source) noexcept { DeregisterEventSource(source); }
 };
 
 using HandleObj = Owner<KernelHandleTraits>;

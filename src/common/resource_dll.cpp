@@ -4,6 +4,7 @@
 #include <mutex>
 #include <optional>
 
+#include "common/lock.h"
 #include "common/module.h"
 #include "common/paths.h"
 #include "common/registry.h"
@@ -26,7 +27,7 @@ constexpr size_t kStringUnits = 10000;
 
 // The module-wide state: the copy's path, and the loader's handle with its count.
 struct Loader {
-    std::mutex mutex;
+    Lock lock;
     std::wstring copy_path;
     HMODULE module = nullptr;
     unsigned load_count = 0;
@@ -127,7 +128,7 @@ const std::wstring& copy_path_locked(bool cached_only) {
 }
 
 HMODULE string_module() {
-    const std::scoped_lock lock(loader.mutex);
+    const std::scoped_lock hold(loader.lock);
     if (loader.module)
         return loader.module;
     const std::wstring& path = copy_path_locked(false);
@@ -159,7 +160,7 @@ void remove_orphaned_copies() {
 }  // namespace
 
 std::wstring resource_library_path(bool cached_only) {
-    const std::scoped_lock lock(loader.mutex);
+    const std::scoped_lock hold(loader.lock);
     return copy_path_locked(cached_only);
 }
 
@@ -210,9 +211,9 @@ std::wstring load_string(UINT id) {
 
 void finalize_resource_library(bool process_ends) noexcept {
     try {
-        std::unique_lock lock(loader.mutex, std::defer_lock);
+        std::unique_lock hold(loader.lock, std::defer_lock);
         // The other threads of an ending process are gone, perhaps with the lock.
-        if (process_ends ? !lock.try_lock() : (lock.lock(), false))
+        if (process_ends ? !hold.try_lock() : (hold.lock(), false))
             return;
         for (; loader.load_count > 0; --loader.load_count)
             FreeLibrary(loader.module);

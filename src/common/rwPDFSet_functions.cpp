@@ -158,30 +158,30 @@ std::wstring GetAppDataPath(bool create) {
     return {};
 }
 
-std::wstring GetSettingFileNameFromFD(const std::wstring& printer_name) {
+std::wstring GetSettingFileNameFromFD(const std::wstring& printer_name, size_t units) {
     TRACE("GetSettingFileNameFromFD");
     const qk::DLL library = LoadInstallDll(dialog_library::kFileName);
     if (!library) {
         TRACE("dll not found: Tessalo80.dll");
         return {};
     }
-    return GetSettingFileNameFromFD(library.get(), printer_name);
+    return GetSettingFileNameFromFD(library.get(), printer_name, units);
 }
 
-std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& printer_name) {
+std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& printer_name, size_t units) {
     auto* get_setting = qk::find_export<dialog_library::GetSettingFN>(library, "GetSettingFN");
     if (!get_setting) {
         TRACE("no func");
         return {};
     }
-    wchar_t name[kPathUnits] = {};
+    wchar_t name[kSettingNameUnits] = {};
     alignas(16) std::byte scratch[dialog_library::kScratchBytes] = {};
     TRACE("call GetSettingFN@Tessalo");
-    if (get_setting(name, static_cast<int>(kPathUnits), printer_name.c_str(), scratch) != 0) {
+    if (get_setting(name, static_cast<int>(units), printer_name.c_str(), scratch) != 0) {
         TRACE("func error");
         return {};
     }
-    name[kPathUnits - 1] = L'\0';
+    name[units - 1] = L'\0';
     return name;
 }
 

@@ -42,11 +42,16 @@ int FindSettingFile(wchar_t* name, size_t capacity);
 // The user's folder of settings, ending in a backslash, made when `create`; empty when it is not there.
 [[nodiscard]] std::wstring GetAppDataPath(bool create);
 
-// Asks the save-file dialog library which setting file belongs to the printer; empty when it cannot say.
-[[nodiscard]] std::wstring GetSettingFileNameFromFD(const std::wstring& printer_name);
+inline constexpr size_t kSettingNameUnits = 512;
+
+// Asks the save-file dialog library which setting file belongs to the printer; empty when it cannot say. The
+// library is given room for `units`, at most kSettingNameUnits, with the terminating zero.
+[[nodiscard]] std::wstring GetSettingFileNameFromFD(const std::wstring& printer_name,
+                                                    size_t units = kSettingNameUnits);
 
 // The same of the library already loaded.
-[[nodiscard]] std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& printer_name);
+[[nodiscard]] std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& printer_name,
+                                                    size_t units = kSettingNameUnits);
 
 // The path behind a name that the library gave: a bare name is looked for through the setting folders before
 // it counts as missing, a path is used as it is. The name itself when there is no such file.

@@ -82,6 +82,21 @@ std::optional<double> find_number(std::wstring_view text) noexcept {
     return number;
 }
 
+std::optional<int32_t> find_integer(std::wstring_view text) noexcept {
+    constexpr int64_t kMost = 1'000'000'000;
+    size_t at = std::min(text.find_first_not_of(L" \t"), text.size());
+    const bool negative = at < text.size() && text[at] == L'-';
+    if (negative || (at < text.size() && text[at] == L'+'))
+        ++at;
+    const size_t first = at;
+    int64_t number = 0;
+    for (; at < text.size() && text[at] >= L'0' && text[at] <= L'9'; ++at)
+        number = std::min(number * 10 + (text[at] - L'0'), kMost);
+    if (at == first)
+        return std::nullopt;
+    return static_cast<int32_t>(negative ? -number : number);
+}
+
 // std::to_chars would do it, with a hundred kilobytes of tables.
 std::wstring fixed_text(double number, int decimals) {
     constexpr double kMost = 1e9;

@@ -30,6 +30,10 @@ void copy_zero_padded(wchar_t* buffer, size_t capacity, std::wstring_view text) 
 // when there is none or it is not finite.
 [[nodiscard]] std::optional<double> find_number(std::wstring_view text) noexcept;
 
+// A decimal integer at the start of `text`: blanks, a sign, digits; what follows them is not looked at. Of
+// numbers beyond a thousand million that one. Nothing when there is no digit.
+[[nodiscard]] std::optional<int32_t> find_integer(std::wstring_view text) noexcept;
+
 // A number with so many decimals (at most 6), rounded, with a point whatever the C locale. Of numbers beyond
 // a thousand million that one.
 [[nodiscard]] std::wstring fixed_text(double number, int decimals);

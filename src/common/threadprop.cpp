@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "common/lock.h"
 #include "common/trace.h"
 
 namespace {
@@ -17,7 +18,7 @@ struct Entry {
 };
 
 struct Store {
-    std::mutex mutex;
+    qk::Lock lock;
     std::list<Entry> entries;
 
     auto find(std::wstring_view key) {
@@ -33,7 +34,7 @@ Store store;
 
 ULONG_PTR SetThreadProp(std::wstring_view key, ULONG_PTR value) {
     TRACE("SetThreadProp");
-    const std::scoped_lock lock(store.mutex);
+    const std::scoped_lock hold(store.lock);
     if (store.entries.size() == store.entries.max_size())
         throw std::length_error("list<T> too long");
     store.entries.push_back({std::wstring(key), value, GetCurrentThreadId()});
@@ -42,14 +43,14 @@ ULONG_PTR SetThreadProp(std::wstring_view key, ULONG_PTR value) {
 
 void GetThreadProp(std::wstring_view key, ULONG_PTR& value) {
     TRACE("GetThreadProp");
-    const std::scoped_lock lock(store.mutex);
+    const std::scoped_lock hold(store.lock);
     const auto entry = store.find(key);
     value = entry == store.entries.end() ? 0 : entry->value;
 }
 
 ULONG_PTR FreeThreadProp(std::wstring_view key) {
     TRACE("FreeThreadProp");
-    const std::scoped_lock lock(store.mutex);
+    const std::scoped_lock hold(store.lock);
     const auto entry = store.find(key);
     if (entry == store.entries.end())
         return 0;
@@ -60,8 +61,8 @@ ULONG_PTR FreeThreadProp(std::wstring_view key) {
 
 void FinalizeThreadProp(bool process_ends) {
     TRACE("FinalizeThreadProp");
-    std::unique_lock lock(store.mutex, std::defer_lock);
-    if (process_ends ? !lock.try_lock() : (lock.lock(), false))
+    std::unique_lock hold(store.lock, std::defer_lock);
+    if (process_ends ? !hold.try_lock() : (hold.lock(), false))
         return;
     store.entries.clear();
 }

@@ -19,7 +19,7 @@ inline constexpr std::wstring_view kResultRecord = L"ZRTKPrintInfo";
 
 // The store belongs to the whole module; each entry to the thread that set it. Values are not owned: whoever
 // puts a pointer in frees what it points to after taking it out. Keys are compared exactly. Any thread.
-// A failing lock raises std::system_error, a list at its end std::length_error.
+// A list at its end raises std::length_error.
 
 // Appends an entry. Sets of one key queue up: the first one set is the first one got and freed, so there is
 // never a previous value to report and the result is 0.

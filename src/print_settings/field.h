@@ -1,5 +1,5 @@
 // The row of a field table. One table per section (field_tables.h) drives reading, writing, comparing,
-// describing differences, the dialog's exchange and the tests' random settings: a new field is one line.
+// describing differences, checking and the tests' random settings: in a setting file a new field is one line.
 #pragma once
 
 #include <windows.h>

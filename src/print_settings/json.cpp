@@ -39,7 +39,7 @@ public:
 // Checks a whole document and keeps the text of one member of its outermost object.
 class MemberContext : public picojson::deny_parse_context {
 public:
-    MemberContext(std::string_view key, std::optional<std::string>& found) : key_(key), found_(found) {}
+    MemberContext(std::string_view key, std::string& found) : key_(key), found_(found) {}
 
     bool parse_object_start() { return true; }
 
@@ -53,9 +53,7 @@ public:
         BoundedContext item(&value);
         if (!picojson::_parse(item, input))
             return false;
-        found_.reset();
-        if (value.is<std::string>())
-            found_ = value.get<std::string>();
+        found_ = value.is<std::string>() ? value.get<std::string>() : std::string();
         return true;
     }
 
@@ -63,17 +61,17 @@ public:
 
 private:
     std::string_view key_;
-    std::optional<std::string>& found_;
+    std::string& found_;
 };
 
 }  // namespace
 
 std::optional<std::string> find_text(std::string_view text, std::string_view key) {
-    std::optional<std::string> found;
+    std::string found;
     MemberContext context(key, found);
     std::string error;
     picojson::_parse(context, text.data(), text.data() + text.size(), &error);
-    return error.empty() ? found : std::nullopt;
+    return error.empty() ? std::optional(std::move(found)) : std::nullopt;
 }
 
 bool try_parse(std::string_view text, picojson::value& value, std::string* fault) {

@@ -16,7 +16,7 @@ namespace Corvanta::Vantrix::PrintSettings::json {
 [[nodiscard]] bool try_parse(std::string_view text, picojson::value& value, std::string* fault = nullptr);
 
 // The text of the member `key` of the object that `text` holds (of several the last), without keeping
-// anything else of it. Nothing when the JSON is broken or the member is no text.
+// anything else of it; empty when it has no such text. Nothing when the JSON is broken.
 [[nodiscard]] std::optional<std::string> find_text(std::string_view text, std::string_view key);
 
 // The member `key`, or null when there is none. Valid while `object` is.

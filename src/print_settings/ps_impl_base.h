@@ -8,8 +8,8 @@
 
 namespace Corvanta::Vantrix::PrintSettings {
 
-// Base of the values of one section (`General_impl`, ...). Copying and comparing follow the section's field
-// table, so a field that is not in the table is neither compared nor described.
+// Base of the values of one section (`General_impl`, ...). Comparing and describing follow the section's
+// field table: a field that is not in it is copied, but neither compared nor described.
 template <class Impl>
 class ps_impl_base {
 public:

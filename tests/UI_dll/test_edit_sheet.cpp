@@ -146,6 +146,41 @@ TEST_F(Saving, EditsSurviveAFileThatCannotBeWritten) {
     EXPECT_EQ(ReadName(path), L"Other");
 }
 
+TEST_F(Saving, EditsSurviveAFolderThatTakesNoFile) {
+    static bool denies;
+    const ImportPatch denied(
+        "CreateFileW", reinterpret_cast<void*>(+[](const wchar_t* path, DWORD access, DWORD share,
+                                                   SECURITY_ATTRIBUTES* security, DWORD creation, DWORD flags,
+                                                   HANDLE original) -> HANDLE {
+            if (!denies || creation != CREATE_NEW)
+                return qk::find_export<decltype(CreateFileW)>(
+                    GetModuleHandleW(L"kernel32.dll"), "CreateFileW")(path, access, share, security, creation,
+                                                                      flags, original);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        }));
+    const std::wstring obstacle =
+        here.folder.write(L"Roaming\\Corvanta", "");  // no folder can be made either
+    show([&] {
+        rename(L"Kept");
+        press_ok();
+        DeleteFileW(obstacle.c_str());
+        denies = true;
+        press_ok();
+        EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Kept");
+        EXPECT_FALSE(is_name_taken(L"Kept", {}));
+        denies = false;
+        press_ok();
+    });
+    EXPECT_FALSE(stayed_open());
+    ASSERT_EQ(Outbox::boxes.size(), 2u);
+    for (const Outbox::Box& box : Outbox::boxes)
+        EXPECT_NE(box.text.find(dialog_text(IDS_NO_USER_FOLDER)), std::wstring::npos)
+            << qk::to_utf8(box.text);
+    EXPECT_NE(Outbox::boxes[0].text, Outbox::boxes[1].text);  // each with its reason
+    EXPECT_EQ(ReadName(GetAppDataPath(false) + L"Kept.ps4"), L"Kept");
+}
+
 TEST_F(Saving, CaptionTellsTheNameOfWhatIsEdited) {
     EXPECT_EQ(sheet_caption(L"Mine", true), dialog_text(IDS_SHEET_NEW));
     EXPECT_EQ(sheet_caption(L"", false), dialog_text(IDS_SHEET_NEW));

@@ -30,7 +30,7 @@ TEST(FontStates, TableHoldsEachFontOnceWithItsOwnLicence) {
     build_font_states();
     const auto fonts = font_states();
     ASSERT_FALSE(fonts.empty());
-    const qk::MemoryDC dc(CreateCompatibleDC(nullptr));
+    const qk::DeviceContext dc(CreateCompatibleDC(nullptr));
     for (const FontState& font : fonts) {
         EXPECT_EQ(find_embedding(font.name), font.embedding) << qk::to_utf8(font.name);
         const qk::Font handle(

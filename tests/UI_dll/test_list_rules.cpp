@@ -3,7 +3,6 @@
 #include <set>
 #include <vector>
 
-#include "UI_dll/PDFSettings/dpi.h"
 #include "UI_dll/PDFSettings/edit_sheet.h"
 #include "UI_dll/PDFSettings/list_rules.h"
 
@@ -81,13 +80,6 @@ TEST(ListRules, ChangesAreListedUpToALimit) {
     EXPECT_EQ(change_list(changes, 3), L"a\r\nb\r\nc");
     EXPECT_TRUE(change_list(changes, 1).starts_with(L"a\r\n"));
     EXPECT_EQ(change_list(changes, 1).find(L'b'), std::wstring::npos);
-}
-
-TEST(Dpi, OnlyUsableAnswersAreTaken) {
-    EXPECT_EQ(usable_dpi(0), 96u);
-    EXPECT_EQ(usable_dpi(1), 1u);
-    EXPECT_EQ(usable_dpi(1000), 1000u);
-    EXPECT_EQ(usable_dpi(1001), 96u);
 }
 
 }  // namespace

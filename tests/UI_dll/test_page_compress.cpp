@@ -63,57 +63,9 @@ TEST_F(CompressPage, NumbersThatDoNotGoTogetherKeepThePageOpen) {
             type(kPage, IDC_CMP_GREY + CMP_QUALITY, row.quality);
             type(kPage, IDC_CMP_GREY + CMP_THRESHOLD, row.threshold);
             type(kPage, IDC_CMP_GREY + CMP_TARGET, row.target);
-            Outbox::boxes.clear();
-            EXPECT_EQ(go_to(kInfoPage), row.message == 0);
-            ASSERT_EQ(Outbox::boxes.size(), row.message ? 1u : 0u);
-            if (row.message) {
-                EXPECT_EQ(Outbox::boxes[0].text, dialog_text(row.message));
-                EXPECT_EQ(GetFocus(), control(kPage, IDC_CMP_GREY + row.focus));
-            }
+            expect_check(kPage, row.message, IDC_CMP_GREY + row.focus);
         }
     });
-}
-
-TEST_F(CompressPage, EveryFieldIsSavedAndReadAgain) {
-    struct {
-        int base, method, sampling;
-        const wchar_t *quality, *threshold, *target;
-    } const rows[] = {{IDC_CMP_COLOUR, 1, 3, L"11", L"301", L"101"},
-                      {IDC_CMP_GREY, 4, 1, L"22", L"302", L"102"},
-                      {IDC_CMP_MONO, 3, 0, nullptr, L"303", L"103"}};
-    show([&] {
-        click(kPage, IDC_CMP_ASCII);
-        click(kPage, IDC_CMP_HIGH);
-        for (const auto& row : rows) {
-            choose(kPage, row.base + CMP_METHOD, row.method);
-            choose(kPage, row.base + CMP_SAMPLING, row.sampling);
-            if (row.quality)
-                type(kPage, row.base + CMP_QUALITY, row.quality);
-            type(kPage, row.base + CMP_THRESHOLD, row.threshold);
-            type(kPage, row.base + CMP_TARGET, row.target);
-        }
-        press_ok();
-    });
-    Setting saved;
-    ASSERT_TRUE(saved.Load(dialog_state().path));
-    const auto& section = *saved.compression();
-    EXPECT_TRUE(section.ASCIIFormat && section.HighCompress && !section.TextAndLineArt);
-    const Corvanta::Vantrix::PrintSettings::CompressImage* const images[] = {&section.Color, &section.Gray,
-                                                                             &section.Mono};
-    for (size_t i = 0; i < std::size(rows); ++i) {
-        const auto& image = *images[i];
-        EXPECT_EQ(
-            static_cast<int>(rows[i].quality ? image.CompressionMethod() : image.MonoCompressionMethod()),
-            rows[i].method);
-        EXPECT_EQ(static_cast<int>(image.DownSamplingMethod()), rows[i].sampling);
-        EXPECT_EQ(image.ResolutionThreshold(), 301 + i);
-        EXPECT_EQ(image.ResolutionTarget(), 101 + i);
-        EXPECT_EQ(image.JpegQuality(), rows[i].quality ? 11 * (i + 1) : 95);
-    }
-    setting() = saved;
-    const std::wstring path = dialog_state().path;
-    show([] { press_ok(); }, path);
-    EXPECT_EQ(setting().compression(), saved.compression());
 }
 
 }  // namespace

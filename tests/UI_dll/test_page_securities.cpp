@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
-#include "UI_dll/PDFSettings/page_pdf_version_rules.h"
 #include "UI_dll/PDFSettings/page_securities_rules.h"
 #include "resources/ids.h"
 #include "support/sheet_driver.h"
@@ -46,13 +43,7 @@ TEST(PasswordRules, FirstFaultCounts) {
             << &row - rows;
 }
 
-class SecuritiesPage : public EditSheet {
-protected:
-    static void choose_version(uint32_t version) {
-        const auto place = std::ranges::find(kVersionOrder, version) - kVersionOrder.begin();
-        choose(kPDFVersionPage, IDC_PV_VERSION, static_cast<int>(place));
-    }
-};
+class SecuritiesPage : public EditSheet {};
 
 TEST_F(SecuritiesPage, OffersWhatTheVersionAllows) {
     struct {
@@ -120,48 +111,10 @@ TEST_F(SecuritiesPage, FaultyPasswordsKeepThePageOpen) {
             SCOPED_TRACE(row.message);
             type(kPage, IDC_SEC_OPEN_PASSWORD, row.open);
             type(kPage, IDC_SEC_PASSWORD, row.permissions);
-            Outbox::boxes.clear();
-            EXPECT_FALSE(go_to(kInfoPage));
-            ASSERT_EQ(Outbox::boxes.size(), 1u);
-            EXPECT_EQ(Outbox::boxes[0].text, dialog_text(row.message));
-            EXPECT_EQ(Outbox::boxes[0].style & MB_ICONMASK, row.icon);
-            EXPECT_EQ(GetFocus(), control(kPage, row.focus));
+            expect_check(kPage, row.message, row.focus);
+            EXPECT_EQ(Outbox::boxes.back().style & MB_ICONMASK, row.icon);
         }
     });
-}
-
-TEST_F(SecuritiesPage, EveryFieldIsSavedAndReadAgain) {
-    auto& section = *setting().security();
-    section.AllowAccessFromScreenReader = section.PDF13_DisallowPrint = section.PDF13_DisallowCopy = false;
-    show([] {
-        set_check(kPage, IDC_SEC_USE_OPEN, true);
-        set_check(kPage, IDC_SEC_USE_PERMISSIONS, true);
-        type(kPage, IDC_SEC_OPEN_PASSWORD, L"open");
-        type(kPage, IDC_SEC_PASSWORD, L"másTer");
-        set_check(kPage, IDC_SEC_COPY, true);
-        choose(kPage, IDC_SEC_EDIT, 5);
-        choose(kPage, IDC_SEC_PRINT, 1);
-        click(kPage, IDC_SEC_NO_MODIFY);    // off
-        click(kPage, IDC_SEC_NO_ANNOTATE);  // on
-        press_ok();
-    });
-    Setting saved;
-    ASSERT_TRUE(saved.Load(dialog_state().path));
-    EXPECT_EQ(saved.security()->UserPassword, L"open");
-    EXPECT_EQ(saved.security()->MasterPassword, L"másTer");
-    EXPECT_TRUE(saved.security()->AllowCopyContent);
-    EXPECT_TRUE(saved.security()->AllowAccessFromScreenReader);  // goes with copying
-    EXPECT_EQ(saved.security()->EditPermission, 5u);
-    EXPECT_EQ(saved.security()->PrintPermission, 1u);
-    EXPECT_EQ(saved.security()->Level, 1u);
-    EXPECT_FALSE(saved.security()->PDF13_DisallowPrint || saved.security()->PDF13_DisallowModify ||
-                 saved.security()->PDF13_DisallowCopy);
-    EXPECT_TRUE(saved.security()->PDF13_DisallowAnnotate);
-
-    setting() = saved;
-    const std::wstring path = dialog_state().path;
-    show([] { press_ok(); }, path);
-    EXPECT_EQ(setting().security(), saved.security());
 }
 
 }  // namespace

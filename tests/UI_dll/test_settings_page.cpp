@@ -103,6 +103,37 @@ TEST_F(SettingsPage, ListsAllFoldersAndSelectsThePrintersSetting) {
     EXPECT_EQ(setting()->PSName, L"alpha");
 }
 
+TEST_F(SettingsPage, FolderThatCannotBeReadHidesItsOwnFilesOnly) {
+    const ImportPatch denied(
+        "FindFirstFileExW",
+        reinterpret_cast<void*>(+[](const wchar_t* pattern, FINDEX_INFO_LEVELS level, void* data,
+                                    FINDEX_SEARCH_OPS op, void* filter, DWORD flags) -> HANDLE {
+            using Function = decltype(FindFirstFileExW);
+            if (!std::wcsstr(pattern, L"Roaming"))
+                return qk::find_export<Function>(GetModuleHandleW(L"kernel32.dll"), "FindFirstFileExW")(
+                    pattern, level, data, op, filter, flags);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        }));
+    ASSERT_TRUE(denied.found());
+    open();
+    EXPECT_EQ(rows(), L"Office [Standard]");
+    in_sheet(IDC_SETTINGS_NEW, [] { press_ok(); });  // written all the same; its row comes with the folder
+    EXPECT_EQ(ReadName(GetAppDataPath(false) + L"Standard(1).ps4"), L"Standard(1)");
+    EXPECT_TRUE(Outbox::boxes.empty());
+}
+
+TEST_F(SettingsPage, OwnFileWithoutANameGoesByItsFilesAndIsTheUsers) {
+    here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\beta.ps4", "\xEF\xBB\xBF{}");
+    here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\torn.ps4", "\xEF\xBB\xBF{");
+    open();
+    EXPECT_EQ(rows(), L"alpha beta zeta Office torn [Standard]");
+    select(1);
+    EXPECT_TRUE(can_delete());
+    select(4);
+    EXPECT_FALSE(can_delete());
+}
+
 TEST_F(SettingsPage, ChosenSettingBecomesThePrintersOnOkOnly) {
     open();
     select(2);

@@ -81,6 +81,33 @@ TEST_F(Sheet, LivesFromInitToDestroyAndGivesTheJobItsHandleBack) {
     EXPECT_EQ(FreeThreadProp(threadprop::kPrinter), 123u);
 }
 
+TEST_F(Sheet, PrinterSheetInsideGivesBackWhatItHid) {
+    const auto thread_has = [](HANDLE handle, const wchar_t* name) {
+        ULONG_PTR printer = 0, kept = 0;
+        GetThreadProp(threadprop::kPrinter, printer);
+        GetThreadProp(threadprop::kPrinterName, kept);
+        EXPECT_EQ(reinterpret_cast<HANDLE>(printer), handle);
+        EXPECT_STREQ(kept ? reinterpret_cast<const std::wstring*>(kept)->c_str() : nullptr, name);
+    };
+    const HANDLE job = reinterpret_cast<HANDLE>(INT_PTR{123}), nobody = reinterpret_cast<HANDLE>(INT_PTR{77});
+    SetThreadProp(threadprop::kPrinter, reinterpret_cast<ULONG_PTR>(job));
+    EXPECT_EQ(send(PROPSHEETUI_REASON_INIT), 1);
+    DevicePropertyHeader inner_header = {.cbSize = sizeof inner_header, .hPrinter = nobody};
+    PROPSHEETUI_INFO inner = info;
+    inner.UserData = 0;
+    inner.lParamInit = reinterpret_cast<LPARAM>(&inner_header);
+    EXPECT_EQ(DrvDevicePropertySheets(&inner, 0), 1);
+    thread_has(nobody, L"");
+    inner.Reason = PROPSHEETUI_REASON_DESTROY;
+    EXPECT_EQ(DrvDevicePropertySheets(&inner, 0), 1);
+    EXPECT_EQ(DrvDevicePropertySheets(&inner, 0), -1);  // once only
+    thread_has(FakePrinter::handle(), here.printer.name.c_str());
+    EXPECT_EQ(send(PROPSHEETUI_REASON_DESTROY), 1);
+    thread_has(job, nullptr);
+    EXPECT_EQ(FreeThreadProp(threadprop::kPrinter), 123u);
+    EXPECT_EQ(FreeThreadProp(threadprop::kSavedPrinter), 0u);
+}
+
 TEST_F(Sheet, CancelAndTheNoPermissionFlagWriteNothing) {
     send(PROPSHEETUI_REASON_INIT);
     end_with(CPSUI_CANCEL);

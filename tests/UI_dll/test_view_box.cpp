@@ -70,7 +70,7 @@ protected:
     };
     Red draw() {
         const qk::Selected selected(dc.get(), bitmap.get());
-        draw_page(dc.get(), {0, 0, kWidth, kHeight}, mark);
+        draw_page(dc.get(), {0, 0, kWidth, kHeight}, GetSysColorBrush(COLOR_BTNFACE), mark);
         GdiFlush();
         Red red;
         for (LONG y = 0; y < kHeight; ++y)
@@ -87,7 +87,7 @@ protected:
         return red;
     }
 
-    qk::MemoryDC dc{CreateCompatibleDC(nullptr)};
+    qk::DeviceContext dc{CreateCompatibleDC(nullptr)};
     qk::Bitmap bitmap;
     uint32_t* bits = nullptr;
     Watermark_impl mark;

@@ -13,7 +13,6 @@
 struct Player {
     std::function<void(PROPSHEETUI_INFO&)> add;  // at INIT
     std::function<void(HWND page)> script;       // once a page of `page_proc` stands; it must end the sheet
-    const wchar_t* title = L"Sheet";
     LONG init_answer = 1;
     LONG header_answer = 1;
 
@@ -46,7 +45,7 @@ struct Player {
                 return player.init_answer;
             case PROPSHEETUI_REASON_GET_INFO_HEADER: {
                 auto& header = *reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter);
-                header.pTitle = const_cast<wchar_t*>(player.title);
+                header.pTitle = const_cast<wchar_t*>(L"Sheet");
                 header.Flags = PSUIHDRF_PROPTITLE;
                 return player.header_answer;
             }
@@ -85,13 +84,13 @@ inline LONG_PTR call(const PROPSHEETUI_INFO& info, UINT function, const void* fi
     return info.pfnComPropSheet(info.hComPropSheet, function, reinterpret_cast<LPARAM>(first), second);
 }
 
-inline PROPSHEETPAGEW plain_page(DLGPROC procedure = &Player::page_proc) {
+inline PROPSHEETPAGEW plain_page() {
     PROPSHEETPAGEW page = {};
     page.dwSize = sizeof page;
     page.dwFlags = PSP_DLGINDIRECT | PSP_USETITLE;
     page.pResource = compstui::plain_page_template();
     page.pszTitle = L"Page";
-    page.pfnDlgProc = procedure;
+    page.pfnDlgProc = &Player::page_proc;
     return page;
 }
 
@@ -115,4 +114,27 @@ struct Group {
     }
     Group(const Group&) = delete;
     Group& operator=(const Group&) = delete;
+};
+
+// The same with one option item, a combo box that has its second text chosen.
+struct OneItem : Group {
+    OPTPARAM parameters[2] = {};
+    OPTTYPE type = {};
+    OPTITEM item = {};
+
+    OneItem() {
+        parameters[0].cbSize = parameters[1].cbSize = sizeof(OPTPARAM);
+        parameters[0].pData = const_cast<wchar_t*>(L"zero");
+        parameters[1].pData = const_cast<wchar_t*>(L"one");
+        type.cbSize = sizeof type;
+        type.Type = TVOT_COMBOBOX;
+        type.Count = 2;
+        type.pOptParam = parameters;
+        item.cbSize = sizeof item;
+        item.pName = const_cast<wchar_t*>(L"Item");
+        item.pOptType = &type;
+        item.Sel = 1;
+        sheet.pOptItem = &item;
+        sheet.cOptItem = 1;
+    }
 };

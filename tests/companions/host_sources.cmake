@@ -1,5 +1,4 @@
 target_sources(zr_tests PRIVATE
-    ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_host_events.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_host_files.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_host_options.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_host_process.cpp

@@ -46,9 +46,7 @@ TEST_F(EngineRun, EndsAreTold) {
          End::kDone,
          "a \"b\" $c \xC3\xA9\n"},
         {"nothing to read", L"/bin/sh", {"-c", "cat"}, End::kDone, ""},
-        {"failed", L"/bin/sh", {"-c", "exit 1"}, End::kFailed, ""},
         {"killed", L"/bin/sh", {"-c", "kill -9 $$"}, End::kStopped, ""},
-        {"missing", L"/none/gs", {}, End::kMissing, nullptr},
         {"not a program", L"/etc/passwd", {}, End::kMissing, nullptr},
         {"missing Windows program", L"none.exe", {}, End::kMissing, ""},
         {"Windows program", renderer.c_str(), {"--help"}, End::kDone, nullptr},
@@ -78,18 +76,6 @@ TEST_F(EngineRun, EndlessEngineIsStopped) {
 // Not a test but the program that the one above runs.
 TEST(EngineHelper, DISABLED_NeverEnds) {
     Sleep(INFINITE);
-}
-
-TEST(EngineScratch, NothingStays) {
-    std::wstring path;
-    {
-        const ScratchFolder scratch;
-        path = scratch.path();
-        EXPECT_EQ(TempFolder::read(scratch.write(L"a.txt", "bytes")), "bytes");
-        EXPECT_TRUE(scratch.write(L"a.txt", "again").empty());
-        EXPECT_NE(ScratchFolder().path(), path);
-    }
-    EXPECT_EQ(GetFileAttributesW(path.c_str()), INVALID_FILE_ATTRIBUTES);
 }
 
 }  // namespace

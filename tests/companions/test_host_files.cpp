@@ -1,12 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "common/handle.h"
 #include "common/paths.h"
 #include "common/registry.h"
 #include "companions/host/host_error.h"
-#include "companions/host/output_target.h"
 #include "companions/host/sheet_host.h"
 #include "companions/host/stage_files.h"
 #include "companions/host/text_file.h"
@@ -70,28 +67,21 @@ TEST(HostFiles, TargetsAreBroughtUpToDate) {
     }
 }
 
-// As the loader holds a library: it may be renamed, not overwritten.
-TEST(HostFiles, TargetInUseIsMovedAside) {
-    const TempFolder folder;
-    const host::FileCopy copy = {folder.write(L"source", "new"), folder.write(L"target", "old"), false};
-    qk::FileObj user(CreateFileW(copy.target.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                 nullptr, OPEN_EXISTING, 0, nullptr));
-    ASSERT_TRUE(user);
-    EXPECT_EQ(host::bring_up_to_date(copy), CopyOutcome::kReplaced);
-    EXPECT_EQ(TempFolder::read(copy.target), "new");
-    user.reset();
-    EXPECT_EQ(host::bring_up_to_date(copy), CopyOutcome::kUpToDate);
-    EXPECT_EQ(folder.count(), 2u) << "what was moved aside goes with the next installation";
-}
-
-TEST(HostFiles, TargetThatCannotBeReplacedStays) {
-    const TempFolder folder;
-    const host::FileCopy copy = {folder.write(L"source", "new"), folder.write(L"target", "old"), false};
-    qk::FileObj user(CreateFileW(copy.target.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    EXPECT_EQ(fault_of([&] { host::bring_up_to_date(copy); }), ExitCode::kInstallation);
-    user.reset();
-    EXPECT_EQ(TempFolder::read(copy.target), "old");
-    EXPECT_EQ(folder.count(), 2u);
+// As the loader holds a library, it may be renamed but not overwritten; others may not even be renamed.
+TEST(HostFiles, TargetInUseIsMovedAsideOrStays) {
+    for (const DWORD share : {DWORD{FILE_SHARE_READ | FILE_SHARE_DELETE}, DWORD{0}}) {
+        const TempFolder folder;
+        const host::FileCopy copy = {folder.write(L"source", "new"), folder.write(L"target", "old"), false};
+        qk::FileObj user(
+            CreateFileW(copy.target.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr));
+        ASSERT_TRUE(user);
+        EXPECT_EQ(fault_of([&] { host::bring_up_to_date(copy); }),
+                  share ? ExitCode::kDone : ExitCode::kInstallation);
+        user.reset();
+        EXPECT_EQ(TempFolder::read(copy.target), share ? "new" : "old");
+        EXPECT_EQ(host::bring_up_to_date(copy), share ? CopyOutcome::kUpToDate : CopyOutcome::kReplaced);
+        EXPECT_EQ(folder.count(), 2u) << "what was moved aside goes with the next installation";
+    }
 }
 
 TEST(HostFiles, SheetHostTakesTheSystemsPlaceAndGivesItBack) {
@@ -127,14 +117,12 @@ TEST(HostFiles, SheetHostTakesTheSystemsPlaceAndGivesItBack) {
     }
 }
 
-TEST(HostFiles, PlanNamesWhatIsMissing) {
+TEST(HostFiles, PlanKeepsEditedSettings) {
     const TempFolder folder;
     const std::wstring stage = folder.path() + L"\\";
-    ASSERT_TRUE(ForceDirectories(folder.file(L"Language")) &&
-                ForceDirectories(folder.file(L"Settings\\legacy")));
-    const wchar_t* const needed[] = {L"ZR_UI80.dll", L"Language\\zrtk_res_en.dll", L"Settings\\standard.ps4",
-                                     L"Tessalo80.dll", L"zr_render.exe"};
-    for (const wchar_t* name : needed) {
+    ASSERT_TRUE(ForceDirectories(folder.file(L"Language")) && ForceDirectories(folder.file(L"Settings")));
+    for (const wchar_t* name : {L"ZR_UI80.dll", L"Language\\zrtk_res_en.dll", L"Settings\\standard.ps4",
+                                L"Tessalo80.dll", L"zr_render.exe"}) {
         EXPECT_EQ(fault_of([&] {
                       static_cast<void>(host::plan_copies(stage, {L"I\\", L"D\\"}));
                   }),
@@ -142,77 +130,14 @@ TEST(HostFiles, PlanNamesWhatIsMissing) {
             << "without " << name;
         folder.write(name, "x");
     }
-    folder.write(L"Language\\zrtk_res_ja.dll", "x");
-    folder.write(L"Settings\\legacy\\old.printSetting3", "x");
-    std::vector<std::wstring> targets;
-    for (const host::FileCopy& copy : host::plan_copies(stage, {L"I\\", L"D\\"}))
-        targets.push_back(copy.target + (copy.keep_newer ? L" (kept)" : L""));
-    std::ranges::sort(targets);
-    const std::vector<std::wstring> expected = {L"D\\Language\\zrtk_res_en.dll",
-                                                L"D\\Language\\zrtk_res_ja.dll",
-                                                L"D\\ZR_UI80.dll",
-                                                L"I\\Language\\zrtk_res_en.dll",
-                                                L"I\\Language\\zrtk_res_ja.dll",
-                                                L"I\\Settings\\legacy\\old.printSetting3 (kept)",
-                                                L"I\\Settings\\standard.ps4 (kept)",
-                                                L"I\\Tessalo80.dll",
-                                                L"I\\zr_render.exe"};
-    EXPECT_EQ(targets, expected);
-}
-
-std::wstring environment(const wchar_t* name) {
-    wchar_t text[MAX_PATH] = {};
-    return GetEnvironmentVariableW(name, text, MAX_PATH) ? text : L"";
-}
-
-// The variables of the dialog library, as they were before for the tests after this one.
-class HostOutput : public testing::Test {
-protected:
-    ~HostOutput() override {
-        for (const auto& [name, text] : kept_)
-            SetEnvironmentVariableW(name, text.empty() ? nullptr : text.c_str());
-    }
-
-private:
-    const std::pair<const wchar_t*, std::wstring> kept_[2] = {
-        {L"ZR_UNATTENDED", environment(L"ZR_UNATTENDED")},
-        {L"ZR_OUTPUT_FOLDER", environment(L"ZR_OUTPUT_FOLDER")}};
-};
-
-TEST_F(HostOutput, FolderTakesTheLibrarysNames) {
-    const TempFolder folder;
-    const host::OutputTarget target(folder.file(L"new\\folder"));
-    EXPECT_TRUE(target.unattended());
-    EXPECT_EQ(environment(L"ZR_OUTPUT_FOLDER"), folder.file(L"new\\folder"));
-    EXPECT_EQ(environment(L"ZR_UNATTENDED"), L"1");
-    EXPECT_TRUE(qk::is_folder(folder.file(L"new\\folder")));
-    EXPECT_EQ(target.settle(L"C:\\x\\title.pdf"), L"C:\\x\\title.pdf");
-}
-
-TEST_F(HostOutput, FileTakesItsNameAtTheEnd) {
-    const TempFolder folder;
-    folder.write(L"wanted.PDF", "older");
-    {
-        const host::OutputTarget target(folder.file(L"wanted.PDF"));
-        const std::wstring work = environment(L"ZR_OUTPUT_FOLDER");
-        EXPECT_NE(work, folder.path());
-        EXPECT_TRUE(qk::is_folder(work));
-        host::OutputTarget nobody(L"");
-        EXPECT_FALSE(nobody.unattended());
-        const std::wstring made =
-            folder.write(work.substr(folder.path().size() + 1) + L"\\Title.pdf", "newer");
-        EXPECT_EQ(target.settle(made), folder.file(L"wanted.PDF"));
-        EXPECT_EQ(fault_of([&] { static_cast<void>(target.settle(made)); }), ExitCode::kJobFailed)
-            << "moved already";
-    }
-    EXPECT_EQ(TempFolder::read(folder.file(L"wanted.PDF")), "newer");
-    EXPECT_EQ(folder.count(), 1u) << "the job's own folder is gone";
+    const auto copies = host::plan_copies(stage, {L"I\\", L"D\\"});
+    EXPECT_EQ(copies.size(), 6u) << "the language library goes to both places";
+    for (const host::FileCopy& copy : copies)
+        EXPECT_EQ(copy.keep_newer, copy.target == L"I\\Settings\\standard.ps4");
 }
 
 TEST(HostFiles, TextFilesThatCannotBeReadAreNamed) {
     const TempFolder folder;
-    EXPECT_EQ(host::read_text_file(folder.write(L"some.txt", "a\0b")), "a");
-    EXPECT_EQ(host::read_text_file(folder.write(L"empty.txt", "")), "");
     const std::wstring locked = folder.write(L"locked.txt", "x");
     const qk::FileObj user(CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     const std::wstring large = folder.write(L"large.txt", "");
@@ -222,8 +147,7 @@ TEST(HostFiles, TextFilesThatCannotBeReadAreNamed) {
         SetFilePointer(file.get(), static_cast<LONG>(host::kMostTextBytes + 1), nullptr, FILE_BEGIN);
         ASSERT_TRUE(SetEndOfFile(file.get()));
     }
-    for (const std::wstring& path :
-         {folder.file(L"missing.txt"), folder.path(), locked, large, std::wstring()})
+    for (const std::wstring& path : {folder.path(), locked, large})
         EXPECT_EQ(fault_of([&] { static_cast<void>(host::read_text_file(path)); }), ExitCode::kUsage);
 }
 

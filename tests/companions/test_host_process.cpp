@@ -6,7 +6,7 @@
 #include "common/handle.h"
 #include "common/paths.h"
 #include "print_settings/PrintSettings.h"
-#include "support/installation.h"
+#include "support/child_process.h"
 
 namespace {
 
@@ -23,23 +23,10 @@ protected:
         SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
         qk::FileObj stream(
             CreateFileW(output.c_str(), GENERIC_WRITE, kShareAll, &inherited, CREATE_ALWAYS, 0, nullptr));
-        STARTUPINFOW startup = {sizeof startup};
-        startup.dwFlags = STARTF_USESTDHANDLES;
-        startup.hStdOutput = stream.get();
-        startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
-        PROCESS_INFORMATION made = {};
-        std::wstring line = L"zr_print " + words + L" --json";
-        if (!CreateProcessW(Installation::built(L"zr_print.exe").c_str(), line.data(), nullptr, nullptr, TRUE,
-                            0, nullptr, nullptr, &startup, &made))
-            return -1;
-        const qk::HandleObj process(made.hProcess);
-        const qk::HandleObj thread(made.hThread);
-        DWORD code = STILL_ACTIVE;
-        WaitForSingleObject(process.get(), 120'000);
-        GetExitCodeProcess(process.get(), &code);
+        const int code = run_built(L"zr_print.exe", L"zr_print " + words + L" --json", stream.get());
         stream.reset();
         EXPECT_EQ(picojson::parse(report_, TempFolder::read(output)), "");
-        return static_cast<int>(code);
+        return code;
     }
 
     int print(const std::wstring& more) { return run(L"print \"" + text_ + L"\" " + more); }
@@ -62,7 +49,7 @@ protected:
 };
 
 TEST_F(HostProcess, TextBecomesAPdf) {
-    const std::wstring pdf = folder_.file(L"\u65e5\u672c.pdf");
+    const std::wstring pdf = folder_.write(L"\u65e5\u672c.pdf", "older");
     ASSERT_EQ(print(L"--title \"R\u00e9sum\u00e9 1/2\" --output \"" + pdf + L"\""), 0) << text("fault");
     EXPECT_EQ(text("outcome"), "printed");
     EXPECT_EQ(number("pages"), 3);
@@ -73,7 +60,7 @@ TEST_F(HostProcess, TextBecomesAPdf) {
     const std::string bytes = TempFolder::read(pdf);
     EXPECT_TRUE(bytes.starts_with("%PDF-")) << bytes.substr(0, 20);
     EXPECT_NE(bytes.find("/Count 3"), std::string::npos);
-    EXPECT_FALSE(qk::is_file(folder_.file(L"text.txt.pdf")));
+    EXPECT_EQ(folder_.count(), 3u) << "the text, the report and the PDF; the job's own folder is gone";
 }
 
 TEST_F(HostProcess, AbortedJobLeavesNothing) {

@@ -17,38 +17,15 @@ namespace {
 using namespace companions::render;
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
 
-TEST(RenderArguments, CommandLines) {
-    using Words = std::vector<const wchar_t*>;
+TEST(RenderArguments, WrongNumbersAreNamed) {
     const struct {
-        const char* label;
-        Words words;
-        const wchar_t* fault;
-    } rows[] = {
-        {"all",
-         {L"--thread", L"0x1F", L"--printer", L"P", L"--spool", L"s", L"--notify", L"7:0x10000:64"},
-         L""},
-        {"discard needs no spool", {L"--thread", L"9", L"--discard"}, L""},
-        {"nothing", {}, L"--thread is missing"},
-        {"no printer", {L"--thread", L"9", L"--spool", L"s"}, L"--printer is missing"},
-        {"no spool", {L"--thread", L"9", L"--printer", L"P"}, L"--spool is missing"},
-        {"thread zero", {L"--thread", L"0"}, L"--thread cannot be 0"},
-        {"thread with a tail", {L"--thread", L"12x"}, L"--thread cannot be 12x"},
-        {"thread too large", {L"--thread", L"4294967296"}, L"--thread cannot be 4294967296"},
-        {"negative thread", {L"--thread", L"-1"}, L"--thread cannot be -1"},
-        {"no value", {L"--thread"}, L"--thread needs a value"},
-        {"empty value", {L"--spool", L""}, L"--spool cannot be empty"},
-        {"arena without size", {L"--notify", L"7:65536"}, L"--notify cannot be 7:65536"},
-        {"arena at null", {L"--notify", L"7:0:64"}, L"--notify cannot be 7:0:64"},
-        {"unknown", {L"--thread", L"9", L"--fast"}, L"unknown argument --fast"},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(parse_arguments(row.words).fault, row.fault) << row.label;
-    const auto all = parse_arguments(rows[0].words).arguments;
-    EXPECT_EQ(all.thread, 0x1Fu);
-    ASSERT_TRUE(all.arena);
-    EXPECT_EQ(all.arena->process, 7u);
-    EXPECT_EQ(all.arena->address, 0x10000u);
-    EXPECT_EQ(all.arena->bytes, 64u);
+        const wchar_t *option, *value;
+    } rows[] = {{L"--thread", L"0"},       {L"--thread", L"12x"},    {L"--thread", L"4294967296"},
+                {L"--notify", L"7:65536"}, {L"--notify", L"7:0:64"}, {L"--notify", L"0:65536:64"}};
+    for (const auto& row : rows) {
+        const std::vector<const wchar_t*> words = {row.option, row.value};
+        EXPECT_EQ(parse_arguments(words).fault, std::wstring(row.option) + L" cannot be " + row.value);
+    }
 }
 
 TEST(RenderPdfmark, TextsOfEveryLanguageBecomeUtf16) {
@@ -78,14 +55,9 @@ TEST(RenderEngineArguments, SettingsReadAsArguments) {
         const char* argument;
     } rows[] = {
         {"default version", [](PrintSettings&) {}, "-dCompatibilityLevel=1.7"},
-        {"oldest version", [](PrintSettings& s) { s.pdfVersion()->Version = 0; }, "-dCompatibilityLevel=1.3"},
         {"archive version", [](PrintSettings& s) { s.pdfVersion()->Version = 5; },
          "-dCompatibilityLevel=1.4"},
-        {"unknown version", [](PrintSettings& s) { s.pdfVersion()->Version = 99; },
-         "-dCompatibilityLevel=1.7"},
         {"plain", [](PrintSettings& s) { s.general()->Linearize = false; }, "-dFastWebView=false"},
-        {"threshold below target", [](PrintSettings& s) { s.compression()->Gray->ResolutionThreshold = 10; },
-         "-dGrayImageDownsampleThreshold=1.00"},
         {"target zero", [](PrintSettings& s) { s.compression()->Color->ResolutionTarget = 0; },
          "-dColorImageDownsampleThreshold=10.00"},
         {"mono is never averaged", [](PrintSettings&) {}, "-dMonoImageDownsampleType=/Subsample"},
@@ -149,46 +121,18 @@ TEST(RenderEngineArguments, PasswordsGoIntoTheOptionsOnly) {
 }
 
 TEST(RenderEngineArguments, PermissionsOfBothEncryptions) {
-    const struct {
-        const char* label;
-        bool pdf13;
-        void (*change)(Corvanta::Vantrix::PrintSettings::Security_impl&);
-        uint32_t bits;
-    } rows[] = {
-        {"40 bits by default: notes only", true, [](auto&) {}, 0xFFFFFFE0},
-        {"40 bits, print", true, [](auto& s) { s.PDF13_DisallowPrint = false; }, 0xFFFFFFE4},
-        {"128 bits by default: forms and reading aloud", false, [](auto&) {}, 0xFFFFF3C0},
-        {"coarse print", false, [](auto& s) { s.PrintPermission = 1; }, 0xFFFFF3C4},
-        {"fine print", false, [](auto& s) { s.PrintPermission = 2; }, 0xFFFFFBC4},
-        {"copying reads aloud too", false,
-         [](auto& s) {
-             s.AllowCopyContent = true;
-             s.AllowAccessFromScreenReader = false;
-         },
-         0xFFFFF3D0},
-        {"all editing", false, [](auto& s) { s.EditPermission = 5; }, 0xFFFFF7E8},
-        {"codes beyond the lists", false, [](auto& s) { s.EditPermission = s.PrintPermission = 99; },
-         0xFFFFFFEC},
-    };
-    for (const auto& row : rows) {
-        Corvanta::Vantrix::PrintSettings::Security_impl security;
-        row.change(security);
-        EXPECT_EQ(static_cast<uint32_t>(permission_bits(security, row.pdf13)), row.bits) << row.label;
-    }
-}
-
-TEST(RenderEngineArguments, OnlyWishesThatAreNotDoneAreNamed) {
-    PrintSettings settings;
-    EXPECT_TRUE(unsupported_wishes(settings).empty());
-    settings.watermark()->Text = L"not shown";
-    settings.color()->ColorMode = 1;
-    settings.compression()->Color->ResolutionTarget = 72;
-    EXPECT_TRUE(unsupported_wishes(settings).empty());
-    settings.watermark()->Style = 1;
-    settings.color()->ColorMode = 2;
-    settings.compression()->Gray->JpegQuality = 10;
-    settings.openAction()->HideMenu = true;
-    EXPECT_EQ(unsupported_wishes(settings).size(), 4u);
+    Corvanta::Vantrix::PrintSettings::Security_impl security;
+    const auto bits = [&](bool pdf13) { return static_cast<uint32_t>(permission_bits(security, pdf13)); };
+    EXPECT_EQ(bits(true), 0xFFFFFFE0) << "by default notes only";
+    EXPECT_EQ(bits(false), 0xFFFFF3C0) << "by default forms and reading aloud";
+    security.PDF13_DisallowPrint = false;
+    security.PrintPermission = 1;
+    security.AllowCopyContent = true;
+    security.AllowAccessFromScreenReader = false;
+    EXPECT_EQ(bits(true), 0xFFFFFFE4);
+    EXPECT_EQ(bits(false), 0xFFFFF3D4) << "copying reads aloud too";
+    security.EditPermission = security.PrintPermission = 99;
+    EXPECT_EQ(bits(false), 0xFFFFFFFC) << "codes beyond the lists are their last ones";
 }
 
 TEST(RenderEngineLog, PiecesOfAnySize) {
@@ -217,9 +161,6 @@ TEST(RenderEngineLog, EndsAreNotAllTheDocumentsFault) {
         ResultCode code;
     } rows[] = {
         {End::kDone, "zr:page 1\nError: printed by the document\n", ResultCode::kDone},
-        {End::kDone, "", ResultCode::kNoPages},
-        {End::kMissing, "", ResultCode::kEngineMissing},
-        {End::kFailed, "zr:page 1\nError: /undefined in x\n", ResultCode::kSpoolDamaged},
         {End::kFailed, "Error: /ioerror in --showpage--\n", ResultCode::kTargetUnwritable},
         {End::kStopped, "zr:page 1\nError: /ioerror in --showpage--\n", ResultCode::kTargetUnwritable},
         {End::kFailed, "**** Could not open the file /x.tmp .\n", ResultCode::kTargetUnwritable},
@@ -241,38 +182,28 @@ std::wstring text_in(const qk::MsWString& field, const FilledRecord& filled, con
 }
 
 TEST(RenderResultRecord, TextsGoWhereTheyFit) {
-    const std::wstring message = L"The print data is dam\U0001F5A8ged";
+    const std::wstring whole = L"The print data is dam\U0001F5A8ged", caption = L"Caption text",
+                       file = L"C:\\out\\file.pdf";
     const struct {
         const char* label;
         size_t units;  // of the arena; 0: none
-        std::wstring caption;
-        std::wstring file;
-        std::wstring message;
+        std::wstring caption, file, message;
     } rows[] = {
-        {"room for all", 100, L"Caption text", L"C:\\out\\file.pdf", message},
-        {"short texts stand in the record", 0, L"Short", L"a.pdf", L"Failed"},
-        {"no arena", 0, L"Caption text", L"C:\\out\\file.pdf", message},
-        {"message cut", 13 + 16 + 20, L"Caption text", L"C:\\out\\file.pdf", message.substr(0, 19)},
-        {"message not cut inside a pair", 13 + 16 + 23, L"Caption text", L"C:\\out\\file.pdf",
-         message.substr(0, 21)},
-        {"file name does not fit", 13 + 15, L"Caption text", L"C:\\out\\file.pdf", message.substr(0, 14)},
-        {"hardly any room", 3, L"Caption text", L"C:\\out\\file.pdf", message},
+        {"room for all", 100, caption, file, whole},
+        {"no arena", 0, L"", L"", L""},
+        {"message not cut inside a pair", 13 + 16 + 23, caption, file, whole.substr(0, 21)},
+        {"file name does not fit", 13 + 15, caption, L"", whole.substr(0, 14)},
     };
     for (const auto& row : rows) {
-        const bool in_record = row.caption.size() <= 7;
-        Result result{ResultCode::kSpoolDamaged, 13, in_record ? row.message : message, row.caption,
-                      row.file};
         const TextArena arena{1, 0x10000, row.units * sizeof(wchar_t) + 1};
-        const auto filled = fill_record(result, row.units ? std::optional(arena) : std::nullopt);
+        const auto filled = fill_record({ResultCode::kSpoolDamaged, 13, whole, caption, file},
+                                        row.units ? std::optional(arena) : std::nullopt);
         EXPECT_LE(filled.texts.size(), row.units) << row.label;
         EXPECT_EQ(filled.record.error_code, 1004u) << row.label;
         EXPECT_EQ(filled.record.win32_error, 13u) << row.label;
-        const bool any = row.units > 13 || in_record;
-        EXPECT_EQ(text_in(filled.record.caption, filled, arena), any ? row.caption : L"") << row.label;
-        const bool file_fits = row.units >= 13 + 16 || in_record;
-        EXPECT_EQ(text_in(filled.record.pdf_file_name, filled, arena), file_fits ? row.file : L"")
-            << row.label;
-        EXPECT_EQ(text_in(filled.record.message, filled, arena), any ? row.message : L"") << row.label;
+        EXPECT_EQ(text_in(filled.record.caption, filled, arena), row.caption) << row.label;
+        EXPECT_EQ(text_in(filled.record.pdf_file_name, filled, arena), row.file) << row.label;
+        EXPECT_EQ(text_in(filled.record.message, filled, arena), row.message) << row.label;
     }
 }
 

@@ -11,7 +11,7 @@
 #include "common/text.h"
 #include "companions/reservation.h"
 #include "print_settings/PrintSettings.h"
-#include "support/installation.h"
+#include "support/child_process.h"
 
 namespace {
 
@@ -21,6 +21,7 @@ constexpr char kTwoPages[] =
     "%!PS-Adobe-3.0\n%%Title: the spool's own title\n%%EndComments\n"
     "/Courier findfont 20 scalefont setfont\n"
     "72 700 moveto (one) show showpage 72 700 moveto (two) show showpage\n";
+constexpr wchar_t kProgram[] = L"zr_render.exe";
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
 
@@ -49,27 +50,7 @@ public:  // the tables of the tests change jobs
             line += qk::format(L" --notify %lu:%llu:%u", GetCurrentProcessId(),
                                reinterpret_cast<unsigned long long>(arena_),
                                static_cast<unsigned>(sizeof arena_));
-        return start(line);
-    }
-
-    static int start(std::wstring line) {
-        STARTUPINFOW startup = {sizeof startup};
-        PROCESS_INFORMATION made = {};
-        // A busy Wine refuses a process now and then; the next try gets it.
-        BOOL started = FALSE;
-        for (int attempt = 0; attempt < 3 && !started; ++attempt)
-            started = CreateProcessW(Installation::built(L"zr_render.exe").c_str(), line.data(), nullptr,
-                                     nullptr, FALSE, 0, nullptr, nullptr, &startup, &made);
-        if (!started) {
-            ADD_FAILURE() << "no process: error " << GetLastError();
-            return -1;
-        }
-        const qk::HandleObj process(made.hProcess);
-        const qk::HandleObj thread(made.hThread);
-        DWORD code = STILL_ACTIVE;
-        WaitForSingleObject(process.get(), 120'000);
-        GetExitCodeProcess(process.get(), &code);
-        return static_cast<int>(code);
+        return run_built(kProgram, line);
     }
 
     [[nodiscard]] std::string pdf() const { return TempFolder::read(target_); }
@@ -78,6 +59,7 @@ public:  // the tables of the tests change jobs
     const TempFolder folder_;
     std::wstring target_, spool_, setting_;
     PrintSettings settings_;
+    qk::FileObj lock_;
     wchar_t arena_[2048] = {};
     const qk::MMF<ZRTKPrintStartInfoC> start_{
         qk::format(kStartBlockName, static_cast<int>(GetCurrentThreadId()))};
@@ -136,6 +118,12 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
         {"folder of the target missing", kTwoPages,
          [](RenderProcess& job) { job.target_ = job.folder_.file(L"none\\x.pdf"); }, 1005,
          ERROR_PATH_NOT_FOUND, L"none\\x.pdf"},
+        {"target in use", kTwoPages,
+         [](RenderProcess& job) {
+             job.lock_.reset(CreateFileW(job.target_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                         OPEN_EXISTING, 0, nullptr));
+         },
+         1005, ERROR_ACCESS_DENIED, L"100%d.pdf"},
         {"engine missing", kTwoPages,
          [](RenderProcess&) { SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", L"/none/gs"); }, 1006,
          ERROR_FILE_NOT_FOUND, L"Ghostscript"},
@@ -153,6 +141,7 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
         row.change(*this);
         const size_t files = folder_.count();
         EXPECT_EQ(run(), kFailed) << row.label;
+        lock_.reset();
         SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", nullptr);
         EXPECT_EQ(error(), row.error) << row.label;
         EXPECT_EQ(result_.view()->win32_error, row.win32_error) << row.label;
@@ -163,17 +152,6 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
         EXPECT_EQ(TempFolder::read(old), "old") << row.label;
         EXPECT_EQ(folder_.count(), files) << row.label << ": nothing half-written stays";
     }
-}
-
-TEST_F(RenderProcess, LockedTargetIsUnharmed) {
-    folder_.write(L"\u65E5\u672C 100%d.pdf", "old");
-    const qk::FileObj lock(
-        CreateFileW(target_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-    ASSERT_TRUE(lock);
-    EXPECT_EQ(run(), kFailed);
-    EXPECT_EQ(error(), 1005u);
-    EXPECT_EQ(pdf(), "old");
-    EXPECT_TRUE(qk::is_file(spool_)) << "what failed can be looked into";
 }
 
 TEST_F(RenderProcess, ReservedNameGoesWithTheJobThatFails) {
@@ -199,8 +177,8 @@ TEST_F(RenderProcess, ReservedNameGoesWithTheJobThatFails) {
 }
 
 TEST_F(RenderProcess, WrongCallsTouchNothing) {
-    EXPECT_EQ(start(L"zr_render"), 2);
-    EXPECT_EQ(start(L"zr_render --thread 4294967295 --printer P --spool s"), 3);
+    EXPECT_EQ(run_built(kProgram, L"zr_render"), 2);
+    EXPECT_EQ(run_built(kProgram, L"zr_render --thread 4294967295 --printer P --spool s"), 3);
     EXPECT_EQ(error(), 0u);
 }
 

@@ -37,7 +37,6 @@ protected:
     Tessalo() : library_(LoadLibraryW(Installation::built(dialog_library::kFileName).c_str())) {
         get_file_ = qk::find_export<dialog_library::GetFile2>(library_.get(), "GetFile2");
         get_setting_ = qk::find_export<dialog_library::GetSettingFN>(library_.get(), "GetSettingFN");
-        browse_ = qk::find_export<dialog_library::GetBrowsePath>(library_.get(), "GetBrowsePath");
         record_.title.set_in_place(L"Title");
         record_.output_path.lend(path_, 0);
     }
@@ -57,7 +56,6 @@ protected:
     const qk::DLL library_;
     dialog_library::GetFile2* get_file_ = nullptr;
     dialog_library::GetSettingFN* get_setting_ = nullptr;
-    dialog_library::GetBrowsePath* browse_ = nullptr;
     std::vector<wchar_t> path_ = std::vector<wchar_t>(dialog_library::kLentUnits);
     dialog_library::WorkingRecord record_ = {};
     PrintSettings settings_;
@@ -97,13 +95,6 @@ TEST_F(Tessalo, FolderComesFromTheFirstThatGivesOne) {
     }
 }
 
-TEST_F(Tessalo, DocumentsAreTheLastResort) {
-    record_.settings = nullptr;
-    record_.title.set_in_place(L"\1");
-    ASSERT_EQ(get_file_(&record_, L"Printer"), 0);
-    EXPECT_TRUE(record_.output_path.find_text()->ends_with(L"\\no_name.pdf"));
-}
-
 TEST_F(Tessalo, RefusedNameReadsAsACancel) {
     const TempFolder folder;
     folder.write(L"Title.pdf", "old");
@@ -127,17 +118,6 @@ TEST_F(Tessalo, PathKeepsToTheMemoryThatWasLent) {
         EXPECT_EQ(std::wstring(small.data() + lent, 8), L"########");
         EXPECT_EQ(folder.count(), lent > units ? 1u : 0u) << "a file that nobody learns of does not stay";
     }
-}
-
-TEST_F(Tessalo, UnreadableTitleAndNoRecordDoNoHarm) {
-    const TempFolder folder;
-    settings_.general()->OutputFolder = folder.path();
-    record_.title.address = reinterpret_cast<wchar_t*>(16);
-    record_.title.length = record_.title.capacity = 100;
-    EXPECT_EQ(ask(), folder.file(L"no_name.pdf"));
-    EXPECT_EQ(get_file_(nullptr, nullptr), 0);
-    EXPECT_NE(get_setting_(nullptr, 10, L"Printer", nullptr), 0);
-    EXPECT_EQ(browse_(path_.data(), nullptr), 0) << "nobody is asked for a folder";
 }
 
 TEST_F(Tessalo, SettingOfTheProcessGoesBeforeThePrinters) {

@@ -4,56 +4,22 @@
 #include <string>
 
 #include "print_settings/PrintSettings.h"
-#include "print_settings/json.h"
 #include "support/import_patch.h"
+#include "support/installation.h"
 #include "support/random_settings.h"
 #include "support/temp_folder.h"
 
 namespace ps = Corvanta::Vantrix::PrintSettings;
 
-namespace {
-
-// What a setting at its defaults holds, member by member.
-constexpr char kDefaults[] =
-    R"({"Addition":{"Bool":{},"Bool_Array":{},"Float":{},"Float_Array":{},"Int":{},"Int_Array":{},"Str":{},)"
-    R"("Str_Array":{}},)"
-    R"("Color":{"BlackToK100":false,"ColorMode":0,"GrayDecreasingMethod":0,"MonoDecreasingMethod":0,)"
-    R"("MonoImageFilter":0,"MonoImageThreshold":128,"MonoTextAndPassThreshold":128},)"
-    R"("Compression":{"ASCIIFormat":false,)"
-    R"("Color":{"CompressionMethod":0,"DownSamplingMethod":2,"JpegQuality":95,"ResolutionTarget":150,)"
-    R"("ResolutionThreshold":225},)"
-    R"("Gray":{"CompressionMethod":0,"DownSamplingMethod":2,"JpegQuality":95,"ResolutionTarget":150,)"
-    R"("ResolutionThreshold":225},)"
-    R"("HighCompress":false,)"
-    R"("Mono":{"DownSamplingMethod":2,"MonoCompressionMethod":2,"ResolutionTarget":1200,)"
-    R"("ResolutionThreshold":1800},"TextAndLineArt":false},)"
-    R"("Font":{"EmbedBase14":true,"EmbedFontStyle":0,"Fonts":[],"WhenFailedToEmbed":1},)"
-    R"("General":{"Linearize":true,"NoOutputBlankPage":false,"OpenPDF":1,"OutputFolder":"","PaperHeight":297,)"
-    R"("PaperName":9,"PaperOrientation":0,"PaperResolution":600,"PaperType":0,"PaperWidth":210,"SaveStyle":0,)"
-    R"("Scale":100,"URLLink":false,"WhenSameName":0},)"
-    R"("Notification":{"ID":0,"RegisterMessageString":"","V6":{"ID_High":0,"ID_Low":0,"PageEnd":"",)"
-    R"("PageStart":"","PrintEnd":"","PrintError":"","PrintStart":""}},)"
-    R"("OpenAction":{"Binding":1,"CenterWindow":false,"FitToPage":false,"FullScreen":false,"HideMenu":false,)"
-    R"("HideToolBar":false,"HideWindowControl":false,"PageAdjust":0,"PageLayout":0,"PageMode":0,)"
-    R"("ShowDocumentTitle":false,"StartPage":1},)"
-    R"("PDFVersion":{"BleedBox":{"bottom":0,"left":0,"right":0,"top":0},"ICCFileName":"",)"
-    R"("TrimBox":{"bottom":0,"left":0,"right":0,"top":0},"UseBleedBox":false,"UseTrimBox":false,"Version":4,)"
-    R"("WhenErroredPDFAX":0},)"
-    R"("PSComment":[],"PSName":"","PSVersion":70000,)"
-    R"("Security":{"AllowAccessFromScreenReader":true,"AllowCopyContent":false,"EditPermission":2,"Level":4,)"
-    R"("MasterPassword":"","PDF13_DisallowAnnotate":false,"PDF13_DisallowCopy":true,)"
-    R"("PDF13_DisallowModify":true,"PDF13_DisallowPrint":true,"PrintPermission":0,"UserPassword":""},)"
-    R"("Summary":{"Author":"","Creator":"","EmbedPSFileName":false,"Keywords":"","Subject":"","Title":""},)"
-    R"("Watermark":{"DiagonalText":true,"FontName":"Arial","FontSize":0,"HorizontalPosition":1,)"
-    R"("PictureFileName":"","PictureScale":4294967295,"Style":0,"Text":"CONFIDENTIAL","TextColor":255,)"
-    R"("Transparency":70,"VerticalPosition":1,"VisibleInDisplay":true,"VisibleInPrint":true,"ZOrder":0}})";
-
-}  // namespace
-
-TEST(Ps4Write, DefaultsAreTheseMembers) {
-    picojson::value document;
-    ASSERT_TRUE(ps::json::try_parse(std::string_view(ps::PrintSettings().Serialise()).substr(3), document));
-    EXPECT_EQ(document.serialize(), kDefaults);
+// The shipped file lists every member with its standard value.
+TEST(Ps4Write, DefaultsAreThoseOfTheShippedSetting) {
+    std::string shipped = TempFolder::read(Installation::built(L"Settings\\standard.ps4"));
+    std::erase(shipped, '\r');
+    ps::PrintSettings settings;
+    ASSERT_TRUE(settings.Load(Installation::built(L"Settings\\standard.ps4")));
+    ps::PrintSettings defaults;
+    defaults->PSName = settings->PSName;
+    EXPECT_EQ(defaults.Serialise(), shipped);
 }
 
 TEST(Ps4Write, BytesAreMarkedAndIndented) {

@@ -9,6 +9,7 @@
 
 #include <prsht.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 
@@ -16,8 +17,10 @@
 #include "UI_dll/PDFSettings/edit_sheet.h"
 #include "UI_dll/PDFSettings/exchange.h"
 #include "UI_dll/PDFSettings/page.h"
+#include "UI_dll/PDFSettings/page_pdf_version_rules.h"
 #include "UI_dll/plotui.h"
 #include "common/threadprop.h"
+#include "resources/ids.h"
 #include "support/installation.h"
 
 // Runs `script` once `ready` holds, inside whatever message loop the thread is in by then.
@@ -105,6 +108,20 @@ protected:
         SendMessageW(sheet(), PSM_SETCURSEL, index, 0);
         return reinterpret_cast<HWND>(SendMessageW(sheet(), PSM_GETCURRENTPAGEHWND, 0, 0)) == page(index);
     }
+    // Leaves the page in front, which lets go when `message` is 0, and else stays with that message and the
+    // focus on the control at fault.
+    static void expect_check(PageIndex index, UINT message, int focus = 0) {
+        Outbox::boxes.clear();
+        const PageIndex other =
+            index == pdf_settings::kGeneralPage ? pdf_settings::kColorPage : pdf_settings::kGeneralPage;
+        EXPECT_EQ(go_to(other), message == 0);
+        ASSERT_EQ(Outbox::boxes.size(), message ? 1u : 0u);
+        if (message == 0)
+            return;
+        EXPECT_EQ(Outbox::boxes[0].text, pdf_settings::dialog_text(message));
+        const HWND wanted = control(index, focus);
+        EXPECT_TRUE(GetFocus() == wanted || IsChild(wanted, GetFocus()));
+    }
     static void press_ok() { SendMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_OK, 0); }
     static void press_apply() { SendMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_APPLYNOW, 0); }
 
@@ -129,6 +146,11 @@ protected:
     static void choose(PageIndex index, int id, int position) {
         SendMessageW(control(index, id), CB_SETCURSEL, static_cast<WPARAM>(position), 0);
         notify(index, id, CBN_SELCHANGE);
+    }
+    static void choose_version(uint32_t version) {
+        const auto place = std::ranges::find(pdf_settings::kVersionOrder, version);
+        choose(pdf_settings::kPDFVersionPage, IDC_PV_VERSION,
+               static_cast<int>(place - pdf_settings::kVersionOrder.begin()));
     }
     static void notify(PageIndex index, int id, int notification) {
         SendMessageW(page(index), WM_COMMAND, MAKEWPARAM(id, notification),

@@ -59,8 +59,7 @@ struct DialogState {
     bool cancelled = false;                   // the edit sheet was cancelled
 
     HWND list_page = nullptr;
-    HWND list_sheet = nullptr;  // the list page's parent, whose window procedure is replaced
-    WNDPROC sheet_procedure = nullptr;
+    HWND list_sheet = nullptr;     // the list page's parent, whose window procedure is replaced
     HANDLE dpi_context = nullptr;  // the thread's, before the list page was opened
 };
 

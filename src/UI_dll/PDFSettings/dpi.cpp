@@ -2,6 +2,7 @@
 
 #include "UI_dll/plotui.h"
 #include "common/handle.h"
+#include "common/trace.h"
 #include "resources/ids.h"
 
 namespace {
@@ -21,11 +22,13 @@ UINT screen_dpi() noexcept {
 }  // namespace
 
 UINT qk_GetWindowDPI(HWND window) noexcept {
+    TRACE("qk_GetWindowDPI");
     auto* dpi_of = find_user32<UINT WINAPI(HWND)>("GetDpiForWindow");
     return pdf_settings::usable_dpi(dpi_of ? dpi_of(window) : screen_dpi());
 }
 
 HANDLE qk_SetThreadDpiAwarenessContext(HANDLE context) noexcept {
+    TRACE("qk_SetThreadDpiAwarenessContext");
     auto* set = find_user32<HANDLE WINAPI(HANDLE)>("SetThreadDpiAwarenessContext");
     return set ? set(context) : nullptr;
 }

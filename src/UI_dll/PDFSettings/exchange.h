@@ -26,7 +26,7 @@ void enable(HWND page, const std::array<int, Count>& controls, bool enabled) noe
         enable(page, control, enabled);
 }
 
-// Appends the string resources `first` .. `first + count - 1` to a combo box.
+// Fills a combo box anew with the string resources `first` .. `first + count - 1`.
 void fill_list(HWND page, int control, UINT first, UINT count);
 // The selected position of a combo box, or `otherwise` when nothing is selected.
 [[nodiscard]] int selected(HWND page, int control, int otherwise = 0) noexcept;
@@ -64,7 +64,7 @@ struct Radios {  // the value is the position of the checked one
 };
 
 template <class Section, class Value>
-struct DropList {  // the value is the selected position; the page's init has filled the list from these
+struct DropList {  // the value is the selected position; the list is filled from these
     int control;
     Value Section::*member;
     UINT first_text;
@@ -112,7 +112,7 @@ struct Number {  // a whole number, brought into its range when it is read; text
         SetDlgItemTextW(page, control, std::to_wstring(static_cast<long long>(section.*member)).c_str());
     }
     void store(HWND page, Section& section) const {
-        if (const auto number = qk::find_number(control_text(page, control)))
+        if (const auto number = qk::find_integer(control_text(page, control)))
             section.*member = static_cast<Value>(*number < low ? low : *number > high ? high : *number);
     }
 };

@@ -1,9 +1,8 @@
 #include "UI_dll/PDFSettings/font_states.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
-#include <system_error>
-#include <thread>
 
 #include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/guard.h"
@@ -19,8 +18,8 @@ struct Table final : PageHelper {
     std::vector<FontState> fonts;
 };
 
-constexpr size_t kChunk = 16;         // fonts that a thread takes at once
-constexpr unsigned kMostThreads = 4;  // the fonts' server is one for all: more would wait for each other
+constexpr size_t kChunk = 16;       // fonts that a thread takes at once
+constexpr size_t kMostHelpers = 3;  // the fonts' server is one for all: more would wait for each other
 
 int compare_names(std::wstring_view a, std::wstring_view b) noexcept {
     const auto length = [](std::wstring_view text) { return static_cast<int>(text.size()); };
@@ -40,7 +39,7 @@ int CALLBACK add_name(const LOGFONTW* font, const TEXTMETRICW*, DWORD type, LPAR
 // A family comes once for each of its character sets.
 std::vector<FontState> list_families() {
     std::vector<FontState> fonts;
-    const qk::MemoryDC dc(CreateCompatibleDC(nullptr));
+    const qk::DeviceContext dc(CreateCompatibleDC(nullptr));
     LOGFONTW all = {};
     all.lfCharSet = DEFAULT_CHARSET;
     if (dc)
@@ -67,30 +66,40 @@ Embedding read_embedding(HDC dc, const std::wstring& name) noexcept {
     return embedding_of(static_cast<uint16_t>(bits[0] << 8 | bits[1]));
 }
 
-// Takes chunks of the table until none is left.
-void fill(std::vector<FontState>& fonts, std::atomic<size_t>& next) noexcept {
-    const qk::MemoryDC dc(CreateCompatibleDC(nullptr));
-    if (!dc)
-        return;
-    for (size_t first = next.fetch_add(kChunk); first < fonts.size(); first = next.fetch_add(kChunk))
-        for (size_t i = first; i < std::min(first + kChunk, fonts.size()); ++i)
-            fonts[i].embedding = read_embedding(dc.get(), fonts[i].name);
+struct Work {
+    std::vector<FontState>& fonts;
+    std::atomic<size_t> next = 0;
+
+    // Takes chunks of the table until none is left.
+    void share() noexcept {
+        const qk::DeviceContext dc(CreateCompatibleDC(nullptr));
+        if (!dc)
+            return;
+        for (size_t first = next.fetch_add(kChunk); first < fonts.size(); first = next.fetch_add(kChunk))
+            for (size_t i = first; i < std::min(first + kChunk, fonts.size()); ++i)
+                fonts[i].embedding = read_embedding(dc.get(), fonts[i].name);
+    }
+};
+
+DWORD WINAPI help(void* work) {
+    static_cast<Work*>(work)->share();
+    return 0;
 }
 
+// The system's own threads: the library's keep a handle for the rest of the process when two of them meet.
 void fill_in_parallel(std::vector<FontState>& fonts) {
-    std::atomic<size_t> next = 0;
+    Work work = {fonts};
+    SYSTEM_INFO system;
+    GetSystemInfo(&system);
     const size_t chunks = (fonts.size() + kChunk - 1) / kChunk;
-    const size_t threads =
-        std::min<size_t>(std::clamp(std::thread::hardware_concurrency(), 1u, kMostThreads), chunks);
-    std::vector<std::jthread> helpers;  // its destructor waits for them
-    helpers.reserve(threads);
-    try {
-        while (helpers.size() + 1 < threads)
-            helpers.emplace_back([&] { fill(fonts, next); });
-    } catch (const std::system_error&) {
-        TRACE("no more threads");  // those that there are do the work
-    }
-    fill(fonts, next);
+    const size_t useful = std::min<size_t>(system.dwNumberOfProcessors, chunks);
+    std::array<qk::HandleObj, kMostHelpers> helpers;
+    for (size_t i = 0; i < kMostHelpers && i + 1 < useful; ++i)
+        helpers[i].reset(CreateThread(nullptr, 0, &help, &work, 0, nullptr));
+    work.share();
+    for (const qk::HandleObj& helper : helpers)
+        if (helper)
+            WaitForSingleObject(helper.get(), INFINITE);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "UI_dll/PDFSettings/exchange.h"
 #include "UI_dll/PDFSettings/page.h"
-#include "UI_dll/PDFSettings/page_compress_rules.h"
 #include "UI_dll/PDFSettings/whole_number.h"
 #include "common/trace.h"
 #include "resources/ids.h"
@@ -67,16 +66,19 @@ uint32_t read_color_mode() {
     return edited_setting().color()->ColorMode;
 }
 
-CompressImage_impl read_image(HWND page, const ImageControls& image) {
-    CompressImage_impl values;
-    values.DownSamplingMethod = static_cast<uint32_t>(selected(page, image.base + CMP_SAMPLING));
-    values.CompressionMethod = static_cast<uint32_t>(selected(page, image.base + CMP_METHOD));
-    return values;
-}
+// Which values of one kind of image have an effect.
+struct ImageUse {
+    bool any;
+    bool quality;      // JPEG quality
+    bool resolutions;  // threshold and target
+};
 
 ImageUse image_use(HWND page, const ImageControls& image) {
-    const bool is_mono = image.base == IDC_CMP_MONO;
-    return use_of_image(read_image(page, image), is_mono, read_color_mode() <= image.last_mode);
+    constexpr int kNoSampling = 0;
+    constexpr int kJpeg = 1;                                // 0 is JPEG, too, where it suits the image
+    const bool any = read_color_mode() <= image.last_mode;  // the document has such images
+    const bool jpeg = image.base != IDC_CMP_MONO && selected(page, image.base + CMP_METHOD) <= kJpeg;
+    return {any, any && jpeg, any && selected(page, image.base + CMP_SAMPLING) != kNoSampling};
 }
 
 void enable_image(HWND page, const ImageControls& image) {

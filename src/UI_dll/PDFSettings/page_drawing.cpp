@@ -100,7 +100,7 @@ void draw_missing_picture(HDC dc, const RECT& area) noexcept {
 
 // Only what lies inside `page` is stretched: a picture at a large scale may be far larger.
 void draw_bitmap(HDC dc, const RECT& page, const RECT& area, const Picture& picture) noexcept {
-    const qk::MemoryDC source(CreateCompatibleDC(dc));
+    const qk::DeviceContext source(CreateCompatibleDC(dc));
     RECT seen = {};
     if (!source || !IntersectRect(&seen, &page, &area))
         return;

@@ -21,7 +21,7 @@ public:
     explicit operator bool() const noexcept { return before_ != nullptr; }
 
 private:
-    qk::MemoryDC dc_;
+    qk::DeviceContext dc_;
     qk::Bitmap bitmap_;
     HGDIOBJ before_ = nullptr;
 };

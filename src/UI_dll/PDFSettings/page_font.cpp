@@ -61,10 +61,13 @@ void add_column(HWND list, int position, UINT text_id, int width) {
 
 // As wide as the longest of their texts and the room around it.
 int width_of_states(HWND list) {
-    LRESULT widest = 0;
+    const auto width_of = [list](UINT id) {
+        const std::wstring text = dialog_text(id);
+        return SendMessageW(list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    };
+    LRESULT widest = width_of(IDS_FONT_COLUMN_STATE);
     for (UINT id = IDS_FONT_INSTALLABLE; id <= IDS_FONT_ABSENT; ++id)
-        widest = std::max(widest, SendMessageW(list, LVM_GETSTRINGWIDTHW, 0,
-                                               reinterpret_cast<LPARAM>(dialog_text(id).c_str())));
+        widest = std::max(widest, width_of(id));
     return static_cast<int>(widest) + 3 * GetSystemMetrics(SM_CXEDGE) + GetSystemMetrics(SM_CXVSCROLL) / 2;
 }
 

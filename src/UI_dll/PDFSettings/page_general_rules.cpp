@@ -41,8 +41,8 @@ std::optional<double> find_scale(std::wstring_view text) noexcept {
 }
 
 std::optional<int32_t> find_resolution(std::wstring_view text) noexcept {
-    const auto number = within(qk::find_number(text), 0, INT32_MAX);
-    return number ? std::optional(static_cast<int32_t>(*number)) : std::nullopt;
+    const auto number = qk::find_integer(text);
+    return number && *number >= 0 ? number : std::nullopt;
 }
 
 float paper_length(double millimetres) noexcept {

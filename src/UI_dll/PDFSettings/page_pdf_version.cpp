@@ -18,7 +18,7 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::PDFVersion_impl;
 
-constexpr size_t kProfileUnits = 260;
+constexpr size_t kProfileUnits = 261;  // a description of 260 and its zero
 constexpr wchar_t kDefaultProfile[] = L"Japan Color 2001 Coated";
 constexpr wchar_t kConditionKey[] = L"OutputCondition";
 
@@ -158,7 +158,7 @@ void dlg_init_PDFVersion(HWND page) {
     auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
     helper.stored_name = section.ICCFileName;
     if (const auto path = icc::find_profile(section.ICCFileName))
-        helper.stored_description = icc::find_description(*path).value_or(L"").substr(0, kProfileUnits - 1);
+        helper.stored_description = icc::find_description(*path).value_or(L"");
     helper.profile = helper.stored_description;
     ListupICCFileByName(page, nullptr, section.Version);
     load_condition(page);
@@ -235,7 +235,7 @@ void ListupICCFileByName(HWND page, void* /*ignored*/, uint32_t version) {
             if (is_profile_listed(version, profile.colour_space, profile.device_class))
                 if (const auto description = icc::find_description(profile.path);
                     description && !description->empty())
-                    add_profile(page, description->substr(0, kProfileUnits - 1));
+                    add_profile(page, *description);
         add_stored_profile(page, version);
     }
     LRESULT position = helper.profile.empty() ? -1 : find_item(page, helper.profile);

@@ -133,7 +133,7 @@ INT_PTR on_message(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
         return FALSE;
     const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam);
     if (wparam == IDC_MARK_PREVIEW)
-        draw_page(item.hDC, item.rcItem, read_controls(page));
+        draw_page(item, read_controls(page));
     else if (wparam == IDC_MARK_SWATCH)
         draw_swatch(item);
     else

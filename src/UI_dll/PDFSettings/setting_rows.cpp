@@ -82,6 +82,13 @@ private:
     HWND list_;
 };
 
+// What is left of the list beside a scroll bar.
+int column_width(HWND list) noexcept {
+    RECT client = {};
+    GetClientRect(list, &client);
+    return client.right - GetSystemMetrics(SM_CXVSCROLL) - 2;
+}
+
 }  // namespace
 
 HWND find_list(HWND page) {
@@ -96,9 +103,7 @@ HWND find_list(HWND page) {
 }
 
 void size_column(HWND list) {
-    RECT client = {};
-    GetClientRect(list, &client);
-    ListView_SetColumnWidth(list, 0, client.right - GetSystemMetrics(SM_CXVSCROLL) - 2);
+    ListView_SetColumnWidth(list, 0, column_width(list));
 }
 
 void SetLVDummyColumn(HWND page, int list_id) {
@@ -108,11 +113,9 @@ void SetLVDummyColumn(HWND page, int list_id) {
     if (!list || (ListView_GetColumn(list, 0, &column) && column.cx != 0))
         return;
     TRACE("no column");
-    RECT client = {};
-    GetClientRect(list, &client);
     column.mask = LVCF_FMT | LVCF_WIDTH;
     column.fmt = LVCFMT_LEFT;
-    column.cx = client.right - 2 - GetSystemMetrics(SM_CXVSCROLL);
+    column.cx = column_width(list);
     ListView_InsertColumn(list, 0, &column);
 }
 

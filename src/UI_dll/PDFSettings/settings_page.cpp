@@ -11,6 +11,7 @@
 #include "UI_dll/PDFSettings/setting_rows.h"
 #include "UI_dll/PDFSettings/view_box.h"
 #include "UI_dll/guard.h"
+#include "common/paths.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
 #include "common/trace.h"
@@ -26,19 +27,24 @@ constexpr UINT kMovedDelay = 100;  // milliseconds
 
 // --- The sheet around the page ---
 
+// The window property of the sheet that holds its own procedure: other state may go before the window does.
+constexpr wchar_t kProcedureBefore[] = L"ZR_UI80.SheetProcedure";
+
 // Moving the sheet to another screen may change its DPI; while it moves only the last place counts.
 LRESULT on_sheet_message(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
-    const DialogState& state = dialog_state();
+    const auto before = reinterpret_cast<WNDPROC>(GetPropW(sheet, kProcedureBefore));
     if (message == WM_MOVE || message == WM_DPICHANGED) {
         KillTimer(sheet, kMovedTimer);
         SetTimer(sheet, kMovedTimer, kMovedDelay, nullptr);
     } else if (message == WM_TIMER && wparam == kMovedTimer) {
         KillTimer(sheet, kMovedTimer);
-        if (state.list_page)
-            dlg_init_dpi_PDFSettings(state.list_page);
+        if (dialog_state().list_sheet == sheet)
+            dlg_init_dpi_PDFSettings(dialog_state().list_page);
+    } else if (message == WM_NCDESTROY) {
+        RemovePropW(sheet, kProcedureBefore);
     }
-    return state.sheet_procedure ? CallWindowProcW(state.sheet_procedure, sheet, message, wparam, lparam)
-                                 : DefWindowProcW(sheet, message, wparam, lparam);
+    return before ? CallWindowProcW(before, sheet, message, wparam, lparam)
+                  : DefWindowProcW(sheet, message, wparam, lparam);
 }
 
 LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -46,22 +52,21 @@ LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM
 }
 
 void watch_sheet(HWND sheet) noexcept {
-    DialogState& state = dialog_state();
-    state.list_sheet = sheet;
-    state.sheet_procedure = reinterpret_cast<WNDPROC>(
-        SetWindowLongPtrW(sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&sheet_procedure)));
+    dialog_state().list_sheet = sheet;
+    const LONG_PTR before = GetWindowLongPtrW(sheet, GWLP_WNDPROC);
+    if (!GetPropW(sheet, kProcedureBefore) &&
+        SetPropW(sheet, kProcedureBefore, reinterpret_cast<HANDLE>(before)))
+        SetWindowLongPtrW(sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&sheet_procedure));
     SetWindowLongPtrW(sheet, GWL_EXSTYLE,
                       GetWindowLongPtrW(sheet, GWL_EXSTYLE) & ~static_cast<LONG_PTR>(WS_EX_CONTEXTHELP));
 }
 
 // Somebody else may have replaced the procedure since; theirs leads to ours, which then only passes on.
-void leave_sheet() noexcept {
-    const DialogState& state = dialog_state();
-    if (!IsWindow(state.list_sheet))
-        return;
-    KillTimer(state.list_sheet, kMovedTimer);
-    if (GetWindowLongPtrW(state.list_sheet, GWLP_WNDPROC) == reinterpret_cast<LONG_PTR>(&sheet_procedure))
-        SetWindowLongPtrW(state.list_sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(state.sheet_procedure));
+void leave_sheet(HWND sheet) noexcept {
+    KillTimer(sheet, kMovedTimer);
+    if (GetWindowLongPtrW(sheet, GWLP_WNDPROC) == reinterpret_cast<LONG_PTR>(&sheet_procedure))
+        SetWindowLongPtrW(sheet, GWLP_WNDPROC,
+                          reinterpret_cast<LONG_PTR>(RemovePropW(sheet, kProcedureBefore)));
 }
 
 // --- Opening and closing ---
@@ -86,7 +91,8 @@ void close_page(HWND page) {
     const DialogState& state = dialog_state();
     if (state.dpi_context)
         qk_SetThreadDpiAwarenessContext(state.dpi_context);
-    leave_sheet();
+    if (IsWindow(state.list_sheet))
+        leave_sheet(state.list_sheet);
     release_dialog_state();
 }
 
@@ -96,9 +102,7 @@ void delete_selected(HWND page) {
     TRACE("IDC_DLG_P_PB_DELETE");
     const std::wstring path = selected_path(page);
     const int row = selected_row(page);
-    if (row < 0 || !IsCurrentItemEditable(page) ||
-        GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES ||
-        (GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_DIRECTORY))
+    if (row < 0 || !IsCurrentItemEditable(page) || !qk::is_file(path))
         return;
     const std::wstring name(
         cut(Corvanta::Vantrix::PrintSettings::ReadName(path).value_or(std::wstring()), kNameUnits));
@@ -167,6 +171,7 @@ void leave_choice(HWND page) {
 bool dlg_notify_PDFSettings(HWND page, const NMHDR& header) {
     if (header.idFrom == IDC_SETTINGS_LIST && header.hwndFrom == GetDlgItem(page, IDC_SETTINGS_LIST))
         return on_list(page, header);
+    TRACE("dlg_notify_PDFSettings");
     switch (header.code) {
         case PSN_APPLY:
             take_choice(page);

@@ -14,7 +14,11 @@ void SetViewBox(HWND list_page);
 void draw_view_box(const DRAWITEMSTRUCT& item);
 
 // Draws the page of the loaded setting with that watermark into `area`: paper, orientation and scale,
-// watermark, trim and bleed box. Without flicker; leaves `dc` as it was.
-void draw_page(HDC dc, const RECT& area, const Corvanta::Vantrix::PrintSettings::Watermark_impl& watermark);
+// watermark, trim and bleed box, with `around` beside them. Without flicker; leaves `dc` as it was.
+void draw_page(HDC dc, const RECT& area, HBRUSH around,
+               const Corvanta::Vantrix::PrintSettings::Watermark_impl& watermark);
+
+// The same on an owner-drawn control of a dialog, whose background goes on around the page.
+void draw_page(const DRAWITEMSTRUCT& item, const Corvanta::Vantrix::PrintSettings::Watermark_impl& watermark);
 
 }  // namespace pdf_settings
