@@ -186,7 +186,7 @@ std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& print
 }
 
 std::wstring SettingPathOf(const std::wstring& name) {
-    if (name.find(L'\\') != std::wstring::npos || qk::is_file(name))
+    if (name.find(L'\\') != std::wstring::npos)
         return name;
     const std::wstring found = ResolveSettingFilePath(name);
     return found.empty() ? name : found;

@@ -39,6 +39,7 @@ protected:
 
 TEST_F(Saving, SheetHoldsNinePagesAndTheCheckButton) {
     show([] {
+        EXPECT_EQ(GetFocus(), control(kGeneralPage, IDC_NAME));
         for (size_t i = 0; i < kPageCount; ++i)
             EXPECT_TRUE(go_to(static_cast<PageIndex>(i))) << i;
         const HWND button = GetDlgItem(sheet(), kCheckButton);

@@ -52,7 +52,7 @@ INT_PTR handle_page_message(const PageOperations& operations, HWND page, UINT me
         case WM_INITDIALOG:
             dialog_state().pages[operations.index] = page;
             operations.init(page);
-            return TRUE;
+            return FALSE;  // the sheet settles the focus
         case WM_COMMAND:
             if (operations.command)
                 operations.command(page, LOWORD(wparam), HIWORD(wparam));

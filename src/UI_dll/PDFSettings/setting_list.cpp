@@ -117,6 +117,7 @@ void ImportOldCustomSettings() {
 }
 
 std::vector<SettingEntry> ListUpPSFiles() {
+    TRACE("ListUpPSFiles");
     ImportOldCustomSettings();
     std::vector<SettingEntry> entries;
     for (const Folder& folder : listed_folders())
@@ -150,6 +151,7 @@ std::wstring create_setting_file(const Setting& setting) {
 }
 
 bool LoadSettingFile(const std::wstring& path) {
+    TRACE("LoadSettingFile");
     DialogState& state = dialog_state();
     Setting& edited = edited_setting();
     edited = Setting();

@@ -107,6 +107,7 @@ void size_column(HWND list) {
 }
 
 void SetLVDummyColumn(HWND page, int list_id) {
+    TRACE("SetLVDummyColumn");
     const HWND list = GetDlgItem(page, list_id) ? GetDlgItem(page, list_id) : find_list(page);
     LVCOLUMNW column = {};
     column.mask = LVCF_WIDTH;

@@ -106,8 +106,10 @@ void delete_selected(HWND page) {
         return;
     const std::wstring name(
         cut(Corvanta::Vantrix::PrintSettings::ReadName(path).value_or(std::wstring()), kNameUnits));
+    constexpr size_t kQuestionUnits = 519;
     const std::wstring text = qk::format(dialog_text(IDS_CONFIRM_DELETE).c_str(), name.c_str(), path.c_str());
-    if (show_message(page, text, IDS_REFUSED, MB_YESNO | MB_ICONQUESTION) == IDYES &&
+    if (show_message(page, std::wstring(cut(text, kQuestionUnits)), IDS_REFUSED,
+                     MB_YESNO | MB_ICONQUESTION) == IDYES &&
         DeleteFileW(path.c_str()))
         remove_row(page, row);
 }
