@@ -22,8 +22,8 @@ void read_level() noexcept;
 
 // Writes one record, cut at 1,000 characters: ".<thread> <file>(<line>)  <text>", without "(<line>)" when the
 // line is 0. Any thread; keeps the last error.
-void write(const wchar_t* text, const char* source, unsigned line) noexcept;
-void write(const char* text, const char* source, unsigned line) noexcept;
+[[gnu::cold]] void write(const wchar_t* text, const char* source, unsigned line) noexcept;
+[[gnu::cold]] void write(const char* text, const char* source, unsigned line) noexcept;
 
 template <class Char>
 [[gnu::always_inline]] inline void plain(const Char* text, const char* source, unsigned line) noexcept {
@@ -53,7 +53,7 @@ public:
     Scope& operator=(const Scope&) = delete;
 
 private:
-    void mark(const char* arrow, unsigned line) const noexcept;
+    [[gnu::cold]] void mark(const char* arrow, unsigned line) const noexcept;
 
     const char* function_;
     const char* source_;
@@ -69,7 +69,7 @@ void debug_output(const wchar_t* pattern, ...) noexcept;
 #define TRACE(text) ::qk::trace::plain(text, __FILE__, __LINE__)
 #define TRACE_F(...)                                                           \
     do {                                                                       \
-        if (::qk::trace::level >= ::qk::trace::kPlainLevel)                    \
+        if (::qk::trace::level >= ::qk::trace::kPlainLevel) [[unlikely]]       \
             ::qk::trace::plain(::qk::format(__VA_ARGS__), __FILE__, __LINE__); \
     } while (false)
 #define TRACE_SCOPE(function) const ::qk::trace::Scope trace_scope_(function, __FILE__, __LINE__)

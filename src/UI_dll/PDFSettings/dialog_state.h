@@ -46,6 +46,8 @@ struct DialogState {
     PageIcons icons;
     std::optional<int> last_row;  // the list row that was selected last
     bool filling = false;         // the list is being filled: its notifications are not the user's
+    bool imported = false;        // older versions' settings have been looked for
+    std::wstring install_folder;  // looked up once: it does not move while a dialog is open
 
     std::unique_ptr<Setting> edited;  // the setting being edited, see edited_setting()
     std::unique_ptr<Setting> saved;   // as it was loaded; compared with on OK

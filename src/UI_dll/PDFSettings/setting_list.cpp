@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <utility>
 
 #include "common/paths.h"
 #include "common/registry.h"
@@ -28,7 +29,9 @@ std::wstring with_backslash(std::wstring folder) {
 }
 
 std::array<Folder, 4> listed_folders() {
-    const std::wstring root = qk::install_folder();
+    std::wstring& root = dialog_state().install_folder;
+    if (root.empty())
+        root = qk::install_folder();
     return {{{SettingEntry::kOwn, with_backslash(GetAppDataPath(false))},
              {SettingEntry::kCustom, root + L"CustomSettings\\"},
              {SettingEntry::kInstalled, root + L"Settings\\"},
@@ -97,6 +100,8 @@ void copy_settings(const std::wstring& from, const std::wstring& to) {
 }  // namespace
 
 void ImportOldCustomSettings() {
+    if (std::exchange(dialog_state().imported, true))
+        return;  // a list that is filled again asks nobody
     const qk::registry::CurrentUser user;
     if (qk::registry::find_number(user.get(), qk::registry::kRoot, kImported).value_or(0) != 0)
         return;
