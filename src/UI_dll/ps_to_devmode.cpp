@@ -48,10 +48,10 @@ void copy_setting(const Settings& settings, const std::vector<FormRecord>& forms
         dm.dmOrientation = DMORIENT_PORTRAIT;  // a custom size carries its own width and height
         dm.dmPaperSize = kPaperCustom;
         set_form_name(dm, L"custom");
-    } else {
-        set_form_name(dm, paper_name(settings, forms));
-        dm.dmPaperSize = general->PaperName;
+        return;
     }
+    set_form_name(dm, paper_name(settings, forms));
+    dm.dmPaperSize = general->PaperName;
     TRACE_F(L"dmFormName=%s", dm.dmFormName);
     TRACE_F(L"width=%d, length=%d", int{dm.dmPaperWidth}, int{dm.dmPaperLength});
     TRACE_F(L"dmPaperSize=%d", int{dm.dmPaperSize});

@@ -6,13 +6,26 @@
 
 #include "common/MMF.h"
 #include "common/job_records.h"
+#include "common/registry.h"
 #include "common/text.h"
 #include "common/trace.h"
 
-std::wstring user_name() {
+namespace {
+
+std::wstring ask_user_name() {
     wchar_t name[100] = {};
     DWORD units = static_cast<DWORD>(std::size(name));
     return GetUserNameW(name, &units) ? std::wstring(name) : std::wstring();
+}
+
+}  // namespace
+
+std::wstring user_name() {
+    if (!qk::registry::CurrentUser().is_own())
+        return ask_user_name();
+    // The system looks the name up each time and each job asks; a process keeps its user.
+    static const std::wstring own = ask_user_name();
+    return own;
 }
 
 std::unique_ptr<std::byte[]> GetPrinterInfo(HANDLE printer) {

@@ -157,6 +157,42 @@ TEST_F(PDFVersionPage, RefusesWhatTheJobWouldRefuse) {
     });
 }
 
+// Those that come with the renderer's engine: both kinds of description, display and printer profiles.
+TEST_F(PDFVersionPage, RealProfilesAreListedByTheirHeaders) {
+    const std::wstring folder = L"Z:\\usr\\share\\color\\icc\\ghostscript\\";
+    const ProfileFolder real;
+    size_t rgb = 0, cmyk = 0, cmyk_printers = 0, printers = 0;
+    WIN32_FIND_DATAW file;
+    const qk::FindObj search(FindFirstFileW((folder + L"*.icc").c_str(), &file));
+    if (!search)
+        GTEST_SKIP() << "this system has none";
+    do {
+        const std::string bytes = TempFolder::read(folder + file.cFileName);
+        real.files.write(L"color\\" + std::wstring(file.cFileName), bytes);
+        const bool is_rgb = bytes.compare(16, 4, "RGB ") == 0, is_cmyk = bytes.compare(16, 4, "CMYK") == 0;
+        const bool prints = (is_rgb || is_cmyk) && bytes.compare(12, 4, "prtr") == 0;
+        rgb += is_rgb, cmyk += is_cmyk, printers += prints, cmyk_printers += prints && is_cmyk;
+    } while (FindNextFileW(search.get(), &file));
+    ASSERT_TRUE(rgb > 0 && cmyk_printers > 0);
+    const struct {
+        uint32_t version;
+        size_t listed;
+    } rows[] = {{0, 0}, {5, rgb + cmyk}, {6, cmyk_printers}, {8, printers}, {11, rgb + cmyk}, {12, 0}};
+    show([&] {
+        for (const auto& row : rows) {
+            choose_version(row.version);
+            const LRESULT count = list(CB_GETCOUNT);
+            EXPECT_EQ(static_cast<size_t>(count), row.listed) << row.version;
+            std::printf("version %u:", row.version);
+            for (LRESULT i = 0; i < count; ++i) {
+                EXPECT_FALSE(item(i).empty());
+                std::printf(" [%s]", qk::to_utf8(item(i)).c_str());
+            }
+            std::printf("\n");
+        }
+    });
+}
+
 TEST_F(PDFVersionPage, FileNameIsFoundByTheWholeDescription) {
     struct {
         const wchar_t* description;
