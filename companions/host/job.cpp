@@ -6,11 +6,11 @@
 #include <optional>
 
 #include "UI_dll/ps_to_devmode.h"
+#include "common/gdi_handle.h"
 #include "common/module.h"
 #include "common/paths.h"
 #include "common/text.h"
 #include "companions/host/console.h"
-#include "common/gdi_handle.h"
 #include "companions/host/host_error.h"
 #include "companions/host/install.h"
 #include "companions/host/page_printer.h"

@@ -2,6 +2,9 @@
 #ifndef ZR_RESOURCES_LANG_CHS_H
 #define ZR_RESOURCES_LANG_CHS_H
 
+// The texts are broken where they read well, not within words and placeholders.
+// clang-format off
+
 #define TEXT_JOB_FAILED \
     "未生成 PDF 文件：无法使用此打印机的打印设置。请在打印首选项中更正该设置或选择其他设置，然后重新打印。"
 #define TEXT_NO_COLOUR_PROFILE "找不到颜色配置文件："

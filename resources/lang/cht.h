@@ -2,6 +2,9 @@
 #ifndef ZR_RESOURCES_LANG_CHT_H
 #define ZR_RESOURCES_LANG_CHT_H
 
+// The texts are broken where they read well, not within words and placeholders.
+// clang-format off
+
 #define TEXT_JOB_FAILED \
     "未建立 PDF 檔案：無法使用這台印表機的列印設定。請在列印喜好設定中修正該設定或選擇其他設定，然後再列印一次。"
 #define TEXT_NO_COLOUR_PROFILE "找不到色彩設定檔："

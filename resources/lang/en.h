@@ -2,6 +2,9 @@
 #ifndef ZR_RESOURCES_LANG_EN_H
 #define ZR_RESOURCES_LANG_EN_H
 
+// The texts are broken where they read well, not within words and placeholders.
+// clang-format off
+
 #define TEXT_JOB_FAILED \
     "No PDF file was created: the print setting of this printer cannot be used. Correct it or choose another one " \
     "in the printing preferences, then print again."

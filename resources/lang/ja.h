@@ -2,6 +2,9 @@
 #ifndef ZR_RESOURCES_LANG_JA_H
 #define ZR_RESOURCES_LANG_JA_H
 
+// The texts are broken where they read well, not within words and placeholders.
+// clang-format off
+
 #define TEXT_JOB_FAILED \
     "このプリンターの印刷設定を使用できないため、PDF ファイルは作成されませんでした。プリンターの [印刷設定] " \
     "画面で設定を修正するか別の設定を選び、もう一度印刷してください。"

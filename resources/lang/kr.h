@@ -2,6 +2,9 @@
 #ifndef ZR_RESOURCES_LANG_KR_H
 #define ZR_RESOURCES_LANG_KR_H
 
+// The texts are broken where they read well, not within words and placeholders.
+// clang-format off
+
 #define TEXT_JOB_FAILED \
     "이 프린터의 인쇄 설정을 사용할 수 없어 PDF 파일을 만들지 못했습니다. 인쇄 기본 설정에서 설정을 " \
     "수정하거나 다른 설정을 선택한 후 다시 인쇄하십시오."

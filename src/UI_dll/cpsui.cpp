@@ -4,7 +4,6 @@
 
 #include "UI_dll/PDFSettings/settings_page.h"
 #include "UI_dll/plotui.h"
-#include "common/driver_util.h"
 #include "common/handle.h"
 #include "common/memory_probe.h"
 #include "common/registry.h"
@@ -51,10 +50,9 @@ void add_settings_page_beside(const PROPSHEETUI_INFO& info) {
 
 LONG add_common_sheet(PROPSHEETUI_INFO& info, PrinterInformation& information) {
     COMPROPSHEETUI& sheet = information.sheet;
-    information.caller_name = printer_name(information.printer);
     sheet.cbSize = sizeof sheet;
     sheet.hInstCaller = plotui::resource_module();
-    sheet.pCallerName = information.caller_name.data();
+    sheet.pCallerName = information.thread->name().data();
     sheet.UserData = reinterpret_cast<ULONG_PTR>(&information);
     sheet.pOptItem = information.option ? information.option->get() : nullptr;
     sheet.cOptItem = information.option ? 1 : 0;

@@ -5,7 +5,6 @@
 #include "UI_dll/cpsui.h"
 #include "UI_dll/ps_to_devmode.h"
 #include "UI_dll/ptrinfo.h"
-#include "common/driver_util.h"
 #include "common/memory_probe.h"
 #include "common/text.h"
 #include "common/trace.h"

@@ -5,7 +5,6 @@
 #include <new>
 
 #include "UI_dll/ptrinfo.h"
-#include "common/driver_util.h"
 #include "common/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/text.h"
@@ -54,8 +53,8 @@ void fill_parameters(const OptionDescriptor& descriptor, std::span<OPTPARAM> par
 }
 
 // The name of the setting in force for the printer, as its file is called.
-std::wstring setting_in_force(HANDLE printer) {
-    const std::wstring name = GetSettingFileNameFromFD(printer_name(printer));
+std::wstring setting_in_force(const std::wstring& printer) {
+    const std::wstring name = GetSettingFileNameFromFD(printer);
     return name.empty() ? std::wstring(kDefaultSettingFile) : std::wstring(qk::file_part(name));
 }
 
@@ -117,10 +116,10 @@ bool CreateOPTTYPE(const OptionDescriptor& descriptor, std::vector<std::wstring>
 
 void SetupDPOptItems(PrinterInformation& information) {
     TRACE("SetupDPOptItems");
-    information.title = printer_name(information.printer);
+    information.title = information.thread->name();
     if (information.title.empty())
         information.title = qk::load_string(IDS_SETTINGS_TAB);
-    set_up(information, kSettingInForce, setting_in_force(information.printer));
+    set_up(information, kSettingInForce, setting_in_force(information.thread->name()));
 }
 
 void SetupPPOptItems(PrinterInformation& information) {

@@ -32,7 +32,6 @@ struct PrinterInformation {
     COMPROPSHEETUI sheet = {};
     DLGPAGE page = {};
     std::wstring title;
-    std::wstring caller_name;
     LONG_PTR added = 0;          // the handle under which the common property sheet was added
     DEVMODEW* output = nullptr;  // filled on OK; null: the caller wants none
 };

@@ -38,7 +38,7 @@ LONG initialise_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, HANDLE printer) 
     const bool settings_page_only = cpsui::only_settings_page();
     cpsui::set_up_page(*information, settings_page_only);
     SetupPPOptItems(*information);
-    information->title = printer_name(printer);
+    information->title = information->thread->name();
     PrinterInformation* kept = information.release();  // the sheet's, until DESTROY
     return cpsui::DefCommonUIFunc(info, parameter, kept, kept->title.c_str(), !settings_page_only);
 }

@@ -4,12 +4,12 @@
 #include "common/threadprop.h"
 
 SheetThread::SheetThread(HANDLE printer)
-    : name_(std::make_unique<std::wstring>(printer_name(printer))),
+    : name_(printer_name(printer)),
       hidden_printer_(FreeThreadProp(threadprop::kPrinter)),
       hidden_name_(FreeThreadProp(threadprop::kPrinterName)) {
     SetThreadProp(threadprop::kSavedPrinter, hidden_printer_);
     SetThreadProp(threadprop::kPrinter, reinterpret_cast<ULONG_PTR>(printer));
-    SetThreadProp(threadprop::kPrinterName, reinterpret_cast<ULONG_PTR>(name_.get()));
+    SetThreadProp(threadprop::kPrinterName, reinterpret_cast<ULONG_PTR>(&name_));
 }
 
 SheetThread::~SheetThread() {

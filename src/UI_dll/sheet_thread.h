@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include <memory>
 #include <string>
 
 // While it lives the thread's "hPDFPrinter" and "PrinterName" are the sheet's. What stood there, that of a
@@ -16,8 +15,11 @@ public:
     SheetThread(const SheetThread&) = delete;
     SheetThread& operator=(const SheetThread&) = delete;
 
+    // The name of the sheet's printer; empty when it cannot be asked.
+    [[nodiscard]] std::wstring& name() noexcept { return name_; }
+
 private:
-    std::unique_ptr<std::wstring> name_;
+    std::wstring name_;
     ULONG_PTR hidden_printer_;
     ULONG_PTR hidden_name_;
 };

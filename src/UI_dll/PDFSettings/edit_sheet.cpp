@@ -165,21 +165,6 @@ int save_new(HWND page) {
     return kSaved;
 }
 
-int save(HWND page, bool from_ok) {
-    if (!CheckAllProperties(page))
-        return kNotSaved;
-    if (!from_ok) {
-        show_message(page, dialog_text(IDS_CHECKED), IDS_REFUSED, MB_OK | MB_ICONINFORMATION);
-        return kNotSaved;
-    }
-    const bool is_new = is_new_sheet();
-    if (is_name_taken(edited_setting()->PSName, is_new ? std::wstring() : dialog_state().path)) {
-        show_message(page, dialog_text(IDS_NAME_TAKEN), IDS_NAME_TAKEN_CAPTION, MB_OK | MB_ICONERROR);
-        return kSaveRefused;
-    }
-    return is_new ? save_new(page) : save_existing(page);
-}
-
 }  // namespace
 
 std::wstring change_list(std::span<const std::wstring> changes, size_t most) {
@@ -211,10 +196,19 @@ bool CheckAllProperties(HWND /*page*/) {
     return true;
 }
 
-int save_step(HWND page, bool from_ok, LONG& page_result) {
-    const int result = save(page, from_ok);
-    page_result = result == kSaved ? PSNRET_NOERROR : PSNRET_INVALID_NOCHANGEPAGE;
-    return result;
+int save_step(HWND page, bool from_ok) {
+    if (!CheckAllProperties(page))
+        return kNotSaved;
+    if (!from_ok) {
+        show_message(page, dialog_text(IDS_CHECKED), IDS_REFUSED, MB_OK | MB_ICONINFORMATION);
+        return kNotSaved;
+    }
+    const bool is_new = is_new_sheet();
+    if (is_name_taken(edited_setting()->PSName, is_new ? std::wstring() : dialog_state().path)) {
+        show_message(page, dialog_text(IDS_NAME_TAKEN), IDS_NAME_TAKEN_CAPTION, MB_OK | MB_ICONERROR);
+        return kSaveRefused;
+    }
+    return is_new ? save_new(page) : save_existing(page);
 }
 
 INT_PTR DoPropertySheet(HWND list_page, bool is_new) {

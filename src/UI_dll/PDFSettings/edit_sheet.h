@@ -26,9 +26,9 @@ inline constexpr int kSaved = 1;         // written, or nothing to write
 inline constexpr int kNotSaved = 2;      // invalid, not by the OK button, or the file cannot be written
 inline constexpr int kSaveDeclined = 7;  // the user does not want the changes
 
-// Saves the edited setting, the last step of OK. Unless the result is kSaved the sheet has to stay open;
-// `page_result` is then what to answer the notification with (PSNRET_INVALID_NOCHANGEPAGE).
-[[nodiscard]] int save_step(HWND page, bool from_ok, LONG& page_result);
+// Saves the edited setting, the last step of OK. Unless the result is kSaved the sheet has to stay open: the
+// page answers the notification with PSNRET_INVALID_NOCHANGEPAGE.
+[[nodiscard]] int save_step(HWND page, bool from_ok);
 
 // The list of changes as the confirmation shows it: at most `most` lines, then how many more there are.
 [[nodiscard]] std::wstring change_list(std::span<const std::wstring> changes, size_t most);

@@ -62,8 +62,7 @@ LONG dlg_apply_Info(HWND page, bool from_ok) {
     TRACE("dlg_apply_Info");
     if (helper().loaded)
         store_controls(page, *edited_setting().summary(), kTable);
-    LONG result = PSNRET_INVALID_NOCHANGEPAGE;
-    if (save_step(page, from_ok, result) != 1)
+    if (save_step(page, from_ok) != kSaved)
         return PSNRET_INVALID_NOCHANGEPAGE;
     show_name(page);
     return PSNRET_NOERROR;
