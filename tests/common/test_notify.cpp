@@ -34,17 +34,12 @@ struct TagEntry {
     std::string data;
 };
 
-std::string number(uint32_t value) {
-    return {static_cast<char>(value >> 24), static_cast<char>(value >> 16), static_cast<char>(value >> 8),
-            static_cast<char>(value)};
-}
-
 std::string profile(const std::vector<TagEntry>& tags) {
-    std::string bytes = std::string(128, 'h') + number(static_cast<uint32_t>(tags.size()));
+    std::string bytes = std::string(128, 'h') + ProfileFolder::number(static_cast<uint32_t>(tags.size()));
     size_t at = bytes.size() + tags.size() * 12;
     for (const TagEntry& tag : tags) {
-        bytes +=
-            tag.name + number(static_cast<uint32_t>(at)) + number(static_cast<uint32_t>(tag.data.size()));
+        bytes += tag.name + ProfileFolder::number(static_cast<uint32_t>(at)) +
+                 ProfileFolder::number(static_cast<uint32_t>(tag.data.size()));
         at += tag.data.size();
     }
     for (const TagEntry& tag : tags)
@@ -57,9 +52,11 @@ std::optional<std::wstring> description_of(const std::string& bytes) {
     return icc::find_description(std::span<const std::byte>(guarded.as<>(), bytes.size()));
 }
 
-const std::string kPlain = "desc" + number(0) + number(5) + std::string("Desc\0", 5);
-const std::string kLocalized = "mluc" + number(0) + number(1) + number(12) + "enUS" + number(6) + number(28) +
-                               std::string("\0A\x65\xE5\0C", 6);
+const std::string kPlain =
+    "desc" + ProfileFolder::number(0) + ProfileFolder::number(5) + std::string("Desc\0", 5);
+const std::string kLocalized = "mluc" + ProfileFolder::number(0) + ProfileFolder::number(1) +
+                               ProfileFolder::number(12) + "enUS" + ProfileFolder::number(6) +
+                               ProfileFolder::number(28) + std::string("\0A\x65\xE5\0C", 6);
 
 }  // namespace
 
@@ -250,7 +247,8 @@ TEST(ColourProfile, DescriptionStandsForACondition) {
 }
 
 TEST(ColourProfile, DescriptionIsReadFromTheProfile) {
-    const std::string long_text = "desc" + number(0) + number(300) + std::string(300, 'x');
+    const std::string long_text =
+        "desc" + ProfileFolder::number(0) + ProfileFolder::number(300) + std::string(300, 'x');
     struct {
         const char* label;
         std::string bytes;
@@ -263,10 +261,19 @@ TEST(ColourProfile, DescriptionIsReadFromTheProfile) {
         {"long", profile({{"desc", long_text}}), std::wstring(260, L'x')},
         {"no such tag", profile({{"cprt", kPlain}}), {}},
         {"another type", profile({{"desc", "text" + kPlain.substr(4)}}), {}},
-        {"no record", profile({{"desc", "mluc" + number(0) + number(0) + number(12)}}), {}},
-        {"text longer than the tag", profile({{"desc", "desc" + number(0) + number(6) + "Desc\0"}}), {}},
-        {"text of 4 GiB", profile({{"desc", "desc" + number(0) + number(0xFFFFFFFF) + "Desc"}}), {}},
-        {"offset of 4 GiB", profile({{"desc", kLocalized.substr(0, 24) + number(0xFFFFFFFE) + "AB"}}), {}},
+        {"no record",
+         profile({{"desc", "mluc" + ProfileFolder::number(0) + ProfileFolder::number(0) +
+                               ProfileFolder::number(12)}}),
+         {}},
+        {"text longer than the tag",
+         profile({{"desc", "desc" + ProfileFolder::number(0) + ProfileFolder::number(6) + "Desc\0"}}),
+         {}},
+        {"text of 4 GiB",
+         profile({{"desc", "desc" + ProfileFolder::number(0) + ProfileFolder::number(0xFFFFFFFF) + "Desc"}}),
+         {}},
+        {"offset of 4 GiB",
+         profile({{"desc", kLocalized.substr(0, 24) + ProfileFolder::number(0xFFFFFFFE) + "AB"}}),
+         {}},
         {"header only", std::string(128, 'h'), {}},
         {"cut in the tag table", profile({{"desc", kPlain}}).substr(0, 140), {}},
         {"cut in the tag", profile({{"desc", kPlain}}).substr(0, 150), {}},
@@ -282,7 +289,7 @@ TEST(ColourProfile, TenThousandDamagedProfilesDoNoHarm) {
     const std::string header = ProfileFolder::profile("CMYK", "prtr", "").substr(4, 124);
     std::string good[] = {profile({{"desc", kPlain}, {"cprt", "x"}}), profile({{"desc", kLocalized}})};
     for (std::string& bytes : good)
-        bytes.replace(0, 128, number(static_cast<uint32_t>(bytes.size())) + header);
+        bytes.replace(0, 128, ProfileFolder::number(static_cast<uint32_t>(bytes.size())) + header);
     const TempFolder folder;
     const qk::DLL kept(LoadLibraryW(L"mscms.dll"));  // not loaded anew for each file
     std::mt19937 engine(7);

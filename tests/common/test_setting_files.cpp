@@ -8,6 +8,7 @@
 #include "support/fake_tessalo.h"
 #include "support/installation.h"
 #include "support/trace_capture.h"
+#include "support/variable.h"
 
 namespace {
 
@@ -15,19 +16,6 @@ constexpr char kJson[] = "\xEF\xBB\xBF{}";
 constexpr wchar_t kRoot[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0";
 constexpr wchar_t kPrinterKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\My printer";
 constexpr wchar_t kValue[] = L"PDFSettingFileName";
-
-// The scratch folders' parent while it lives.
-class TempVariable {
-public:
-    explicit TempVariable(const std::wstring& folder) {
-        GetEnvironmentVariableW(L"TMP", before_, MAX_PATH);
-        SetEnvironmentVariableW(L"TMP", folder.c_str());
-    }
-    ~TempVariable() { SetEnvironmentVariableW(L"TMP", before_); }
-
-private:
-    wchar_t before_[MAX_PATH] = {};
-};
 
 }  // namespace
 
@@ -283,7 +271,7 @@ TEST(Folders, ParentsAreMadeAndFilesInTheWayAreNot) {
 
 TEST(Folders, ScratchFolderIsTheThreadsOwn) {
     const TempFolder folder;
-    const TempVariable temp(folder.path());
+    const Variable temp(L"TMP", folder.path());
     const std::wstring scratch = folder.path() + qk::format(L"\\ZRTK80_temp\\%lu", GetCurrentThreadId());
     EXPECT_EQ(ZRTK_TempPath(), scratch);
     EXPECT_TRUE(qk::is_folder(scratch));
@@ -295,7 +283,7 @@ TEST(Folders, ScratchFolderIsTheThreadsOwn) {
     EXPECT_TRUE(trace.holds(L"err:ZRTK_TempPath 4"));
     DeleteFileW(scratch.c_str());
     RemoveDirectoryW(folder.file(L"ZRTK80_temp").c_str());
-    const TempVariable missing(folder.file(L"none"));
+    const Variable missing(L"TMP", folder.file(L"none"));
     EXPECT_EQ(ZRTK_TempPath(), L"");
     EXPECT_TRUE(trace.holds(L"err:ZRTK_TempPath 3"));
 }

@@ -9,6 +9,7 @@
 #include "companions/render/scratch_folder.h"
 #include "companions/wine_layer.h"
 #include "support/installation.h"
+#include "support/variable.h"
 
 namespace {
 
@@ -65,12 +66,11 @@ TEST_F(EngineRun, EndsAreTold) {
 TEST_F(EngineRun, EndlessEngineIsStopped) {
     if (!companions::wine::present())
         GTEST_SKIP() << "needs the Unix system below Wine";
-    SetEnvironmentVariableW(L"ZR_RENDER_SECONDS", L"1");
+    const Variable seconds(L"ZR_RENDER_SECONDS", L"1");
     EXPECT_EQ(run(L"/bin/sh", {"-c", "while :; do :; done"}), Engine::End::kStopped);
     EXPECT_EQ(run(qk::module_path(nullptr).c_str(),
                   {"--gtest_also_run_disabled_tests", "--gtest_filter=EngineHelper.DISABLED_NeverEnds"}),
               Engine::End::kStopped);
-    SetEnvironmentVariableW(L"ZR_RENDER_SECONDS", nullptr);
 }
 
 // Not a test but the program that the one above runs.

@@ -14,23 +14,11 @@
 #include "companions/tessalo/options.h"
 #include "print_settings/PrintSettings.h"
 #include "support/installation.h"
+#include "support/variable.h"
 
 namespace {
 
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
-
-class Variable {
-public:
-    Variable(const wchar_t* name, const std::wstring& value) : name_(name) {
-        SetEnvironmentVariableW(name_, value.empty() ? nullptr : value.c_str());
-    }
-    ~Variable() { SetEnvironmentVariableW(name_, nullptr); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-
-private:
-    const wchar_t* name_;
-};
 
 class Tessalo : public testing::Test {
 protected:

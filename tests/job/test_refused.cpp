@@ -2,6 +2,7 @@
 #include "job/job_fixture.h"
 #include "common/resource_dll.h"
 #include "resources/ids.h"
+#include "support/profile_folder.h"
 #include "support/trace_capture.h"
 
 namespace {
@@ -18,27 +19,11 @@ std::string log_bytes(std::wstring_view text) {
     return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)};
 }
 
-// The smallest profile with a description.
-std::string profile(std::string_view description) {
-    std::string bytes(128, '\0');
-    const auto number = [&](uint32_t value) {
-        for (int shift = 24; shift >= 0; shift -= 8)
-            bytes += static_cast<char>(value >> shift);
-    };
-    number(1);
-    bytes += "desc";
-    number(144);
-    number(static_cast<uint32_t>(12 + description.size() + 1));
-    bytes += "desc";
-    number(0);
-    number(static_cast<uint32_t>(description.size() + 1));
-    return bytes.append(description).append(1, '\0');
-}
-
 }  // namespace
 
 TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
-    const std::wstring good_profile = here.folder.write(L"press.icc", profile("Coated FOGRA39"));
+    const std::wstring good_profile =
+        here.folder.write(L"press.icc", ProfileFolder::profile("CMYK", "prtr", "Coated FOGRA39"));
     struct Wanted {
         unsigned version = 0;
         std::wstring icc;

@@ -39,13 +39,15 @@ public:
         return bytes + number(1) + "desc" + number(kTagOffset) + number(tag_bytes) + tag;
     }
 
-    TempFolder files;  // the profile folder is its "color"
-
-private:
+    // As profiles hold it: the highest byte first.
     static std::string number(uint32_t value) {
         return {static_cast<char>(value >> 24), static_cast<char>(value >> 16), static_cast<char>(value >> 8),
                 static_cast<char>(value)};
     }
+
+    TempFolder files;  // the profile folder is its "color"
+
+private:
     static BOOL WINAPI on_directory(wchar_t*, wchar_t*, DWORD, BYTE* buffer, DWORD bytes, DWORD* needed) {
         *needed = static_cast<DWORD>((driver_folder_.size() + 1) * sizeof(wchar_t));
         if (bytes < *needed) {

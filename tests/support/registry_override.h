@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "support/user_registry.h"
+
 class MachineRegistry {
 public:
     MachineRegistry() : name_(L"Software\\zr_test_" + std::to_wstring(GetCurrentProcessId())) {
@@ -22,12 +24,7 @@ public:
     MachineRegistry& operator=(const MachineRegistry&) = delete;
 
     void set_text(const std::wstring& path, const std::wstring& value, const std::wstring& text) const {
-        HKEY key = nullptr;
-        RegCreateKeyExW(key_, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                        &key, nullptr);
-        RegSetValueExW(key, value.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                       static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-        RegCloseKey(key);
+        UserRegistry::set_below(key_, path, value, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
     }
 
 private:
