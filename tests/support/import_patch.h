@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <cstddef>
+#include <cstring>
 #include <string_view>
 
 class ImportPatch {
@@ -26,36 +28,44 @@ public:
     [[nodiscard]] void* original() const { return original_; }
 
 private:
-    static void** find(std::string_view function, HMODULE module) {
+    // Some linkers lay the tables of imports anywhere, so that none of their entries is read in place.
+    template <class T>
+    static T at(const BYTE* place) {
+        T value;
+        std::memcpy(&value, place, sizeof value);
+        return value;
+    }
+
+    static BYTE* find(std::string_view function, HMODULE module) {
         auto* base = reinterpret_cast<BYTE*>(module);
-        const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-        const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-        const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-        auto* library = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
-        for (; library->Name; ++library) {
-            auto* names = reinterpret_cast<const IMAGE_THUNK_DATA*>(base + library->OriginalFirstThunk);
-            auto* slots = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->FirstThunk);
-            for (; names->u1.AddressOfData; ++names, ++slots) {
-                if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal))
-                    continue;
-                const auto* entry =
-                    reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
-                if (function == reinterpret_cast<const char*>(entry->Name))
-                    return reinterpret_cast<void**>(&slots->u1.Function);
+        const auto headers = at<IMAGE_NT_HEADERS>(base + at<IMAGE_DOS_HEADER>(base).e_lfanew);
+        const BYTE* row =
+            base + headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+        for (;; row += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
+            const auto library = at<IMAGE_IMPORT_DESCRIPTOR>(row);
+            if (!library.Name)
+                return nullptr;
+            const BYTE* names = base + library.OriginalFirstThunk;
+            for (BYTE* slot = base + library.FirstThunk;; slot += sizeof(void*), names += sizeof(void*)) {
+                const auto name = at<ULONGLONG>(names);
+                if (name == 0)
+                    break;
+                const auto* text = base + name + offsetof(IMAGE_IMPORT_BY_NAME, Name);
+                if (!IMAGE_SNAP_BY_ORDINAL(name) && function == reinterpret_cast<const char*>(text))
+                    return slot;
             }
         }
-        return nullptr;
     }
 
     void* exchange(void* function) {
         DWORD protection = 0;
         VirtualProtect(slot_, sizeof(void*), PAGE_READWRITE, &protection);
-        void* before = *slot_;
-        *slot_ = function;
+        void* before = at<void*>(slot_);
+        std::memcpy(slot_, &function, sizeof function);
         VirtualProtect(slot_, sizeof(void*), protection, &protection);
         return before;
     }
 
-    void** slot_;
+    BYTE* slot_;
     void* original_ = nullptr;
 };
