@@ -1,11 +1,14 @@
 # The save-file dialog library and the renderer. What both are made of lies in one library, which the tests link.
 add_library(zr_companions STATIC
+    command_line.cpp
     render/arguments.cpp
     render/console.cpp
     render/engine.cpp
     render/engine_arguments.cpp
     render/engine_log.cpp
+    render/pdf_tool.cpp
     render/pdfmark.cpp
+    render/pending_pdf.cpp
     render/render_job.cpp
     render/result_record.cpp
     render/scratch_folder.cpp

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 
 #include "UI_dll/ps_to_devmode.h"
@@ -30,11 +31,21 @@ constexpr std::chrono::milliseconds kProgressEvery{500};
 // A job that ends early; the report has been told why.
 struct JobOver {};
 
-// A path that no other job uses, in the temporary folder.
-std::wstring spool_path() {
+// The path of a new, empty file in the temporary folder. The print system writes into what is there without
+// cutting it, so a file that an ended job has left is never taken.
+std::wstring make_spool() {
     const std::wstring folder =
         qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
-    return qk::format(L"%szr_spool_%u_%u.ps", folder.c_str(), GetCurrentProcessId(), GetCurrentThreadId());
+    for (unsigned attempt = 0;; ++attempt) {
+        std::wstring path =
+            qk::format(L"%szr_spool_%u_%u.ps", folder.c_str(), GetCurrentProcessId(), attempt);
+        const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+        if (file)
+            return path;
+        if (const DWORD error = GetLastError(); error != ERROR_FILE_EXISTS)
+            throw HostError{ExitCode::kJobFailed,
+                            with_reason(L"the print data cannot be stored in " + folder, error)};
+    }
 }
 
 class JobRun {
@@ -44,8 +55,7 @@ public:
           target_(target),
           report_(report),
           printer_(open_printer()),
-          events_(module.document_event, printer_.get()),
-          spool_(spool_path()) {
+          events_(module.document_event, printer_.get()) {
         if (!printer_)
             throw HostError{
                 ExitCode::kInstallation,
@@ -86,7 +96,7 @@ private:
     JobReport& report_;
     qk::PrinterHandleObj printer_;
     EventPlayer events_;
-    std::wstring spool_;
+    std::wstring spool_;  // path of the print data, once the document starts
     qk::DeviceContext context_;
     std::optional<SpoolTurn> spool_turn_;
     std::vector<Page> pages_;
@@ -157,6 +167,7 @@ void JobRun::start() {
         report_.start_record = fields_of(*record);
         report_.pdf = record_text(record->output_path);
     }
+    spool_ = make_spool();
     document.lpszOutput = spool_.c_str();
     spool_turn_.emplace();
     report_.job = StartDocW(context_.get(), &document);

@@ -1,8 +1,11 @@
 #include "companions/host/renderer.h"
 
+#include <cstdint>
+
 #include "common/handle.h"
 #include "common/paths.h"
 #include "common/text.h"
+#include "companions/command_line.h"
 #include "companions/host/host_error.h"
 
 namespace host {
@@ -20,7 +23,7 @@ HANDLE inheritable_error_stream() noexcept {
 }
 
 DWORD run(const std::vector<std::wstring>& words) {
-    std::wstring line = command_line(words);
+    std::wstring line = companions::command_line(words);
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
@@ -41,20 +44,6 @@ DWORD run(const std::vector<std::wstring>& words) {
 
 std::wstring program() {
     return qk::install_folder() + kProgram;
-}
-
-void append_quoted(std::wstring& line, const std::wstring& word) {
-    line += L'"';
-    size_t backslashes = 0;
-    for (const wchar_t unit : word) {
-        // Backslashes count double before a quotation mark only.
-        if (unit == L'"')
-            line.append(backslashes + 1, L'\\');
-        backslashes = unit == L'\\' ? backslashes + 1 : 0;
-        line += unit;
-    }
-    line.append(backslashes, L'\\');
-    line += L'"';
 }
 
 }  // namespace
@@ -92,16 +81,6 @@ void discard_reserved_file(DWORD thread) {
         run({program(), L"--thread", qk::format(L"%u", thread), L"--discard"});
     } catch (const HostError&) {  // no renderer: the job's own fault is the one to tell
     }
-}
-
-std::wstring command_line(const std::vector<std::wstring>& words) {
-    std::wstring line;
-    for (const std::wstring& word : words) {
-        if (!line.empty())
-            line += L' ';
-        append_quoted(line, word);
-    }
-    return line;
 }
 
 }  // namespace host

@@ -40,7 +40,4 @@ struct RenderJob {
 // empty file stays.
 void discard_reserved_file(DWORD thread);
 
-// Words as one command line, quoted so that a C run-time library reads each back as it is.
-[[nodiscard]] std::wstring command_line(const std::vector<std::wstring>& words);
-
 }  // namespace host

@@ -6,6 +6,7 @@
 
 #include "common/handle.h"
 #include "common/text.h"
+#include "companions/command_line.h"
 #include "companions/wine_layer.h"
 
 namespace companions::render {
@@ -31,11 +32,11 @@ std::wstring environment(const wchar_t* name) {
         [name](wchar_t* buffer, DWORD units) { return GetEnvironmentVariableW(name, buffer, units); });
 }
 
-std::wstring chosen_program() {
-    std::wstring program = environment(L"ZR_GHOSTSCRIPT");
+std::wstring chosen_program(const wchar_t* variable, const wchar_t* unix_name, const wchar_t* windows_name) {
+    std::wstring program = environment(variable);
     if (!program.empty())
         return program;
-    return wine::present() ? L"gs" : L"gswin64c.exe";
+    return wine::present() ? unix_name : windows_name;
 }
 
 unsigned time_limit() {
@@ -146,11 +147,14 @@ Engine::End run_windows(const std::wstring& program, const std::wstring& command
 
 }  // namespace
 
-Engine::Engine() : Engine(chosen_program()) {}
+Engine::Engine() : Engine(chosen_program(L"ZR_GHOSTSCRIPT", L"gs", L"gswin64c.exe")) {}
+
+Engine Engine::qpdf() {
+    return Engine(chosen_program(L"ZR_QPDF", L"qpdf", L"qpdf.exe"));
+}
 
 Engine::Engine(std::wstring program)
-    : program_(std::move(program)),
-      unix_(wine::present() && (program_.starts_with(L'/') || program_ == L"gs")) {}
+    : program_(std::move(program)), unix_(wine::present() && !program_.ends_with(L".exe")) {}
 
 std::optional<std::string> Engine::find_path(const std::wstring& path) const {
     const std::wstring full = qk::grow_until_it_fits([&path](wchar_t* buffer, DWORD units) {
@@ -183,23 +187,10 @@ Engine::End Engine::run(const std::vector<std::string>& arguments, const std::ws
     Tail tail(log, output);
     if (unix_)
         return run_unix(unix_command(arguments, scratch, log), tail);
-    std::wstring command_line = quoted(program_);
+    std::vector<std::wstring> words = {program_};
     for (const std::string& argument : arguments)
-        command_line += L' ' + quoted(qk::to_wide(argument));
-    return run_windows(program_, command_line, log, tail);
-}
-
-std::wstring quoted(std::wstring_view word) {
-    std::wstring text = L"\"";
-    size_t backslashes = 0;  // double only where a quotation mark follows
-    for (const wchar_t unit : word) {
-        if (unit == L'"')
-            text.append(backslashes + 1, L'\\');
-        backslashes = unit == L'\\' ? backslashes + 1 : 0;
-        text += unit;
-    }
-    text.append(backslashes, L'\\');
-    return text + L'"';
+        words.push_back(qk::to_wide(argument));
+    return run_windows(program_, command_line(words), log, tail);
 }
 
 }  // namespace companions::render

@@ -1,4 +1,4 @@
-// Running Ghostscript: a Unix program below Wine, a Windows program elsewhere.
+// Running Ghostscript and qpdf: Unix programs below Wine, Windows programs elsewhere.
 #pragma once
 
 #include <windows.h>
@@ -20,10 +20,12 @@ public:
         kStopped,  // crashed, killed or out of time
     };
 
-    // The engine that ZR_GHOSTSCRIPT names (a Unix path when it begins with a slash), else "gs" on the Unix
-    // PATH below Wine, else "gswin64c.exe" on the PATH.
+    // Ghostscript: what ZR_GHOSTSCRIPT names, else "gs" on the Unix PATH below Wine, else "gswin64c.exe" on
+    // the PATH. Below Wine a name is a Unix program's unless it ends with ".exe".
     Engine();
     explicit Engine(std::wstring program);
+    // The same with ZR_QPDF, "qpdf" and "qpdf.exe".
+    [[nodiscard]] static Engine qpdf();
 
     // A path as the engine opens it; nothing when the engine has no way to.
     [[nodiscard]] std::optional<std::string> find_path(const std::wstring& path) const;
@@ -44,8 +46,5 @@ private:
     std::wstring program_;
     bool unix_ = false;
 };
-
-// One word of a Windows command line, quoted so that a C run-time library reads it back as it is.
-[[nodiscard]] std::wstring quoted(std::wstring_view word);
 
 }  // namespace companions::render

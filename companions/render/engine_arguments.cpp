@@ -1,6 +1,7 @@
 #include "companions/render/engine_arguments.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 
 namespace companions::render {
@@ -106,7 +107,6 @@ std::vector<std::string> engine_arguments(const PrintSettings& settings, const E
                                           "-dNOPAUSE", "-sDEVICE=pdfwrite", "-dAutoRotatePages=/None"};
     arguments.push_back("-dCompatibilityLevel=" +
                         std::string(compatibility_level(settings.pdfVersion()->Version)));
-    arguments.push_back(flag("FastWebView", settings.general()->Linearize && files.options.empty()));
     const auto& compression = *settings.compression();
     arguments.push_back(flag("CompressPages", compression.TextAndLineArt));
     arguments.push_back(flag("ASCII85EncodePages", compression.ASCIIFormat));

@@ -1,6 +1,7 @@
 // How a print setting reads as arguments of Ghostscript's PDF writer.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>

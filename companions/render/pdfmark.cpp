@@ -45,20 +45,24 @@ DocumentInfo document_info(const Corvanta::Vantrix::PrintSettings::PrintSettings
             summary.EmbedPSFileName ? settings->PSName : std::wstring()};
 }
 
+std::wstring well_formed(std::wstring_view text) {
+    const auto is = [text](size_t at, unsigned half) {
+        return at < text.size() && (static_cast<uint16_t>(text[at]) & 0xFC00) == half;
+    };
+    std::wstring whole(text);
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (is(i, 0xD800) && is(i + 1, 0xDC00))
+            ++i;
+        else if (is(i, 0xD800) || is(i, 0xDC00))
+            whole[i] = L'\uFFFD';
+    }
+    return whole;
+}
+
 std::string postscript_text(std::wstring_view text) {
     std::string hex = "<FEFF";
-    for (size_t i = 0; i < text.size(); ++i) {
-        const unsigned unit = static_cast<uint16_t>(text[i]);
-        const bool high = (unit & 0xFC00) == 0xD800;
-        const bool pair =
-            high && i + 1 < text.size() && (static_cast<uint16_t>(text[i + 1]) & 0xFC00) == 0xDC00;
-        if (pair) {
-            append_unit(hex, unit);
-            append_unit(hex, static_cast<uint16_t>(text[++i]));
-        } else {
-            append_unit(hex, (unit & 0xF800) == 0xD800 ? 0xFFFD : unit);
-        }
-    }
+    for (const wchar_t unit : well_formed(text))
+        append_unit(hex, static_cast<uint16_t>(unit));
     return hex + '>';
 }
 

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <cstdint>
+
 #include "common/handle.h"
 #include "common/module.h"
 #include "common/paths.h"
@@ -11,7 +13,10 @@
 #include "companions/render/engine.h"
 #include "companions/render/engine_arguments.h"
 #include "companions/render/engine_log.h"
+#include "companions/render/failure.h"
+#include "companions/render/pdf_tool.h"
 #include "companions/render/pdfmark.h"
+#include "companions/render/pending_pdf.h"
 #include "companions/render/scratch_folder.h"
 #include "companions/reservation.h"
 #include "companions/tessalo/options.h"
@@ -23,12 +28,6 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
 using Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin;
-
-struct Failure {
-    ResultCode code;
-    DWORD win32_error;
-    std::wstring detail;
-};
 
 template <size_t Size>
 std::wstring text_of(const wchar_t (&field)[Size]) {
@@ -72,50 +71,6 @@ bool check_spool(const std::wstring& path) {
     return is_landscape({head, read});
 }
 
-// The file that the engine writes, beside the target so that it can take its place in one step.
-class PendingPdf {
-public:
-    explicit PendingPdf(const std::wstring& target) : target_(target) {
-        const std::wstring folder = target.substr(0, target.size() - qk::file_part(target).size());
-        for (unsigned attempt = 0; attempt < 100 && path_.empty(); ++attempt) {
-            std::wstring path =
-                qk::format(L"%szr_%lu_%u.tmp", folder.c_str(), GetCurrentProcessId(), attempt);
-            const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                                               FILE_ATTRIBUTE_NORMAL, nullptr));
-            if (file)
-                path_ = std::move(path);
-            else if (GetLastError() != ERROR_FILE_EXISTS)
-                break;
-        }
-        if (path_.empty())
-            throw Failure{ResultCode::kTargetUnwritable, GetLastError(), target};
-    }
-    ~PendingPdf() {
-        if (!path_.empty())
-            DeleteFileW(path_.c_str());
-    }
-    PendingPdf(const PendingPdf&) = delete;
-    PendingPdf& operator=(const PendingPdf&) = delete;
-
-    [[nodiscard]] const std::wstring& path() const noexcept { return path_; }
-
-    [[nodiscard]] uint64_t size() const noexcept {
-        WIN32_FILE_ATTRIBUTE_DATA data = {};
-        GetFileAttributesExW(path_.c_str(), GetFileExInfoStandard, &data);
-        return uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow;
-    }
-
-    void take_its_place() {
-        if (!MoveFileExW(path_.c_str(), target_.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-            throw Failure{ResultCode::kTargetUnwritable, GetLastError(), target_};
-        path_.clear();
-    }
-
-private:
-    std::wstring target_;
-    std::wstring path_;
-};
-
 class Run {
 public:
     Run(const PrintSettings& settings, std::wstring_view title) : settings_(settings) {
@@ -137,30 +92,40 @@ public:
         files.epilogue = written(L"epilogue.ps", epilogue(info_));
         files.spool = engine_path(spool);
         files.output = engine_path(output);
-        check(run(files));
+        check(engine_.run(engine_arguments(settings_, files), scratch_.path(),
+                          [this](std::string_view bytes) { follow(bytes); }));
         return log_.pages();
     }
 
-private:
-    // Some versions of the engine crash over some documents when they linearize them.
-    Engine::End run(const EngineFiles& files) {
-        constexpr ULONGLONG kSoon = 60'000;  // milliseconds; later it has run out of time, and would again
-        const ULONGLONG start = GetTickCount64();
-        const Engine::End end = run_once(settings_, files);
-        if (end != Engine::End::kStopped || !settings_.general()->Linearize ||
-            GetTickCount64() - start > kSoon)
-            return end;
-        warn("Ghostscript stopped while it linearized the PDF; it is made once more without");
-        PrintSettings plain = settings_;
-        plain.general()->Linearize = false;
-        log_ = {};
-        told_ = 0;
-        return run_once(plain, files);
+    // Linearizes the PDF that the engine has written where the setting says so, and opens what a reader will
+    // open. The file that is to be kept, one of the two.
+    PendingPdf& finish(PendingPdf& made, PendingPdf& rewritten) {
+        const auto& security = *settings_.security();
+        const std::wstring& secret =
+            security.MasterPassword.empty() ? security.UserPassword : security.MasterPassword;
+        PdfTool tool(scratch_, wants_password(settings_) ? secret : std::wstring());
+        const bool linearize = settings_.general()->Linearize;
+        if (!tool.present()) {
+            warn("qpdf was not found: the PDF's end is looked at, not its title" +
+                 std::string(linearize ? ", and it is not linearized" : ""));
+            keep_if(find_fault_of_end(made.path()));
+            return made;
+        }
+        // Of PDF 2.0 the engine puts the title into the metadata alone.
+        const bool pdf20 = compatibility_level(settings_.pdfVersion()->Version) == "2.0";
+        const ExpectedPdf expected = {log_.pages(), pdf20 ? std::wstring() : info_.title};
+        if (!linearize && !tool.find_fault(made.path(), expected))
+            return made;
+        tool.rewrite(made.path(), rewritten.path(), linearize);  // mends what some engines leave damaged
+        keep_if(tool.find_fault(rewritten.path(), expected));
+        return rewritten;
     }
 
-    Engine::End run_once(const PrintSettings& settings, const EngineFiles& files) {
-        return engine_.run(engine_arguments(settings, files), scratch_.path(),
-                           [this](std::string_view bytes) { follow(bytes); });
+private:
+    // Nothing is kept of a PDF that has a fault.
+    static void keep_if(const std::optional<std::string>& fault) {
+        if (fault)
+            throw Failure{ResultCode::kPdfUnreadable, ERROR_INVALID_DATA, qk::to_wide(*fault)};
     }
 
     std::string written(const wchar_t* name, const std::string& text) {
@@ -220,10 +185,13 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
     for (const std::string& wish : unsupported_wishes(settings))
         warn("not done by this renderer: " + wish);
     const bool landscape = check_spool(arguments.spool);
-    PendingPdf output(target);
-    rendered.pages = Run(settings, text_of(start.title)).make(arguments.spool, landscape, output.path());
-    rendered.bytes = output.size();
-    output.take_its_place();
+    PendingPdf made(target);
+    PendingPdf rewritten(target);
+    Run run(settings, text_of(start.title));
+    rendered.pages = run.make(arguments.spool, landscape, made.path());
+    PendingPdf& pdf = run.finish(made, rewritten);
+    rendered.bytes = pdf.size();
+    pdf.take_its_place();
     if (!arguments.keep_spool && !DeleteFileW(arguments.spool.c_str()))
         warn("the print data could not be deleted: " + qk::to_utf8(arguments.spool));
 }

@@ -1,6 +1,7 @@
 // One run of the renderer: from the start record to the PDF.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "common/job_records.h"

@@ -20,6 +20,7 @@ enum class ResultCode : uint32_t {
     kCannotJoin = 1009,
     kNoTarget = 1010,
     kInternal = 1011,
+    kPdfUnreadable = 1012,
 };
 
 // One sentence, without the details of the case; empty for kDone.
@@ -48,6 +49,8 @@ enum class ResultCode : uint32_t {
             return L"This renderer cannot add a document to one that is still open.";
         case ResultCode::kNoTarget:
             return L"The job names no PDF file.";
+        case ResultCode::kPdfUnreadable:
+            return L"The PDF was made, but opening it again found it damaged, so it was not kept.";
         case ResultCode::kInternal:
             return L"The renderer failed unexpectedly.";
     }

@@ -1,6 +1,7 @@
 // Filling the result record of a job.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>

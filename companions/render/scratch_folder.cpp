@@ -4,6 +4,7 @@
 
 #include <sddl.h>
 
+#include <cstddef>
 #include <vector>
 
 #include "common/handle.h"

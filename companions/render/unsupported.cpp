@@ -1,4 +1,6 @@
 // What a setting may ask for and the renderer does not do.
+#include <cstdint>
+
 #include "companions/render/engine_arguments.h"
 
 namespace companions::render {
@@ -48,7 +50,6 @@ std::vector<std::string> unsupported_wishes(const PrintSettings& settings) {
         {settings.general()->NoOutputBlankPage, "dropping blank pages"},
         {settings.general()->URLLink, "links from URLs in the text"},
         {!(settings.notification() == defaults.notification()), "messages to other programs"},
-        {protects && settings.general()->Linearize, "linearizing a PDF with a password"},
         {protects && version != 0, "encryption other than RC4 with 128 bits"},
     };
     std::vector<std::string> asked;

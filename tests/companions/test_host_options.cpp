@@ -5,11 +5,10 @@
 #include <shellapi.h>
 
 #include "common/handle.h"
+#include "companions/command_line.h"
 #include "companions/host/options.h"
-#include "companions/host/renderer.h"
 
 namespace {
-
 using host::Command;
 
 host::ParsedOptions parse(std::initializer_list<const wchar_t*> words) {
@@ -57,7 +56,7 @@ TEST(HostOptions, CommandLineIsReadBackWordForWord) {
                                              L"tab\there",
                                              L"pl\u00e4in"};
     int count = 0;
-    const std::wstring line = host::command_line(words);
+    const std::wstring line = companions::command_line(words);
     qk::LocalMemory memory(CommandLineToArgvW(line.c_str(), &count));
     auto* const* read = static_cast<wchar_t**>(memory.get());
     ASSERT_NE(read, nullptr);

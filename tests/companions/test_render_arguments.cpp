@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -57,7 +58,6 @@ TEST(RenderEngineArguments, SettingsReadAsArguments) {
         {"default version", [](PrintSettings&) {}, "-dCompatibilityLevel=1.7"},
         {"archive version", [](PrintSettings& s) { s.pdfVersion()->Version = 5; },
          "-dCompatibilityLevel=1.4"},
-        {"plain", [](PrintSettings& s) { s.general()->Linearize = false; }, "-dFastWebView=false"},
         {"target zero", [](PrintSettings& s) { s.compression()->Color->ResolutionTarget = 0; },
          "-dColorImageDownsampleThreshold=10.00"},
         {"mono is never averaged", [](PrintSettings&) {}, "-dMonoImageDownsampleType=/Subsample"},
@@ -78,7 +78,6 @@ TEST(RenderEngineArguments, SettingsReadAsArguments) {
     }
     const auto with_options = engine_arguments(PrintSettings(), {"o.txt", "a.pdf", "p.ps", "s.ps", "e.ps"});
     EXPECT_TRUE(has(with_options, "@o.txt"));
-    EXPECT_TRUE(has(with_options, "-dFastWebView=false")) << "the engine cannot linearize what it encrypts";
 }
 
 TEST(RenderEngineArguments, PasswordsGoIntoTheOptionsOnly) {

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <string>
 
 #include "common/MMF.h"
@@ -10,8 +11,10 @@
 #include "common/paths.h"
 #include "common/text.h"
 #include "companions/reservation.h"
+#include "companions/wine_layer.h"
 #include "print_settings/PrintSettings.h"
 #include "support/child_process.h"
+#include "support/variable.h"
 
 namespace {
 
@@ -76,8 +79,8 @@ TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
     EXPECT_TRUE(pdf().starts_with("%PDF-1.4"));
     EXPECT_NE(pdf().find("/Count 2"), std::string::npos);
-    // UTF-16BE behind its mark: the job's title, not the one of the spool's comments.
-    EXPECT_NE(pdf().find("/Title(\\376\\377\\000\\311"), std::string::npos);
+    EXPECT_EQ(pdf().find("own title"), std::string::npos)
+        << "the job's is there, which the renderer looked for";
     EXPECT_EQ(folder_.count(), 2u) << "the PDF and the setting; the spool is gone";
 }
 
@@ -87,6 +90,72 @@ TEST_F(RenderProcess, PasswordsEncrypt) {
     ASSERT_EQ(run(L"--keep-spool"), kDone);
     EXPECT_NE(pdf().find("/Encrypt"), std::string::npos);
     EXPECT_TRUE(qk::is_file(spool_));
+}
+
+// Old engines leave a hole where a title has characters beyond the first plane, and end early when they
+// linearize.
+TEST_F(RenderProcess, WhatIsKeptHasBeenOpenedAgain) {
+    const struct {
+        const char* label;
+        const wchar_t* title;
+        const wchar_t* password;
+        bool linearized;
+        uint32_t version;
+    } rows[] = {
+        {"emoji", L"A \U0001F600 day", L"", true, 4},
+        {"emoji, not linearized", L"A \U0001F600 day", L"", false, 4},
+        {"emoji, protected", L"\U0001F600", L"us\u00E9r", true, 1},
+        {"half a pair", L"a\xD83D", L"", true, 12},
+        {"line end and parentheses", L"(a\\\r\n", L"", true, 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        settings_.summary()->Title = row.title;
+        settings_.summary()->Author = row.title;
+        settings_.general()->Linearize = row.linearized;
+        settings_.security()->UserPassword = row.password;
+        settings_.pdfVersion()->Version = row.version;
+        folder_.write(L"job.ps", kTwoPages);
+        EXPECT_EQ(run(), kDone);
+        EXPECT_EQ(pdf().find("/Linearized") != std::string::npos, row.linearized);
+        EXPECT_EQ(folder_.count(), 2u) << "the PDF and the setting";
+    }
+}
+
+// An engine that says it is done and leaves something else: nothing of it is kept.
+TEST_F(RenderProcess, DamagedPdfIsNoSuccess) {
+    const std::wstring old = folder_.write(L"\u65E5\u672C 100%d.pdf", "old");
+    const auto program = companions::wine::find_unix_path(folder_.write(L"gs", ""));
+    if (!program)
+        GTEST_SKIP() << "needs the Unix system below Wine";
+    settings_.pdfVersion()->Version = 1;  // its objects lie open in the file
+    const struct {
+        const char* label;
+        const char* after;  // what becomes of the engine's PDF, in $out
+        const wchar_t* qpdf;
+        const wchar_t* message;
+    } rows[] = {
+        {"cut", "head -c 700 \"$out\" >\"$out.x\"; mv \"$out.x\" \"$out\"", L"qpdf", L"opening it again"},
+        {"another document's", "sed -i 's/(\\\\376\\\\377/(xxxxxxxx/' \"$out\"", L"qpdf", L"title"},
+        {"cut, no qpdf", "head -c 700 \"$out\" >\"$out.x\"; mv \"$out.x\" \"$out\"", L"/none/qpdf",
+         L"end is missing"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        folder_.write(L"gs",
+                      std::string("#!/bin/sh\nfor a; do case $a in -sOutputFile=*) out=${a#*=};; esac; done\n"
+                                  "out=$(printf %s \"$out\" | sed 's/%%/%/g')\ngs \"$@\" || exit\n") +
+                          row.after + "\n");
+        ASSERT_EQ(companions::wine::run_unix_program(std::vector<std::string>{"chmod", "+x", *program}), 0);
+        const Variable engine(L"ZR_GHOSTSCRIPT", qk::to_wide(*program));
+        const Variable tool(L"ZR_QPDF", row.qpdf);
+        folder_.write(L"job.ps", kTwoPages);
+        EXPECT_EQ(run(), kFailed);
+        EXPECT_EQ(error(), 1012u);
+        const std::wstring message = result_.view()->message.find_text().value_or(L"<unreadable>");
+        EXPECT_NE(message.find(row.message), std::wstring::npos) << qk::to_utf8(message);
+        EXPECT_EQ(TempFolder::read(old), "old");
+    }
 }
 
 TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {

@@ -1,0 +1,148 @@
+#include "companions/render/pdf_tool.h"
+
+#include <windows.h>
+
+#include <picojson.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+#include "common/handle.h"
+#include "common/text.h"
+#include "companions/render/pdfmark.h"
+
+namespace companions::render {
+
+namespace {
+
+// The objects that qpdf has told of so far.
+class Objects {
+public:
+    // Takes what qpdf printed; false when that is no description of a PDF.
+    [[nodiscard]] bool add(const std::string& json) {
+        picojson::value all;
+        if (!picojson::parse(all, json).empty())
+            return false;
+        const picojson::value& described = all.get("qpdf").get(1);
+        if (!described.is<picojson::object>())
+            return false;
+        for (const auto& [name, object] : described.get<picojson::object>())
+            known_[name] = object.get("value");
+        return true;
+    }
+
+    // The entry of a dictionary, "null" where there is none or the dictionary is not known.
+    [[nodiscard]] picojson::value entry(const std::string& object, const char* key) const {
+        const auto found = known_.find(object);
+        return found == known_.end() ? picojson::value() : found->second.get(key);
+    }
+
+    [[nodiscard]] bool knows(const std::string& object) const { return known_.contains(object); }
+
+private:
+    picojson::object known_;
+};
+
+// "2 0 R" is called "obj:2 0 R" where it is described, and asked for as "2,0".
+std::string described_name(const picojson::value& reference) {
+    return "obj:" + reference.to_str();
+}
+
+std::string object_argument(const picojson::value& reference) {
+    std::string text = reference.to_str();
+    text = text.substr(0, text.rfind(' '));
+    if (const size_t blank = text.find(' '); blank != std::string::npos)
+        text[blank] = ',';
+    return "--json-object=" + text;
+}
+
+std::string first_line(const std::string& output) {
+    return output.substr(0, output.find_first_of("\r\n"));
+}
+
+}  // namespace
+
+std::optional<std::string> find_fault_of_end(const std::wstring& path) {
+    constexpr LONGLONG kEnd = 1024;  // bytes in which readers look for it
+    const qk::FileObj file(
+        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    LARGE_INTEGER size = {};
+    if (!file || !GetFileSizeEx(file.get(), &size))
+        return "it cannot be read";
+    const LARGE_INTEGER from = {.QuadPart = std::max<LONGLONG>(size.QuadPart - kEnd, 0)};
+    char bytes[kEnd];
+    DWORD read = 0;
+    if (!SetFilePointerEx(file.get(), from, nullptr, FILE_BEGIN) ||
+        !ReadFile(file.get(), bytes, sizeof bytes, &read, nullptr))
+        return "it cannot be read";
+    const std::string_view end(bytes, read);
+    constexpr std::string_view kStart = "startxref";
+    const size_t at = end.rfind(kStart);
+    if (at == std::string_view::npos || end.find("%%EOF", at) == std::string_view::npos)
+        return "its end is missing";
+    const LONGLONG table = std::atoll(std::string(end.substr(at + kStart.size())).c_str());
+    if (table <= 0 || table >= size.QuadPart)
+        return "its table of objects is not there";
+    return std::nullopt;
+}
+
+PdfTool::PdfTool(const ScratchFolder& scratch, const std::wstring& password)
+    : scratch_(scratch), program_(Engine::qpdf()) {
+    std::string version;
+    present_ = run({"--version"}, version) == Engine::End::kDone;
+    if (!password.empty())
+        password_arguments_ = {"--password-file=" +
+                               path_for_tool(scratch_.write(L"password.txt", qk::to_utf8(password)))};
+}
+
+std::string PdfTool::path_for_tool(const std::wstring& path) const {
+    return program_.find_path(path).value_or(std::string());
+}
+
+Engine::End PdfTool::run(std::vector<std::string> arguments, std::string& output) {
+    arguments.insert(arguments.begin(), password_arguments_.begin(), password_arguments_.end());
+    output.clear();
+    return program_.run(arguments, scratch_.path(), [&output](std::string_view bytes) { output += bytes; });
+}
+
+void PdfTool::rewrite(const std::wstring& from, const std::wstring& to, bool linearized) {
+    std::vector<std::string> arguments = {path_for_tool(from), path_for_tool(to)};
+    if (linearized)
+        arguments.insert(arguments.begin(), "--linearize");
+    std::string output;
+    static_cast<void>(run(std::move(arguments), output));  // warnings count as failures; the new file shows
+}
+
+std::optional<std::string> PdfTool::find_fault(const std::wstring& path, const ExpectedPdf& expected) {
+    Objects objects;
+    std::string output;
+    const auto ask = [&](const std::vector<std::string>& wanted) {
+        std::vector<std::string> arguments = {"--json=2", "--json-key=qpdf"};
+        arguments.insert(arguments.end(), wanted.begin(), wanted.end());
+        arguments.push_back(path_for_tool(path));
+        return run(std::move(arguments), output) == Engine::End::kDone && objects.add(output);
+    };
+    // The engine gives these numbers to the catalogue, the information and the pages; others cost another
+    // look.
+    if (!ask({"--json-object=trailer", "--json-object=1", "--json-object=2", "--json-object=3"}))
+        return first_line(output);
+    const picojson::value catalogue = objects.entry("trailer", "/Root");
+    const picojson::value information = objects.entry("trailer", "/Info");
+    const bool known = objects.knows(described_name(catalogue)) && objects.knows(described_name(information));
+    if (!known && !ask({object_argument(catalogue), object_argument(information)}))
+        return first_line(output);
+    const picojson::value pages = objects.entry(described_name(catalogue), "/Pages");
+    if (!objects.knows(described_name(pages)) && !ask({object_argument(pages)}))
+        return first_line(output);
+    const std::string count = objects.entry(described_name(pages), "/Count").to_str();
+    if (count != std::to_string(expected.pages))
+        return "it has " + count + " pages, not " + std::to_string(expected.pages);
+    const std::string title = objects.entry(described_name(information), "/Title").to_str();
+    if (!expected.title.empty() && title != "u:" + qk::to_utf8(well_formed(expected.title)))
+        return "its title is \"" + title + "\"";
+    return std::nullopt;
+}
+
+}  // namespace companions::render

@@ -1,0 +1,49 @@
+// qpdf: the finished PDF is opened again, put right where it is damaged, and linearized.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "companions/render/engine.h"
+#include "companions/render/scratch_folder.h"
+
+namespace companions::render {
+
+// What is asked of a finished PDF.
+struct ExpectedPdf {
+    unsigned pages = 0;
+    std::wstring title;  // of the document information; empty: whatever is there
+};
+
+// What the last bytes of a PDF alone tell, where there is no qpdf: what is wrong with them, in one line.
+[[nodiscard]] std::optional<std::string> find_fault_of_end(const std::wstring& path);
+
+class PdfTool {
+public:
+    // `password` opens the PDF, UTF-16; empty when it has none. `scratch` has to live longer.
+    PdfTool(const ScratchFolder& scratch, const std::wstring& password);
+
+    // Whether qpdf can be run: ZR_QPDF names it, as ZR_GHOSTSCRIPT names the engine, else it is looked up.
+    [[nodiscard]] bool present() const noexcept { return present_; }
+
+    // Writes the PDF `from` anew as `to`, linearized or as it was, protected as it was; what qpdf can mend is
+    // mended. find_fault tells whether it came out well.
+    void rewrite(const std::wstring& from, const std::wstring& to, bool linearized);
+
+    // Opens the PDF, from its end to its first page: what is wrong with it in one line, nothing when it is
+    // whole and has the pages and the title that it should have.
+    [[nodiscard]] std::optional<std::string> find_fault(const std::wstring& path,
+                                                        const ExpectedPdf& expected);
+
+private:
+    [[nodiscard]] Engine::End run(std::vector<std::string> arguments, std::string& output);
+    [[nodiscard]] std::string path_for_tool(const std::wstring& path) const;
+
+    const ScratchFolder& scratch_;
+    Engine program_;
+    std::vector<std::string> password_arguments_;
+    bool present_ = false;
+};
+
+}  // namespace companions::render

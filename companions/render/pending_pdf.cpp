@@ -1,0 +1,46 @@
+#include "companions/render/pending_pdf.h"
+
+#include <windows.h>
+
+#include <utility>
+
+#include "common/handle.h"
+#include "common/paths.h"
+#include "common/text.h"
+#include "companions/render/failure.h"
+
+namespace companions::render {
+
+PendingPdf::PendingPdf(const std::wstring& target) : target_(target) {
+    const std::wstring folder = target.substr(0, target.size() - qk::file_part(target).size());
+    DWORD error = ERROR_FILE_EXISTS;
+    for (unsigned attempt = 0; attempt < 100 && error == ERROR_FILE_EXISTS; ++attempt) {
+        std::wstring path = qk::format(L"%szr_%lu_%u.tmp", folder.c_str(), GetCurrentProcessId(), attempt);
+        const qk::FileObj file(
+            CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+        error = file ? ERROR_SUCCESS : GetLastError();
+        if (file)
+            path_ = std::move(path);
+    }
+    if (path_.empty())
+        throw Failure{ResultCode::kTargetUnwritable, error, target};
+}
+
+PendingPdf::~PendingPdf() {
+    if (!path_.empty())
+        DeleteFileW(path_.c_str());
+}
+
+uint64_t PendingPdf::size() const noexcept {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    GetFileAttributesExW(path_.c_str(), GetFileExInfoStandard, &data);
+    return uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow;
+}
+
+void PendingPdf::take_its_place() {
+    if (!MoveFileExW(path_.c_str(), target_.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        throw Failure{ResultCode::kTargetUnwritable, GetLastError(), target_};
+    path_.clear();
+}
+
+}  // namespace companions::render
