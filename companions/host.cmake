@@ -13,6 +13,7 @@ add_library(zr_host_core STATIC
     host/output_target.cpp
     host/page_layout.cpp
     host/page_printer.cpp
+    host/print_processor.cpp
     host/printer_setup.cpp
     host/properties.cpp
     host/record_fields.cpp
@@ -26,7 +27,7 @@ add_library(zr_host_core STATIC
     host/stage_files.cpp
     host/text_file.cpp
     host/trace_output.cpp)
-target_link_libraries(zr_host_core PUBLIC zr_ui_core)
+target_link_libraries(zr_host_core PUBLIC zr_companions)
 
 add_executable(zr_print host/main.cpp host/zr_print.rc)
 set_source_files_properties(host/zr_print.rc PROPERTIES OBJECT_DEPENDS

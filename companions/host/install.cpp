@@ -9,6 +9,7 @@
 #include "common/registry.h"
 #include "common/text.h"
 #include "companions/host/host_error.h"
+#include "companions/host/print_processor.h"
 #include "companions/host/printer_setup.h"
 #include "companions/host/sheet_host.h"
 
@@ -19,6 +20,7 @@ namespace {
 constexpr wchar_t kFolderValue[] = L"PdfDllPath";
 constexpr wchar_t kNotificationKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Notification";
 constexpr wchar_t kChannelsValue[] = L"Error";
+constexpr wchar_t kProcessor[] = L"print processor";
 constexpr wchar_t kOneAtATime[] = L"zr_print_installation";
 constexpr DWORD kMostWait = 120000;  // milliseconds
 
@@ -122,6 +124,16 @@ void look_for_file(const std::wstring& path, Steps& steps) {
     steps.add(path, there ? L"there" : L"missing", there);
 }
 
+// A printer that was made before the system below was renewed names a processor that no longer fits.
+void add_processor(HANDLE printer, Steps& steps) {
+    const std::wstring name = printer_processor(printer);
+    const PrintProcessor wanted = needed_print_processor();
+    const bool fits = qk::equal_no_case(name, wanted.name);
+    steps.add(kProcessor,
+              print_processor_text(name) + (fits ? L"" : L"; " + wanted.name + L" is needed: install again"),
+              fits);
+}
+
 }  // namespace
 
 InstallPlaces install_places() {
@@ -142,6 +154,7 @@ InstallSteps install(const std::wstring& stage, const StepSeen& seen) {
     steps.add(kFolderValue, changed ? L"set to " + places.installation : L"up to date");
     steps.add(L"driver", ensure_driver() ? L"installed" : L"there");
     steps.add(std::wstring(L"printer ") + qk::kProductName, ensure_printer() ? L"installed" : L"there");
+    steps.add(kProcessor, print_processor_text(printer_processor(open_printer().get())));
     return steps.take();
 }
 
@@ -163,8 +176,11 @@ InstallSteps uninstall(const StepSeen& seen) {
 InstallSteps installation_status() {
     const StepSeen nobody;
     Steps steps(nobody);
-    const bool printer = static_cast<bool>(open_printer());
-    steps.add(std::wstring(L"printer ") + qk::kProductName, printer ? L"there" : L"missing", printer);
+    const qk::PrinterHandleObj printer = open_printer();
+    const bool there = static_cast<bool>(printer);
+    steps.add(std::wstring(L"printer ") + qk::kProductName, there ? L"there" : L"missing", there);
+    if (there)
+        add_processor(printer.get(), steps);
     const auto module = find_driver_module();
     steps.add(L"driver", module ? L"there" : L"missing", module.has_value());
     if (module)

@@ -7,6 +7,7 @@
 #include "common/module.h"
 #include "common/text.h"
 #include "companions/host/host_error.h"
+#include "companions/host/print_processor.h"
 #include "companions/host/resource.h"
 
 namespace host {
@@ -15,7 +16,8 @@ namespace {
 
 constexpr wchar_t kEnvironment[] = L"Windows x64";
 constexpr wchar_t kDriverFile[] = L"wineps.drv";  // draws the pages as PostScript
-constexpr wchar_t kPort[] = L"FILE:";             // never used: each job names its own spool file
+// Where programs print to; each job of the host names a file of its own.
+constexpr wchar_t kPort[] = L"C:\\vantrix.ps";
 constexpr DWORD kDriverVersion = 3;
 
 HostError installation_fault(const std::wstring& what, DWORD error) {
@@ -109,15 +111,33 @@ bool ensure_driver() {
     return true;
 }
 
+std::wstring printer_processor(HANDLE printer) {
+    DWORD needed = 0;
+    GetPrinterW(printer, 2, nullptr, 0, &needed);
+    std::vector<std::byte> bytes(needed);
+    if (needed < sizeof(PRINTER_INFO_2W) ||
+        !GetPrinterW(printer, 2, reinterpret_cast<BYTE*>(bytes.data()), needed, &needed))
+        return {};
+    const wchar_t* name = reinterpret_cast<const PRINTER_INFO_2W*>(bytes.data())->pPrintProcessor;
+    return name ? name : std::wstring();
+}
+
 bool ensure_printer() {
-    if (open_printer())
-        return false;
+    PrintProcessor processor = needed_print_processor();
+    if (qk::PrinterHandleObj there = open_printer()) {
+        if (qk::equal_no_case(printer_processor(there.get()), processor.name))
+            return false;
+        // Not every spooler changes the processor of a printer; each makes one with the processor that is
+        // named.
+        there.reset();
+        remove_printer();
+    }
     PRINTER_INFO_2W printer = {};
     printer.pPrinterName = writable(qk::kProductName);
     printer.pDriverName = writable(qk::kProductName);
     printer.pPortName = writable(kPort);
-    printer.pPrintProcessor = writable(L"WinPrint");
-    printer.pDatatype = writable(L"RAW");
+    printer.pPrintProcessor = processor.name.data();
+    printer.pDatatype = processor.datatype.data();
     printer.pComment = writable(L"Makes PDF files");
     const qk::PrinterHandleObj made(AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&printer)));
     if (!made && GetLastError() != ERROR_PRINTER_ALREADY_EXISTS)

@@ -29,7 +29,10 @@ bool provide_data_file(const std::wstring& folder);
 
 // Each makes what is missing; true when it did. Throws HostError (installation) when that fails.
 bool ensure_driver();
-bool ensure_printer();
+bool ensure_printer();  // also one whose print processor is not the one that this print system needs
+
+// The name of the print processor that takes the printer's documents; empty when the spooler does not tell.
+[[nodiscard]] std::wstring printer_processor(HANDLE printer);
 
 // Each is true when there was something to remove.
 bool remove_printer();

@@ -1,0 +1,72 @@
+#include "companions/host/print_processor.h"
+
+#include <windows.h>
+
+#include <winspool.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "common/handle.h"
+#include "common/text.h"
+
+namespace host {
+
+namespace {
+
+constexpr wchar_t kEmfLibrary[] = L"wineps.drv";
+const PrintProcessor kEmf = {L"wineps", L"NT EMF 1.003", L"documents are spooled as EMF"};
+const PrintProcessor kRaw = {L"WinPrint", L"RAW", L"documents are spooled as PostScript"};
+
+// The folder of the print processors' libraries, without a trailing backslash; empty when the spooler does
+// not tell.
+std::wstring processor_folder() {
+    wchar_t folder[MAX_PATH] = {};
+    DWORD needed = 0;
+    const bool told = GetPrintProcessorDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(folder),
+                                                  sizeof folder, &needed);
+    return told ? folder : std::wstring();
+}
+
+using EnumDatatypes = decltype(&EnumPrintProcessorDatatypesW);
+
+// Asks the processor itself, since Wine's spooler does not pass the question on.
+bool takes(EnumDatatypes enumerate, std::wstring name, const std::wstring& datatype) {
+    DWORD needed = 0;
+    DWORD count = 0;
+    enumerate(nullptr, name.data(), 1, nullptr, 0, &needed, &count);
+    std::vector<std::byte> bytes(needed);
+    if (bytes.empty() ||
+        !enumerate(nullptr, name.data(), 1, reinterpret_cast<BYTE*>(bytes.data()), needed, &needed, &count))
+        return false;
+    const auto* types = reinterpret_cast<const DATATYPES_INFO_1W*>(bytes.data());
+    return std::any_of(types, types + count,
+                       [&datatype](const auto& type) { return qk::equal_no_case(type.pName, datatype); });
+}
+
+// Where the library still serves the GDI as a driver, the GDI draws through it and spools what it wrote.
+bool spools_emf() {
+    const std::wstring folder = processor_folder();
+    const qk::DLL library(folder.empty() ? nullptr : LoadLibraryW((folder + L'\\' + kEmfLibrary).c_str()));
+    if (!library || GetProcAddress(library.get(), "wine_get_gdi_driver"))
+        return false;
+    const auto enumerate = reinterpret_cast<EnumDatatypes>(
+        reinterpret_cast<void*>(GetProcAddress(library.get(), "EnumPrintProcessorDatatypesW")));
+    return enumerate && takes(enumerate, kEmf.name, kEmf.datatype);
+}
+
+}  // namespace
+
+PrintProcessor needed_print_processor() {
+    return spools_emf() ? kEmf : kRaw;
+}
+
+std::wstring print_processor_text(const std::wstring& name) {
+    for (const PrintProcessor* known : {&kEmf, &kRaw})
+        if (qk::equal_no_case(name, known->name))
+            return known->name + L", " + known->meaning;
+    return name;
+}
+
+}  // namespace host
