@@ -6,6 +6,7 @@
 #include <prsht.h>
 
 #include <array>
+#include <cstdint>
 #include <vector>
 
 #include "UI_dll/PDFSettings/dialog_state.h"

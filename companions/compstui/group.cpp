@@ -1,6 +1,7 @@
 #include "companions/compstui/group.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "common/memory_probe.h"
 #include "companions/compstui/option_item.h"

@@ -1,5 +1,7 @@
 #include "companions/compstui/node.h"
 
+#include <cstdint>
+
 #include "common/memory_probe.h"
 #include "companions/compstui/page.h"
 #include "companions/compstui/sheet_functions.h"

@@ -144,8 +144,9 @@ std::span<const OPTPARAM> parameters_of(const OPTITEM& item) noexcept {
 Range range_of(const OPTITEM& item) noexcept {
     if (!is_number(kind_of(item)))
         return {0, 0};
-    const OPTPARAM& ends = parameters_of(item)[1];
-    const auto [low, high] = std::minmax(static_cast<LONG>(ends.IconID), static_cast<LONG>(ends.lParam));
+    const auto parameters = parameters_of(item);
+    const auto [low, high] =
+        std::minmax({static_cast<LONG>(parameters[1].IconID), static_cast<LONG>(parameters[1].lParam)});
     return {low, high};
 }
 

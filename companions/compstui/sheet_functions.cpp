@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 #include "common/memory_probe.h"
 #include "companions/compstui/group.h"

@@ -3,6 +3,9 @@
 
 #include <windows.h>
 
+#include <string>
+#include <string_view>
+
 #include "common/gdi_handle.h"
 #include "companions/host/page_layout.h"
 

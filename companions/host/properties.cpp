@@ -4,6 +4,8 @@
 
 #include <compstui.h>
 
+#include <cstddef>
+
 #include "common/module.h"
 #include "common/text.h"
 #include "companions/host/host_error.h"

@@ -1,6 +1,7 @@
 #include "companions/host/record_fields.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include "common/handle.h"

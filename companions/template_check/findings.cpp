@@ -1,5 +1,7 @@
 #include "companions/template_check/findings.h"
 
+#include <cstdint>
+
 namespace template_check {
 
 namespace {

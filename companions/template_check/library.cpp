@@ -1,6 +1,7 @@
 #include "companions/template_check/library.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <stdexcept>
 
 #include "common/handle.h"

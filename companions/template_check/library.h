@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "companions/template_check/dialog_template.h"
 #include "companions/template_check/layout.h"

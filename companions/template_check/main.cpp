@@ -2,6 +2,7 @@
 // libraries.
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 

@@ -1,6 +1,8 @@
 #include "companions/template_check/measure.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <string_view>
 

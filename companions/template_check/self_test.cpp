@@ -1,5 +1,7 @@
 #include "companions/template_check/self_test.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 

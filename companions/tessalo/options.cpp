@@ -5,6 +5,7 @@
 #include <shlobj.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "common/memory_probe.h"
 #include "common/paths.h"

@@ -1,6 +1,8 @@
 // The common property-sheet service: what both sheets answer alike.
 #pragma once
 
+#include <optional>
+
 #include "UI_dll/ddi.h"
 #include "UI_dll/ptrinfo.h"
 

@@ -6,6 +6,8 @@
 #include <winspool.h>
 #include <winddiui.h>
 
+#include <cstddef>
+
 struct DocumentPropertyHeader {  // DOCUMENTPROPERTYHEADER
     WORD cbSize;
     WORD Reserved;

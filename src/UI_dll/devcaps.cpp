@@ -4,6 +4,8 @@
 
 #include <array>
 #include <bit>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <optional>

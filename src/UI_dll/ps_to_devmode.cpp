@@ -1,6 +1,7 @@
 #include "UI_dll/ps_to_devmode.h"
 
 #include <cmath>
+#include <cstdint>
 
 #include "common/driver_util.h"
 #include "common/paths.h"

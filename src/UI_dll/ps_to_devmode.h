@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <vector>
+
 #include "lib/forms.h"
 #include "print_settings/PrintSettings.h"
 

@@ -1,5 +1,7 @@
 #include "UI_dll/ptrprop.h"
 
+#include <memory>
+
 #include "UI_dll/cpsui.h"
 #include "UI_dll/ptrinfo.h"
 #include "common/driver_util.h"

@@ -2,6 +2,7 @@
 
 #include <sddl.h>
 
+#include <cstddef>
 #include <cstring>
 #include <string>
 

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <string_view>
 #include <type_traits>
 #include <vector>

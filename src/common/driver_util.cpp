@@ -2,6 +2,7 @@
 
 #include <winspool.h>
 
+#include <cstddef>
 #include <new>
 
 #include "common/MMF.h"

@@ -3,6 +3,7 @@
 #include <shlobj.h>
 
 #include <array>
+#include <cstddef>
 #include <cstring>
 #include <vector>
 

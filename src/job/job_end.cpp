@@ -1,4 +1,5 @@
 // The end of a job: its result is read back and reported, its state freed.
+#include <memory>
 #include <string>
 
 #include "common/ErrorNotify.h"

@@ -1,6 +1,7 @@
 // Walks two sections side by side and describes what differs.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <type_traits>

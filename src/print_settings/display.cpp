@@ -1,5 +1,6 @@
 #include "print_settings/display.h"
 
+#include <cstdint>
 #include <initializer_list>
 #include <string_view>
 

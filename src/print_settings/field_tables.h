@@ -1,6 +1,8 @@
 // The field table of every section. The order is that of comparing and describing.
 #pragma once
 
+#include <tuple>
+
 #include "print_settings/PrintSettings_impl.h"
 #include "print_settings/field.h"
 #include "resources/ids.h"

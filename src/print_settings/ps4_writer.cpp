@@ -1,5 +1,6 @@
 #include "print_settings/ps4_writer.h"
 
+#include <map>
 #include <type_traits>
 
 #include "common/text.h"

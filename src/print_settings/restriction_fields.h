@@ -1,6 +1,8 @@
 // The field table of the administrator's own values.
 #pragma once
 
+#include <tuple>
+
 #include "print_settings/PSAdmin.h"
 #include "print_settings/field.h"
 

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "UI_dll/ddi.h"

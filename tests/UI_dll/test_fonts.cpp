@@ -1,6 +1,7 @@
 // The table of installed fonts, and the page that lists them.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <vector>
 
 #include "UI_dll/PDFSettings/font_states.h"

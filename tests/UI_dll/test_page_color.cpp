@@ -1,6 +1,8 @@
 // The Colour page.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "resources/ids.h"
 #include "support/profile_folder.h"
 #include "support/sheet_driver.h"

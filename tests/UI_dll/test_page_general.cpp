@@ -1,6 +1,8 @@
 // The General page and its rules.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "UI_dll/PDFSettings/page_general_rules.h"
 #include "resources/ids.h"
 #include "support/fake_tessalo.h"

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "UI_dll/PDFSettings/page_pdf_version.h"
 #include "UI_dll/PDFSettings/page_pdf_version_rules.h"

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "UI_dll/PDFSettings/page_securities_rules.h"
 #include "resources/ids.h"
 #include "support/sheet_driver.h"

@@ -4,6 +4,8 @@
 
 #include <commctrl.h>
 
+#include <functional>
+
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/PDFSettings/setting_rows.h"
 #include "UI_dll/PDFSettings/settings_page.h"

@@ -5,6 +5,7 @@
 #include <prsht.h>
 
 #include <atomic>
+#include <cstdint>
 #include <thread>
 #include <vector>
 

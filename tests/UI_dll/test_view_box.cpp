@@ -1,7 +1,9 @@
 // The drawing of the page that a setting makes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 #include "UI_dll/PDFSettings/page_drawing.h"
 #include "UI_dll/PDFSettings/view_box.h"

@@ -1,7 +1,10 @@
 // Who is told of a failure, the external-call feature, colour profiles.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <random>
 
 #include "common/ErrorNotify.h"

@@ -1,6 +1,8 @@
 // The language library, shared blocks, texts in records.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+
 #include "common/MMF.h"
 #include "common/job_records.h"
 #include "common/memory_probe.h"

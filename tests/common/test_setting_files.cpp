@@ -1,6 +1,8 @@
 // Which setting file belongs to a printer, where files and folders lie, what the registry says.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "common/paths.h"
 #include "common/registry.h"
 #include "common/rwPDFSet_functions.h"

@@ -1,6 +1,8 @@
 // What callers reach through pfnComPropSheet, and what is refused.
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "companions/compstui_player.h"
 
 namespace {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "common/handle.h"
 #include "common/paths.h"
 #include "common/registry.h"

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <deque>
 #include <mutex>
 #include <set>

@@ -1,4 +1,7 @@
 // Every example of docs/for-administrators.md does what its section says.
+#include <algorithm>
+#include <functional>
+
 #include "UI_dll/cpsui.h"
 #include "common/ErrorNotify.h"
 #include "common/override_ini.h"

@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "UI_dll/ddi.h"
 #include "common/handle.h"

@@ -2,6 +2,9 @@
 #include "job/job_fixture.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <functional>
 
 #include "common/module.h"
 #include "job/document_event.h"

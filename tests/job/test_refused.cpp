@@ -1,4 +1,6 @@
 // Jobs that do not start: who is told what, and what is left behind.
+#include <functional>
+
 #include "job/job_fixture.h"
 #include "common/resource_dll.h"
 #include "resources/ids.h"

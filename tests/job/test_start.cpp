@@ -1,4 +1,6 @@
 // From STARTDOCPRE to the published records.
+#include <cstdint>
+
 #include "job/job_fixture.h"
 #include "support/guarded_buffer.h"
 #include "support/handle_count.h"

@@ -1,6 +1,8 @@
 // The default DEVMODE, copies between layouts, DrvConvertDevMode.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <optional>
 #include <vector>

@@ -1,6 +1,8 @@
 // What a caller's DEVMODE changes, and the direct queries that answer with the result.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstring>
 #include <functional>
 
 #include "UI_dll/ddi.h"

@@ -6,7 +6,10 @@
 #include <winspool.h>
 
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <cwchar>
 #include <functional>
 #include <optional>
 #include <string>

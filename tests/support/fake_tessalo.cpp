@@ -1,6 +1,7 @@
 #include "support/fake_tessalo.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cwchar>
 

@@ -5,6 +5,8 @@
 
 #include <process.h>
 
+#include <string>
+
 #include "common/handle.h"
 #include "common/module.h"
 #include "support/installation.h"

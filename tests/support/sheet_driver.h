@@ -10,8 +10,11 @@
 #include <prsht.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/PDFSettings/edit_sheet.h"

@@ -5,6 +5,8 @@
 
 #include <mutex>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "common/text.h"

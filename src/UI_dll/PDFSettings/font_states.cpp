@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <memory>
 
 #include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/guard.h"

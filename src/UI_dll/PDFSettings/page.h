@@ -6,6 +6,7 @@
 #include <prsht.h>
 
 #include <array>
+#include <string>
 
 #include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/guard.h"

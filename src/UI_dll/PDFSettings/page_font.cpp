@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdint>
 
 #include "UI_dll/PDFSettings/exchange.h"
 #include "UI_dll/PDFSettings/font_states.h"

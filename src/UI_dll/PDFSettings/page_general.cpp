@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstdint>
+#include <memory>
 
 #include "UI_dll/PDFSettings/dlg_item.h"
 #include "UI_dll/PDFSettings/exchange.h"

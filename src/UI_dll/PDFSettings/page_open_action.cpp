@@ -1,3 +1,5 @@
+#include <cstdint>
+
 #include "UI_dll/PDFSettings/exchange.h"
 #include "UI_dll/PDFSettings/page.h"
 #include "UI_dll/PDFSettings/whole_number.h"

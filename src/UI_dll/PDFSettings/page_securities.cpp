@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <utility>
 
 #include "UI_dll/PDFSettings/exchange.h"

@@ -1,3 +1,5 @@
+#include <cstdint>
+
 #include "UI_dll/PDFSettings/common_dialogs.h"
 #include "UI_dll/PDFSettings/exchange.h"
 #include "UI_dll/PDFSettings/font_states.h"

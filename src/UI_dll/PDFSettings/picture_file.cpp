@@ -1,6 +1,7 @@
 #include "UI_dll/PDFSettings/picture_file.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "common/paths.h"
 #include "common/trace.h"

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 #include "common/paths.h"

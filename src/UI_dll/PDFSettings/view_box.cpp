@@ -1,5 +1,8 @@
 #include "UI_dll/PDFSettings/view_box.h"
 
+#include <cstdint>
+#include <memory>
+
 #include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/PDFSettings/page_drawing.h"
 #include "common/threadprop.h"
