@@ -30,9 +30,9 @@ inline constexpr int kPS4 = 7;            // JSON
 [[nodiscard]] int Recognise(const std::wstring& path);
 [[nodiscard]] int RecogniseBytes(std::string_view first_bytes) noexcept;
 
-// The display name in a setting file of the JSON kind, found without reading its values; empty when it holds
-// none, nothing when the file cannot be read.
-[[nodiscard]] std::optional<std::wstring> ReadName(const std::wstring& path);
+// The display name in a setting file of the JSON kind; empty when it holds none, nothing when the file cannot
+// be loaded.
+[[nodiscard]] std::optional<std::wstring> ReadName(const std::wstring& path) noexcept;
 
 // Owns one print setting; copies are deep. Name, version and comment are reached with `->`, the sections with
 // the accessors: `settings->PSName`, `settings.general()->Scale`. Not for two threads at once.
