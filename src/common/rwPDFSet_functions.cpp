@@ -127,13 +127,17 @@ std::wstring ResolveSettingFilePath(std::wstring_view name) {
 SettingFormat ProbeSettingFile(const std::wstring& path) {
     if (!qk::is_file(path))
         return SettingFormat::kNone;
-    const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                       FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    // Who just replaces the file is not in the way.
+    const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                       nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     if (!file) {
         TRACE("open error");
         TRACE(path);
         return SettingFormat::kNone;
     }
+    // Anything but a file of a disk, a pipe for one, could keep the reader waiting for ever.
+    if (GetFileType(file.get()) != FILE_TYPE_DISK)
+        return SettingFormat::kNone;
     BYTE start[8] = {};
     DWORD size = 0;
     if (!ReadFile(file.get(), start, sizeof start, &size, nullptr))

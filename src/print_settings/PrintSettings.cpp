@@ -100,15 +100,16 @@ std::string PrintSettings::Serialise() const {
 bool PrintSettings::Save(const std::wstring& path) const {
     TRACE("PrintSettings::Save");
     TRACE(path);
-    std::string bytes;
     try {
-        bytes = Serialise();
-    } catch (const std::exception& error) {
+        return setting_file::try_replace(path, Serialise());
+    } catch (const std::overflow_error& error) {
         TRACE(error.what());
         SetLastError(ERROR_INVALID_DATA);
-        return false;
+    } catch (const std::exception& error) {
+        TRACE(error.what());
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     }
-    return setting_file::try_replace(path, bytes);
+    return false;
 }
 
 bool operator==(const PrintSettings& a, const PrintSettings& b) {

@@ -87,8 +87,8 @@ public:
     [[nodiscard]] int LoadPS4(std::string_view text, bool keepCurrent);
 
     // Writes a setting file. On failure false with the last error; the file that was there is then unchanged,
-    // but for a write that fails after another program forced it to be done in place. A value that is not
-    // finite cannot be written.
+    // but for a write that fails after it had to be done in place. A value that is not finite cannot be
+    // written (ERROR_INVALID_DATA), nor what Load would find too large (ERROR_FILE_TOO_LARGE).
     [[nodiscard]] bool Save(const std::wstring& path) const;
 
     // The bytes that Save writes. Throws std::overflow_error for a value that is not finite.
