@@ -36,9 +36,7 @@ std::wstring text_of(const wchar_t (&field)[Size]) {
 }
 
 std::wstring setting_path(const std::wstring& name) {
-    if (qk::is_file(name) || name.find(L'\\') != std::wstring::npos)
-        return name;
-    return ResolveSettingFilePath(name);
+    return name.find_first_of(L"\\/") == std::wstring::npos ? ResolveSettingFilePath(name) : name;
 }
 
 PrintSettingsAdmin load_settings(const Arguments& arguments) {
