@@ -48,6 +48,9 @@ PrintSettingsAdmin load_settings(const Arguments& arguments) {
         if (named)
             throw Failure{ResultCode::kSettingUnreadable, ERROR_FILE_NOT_FOUND, name};
         warn("no setting file for the printer, the defaults apply");
+        if (!settings.LoadDefaults())
+            throw Failure{ResultCode::kSettingUnreadable, ERROR_INVALID_DATA,
+                          Corvanta::Vantrix::Administrator::kFileName};
         return settings;
     }
     if (!settings.Load(path))
