@@ -35,9 +35,7 @@ std::wstring text_of(const wchar_t (&field)[Size]) {
 }
 
 std::wstring setting_path(const std::wstring& name) {
-    if (qk::is_file(name) || name.find(L'\\') != std::wstring::npos)
-        return name;
-    return ResolveSettingFilePath(name);
+    return name.find_first_of(L"\\/") == std::wstring::npos ? ResolveSettingFilePath(name) : name;
 }
 
 PrintSettingsAdmin load_settings(const Arguments& arguments) {
@@ -49,6 +47,9 @@ PrintSettingsAdmin load_settings(const Arguments& arguments) {
         if (named)
             throw Failure{ResultCode::kSettingUnreadable, ERROR_FILE_NOT_FOUND, name};
         warn("no setting file for the printer, the defaults apply");
+        if (!settings.LoadDefaults())
+            throw Failure{ResultCode::kSettingUnreadable, ERROR_INVALID_DATA,
+                          Corvanta::Vantrix::Administrator::kFileName};
         return settings;
     }
     if (!settings.Load(path))

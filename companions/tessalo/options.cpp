@@ -6,11 +6,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 
 #include "common/memory_probe.h"
 #include "common/paths.h"
 #include "common/registry.h"
-#include "common/rwPDFSet_functions.h"
 #include "common/text.h"
 
 namespace companions {
@@ -75,10 +75,13 @@ std::wstring dialog_folder(const std::wstring& record_folder,
     return documents_folder();
 }
 
-std::wstring setting_name_for(const std::wstring& printer_name) {
+std::wstring setting_name_for(const std::wstring& printer_name, size_t units) {
     const std::wstring value = L"settingfile_for_process_" + printer_name;
-    auto chosen = qk::registry::find_text(HKEY_CURRENT_USER, qk::registry::kRoot, value.c_str());
-    return chosen && !chosen->empty() ? std::move(*chosen) : GetSettingFileName(printer_name);
+    auto chosen =
+        qk::registry::find_text(qk::registry::CurrentUser().get(), qk::registry::kRoot, value.c_str());
+    // One that the job could not be told would leave it without any setting.
+    return chosen && !chosen->empty() && chosen->size() < units ? std::move(*chosen)
+                                                                : GetSettingFileName(printer_name);
 }
 
 bool try_write(qk::MsWString& field, std::wstring_view text) noexcept {

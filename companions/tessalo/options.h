@@ -1,10 +1,12 @@
 // How the dialog library is told to work: environment variables and "Tessalo80.ini" beside the library.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 #include "common/ms_wstring.h"
+#include "common/rwPDFSet_functions.h"
 #include "print_settings/PrintSettings.h"
 
 namespace companions {
@@ -24,9 +26,11 @@ namespace companions {
 [[nodiscard]] std::wstring dialog_folder(const std::wstring& record_folder,
                                          const Corvanta::Vantrix::PrintSettings::General_impl& general);
 
-// The setting file that a printer's next job uses: the choice made for the running process, when there is
-// one, else the printer's own. A bare name or a path; never empty.
-[[nodiscard]] std::wstring setting_name_for(const std::wstring& printer_name);
+// The setting file that a printer's next job uses: the choice made for the running process, when there is one
+// that fits into `units` with its terminating zero, else the printer's own. A bare name or a path; never
+// empty.
+[[nodiscard]] std::wstring setting_name_for(const std::wstring& printer_name,
+                                            size_t units = kSettingNameUnits);
 
 // Replaces a text of the working record in place; false, with the field unchanged, when the memory that
 // stands behind it has no room for it or cannot be written.

@@ -70,10 +70,11 @@ void answer(dialog_library::WorkingRecord& record) {
 }
 
 int copy_setting_name(wchar_t* buffer, int capacity, const wchar_t* printer_name) {
-    const std::wstring name = companions::setting_name_for(printer_name ? printer_name : L"");
-    if (!buffer || capacity <= 0 || name.size() >= static_cast<size_t>(capacity))
+    const size_t units = buffer && capacity > 0 ? static_cast<size_t>(capacity) : 0;
+    const std::wstring name = companions::setting_name_for(printer_name ? printer_name : L"", units);
+    if (name.size() >= units)
         return ERROR_INSUFFICIENT_BUFFER;
-    qk::copy_zero_padded(buffer, static_cast<size_t>(capacity), name);
+    qk::copy_zero_padded(buffer, units, name);
     return ERROR_SUCCESS;
 }
 

@@ -35,12 +35,15 @@ void report_event(const std::wstring& message) {
         ReportEventW(source.get(), EVENTLOG_ERROR_TYPE, 1, 0, nullptr, 1, 0, texts, nullptr);
 }
 
-// The log's folder with its trailing backslash; empty when "ErrFile" lacks it, which leaves no path to open.
+// The log's folder with its trailing backslash; empty when there is none or "ErrFile" lacks it, which leaves
+// no path to open.
 std::wstring log_folder() {
     const qk::RegKey key = notification_key(L"NotifiCation");
     const std::wstring chosen = key ? qk::registry::find_text(key.get(), L"ErrFile").value_or(L"") : L"";
-    if (chosen.empty() || chosen.size() * sizeof(wchar_t) >= kMostFolderBytes)
-        return qk::format(L"%s\\%s\\", qk::common_documents_folder().c_str(), L"Dunmere\\Vantrix2");
+    if (chosen.empty() || chosen.size() * sizeof(wchar_t) >= kMostFolderBytes) {
+        const std::wstring shared = qk::shared_documents_folder();
+        return shared.empty() ? shared : shared + L'\\';
+    }
     return chosen.back() == L'\\' ? chosen : std::wstring();
 }
 

@@ -7,7 +7,7 @@
 
 #include "common/MMF.h"
 #include "common/job_records.h"
-#include "common/registry.h"
+#include "common/own_user.h"
 #include "common/text.h"
 #include "common/trace.h"
 
@@ -22,11 +22,8 @@ std::wstring ask_user_name() {
 }  // namespace
 
 std::wstring user_name() {
-    if (!qk::registry::CurrentUser().is_own())
-        return ask_user_name();
-    // The system looks the name up each time and each job asks; a process keeps its user.
-    static const std::wstring own = ask_user_name();
-    return own;
+    static qk::OwnUsersText own;
+    return own.get(ask_user_name);
 }
 
 std::unique_ptr<std::byte[]> GetPrinterInfo(HANDLE printer) {

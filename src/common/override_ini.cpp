@@ -11,7 +11,10 @@ constexpr wchar_t kSection[] = L"Vantrix";
 
 }  // namespace
 
-OverrideIni::OverrideIni() : path_(shared_documents_folder() + L"\\DunmereVantrix.ini") {
+OverrideIni::OverrideIni() : path_(shared_documents_folder()) {
+    if (path_.empty())
+        return;
+    path_ += L"\\DunmereVantrix.ini";
     exists_ = is_file(path_);
     if (!exists_)
         return;

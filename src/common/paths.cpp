@@ -3,6 +3,7 @@
 #include <knownfolders.h>
 #include <shlobj.h>
 
+#include "common/own_user.h"
 #include "common/registry.h"
 #include "common/text.h"
 #include "common/trace.h"
@@ -33,28 +34,12 @@ std::wstring install_folder() {
 
 namespace {
 
-// Asked of the shell once: it is the same for every user and as long as the process lives, and each job and
-// each DEVMODE query would ask again.
-const std::wstring& shell_common_documents() {
-    static const std::wstring folder = []() -> std::wstring {
-        wchar_t buffer[MAX_PATH + 1] = {};
-        return SHGetSpecialFolderPathW(nullptr, buffer, CSIDL_COMMON_DOCUMENTS, FALSE) ? buffer : L"";
-    }();
-    return folder;
+OwnUsersText common_documents, roaming;
+
+std::wstring shell_common_documents() {
+    wchar_t buffer[MAX_PATH + 1] = {};
+    return SHGetSpecialFolderPathW(nullptr, buffer, CSIDL_COMMON_DOCUMENTS, FALSE) ? buffer : L"";
 }
-
-}  // namespace
-
-std::wstring common_documents_folder() {
-    constexpr wchar_t kSpecialFolders[] = L"SOFTWARE\\Dunmere\\Common\\SpecialFolder";
-    std::wstring folder =
-        registry::find_text(HKEY_LOCAL_MACHINE, kSpecialFolders, L"CSIDL_COMMON_DOCUMENTS").value_or(L"");
-    if (folder.empty())
-        folder = shell_common_documents();
-    return std::wstring(without_trailing_backslashes(folder));
-}
-
-namespace {
 
 std::wstring shell_roaming_folder() {
     wchar_t buffer[MAX_PATH] = {};
@@ -64,16 +49,22 @@ std::wstring shell_roaming_folder() {
 
 }  // namespace
 
+std::wstring common_documents_folder() {
+    constexpr wchar_t kSpecialFolders[] = L"SOFTWARE\\Dunmere\\Common\\SpecialFolder";
+    std::wstring folder =
+        registry::find_text(HKEY_LOCAL_MACHINE, kSpecialFolders, L"CSIDL_COMMON_DOCUMENTS").value_or(L"");
+    if (folder.empty())
+        folder = common_documents.get(shell_common_documents);
+    return std::wstring(without_trailing_backslashes(folder));
+}
+
 std::wstring roaming_folder() {
-    if (!registry::CurrentUser().is_own())
-        return shell_roaming_folder();
-    // The shell takes its time and each job asks; it is the same for one user as long as the process lives.
-    static const std::wstring own = shell_roaming_folder();
-    return own;
+    return roaming.get(shell_roaming_folder);
 }
 
 std::wstring shared_documents_folder() {
-    return common_documents_folder() + L"\\Dunmere\\Vantrix2";
+    const std::wstring common = common_documents_folder();
+    return common.empty() ? common : common + L"\\Dunmere\\Vantrix2";
 }
 
 }  // namespace qk

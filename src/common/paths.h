@@ -27,7 +27,7 @@ namespace qk {
 // The user's roaming application data without a trailing backslash; empty when there is none.
 [[nodiscard]] std::wstring roaming_folder();
 
-// "<common documents>\Dunmere\Vantrix2".
+// "<common documents>\Dunmere\Vantrix2"; empty when there are no common documents.
 [[nodiscard]] std::wstring shared_documents_folder();
 
 }  // namespace qk

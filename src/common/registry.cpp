@@ -22,15 +22,15 @@ RegKey create(HKEY parent, const std::wstring& path, REGSAM access) noexcept {
 }
 
 CurrentUser::CurrentUser() noexcept {
-    // A thread that acts for nobody else has the process's own hive, which is open already; looking it up by
-    // the thread's user costs more than all that is read from it.
-    HandleObj token;
-    if (!OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, token.put()) &&
-        GetLastError() == ERROR_NO_TOKEN)
-        return;
     if (RegOpenCurrentUser(KEY_READ | KEY_WRITE, key_.put()) != ERROR_SUCCESS &&
         RegOpenCurrentUser(KEY_READ, key_.put()) != ERROR_SUCCESS)
         key_.reset();
+}
+
+bool CurrentUser::is_own() noexcept {
+    HandleObj token;
+    return !OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, token.put()) &&
+           GetLastError() == ERROR_NO_TOKEN;
 }
 
 std::optional<std::wstring> find_text(HKEY key, const wchar_t* value) {
@@ -77,8 +77,8 @@ std::optional<DWORD> find_number(HKEY parent, const std::wstring& path, const wc
 
 namespace {
 
-std::wstring read_text(HKEY hive, const std::wstring& path, const wchar_t* value) {
-    const qk::RegKey key = qk::registry::create(hive, path, KEY_READ);
+std::wstring read_users_text(const std::wstring& path, const wchar_t* value) {
+    const qk::RegKey key = qk::registry::create(qk::registry::CurrentUser().get(), path, KEY_READ);
     return key ? qk::registry::find_text(key.get(), value).value_or(L"") : std::wstring();
 }
 
@@ -88,10 +88,10 @@ std::wstring ReadDriverRegString(const wchar_t* value_name, const wchar_t* subke
     TRACE("ReadDriverRegString");
     const std::wstring root = qk::registry::kRoot;
     const std::wstring path = subkey ? root + subkey : root;
-    std::wstring text = read_text(qk::registry::CurrentUser().get(), path, value_name);
+    std::wstring text = read_users_text(path, value_name);
     if (text.empty())
-        text = read_text(HKEY_LOCAL_MACHINE, path, value_name);
+        text = qk::registry::find_text(HKEY_LOCAL_MACHINE, path, value_name).value_or(L"");
     if (text.empty())  // also when `path` is the root already
-        text = read_text(HKEY_LOCAL_MACHINE, root, value_name);
+        text = qk::registry::find_text(HKEY_LOCAL_MACHINE, root, value_name).value_or(L"");
     return text;
 }

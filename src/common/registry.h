@@ -21,14 +21,15 @@ inline constexpr wchar_t kDebug[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Debug";
 // The same, made when it is missing.
 [[nodiscard]] RegKey create(HKEY parent, const std::wstring& path, REGSAM access) noexcept;
 
-// The hive of the user on whose behalf the thread runs (a spooler thread impersonates who prints).
+// The hive of the user on whose behalf the thread runs: a spooler thread impersonates who prints, and in a
+// service HKEY_CURRENT_USER itself may be somebody else's. Every look into the user's hive goes through here.
 class CurrentUser {
 public:
     CurrentUser() noexcept;
     [[nodiscard]] HKEY get() const noexcept { return key_ ? key_.get() : HKEY_CURRENT_USER; }
 
-    // Whether that is the process's own user.
-    [[nodiscard]] bool is_own() const noexcept { return !key_; }
+    // Whether the thread acts for nobody but the process's own user.
+    [[nodiscard]] static bool is_own() noexcept;
 
 private:
     RegKey key_;
@@ -51,5 +52,5 @@ private:
 
 // A text value of the product's key: the current user's key `subkey` below the root, then the machine's, then
 // the machine's root key itself. The first that is not empty; empty when there is none. `subkey` may be null.
-// The keys asked are made when they are missing, as far as the user may.
+// The user's key is made when it is missing.
 [[nodiscard]] std::wstring ReadDriverRegString(const wchar_t* value_name, const wchar_t* subkey);

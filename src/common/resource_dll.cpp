@@ -198,13 +198,11 @@ std::wstring load_string(UINT id) {
         trace::debug_output(L"ERROR! no resource dll.");
         return L"ERROR! no resource dll.";
     }
-    std::wstring text(kStringUnits, L'\0');
-    const int units = LoadStringW(module, id, text.data(), static_cast<int>(text.size()));
-    if (units > 0) {
-        text.resize(static_cast<size_t>(units));
-        return text;
-    }
-    text = format(L"ERROR! no resource string id=%ud", id);
+    std::vector<wchar_t> buffer(kStringUnits);
+    const int units = LoadStringW(module, id, buffer.data(), static_cast<int>(buffer.size()));
+    if (units > 0)  // a text of its own size: dialogs keep many
+        return {buffer.data(), static_cast<size_t>(units)};
+    const std::wstring text = format(L"ERROR! no resource string id=%ud", id);
     trace::debug_output(L"%s", text.c_str());
     return text;
 }

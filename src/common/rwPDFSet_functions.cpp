@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "common/dialog_library.h"
@@ -17,7 +18,6 @@ using qk::registry::CurrentUser;
 
 namespace {
 
-constexpr size_t kPathUnits = 512;
 constexpr wchar_t kSettingValue[] = L"PDFSettingFileName";
 constexpr std::array<std::wstring_view, 4> kExtensions = {L"", L".ps4", L".printSetting3", L".printSetting2"};
 
@@ -29,18 +29,26 @@ bool is_usable(const std::wstring& path) {
     return ProbeSettingFile(path) != SettingFormat::kNone;
 }
 
-// The folders that are searched, in their order: what is installed wins over what the user saved.
-std::array<std::wstring, 4> setting_folders() {
-    const std::wstring root = qk::install_folder();
-    return {root + L"Settings\\", root + L"Settings\\legacy\\", root + L"CustomSettings\\",
-            GetAppDataPath(false)};
+// The folders that are searched, in their order: what is installed wins over what the user saved. One that is
+// not known is left out, since a name alone would be looked for in the host program's current folder.
+std::vector<std::wstring> setting_folders() {
+    std::vector<std::wstring> folders;
+    if (const std::wstring root = qk::install_folder(); !root.empty())
+        folders = {root + L"Settings\\", root + L"Settings\\legacy\\", root + L"CustomSettings\\"};
+    if (std::wstring own = GetAppDataPath(false); !own.empty())
+        folders.push_back(own.back() == L'\\' ? std::move(own) : own + L'\\');
+    return folders;
+}
+
+bool is_full_path(std::wstring_view name) noexcept {
+    return name.starts_with(L"\\\\") ||
+           (name.size() > 2 && name[1] == L':' && (name[2] == L'\\' || name[2] == L'/'));
 }
 
 std::wstring find_setting_file(const std::wstring& name) {
     const auto folders = setting_folders();
-    const bool has_path = name.find(L'\\') != std::wstring::npos;
     for (const std::wstring_view extension : kExtensions) {
-        if (has_path && is_usable(name))
+        if (is_full_path(name) && is_usable(name))
             return name;
         for (const std::wstring& folder : folders)
             if (std::wstring path = folder + name + std::wstring(extension); is_usable(path))
@@ -120,21 +128,27 @@ int FindSettingFile(wchar_t* name, size_t capacity) {
 }
 
 std::wstring ResolveSettingFilePath(std::wstring_view name) {
-    wchar_t path[kPathUnits];
-    qk::copy_zero_padded(path, kPathUnits, name);
-    return FindSettingFile(path, kPathUnits) ? std::wstring(path) : std::wstring();
+    if (name.size() >= kSettingNameUnits)  // cut, it could be another file's
+        return {};
+    wchar_t path[kSettingNameUnits];
+    qk::copy_zero_padded(path, kSettingNameUnits, name);
+    return FindSettingFile(path, kSettingNameUnits) ? std::wstring(path) : std::wstring();
 }
 
 SettingFormat ProbeSettingFile(const std::wstring& path) {
     if (!qk::is_file(path))
         return SettingFormat::kNone;
-    const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                       FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    // Who just replaces the file is not in the way.
+    const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                       nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     if (!file) {
         TRACE("open error");
         TRACE(path);
         return SettingFormat::kNone;
     }
+    // Anything but a file of a disk, a pipe for one, could keep the reader waiting for ever.
+    if (GetFileType(file.get()) != FILE_TYPE_DISK)
+        return SettingFormat::kNone;
     BYTE start[8] = {};
     DWORD size = 0;
     if (!ReadFile(file.get(), start, sizeof start, &size, nullptr))
@@ -144,14 +158,14 @@ SettingFormat ProbeSettingFile(const std::wstring& path) {
 
 std::wstring GetAppDataPath(bool create) {
     std::wstring folder =
-        qk::registry::find_text(HKEY_CURRENT_USER, qk::registry::kDebug, L"AppDataPath").value_or(L"");
+        qk::registry::find_text(CurrentUser().get(), qk::registry::kDebug, L"AppDataPath").value_or(L"");
     if (!folder.empty()) {
         if (create && !qk::is_folder(folder))
             ForceDirectories(folder);
         return folder;
     }
     wchar_t roaming[MAX_PATH + 1] = {};
-    if (SHGetSpecialFolderPathW(nullptr, roaming, CSIDL_APPDATA, FALSE))
+    if (SHGetSpecialFolderPathW(nullptr, roaming, CSIDL_APPDATA, FALSE) && *roaming)
         folder = qk::format(L"%s\\%s\\%s\\%s\\CustomSettings", roaming, L"Corvanta", L"Vantrix", L"8.0");
     if (!folder.empty() && (qk::is_folder(folder) || (create && ForceDirectories(folder))))
         return folder + L'\\';
@@ -187,8 +201,5 @@ std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& print
 }
 
 std::wstring SettingPathOf(const std::wstring& name) {
-    if (name.find(L'\\') != std::wstring::npos)
-        return name;
-    const std::wstring found = ResolveSettingFilePath(name);
-    return found.empty() ? name : found;
+    return is_full_path(name) ? name : ResolveSettingFilePath(name);
 }

@@ -29,17 +29,19 @@ enum class SettingFormat : DWORD {
 // folder by its bare name.
 void SetSettingFileName(std::wstring_view file_path, const std::wstring& printer_name);
 
-// Looks `name` up in the setting folders with each known extension. Returns 1 and overwrites `name` with the
-// full path, cut to `capacity` units with its terminating zero, or returns 0 and leaves it unchanged.
+// Looks `name` up: as it stands when it is a full path, then in the setting folders with each known
+// extension; never in the current folder, which is the host program's. Returns 1 and overwrites `name` with
+// the full path, cut to `capacity` units with its terminating zero, or returns 0 and leaves it unchanged.
 int FindSettingFile(wchar_t* name, size_t capacity);
 
-// The full path of a setting file, or an empty text.
+// The full path of a setting file, or an empty text; also for a name of kSettingNameUnits or more.
 [[nodiscard]] std::wstring ResolveSettingFilePath(std::wstring_view name);
 
 // The kind of a file by its first bytes; kNone also when it is missing, a folder or cannot be opened.
 [[nodiscard]] SettingFormat ProbeSettingFile(const std::wstring& path);
 
-// The user's folder of settings, ending in a backslash, made when `create`; empty when it is not there.
+// The user's folder of settings, made when `create`; empty when it is not there. It ends in a backslash, but
+// for a value of "AppDataPath", which comes as it stands there.
 [[nodiscard]] std::wstring GetAppDataPath(bool create);
 
 inline constexpr size_t kSettingNameUnits = 512;
@@ -53,6 +55,6 @@ inline constexpr size_t kSettingNameUnits = 512;
 [[nodiscard]] std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& printer_name,
                                                     size_t units = kSettingNameUnits);
 
-// The path behind a name that the library gave: a bare name is looked for through the setting folders before
-// it counts as missing, a path is used as it is. The name itself when there is no such file.
+// The path behind a name that the library gave: a full path is used as it is, anything else is looked for in
+// the setting folders; empty when it is not there.
 [[nodiscard]] std::wstring SettingPathOf(const std::wstring& name);

@@ -25,7 +25,8 @@ void tell_listeners() {
 
 // The choice of a setting file for one process ends with its job.
 void forget_process_setting(HANDLE printer) {
-    const qk::RegKey key = qk::registry::open(HKEY_CURRENT_USER, qk::registry::kRoot, KEY_WRITE);
+    const qk::RegKey key =
+        qk::registry::open(qk::registry::CurrentUser().get(), qk::registry::kRoot, KEY_WRITE);
     if (key)
         RegDeleteValueW(key.get(),
                         qk::format(L"settingfile_for_process_%s", printer_name(printer).c_str()).c_str());

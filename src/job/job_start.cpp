@@ -102,8 +102,17 @@ private:
 
     void load_settings() {
         const std::wstring name = GetSettingFileNameFromFD(library_.get(), printer_name_);
-        if (name.empty())
-            return;  // the job goes on with the defaults
+        if (name.empty()) {  // what the administrator forces holds for the defaults too
+            if (!settings_.LoadDefaults())
+                refuse({kBadSettingFile, IDS_BAD_SETTING_FILE, Corvanta::Vantrix::Administrator::kFileName});
+        } else {
+            load_setting_file(name);
+        }
+        if (const auto refusal = find_refusal(settings_))
+            refuse(*refusal);
+    }
+
+    void load_setting_file(const std::wstring& name) {
         const std::wstring path = SettingPathOf(name);
         if (!qk::is_file(path))
             refuse({kNoSettingFile, IDS_NO_SETTING_FILE, name});
@@ -111,8 +120,6 @@ private:
         if (!settings_.Load(path))
             refuse({kBadSettingFile, IDS_BAD_SETTING_FILE, name});
         TRACE("sd3");
-        if (const auto refusal = find_refusal(settings_))
-            refuse(*refusal);
     }
 
     [[noreturn]] static void refuse(const Refusal& refusal) {

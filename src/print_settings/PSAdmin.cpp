@@ -45,7 +45,7 @@ bool read_file(const std::wstring& path, std::string& bytes, Restriction& restri
 }  // namespace
 
 std::wstring find_file(const std::wstring& install_folder) {
-    std::wstring path = install_folder.empty() ? install_folder : install_folder + L"administrator.ps4a";
+    std::wstring path = install_folder.empty() ? install_folder : install_folder + kFileName;
     return qk::is_file(path) ? path : std::wstring();
 }
 
@@ -66,8 +66,15 @@ namespace PrintSettings {
 bool PrintSettingsAdmin::Load(const std::wstring& path) {
     TRACE("PrintSettingsAdmin::Load");
     std::string users;
-    if (setting_file::read(path, users) != kLoaded)
-        return false;
+    return setting_file::read(path, users) == kLoaded && LoadWithAdministrator(users);
+}
+
+bool PrintSettingsAdmin::LoadDefaults() {
+    TRACE("PrintSettingsAdmin::LoadDefaults");
+    return LoadWithAdministrator("\xEF\xBB\xBF{\"PSComment\": []}");  // a user's file that sets nothing
+}
+
+bool PrintSettingsAdmin::LoadWithAdministrator(std::string_view users) {
     const std::wstring forced_path =
         Administrator::find_file(install_folder_ ? *install_folder_ : qk::install_folder());
     std::string forced;

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "print_settings/PrintSettings.h"
@@ -10,6 +11,8 @@
 namespace Corvanta::Vantrix {
 
 namespace Administrator {
+
+inline constexpr wchar_t kFileName[] = L"administrator.ps4a";
 
 // What the administrator's file holds beside settings. Paths and names as they stand there, UTF-16.
 class Restriction {
@@ -46,9 +49,14 @@ public:
     // loaded; the object is then not to be used.
     [[nodiscard]] bool Load(const std::wstring& path) override;
 
+    // The same for a job that has no setting file: the defaults with the administrator's values on top.
+    [[nodiscard]] bool LoadDefaults();
+
     [[nodiscard]] const Administrator::Restriction& restriction() const noexcept { return restriction_; }
 
 private:
+    [[nodiscard]] bool LoadWithAdministrator(std::string_view users);
+
     Administrator::Restriction restriction_;
     std::optional<std::wstring> install_folder_;
 };

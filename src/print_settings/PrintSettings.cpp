@@ -1,6 +1,8 @@
 #include "print_settings/PrintSettings.h"
 
 #include <exception>
+#include <stdexcept>
+#include <utility>
 
 #include "common/text.h"
 #include "common/trace.h"
@@ -35,12 +37,18 @@ int Recognise(const std::wstring& path) {
     return setting_file::read_start(path, bytes) == kLoaded ? RecogniseBytes(bytes) : kUnknownKind;
 }
 
-std::optional<std::wstring> ReadName(const std::wstring& path) {
-    std::string bytes;
-    if (setting_file::read(path, bytes) != kLoaded || RecogniseBytes(bytes) != kPS4)
+std::optional<std::wstring> ReadName(const std::wstring& path) noexcept {
+    try {
+        std::string bytes;
+        PrintSettings setting;
+        if (setting_file::read(path, bytes) != kLoaded || RecogniseBytes(bytes) != kPS4 ||
+            setting.LoadPS4(std::string_view(bytes).substr(kByteOrderMark.size()), false) != kLoaded)
+            return std::nullopt;
+        return std::move(setting->PSName);
+    } catch (...) {  // one file must not cost a list the others
+        TRACE("err:ReadName");
         return std::nullopt;
-    const auto name = json::find_text(std::string_view(bytes).substr(kByteOrderMark.size()), "PSName");
-    return name ? std::optional(qk::to_wide(*name)) : std::nullopt;
+    }
 }
 
 bool PrintSettings::Load(const std::wstring& path) {
@@ -92,15 +100,16 @@ std::string PrintSettings::Serialise() const {
 bool PrintSettings::Save(const std::wstring& path) const {
     TRACE("PrintSettings::Save");
     TRACE(path);
-    std::string bytes;
     try {
-        bytes = Serialise();
-    } catch (const std::exception& error) {
+        return setting_file::try_replace(path, Serialise());
+    } catch (const std::overflow_error& error) {
         TRACE(error.what());
         SetLastError(ERROR_INVALID_DATA);
-        return false;
+    } catch (const std::exception& error) {
+        TRACE(error.what());
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     }
-    return setting_file::try_replace(path, bytes);
+    return false;
 }
 
 bool operator==(const PrintSettings& a, const PrintSettings& b) {

@@ -30,9 +30,9 @@ inline constexpr int kPS4 = 7;            // JSON
 [[nodiscard]] int Recognise(const std::wstring& path);
 [[nodiscard]] int RecogniseBytes(std::string_view first_bytes) noexcept;
 
-// The display name in a setting file of the JSON kind, found without reading its values; empty when it holds
-// none, nothing when the file cannot be read.
-[[nodiscard]] std::optional<std::wstring> ReadName(const std::wstring& path);
+// The display name in a setting file of the JSON kind; empty when it holds none, nothing when the file cannot
+// be loaded.
+[[nodiscard]] std::optional<std::wstring> ReadName(const std::wstring& path) noexcept;
 
 // Owns one print setting; copies are deep. Name, version and comment are reached with `->`, the sections with
 // the accessors: `settings->PSName`, `settings.general()->Scale`. Not for two threads at once.
@@ -87,8 +87,8 @@ public:
     [[nodiscard]] int LoadPS4(std::string_view text, bool keepCurrent);
 
     // Writes a setting file. On failure false with the last error; the file that was there is then unchanged,
-    // but for a write that fails after another program forced it to be done in place. A value that is not
-    // finite cannot be written.
+    // but for a write that fails after it had to be done in place. A value that is not finite cannot be
+    // written (ERROR_INVALID_DATA), nor what Load would find too large (ERROR_FILE_TOO_LARGE).
     [[nodiscard]] bool Save(const std::wstring& path) const;
 
     // The bytes that Save writes. Throws std::overflow_error for a value that is not finite.

@@ -36,43 +36,7 @@ public:
     }
 };
 
-// Checks a whole document and keeps the text of one member of its outermost object.
-class MemberContext : public picojson::deny_parse_context {
-public:
-    MemberContext(std::string_view key, std::string& found) : key_(key), found_(found) {}
-
-    bool parse_object_start() { return true; }
-
-    template <class Iterator>
-    bool parse_object_item(picojson::input<Iterator>& input, const std::string& key) {
-        if (key != key_) {
-            picojson::null_parse_context rest;
-            return picojson::_parse(rest, input);
-        }
-        picojson::value value;
-        BoundedContext item(&value);
-        if (!picojson::_parse(item, input))
-            return false;
-        found_ = value.is<std::string>() ? value.get<std::string>() : std::string();
-        return true;
-    }
-
-    bool parse_object_stop() { return true; }
-
-private:
-    std::string_view key_;
-    std::string& found_;
-};
-
 }  // namespace
-
-std::optional<std::string> find_text(std::string_view text, std::string_view key) {
-    std::string found;
-    MemberContext context(key, found);
-    std::string error;
-    picojson::_parse(context, text.data(), text.data() + text.size(), &error);
-    return error.empty() ? std::optional(std::move(found)) : std::nullopt;
-}
 
 bool try_parse(std::string_view text, picojson::value& value, std::string* fault) {
     BoundedContext context(&value);

@@ -3,7 +3,6 @@
 
 #include <picojson.h>
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,10 +13,6 @@ namespace Corvanta::Vantrix::PrintSettings::json {
 // reads and writes numbers with a point whatever the C locale of the host program is. `fault`, when given,
 // takes the place of the first error in words.
 [[nodiscard]] bool try_parse(std::string_view text, picojson::value& value, std::string* fault = nullptr);
-
-// The text of the member `key` of the object that `text` holds (of several the last), without keeping
-// anything else of it; empty when it has no such text. Nothing when the JSON is broken.
-[[nodiscard]] std::optional<std::string> find_text(std::string_view text, std::string_view key);
 
 // The member `key`, or null when there is none. Valid while `object` is.
 [[nodiscard]] const picojson::value* find(const picojson::object& object, const char* key);

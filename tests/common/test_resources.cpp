@@ -41,8 +41,11 @@ TEST(Resources, LanguageIsTheUsersChoiceBeforeTheSystems) {
     struct {
         const wchar_t *machine, *user;
         const wchar_t* code;
-    } const rows[] = {
-        {L"ja", L"kr", L"kr"}, {L"ja", nullptr, L"ja"}, {nullptr, L"cht", L"cht"}, {L"ja", L"", L"ja"}};
+    } const rows[] = {{L"ja", L"kr", L"kr"},
+                      {L"ja", nullptr, L"ja"},
+                      {nullptr, L"cht", L"cht"},
+                      {L"ja", L"", L"ja"},
+                      {L"", L"", L"en"}};
     for (const auto& row : rows) {
         const Installation here;
         if (row.machine)
@@ -117,6 +120,8 @@ TEST(Resources, StaleCopiesAreReplacedAndOrphansRemoved) {
 TEST(Resources, MissingStringsSayWhichTheyAre) {
     const TraceCapture trace(0);
     EXPECT_NE(qk::load_string(IDS_JOB_FAILED).find(L"PDF"), std::wstring::npos);
+    EXPECT_LE(qk::load_string(IDS_JOB_FAILED).capacity(), 2 * qk::load_string(IDS_JOB_FAILED).size())
+        << "more than the text is kept";
     EXPECT_EQ(qk::load_string(12345), L"ERROR! no resource string id=12345d");
     EXPECT_TRUE(trace.holds(L"ERROR! no resource string id=12345d"));
     qk::ResourceDLL library(8);

@@ -2,9 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <utility>
 
+#include "common/driver_util.h"
+#include "common/override_ini.h"
+#include "common/own_user.h"
 #include "common/paths.h"
 #include "common/registry.h"
+#include "common/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/text.h"
 #include "support/fake_tessalo.h"
@@ -18,6 +23,58 @@ constexpr char kJson[] = "\xEF\xBB\xBF{}";
 constexpr wchar_t kRoot[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0";
 constexpr wchar_t kPrinterKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\My printer";
 constexpr wchar_t kValue[] = L"PDFSettingFileName";
+
+// The thread acts for a user while this lives, whose hive is not the one of HKEY_CURRENT_USER.
+class ActingForAUser {
+public:
+    explicit ActingForAUser(bool with_token = true) {
+        EXPECT_TRUE(!with_token || ImpersonateSelf(SecurityIdentification));
+    }
+    ~ActingForAUser() {
+        RevertToSelf();
+        RegDeleteTreeW(HKEY_CURRENT_USER, kName);
+    }
+    ActingForAUser(const ActingForAUser&) = delete;
+    ActingForAUser& operator=(const ActingForAUser&) = delete;
+
+    static std::wstring in_hive(const std::wstring& path) { return kName + (L'\\' + path); }
+
+private:
+    static constexpr wchar_t kName[] = L"another user's";
+    static LSTATUS WINAPI open_hive(REGSAM access, HKEY* key) {
+        return RegCreateKeyExW(HKEY_CURRENT_USER, kName, 0, nullptr, 0, access, nullptr, key, nullptr);
+    }
+    const ImportPatch hive_{"RegOpenCurrentUser", reinterpret_cast<void*>(&open_hive)};
+};
+
+// What the system tells of the user, once more each time it is asked.
+std::wstring told;
+BOOL WINAPI tell_special_folder(HWND, wchar_t* buffer, int, BOOL) {
+    qk::copy_zero_padded(buffer, MAX_PATH, told);
+    return !told.empty();
+}
+HRESULT WINAPI tell_folder(HWND, int, HANDLE, DWORD, wchar_t* buffer) {
+    return tell_special_folder(nullptr, buffer, 0, FALSE) ? S_OK : S_FALSE;
+}
+BOOL WINAPI tell_user_name(wchar_t* buffer, DWORD* units) {
+    qk::copy_zero_padded(buffer, *units, told);
+    return TRUE;
+}
+
+// The host program's current folder.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const std::wstring& folder) {
+        GetCurrentDirectoryW(MAX_PATH, before_);
+        SetCurrentDirectoryW(folder.c_str());
+    }
+    ~CurrentFolder() { SetCurrentDirectoryW(before_); }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+
+private:
+    wchar_t before_[MAX_PATH] = {};
+};
 
 }  // namespace
 
@@ -43,6 +100,72 @@ TEST(DriverRegistry, FirstTextThatIsNotEmptyCounts) {
         EXPECT_EQ(ReadDriverRegString(L"V", L"My printer"), row.wanted);
         EXPECT_EQ(ReadDriverRegString(L"V", nullptr), row.root ? row.root : L"");
     }
+}
+
+TEST(DriverRegistry, UsersHiveIsThatOfTheThread) {
+    for (const bool with_token : {false, true}) {
+        const Installation here;
+        here.user.set_text(kPrinterKey, kValue, L"process.ps4");
+        const ActingForAUser user(with_token);
+        EXPECT_EQ(ReadDriverRegString(kValue, L"My printer"), L"");
+        SetSettingFileName(L"thread.ps4", L"My printer");
+        EXPECT_EQ(ReadDriverRegString(kValue, L"My printer"), L"thread.ps4");
+        here.user.set_text(std::wstring(kRoot) + L"\\Debug", L"AppDataPath", L"C:\\process\\");
+        here.user.set_text(user.in_hive(std::wstring(kRoot) + L"\\Debug"), L"AppDataPath", L"C:\\thread\\");
+        EXPECT_EQ(GetAppDataPath(false), L"C:\\thread\\");
+        here.user.set_text(user.in_hive(kRoot), L"Language", L"kr");
+        EXPECT_EQ(qk::language_code(), L"kr");
+        const ImportPatch refused(
+            "RegOpenCurrentUser",
+            reinterpret_cast<void*>(+[](REGSAM, HKEY*) -> LSTATUS { return ERROR_ACCESS_DENIED; }));
+        EXPECT_EQ(ReadDriverRegString(kValue, L"My printer"), L"process.ps4");
+        for (const auto& [hive, made] : {std::pair(HKEY_CURRENT_USER, true), {HKEY_LOCAL_MACHINE, false}}) {
+            EXPECT_EQ(ReadDriverRegString(kValue, L"New printer"), L"");
+            EXPECT_EQ(static_cast<bool>(qk::registry::open(hive, std::wstring(kRoot) + L"\\New printer")),
+                      made);
+        }
+    }
+}
+
+TEST(DriverRegistry, WhatIsToldOfAnotherUserIsNotKept) {
+    const MachineRegistry machine;
+    const UserRegistry registry;
+    const ImportPatch special("SHGetSpecialFolderPathW", reinterpret_cast<void*>(&tell_special_folder)),
+        folder("SHGetFolderPathW", reinterpret_cast<void*>(&tell_folder)),
+        name("GetUserNameW", reinterpret_cast<void*>(&tell_user_name));
+    {
+        const ActingForAUser user;
+        for (const std::wstring& answer :
+             {std::wstring(L"C:\\one"), std::wstring(L"C:\\two"), std::wstring()}) {
+            told = answer;
+            EXPECT_EQ(qk::roaming_folder(), answer);
+            EXPECT_EQ(qk::common_documents_folder(), answer);
+            EXPECT_EQ(qk::shared_documents_folder(),
+                      answer.empty() ? answer : answer + L"\\Dunmere\\Vantrix2");
+            EXPECT_EQ(user_name(), answer);
+        }
+        EXPECT_EQ(qk::OverrideIni().path(), L"");
+        EXPECT_EQ(qk::OverrideIni().message_id(), 11);
+        EXPECT_EQ(GetAppDataPath(true), L"");
+    }
+    qk::OwnUsersText text;
+    struct {
+        const char* label;
+        bool token;
+        const wchar_t *told, *wanted;
+    } const rows[] = {{"nothing yet", false, L"", L""},          {"another's", true, L"a", L"a"},
+                      {"first of one's own", false, L"b", L"b"}, {"kept", false, L"c", L"b"},
+                      {"another's again", true, L"d", L"d"},     {"still kept", false, L"", L"b"}};
+    for (const auto& row : rows) {
+        const ActingForAUser user(row.token);
+        EXPECT_EQ(text.get([&] { return std::wstring(row.told); }), row.wanted) << row.label;
+    }
+    const ImportPatch unknown("OpenThreadToken",
+                              reinterpret_cast<void*>(+[](HANDLE, DWORD, BOOL, HANDLE*) -> BOOL {
+                                  SetLastError(ERROR_ACCESS_DENIED);
+                                  return FALSE;
+                              }));
+    EXPECT_EQ(text.get([] { return std::wstring(L"e"); }), L"e") << "a user that cannot be told";
 }
 
 TEST(DriverRegistry, TextsOfAnyShapeAreRead) {
@@ -113,6 +236,11 @@ TEST(SettingFiles, FirstBytesTellTheKind) {
     EXPECT_EQ(ProbeSettingFile(L""), SettingFormat::kNone);
     EXPECT_EQ(ProbeSettingFile(here.folder.path()), SettingFormat::kNone);
     const std::wstring locked = here.folder.write(L"probed", kJson);
+    {
+        const ImportPatch pipe("GetFileType",
+                               reinterpret_cast<void*>(+[](HANDLE) -> DWORD { return FILE_TYPE_PIPE; }));
+        EXPECT_EQ(ProbeSettingFile(locked), SettingFormat::kNone);
+    }
     const qk::FileObj lock(CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     const TraceCapture trace;
     EXPECT_EQ(ProbeSettingFile(locked), SettingFormat::kNone);
@@ -163,6 +291,28 @@ TEST(SettingFiles, SearchGoesByExtensionAndThenByFolder) {
     EXPECT_EQ(FindSettingFile(none, 8), 0);
     EXPECT_STREQ(none, L"none");
     EXPECT_EQ(FindSettingFile(nullptr, 8), 0);
+}
+
+TEST(SettingFiles, HostsCurrentFolderNeverCounts) {
+    const Installation here;
+    const TempFolder host;
+    for (const wchar_t* folder : {L"sub", L"Settings"})
+        CreateDirectoryW(host.file(folder).c_str(), nullptr);
+    const CurrentFolder current(host.path());
+    for (const std::wstring& install : {here.folder.path(), std::wstring()}) {
+        here.machine.set_text(kRoot, L"PdfDllPath", install);
+        for (const wchar_t* name : {L"standard.ps4", L"sub\\standard.ps4", L"Settings\\standard.ps4"}) {
+            host.write(name, kJson);
+            EXPECT_EQ(ResolveSettingFilePath(name), L"") << qk::to_utf8(name);
+            EXPECT_EQ(SettingPathOf(name), L"") << qk::to_utf8(name);
+        }
+        EXPECT_EQ(ResolveSettingFilePath(L"standard"), L"");
+        EXPECT_EQ(GetSettingFileName(L"My printer"), L"standard.ps4");
+        EXPECT_EQ(ResolveSettingFilePath(host.file(L"standard.ps4")), host.file(L"standard.ps4"));
+        EXPECT_EQ(SettingPathOf(L"C:/any.ps4"), L"C:/any.ps4");
+    }
+    here.user.set_text(std::wstring(kRoot) + L"\\Debug", L"AppDataPath", host.file(L"sub"));
+    EXPECT_EQ(SettingPathOf(L"standard"), host.file(L"sub\\standard.ps4")) << "its backslash is added";
 }
 
 TEST(SettingFiles, ChoiceIsStoredPerPrinterWithoutTerminator) {

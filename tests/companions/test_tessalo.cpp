@@ -111,6 +111,8 @@ TEST_F(Tessalo, PathKeepsToTheMemoryThatWasLent) {
 TEST_F(Tessalo, SettingOfTheProcessGoesBeforeThePrinters) {
     const MachineRegistry machine;
     const UserRegistry user;
+    const ImportPatch hive("RegOpenCurrentUser", reinterpret_cast<void*>(&UserRegistry::open_hive),
+                           library_.get());
     const std::wstring key = qk::registry::kRoot;
     user.set_text(key + L"Printer", L"PDFSettingFileName", L"gone.ps4");
     EXPECT_EQ(companions::setting_name_for(L"Printer"), L"standard.ps4");
@@ -121,7 +123,11 @@ TEST_F(Tessalo, SettingOfTheProcessGoesBeforeThePrinters) {
     wchar_t name[32] = {};
     EXPECT_EQ(get_setting_(name, 14, L"Printer", nullptr), 0);
     EXPECT_STREQ(name, L"C:\\chosen.ps4");
-    EXPECT_NE(get_setting_(name, 13, L"Printer", nullptr), 0) << "no room for the terminating zero";
+    EXPECT_EQ(get_setting_(name, 13, L"Printer", nullptr), 0);
+    EXPECT_STREQ(name, L"standard.ps4") << "a choice that has no room leaves the printer's own";
+    EXPECT_NE(get_setting_(name, 12, L"Printer", nullptr), 0) << "no room for the terminating zero";
+    user.set_text(key, L"settingfile_for_process_Printer", std::wstring(600, L'x'));
+    EXPECT_EQ(companions::setting_name_for(L"Printer"), L"standard.ps4");
 }
 
 TEST(TessaloOptions, VariableGoesBeforeTheIni) {

@@ -137,12 +137,20 @@ TEST_F(JobTest, SettingReachesTheDialog) {
         EXPECT_EQ(start_job(L"x"), kGood);
         EXPECT_EQ(seen, L"mine") << qk::to_utf8(name);
     }
-    for (const int failed : {0, 1}) {  // no name, and a library that cannot say: the defaults
-        name_setting(failed ? L"bare.ps4" : L"");
-        script->setting_result = failed;
-        EXPECT_EQ(start_job(L"x"), kGood);
-        EXPECT_EQ(seen, Settings().summary()->Title);
+    for (const bool forces : {false, true}) {
+        if (forces)
+            here.folder.write(L"administrator.ps4a", "\xEF\xBB\xBF{\"Summary\": {\"Title\": \"forced\"}}");
+        for (const int failed : {0, 1}) {  // no name, and a library that cannot say: the defaults
+            name_setting(failed ? L"bare.ps4" : L"");
+            script->setting_result = failed;
+            EXPECT_EQ(start_job(L"x"), kGood);
+            EXPECT_EQ(seen, forces ? L"forced" : L"");
+        }
     }
+    here.folder.write(L"administrator.ps4a", "rubbish");
+    EXPECT_EQ(start_job(L"x"), (Left{DOCUMENTEVENT_FAILURE, ERROR_SUCCESS}));
+    ASSERT_FALSE(Outbox::boxes.empty());
+    EXPECT_NE(Outbox::boxes[0].caption.find(L"administrator.ps4a"), std::wstring::npos);
     end_job();
     EXPECT_FALSE(has_state());
 }

@@ -5,10 +5,12 @@
 #include <random>
 #include <string>
 
+#include "UI_dll/PDFSettings/setting_list.h"
 #include "print_settings/PrintSettings.h"
 #include "print_settings/legacy_reader.h"
 #include "support/damage.h"
 #include "support/guarded_buffer.h"
+#include "support/installation.h"
 #include "support/random_settings.h"
 #include "support/temp_folder.h"
 #include "support/trace_capture.h"
@@ -83,17 +85,26 @@ TEST(BadSetting, TextThatIsNoSettingIsUnreadable) {
         {"99 deep", nested + repeat("[", 99) + repeat("]", 99) + "}", ps::kLoaded},
         {"100 deep", nested + repeat("[", 100) + repeat("]", 100) + "}", ps::kUnreadable},
         {"objects 99 deep", nested + repeat("{\"a\":", 98) + "{}" + repeat("}", 99), ps::kLoaded},
+        {"150 empty objects in a list", nested + "[" + repeat("{},", 150) + "{}]}", ps::kLoaded},
+        {"infinite name", R"({"PSComment": [], "PSName": 1e999})", ps::kUnreadable},
+        {"infinite number that is not asked for", R"({"PSComment": [], "X": [1e999]})", ps::kUnreadable},
         {"objects 100 deep", nested + repeat("{\"a\":", 99) + "{}" + repeat("}", 100), ps::kUnreadable},
+        {"20,000 objects", nested + repeat("{\"a\":", 20000), ps::kUnreadable},
         {"bomb of objects", nested + repeat("{\"a\":", 1000000), ps::kUnreadable},
         {"bomb of both", nested + repeat("[{\"a\":", 1000000), ps::kUnreadable},
     };
+    const Installation here;
     for (const auto& row : rows) {
+        const std::wstring path =
+            here.folder.write(L"CustomSettings\\" + qk::to_wide(row.label) + L".ps4", kMark + row.text);
+        EXPECT_EQ(ps::ReadName(path).has_value(), row.result == ps::kLoaded) << row.label;
         ps::PrintSettings settings;
         EXPECT_EQ(settings.LoadPS4(row.text, false), row.result) << row.label;
         ps::PrintSettings kept;
         const int result = row.text == "{}" ? ps::kLoaded : row.result;  // comments need not be there then
         EXPECT_EQ(kept.LoadPS4(row.text, true), result) << row.label;
     }
+    EXPECT_EQ(pdf_settings::ListUpPSFiles().size(), std::size(rows)) << "one file costs the list no other";
 }
 
 TEST(BadSetting, FilesThatCannotBeLoadedSayWhy) {

@@ -1,8 +1,20 @@
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
+#include <sddl.h>
+
+#include <atomic>
+#include <cstdint>
 #include <limits>
 #include <string>
+#include <thread>
+#include <vector>
 
+#include "common/handle.h"
+#include "common/paths.h"
+#include "common/rwPDFSet_functions.h"
+#include "common/text.h"
 #include "print_settings/PrintSettings.h"
 #include "support/import_patch.h"
 #include "support/installation.h"
@@ -90,6 +102,156 @@ TEST(Ps4Write, AFileHeldOpenByAnotherProgramIsWrittenInPlace) {
         EXPECT_EQ(TempFolder::read(path), bytes);
         EXPECT_EQ(folder.count(), 1u);
     }
+}
+
+namespace {
+
+using Acl = std::vector<BYTE>;
+
+Acl protection_of(const std::wstring& path) {
+    Acl bytes(4096);
+    DWORD size = 0;
+    bytes.resize(GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, bytes.data(), 4096, &size) ? size
+                                                                                                      : 0);
+    return bytes;
+}
+
+// Administrators, the file's owner and nobody else.
+void protect(const std::wstring& path) {
+    void* descriptor = nullptr;
+    ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;;FA;;;BA)(A;;FA;;;OW)", SDDL_REVISION_1,
+                                                         &descriptor, nullptr);
+    SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor);
+    LocalFree(descriptor);
+}
+
+// A folder whose files may be changed but that takes no new one.
+decltype(&CreateFileW) create_file;
+HANDLE WINAPI create_no_new_file(const wchar_t* name, DWORD access, DWORD share,
+                                 SECURITY_ATTRIBUTES* security, DWORD how, DWORD attributes, HANDLE like) {
+    if (how != CREATE_NEW)
+        return create_file(name, access, share, security, how, attributes, like);
+    SetLastError(ERROR_ACCESS_DENIED);
+    return INVALID_HANDLE_VALUE;
+}
+
+// A link, as the system tells of one: every open file is the one that it leads to.
+std::wstring link_target;
+DWORD WINAPI answer_link_target(HANDLE, wchar_t* buffer, DWORD units, DWORD) {
+    qk::copy_zero_padded(buffer, units, link_target);
+    return static_cast<DWORD>(link_target.size());
+}
+
+}  // namespace
+
+TEST(Ps4Write, WhatAFileWasItStays) {
+    const TempFolder folder;
+    const ps::PrintSettings settings;
+    const std::wstring path = folder.write(L"mine.ps4", "old");
+    protect(path);
+    const Acl protection = protection_of(path);
+    ASSERT_FALSE(protection.empty());
+    ASSERT_NE(protection, protection_of(folder.write(L"another.ps4", "")));
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
+    EXPECT_TRUE(settings.Save(path));
+    EXPECT_EQ(protection_of(path), protection);
+    EXPECT_EQ(GetFileAttributesW(path.c_str()) & ~DWORD{FILE_ATTRIBUTE_ARCHIVE},
+              DWORD{FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM});
+
+    const std::wstring second_name = folder.file(L"second name.ps4");
+    ASSERT_TRUE(
+        CreateHardLinkW(second_name.c_str(), folder.write(L"first name.ps4", "old").c_str(), nullptr));
+    EXPECT_TRUE(settings.Save(folder.file(L"first name.ps4")));
+    EXPECT_TRUE(TempFolder::read(second_name) == settings.Serialise());
+
+    link_target = folder.write(L"target.ps4", "old");
+    const std::wstring link = folder.write(L"link.ps4", "link");
+    const ImportPatch final_path("GetFinalPathNameByHandleW", reinterpret_cast<void*>(&answer_link_target));
+    EXPECT_TRUE(settings.Save(link));
+    EXPECT_TRUE(TempFolder::read(link_target) == settings.Serialise());
+    EXPECT_EQ(TempFolder::read(link), "link");
+    EXPECT_EQ(folder.count(), 6u) << "temporary files stay";
+}
+
+TEST(Ps4Write, AFolderThatTakesNoNewFileStillHasItsOldOnesChanged) {
+    const TempFolder folder;
+    const ps::PrintSettings settings;
+    const std::wstring path = folder.write(L"mine.ps4", "old");
+    const ImportPatch no_new("CreateFileW", reinterpret_cast<void*>(&create_no_new_file));
+    create_file = reinterpret_cast<decltype(&CreateFileW)>(no_new.original());
+    EXPECT_TRUE(settings.Save(path));
+    EXPECT_TRUE(TempFolder::read(path) == settings.Serialise());
+    EXPECT_FALSE(settings.Save(folder.file(L"new.ps4")));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+}
+
+TEST(Ps4Write, WhatCouldNotBeReadAgainIsNotWritten) {
+    const TempFolder folder;
+    const std::wstring path = folder.write(L"old.ps4", "old");
+    ps::PrintSettings settings;
+    settings->PSName.assign(ps::kMostFileBytes, L'x');
+    EXPECT_FALSE(settings.Save(path));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_TOO_LARGE});
+    EXPECT_EQ(TempFolder::read(path).size(), 3u);
+    settings->PSName.resize(settings->PSName.size() - settings.Serialise().size() + ps::kMostFileBytes);
+    EXPECT_TRUE(settings.Save(path));
+    EXPECT_TRUE(settings.Load(path));
+}
+
+TEST(Ps4Write, TemporaryFilesOfACrashAreRemovedLater) {
+    const TempFolder folder;
+    struct {
+        const wchar_t* name;
+        unsigned minutes;
+        bool held, stays;
+    } const rows[] = {
+        {L"~ps1c-0.tmp", 61, false, false}, {L"~psAB-63.tmp", 100000, false, false},
+        {L"~ps1c-1.tmp", 59, false, true},  {L"~ps1c-2.tmp", 61, true, true},
+        {L"~ps1c-0.ps4", 61, false, true},  {L"~psalm-1.tmp", 61, false, true},
+        {L"~ps1c.tmp", 61, false, true},    {L"x~ps1c-0.tmp", 61, false, true},
+    };
+    qk::FileObj holder;
+    for (const auto& row : rows) {
+        qk::FileObj file(CreateFileW(folder.write(row.name, "left").c_str(), FILE_WRITE_ATTRIBUTES,
+                                     FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+        FILETIME now;
+        GetSystemTimeAsFileTime(&now);
+        const uint64_t time =
+            (uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime) - row.minutes * 600'000'000ull;
+        const FILETIME written = {static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
+        ASSERT_TRUE(SetFileTime(file.get(), nullptr, nullptr, &written));
+        if (row.held)
+            holder.reset(CreateFileW(folder.file(row.name).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                     OPEN_EXISTING, 0, nullptr));
+    }
+    EXPECT_TRUE(ps::PrintSettings().Save(folder.file(L"new.ps4")));
+    for (const auto& row : rows)
+        EXPECT_EQ(qk::is_file(folder.file(row.name)), row.stays) << qk::to_utf8(row.name);
+}
+
+// One job after the other finds and loads the setting that a dialog saves all the time.
+TEST(Ps4Write, SavesAndLoadsOfOneFileRefuseNeither) {
+    const TempFolder folder;
+    const std::wstring path = folder.file(L"shared.ps4");
+    ASSERT_TRUE(ps::PrintSettings().Save(path));
+    std::atomic<bool> done = false;
+    unsigned loads = 0, not_found = 0, not_loaded = 0;
+    std::thread reader([&] {
+        for (; !done; ++loads) {
+            not_found += ProbeSettingFile(path) != SettingFormat::kJson;
+            not_loaded += ps::PrintSettings().Load(path, false) != ps::kLoaded;
+        }
+    });
+    constexpr unsigned kSaves = 100;
+    unsigned saved = 0;
+    for (unsigned i = 0; i < kSaves; ++i)
+        saved += ps::PrintSettings().Save(path);
+    done = true;
+    reader.join();
+    EXPECT_EQ(saved, kSaves);
+    EXPECT_EQ(not_found, 0u) << "of " << loads;
+    EXPECT_EQ(not_loaded, 0u) << "of " << loads;
+    EXPECT_GT(loads, 20u);
 }
 
 TEST(Ps4Write, WhereNothingCanBeWrittenNothingChanges) {

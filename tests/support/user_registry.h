@@ -14,12 +14,13 @@ class UserRegistry {
 public:
     UserRegistry()
         : name_(L"Software\\zr_user_" + std::to_wstring(GetCurrentProcessId())),
-          open_user_("RegOpenCurrentUser", reinterpret_cast<void*>(&refuse)) {
+          open_user_("RegOpenCurrentUser", reinterpret_cast<void*>(&open_hive)) {
         RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
         // Not volatile: the shell makes keys of its own below, which would have to be volatile too.
         RegCreateKeyExW(HKEY_CURRENT_USER, name_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
                         nullptr, &key_, nullptr);
         RegOverridePredefKey(HKEY_CURRENT_USER, key_);
+        hive_ = key_;
     }
     ~UserRegistry() {
         RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
@@ -59,10 +60,14 @@ public:
         return bytes;
     }
 
-private:
-    // The native call goes past the override; its refusal makes callers take the hive that is overridden.
-    static LSTATUS WINAPI refuse(REGSAM, HKEY*) { return ERROR_ACCESS_DENIED; }
+    // Stands in for RegOpenCurrentUser, which goes past the override. A library that a test loads needs a
+    // patch of its own.
+    static LSTATUS WINAPI open_hive(REGSAM access, HKEY* key) {
+        return RegOpenKeyExW(hive_, L"", 0, access, key);
+    }
 
+private:
+    static inline HKEY hive_ = nullptr;
     std::wstring name_;
     ImportPatch open_user_;
     HKEY key_ = nullptr;

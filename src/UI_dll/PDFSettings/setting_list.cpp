@@ -85,10 +85,13 @@ SettingEntry entry_of(int32_t kind, const std::wstring& path) {
 constexpr wchar_t kImported[] = L"ImportedOldCustomSettings";
 constexpr int kThisVersion = 8;
 
-// The older version's folder of settings, "<roaming>\Corvanta\Vantrix\7.0\CustomSettings\".
+// The older version's folder of settings, "<roaming>\Corvanta\Vantrix\7.0\CustomSettings\"; empty when the
+// user has no folder for such.
 std::wstring old_folder(int version) {
-    return qk::format(L"%s\\Corvanta\\Vantrix\\%d.0\\CustomSettings\\", qk::roaming_folder().c_str(),
-                      version);
+    const std::wstring roaming = qk::roaming_folder();
+    return roaming.empty()
+               ? roaming
+               : qk::format(L"%s\\Corvanta\\Vantrix\\%d.0\\CustomSettings\\", roaming.c_str(), version);
 }
 
 void copy_settings(const std::wstring& from, const std::wstring& to) {
