@@ -288,6 +288,16 @@ TEST(ColourProfile, DescriptionIsReadFromTheProfile) {
 TEST(ColourProfile, TenThousandDamagedProfilesDoNoHarm) {
     const std::string header = ProfileFolder::profile("CMYK", "prtr", "").substr(4, 124);
     std::string good[] = {profile({{"desc", kPlain}, {"cprt", "x"}}), profile({{"desc", kLocalized}})};
+        {L"Japan\nColor\r2002 x\nNewspaper", "JCN2002"},  // a line may end where a blank may stand
+        {L"Japan Color\x2029"
+         L"2013 Y\nWeb",
+         "JCW2013"},
+        {L"Japan Color 2002 x\ny News", "Custom"},
+        {L"x\nJapan Color 2002 News", "Custom"},
+        {L"Japan Color 2002 News\nx", "Custom"},
+        {L"FOGRA2147483640", "FOGRA2147483640"},
+        {L"FOGRA2147483647", "FOGRA2147483647"},
+        {L"FOGRA2147483648", "FOGRA2147483647"},
     for (std::string& bytes : good)
         bytes.replace(0, 128, ProfileFolder::number(static_cast<uint32_t>(bytes.size())) + header);
     const TempFolder folder;
@@ -321,9 +331,25 @@ TEST(ColourProfile, FileIsLookedForInTheMachinesFolder) {
     EXPECT_EQ(icc::find_profile(name), folder + name);
     EXPECT_EQ(icc::find_profile(L"Q:\\gone\\" + name), folder + name);
     for (const std::wstring& missing :
-         {std::wstring(), std::wstring(L"none.icc"), own.path(), own.path() + L"\\", L"..\\" + name + L"x"})
+         {std::wstring(), std::wstring(L"none.icc"), std::wstring(L"bare.icc"), std::wstring(L".\\bare.icc"),
+          own.path().substr(0, 2) + L"bare.icc", own.path(), own.path() + L"\\", L"..\\" + name + L"x"})
         EXPECT_EQ(icc::find_profile(missing), std::nullopt) << qk::to_utf8(missing);
     EXPECT_EQ(icc::find_description(folder + name), L"Desc");
     EXPECT_EQ(icc::find_description(own.path()), std::nullopt);
     DeleteFileW((folder + name).c_str());
 }
+    const CurrentFolder in(own.path());
+    own.write(L"bare.icc", "");
+    static DWORD bytes_read = 0;
+    static void* read_file = nullptr;
+    const ImportPatch read("ReadFile", reinterpret_cast<void*>(+[](HANDLE file, void* buffer, DWORD size,
+                                                                   DWORD* done, OVERLAPPED* place) -> BOOL {
+                               bytes_read += size;
+                               return reinterpret_cast<decltype(&ReadFile)>(read_file)(file, buffer, size,
+                                                                                       done, place);
+                           }));
+    read_file = read.original();
+    const std::wstring large =
+        own.write(L"large.icc", profile({{"A2B0", std::string(1 << 20, 'x')}, {"desc", kPlain}}));
+    EXPECT_EQ(icc::find_description(large), L"Desc");
+    EXPECT_LT(bytes_read, 200u) << "its tables are of no interest";
