@@ -169,17 +169,20 @@ ConvertResult CommonDrvConvertDevmode(const DEVMODEW* source, DEVMODEW* target, 
             return ConvertResult::kDone;
         }
         case kConvert351: {
-            const bool fits = *needed >= kOldDevmodeSize && target;
-            *needed = kOldDevmodeSize;
-            if (!fits)
+            if (*needed < kOldDevmodeSize || !target) {
+                *needed = kOldDevmodeSize;
                 return fail(ERROR_INSUFFICIENT_BUFFER);
             if (!qk::is_writable(target, kOldDevmodeSize))
                 return fail(ERROR_INVALID_PARAMETER);
             target->dmSize = kDevmodeSize351;
             target->dmSpecVersion = kOldSpecVersion;
+            }
             target->dmDriverVersion = kOldDriverVersion;
             target->dmDriverExtra = kDevmodeExtra;
-            return ConvertDevmode(source, target) > 0 ? ConvertResult::kDone : fail(ERROR_INVALID_PARAMETER);
+            if (ConvertDevmode(source, target) <= 0)
+                return fail(ERROR_INVALID_PARAMETER);
+            *needed = kOldDevmodeSize;
+            return ConvertResult::kDone;
         }
         case kDriverDefault: {
             const bool fits = *needed >= kDriverDevmodeSize && target;
