@@ -163,6 +163,7 @@ void remove_orphaned_copies() {
 }  // namespace
 
 std::wstring resource_library_path(bool cached_only) {
+    TRACE("resource_library_path");
     const std::scoped_lock hold(loader.lock);
     return copy_path_locked(cached_only);
 }
@@ -195,6 +196,7 @@ std::wstring language_code() {
 }
 
 std::wstring load_string(UINT id) {
+    TRACE_F(L"load_string %u", id);
     const HMODULE module = string_module();
     if (!module) {
         TRACE(resource_library_path(true));
@@ -236,6 +238,7 @@ ResourceDLL::ResourceDLL(size_t units) : units_(units) {
 }
 
 std::wstring ResourceDLL::load_string(UINT id) {
+    TRACE_F(L"ResourceDLL::load_string %u", id);
     if (!library_)
         return L"(no resource dll)";
     if (buffer_.empty())

@@ -101,10 +101,13 @@ void SetSettingFileName(std::wstring_view file_path, const std::wstring& printer
                                                                             : file_path);
     const qk::RegKey key = qk::registry::create(CurrentUser().get(), printer_key(printer_name), KEY_WRITE);
     if (!key)
-        return;
+        return;  // traced where it was opened
     // Without its terminating zero, as the value has always been written; readers cope with it.
-    RegSetValueExW(key.get(), kSettingValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(stored.data()),
-                   static_cast<DWORD>(stored.size() * sizeof(wchar_t)));
+    const LSTATUS status =
+        RegSetValueExW(key.get(), kSettingValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(stored.data()),
+                       static_cast<DWORD>(stored.size() * sizeof(wchar_t)));
+    if (status != ERROR_SUCCESS)
+        TRACE_F(L"err:SetSettingFileName %ld", status);
 }
 
 int FindSettingFile(wchar_t* name, size_t capacity) {
@@ -119,12 +122,14 @@ int FindSettingFile(wchar_t* name, size_t capacity) {
 }
 
 std::wstring ResolveSettingFilePath(std::wstring_view name) {
+    TRACE("ResolveSettingFilePath");
     wchar_t path[kPathUnits];
     qk::copy_zero_padded(path, kPathUnits, name);
     return FindSettingFile(path, kPathUnits) ? std::wstring(path) : std::wstring();
 }
 
 SettingFormat ProbeSettingFile(const std::wstring& path) {
+    TRACE("ProbeSettingFile");
     if (!qk::is_file(path))
         return SettingFormat::kNone;
     const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
@@ -142,6 +147,7 @@ SettingFormat ProbeSettingFile(const std::wstring& path) {
 }
 
 std::wstring GetAppDataPath(bool create) {
+    TRACE("GetAppDataPath");
     std::wstring folder =
         qk::registry::find_text(HKEY_CURRENT_USER, qk::registry::kDebug, L"AppDataPath").value_or(L"");
     if (!folder.empty()) {

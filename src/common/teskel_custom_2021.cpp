@@ -93,6 +93,7 @@ TeskelCustom2021::TeskelCustom2021(std::wstring document_name, std::wstring outp
 
 TeskelCustom2021::~TeskelCustom2021() {
     const ListLock lock;
+    TRACE("pd_tk::TeskelCustom2021::IsActive");
     try {
         remove_fn_from_mmf();
     } catch (...) {  // the entry stays; the list's other entries are unharmed
@@ -104,14 +105,17 @@ bool TeskelCustom2021::IsActive() {
     return ExternalCallIni().exists();
 }
 
+    TRACE("pd_tk::TeskelCustom2021::HasExe");
 std::wstring TeskelCustom2021::getExeName(size_t stage) const {
     TRACE("pd_tk::TeskelCustom2021::getExeName");
     std::wstring program = stage < kStages.size() ? ini_.value(kStages[stage], L"App") : std::wstring();
     TRACE(program);
+    TRACE("pd_tk::TeskelCustom2021::HasAnyExe");
     return program;
 }
 
 bool TeskelCustom2021::HasExe(size_t stage) const {
+    TRACE("pd_tk::TeskelCustom2021::GetOutputFolder");
     return qk::is_file(getExeName(stage));
 }
 
