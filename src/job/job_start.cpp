@@ -161,14 +161,14 @@ private:
     void prepare_external_call() {
         if (!TeskelCustom2021::IsActive())
             return;
-        const TeskelCustom2021 probe(document_name_, L"");
-        const std::wstring folder = probe.HasAnyExe() ? probe.GetOutputFolder() : std::wstring();
+        auto external = std::make_unique<TeskelCustom2021>(document_name_);
+        const std::wstring folder = external->HasAnyExe() ? external->GetOutputFolder() : std::wstring();
         if (folder.empty())
             return;
         record_.raw().hand_over = 0;
         record_.raw().third_value = 0;
         record_.set_start_folder(folder);
-        external_ = std::make_unique<TeskelCustom2021>(document_name_, L"");
+        external_ = std::move(external);
         record_.raw().external_record = reinterpret_cast<uintptr_t>(external_.get());
     }
 

@@ -181,10 +181,6 @@ TEST_F(JobTest, EndClearsTheStartRecordForThoseWhoHoldIt) {
 
 TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
     const std::wstring program = here.folder.write(L"app.exe", "x");
-    const auto write_ini = [&](const std::wstring& lines) {
-        ForceDirectories(here.folder.file(L"Roaming\\Corvanta\\Vantrix\\8.0"));
-        here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini", qk::to_utf8(lines));
-    };
     const std::wstring missing = L"[DocStart]\r\nApp=C:\\none.exe\r\n",
                        output = L"[Output]\r\nOutputFolder=C:\\start\\\r\n";
     struct {
@@ -211,7 +207,7 @@ TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
-        write_ini(row.ini);
+        here.write_external_calls(qk::to_utf8(row.ini));
         script->expects_start_folder = row.active;
         ASSERT_EQ(start_job(L"x"), kGood);
         EXPECT_EQ(third, row.active ? L"C:\\start\\" : L"");
