@@ -1,7 +1,7 @@
 // A save-file dialog library that answers at once, for timing what the module itself does in a job.
 #include <windows.h>
 
-#include <cwchar>
+#include <iterator>
 
 #include "common/dialog_library.h"
 
@@ -12,9 +12,8 @@ __declspec(dllexport) int WINAPI GetSettingFN(wchar_t* buffer, int capacity, con
 }
 
 __declspec(dllexport) int WINAPI GetFile2(dialog_library::WorkingRecord* record, const wchar_t*) {
-    constexpr wchar_t kPath[] = L"C:\\zr_bench_no_such_file.pdf";
-    std::wmemcpy(record->output_path.address, kPath, std::size(kPath));
-    record->output_path.length = std::size(kPath) - 1;
+    static wchar_t path[] = L"C:\\zr_bench_no_such_file.pdf";
+    record->output_path.lend(path, std::size(path) - 1);
     return 0;
 }
 }

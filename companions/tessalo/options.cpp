@@ -84,20 +84,22 @@ std::wstring setting_name_for(const std::wstring& printer_name, size_t units) {
                                                                 : GetSettingFileName(printer_name);
 }
 
-bool try_write(qk::MsWString& field, std::wstring_view text) noexcept {
+void assign(qk::MsWString& field, std::wstring_view text, std::wstring& own) {
     const bool in_place =
         field.capacity <= qk::MsWString::kInPlace && field.length <= qk::MsWString::kInPlace;
-    if (in_place) {
-        if (text.size() > qk::MsWString::kInPlace)
-            return false;
+    if (in_place && text.size() <= qk::MsWString::kInPlace) {
         field.set_in_place(text);
-        return true;
+    } else if (!in_place && text.size() <= field.capacity &&
+               qk::is_writable(field.address, (text.size() + 1) * sizeof(wchar_t))) {
+        *std::ranges::copy(text, field.address).out = L'\0';
+        field.length = text.size();
+    } else {
+        own.reserve(std::max(text.size(), qk::MsWString::kInPlace + 1));  // held by address
+        own = text;
+        field.address = own.data();
+        field.length = own.size();
+        field.capacity = own.capacity();
     }
-    if (text.size() > field.capacity || !qk::is_writable(field.address, (text.size() + 1) * sizeof(wchar_t)))
-        return false;
-    *std::ranges::copy(text, field.address).out = L'\0';
-    field.length = text.size();
-    return true;
 }
 
 }  // namespace companions

@@ -32,8 +32,8 @@ namespace companions {
 [[nodiscard]] std::wstring setting_name_for(const std::wstring& printer_name,
                                             size_t units = kSettingNameUnits);
 
-// Replaces a text of the working record in place; false, with the field unchanged, when the memory that
-// stands behind it has no room for it or cannot be written.
-[[nodiscard]] bool try_write(qk::MsWString& field, std::wstring_view text) noexcept;
+// Replaces a text of the working record: in place where it fits into what stands there, as a string of a
+// run-time library does, else by the address of `own`, which then holds the text and is the library's.
+void assign(qk::MsWString& field, std::wstring_view text, std::wstring& own);
 
 }  // namespace companions

@@ -2,7 +2,12 @@
 // wrong inside reads as a cancel.
 #include <windows.h>
 
+#include <map>
+#include <mutex>
+#include <string>
+
 #include "common/dialog_library.h"
+#include "common/lock.h"
 #include "common/module.h"
 #include "common/paths.h"
 #include "common/text.h"
@@ -11,6 +16,7 @@
 #include "companions/tessalo/dialogs.h"
 #include "companions/tessalo/options.h"
 #include "companions/tessalo/output_choice.h"
+#include "job/output_name.h"
 #include "print_settings/PSAdmin.h"
 
 namespace {
@@ -29,12 +35,28 @@ std::wstring ini_path() {
     return library.substr(0, library.size() - name.size()) + L"Tessalo80.ini";
 }
 
-// The name that an administrator has fixed for every PDF, else the document's title.
+// The texts that stand in the records of this library's callers, one for each thread. They stay until the
+// thread's next call or the library's unloading, which is when the callers have copied them.
+class KeptTexts {
+public:
+    std::wstring& of_this_thread() {
+        const std::scoped_lock hold(lock_);
+        return texts_[GetCurrentThreadId()];
+    }
+
+private:
+    qk::Lock lock_;
+    std::map<DWORD, std::wstring> texts_;  // whose entries keep their places
+};
+
+KeptTexts kept_texts;
+
+// The name that an administrator has fixed for every PDF, else the default one of the document.
 std::wstring wanted_name(const dialog_library::WorkingRecord& record) {
     Corvanta::Vantrix::Administrator::Restriction restriction;
     if (load_restriction(restriction) && !restriction.PDFFileName.empty())
         return std::wstring(qk::file_part(restriction.PDFFileName));
-    return record.title.readable_text();
+    return SetPDFname(record.title.readable_text().c_str());
 }
 
 std::optional<OutputFile> choose(const dialog_library::WorkingRecord& record) {
@@ -57,16 +79,13 @@ std::optional<OutputFile> choose(const dialog_library::WorkingRecord& record) {
 }
 
 void answer(dialog_library::WorkingRecord& record) {
+    constexpr size_t kPathUnits = 1024;  // more than a path has: nothing fails once a file is made
+    std::wstring& own = kept_texts.of_this_thread();
+    own.reserve(kPathUnits);
     const auto file = choose(record);
     record.hand_over = 0;
-    record.first_value = 0;
-    if (file && companions::try_write(record.output_path, file->path)) {
-        record.first_value = file->reserved ? companions::kFileReserved : 0;
-        return;
-    }
-    if (file && file->reserved)
-        DeleteFileW(file->path.c_str());
-    static_cast<void>(companions::try_write(record.output_path, L""));
+    record.first_value = file && file->reserved ? companions::kFileReserved : 0;
+    companions::assign(record.output_path, file ? std::wstring_view(file->path) : std::wstring_view(), own);
 }
 
 int copy_setting_name(wchar_t* buffer, int capacity, const wchar_t* printer_name) {
@@ -106,7 +125,7 @@ int WINAPI GetFile2(dialog_library::WorkingRecord* record, const wchar_t*) noexc
     try {
         answer(*record);
     } catch (...) {
-        static_cast<void>(companions::try_write(record->output_path, L""));
+        record->output_path.length = 0;
     }
     return kAnswered;
 }

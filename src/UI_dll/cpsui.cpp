@@ -172,5 +172,6 @@ LONG DefCommonUIFunc(PROPSHEETUI_INFO& info, LPARAM parameter, PrinterInformatio
 }  // namespace cpsui
 
 LONG APIENTRY NSETCallBack(CPSUICBPARAM* /*parameter*/) noexcept {
+    TRACE("NSETCallBack");
     return CPSUICB_ACTION_NONE;
 }

@@ -28,8 +28,9 @@ BOOL convert_devmode(LPWSTR printer, DEVMODEW* source, DEVMODEW* target, DWORD* 
     if (result != ConvertResult::kCallerFinishes || mode != kDriverDefault)
         return result == ConvertResult::kDone;
     qk::PrinterHandleObj handle;
+    // Without a name the system would open the print server.
     if (size < kLeastSize || *needed < kLeastSize || !qk::is_writable(target, kDriverDevmodeSize) ||
-        !OpenPrinterW(printer, handle.put(), nullptr)) {
+        !printer || !OpenPrinterW(printer, handle.put(), nullptr)) {
         SetLastError(ERROR_INVALID_DATA);
         return FALSE;
     }
@@ -118,8 +119,12 @@ BOOL WINAPI PrinterProperties(HWND window, HANDLE printer) {
 
 LONG WINAPI DrvDevicePropertySheets(PROPSHEETUI_INFO* info, LPARAM parameter) noexcept {
     TRACE("DrvDevicePropertySheets");
-    return ui::guarded<LONG>(kFailure,
-                             [&] { return info ? ptrprop::answer_sheet(*info, parameter) : kFailure; });
+    return ui::guarded<LONG>(kFailure, [&] {
+        if (info)
+            return ptrprop::answer_sheet(*info, parameter);
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return kFailure;
+    });
 }
 
 BOOL WINAPI DevQueryPrintEx(DevQueryPrintInfo* info) noexcept {

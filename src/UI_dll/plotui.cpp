@@ -6,7 +6,6 @@
 #include "common/module.h"
 #include "common/paths.h"
 #include "common/resource_dll.h"
-#include "common/text.h"
 #include "common/threadprop.h"
 #include "common/trace.h"
 
@@ -24,9 +23,7 @@ bool load_resources() {
     const DWORD error = GetLastError();
     if (resources && resources != INVALID_HANDLE_VALUE)
         return true;
-    wchar_t text[100];
-    qk::format_into(text, std::size(text), L"gle=%d", static_cast<int>(error));
-    TRACE(text);
+    TRACE_F(L"gle=%d", static_cast<int>(error));
     OutputDebugStringA("ZRTK Error:no resource dll.");
     resources = nullptr;
     return false;
@@ -44,11 +41,14 @@ qk::ActivationContext own_context(HINSTANCE instance) {
 // that the system holds stay valid after a caller has freed the driver.
 void pin(HINSTANCE instance) {
     wchar_t path[292] = {};
-    if (GetModuleFileNameW(instance, path, static_cast<DWORD>(std::size(path))) == 0)
+    const DWORD units = GetModuleFileNameW(instance, path, static_cast<DWORD>(std::size(path)));
+    if (units == 0 || units == std::size(path)) {  // a path that was cut names another file or none
+        TRACE("ui:no module path");
         return;
+    }
     const CommonControls controls;
-    if (controls)
-        LoadLibraryW(path);
+    if (!controls || !LoadLibraryW(path))
+        TRACE_F(L"ui:not pinned gle=%d", static_cast<int>(GetLastError()));
 }
 
 }  // namespace

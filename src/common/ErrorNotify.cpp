@@ -135,8 +135,8 @@ void ZRTK_Thread_MessageBox(const std::wstring& message, const std::wstring& cap
     }
 }
 
-int ZRTK_ErrorNotify(const std::wstring& caption, const wchar_t* pdf_file_name, DWORD code, int /*reserved*/,
-                     const std::wstring& message, const std::wstring& caption2) {
+int ZRTK_ErrorNotify(const std::wstring& caption, const wchar_t* pdf_file_name, DWORD /*code*/,
+                     int /*reserved*/, const std::wstring& message, const std::wstring& caption2) {
     TRACE("ZRTK_ErrorNotify");
     TRACE(message);
     TRACE(caption);
@@ -146,10 +146,8 @@ int ZRTK_ErrorNotify(const std::wstring& caption, const wchar_t* pdf_file_name, 
         report_event(message);
     if (channels & NotifyChannel::kLogFile)
         result = write_log(pdf_file_name, message);
-    if (channels & NotifyChannel::kDebugOutput) {
+    if (channels & NotifyChannel::kDebugOutput)
         qk::trace::debug_output(L"mes:not yet implemented");
-        TRACE_F(L"ErrorCode=%d", static_cast<int>(code));
-    }
     if (!(channels & NotifyChannel::kMessageBox))
         return result;
     if (in_splwow64()) {

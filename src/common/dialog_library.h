@@ -12,12 +12,12 @@ namespace dialog_library {
 
 inline constexpr wchar_t kFileName[] = L"Tessalo80.dll";
 
-// The working record of "GetFile2". The handler fills title and settings, the library the rest.
+// The working record of "GetFile2". All zero before the call but for what the handler fills: title and
+// settings, and for a job with external programs output_path and external_record.
 //
-// Before the call the title is held in place or in a buffer of the handler's, and output_path and third_text
-// are given buffers of the handler's of `kLentUnits` units, so that the library can write in place. Where the
-// library puts an address of its own instead, that memory stays the library's and must be readable until its
-// next call on the thread or until it is unloaded.
+// The library may treat the texts as strings of its C run-time library: what the handler put there it may
+// overwrite within its capacity, or free (it lies in the process's heap) and replace. What the library puts
+// there stays the library's and must be readable until its next call on the thread or until it is unloaded.
 struct WorkingRecord {
     uint8_t hand_over;  // set by the library: the job goes on with one that it already holds
     uint8_t padding[7];
@@ -38,8 +38,6 @@ static_assert(offsetof(WorkingRecord, third_text) == 72);
 static_assert(offsetof(WorkingRecord, settings) == 104);
 static_assert(offsetof(WorkingRecord, first_value) == 112);
 static_assert(offsetof(WorkingRecord, external_record) == 136);
-
-inline constexpr size_t kLentUnits = 1024;
 
 // "GetFile2": 0 when the user confirmed a file or cancelled (empty path), anything else when the library
 // hands the job over to one that it already holds open.

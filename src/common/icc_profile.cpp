@@ -1,8 +1,11 @@
 #include "common/icc_profile.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
-#include <cstring>
+#include <cwctype>
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "common/handle.h"
@@ -12,9 +15,10 @@ namespace icc {
 
 namespace {
 
-constexpr size_t kHeaderBytes = 128;
+constexpr uint32_t kHeaderBytes = 128;
+constexpr size_t kTagBytes = 12;  // signature, offset and size of the element
 constexpr uint32_t kMostTags = 4096;
-constexpr uint32_t kMostProfileBytes = 64u << 20;
+constexpr uint32_t kMostElementBytes = 1u << 20;
 constexpr size_t kMostUnits = 260;
 
 constexpr uint32_t tag(const char (&name)[5]) noexcept {
@@ -24,46 +28,50 @@ constexpr uint32_t tag(const char (&name)[5]) noexcept {
     return value;
 }
 
-// Reads big-endian numbers of a profile; what lies outside it is not there.
+// Reads big-endian numbers of bytes; what lies outside them is not there.
 class Reader {
 public:
     explicit Reader(std::span<const std::byte> bytes) noexcept : bytes_(bytes) {}
 
     [[nodiscard]] std::optional<uint32_t> find_u32(size_t offset) const noexcept {
-        if (!holds(offset, 4))
+        const auto part = find_part(offset, 4);
+        if (!part)
             return std::nullopt;
         uint32_t value = 0;
-        for (size_t i = 0; i < 4; ++i)
-            value = value << 8 | std::to_integer<uint32_t>(bytes_[offset + i]);
+        for (const std::byte byte : *part)
+            value = value << 8 | std::to_integer<uint32_t>(byte);
         return value;
     }
 
-    [[nodiscard]] std::optional<Reader> find_part(size_t offset, size_t size) const noexcept {
-        if (!holds(offset, size))
+    [[nodiscard]] std::optional<std::span<const std::byte>> find_part(size_t offset,
+                                                                      size_t size) const noexcept {
+        if (offset > bytes_.size() || size > bytes_.size() - offset)
             return std::nullopt;
-        return Reader(bytes_.subspan(offset, size));
+        return bytes_.subspan(offset, size);
     }
-
-    [[nodiscard]] std::span<const std::byte> bytes() const noexcept { return bytes_; }
 
 private:
-    [[nodiscard]] bool holds(size_t offset, size_t size) const noexcept {
-        return offset <= bytes_.size() && size <= bytes_.size() - offset;
-    }
-
     std::span<const std::byte> bytes_;
 };
 
-std::optional<Reader> find_tag(const Reader& profile, uint32_t name) noexcept {
-    const uint32_t count = std::min(profile.find_u32(kHeaderBytes).value_or(0), kMostTags);
-    for (uint32_t i = 0; i < count; ++i) {
-        const size_t entry = kHeaderBytes + 4 + size_t{12} * i;
-        const auto signature = profile.find_u32(entry);
-        if (!signature)
+// Where the bytes of a profile come from: as many of the wanted ones as there are.
+using Source = std::function<std::vector<std::byte>(uint32_t offset, size_t size)>;
+
+// The bytes of the element that a tag names. Only the tag table and the element are read.
+std::optional<std::vector<std::byte>> find_element(const Source& read, uint32_t name) {
+    const std::vector<std::byte> counted = read(kHeaderBytes, 4);
+    const uint32_t count = std::min(Reader(counted).find_u32(0).value_or(0), kMostTags);
+    const std::vector<std::byte> table = read(kHeaderBytes + 4, kTagBytes * count);
+    const Reader tags(table);
+    for (size_t at = 0; at < table.size(); at += kTagBytes) {
+        if (tags.find_u32(at) != name)
+            continue;
+        const auto offset = tags.find_u32(at + 4);
+        const auto size = tags.find_u32(at + 8);
+        if (!offset || !size || *size > kMostElementBytes)
             return std::nullopt;
-        if (*signature == name)
-            return profile.find_part(profile.find_u32(entry + 4).value_or(UINT32_MAX),
-                                     profile.find_u32(entry + 8).value_or(UINT32_MAX));
+        auto element = read(*offset, *size);
+        return element.size() == *size ? std::optional(std::move(element)) : std::nullopt;
     }
     return std::nullopt;
 }
@@ -80,7 +88,7 @@ std::optional<std::wstring> find_plain_text(const Reader& element) {
     if (!text)
         return std::nullopt;
     std::wstring wide;
-    for (const std::byte unit : text->bytes().first(std::min(text->bytes().size(), kMostUnits)))
+    for (const std::byte unit : text->first(std::min(text->size(), kMostUnits)))
         wide += static_cast<wchar_t>(unit);
     return until_zero(std::move(wide));
 }
@@ -96,37 +104,50 @@ std::optional<std::wstring> find_localized_text(const Reader& element) {
     if (!text)
         return std::nullopt;
     std::wstring wide;
-    for (size_t i = 0; i + 1 < text->bytes().size() && wide.size() < kMostUnits; i += 2)
-        wide += static_cast<wchar_t>(std::to_integer<unsigned>(text->bytes()[i]) << 8 |
-                                     std::to_integer<unsigned>(text->bytes()[i + 1]));
+    for (size_t i = 0; i + 1 < text->size() && wide.size() < kMostUnits; i += 2)
+        wide += static_cast<wchar_t>(std::to_integer<unsigned>((*text)[i]) << 8 |
+                                     std::to_integer<unsigned>((*text)[i + 1]));
     return until_zero(std::move(wide));
+}
+
+std::optional<std::wstring> find_description(const Source& read) {
+    const auto bytes = find_element(read, tag("desc"));
+    if (!bytes)
+        return std::nullopt;
+    const Reader element(*bytes);
+    const auto type = element.find_u32(0);
+    if (type == tag("desc"))
+        return find_plain_text(element);
+    if (type == tag("mluc"))
+        return find_localized_text(element);
+    return std::nullopt;
 }
 
 }  // namespace
 
 std::optional<std::wstring> find_description(std::span<const std::byte> profile) {
-    const auto element = find_tag(Reader(profile), tag("desc"));
-    if (!element)
-        return std::nullopt;
-    const auto type = element->find_u32(0);
-    if (type == tag("desc"))
-        return find_plain_text(*element);
-    if (type == tag("mluc"))
-        return find_localized_text(*element);
-    return std::nullopt;
+    return find_description([profile](uint32_t offset, size_t size) {
+        const auto part = profile.subspan(std::min<size_t>(offset, profile.size()));
+        const auto there = part.first(std::min(size, part.size()));
+        return std::vector<std::byte>(there.begin(), there.end());
+    });
 }
 
 std::optional<std::wstring> find_description(const std::wstring& path) {
     const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                        FILE_ATTRIBUTE_NORMAL, nullptr));
-    LARGE_INTEGER size = {};
-    if (!file || !GetFileSizeEx(file.get(), &size) || size.QuadPart > kMostProfileBytes)
+    if (!file || GetFileType(file.get()) != FILE_TYPE_DISK)
         return std::nullopt;
-    std::vector<std::byte> bytes(static_cast<size_t>(size.QuadPart));
-    DWORD done = 0;
-    if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr))
-        return std::nullopt;
-    return find_description(std::span<const std::byte>(bytes).first(done));
+    return find_description([&file](uint32_t offset, size_t size) {
+        std::vector<std::byte> bytes(size);
+        OVERLAPPED place = {};
+        place.Offset = offset;
+        DWORD done = 0;
+        if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(size), &done, &place))
+            done = 0;
+        bytes.resize(done);
+        return bytes;
+    });
 }
 
 }  // namespace icc
@@ -166,11 +187,11 @@ bool is_one_line(std::wstring_view text) noexcept {
     return text.find_first_of(L"\n\r\x2028\x2029") == std::wstring_view::npos;
 }
 
-// Digits read as a decimal number: leading zeros go, a number too large stays at the largest.
+// Digits read as a decimal number: leading zeros go, a number too large becomes the largest.
 std::string id_of(const char* prefix, std::wstring_view digits) {
-    int number = 0;
+    int64_t number = 0;
     for (const wchar_t digit : digits)
-        number = number > (INT_MAX - 9) / 10 ? INT_MAX : number * 10 + (digit - L'0');
+        number = std::min<int64_t>(number * 10 + (digit - L'0'), INT_MAX);
     return (prefix + std::to_string(number)).substr(0, kMostIdChars);
 }
 
@@ -192,27 +213,30 @@ bool is_space(wchar_t unit) noexcept {
     return iswspace(unit) != 0;
 }
 
-// ".*Japan\sColor\s([0-9]{4}).*\s<kind>.*", the last year that fits.
+// ".*\s<kind>.*", from the start of `text` on.
+bool names_kind(std::wstring_view text, std::wstring_view kind) {
+    for (size_t at = text.find(kind); at != std::wstring_view::npos; at = text.find(kind, at + 1))
+        if (at > 0 && is_space(text[at - 1]) && is_one_line(text.substr(0, at - 1)) &&
+            is_one_line(text.substr(at)))
+            return true;
+    return false;
+}
+
+// ".*Japan\sColor\s([0-9]{4}).*\s<kind>.*", the last year that fits. A line may end where a \s stands.
 std::optional<std::string> find_japan_color(std::wstring_view text, std::wstring_view kind,
                                             const char* prefix) {
     constexpr std::wstring_view kJapan = L"Japan";
     constexpr std::wstring_view kColor = L"Color";
     constexpr size_t kLength = 5 + 1 + 5 + 1 + 4;
-    const size_t last_kind = [&] {
-        for (size_t at = text.rfind(kind); at != std::wstring_view::npos && at > 0;
-             at = text.rfind(kind, at - 1))
-            if (is_space(text[at - 1]))
-                return at;
-        return size_t{0};
-    }();
     for (size_t at = text.rfind(kJapan); at != std::wstring_view::npos;
          at = at == 0 ? std::wstring_view::npos : text.rfind(kJapan, at - 1)) {
-        if (at + kLength + 1 > last_kind)
-            continue;
         const std::wstring_view found = text.substr(at, kLength);
+        if (found.size() < kLength)
+            continue;
         const std::wstring_view year = found.substr(12);
         if (is_space(found[5]) && found.substr(6, 5) == kColor && is_space(found[11]) &&
-            std::ranges::all_of(year, is_digit))
+            std::ranges::all_of(year, is_digit) && is_one_line(text.substr(0, at)) &&
+            names_kind(text.substr(at + kLength), kind))
             return id_of(prefix, year);
     }
     return std::nullopt;
@@ -226,13 +250,12 @@ std::string icc_ConditionIdFromDesc(const std::wstring& description) {
         std::ranges::find(kConditions, std::wstring_view(description), &Condition::description);
     if (known != std::end(kConditions))
         return known->id;
-    if (is_one_line(description)) {
+    if (is_one_line(description))
         if (auto id = find_fogra(description))
             return *id;
-        if (auto id = find_japan_color(description, L"News", "JCN"))
-            return *id;
-        if (auto id = find_japan_color(description, L"Web", "JCW"))
-            return *id;
-    }
+    if (auto id = find_japan_color(description, L"News", "JCN"))
+        return *id;
+    if (auto id = find_japan_color(description, L"Web", "JCW"))
+        return *id;
     return "Custom";
 }

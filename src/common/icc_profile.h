@@ -27,8 +27,8 @@ struct Profile {
 // The machine's profile folder with its trailing backslash; empty when the driver folder is not known.
 [[nodiscard]] std::wstring profile_folder();
 
-// The full path of the profile that a setting names: an existing path as it is, else its file name in the
-// profile folder. Nothing when the name is empty or there is no such file.
+// The full path of the profile that a setting names: the full path of a file as it is, else its file name in
+// the profile folder. Nothing when the name is empty or there is no such file.
 [[nodiscard]] std::optional<std::wstring> find_profile(std::wstring_view stored_name);
 
 // The profiles of the profile folder, ".icc" files before ".icm" ones. What the system's colour management
@@ -45,7 +45,7 @@ struct Profile {
 // Nothing when the bytes are not such a profile; every offset in them is checked.
 [[nodiscard]] std::optional<std::wstring> find_description(std::span<const std::byte> profile);
 
-// The same of a file; profiles above 64 MiB are not read.
+// The same of a file, of which only the tag table and that tag are read.
 [[nodiscard]] std::optional<std::wstring> find_description(const std::wstring& path);
 
 }  // namespace icc

@@ -4,12 +4,21 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "common/ms_wstring.h"
 
 inline constexpr size_t kRecordTextUnits = 260;  // a text of a record: 259 units and its terminating zero
+
+// Cuts at 259 units whatever stands there, half a surrogate pair too: what a record holds is counted in
+// units.
+inline void put_record_text(wchar_t (&target)[kRecordTextUnits], std::wstring_view text) noexcept {
+    const size_t units = text.copy(target, kRecordTextUnits - 1);
+    std::fill(target + units, target + kRecordTextUnits, L'\0');
+}
 
 // Written by the document-event handler at the start of a job, read by the rendering module.
 // Block "ZRTK_prn_info_mmf_<thread id of the printing thread>".

@@ -37,8 +37,9 @@ int OverrideIni::print_id() const {
     return valid_ ? number(L"PrintID", 0) : 0;
 }
 
-int OverrideIni::message_id() const {
-    return number(L"MessageID", 11);
+UINT OverrideIni::message_id() const noexcept {
+    constexpr int kAbsent = 11;
+    return path_.empty() ? kAbsent : GetPrivateProfileIntW(kSection, L"MessageID", kAbsent, path_.c_str());
 }
 
 std::wstring OverrideIni::text(const wchar_t* key) const {

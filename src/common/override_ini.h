@@ -2,6 +2,8 @@
 // write to steer a job. It counts only while its "IniVersion" lies between 2.0 and 3.0.
 #pragma once
 
+#include <windows.h>
+
 #include <optional>
 #include <string>
 
@@ -21,8 +23,9 @@ public:
     [[nodiscard]] std::wstring pdf_file_name() const;
     [[nodiscard]] int print_id() const;
 
-    // "MessageID" (11 when absent), read whether or not the file counts or is there at all.
-    [[nodiscard]] int message_id() const;
+    // "MessageID" (11 when absent), read whether or not the file counts or is there at all, as the system's
+    // profile functions read a number.
+    [[nodiscard]] UINT message_id() const noexcept;
 
     [[nodiscard]] const std::wstring& path() const noexcept { return path_; }
 

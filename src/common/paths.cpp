@@ -70,6 +70,8 @@ std::wstring shared_documents_folder() {
 }  // namespace qk
 
 bool ForceDirectories(const std::wstring& path) {
+    TRACE("ForceDirectories");
+    TRACE(path);
     const std::wstring folder(qk::without_trailing_backslashes(path));
     if (folder.empty() || qk::is_folder(folder))
         return !folder.empty();
@@ -114,8 +116,6 @@ ScratchFailure find_scratch_folder(std::wstring& folder) {
         GetLastError() != ERROR_ALREADY_EXISTS)
         return ScratchFailure::kNoRoot;
     folder = thread_temp_folder(root);
-    TRACE("ForceDirectories");
-    TRACE(folder);
     if (ForceDirectories(folder) || qk::is_folder(folder))
         return ScratchFailure::kNone;
     if (!in_protected_mode())

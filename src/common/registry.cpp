@@ -8,17 +8,21 @@ namespace qk::registry {
 
 RegKey open(HKEY parent, const std::wstring& path, REGSAM access) noexcept {
     RegKey key;
-    if (RegOpenKeyExW(parent, path.c_str(), 0, access | KEY_WOW64_64KEY, key.put()) != ERROR_SUCCESS)
-        return {};
-    return key;
+    const LSTATUS status = RegOpenKeyExW(parent, path.c_str(), 0, access | KEY_WOW64_64KEY, key.put());
+    if (status == ERROR_SUCCESS)
+        return key;
+    TRACE_F(L"err:RegOpenKeyExW %ld %s", status, path.c_str());
+    return {};
 }
 
 RegKey create(HKEY parent, const std::wstring& path, REGSAM access) noexcept {
     RegKey key;
-    if (RegCreateKeyExW(parent, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, access | KEY_WOW64_64KEY,
-                        nullptr, key.put(), nullptr) != ERROR_SUCCESS)
-        return {};
-    return key;
+    const LSTATUS status = RegCreateKeyExW(parent, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                           access | KEY_WOW64_64KEY, nullptr, key.put(), nullptr);
+    if (status == ERROR_SUCCESS)
+        return key;
+    TRACE_F(L"err:RegCreateKeyExW %ld %s", status, path.c_str());
+    return {};
 }
 
 CurrentUser::CurrentUser() noexcept {

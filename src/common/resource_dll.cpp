@@ -44,10 +44,9 @@ std::wstring module_folder() {
 std::optional<std::wstring> find_installed(const std::wstring& code) {
     const std::wstring name = L"Language\\zrtk_res_" + code + L".dll";
     TRACE(name);
-    if (std::wstring beside = module_folder() + name; is_file(beside))
-        return beside;
-    if (std::wstring installed = install_folder() + name; is_file(installed))
-        return installed;
+    for (const auto folder_of : {&module_folder, &install_folder})
+        if (const std::wstring folder = folder_of(); !folder.empty() && is_file(folder + name))
+            return folder + name;  // never below the host's current folder
     return std::nullopt;
 }
 
@@ -102,10 +101,14 @@ bool try_copy_contents(const std::wstring& source, HANDLE target) {
     return true;
 }
 
+// Empty, with the last error, when there is none to copy or no copy can be made.
 std::wstring make_private_copy() {
     const auto source = find_source();
-    if (!source)
+    if (!source) {
+        trace::debug_output(L"cant open src lr");
+        SetLastError(ERROR_FILE_NOT_FOUND);
         return {};
+    }
     std::wstring path;
     FileObj file = create_copy(path);
     if (!file)
@@ -160,6 +163,7 @@ void remove_orphaned_copies() {
 }  // namespace
 
 std::wstring resource_library_path(bool cached_only) {
+    TRACE("resource_library_path");
     const std::scoped_lock hold(loader.lock);
     return copy_path_locked(cached_only);
 }
@@ -192,6 +196,7 @@ std::wstring language_code() {
 }
 
 std::wstring load_string(UINT id) {
+    TRACE_F(L"load_string %u", id);
     const HMODULE module = string_module();
     if (!module) {
         TRACE(resource_library_path(true));
@@ -231,6 +236,7 @@ ResourceDLL::ResourceDLL(size_t units) : units_(units) {
 }
 
 std::wstring ResourceDLL::load_string(UINT id) {
+    TRACE_F(L"ResourceDLL::load_string %u", id);
     if (!library_)
         return L"(no resource dll)";
     if (buffer_.empty())

@@ -110,10 +110,13 @@ void SetSettingFileName(std::wstring_view file_path, const std::wstring& printer
                                                                             : file_path);
     const qk::RegKey key = qk::registry::create(CurrentUser().get(), printer_key(printer_name), KEY_WRITE);
     if (!key)
-        return;
+        return;  // traced where it was opened
     // Without its terminating zero, as the value has always been written; readers cope with it.
-    RegSetValueExW(key.get(), kSettingValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(stored.data()),
-                   static_cast<DWORD>(stored.size() * sizeof(wchar_t)));
+    const LSTATUS status =
+        RegSetValueExW(key.get(), kSettingValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(stored.data()),
+                       static_cast<DWORD>(stored.size() * sizeof(wchar_t)));
+    if (status != ERROR_SUCCESS)
+        TRACE_F(L"err:SetSettingFileName %ld", status);
 }
 
 int FindSettingFile(wchar_t* name, size_t capacity) {
@@ -128,6 +131,7 @@ int FindSettingFile(wchar_t* name, size_t capacity) {
 }
 
 std::wstring ResolveSettingFilePath(std::wstring_view name) {
+    TRACE("ResolveSettingFilePath");
     if (name.size() >= kSettingNameUnits)  // cut, it could be another file's
         return {};
     wchar_t path[kSettingNameUnits];
@@ -136,6 +140,7 @@ std::wstring ResolveSettingFilePath(std::wstring_view name) {
 }
 
 SettingFormat ProbeSettingFile(const std::wstring& path) {
+    TRACE("ProbeSettingFile");
     if (!qk::is_file(path))
         return SettingFormat::kNone;
     // Who just replaces the file is not in the way.
@@ -157,6 +162,7 @@ SettingFormat ProbeSettingFile(const std::wstring& path) {
 }
 
 std::wstring GetAppDataPath(bool create) {
+    TRACE("GetAppDataPath");
     std::wstring folder =
         qk::registry::find_text(CurrentUser().get(), qk::registry::kDebug, L"AppDataPath").value_or(L"");
     if (!folder.empty()) {

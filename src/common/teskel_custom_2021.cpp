@@ -1,7 +1,11 @@
 #include "common/teskel_custom_2021.h"
 
+#include <shlobj.h>
+
 #include <algorithm>
 #include <array>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "common/driver_util.h"
@@ -17,44 +21,11 @@ namespace {
 constexpr DWORD kValueUnits = 4096;
 constexpr std::array<const wchar_t*, 4> kStages = {L"DocStart", L"PageStart", L"PageEnd", L"DocEnd"};
 
-// The lock that keeps the processes which print from changing the list at once; held while it lives.
-class ListLock {
-public:
-    ListLock() noexcept {
-        wchar_t name[128];
-        qk::format_into(name, std::size(name), L"Global\\ZR_4tm_mutex_w089ps89ghps9gr87osygh9t_%s",
-                        L"q3y8rfnoty__TeskelCustom2021;");
-        SECURITY_DESCRIPTOR everyone = {};
-        InitializeSecurityDescriptor(&everyone, SECURITY_DESCRIPTOR_REVISION);
-        SetSecurityDescriptorDacl(&everyone, TRUE, nullptr, FALSE);
-        SECURITY_ATTRIBUTES attributes = {sizeof attributes, &everyone, FALSE};
-        SetLastError(0);
-        mutex_.reset(CreateMutexW(&attributes, TRUE, name));
-        const DWORD error = GetLastError();
-        if (error == ERROR_ACCESS_DENIED)
-            mutex_.reset(OpenMutexW(SYNCHRONIZE, FALSE, name));
-        if (mutex_ && (error == ERROR_ALREADY_EXISTS || error == ERROR_ACCESS_DENIED))
-            WaitForSingleObject(mutex_.get(), INFINITE);
-    }
-    ~ListLock() {
-        if (mutex_)
-            ReleaseMutex(mutex_.get());
-    }
-    ListLock(const ListLock&) = delete;
-    ListLock& operator=(const ListLock&) = delete;
-
-private:
-    qk::HandleObj mutex_;
-};
-
-// The entry as it stands in the list: cut as the list cuts it.
-std::wstring entry_of(const std::wstring& path) {
-    wchar_t entry[kRecordTextUnits];
-    qk::copy_zero_padded(entry, kRecordTextUnits, path);
-    return entry;
+constexpr std::wstring_view cut_as_entries(std::wstring_view path) noexcept {
+    return path.substr(0, kRecordTextUnits - 1);
 }
 
-wchar_t (*find_entry(TKFileNames& files, const std::wstring& entry) noexcept)[kRecordTextUnits] {
+wchar_t (*find_entry(TKFileNames& files, std::wstring_view entry) noexcept)[kRecordTextUnits] {
     for (auto& name : files.names)
         if (std::wstring_view(name, wcsnlen(name, kRecordTextUnits)) == entry)
             return &name;
@@ -64,9 +35,11 @@ wchar_t (*find_entry(TKFileNames& files, const std::wstring& entry) noexcept)[kR
 }  // namespace
 
 ExternalCallIni::ExternalCallIni() {
-    const std::wstring roaming = qk::roaming_folder();
-    if (!roaming.empty())
-        path_ = roaming + L"\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini";
+    // The folder as it is by default, not where the user may have moved it to: the programs that run the
+    // external programs look there.
+    wchar_t roaming[MAX_PATH] = {};
+    if (SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_DEFAULT, roaming)) && *roaming)
+        path_ = roaming + std::wstring(L"\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini");
 }
 
 bool ExternalCallIni::exists() const noexcept {
@@ -84,23 +57,43 @@ std::wstring file_list_name() {
     return qk::format(L"zrtk_80tkcustom_mmf_4tgoeyrgblyi_%s", user_name().c_str());
 }
 
+ListLock::ListLock() noexcept {
+    wchar_t name[128];
+    qk::format_into(name, std::size(name), L"Global\\ZR_4tm_mutex_w089ps89ghps9gr87osygh9t_%s",
+                    L"q3y8rfnoty__TeskelCustom2021;");
+    SECURITY_DESCRIPTOR everyone = {};
+    InitializeSecurityDescriptor(&everyone, SECURITY_DESCRIPTOR_REVISION);
+    SetSecurityDescriptorDacl(&everyone, TRUE, nullptr, FALSE);
+    SECURITY_ATTRIBUTES attributes = {sizeof attributes, &everyone, FALSE};
+    SetLastError(0);
+    mutex_.reset(CreateMutexW(&attributes, TRUE, name));
+    const DWORD error = GetLastError();
+    if (error == ERROR_ACCESS_DENIED)
+        mutex_.reset(OpenMutexW(SYNCHRONIZE, FALSE, name));
+    if (mutex_ && (error == ERROR_ALREADY_EXISTS || error == ERROR_ACCESS_DENIED))
+        WaitForSingleObject(mutex_.get(), INFINITE);
+}
+
+ListLock::~ListLock() {
+    if (mutex_)
+        ReleaseMutex(mutex_.get());
+}
+
 TeskelCustom2021::TeskelCustom2021(std::wstring document_name, std::wstring output_path)
-    : document_name_(std::move(document_name)),
-      files_(std::make_unique<qk::MMF<TKFileNames>>(file_list_name())) {
+    : document_name_(std::move(document_name)) {
     if (!output_path.empty())
         set_output_path(std::move(output_path));
 }
 
 TeskelCustom2021::~TeskelCustom2021() {
-    const ListLock lock;
-    try {
-        remove_fn_from_mmf();
-    } catch (...) {  // the entry stays; the list's other entries are unharmed
-    }
-    files_.reset();
+    if (!files_.view())
+        return;  // never in the list
+    last_.emplace();
+    remove_fn_from_mmf();
 }
 
 bool TeskelCustom2021::IsActive() {
+    TRACE("pd_tk::TeskelCustom2021::IsActive");
     return ExternalCallIni().exists();
 }
 
@@ -112,37 +105,47 @@ std::wstring TeskelCustom2021::getExeName(size_t stage) const {
 }
 
 bool TeskelCustom2021::HasExe(size_t stage) const {
+    TRACE("pd_tk::TeskelCustom2021::HasExe");
     return qk::is_file(getExeName(stage));
 }
 
 bool TeskelCustom2021::HasAnyExe() const {
+    TRACE("pd_tk::TeskelCustom2021::HasAnyExe");
     return HasExe(kPageStart) || HasExe(kPageEnd) || HasExe(kDocStart) || HasExe(kDocEnd);
 }
 
 std::wstring TeskelCustom2021::GetOutputFolder() const {
+    TRACE("pd_tk::TeskelCustom2021::GetOutputFolder");
     return ini_.value(L"Output", L"OutputFolder");
 }
 
 void TeskelCustom2021::set_output_path(std::wstring output_path) {
+    if (output_path.empty() && !files_.view())
+        return;
     const ListLock lock;
+    if (!files_.view())
+        files_.init(file_list_name());
     remove_fn_from_mmf();
     output_path_ = std::move(output_path);
     add_fn_to_mmf();
 }
 
-void TeskelCustom2021::add_fn_to_mmf() {
-    if (!files_->view() || output_path_.empty())
+void TeskelCustom2021::add_fn_to_mmf() noexcept {
+    if (!files_.view() || output_path_.empty())
         return;
-    if (auto* free_entry = find_entry(*files_->view(), L""))
-        qk::copy_zero_padded(*free_entry, kRecordTextUnits, output_path_);
+    if (auto* free_entry = find_entry(*files_.view(), L""))
+        put_record_text(*free_entry, output_path_);
+    else
+        TRACE("pd_tk::TeskelCustom2021: the list is full");
 }
 
-void TeskelCustom2021::remove_fn_from_mmf() {
-    if (!files_->view() || output_path_.empty())
+void TeskelCustom2021::remove_fn_from_mmf() noexcept {
+    if (!files_.view() || output_path_.empty())
         return;
     TRACE("pd_tk::TeskelCustom2021::remove_fn_from_mmf");
     TRACE("delete");
-    if (auto* entry = find_entry(*files_->view(), entry_of(output_path_)))
+    TRACE(output_path_);
+    if (auto* entry = find_entry(*files_.view(), cut_as_entries(output_path_)))
         std::fill(std::begin(*entry), std::end(*entry), L'\0');
 }
 

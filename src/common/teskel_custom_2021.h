@@ -5,11 +5,11 @@
 
 #include <windows.h>
 
-#include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
 
 #include "common/MMF.h"
+#include "common/handle.h"
 #include "common/job_records.h"
 
 namespace pd_tk {
@@ -17,7 +17,7 @@ namespace pd_tk {
 // The per-user file "externalCallSetting.ini". Absent keys read as empty; values are cut at 4,095 units.
 class ExternalCallIni {
 public:
-    ExternalCallIni();
+    ExternalCallIni();  // asks the shell where the file lies
 
     [[nodiscard]] bool exists() const noexcept;
     [[nodiscard]] std::wstring value(const wchar_t* section, const wchar_t* key) const;
@@ -26,8 +26,22 @@ private:
     std::wstring path_;
 };
 
-// The feature's share in one job, and the job's entry in the list of file names in progress. Changes to the
-// list are made under a global mutex, which is waited for without limit.
+// The lock that keeps the processes which print from changing the list of files in progress at once: a global
+// mutex, waited for without limit and held while this object lives.
+class ListLock {
+public:
+    ListLock() noexcept;
+    ~ListLock();
+    ListLock(const ListLock&) = delete;
+    ListLock& operator=(const ListLock&) = delete;
+
+private:
+    qk::HandleObj mutex_;
+};
+
+// The feature's share in one job: what the ini file says and, once the job has a PDF, its entry in the list
+// of files in progress. The shared list is made, entered and left under its lock; before the job has a PDF
+// there is none.
 class TeskelCustom2021 {
 public:
     // Stages of a job, as indices of the table of programs.
@@ -37,7 +51,8 @@ public:
     static constexpr size_t kDocEnd = 3;
     static constexpr wchar_t kCancel[] = L"Cancel";  // a fixed name beside the stages' sections
 
-    TeskelCustom2021(std::wstring document_name, std::wstring output_path);
+    // With an output path the PDF is entered into the list at once.
+    explicit TeskelCustom2021(std::wstring document_name, std::wstring output_path = {});
     ~TeskelCustom2021();
     TeskelCustom2021(const TeskelCustom2021&) = delete;
     TeskelCustom2021& operator=(const TeskelCustom2021&) = delete;
@@ -52,19 +67,20 @@ public:
     // The folder that the save dialog starts in; empty: the dialog's own choice.
     [[nodiscard]] std::wstring GetOutputFolder() const;
 
-    // The PDF that the user chose; enters it into the list of files in progress.
+    // The PDF that the user chose; enters it into the list in place of one entered before. None leaves it.
     void set_output_path(std::wstring output_path);
     [[nodiscard]] const std::wstring& output_path() const noexcept { return output_path_; }
     [[nodiscard]] const std::wstring& document_name() const noexcept { return document_name_; }
 
 private:
-    void add_fn_to_mmf();
-    void remove_fn_from_mmf();
+    void add_fn_to_mmf() noexcept;
+    void remove_fn_from_mmf() noexcept;
 
+    std::optional<ListLock> last_;  // taken as the object goes and, standing first, released last of all
     ExternalCallIni ini_;
     std::wstring output_path_;
     std::wstring document_name_;
-    std::unique_ptr<qk::MMF<TKFileNames>> files_;
+    qk::MMF<TKFileNames> files_;  // no view before there is an entry
 };
 
 // The name of the shared list of the current user.

@@ -28,20 +28,23 @@ HandleObj open_switch() noexcept {
     return HandleObj(OpenFileMappingW(FILE_MAP_READ, FALSE, global));
 }
 
+DWORD find_level() noexcept {
+    const HandleObj mapping = open_switch();
+    if (!mapping)
+        return 0;
+    const View view(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, sizeof(DWORD)));
+    if (!view) {
+        debug_output(L"Error@qk::MMF MapViewOfFile:gle=%u", GetLastError());
+        return 0;
+    }
+    return *static_cast<const DWORD*>(view.get());
+}
+
 }  // namespace
 
 void read_level() noexcept {
     const LastErrorKeeper keep;
-    level = 0;
-    const HandleObj mapping = open_switch();
-    if (!mapping)
-        return;
-    const View view(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, sizeof(DWORD)));
-    if (!view) {
-        debug_output(L"Error@qk::MMF MapViewOfFile:gle=%u", GetLastError());
-        return;
-    }
-    level = *static_cast<const DWORD*>(view.get());
+    level = find_level();  // stored once: other threads trace meanwhile
 }
 
 void write(const wchar_t* text, const char* source, unsigned line) noexcept {
@@ -65,6 +68,15 @@ void write(const char* text, const char* source, unsigned line) noexcept {
     else
         std::snprintf(record, kRecordUnits, ".%u %s  %s\r\n", thread, last_component(source), text);
     OutputDebugStringA(record);
+}
+
+void write_formatted(const char* source, unsigned line, const wchar_t* pattern, ...) noexcept {
+    wchar_t text[kRecordUnits] = {};
+    va_list arguments;
+    va_start(arguments, pattern);
+    _vsnwprintf(text, kRecordUnits - 1, pattern, arguments);
+    va_end(arguments);
+    write(text, source, line);
 }
 
 void Scope::mark(const char* arrow, unsigned line) const noexcept {

@@ -25,17 +25,12 @@ void read_level() noexcept;
 [[gnu::cold]] void write(const wchar_t* text, const char* source, unsigned line) noexcept;
 [[gnu::cold]] void write(const char* text, const char* source, unsigned line) noexcept;
 
-template <class Char>
-[[gnu::always_inline]] inline void plain(const Char* text, const char* source, unsigned line) noexcept {
-    if (level < kPlainLevel)
-        return;
-    write(text, source, line);
+[[gnu::cold]] inline void write(const std::wstring& text, const char* source, unsigned line) noexcept {
+    write(text.c_str(), source, line);
 }
 
-[[gnu::always_inline]] inline void plain(const std::wstring& text, const char* source,
-                                         unsigned line) noexcept {
-    plain(text.c_str(), source, line);
-}
+// The same of a text made of a wide pattern and its values; needs no memory.
+[[gnu::cold]] void write_formatted(const char* source, unsigned line, const wchar_t* pattern, ...) noexcept;
 
 // ">>" and the function's name while it is entered, "<<" and the name when it is left.
 class Scope {
@@ -65,11 +60,13 @@ void debug_output(const wchar_t* pattern, ...) noexcept;
 }  // namespace qk::trace
 
 // The trace's macros add the source file and line. TRACE takes a text (narrow, wide or a string object);
-// TRACE_F a wide pattern and its values, which are formatted only when the level asks for them.
-#define TRACE(text) ::qk::trace::plain(text, __FILE__, __LINE__)
-#define TRACE_F(...)                                                           \
-    do {                                                                       \
-        if (::qk::trace::level >= ::qk::trace::kPlainLevel) [[unlikely]]       \
-            ::qk::trace::plain(::qk::format(__VA_ARGS__), __FILE__, __LINE__); \
+// TRACE_F a wide pattern and its values (%s is a wide text, %S a narrow one). What they are given is computed
+// only when the level asks for it.
+#define ZR_TRACE_WITH(write, ...)                                        \
+    do {                                                                 \
+        if (::qk::trace::level >= ::qk::trace::kPlainLevel) [[unlikely]] \
+            ::qk::trace::write(__VA_ARGS__);                             \
     } while (false)
+#define TRACE(text) ZR_TRACE_WITH(write, text, __FILE__, __LINE__)
+#define TRACE_F(...) ZR_TRACE_WITH(write_formatted, __FILE__, __LINE__, __VA_ARGS__)
 #define TRACE_SCOPE(function) const ::qk::trace::Scope trace_scope_(function, __FILE__, __LINE__)

@@ -1,6 +1,7 @@
 #include "job/dialog_record.h"
 
 #include <algorithm>
+#include <new>
 
 #include "common/text.h"
 #include "common/trace.h"
@@ -21,28 +22,36 @@ std::wstring text_of(const qk::MsWString& field) {
 
 }  // namespace
 
-DialogRecord::DialogRecord()
-    : record_(std::make_unique<dialog_library::WorkingRecord>()),
-      path_buffer_(dialog_library::kLentUnits),
-      third_buffer_(dialog_library::kLentUnits) {
-    record_->output_path.lend(path_buffer_, 0);
-    record_->third_text.lend(third_buffer_, 0);
+GivenText::~GivenText() {
+    // Another address or capacity: the library has freed this text or has made the field its own.
+    if (memory_ && field_.address == memory_ && field_.capacity == capacity_)
+        HeapFree(GetProcessHeap(), 0, memory_);
+}
+
+void GivenText::put(std::wstring_view text, size_t least_capacity) {
+    if (text.size() <= qk::MsWString::kInPlace) {
+        field_.set_in_place(text);
+        return;
+    }
+    const size_t units = std::max(text.size(), least_capacity) + 1;
+    memory_ = static_cast<wchar_t*>(HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, units * sizeof(wchar_t)));
+    if (!memory_)
+        throw std::bad_alloc();
+    text.copy(memory_, text.size());
+    field_.lend({memory_, units}, text.size());
+    capacity_ = field_.capacity;
 }
 
 void DialogRecord::set_title(std::wstring_view title) {
     title_ = title;
-    if (title.size() <= qk::MsWString::kInPlace) {
-        record_->title.set_in_place(title);
-        return;
-    }
-    title_buffer_.assign(title.begin(), title.end());
-    title_buffer_.push_back(L'\0');
-    record_->title.lend(title_buffer_, title.size());
+    given_title_.put(title, 0);
 }
 
-void DialogRecord::set_start_folder(std::wstring_view folder) noexcept {
-    qk::copy_zero_padded(path_buffer_.data(), path_buffer_.size(), folder);
-    record_->output_path.lend(path_buffer_, std::min(folder.size(), path_buffer_.size() - 1));
+void DialogRecord::set_start_folder(std::wstring_view folder) {
+    // Room for the path that takes its place, and below what run-time libraries allocate in ways of their
+    // own.
+    constexpr size_t kPathUnits = 1023;
+    given_folder_.put(folder, kPathUnits);
 }
 
 void DialogRecord::take_texts() {
@@ -53,9 +62,9 @@ void DialogRecord::take_texts() {
 void DialogRecord::publish(ZRTKPrintStartInfoC& start, bool resumes) const {
     start = {};
     start.resume = resumes || record_->hand_over != 0 ? 1 : 0;
-    qk::copy_zero_padded(start.title, kRecordTextUnits, title_);
-    qk::copy_zero_padded(start.output_path, kRecordTextUnits, output_path_);
-    qk::copy_zero_padded(start.third_text, kRecordTextUnits, third_text_);
+    put_record_text(start.title, title_);
+    put_record_text(start.output_path, output_path_);
+    put_record_text(start.third_text, third_text_);
     start.first_value = record_->first_value;
     start.second_value = record_->second_value;
     start.external_record = record_->external_record;

@@ -28,17 +28,16 @@ void trace_event(int event) {
 
 namespace job {
 
-void answer_query_filter(void* out, ULONG out_size) {
+void answer_query_filter(void* out) {
     constexpr DWORD kEvents = 13;  // all of them but the query itself
     constexpr size_t kFixedPart = offsetof(DOCEVENT_FILTER, aDocEventCall);
     auto* filter = static_cast<DOCEVENT_FILTER*>(out);
-    // A size of 0 comes from callers that leave it out; a size that is given must hold what is written.
-    if (!filter || (out_size != 0 && out_size < kFixedPart) || !qk::is_writable(filter, kFixedPart))
+    if (!qk::is_writable(filter, kFixedPart))
         return;
-    const size_t whole = kFixedPart + kEvents * sizeof(DWORD);
-    const bool fits = filter->cElementsAllocated >= kEvents && (out_size == 0 || out_size >= whole) &&
-                      qk::is_writable(filter, whole);
-    if (!fits) {
+    // The count of elements decides, not the size of the output, which callers give in ways of their own. A
+    // count that is not true, with no memory behind it, is one that does not suffice.
+    if (filter->cElementsAllocated < kEvents ||
+        !qk::is_writable(filter, kFixedPart + kEvents * sizeof(DWORD))) {
         filter->cElementsNeeded = kEvents;
         return;
     }
@@ -49,13 +48,13 @@ void answer_query_filter(void* out, ULONG out_size) {
 
 }  // namespace job
 
-int internal_DrvDocumentEvent(HANDLE printer, HDC /*hdc*/, int event, ULONG in_size, void* in, ULONG out_size,
-                              void* out) {
+int internal_DrvDocumentEvent(HANDLE printer, HDC /*hdc*/, int event, ULONG in_size, void* in,
+                              ULONG /*out_size*/, void* out) {
     trace_event(event);
     job::Outcome outcome;
     switch (event) {
         case DOCUMENTEVENT_QUERYFILTER:
-            job::answer_query_filter(out, out_size);
+            job::answer_query_filter(out);
             break;
         case DOCUMENTEVENT_STARTDOCPRE:
             outcome = job::start(printer, in, in_size);

@@ -37,14 +37,15 @@ using ResultState = qk::MMF<ZRTKPrintInfo>;
 // Settles what applies to the job and publishes its records. `in` is the event's DOCINFOW.
 [[nodiscard]] Outcome start(HANDLE printer, const void* in, ULONG in_size);
 
-// Reads the result record back, reports a failure, tells listeners and frees the job's state.
-[[nodiscard]] Outcome end(HANDLE printer);
+// Reads the result record back, reports a failure, tells listeners and frees the job's state. Succeeds
+// whatever fails; the status is the result record's.
+[[nodiscard]] Outcome end(HANDLE printer) noexcept;
 
-// Takes what a job has left under this thread's properties out and releases it.
-void release_start_state();
-[[nodiscard]] std::unique_ptr<ResultState> take_result_state();
+// Take what a job has left under this thread's properties out; the first releases it too, its record zeroed.
+void release_start_state() noexcept;
+[[nodiscard]] std::unique_ptr<ResultState> take_result_state() noexcept;
 
 // Fills a DOCEVENT_FILTER; nothing when it is missing or not writable.
-void answer_query_filter(void* out, ULONG out_size);
+void answer_query_filter(void* out);
 
 }  // namespace job

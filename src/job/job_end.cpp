@@ -1,4 +1,5 @@
 // The end of a job: its result is read back and reported, its state freed.
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -20,7 +21,7 @@ namespace {
 void tell_listeners() {
     const qk::OverrideIni ini;
     const UINT message = RegisterWindowMessageW(L"Dunmere Vantrix Stop");
-    PostMessageW(HWND_BROADCAST, message, static_cast<WPARAM>(ini.message_id()), 0);
+    PostMessageW(HWND_BROADCAST, message, ini.message_id(), 0);
 }
 
 // The choice of a setting file for one process ends with its job.
@@ -47,9 +48,21 @@ void report(const ZRTKPrintInfo& result) {
     ZRTK_ErrorNotify(caption, pdf.c_str(), result.error_code, 0, text_of(result.message), caption);
 }
 
+// A step of the end that may fail without keeping the others from being made.
+template <class Step>
+void attempt(Step step) noexcept {
+    try {
+        step();
+    } catch (const std::exception& exception) {
+        TRACE(exception.what());
+    } catch (...) {
+        TRACE("a step of the end failed");
+    }
+}
+
 }  // namespace
 
-void release_start_state() {
+void release_start_state() noexcept {
     TRACE("FreeThreadProp");
     const std::unique_ptr<StartState> state(
         reinterpret_cast<StartState*>(FreeThreadProp(threadprop::kStartRecord)));
@@ -57,17 +70,18 @@ void release_start_state() {
         *state->block.view() = {};  // whoever still has the block open finds no job in it
 }
 
-std::unique_ptr<ResultState> take_result_state() {
+std::unique_ptr<ResultState> take_result_state() noexcept {
     return std::unique_ptr<ResultState>(
         reinterpret_cast<ResultState*>(FreeThreadProp(threadprop::kResultRecord)));
 }
 
-Outcome end(HANDLE printer) {
+Outcome end(HANDLE printer) noexcept {
+    // Both first, so that nothing of the job stays whatever happens to the rest.
     release_start_state();
-    tell_listeners();
-    forget_process_setting(printer);
-    TRACE("ZRTKPrintInfo@end of document");
     const auto state = take_result_state();
+    attempt(&tell_listeners);
+    attempt([printer] { forget_process_setting(printer); });
+    TRACE("ZRTKPrintInfo@end of document");
     Outcome outcome;
     if (!state) {
         TRACE("404");
@@ -77,7 +91,7 @@ Outcome end(HANDLE printer) {
         return outcome;
     const ZRTKPrintInfo result = *state->view();  // once: its writer may not be done with it
     if (result.error_code != 0)
-        report(result);
+        attempt([&result] { report(result); });
     outcome.status = result.win32_error;
     return outcome;
 }

@@ -43,24 +43,24 @@ struct NoJob {
 // The document name of the DOCINFOW behind `in`. Some callers hand over the address of a pointer to it
 // instead, as the interface of Windows describes the event; the structure's own size tells the two apart.
 std::wstring document_name_of(const void* in, ULONG in_size, bool& given) {
+    constexpr size_t kWanted = offsetof(DOCINFOW, lpszOutput);  // the size and the name
     given = false;
     DOCINFOW info = {};
-    const void* at = in;
-    if (!qk::try_copy(&info.cbSize, at, sizeof info.cbSize))
-        return {};
+    bool copied = qk::try_copy(&info, in, kWanted);
     if (info.cbSize != sizeof(DOCINFOW) && in_size <= sizeof(void*)) {
         const void* inner = nullptr;
-        int inner_size = 0;
-        if (qk::try_copy(&inner, in, sizeof inner) && qk::try_copy(&inner_size, inner, sizeof inner_size))
-            at = inner;
+        if (qk::try_copy(&inner, in, sizeof inner))
+            copied = qk::try_copy(&info, inner, kWanted) || copied;
     }
-    if (!qk::try_copy(&info, at, offsetof(DOCINFOW, lpszOutput)) || !info.lpszDocName)
+    if (!copied || !info.lpszDocName)
         return {};
-    given = qk::is_readable(info.lpszDocName, sizeof(wchar_t));
-    return qk::text_at(info.lpszDocName);
+    std::wstring name = qk::text_at(info.lpszDocName);
+    given = !name.empty() || qk::is_readable(info.lpszDocName, sizeof(wchar_t));
+    return name;
 }
 
 void notify(const Refusal& refusal) {
+    TRACE_F(L"refused: %lu", refusal.code);
     const std::wstring caption = qk::load_string(refusal.caption_id) + refusal.caption_end;
     ZRTK_ErrorNotify(caption, nullptr, refusal.code, 0, qk::load_string(IDS_JOB_FAILED), caption);
 }
@@ -71,18 +71,15 @@ public:
         document_name_ = document_name_of(in, in_size, has_document_name_);
     }
 
-    Outcome run() {
-        try {
-            load_library();
-            load_settings();
-            name_output();
-            take_override_folder();
-            publish(ask_for_file());
-        } catch (const NoJob& no_job) {
-            return {DOCUMENTEVENT_FAILURE, no_job.status};
-        }
-        TRACE("<<sd!");
-        return {};
+    // Whether the job goes on with one that the library holds. Throws NoJob.
+    bool run() {
+        load_library();
+        load_settings();
+        name_output();
+        take_override_folder();
+        const bool resumes = ask_for_file() != 0;
+        publish(resumes);
+        return resumes;
     }
 
 private:
@@ -128,10 +125,12 @@ private:
     }
 
     void name_output() {
-        if (has_document_name_)
-            TRACE_F(L"%s", SetPDFname(document_name_.c_str()).c_str());
-        else
+        if (has_document_name_) {
+            const std::wstring file_name = SetPDFname(document_name_.c_str());
+            TRACE(file_name);
+        } else {
             TRACE("no document name");
+        }
         record_.set_title(CleanJobTitle(document_name_));
         record_.raw().settings = static_cast<const PrintSettings*>(&settings_);
     }
@@ -168,19 +167,18 @@ private:
     void prepare_external_call() {
         if (!TeskelCustom2021::IsActive())
             return;
-        const TeskelCustom2021 probe(document_name_, L"");
-        const std::wstring folder = probe.HasAnyExe() ? probe.GetOutputFolder() : std::wstring();
+        auto external = std::make_unique<TeskelCustom2021>(document_name_);
+        const std::wstring folder = external->HasAnyExe() ? external->GetOutputFolder() : std::wstring();
         if (folder.empty())
             return;
         record_.raw().hand_over = 0;
         record_.raw().third_value = 0;
         record_.set_start_folder(folder);
-        external_ = std::make_unique<TeskelCustom2021>(document_name_, L"");
+        external_ = std::move(external);
         record_.raw().external_record = reinterpret_cast<uintptr_t>(external_.get());
     }
 
-    void publish(int result) {
-        const bool resumes = result != 0;
+    void publish(bool resumes) {
         if (!resumes) {
             TRACE("C.1");
             check_output_file();
@@ -193,15 +191,21 @@ private:
         take_result_state().reset();
         start->block.init(qk::format(kStartBlockName, static_cast<int>(GetCurrentThreadId())));
         if (!start->block.view())
-            throw NoJob{ERROR_NOT_ENOUGH_MEMORY};  // nobody could render this job
+            throw NoJob{ERROR_OUTOFMEMORY};  // nobody could render this job
         record_.publish(*start->block.view(), resumes);
         start->external = std::move(external_);
         std::unique_ptr<ResultState> result_state;
         if (!resumes)
             result_state = create_result_record();
         keep(threadprop::kStartRecord, start);
-        if (result_state)
+        if (!result_state)
+            return;
+        try {
             keep(threadprop::kResultRecord, result_state);
+        } catch (...) {
+            release_start_state();
+            throw;
+        }
     }
 
     // Hands a state over to the thread's properties.
@@ -251,7 +255,13 @@ private:
 }  // namespace
 
 Outcome start(HANDLE printer, const void* in, ULONG in_size) {
-    return JobStart(printer, in, in_size).run();
+    try {
+        if (!JobStart(printer, in, in_size).run())
+            TRACE("<<sd!");  // when everything is freed
+    } catch (const NoJob& no_job) {
+        return {DOCUMENTEVENT_FAILURE, no_job.status};
+    }
+    return {};
 }
 
 }  // namespace job

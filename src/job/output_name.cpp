@@ -47,6 +47,7 @@ std::wstring pdf_name(std::wstring_view document_name, bool cut_off_by_period) {
 }
 
 std::wstring CleanJobTitle(std::wstring_view document_name) {
+    TRACE("CleanJobTitle");
     for (const std::wstring_view prefix : kPrefixes)
         if (document_name.starts_with(prefix))
             return std::wstring(document_name.substr(prefix.size()));  // even when nothing is left

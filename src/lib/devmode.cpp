@@ -6,6 +6,7 @@
 #include "common/memory_probe.h"
 #include "common/module.h"
 #include "common/text.h"
+#include "common/trace.h"
 
 namespace {
 
@@ -103,6 +104,7 @@ DriverDevmode default_devmode() noexcept {
 }
 
 int ConvertDevmode(const DEVMODEW* source, DEVMODEW* target) noexcept {
+    TRACE("ConvertDevmode");
     if (!can_take_what_it_claims(target) || !holds_what_it_claims(source))
         return -1;
     if (spec_version_of(source->dmSize) == 0 && source->dmSpecVersion == 0)
@@ -128,6 +130,7 @@ int ConvertDevmode(const DEVMODEW* source, DEVMODEW* target) noexcept {
 }
 
 int ConvertDevmodeOut(const DEVMODEW* driver, const DEVMODEW* caller, DEVMODEW* output) noexcept {
+    TRACE("ConvertDevmodeOut");
     if (!driver || !output)
         return 0;
     const DEVMODEW* smaller_public = driver;
@@ -154,6 +157,7 @@ int ConvertDevmodeOut(const DEVMODEW* driver, const DEVMODEW* caller, DEVMODEW* 
 
 ConvertResult CommonDrvConvertDevmode(const DEVMODEW* source, DEVMODEW* target, DWORD* needed,
                                       DWORD mode) noexcept {
+    TRACE("CommonDrvConvertDevmode");
     const auto fail = [](DWORD error) {
         SetLastError(error);
         return ConvertResult::kFailed;
@@ -169,17 +173,20 @@ ConvertResult CommonDrvConvertDevmode(const DEVMODEW* source, DEVMODEW* target, 
             return ConvertResult::kDone;
         }
         case kConvert351: {
-            const bool fits = *needed >= kOldDevmodeSize && target;
-            *needed = kOldDevmodeSize;
-            if (!fits)
+            if (*needed < kOldDevmodeSize || !target) {
+                *needed = kOldDevmodeSize;
                 return fail(ERROR_INSUFFICIENT_BUFFER);
+            }
             if (!qk::is_writable(target, kOldDevmodeSize))
                 return fail(ERROR_INVALID_PARAMETER);
             target->dmSize = kDevmodeSize351;
             target->dmSpecVersion = kOldSpecVersion;
             target->dmDriverVersion = kOldDriverVersion;
             target->dmDriverExtra = kDevmodeExtra;
-            return ConvertDevmode(source, target) > 0 ? ConvertResult::kDone : fail(ERROR_INVALID_PARAMETER);
+            if (ConvertDevmode(source, target) <= 0)
+                return fail(ERROR_INVALID_PARAMETER);
+            *needed = kOldDevmodeSize;
+            return ConvertResult::kDone;
         }
         case kDriverDefault: {
             const bool fits = *needed >= kDriverDevmodeSize && target;

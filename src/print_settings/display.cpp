@@ -6,6 +6,7 @@
 
 #include "common/resource_dll.h"
 #include "common/text.h"
+#include "common/trace.h"
 #include "print_settings/differences.h"
 
 namespace Corvanta::Vantrix::PrintSettings {
@@ -113,6 +114,7 @@ void list_names(std::vector<std::wstring>& lines, const std::wstring& path, cons
 }  // namespace display
 
 std::vector<std::wstring> Changed2Str(const PrintSettings& older, const PrintSettings& newer) {
+    TRACE("Changed2Str");
     std::vector<std::wstring> lines;
     display::Differences(lines).compare({}, *older, *newer);
     return lines;
@@ -123,6 +125,7 @@ std::wstring Changed2Str(const std::wstring& what, const std::wstring& older, co
 }
 
 std::vector<std::wstring> Types2Str(const PrintSettings& settings) {
+    TRACE("Types2Str");
     std::vector<std::wstring> lines;
     display::list_names(lines, {}, *settings);
     return lines;

@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "common/resource_dll.h"
+#include "common/trace.h"
 #include "print_settings/differences.h"
 #include "print_settings/field_tables.h"
 
@@ -16,6 +17,7 @@ bool ps_impl_base<Impl>::equals(const Impl& other) const {
 
 template <class Impl>
 std::vector<std::wstring> ps_impl_base<Impl>::DiffStr(const Impl& newer) const {
+    TRACE("DiffStr");
     std::vector<std::wstring> lines;
     display::Differences(lines).compare(qk::load_string(kName<Impl>), static_cast<const Impl&>(*this), newer);
     return lines;

@@ -1,14 +1,18 @@
 // The built module itself, loaded as the print system loads it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <thread>
 
 #include "UI_dll/ddi.h"
+#include "UI_dll/plotui.h"
+#include "common/module.h"
 #include "common/paths.h"
 #include "support/debug_output.h"
 #include "support/handle_count.h"
 #include "support/installation.h"
+#include "support/trace_capture.h"
 #include "support/trace_switch.h"
 
 namespace {
@@ -61,6 +65,38 @@ TEST(Module, WithoutALanguageLibraryItDoesNotLoad) {
             handles = handle_count();
     }
     EXPECT_TRUE(DeleteFileW(lonely.c_str())) << "it is still loaded";
+}
+
+TEST(Module, SaysSoWhenItCannotStayLoaded) {
+    const Installation here;
+    static void* module_file_name = nullptr;
+    const auto attach = [](const wchar_t* record) {
+        TraceSwitch trace_switch;
+        trace_switch.set(qk::trace::kPlainLevel);
+        const TraceCapture trace;
+        EXPECT_TRUE(plotui::attach_process(qk::module_instance()));
+        plotui::detach_process(false);
+        return std::ranges::any_of(trace.records(), [&](const std::wstring& text) {
+            return text.find(record) != std::wstring::npos;
+        });
+    };
+    {
+        const ImportPatch too_long(
+            "GetModuleFileNameW",
+            reinterpret_cast<void*>(+[](HMODULE module, wchar_t* buffer, DWORD units) -> DWORD {
+                if (units == 292)
+                    return units;  // cut
+                return reinterpret_cast<decltype(&GetModuleFileNameW)>(module_file_name)(module, buffer,
+                                                                                         units);
+            }));
+        module_file_name = too_long.original();
+        EXPECT_TRUE(attach(L"  ui:no module path"));
+    }
+    const ImportPatch no_context("CreateActCtxW", reinterpret_cast<void*>(+[](const ACTCTXW*) -> HANDLE {
+                                     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+                                     return INVALID_HANDLE_VALUE;
+                                 }));
+    EXPECT_TRUE(attach(L"  ui:not pinned gle=8"));
 }
 
 TEST(Module, StaysLoadedAndAnswersThroughItsExports) {

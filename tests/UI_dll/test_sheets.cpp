@@ -150,6 +150,9 @@ TEST_F(Sheet, HiddenTabLeavesTheSettingsPageAlone) {
 }
 
 TEST_F(Sheet, BadHeadersAndReasonsAreRefused) {
+    SetLastError(0);
+    EXPECT_EQ(DrvDevicePropertySheets(nullptr, 0), -1);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
     using Function = LONG WINAPI(PROPSHEETUI_INFO*, LPARAM) noexcept;
     const struct {
         Function* function;

@@ -1,6 +1,7 @@
 // Who is told of a failure, the external-call feature, colour profiles.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -82,7 +83,8 @@ TEST(ErrorNotify, ChannelsAreChosenByTheAdministrator) {
         EXPECT_EQ(Outbox::boxes.size(), row.boxes);
         EXPECT_EQ(Outbox::events, std::vector<std::wstring>(row.events, L"what failed"));
         EXPECT_EQ(lines_with(here.log(), L"ErrorMessage=what failed\r\n"), row.logs);
-        EXPECT_EQ(trace.holds(L"ErrorCode=164"), row.channels > 0 && (row.channels & 4));
+        EXPECT_EQ(trace.holds(L"mes:not yet implemented"), row.channels > 0 && (row.channels & 4));
+        EXPECT_FALSE(trace.holds(L"ErrorCode=164"));
         for (const auto& box : Outbox::boxes) {
             EXPECT_EQ(box.caption, L"title");
             EXPECT_EQ(box.text, L"what failed");
@@ -166,14 +168,13 @@ TEST(ErrorNotify, PrintingHostGetsTheBoxFromItsOwnLoop) {
 TEST(ExternalCalls, ProgramsAreReadByStage) {
     const Installation here;
     EXPECT_FALSE(TeskelCustom2021::IsActive());
-    const std::wstring ini = here.folder.file(L"Roaming\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini");
+    const std::wstring ini = here.folder.file(Installation::kExternalCalls);
     ForceDirectories(ini);  // a folder of the name
     EXPECT_FALSE(TeskelCustom2021::IsActive());
     RemoveDirectoryW(ini.c_str());
     const std::string program = qk::to_utf8(here.folder.write(L"p.exe", ""));
-    here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini",
-                      "[PageStart]\r\nApp=" + program + "\r\n[DocEnd]\r\nApp=" + std::string(5000, 'x') +
-                          "\r\n[Output]\r\nOutputFolder=C:\\o\\\r\n");
+    here.write_external_calls("[PageStart]\r\nApp=" + program + "\r\n[DocEnd]\r\nApp=" +
+                              std::string(5000, 'x') + "\r\n[Output]\r\nOutputFolder=C:\\o\\\r\n");
     EXPECT_TRUE(TeskelCustom2021::IsActive());
     const TeskelCustom2021 call(L"document", L"");
     const TraceCapture trace;
@@ -185,10 +186,55 @@ TEST(ExternalCalls, ProgramsAreReadByStage) {
     EXPECT_TRUE(call.HasExe(1) && call.HasAnyExe());
     EXPECT_FALSE(call.HasExe(0) || call.HasExe(2) || call.HasExe(3) || call.HasExe(9));
     EXPECT_EQ(call.GetOutputFolder(), L"C:\\o\\");
+    qk::MMF<pd_tk::TKFileNames> list;
+    list.open(pd_tk::file_list_name());
+    EXPECT_EQ(list.view(), nullptr) << "asking takes no part in the list";
 }
+
+// What the system is asked for while a job's entry comes and goes: the list under its lock, the lock last.
+class ListSteps {
+public:
+    ListSteps() {
+        steps_.clear();
+        originals_ = {create_.original(), map_.original(), unmap_.original(), release_.original()};
+    }
+    [[nodiscard]] static const std::string& seen() { return steps_; }
+
+private:
+    static HANDLE WINAPI on_create(SECURITY_ATTRIBUTES* attributes, BOOL owned, const wchar_t* name) {
+        steps_ += "lock ";
+        return reinterpret_cast<decltype(&CreateMutexW)>(originals_[0])(attributes, owned, name);
+    }
+    static HANDLE WINAPI on_map(HANDLE file, SECURITY_ATTRIBUTES* attributes, DWORD protection, DWORD high,
+                                DWORD low, const wchar_t* name) {
+        steps_ += "make ";
+        return reinterpret_cast<decltype(&CreateFileMappingW)>(originals_[1])(file, attributes, protection,
+                                                                              high, low, name);
+    }
+    static BOOL WINAPI on_unmap(const void* view) {
+        steps_ += "leave ";
+        return reinterpret_cast<decltype(&UnmapViewOfFile)>(originals_[2])(view);
+    }
+    static BOOL WINAPI on_release(HANDLE mutex) {
+        steps_ += "unlock ";
+        return reinterpret_cast<decltype(&ReleaseMutex)>(originals_[3])(mutex);
+    }
+
+    static inline std::string steps_;
+    static inline std::array<void*, 4> originals_;
+    ImportPatch create_{"CreateMutexW", reinterpret_cast<void*>(&on_create)};
+    ImportPatch map_{"CreateFileMappingW", reinterpret_cast<void*>(&on_map)};
+    ImportPatch unmap_{"UnmapViewOfFile", reinterpret_cast<void*>(&on_unmap)};
+    ImportPatch release_{"ReleaseMutex", reinterpret_cast<void*>(&on_release)};
+};
 
 TEST(ExternalCalls, ListHoldsTheFilesInProgress) {
     const Installation here;
+    {
+        const ListSteps steps;
+        { TeskelCustom2021(L"a", L"C:\\zr_a.pdf"); }
+        EXPECT_EQ(ListSteps::seen(), "lock make unlock lock leave unlock ");
+    }
     const qk::MMF<pd_tk::TKFileNames> list(pd_tk::file_list_name());
     ASSERT_TRUE(list.view());
     const auto count = [&](const std::wstring& name) {
@@ -199,6 +245,7 @@ TEST(ExternalCalls, ListHoldsTheFilesInProgress) {
     };
     const size_t free_entries = count(L"");
     const std::wstring long_name(300, L'n');
+    const TraceCapture trace;
     {
         TeskelCustom2021 first(L"a", L"C:\\zr_a.pdf"), second(L"b", L"C:\\zr_a.pdf"), third(L"c", L""),
             fourth(L"d", long_name);
@@ -208,11 +255,15 @@ TEST(ExternalCalls, ListHoldsTheFilesInProgress) {
         EXPECT_EQ(count(L"C:\\zr_a.pdf"), 1u);
         EXPECT_EQ(count(L"C:\\zr_b.pdf"), 1u);
         std::vector<std::unique_ptr<TeskelCustom2021>> more;
-        for (size_t i = 0; i < free_entries; ++i)  // more than there is room for
+        for (size_t i = 0; i < free_entries - 3; ++i)
             more.push_back(std::make_unique<TeskelCustom2021>(L"m", L"C:\\zr_m.pdf"));
         EXPECT_EQ(count(L""), 0u);
+        EXPECT_FALSE(trace.holds(L"pd_tk::TeskelCustom2021: the list is full"));
+        const TeskelCustom2021 one_too_many(L"x", L"C:\\zr_x.pdf");
+        EXPECT_TRUE(trace.holds(L"pd_tk::TeskelCustom2021: the list is full"));
     }
     EXPECT_EQ(count(L""), free_entries);
+    EXPECT_EQ(trace.count(L"delete"), free_entries + 2) << "one replaced, one that was not in the list";
 }
 
 TEST(ColourProfile, DescriptionStandsForACondition) {
@@ -240,6 +291,16 @@ TEST(ColourProfile, DescriptionStandsForACondition) {
         {L"Japan Color 20023 x News", "JCN2002"},
         {L"Japan Color 2001 Japan Color 2007 Web", "JCW2007"},
         {L"Japan Color 2001 Web News", "JCN2001"},
+        {L"Japan\nColor\r2002 x\nNewspaper", "JCN2002"},  // a line may end where a blank may stand
+        {L"Japan Color\x2029"
+         L"2013 Y\nWeb",
+         "JCW2013"},
+        {L"Japan Color 2002 x\ny News", "Custom"},
+        {L"x\nJapan Color 2002 News", "Custom"},
+        {L"Japan Color 2002 News\nx", "Custom"},
+        {L"FOGRA2147483640", "FOGRA2147483640"},
+        {L"FOGRA2147483647", "FOGRA2147483647"},
+        {L"FOGRA2147483648", "FOGRA2147483647"},
         {L"News Japan Color 2001", "Custom"},
         {L"japan color 2001 coated", "Custom"},
         {L"", "Custom"},
@@ -323,10 +384,26 @@ TEST(ColourProfile, FileIsLookedForInTheMachinesFolder) {
     EXPECT_EQ(icc::find_profile(there), there);
     EXPECT_EQ(icc::find_profile(name), folder + name);
     EXPECT_EQ(icc::find_profile(L"Q:\\gone\\" + name), folder + name);
+    const CurrentFolder in(own.path());
+    own.write(L"bare.icc", "");
     for (const std::wstring& missing :
-         {std::wstring(), std::wstring(L"none.icc"), own.path(), own.path() + L"\\", L"..\\" + name + L"x"})
+         {std::wstring(), std::wstring(L"none.icc"), std::wstring(L"bare.icc"), std::wstring(L".\\bare.icc"),
+          own.path().substr(0, 2) + L"bare.icc", own.path(), own.path() + L"\\", L"..\\" + name + L"x"})
         EXPECT_EQ(icc::find_profile(missing), std::nullopt) << qk::to_utf8(missing);
     EXPECT_EQ(icc::find_description(folder + name), L"Desc");
     EXPECT_EQ(icc::find_description(own.path()), std::nullopt);
+    static DWORD bytes_read = 0;
+    static void* read_file = nullptr;
+    const ImportPatch read("ReadFile", reinterpret_cast<void*>(+[](HANDLE file, void* buffer, DWORD size,
+                                                                   DWORD* done, OVERLAPPED* place) -> BOOL {
+                               bytes_read += size;
+                               return reinterpret_cast<decltype(&ReadFile)>(read_file)(file, buffer, size,
+                                                                                       done, place);
+                           }));
+    read_file = read.original();
+    const std::wstring large =
+        own.write(L"large.icc", profile({{"A2B0", std::string(1 << 20, 'x')}, {"desc", kPlain}}));
+    EXPECT_EQ(icc::find_description(large), L"Desc");
+    EXPECT_LT(bytes_read, 200u) << "its tables are of no interest";
     DeleteFileW((folder + name).c_str());
 }

@@ -72,6 +72,19 @@ TEST(Resources, MissingLanguageFallsBackAndTheCopyIsPrivate) {
     ForceDirectories(here.folder.file(L"Language"));
     const ModuleAt moved(module);
     const TraceCapture trace;
+    here.folder.write(L"Language\\zrtk_res_kr.dll", "not to be found");
+    {
+        const CurrentFolder in(here.folder.path());
+        here.machine.set_text(Installation::kKey, L"PdfDllPath", L"");
+        EXPECT_EQ(qk::resource_library_path(false), L"");
+        const ImportPatch no_module(
+            "GetModuleFileNameW",
+            reinterpret_cast<void*>(+[](HMODULE, wchar_t*, DWORD) -> DWORD { return 0; }));
+        EXPECT_EQ(qk::resource_library_path(false), L"");
+        EXPECT_EQ(trace.count(L"cant open src lr"), 2u);
+        here.machine.set_text(Installation::kKey, L"PdfDllPath", here.folder.path() + L"\\");
+    }
+    DeleteFileW(here.folder.file(L"Language\\zrtk_res_kr.dll").c_str());
     EXPECT_EQ(qk::resource_library_path(false), L"");
     EXPECT_EQ(qk::load_string(IDS_JOB_FAILED), L"ERROR! no resource dll.");
     EXPECT_EQ(qk::ResourceDLL().load_string(1), L"(no resource dll)");

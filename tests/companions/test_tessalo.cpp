@@ -4,7 +4,7 @@
 #include <windows.h>
 
 #include <string>
-#include <vector>
+#include <thread>
 
 #include "common/dialog_library.h"
 #include "common/handle.h"
@@ -26,11 +26,11 @@ protected:
         get_file_ = qk::find_export<dialog_library::GetFile2>(library_.get(), "GetFile2");
         get_setting_ = qk::find_export<dialog_library::GetSettingFN>(library_.get(), "GetSettingFN");
         record_.title.set_in_place(L"Title");
-        record_.output_path.lend(path_, 0);
     }
 
     void ask_to_start_in(const std::wstring& folder) {
-        qk::copy_zero_padded(path_.data(), path_.size(), folder);
+        path_ = folder;
+        path_.resize(1024);
         record_.output_path.lend(path_, folder.size());
     }
 
@@ -44,7 +44,7 @@ protected:
     const qk::DLL library_;
     dialog_library::GetFile2* get_file_ = nullptr;
     dialog_library::GetSettingFN* get_setting_ = nullptr;
-    std::vector<wchar_t> path_ = std::vector<wchar_t>(dialog_library::kLentUnits);
+    std::wstring path_;
     dialog_library::WorkingRecord record_ = {};
     PrintSettings settings_;
 };
@@ -91,20 +91,55 @@ TEST_F(Tessalo, RefusedNameReadsAsACancel) {
     record_.hand_over = 1;
     EXPECT_EQ(ask(), L"");
     EXPECT_EQ(record_.hand_over, 0);
-    EXPECT_EQ(path_[0], L'\0');
 }
 
-TEST_F(Tessalo, PathKeepsToTheMemoryThatWasLent) {
+TEST_F(Tessalo, PathStandsWhereAStringOfARunTimeLibraryWould) {
     const TempFolder folder;
     settings_.general()->OutputFolder = folder.path();
-    settings_.general()->WhenSameName = 2;
-    const size_t units = folder.file(L"Title.pdf").size();
-    for (const size_t lent : {units, units + 1}) {
-        std::vector<wchar_t> small(lent + 8, L'#');
-        record_.output_path.lend({small.data(), lent}, 0);
-        EXPECT_EQ(ask(), lent > units ? folder.file(L"Title.pdf") : L"");
-        EXPECT_EQ(std::wstring(small.data() + lent, 8), L"########");
-        EXPECT_EQ(folder.count(), lent > units ? 1u : 0u) << "a file that nobody learns of does not stay";
+    settings_.general()->WhenSameName = 0;
+    const std::wstring path = folder.file(L"Title.pdf");
+    for (const size_t room : {path.size() - 1, path.size()}) {
+        std::wstring found(room + 8, L'#');
+        record_.output_path.lend({found.data(), room + 1}, 0);
+        found[room] = L'\0';
+        EXPECT_EQ(ask(), path);
+        EXPECT_EQ(record_.output_path.address == found.data(), room == path.size());
+        EXPECT_EQ(found.substr(room + 1), L"#######");
+    }
+    record_.output_path = {};
+    EXPECT_EQ(ask(), path);
+    const wchar_t* const first = record_.output_path.address;
+    std::thread([&] {
+        dialog_library::WorkingRecord other = {};
+        other.title.set_in_place(L"Other");
+        other.settings = &settings_;
+        EXPECT_EQ(get_file_(&other, L"Printer"), 0);
+        EXPECT_EQ(other.output_path.find_text(), folder.file(L"Other.pdf"));
+    }).join();
+    EXPECT_EQ(first, path) << "another thread's call leaves it alone";
+}
+
+TEST_F(Tessalo, NameIsTheDocumentsDefaultOneMadeSafe) {
+    struct {
+        DWORD cut_off_by_period;
+        const wchar_t *title, *file;
+    } const rows[] = {
+        {0, L"Report.docx", L"Report.docx.pdf"},
+        {1, L"Report.docx", L"Report.pdf"},
+        {0, L"x.pdf", L"x.pdf.pdf"},
+        {1, L"x.pdf", L"x.pdf"},
+        {0, L"a:b?", L"a_b_.pdf"},
+        {1, L"C:\\docs\\a:b.txt", L"a_b.pdf"},
+        {0, L"", L"no_name.pdf"},
+    };
+    for (const auto& row : rows) {
+        const Installation here;
+        here.set_number(HKEY_CURRENT_USER, L"\\Special", L"Cutoff_by_period", row.cut_off_by_period);
+        ask_to_start_in(here.folder.path());
+        std::wstring title = row.title;
+        title.resize(100);
+        record_.title.lend(title, wcslen(row.title));
+        EXPECT_EQ(ask(), here.folder.file(row.file));
     }
 }
 

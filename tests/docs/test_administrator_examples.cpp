@@ -99,8 +99,8 @@ protected:
         } else if (example.file == "DunmereVantrix.ini") {
             here.folder.write(L"Dunmere\\Vantrix2\\DunmereVantrix.ini", text);
         } else {
-            ForceDirectories(here.folder.file(L"Roaming\\Corvanta\\Vantrix\\8.0"));
-            here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\" + qk::to_wide(example.file), text);
+            ASSERT_EQ(example.file, "externalCallSetting.ini");
+            here.write_external_calls(text);
         }
     }
 

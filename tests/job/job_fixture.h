@@ -3,11 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "UI_dll/ddi.h"
 #include "common/handle.h"
@@ -88,7 +90,9 @@ class JobTest : public testing::Test {
 public:
     using Settings = Corvanta::Vantrix::PrintSettings::PrintSettings;
 
-    enum class How { kInTheLentBuffer, kByOwnAddress, kInTheField };
+    // How the library puts its texts into the record: as a string of its run-time library does that is
+    // assigned to or replaced, by the address of a text of its own, or in the field itself.
+    enum class How { kAssigned, kReplaced, kByOwnAddress, kInTheField };
 
     JobTest() {
         CopyFileW(Installation::built(L"fake_tessalo.dll").c_str(),
@@ -100,7 +104,12 @@ public:
         };
         here.user.set_text(Installation::kKey, L"Language", L"en");
     }
-    ~JobTest() override { EXPECT_STREQ(script->misuse, ""); }
+    ~JobTest() override {
+        EXPECT_STREQ(script->misuse, "");
+        for (wchar_t* text : library_texts)
+            EXPECT_TRUE(library_free(GetProcessHeap(), 0, text)) << "the library's text has been freed";
+        library_texts.clear();
+    }
 
     void load_dialog_library() {
         library.reset(LoadLibraryW(here.folder.file(L"Tessalo80.dll").c_str()));
@@ -110,14 +119,28 @@ public:
 
     // Puts a text into a field of the working record.
     static void put(qk::MsWString& field, std::wstring& text, How how) {
-        if (how == How::kInTheField) {
+        const bool in_field =
+            how == How::kAssigned && std::max<size_t>(text.size(), field.capacity) <= qk::MsWString::kInPlace;
+        if (how == How::kInTheField || in_field) {
             field.set_in_place(text);
         } else if (how == How::kByOwnAddress) {
             field.address = text.data();
             field.capacity = field.length = text.size();
-        } else {
-            std::copy(text.begin(), text.end(), field.address);
+        } else if (how == How::kAssigned && field.capacity > qk::MsWString::kInPlace &&
+                   text.size() <= field.capacity) {
+            std::copy_n(text.c_str(), text.size() + 1, field.address);
             field.length = text.size();
+        } else {
+            if (field.capacity > qk::MsWString::kInPlace) {
+                EXPECT_TRUE(library_free(GetProcessHeap(), 0, field.address));
+            }
+            auto* own = static_cast<wchar_t*>(
+                HeapAlloc(GetProcessHeap(), 0, (std::max<size_t>(text.size(), 8) + 1) * sizeof(wchar_t)));
+            std::copy_n(text.c_str(), text.size() + 1, own);
+            library_texts.push_back(own);
+            field.address = own;
+            field.length = text.size();
+            field.capacity = std::max<size_t>(text.size(), 8);
         }
     }
 
@@ -144,11 +167,16 @@ public:
     // The user's part in the dialog.
     std::wstring path = here.folder.file(L"out\\report.pdf");
     std::wstring third;
-    How how = How::kInTheLentBuffer;
+    How how = How::kAssigned;
     int result = 0;
     std::function<void(dialog_library::WorkingRecord&)> meddle;  // a last word
 
 private:
+    // What the library's run-time library frees with, whatever a test has put in the place of our own.
+    static inline const auto library_free = reinterpret_cast<decltype(&HeapFree)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "HeapFree")));
+    static inline std::vector<wchar_t*> library_texts;
+
     int answer(dialog_library::WorkingRecord& record) {
         put(record.output_path, path, how);
         put(record.third_text, third, how);

@@ -8,6 +8,7 @@
 
 #include "common/module.h"
 #include "job/document_event.h"
+#include "support/failing_memory.h"
 #include "support/guarded_buffer.h"
 #include "support/trace_capture.h"
 
@@ -53,7 +54,7 @@ TEST(DocumentEvents, FilterIsWrittenOnlyWhereItFits) {
     } const rows[] = {
         {0, 0, 0, 13, 0},   {12, 12, 0, 13, 0},        {12, 12, 64, 13, 0},
         {13, 13, 0, 0, 13}, {13, 13, 68, 0, 13},       {20, 20, 96, 0, 13},
-        {13, 12, 0, 13, 0}, {UINT32_MAX, 2, 0, 13, 0}, {13, 13, 67, 13, 0},
+        {13, 12, 0, 13, 0}, {UINT32_MAX, 2, 0, 13, 0}, {13, 13, 1, 0, 13},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::to_string(row.allocated) + " of " + std::to_string(row.elements));
@@ -100,8 +101,13 @@ TEST_F(JobTest, ListenersGetTheMessageIdOfTheOverrideFile) {
     struct {
         const char *version, *lines;
         WPARAM id;
-    } const rows[] = {
-        {nullptr, nullptr, 11}, {"2.5", "", 11}, {"2.5", "MessageID=42", 42}, {"9.9", "MessageID=43", 43}};
+    } const rows[] = {{nullptr, nullptr, 11},
+                      {"2.5", "", 11},
+                      {"2.5", "MessageID=42", 42},
+                      {"9.9", "MessageID=43", 43},
+                      {"2.5", "MessageID=-1", 0xFFFFFFFF},
+                      {"2.5", "MessageID=abc", 0},
+                      {"2.5", "MessageID=12x", 12}};
     for (const auto& row : rows) {
         if (row.version)
             here.write_ini(row.lines, row.version);
@@ -184,40 +190,51 @@ TEST_F(JobTest, EndClearsTheStartRecordForThoseWhoHoldIt) {
 
 TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
     const std::wstring program = here.folder.write(L"app.exe", "x");
-    const auto write_ini = [&](const std::wstring& lines) {
-        ForceDirectories(here.folder.file(L"Roaming\\Corvanta\\Vantrix\\8.0"));
-        here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini", qk::to_utf8(lines));
-    };
     const std::wstring missing = L"[DocStart]\r\nApp=C:\\none.exe\r\n",
                        output = L"[Output]\r\nOutputFolder=C:\\start\\\r\n";
     struct {
         const char* label;
         std::wstring ini;
         bool active;
+        How how = How::kAssigned;
     } const rows[] = {
         {"programs missing", missing + output, false},
         {"a folder is no program", L"[DocEnd]\r\nApp=" + here.folder.path() + L"\r\n" + output, false},
         {"no folder", L"[DocEnd]\r\nApp=" + program + L"\r\n", false},
         {"document end", L"[DocEnd]\r\nApp=" + program + L"\r\n" + output, true},
-        {"page start", L"[PageStart]\r\nApp=" + program + L"\r\n" + output, true},
+        {"page start", L"[PageStart]\r\nApp=" + program + L"\r\n" + output, true, How::kReplaced},
         {"page end", missing + L"[PageEnd]\r\nApp=" + program + L"\r\n" + output, true},
         {"document start", L"[DocStart]\r\nApp=" + program + L"\r\n" + output, true},
         {"cancel is no stage", L"[Cancel]\r\nApp=" + program + L"\r\n" + output, false},
     };
-    std::wstring folder;
-    meddle = [&](dialog_library::WorkingRecord& record) { record.first_value = record.external_record; };
+    // What the library frees is not freed again.
+    static std::vector<void*> freed;
+    static void* heap_free = nullptr;
+    const ImportPatch free("HeapFree",
+                           reinterpret_cast<void*>(+[](HANDLE heap, DWORD flags, void* memory) -> BOOL {
+                               freed.push_back(memory);
+                               return reinterpret_cast<decltype(&HeapFree)>(heap_free)(heap, flags, memory);
+                           }));
+    heap_free = free.original();
+    static void* folder = nullptr;
     script->answer = [](dialog_library::WorkingRecord& record, const wchar_t*, void* context) {
         auto& test = *static_cast<JobTest*>(context);
         test.third = record.output_path.find_text().value_or(L"<unreadable>");
-        put(record.output_path, test.path, How::kInTheLentBuffer);
+        folder = record.output_path.address;
+        put(record.output_path, test.path, test.how);
         return 0;
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
-        write_ini(row.ini);
+        here.write_external_calls(qk::to_utf8(row.ini));
+        how = row.how;
+        freed.clear();
         script->expects_start_folder = row.active;
         ASSERT_EQ(start_job(L"x"), kGood);
         EXPECT_EQ(third, row.active ? L"C:\\start\\" : L"");
+        if (row.active) {
+            EXPECT_EQ(std::ranges::count(freed, folder), row.how == How::kAssigned ? 1 : 0);
+        }
         EXPECT_EQ(StartRecord(block_name(kStartBlockName))->external_record != 0, row.active);
         const OtherSide<pd_tk::TKFileNames> list(pd_tk::file_list_name());
         ASSERT_EQ(static_cast<bool>(list), row.active);
@@ -232,4 +249,51 @@ TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
             EXPECT_FALSE(is_listed());
         }
     }
+}
+
+TEST_F(JobTest, NothingOfAJobStaysWhicheverAllocationFails) {
+    const std::string program = qk::to_utf8(here.folder.write(L"app.exe", "x"));
+    here.write_external_calls("[DocEnd]\r\nApp=" + program + "\r\n[Output]\r\nOutputFolder=C:\\start\\\r\n");
+    here.set_number(HKEY_LOCAL_MACHINE, L"\\Notification", L"Error", 15);
+    script->expects_start_folder = true;
+    use_settings();
+    const auto is_listed = [this] {
+        const OtherSide<pd_tk::TKFileNames> list(pd_tk::file_list_name());
+        return list && std::ranges::any_of(list->names, [&](const wchar_t* name) { return path == name; });
+    };
+    size_t refused = 0;
+    bool failed = true;
+    for (size_t good_ones = 0; failed; ++good_ones) {
+        Left left = {};
+        {
+            const FailingMemory memory(good_ones);
+            left = start_job(L"A document's name");
+            failed = memory.failed();
+        }
+        if (left.result == DOCUMENTEVENT_FAILURE) {
+            ++refused;
+            EXPECT_FALSE(has_state() || is_listed()) << good_ones;
+        }
+        end_job();
+    }
+    EXPECT_GT(refused, 100u);
+    script->misuse[0] = '\0';  // a printer whose name there was no memory for
+
+    failed = true;
+    size_t ended = 0;
+    for (size_t good_ones = 0; failed; ++good_ones) {
+        ASSERT_EQ(start_job(L"A document's name"), kGood);
+        ResultRecord(block_name(kResultBlockName))->error_code = 1;
+        ResultRecord(block_name(kResultBlockName))->win32_error = 5;
+        Left left = {};
+        {
+            const FailingMemory memory(good_ones);
+            left = end_job();
+            failed = memory.failed();
+        }
+        ended += failed;
+        EXPECT_EQ(left, (Left{DOCUMENTEVENT_SUCCESS, 5})) << good_ones;
+        EXPECT_FALSE(has_state() || is_listed()) << good_ones;
+    }
+    EXPECT_GT(ended, 10u);
 }

@@ -102,7 +102,7 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
         if (!row.code)
             continue;
         ++logged;
-        EXPECT_TRUE(trace.holds(qk::format(L"ErrorCode=%d", row.code)));
+        EXPECT_TRUE(trace.holds(qk::format(L"refused: %d", row.code)));
         EXPECT_TRUE(trace.holds(L"mes:not yet implemented"));
         EXPECT_EQ(Outbox::boxes[0].text, message);
         EXPECT_EQ(Outbox::boxes[0].caption, qk::load_string(row.caption) + row.caption_end);

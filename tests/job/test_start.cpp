@@ -34,21 +34,20 @@ TEST_F(JobTest, StartRecordIsRightToTheByte) {
         int result;
         bool resumes;
     } const rows[] = {
-        {"in the lent buffer", L"Report", L"Report", L"C:\\out\\Report.pdf", L"third text",
-         How::kInTheLentBuffer, 0, 0, false},
+        {"assigned", L"Report", L"Report", L"C:\\out\\Report.pdf", L"third text", How::kAssigned, 0, 0,
+         false},
         {"by the library's address", L"Microsoft Word - a", L"a", L"C:\\out\\a longer path.pdf",
          L"a longer text", How::kByOwnAddress, 0, 0, false},
         {"in the field itself", L"Visio-", L"", L"a.pdf", L"1234567", How::kInTheField, 0, 0, false},
         {"title as long as a field", L"1234567", L"1234567", L"b.pdf", L"", How::kInTheField, 0, 0, false},
-        {"title cut", long_name, long_name.substr(0, 259), L"C:\\c.pdf", L"", How::kInTheLentBuffer, 0, 0,
-         false},
-        {"pair at the cut", pair_at_the_cut, pair_at_the_cut.substr(0, 258), L"C:\\d.pdf", L"",
-         How::kInTheLentBuffer, 0, 0, false},
-        {"path and third cut", L"x", L"x", std::wstring(400, L'p'), std::wstring(1000, L't'),
-         How::kInTheLentBuffer, 0, 0, false},
-        {"other result", L"x", L"x", L"C:\\e.pdf", L"3", How::kInTheLentBuffer, 0, 1, true},
-        {"flag", L"x", L"x", L"", L"", How::kInTheLentBuffer, 200, 0, true},
-        {"flag and negative result", L"x", L"x", L"C:\\f.pdf", L"", How::kInTheLentBuffer, 1, -1, true},
+        {"title cut", long_name, long_name.substr(0, 259), L"C:\\c.pdf", L"", How::kAssigned, 0, 0, false},
+        {"pair at the cut", pair_at_the_cut, pair_at_the_cut.substr(0, 259), L"C:\\d.pdf", L"",
+         How::kAssigned, 0, 0, false},
+        {"path and third cut", L"x", L"x", std::wstring(400, L'p'), std::wstring(1000, L't'), How::kAssigned,
+         0, 0, false},
+        {"other result", L"x", L"x", L"C:\\e.pdf", L"3", How::kAssigned, 0, 1, true},
+        {"flag", L"x", L"x", L"", L"", How::kAssigned, 200, 0, true},
+        {"flag and negative result", L"x", L"x", L"C:\\f.pdf", L"", How::kAssigned, 1, -1, true},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
@@ -81,6 +80,7 @@ TEST_F(JobTest, StartRecordIsRightToTheByte) {
         }
         EXPECT_EQ(trace.holds(L"resume"), row.resumes);
         EXPECT_EQ(trace.holds(L"C.1"), !row.resumes);
+        EXPECT_EQ(TraceCapture::records().back().find(L"  <<sd!") != std::wstring::npos, !row.resumes);
         EXPECT_TRUE(trace.holds(row.hand_over ? L"ret=555" : qk::format(L"ret=%d", row.result)));
         EXPECT_EQ(end_job(), kGood);
     }
@@ -265,7 +265,7 @@ TEST_F(JobTest, ForeignBlocksOfTheSameNamesDoNoHarm) {
             EXPECT_STREQ(StartRecord(block_name(kStartBlockName))->title, L"title");
             EXPECT_EQ(*end, '\0') << "what stood there would be taken for a result";
         } else {
-            EXPECT_EQ(left, (Left{DOCUMENTEVENT_FAILURE, ERROR_NOT_ENOUGH_MEMORY}));
+            EXPECT_EQ(left, (Left{DOCUMENTEVENT_FAILURE, ERROR_OUTOFMEMORY}));
         }
         EXPECT_EQ(end_job(), kGood);
     }
@@ -279,7 +279,7 @@ TEST_F(JobTest, WithoutViewsTheJobDoesNotStart) {
                                   return nullptr;
                               }));
     const TraceCapture trace;
-    EXPECT_EQ(start_job(L"x"), (Left{DOCUMENTEVENT_FAILURE, ERROR_NOT_ENOUGH_MEMORY}));
+    EXPECT_EQ(start_job(L"x"), (Left{DOCUMENTEVENT_FAILURE, ERROR_OUTOFMEMORY}));
     EXPECT_TRUE(trace.holds(L"Error@qk::MMF MapViewOfFile:gle=5"));
     EXPECT_FALSE(has_state());
     EXPECT_EQ(end_job(), kGood);

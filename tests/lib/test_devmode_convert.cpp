@@ -230,7 +230,7 @@ TEST(DrvConvertDevMode, ModesAnswerWithSizeAndLastError) {
         {"old, too small", 2, kOwn, kOwn, 223, FALSE, 122, 224, {}},
         {"old, nothing", 2, kOwn, kOwn, 0, FALSE, 122, 224, {}},
         {"old, no target", 2, kOwn, {}, 300, FALSE, 122, 224, {}},
-        {"old, no source", 2, {}, kOwn, 256, FALSE, 87, 224, {}},
+        {"old, no source", 2, {}, kOwn, 256, FALSE, 87, 256, {}},
         {"default", 4, {}, kOwn, 256, TRUE, kNone, 256, kOwn},
         {"default, room to spare", 4, k351, kOwn, 4000, TRUE, kNone, 256, kOwn},
         {"default, 100 bytes", 4, {}, kOwn, 100, FALSE, 122, 256, {}},
@@ -269,8 +269,11 @@ TEST(DrvConvertDevMode, ModesAnswerWithSizeAndLastError) {
     EXPECT_EQ(GetLastError(), 87u);
     DWORD needed = 256;
     std::wstring other = L"no such printer";
-    EXPECT_FALSE(DrvConvertDevMode(other.data(), nullptr, target.get(), &needed, 4));
-    EXPECT_EQ(GetLastError(), 13u);
+    for (wchar_t* const name : {other.data(), static_cast<wchar_t*>(nullptr)}) {
+        SetLastError(0);
+        EXPECT_FALSE(DrvConvertDevMode(name, nullptr, target.get(), &needed, 4));
+        EXPECT_EQ(GetLastError(), 13u);
+    }
     for (const DWORD mode : {1u, 2u, 4u}) {  // the size is a lie
         needed = 256;
         EXPECT_FALSE(DrvConvertDevMode(printer.name.data(), target.get(), small.get(), &needed, mode))

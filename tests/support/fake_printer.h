@@ -70,7 +70,7 @@ private:
     }
 
     static BOOL WINAPI on_open(LPWSTR printer, HANDLE* opened, PRINTER_DEFAULTSW* defaults) {
-        if (!self_->can_open || !printer || self_->name != printer)
+        if (!self_->can_open || (printer && self_->name != printer))  // no name: the print server
             return fail(ERROR_INVALID_PRINTER_NAME);
         ++self_->open_calls;
         self_->open_access = defaults ? defaults->DesiredAccess : 0;

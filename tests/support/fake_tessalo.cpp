@@ -16,13 +16,14 @@ void expect(bool fulfilled, const char* what) {
         std::snprintf(script.misuse, sizeof script.misuse, "%s", what);
 }
 
-void check_lent(const qk::MsWString& text, bool may_hold_text, const char* name) {
-    expect(text.capacity >= dialog_library::kLentUnits - 1, name);
-    expect(text.capacity > qk::MsWString::kInPlace && text.address, name);
-    expect(text.length <= text.capacity && (may_hold_text || text.length == 0), name);
-    if (text.address)
-        std::fill(text.address + text.length + 1, text.address + text.capacity + 1,
-                  L'\0');  // all of it is ours
+void check_text(const qk::MsWString& text, const char* name) {
+    const wchar_t* units = text.capacity > qk::MsWString::kInPlace ? text.address : text.text;
+    expect(text.length <= text.capacity && units && units[text.length] == L'\0', name);
+}
+
+void check_empty(const qk::MsWString& text, const char* name) {
+    const auto* bytes = reinterpret_cast<const char*>(&text);
+    expect(std::all_of(bytes, bytes + sizeof text, [](char byte) { return !byte; }), name);
 }
 
 void check(const WorkingRecord& record) {
@@ -30,11 +31,12 @@ void check(const WorkingRecord& record) {
     expect(
         std::all_of(std::begin(record.padding), std::end(record.padding), [](uint8_t byte) { return !byte; }),
         "padding not clear");
-    const auto& title = record.title;
-    const wchar_t* text = title.capacity > qk::MsWString::kInPlace ? title.address : title.text;
-    expect(title.length <= title.capacity && text && text[title.length] == L'\0', "title not terminated");
-    check_lent(record.output_path, script.expects_start_folder, "path buffer");
-    check_lent(record.third_text, false, "third text's buffer");
+    check_text(record.title, "title not terminated");
+    if (script.expects_start_folder)
+        check_text(record.output_path, "start folder not terminated");
+    else
+        check_empty(record.output_path, "path not clear");
+    check_empty(record.third_text, "third text not clear");
     expect(record.settings != nullptr, "no settings");
     expect(record.first_value == 0 && record.second_value == 0 && record.third_value == 0,
            "values not clear");

@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <shlobj.h>
+
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -75,6 +77,7 @@ private:
 };
 
 struct Installation {
+    static constexpr wchar_t kExternalCalls[] = L"Profile\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini";
     static constexpr wchar_t kKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0";
 
     Installation()
@@ -84,9 +87,12 @@ struct Installation {
                                              L"tester " + std::to_wstring(GetCurrentProcessId()));
                         *units = static_cast<DWORD>(wcslen(buffer)) + 1;
                         return TRUE;
-                    })) {
-        for (const wchar_t* sub :
-             {L"Settings\\legacy", L"CustomSettings", L"Dunmere\\Vantrix2", L"Roaming", L"out"})
+                    })),
+          default_folder("SHGetFolderPathW", reinterpret_cast<void*>(&on_folder)) {
+        profile_folder = folder.file(L"Profile");
+        original_folder = default_folder.original();
+        for (const wchar_t* sub : {L"Settings\\legacy", L"CustomSettings", L"Dunmere\\Vantrix2", L"Roaming",
+                                   L"Profile\\Corvanta\\Vantrix\\8.0", L"out"})
             ForceDirectories(folder.file(sub));
         machine.set_text(kKey, L"PdfDllPath", folder.path() + L"\\");
         machine.set_text(L"SOFTWARE\\Dunmere\\Common\\SpecialFolder", L"CSIDL_COMMON_DOCUMENTS",
@@ -101,6 +107,10 @@ struct Installation {
     void write_ini(std::string_view lines, std::string_view version = "2.5") const {
         folder.write(L"Dunmere\\Vantrix2\\DunmereVantrix.ini",
                      "[Vantrix]\r\nIniVersion=" + std::string(version) + "\r\n" + std::string(lines));
+    }
+    // The ini file of the external programs.
+    void write_external_calls(std::string_view lines) const {
+        folder.write(kExternalCalls, std::string(lines));
     }
     // A file of the build beside the test program.
     static std::wstring built(std::wstring_view name) {
@@ -118,4 +128,17 @@ struct Installation {
     FakePrinter printer;
     Outbox outbox;
     ImportPatch user_name;
+    ImportPatch default_folder;
+
+private:
+    // The roaming folder by default, which no registry moves; the user's own is "Roaming".
+    static HRESULT WINAPI on_folder(HWND window, int id, HANDLE token, DWORD type, wchar_t* path) {
+        if (id != CSIDL_APPDATA || type != SHGFP_TYPE_DEFAULT)
+            return reinterpret_cast<decltype(&SHGetFolderPathW)>(original_folder)(window, id, token, type,
+                                                                                  path);
+        qk::copy_zero_padded(path, MAX_PATH, profile_folder);
+        return S_OK;
+    }
+    static inline std::wstring profile_folder;
+    static inline void* original_folder = nullptr;
 };

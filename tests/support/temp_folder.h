@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -86,4 +87,19 @@ private:
     }
 
     std::wstring path_;
+};
+
+// The program's current folder while it lives.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const std::wstring& folder) {
+        GetCurrentDirectoryW(static_cast<DWORD>(std::size(before_)), before_);
+        SetCurrentDirectoryW(folder.c_str());
+    }
+    ~CurrentFolder() { SetCurrentDirectoryW(before_); }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+
+private:
+    wchar_t before_[MAX_PATH] = {};
 };

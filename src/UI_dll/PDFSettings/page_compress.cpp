@@ -95,6 +95,7 @@ void enable_image(HWND page, const ImageControls& image) {
 }
 
 void dlg_enable_Compress(HWND page) {
+    TRACE("dlg_enable_Compress");
     for (const ImageControls& image : kImages)
         enable_image(page, image);
     SetDlgItemTextW(page, IDC_CMP_NOTE, dialog_text(IDS_CMP_NOTE_COLOUR + read_color_mode()).c_str());
@@ -117,6 +118,7 @@ void dlg_setactive_Compress(HWND page) {
 }
 
 void dlg_command_Compress(HWND page, int control, int notification) {
+    TRACE("dlg_command_Compress");
     if (notification != CBN_SELCHANGE)
         return;
     for (const ImageControls& image : kImages)

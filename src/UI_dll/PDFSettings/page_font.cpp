@@ -205,6 +205,7 @@ INT_PTR on_message(HWND page, UINT message, WPARAM /*wparam*/, LPARAM lparam) {
 // --- The page ---
 
 void dlg_setactive_Font(HWND page) {
+    TRACE("dlg_setactive_Font");
     const bool decided = standard_decides(page);
     enable(page, kChoices, !decided);
     enable_buttons(page);

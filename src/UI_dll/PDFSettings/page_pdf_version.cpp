@@ -131,6 +131,7 @@ void store_condition(HWND page, Setting& setting) {
 // --- The page ---
 
 void dlg_enable_PDFVersion(HWND page) {
+    TRACE("dlg_enable_PDFVersion");
     const uint32_t version = selected_version(page);
     SetDlgItemTextW(page, IDC_PV_NOTE, dialog_text(version_note(version)).c_str());
     enable(page,
@@ -184,6 +185,7 @@ void version_changed(HWND page) {
 }
 
 void dlg_callback_PDFVersion(HWND page, int control, int notification) {
+    TRACE("dlg_callback_PDFVersion");
     if (control == IDC_PV_VERSION && notification == CBN_SELCHANGE)
         version_changed(page);
     else if (control == IDC_PV_PROFILE && notification == CBN_SELCHANGE)

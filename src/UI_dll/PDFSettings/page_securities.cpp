@@ -136,6 +136,7 @@ void dlg_setactive_Securities(HWND page) {
 }
 
 void dlg_command_Securities(HWND page, int control, int notification) {
+    TRACE("dlg_command_Securities");
     if (notification != BN_CLICKED)
         return;
     auto& helper = page_helper<SecurityHelper>(kSecuritiesPage);

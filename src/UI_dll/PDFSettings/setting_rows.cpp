@@ -30,6 +30,7 @@ SettingEntry* entry_at(HWND list, int row) {
 }
 
 void PSFilesToListView(HWND list, const std::vector<SettingEntry>& entries) {
+    TRACE("PSFilesToListView");
     for (const SettingEntry& entry : entries) {
         std::wstring text(cut(entry.name, kRowUnits));
         auto copy = std::make_unique<SettingEntry>(entry);
@@ -126,6 +127,7 @@ int selected_row(HWND page) {
 }
 
 bool IsCurrentItemEditable(HWND page) {
+    TRACE("IsCurrentItemEditable");
     const HWND list = find_list(page);
     const SettingEntry* entry = list ? entry_at(list, selected_row(page)) : nullptr;
     return entry && entry->kind == SettingEntry::kOwn;
