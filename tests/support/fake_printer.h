@@ -5,9 +5,11 @@
 #include <windows.h>
 #include <winspool.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -46,6 +48,7 @@ public:
     std::function<void()> while_telling;
     std::atomic<int> get_calls = 0;
     std::atomic<int> forms_calls = 0;
+    bool forms_buffer_was_clear = true;
     std::atomic<int> open_calls = 0;
     std::atomic<int> open_handles = 0;
     DWORD open_access = 0;
@@ -116,8 +119,13 @@ private:
         *needed = static_cast<DWORD>(forms.size() * sizeof(FORM_INFO_1W) + 8);
         if (!buffer && self_->failing_forms_call == 1)
             return fail(ERROR_INVALID_HANDLE);
-        if (size < *needed)
+        if (size < *needed) {
+            const std::unique_ptr<BYTE[]> used(
+                new BYTE[*needed]);  // what the next one of that size is made of
+            std::fill_n(static_cast<volatile BYTE*>(used.get()), *needed, BYTE{0xEE});
             return fail(ERROR_INSUFFICIENT_BUFFER);
+        }
+        self_->forms_buffer_was_clear &= std::all_of(buffer, buffer + size, [](BYTE byte) { return !byte; });
         if (self_->failing_forms_call == 2)
             return fail(ERROR_NOT_READY);
         auto* form = reinterpret_cast<FORM_INFO_1W*>(buffer);
