@@ -3,16 +3,14 @@ add_library(zr_compstui_core STATIC
     compstui/group.cpp
     compstui/node.cpp
     compstui/option_item.cpp
-    compstui/option_tree.cpp
+    compstui/option_list.cpp
     compstui/option_view.cpp
     compstui/page.cpp
     compstui/page_template.cpp
     compstui/sheet.cpp
     compstui/sheet_functions.cpp
     compstui/sheet_size.cpp
-    compstui/strings.cpp
-    compstui/value_pane.cpp
-    compstui/value_reading.cpp)
+    compstui/strings.cpp)
 target_link_libraries(zr_compstui_core PUBLIC zr_ui_core comctl32)
 
 add_library(compstui SHARED compstui/compstui.cpp compstui/compstui.def)

@@ -22,6 +22,13 @@
 #define IDI_SHEET 4393
 #define IDD_OPTIONS 7100
 
+// The option page's list-box item: its controls follow one another, in the order that the property-sheet
+// service gives them.
+#define IDC_OPTION_ITEM 8020
+#define IDC_OPTION_TITLE 8021
+#define IDC_OPTION_LIST 8022
+#define IDC_OPTION_ICON 8023
+
 // The settings page.
 #define IDD_SETTINGS 370
 #define IDC_SETTINGS_LIST 7102

@@ -14,17 +14,15 @@ namespace compstui {
 
 namespace {
 
-constexpr ULONG_PTR kLastStandardSet = 4;  // CPSUI_PDLGPAGE_TREEVIEWONLY
-
-bool is_standard(WORD template_id) noexcept {
-    return template_id >= DP_STD_RESERVED_START;
+bool is_standard(const DLGPAGE& page) noexcept {
+    return !(page.Flags & DPF_USE_HDLGTEMPLATE) && page.DlgTemplateID >= DP_STD_RESERVED_START;
 }
 
 // The dialog template that a caller's page means; null when its library has none of that number.
 const DLGTEMPLATE* find_page_template(const DLGPAGE& page, HINSTANCE instance) noexcept {
     if (page.Flags & DPF_USE_HDLGTEMPLATE)
         return static_cast<const DLGTEMPLATE*>(page.hDlgTemplate ? LockResource(page.hDlgTemplate) : nullptr);
-    if (is_standard(page.DlgTemplateID))
+    if (is_standard(page))
         return plain_page_template();
     return find_template(instance, MAKEINTRESOURCEW(page.DlgTemplateID));
 }
@@ -35,31 +33,43 @@ std::span<OPTITEM> GroupNode::items() const noexcept {
     return {description_.pOptItem, description_.cOptItem};
 }
 
-HINSTANCE GroupNode::instance_of(const OPTITEM& item) const noexcept {
-    const bool extended = (item.Flags & OPTIF_HAS_POIEXT) && qk::is_readable(item.pOIExt, sizeof(OIEXT));
-    return extended && item.pOIExt->hInstCaller ? item.pOIExt->hInstCaller : description_.hInstCaller;
-}
-
-bool GroupNode::lists(size_t index, const OPTITEM& item) const noexcept {
-    return !(item.Flags & OPTIF_HIDE) && (tree_only_ || item.DlgPageIdx == index);
-}
-
-LONG GroupNode::notify(HWND page, WORD reason, OPTITEM* item, LPARAM old_value, _CPSUICALLBACK other) const {
-    const _CPSUICALLBACK callback = other ? other : description_.pfnCallBack;
-    if (!callback)
-        return CPSUICB_ACTION_NONE;
+CPSUICBPARAM GroupNode::callback_parameter(HWND page, WORD reason) const {
     CPSUICBPARAM told = {};
     told.cbSize = sizeof told;
     told.Reason = reason;
     told.hDlg = page;
-    told.pOptItem = description_.pOptItem;
+    told.pOptItem = told.pCurItem = description_.pOptItem;
     told.cOptItem = description_.cOptItem;
-    told.Flags = may_update() ? CPSUIF_UPDATE_PERMISSION : 0;
-    told.pCurItem = item ? item : description_.pOptItem;
-    told.pOldSel = reinterpret_cast<wchar_t*>(old_value);
+    told.Flags = description_.Flags;
     told.UserData = description_.UserData;
     told.Result = CPSUI_OK;
-    return callback(&told);
+    return told;
+}
+
+LONG GroupNode::notify(HWND page, WORD reason, OPTITEM* item, LONG old) {
+    if (!description_.pfnCallBack)
+        return CPSUICB_ACTION_NONE;
+    CPSUICBPARAM told = callback_parameter(page, reason);
+    told.pCurItem = item;
+    told.OldSel = old;
+    return description_.pfnCallBack(&told);
+}
+
+void GroupNode::notify_activity(HWND page, WORD reason) {
+    if (!description_.pfnCallBack)
+        return;
+    CPSUICBPARAM told = callback_parameter(page, reason);
+    told.pOldSel = reinterpret_cast<wchar_t*>(&description_);
+    description_.pfnCallBack(&told);
+}
+
+bool GroupNode::apply(HWND page) {
+    CPSUICBPARAM told = callback_parameter(page, CPSUICB_REASON_APPLYNOW);
+    told.OldSel = -1;
+    if (description_.pfnCallBack && description_.pfnCallBack(&told) == CPSUICB_ACTION_NO_APPLY_EXIT)
+        return false;
+    sheet.hand_up(*this, static_cast<LRESULT>(told.Result));
+    return true;
 }
 
 LONG GroupNode::check() const {
@@ -69,10 +79,6 @@ LONG GroupNode::check() const {
         return ERR_CPSUI_NULL_HINST;
     if (!description_.pCallerName)
         return ERR_CPSUI_NULL_CALLERNAME;
-    if (!description_.pDlgPage)
-        return ERR_CPSUI_INVALID_PDLGPAGE;
-    if (tree_only_)
-        return check_items(items(), 1);
     if (description_.cDlgPage > MAX_DLGPAGE_COUNT)
         return ERR_CPSUI_TOO_MANY_DLGPAGES;
     if (description_.cDlgPage == 0 ||
@@ -88,18 +94,8 @@ LONG GroupNode::check() const {
 LONG GroupNode::make_pages(const COMPROPSHEETUI& description) {
     if (!qk::try_copy(&description_, &description, sizeof description_))
         return ERR_CPSUI_INVALID_PDATA;
-    const auto set = reinterpret_cast<ULONG_PTR>(description_.pDlgPage);
-    tree_only_ = set != 0 && set <= kLastStandardSet;
     if (const LONG wrong = check(); wrong < 0)
         return wrong;
-    if (tree_only_) {
-        DLGPAGE page = {};
-        page.cbSize = sizeof page;
-        page.pTabName = MAKEINTRESOURCEW(IDS_CPSUI_ADVANCED);
-        page.DlgTemplateID = DP_STD_TREEVIEWPAGE;
-        const LONG made = make_page(page, 0);
-        return made < 0 ? made : 1;
-    }
     for (size_t i = 0; i < description_.cDlgPage; ++i) {
         if (const LONG wrong = make_page(description_.pDlgPage[i], i); wrong < 0)
             return wrong;
@@ -126,13 +122,10 @@ LONG GroupNode::make_page(const DLGPAGE& page, size_t index) {
         shown.dwFlags |= PSP_USEICONID;
         shown.pszIcon = MAKEINTRESOURCEW(page.IconID);
     }
-    if (const auto& activation = function_of(*this).activation) {
-        shown.dwFlags |= PSP_USEFUSIONCONTEXT;
-        shown.hActCtx = activation.get();
-    }
     auto made = std::make_unique<PageNode>(sheet, this);
     made->group = this;
     made->index = index;
+    made->is_standard = is_standard(page);
     if (!made->try_create(shown, text_of(page.pTabName, instance)))
         return ERR_CPSUI_CREATEPROPPAGE_FAILED;
     children.push_back(std::move(made));

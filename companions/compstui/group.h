@@ -19,32 +19,32 @@ public:
     [[nodiscard]] std::span<OPTITEM> items() const noexcept;
     [[nodiscard]] bool may_update() const noexcept { return description_.Flags & CPSUIF_UPDATE_PERMISSION; }
 
-    // The library whose resources the numbers in `item` mean.
-    [[nodiscard]] HINSTANCE instance_of(const OPTITEM& item) const noexcept;
+    [[nodiscard]] HINSTANCE instance() const noexcept { return description_.hInstCaller; }
 
     // Whether the page `index` lists `item`.
-    [[nodiscard]] bool lists(size_t index, const OPTITEM& item) const noexcept;
-
-    // Tells the group's callback of something; what it asks for (CPSUICB_ACTION_*). `item` is the one it is
-    // about, by default the first; `old_value` what it was before (OldSel or pOldSel). `other`, when given,
-    // is called in place of the group's callback.
-    LONG notify(HWND page, WORD reason, OPTITEM* item = nullptr, LPARAM old_value = 0,
-                _CPSUICALLBACK other = nullptr) const;
-
-    // The user pressed OK or Apply; false when the callback keeps the sheet open.
-    [[nodiscard]] bool apply(HWND page) const {
-        return notify(page, CPSUICB_REASON_APPLYNOW) != CPSUICB_ACTION_NO_APPLY_EXIT;
+    [[nodiscard]] static bool lists(size_t index, const OPTITEM& item) noexcept {
+        return !(item.Flags & OPTIF_HIDE) && item.DlgPageIdx == index;
     }
 
-    HWND lead = nullptr;         // the first page shown: it speaks for the group
-    bool ignores_apply = false;  // CPSFUNC_IGNORE_CPSUI_PSN_APPLY
+    // Tells the group's callback of something; what it asks for (CPSUICB_ACTION_*). `item` is the one it is
+    // about and `old` its value before.
+    LONG notify(HWND page, WORD reason, OPTITEM* item, LONG old);
+
+    // A page becomes the active one or is left.
+    void notify_activity(HWND page, WORD reason);
+
+    // The user pressed OK or Apply: the callback may change what the functions above are told. False when it
+    // keeps the sheet open.
+    [[nodiscard]] bool apply(HWND page);
+
+    HWND lead = nullptr;  // the first page shown: it speaks for the group
 
 private:
     [[nodiscard]] LONG check() const;
+    [[nodiscard]] CPSUICBPARAM callback_parameter(HWND page, WORD reason) const;
     [[nodiscard]] LONG make_page(const DLGPAGE& page, size_t index);
 
     COMPROPSHEETUI description_ = {};
-    bool tree_only_ = false;  // one page of the host's own lists every item
 };
 
 }  // namespace compstui

@@ -16,20 +16,16 @@ static_assert(sizeof(OPTTYPE) == 48 && sizeof(OPTPARAM) == 48 && sizeof(PSPINFO)
 
 namespace compstui {
 
-inline constexpr WORD kReasonBeforeInit = 5;        // PROPSHEETUI_REASON_BEFORE_INIT
-inline constexpr DWORD kLargestPage = 104;          // PROPSHEETPAGEW with the header's bitmap
-inline constexpr LPARAM kDestroyedAfterInit = 256;  // DESTROY's parameter; 0 when INIT has failed
+inline constexpr WORD kReasonBeforeInit = 5;  // PROPSHEETUI_REASON_BEFORE_INIT
+inline constexpr DWORD kLargestPage = 104;    // PROPSHEETPAGEW with the header's bitmap
+inline constexpr LPARAM kLeftByButton = 1;    // DESTROY's parameter after OK and Cancel; else 0
 
-// Control ids of an option page. A template may carry the first two; what it lacks is created.
-inline constexpr int kOptionTree = 8000;   // a tree view that lists the items
-inline constexpr int kOptionFrame = 8001;  // a group box around the chosen item's value
-inline constexpr int kOptionLabel = 8002;
-inline constexpr int kOptionValue = 8003;  // edit, list, combo, track bar, scroll bar, button or check box
-inline constexpr int kOptionArrow = 8004;
-inline constexpr int kOptionExtra = 8005;  // the extended check box or push button
-inline constexpr int kOptionLow = 8006;    // the texts at the ends of a range
-inline constexpr int kOptionHigh = 8007;
-inline constexpr int kOptionRadio = 8008;  // and the next ones, one per state
+// Controls of the host's own page: a tree view of the items, and the chosen one's list below it.
+inline constexpr int kOptionTree = 8000;
+inline constexpr int kOptionList = 8001;
+
+// What a list-box item needs on a page, by number from OPTTYPE's BegCtrlID on.
+enum ListControl { kListFrame, kListTitle, kListBox, kListIcon };
 
 // Calls `inner`; an exception becomes `failure` and last error 14 (no memory) or 31 (anything else).
 template <class Result, class Inner>

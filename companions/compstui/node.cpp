@@ -47,15 +47,6 @@ LONG FunctionNode::call(WORD reason, LPARAM parameter) {
     return function_(&info, parameter);
 }
 
-LONG FunctionNode::take_result(HANDLE child, LRESULT result) {
-    has_result = true;
-    SETRESULT_INFO taken = {};
-    taken.cbSize = sizeof taken;
-    taken.hSetResult = child;
-    taken.Result = result;
-    return call(PROPSHEETUI_REASON_SET_RESULT, reinterpret_cast<LPARAM>(&taken));
-}
-
 FunctionNode& function_of(Node& node) noexcept {
     Node* at = &node;
     while (at->kind != NodeKind::function)

@@ -52,13 +52,7 @@ public:
     // Calls the function with a reason; its answer.
     LONG call(WORD reason, LPARAM parameter);
 
-    // Hands a child's result to the function; its answer, more than 0 when it took it.
-    LONG take_result(HANDLE child, LRESULT result);
-
     PROPSHEETUI_INFO info = {};
-    bool initialised = false;
-    qk::ActivationContext activation;  // CPSFUNC_SET_FUSION_CONTEXT
-    bool has_result = false;           // somebody has handed it one
 
 private:
     PFNPROPSHEETUI function_;

@@ -16,11 +16,6 @@ namespace {
 // Dialog procedures use DWLP_USER and the window's user data as they like; a property is out of their way.
 constexpr wchar_t kProperty[] = L"compstui page";
 
-// Posted by a page that has applied its values: the results are due once every page has.
-UINT applied_message() noexcept {
-    return RegisterWindowMessageW(L"compstui applied");
-}
-
 }  // namespace
 
 PageNode::PageNode(Sheet& its_sheet, Node* its_parent) noexcept
@@ -72,7 +67,7 @@ const DLGTEMPLATE* PageNode::find_template() const noexcept {
     const auto& seen = *reinterpret_cast<const PROPSHEETPAGEW*>(seen_);
     if (seen.dwFlags & PSP_DLGINDIRECT)
         return seen.pResource;
-    return seen.dwSize != 0 ? compstui::find_template(seen.hInstance, seen.pszTemplate) : nullptr;
+    return compstui::find_template(seen.hInstance, seen.pszTemplate);
 }
 
 PageNode* PageNode::of(HWND window) noexcept {
@@ -101,17 +96,12 @@ INT_PTR PageNode::initialise(HWND window, WPARAM focus) {
     INT_PTR handled = FALSE;
     if (procedure_)
         handled = procedure_(window, WM_INITDIALOG, focus, reinterpret_cast<LPARAM>(seen_));
-    // A procedure that takes the dialog over fills it itself, unless its template asks for the items.
-    if (group && (!handled || GetDlgItem(window, kOptionTree)))
-        options_ = OptionView::create(window, *group, index);
+    if (group && !handled)
+        options_ = std::make_unique<OptionView>(window, *group, index, is_standard);
     return procedure_ ? handled : TRUE;
 }
 
 INT_PTR PageNode::answer(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message == applied_message()) {
-        sheet.applied();
-        return TRUE;
-    }
     INT_PTR handled = procedure_ ? procedure_(window, message, wparam, lparam) : FALSE;
     if (message == WM_NOTIFY)
         return answer_notification(window, *reinterpret_cast<const NMHDR*>(lparam), handled);
@@ -125,36 +115,27 @@ INT_PTR PageNode::answer(HWND window, UINT message, WPARAM wparam, LPARAM lparam
     return !handled && options_ ? options_->answer(message, wparam, lparam) : handled;
 }
 
+// What the caller's procedure has handled is the caller's alone.
 INT_PTR PageNode::answer_notification(HWND window, const NMHDR& notification, INT_PTR handled) {
-    if (!handled && options_ && options_->answer_notification(notification))
+    if (handled || !group)
+        return handled;
+    if (options_ && options_->answer_notification(notification))
         return TRUE;
     switch (notification.code) {
-        case PSN_APPLY:
-            if (!handled)
-                SetWindowLongPtrW(window, DWLP_MSGRESULT, PSNRET_NOERROR);
-            if (GetWindowLongPtrW(window, DWLP_MSGRESULT) == PSNRET_NOERROR)
-                after_apply(window, notification);
+        case PSN_APPLY: {
+            const bool good = group->lead != window || group->apply(window);
+            SetWindowLongPtrW(window, DWLP_MSGRESULT, good ? PSNRET_NOERROR : PSNRET_INVALID_NOCHANGEPAGE);
             return TRUE;
+        }
         case PSN_SETACTIVE:
+            group->notify_activity(window, CPSUICB_REASON_SETACTIVE);
+            return FALSE;
         case PSN_KILLACTIVE:
-            if (group)
-                group->notify(window, notification.code == PSN_SETACTIVE ? CPSUICB_REASON_SETACTIVE
-                                                                         : CPSUICB_REASON_KILLACTIVE);
-            return handled;
+            group->notify_activity(window, CPSUICB_REASON_KILLACTIVE);
+            return FALSE;
         default:
-            return handled;
+            return FALSE;
     }
-}
-
-void PageNode::after_apply(HWND window, const NMHDR& notification) {
-    if (group && !group->ignores_apply && group->lead == window && !group->apply(window)) {
-        SetWindowLongPtrW(window, DWLP_MSGRESULT, PSNRET_INVALID_NOCHANGEPAGE);
-        return;
-    }
-    // OK closes the sheet and the results are handed over then; Apply leaves it open.
-    const bool closes = reinterpret_cast<const PSHNOTIFY&>(notification).lParam != FALSE;
-    if (!closes && !sheet.apply_pending)
-        sheet.apply_pending = PostMessageW(window, applied_message(), 0, 0) != FALSE;
 }
 
 ULONG_PTR page_user_data(HWND window) noexcept {

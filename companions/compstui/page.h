@@ -3,7 +3,6 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "companions/compstui/node.h"
 
@@ -22,13 +21,9 @@ public:
     // page cannot be made. `title`, when not empty, replaces the description's.
     [[nodiscard]] bool try_create(const PROPSHEETPAGEW& description, std::wstring title = {});
 
-    // A page that the caller has made; it belongs to the host from now on.
-    void adopt(HPROPSHEETPAGE page) noexcept { property_page_ = page; }
-
     [[nodiscard]] HPROPSHEETPAGE property_page() const noexcept { return property_page_; }
 
-    // The page's dialog template; null for a page that the caller has made, and for a number that its library
-    // has no template of.
+    // The page's dialog template; null for a number that its library has no template of.
     [[nodiscard]] const DLGTEMPLATE* find_template() const noexcept;
     [[nodiscard]] HINSTANCE instance() const noexcept;
 
@@ -36,8 +31,8 @@ public:
     void give_up_property_page() noexcept { property_page_ = nullptr; }
 
     ULONG_PTR user_data = 0;
-    std::vector<BYTE> data_block;
     size_t index = 0;            // of a group's page: its place in the group
+    bool is_standard = false;    // of a group's page: the host's own, with a tree of the items
     GroupNode* group = nullptr;  // of a group's page
 
 private:
@@ -51,7 +46,6 @@ private:
     INT_PTR initialise(HWND window, WPARAM focus);
     INT_PTR answer(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
     INT_PTR answer_notification(HWND window, const NMHDR& notification, INT_PTR handled);
-    void after_apply(HWND window, const NMHDR& notification);
 
     // The caller's page as its procedure gets to see it, PSPINFO behind its last byte.
     alignas(8) BYTE seen_[kLargestPage + sizeof(PSPINFO)] = {};

@@ -21,13 +21,12 @@ int depth_of(const Node* node) noexcept {
     return depth;
 }
 
-bool start(FunctionNode& function, LONG& answer) {
-    const LPARAM parameter = function.info.lParamInit;
-    // The answer to this reason counts for nothing: functions that do not know it refuse it.
-    function.call(kReasonBeforeInit, parameter);
-    answer = function.call(PROPSHEETUI_REASON_INIT, parameter);
-    function.initialised = answer > 0;
-    return function.initialised;
+PROPSHEETUI_INFO_HEADER fresh_header(HWND owner) noexcept {
+    PROPSHEETUI_INFO_HEADER header = {};
+    header.cbSize = sizeof header;
+    header.Flags = PSUIHDRF_PROPTITLE;
+    header.hWndParent = owner;
+    return header;
 }
 
 // Asks `function` for the sheet's header. One that only adds somebody else's function, as the print system's
@@ -38,9 +37,7 @@ bool try_fill_header(FunctionNode& function, PROPSHEETUI_INFO_HEADER& header) {
     for (const auto& child : function.children) {
         if (header.pTitle)
             break;
-        PROPSHEETUI_INFO_HEADER below = {};
-        below.cbSize = sizeof below;
-        below.hWndParent = header.hWndParent;
+        PROPSHEETUI_INFO_HEADER below = fresh_header(header.hWndParent);
         if (child->kind == NodeKind::function && try_fill_header(static_cast<FunctionNode&>(*child), below) &&
             below.pTitle)
             header = below;
@@ -73,36 +70,33 @@ DWORD sheet_flags(const PROPSHEETUI_INFO_HEADER& header) noexcept {
 LONG Sheet::run(HWND owner, PFNPROPSHEETUI function, LPARAM parameter, DWORD* result) {
     root_ = std::make_unique<FunctionNode>(*this, nullptr, function, parameter);
     LONG status = ERR_CPSUI_GETLASTERROR;
-    try {
-        if (start(*root_, status))
-            status = show(owner);
-        else if (status == 0)
-            status = ERR_CPSUI_GETLASTERROR;
-    } catch (...) {
+    const auto end = [&] {
         qk::LastErrorKeeper keep;
         destroying_ = true;
-        destroy(*root_);
+        destroy(*root_, status >= 0 ? kLeftByButton : 0);
+    };
+    try {
+        // Only the root is told, and its answer counts for nothing: functions that do not know it refuse it.
+        root_->call(kReasonBeforeInit, parameter);
+        const LONG answer = root_->call(PROPSHEETUI_REASON_INIT, parameter);
+        if (answer > 0)
+            status = show(owner);
+        else if (answer < 0)
+            status = answer;
+    } catch (...) {
+        status = ERR_CPSUI_GETLASTERROR;
+        end();
         throw;
     }
     if (status >= 0 && result)
         *result = static_cast<DWORD>(root_->info.Result);
-    qk::LastErrorKeeper keep;
-    destroying_ = true;
-    destroy(*root_);
+    end();
     return status;
 }
 
 LONG Sheet::show(HWND owner) {
-    PROPSHEETUI_INFO_HEADER header = {};
-    header.cbSize = sizeof header;
-    header.hWndParent = owner;
-    if (!try_fill_header(*root_, header))
-        return ERR_CPSUI_GETLASTERROR;
-    const LONG left = show_pages(header);
-    // What Apply has written down and nobody has handed over yet counts even when Cancel follows at once.
-    if (left > CPSUI_CANCEL || (left == CPSUI_CANCEL && apply_pending))
-        settle(*root_, std::max<LONG>(left, CPSUI_OK));
-    return left == CPSUI_CANCEL && (was_applied_ || apply_pending) ? CPSUI_OK : left;
+    PROPSHEETUI_INFO_HEADER header = fresh_header(owner);
+    return try_fill_header(*root_, header) ? show_pages(header) : ERR_CPSUI_GETLASTERROR;
 }
 
 LONG Sheet::show_pages(const PROPSHEETUI_INFO_HEADER& header) {
@@ -147,8 +141,7 @@ FunctionNode* Sheet::add_function(FunctionNode& parent, PFNPROPSHEETUI function,
         return nullptr;
     auto* added = new FunctionNode(*this, &parent, function, parameter);
     parent.children.emplace_back(added);
-    LONG answer = 0;
-    if (start(*added, answer))
+    if (added->call(PROPSHEETUI_REASON_INIT, parameter) > 0)
         return added;
     qk::LastErrorKeeper keep;
     static_cast<void>(try_remove(*added));
@@ -159,7 +152,7 @@ bool Sheet::try_remove(Node& node) {
     if (!node.parent || !can_change())
         return false;
     destroying_ = true;
-    destroy(node);
+    destroy(node, 0);
     destroying_ = false;
     auto& siblings = node.parent->children;
     const auto at = std::find_if(siblings.begin(), siblings.end(),
@@ -176,57 +169,27 @@ bool Sheet::has_room() const {
 }
 
 int Sheet::hand_up(Node& from, LRESULT result) {
-    int taken = 0;
-    Node* child = &from;
-    while (child->parent) {
-        FunctionNode& function = function_of(*child->parent);
-        // A page of a group speaks for the group: that is the handle its function knows.
-        Node* speaker = child;
-        while (speaker->parent != &function)
-            speaker = speaker->parent;
-        if (function.take_result(speaker->handle(), result) <= 0)
+    SETRESULT_INFO told = {};
+    told.cbSize = sizeof told;
+    told.hSetResult = from.handle();
+    told.Result = result;
+    int asked = 0;
+    for (Node* at = &from; at; at = at->parent) {
+        if (at->kind != NodeKind::function)
+            continue;
+        ++asked;
+        auto& function = static_cast<FunctionNode&>(*at);
+        if (function.call(PROPSHEETUI_REASON_SET_RESULT, reinterpret_cast<LPARAM>(&told)) <= 0)
             break;
-        ++taken;
-        result = static_cast<LRESULT>(function.info.Result);
-        child = &function;
     }
-    return taken;
+    return asked;
 }
 
-void Sheet::settle(FunctionNode& function, LRESULT result) {
-    Node* plain_page = nullptr;
-    bool spoken_for = function.has_result;
-    for (const auto& child : function.children) {
-        if (child->kind == NodeKind::function) {
-            auto& below = static_cast<FunctionNode&>(*child);
-            settle(below, result);
-            function.take_result(child->handle(), static_cast<LRESULT>(below.info.Result));
-            spoken_for = true;
-        } else if (child->kind == NodeKind::group) {
-            function.take_result(child->handle(), result);
-            spoken_for = true;
-        } else if (!plain_page) {
-            plain_page = child.get();
-        }
-    }
-    // Pages that stand alone set their results themselves; where none did, the first one tells of the OK.
-    if (!spoken_for && plain_page)
-        function.take_result(plain_page->handle(), result);
-}
-
-void Sheet::applied() {
-    apply_pending = false;
-    was_applied_ = true;
-    settle(*root_, CPSUI_OK);
-}
-
-void Sheet::destroy(Node& node) {
+void Sheet::destroy(Node& node, LPARAM how_left) {
     for (size_t i = node.children.size(); i-- > 0;)
-        destroy(*node.children[i]);
-    if (node.kind != NodeKind::function)
-        return;
-    auto& function = static_cast<FunctionNode&>(node);
-    function.call(PROPSHEETUI_REASON_DESTROY, function.initialised ? kDestroyedAfterInit : 0);
+        destroy(*node.children[i], how_left);
+    if (node.kind == NodeKind::function)
+        static_cast<FunctionNode&>(node).call(PROPSHEETUI_REASON_DESTROY, how_left);
 }
 
 LONG show_sheet(HWND owner, PFNPROPSHEETUI function, LPARAM parameter, DWORD* result) noexcept {
@@ -235,9 +198,8 @@ LONG show_sheet(HWND owner, PFNPROPSHEETUI function, LPARAM parameter, DWORD* re
     if (!function)
         return failed<LONG>(ERROR_INVALID_PARAMETER, ERR_CPSUI_INVALID_PDATA);
     return guarded<LONG>(ERR_CPSUI_ALLOCMEM_FAILED, [&] {
-        constexpr INITCOMMONCONTROLSEX kControls = {sizeof kControls, ICC_TREEVIEW_CLASSES | ICC_TAB_CLASSES |
-                                                                          ICC_UPDOWN_CLASS | ICC_BAR_CLASSES |
-                                                                          ICC_STANDARD_CLASSES};
+        constexpr INITCOMMONCONTROLSEX kControls = {
+            sizeof kControls, ICC_TREEVIEW_CLASSES | ICC_TAB_CLASSES | ICC_STANDARD_CLASSES};
         InitCommonControlsEx(&kControls);
         return Sheet().run(owner, function, parameter, result);
     });

@@ -21,12 +21,9 @@ public:
     // Takes `node` and what is below it out of the sheet; functions are told. The root stays.
     [[nodiscard]] bool try_remove(Node& node);
 
-    // Hands `result` to the functions that stand over the group or page `from`, each one's own result to the
-    // next, as long as they take it. The number of functions that did.
+    // Hands `result` for the page or group `from` to the function that it belongs to and to those above, as
+    // long as they take it; each may change what the next one gets. The number of functions asked.
     int hand_up(Node& from, LRESULT result);
-
-    // Somebody pressed Apply and the sheet stays open: the results are handed to every function.
-    void applied();
 
     // Pages can be added and taken out only before the sheet is shown.
     [[nodiscard]] bool can_change() const noexcept { return !shown_ && !destroying_; }
@@ -35,20 +32,15 @@ public:
     // The page that the sheet opens with; the first one when null.
     PageNode* start_page = nullptr;
 
-    // A page has posted word that Apply was pressed.
-    bool apply_pending = false;
-
 private:
     LONG show(HWND owner);
     LONG show_pages(const PROPSHEETUI_INFO_HEADER& header);
-    void settle(FunctionNode& function, LRESULT result);
-    void destroy(Node& node);
+    void destroy(Node& node, LPARAM how_left);
 
     std::unique_ptr<FunctionNode> root_;
     std::vector<std::unique_ptr<Node>> removed_;
     bool shown_ = false;
     bool destroying_ = false;
-    bool was_applied_ = false;
 };
 
 // What CommonPropertySheetUIW does: Sheet::run behind a guard. Without a function ERR_CPSUI_INVALID_PDATA,

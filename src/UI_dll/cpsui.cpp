@@ -61,6 +61,7 @@ LONG add_common_sheet(PROPSHEETUI_INFO& info, PrinterInformation& information) {
     if (information.may_update)
         sheet.Flags |= CPSUIF_UPDATE_PERMISSION;
     information.added = add(info, CPSFUNC_ADD_PCOMPROPSHEETUIW, &sheet);
+    information.thread->set_group(info, information.added);
     return information.added != 0 ? 1 : kFailure;
 }
 
@@ -146,6 +147,16 @@ void set_up_page(PrinterInformation& information, bool settings_page_only) {
     page.DlgTemplateID = settings_page_only ? IDD_SETTINGS : IDD_OPTIONS;
     information.sheet.pDlgPage = &page;
     information.sheet.cDlgPage = 1;
+}
+
+LONG open_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, std::unique_ptr<PrinterInformation> information,
+                bool add_settings_page) {
+    information->title = information->thread->name();
+    if (information->title.empty())
+        information->title = qk::load_string(IDS_SETTINGS_TAB);
+    PrinterInformation* kept = information.release();
+    info.UserData = reinterpret_cast<ULONG_PTR>(kept);
+    return DefCommonUIFunc(info, parameter, kept, kept->title.c_str(), add_settings_page);
 }
 
 LONG DefCommonUIFunc(PROPSHEETUI_INFO& info, LPARAM parameter, PrinterInformation* information,

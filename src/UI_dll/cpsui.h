@@ -1,6 +1,7 @@
 // The common property-sheet service: what both sheets answer alike.
 #pragma once
 
+#include <memory>
 #include <optional>
 
 #include "UI_dll/ddi.h"
@@ -18,6 +19,11 @@ namespace cpsui {
 
 // Gives the information's sheet its single page: the settings page alone, or the option page.
 void set_up_page(PrinterInformation& information, bool settings_page_only);
+
+// Answers INIT: from now on the information is the sheet's, which frees it at DESTROY, also when this fails.
+// Its title is the printer's name or, where that is unknown, the settings page's.
+LONG open_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, std::unique_ptr<PrinterInformation> information,
+                bool add_settings_page);
 
 // The answer to a reason: 1 or 0, or -1. `information` is owned by the sheet from INIT to DESTROY. A sheet
 // whose title is missing adds no common page.

@@ -1,7 +1,5 @@
 #include "UI_dll/devcaps.h"
 
-#include <emmintrin.h>
-
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -9,7 +7,8 @@
 #include <cstring>
 #include <memory>
 #include <optional>
-#include <utility>
+#include <string_view>
+#include <vector>
 
 #include "UI_dll/plotui.h"
 #include "UI_dll/ptrinfo.h"
@@ -62,29 +61,6 @@ constexpr auto kConstants = [] {
     return answers;
 }();
 
-// Names are copied in pieces of eight units: the names are the larger part of what a list of them costs
-// beside the forms calls.
-constexpr size_t kPieceUnits = sizeof(__m128i) / sizeof(wchar_t);
-
-// Whether a whole piece can be read wherever the text in it ends.
-bool is_within_page(const wchar_t* piece) noexcept {
-    constexpr uintptr_t kPage = 4096;
-    return reinterpret_cast<uintptr_t>(piece) % kPage <= kPage - sizeof(__m128i);
-}
-
-// Copies what stands before the first zero, zeros for the rest, and returns the number of units.
-size_t copy_piece(std::byte* target, const wchar_t* source) noexcept {
-    static constexpr std::array<uint16_t, 2 * kPieceUnits> kKept = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF,
-                                                                    0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
-    const __m128i piece = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
-    const auto zeros = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(piece, _mm_setzero_si128())));
-    const size_t units = zeros ? static_cast<size_t>(std::countr_zero(zeros)) / sizeof(wchar_t) : kPieceUnits;
-    const void* mask = &kKept[kPieceUnits - units];
-    const __m128i kept = _mm_and_si128(piece, _mm_loadu_si128(static_cast<const __m128i*>(mask)));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(target), kept);
-    return units;
-}
-
 // A caller's buffer, of which nobody says how large it is.
 class Buffer {
 public:
@@ -104,28 +80,12 @@ public:
         at_ += sizeof value;
     }
 
-    void clear(size_t bytes) noexcept { std::memset(at_, 0, bytes); }
-
-    // A text in a cleared slot of fixed width: cut to leave a zero behind it, but not within a surrogate
-    // pair. The first `units` of it stand there already.
+    // A text in a slot of fixed width, cut to leave a zero behind it.
     template <size_t kUnits>
-    void put_name(const wchar_t* name, size_t units = 0) noexcept {
-        std::byte* const slot = std::exchange(at_, at_ + kUnits * sizeof(wchar_t));
-        for (; units < kUnits - 1 && name[units] != L'\0'; ++units)
-            std::memcpy(slot + units * sizeof(wchar_t), &name[units], sizeof(wchar_t));
-        if (units > 0 && name[units] != L'\0' && IS_HIGH_SURROGATE(name[units - 1]))
-            std::memset(slot + (units - 1) * sizeof(wchar_t), 0, sizeof(wchar_t));
-    }
-
-    void put_paper_name(const wchar_t* name) noexcept {
-        size_t units = 0;
-        while (units + kPieceUnits < kNameUnits && is_within_page(name + units)) {
-            const size_t taken = copy_piece(at_ + units * sizeof(wchar_t), name + units);
-            units += taken;
-            if (taken < kPieceUnits)
-                break;
-        }
-        put_name<kNameUnits>(name, units);
+    void put_name(std::wstring_view name) noexcept {
+        wchar_t slot[kUnits];
+        qk::copy_zero_padded(slot, kUnits, name);
+        put(slot);
     }
 
     explicit operator bool() const noexcept { return at_ != nullptr; }
@@ -156,9 +116,14 @@ const std::wstring& custom_paper_name() {
 // Writes one entry per paper and the custom-size entry behind them.
 class PaperWriter final : public FormCallback {
 public:
-    PaperWriter(WORD index, Buffer& buffer) noexcept : index_(index), buffer_(buffer) {}
+    PaperWriter(WORD index, Buffer buffer, const std::vector<FormRecord>& forms) noexcept
+        : index_(index), buffer_(buffer), forms_(forms) {}
 
-    void operator()(const FormView* form) override {
+    void operator()(const FormRecord* form) override {
+        if (!fits_)
+            fits_ = buffer_.can_take((forms_.size() + 1) * entry_bytes());
+        if (!*fits_)
+            return;
         switch (index_) {
             case DC_PAPERS:
                 buffer_.put(form ? form->paper_number : static_cast<uint16_t>(DMPAPER_USER));
@@ -168,50 +133,41 @@ public:
                                  : kCustomSize);
                 break;
             default:
-                buffer_.put_paper_name(form ? form->name : custom_paper_name().c_str());
+                buffer_.put_name<kNameUnits>(form ? form->name : custom_paper_name());
                 break;
         }
     }
 
-    [[nodiscard]] static size_t entry_bytes(WORD index) noexcept {
-        return index == DC_PAPERS      ? sizeof(uint16_t)
-               : index == DC_PAPERSIZE ? sizeof(POINT)
-                                       : kNameUnits * sizeof(wchar_t);
-    }
+    // Whether the buffer could take them all; else nothing has been written.
+    [[nodiscard]] bool done() const noexcept { return fits_.value_or(false); }
 
 private:
+    [[nodiscard]] size_t entry_bytes() const noexcept {
+        return index_ == DC_PAPERS      ? sizeof(uint16_t)
+               : index_ == DC_PAPERSIZE ? sizeof(POINT)
+                                        : kNameUnits * sizeof(wchar_t);
+    }
+
     WORD index_;
-    Buffer& buffer_;
+    Buffer buffer_;
+    const std::vector<FormRecord>& forms_;
+    std::optional<bool> fits_;  // known with the first paper, when their number is
 };
 
 DWORD list_papers(HANDLE printer, WORD index, Buffer buffer) {
-    TRACE("ZRTK_EnumForms");
-    const auto forms = FormList::read(printer);
-    if (!forms)
+    std::vector<FormRecord> forms;
+    PaperWriter write(index, buffer, forms);
+    if (!ZRTK_EnumForms(printer, buffer ? &write : nullptr, forms) || (buffer && !write.done()))
         return kFailed;
-    const size_t count = forms->size() + 1;
-    if (!buffer) {
-        TRACE("<<");
-        return static_cast<DWORD>(count);
-    }
-    const size_t bytes = count * PaperWriter::entry_bytes(index);
-    if (!buffer.can_take(bytes))
-        return kFailed;
-    buffer.clear(bytes);
-    PaperWriter write(index, buffer);
-    forms->report(write);
-    TRACE("<<");
-    return static_cast<DWORD>(count);
+    return static_cast<DWORD>(forms.size() + 1);
 }
 
 template <size_t kUnits>
-DWORD name_in_slot(const wchar_t* name, Buffer buffer) noexcept {
+DWORD name_in_slot(std::wstring_view name, Buffer buffer) noexcept {
     if (!buffer.can_take(kUnits * sizeof(wchar_t)))
         return kFailed;
-    if (buffer) {
-        buffer.clear(kUnits * sizeof(wchar_t));
+    if (buffer)
         buffer.put_name<kUnits>(name);
-    }
     return 1;
 }
 
@@ -300,7 +256,7 @@ DWORD spooler_capability(HANDLE printer, LPWSTR device, WORD index, void* output
             SetLastError(ERROR_INSUFFICIENT_BUFFER);
             return kFailed;
         }
-        if (!Buffer(output).can_take(size_t{slots} * kNameUnits * sizeof(wchar_t)))
+        if (!Buffer(output).can_take(sizeof slots))
             return kFailed;
         std::memcpy(output, &slots, sizeof slots);
         asked = index == DC_PAPERNAMES ? kSplPaperNames : kSplMediaReady;

@@ -1,10 +1,12 @@
 #include "UI_dll/docprop.h"
 
 #include <memory>
+#include <utility>
 
 #include "UI_dll/cpsui.h"
 #include "UI_dll/ps_to_devmode.h"
 #include "UI_dll/ptrinfo.h"
+#include "common/driver_util.h"
 #include "common/memory_probe.h"
 #include "common/text.h"
 #include "common/trace.h"
@@ -37,7 +39,7 @@ LONG write_merged(const DocumentPropertyHeader& header) {
 }
 
 LONG initialise(PROPSHEETUI_INFO& info, LPARAM parameter, const DocumentPropertyHeader& header) {
-    auto thread = std::make_unique<SheetThread>(header.hPrinter);
+    auto thread = std::make_unique<SheetThread>(header.hPrinter, printer_name(header.hPrinter));
     std::unique_ptr<PrinterInformation> information;
     if (!MapPrinter(information, header.hPrinter, header.pdmIn, true)) {
         TRACE("ddps7");
@@ -52,16 +54,19 @@ LONG initialise(PROPSHEETUI_INFO& info, LPARAM parameter, const DocumentProperty
     information->sheet.pfnCallBack = &NSETCallBack;
     cpsui::set_up_page(*information, settings_page_only);
     SetupDPOptItems(*information);
-    PrinterInformation* kept = information.release();  // the sheet's, until DESTROY
-    return cpsui::DefCommonUIFunc(info, parameter, kept, kept->title.c_str(), !settings_page_only);
+    return cpsui::open_sheet(info, parameter, std::move(information), !settings_page_only);
 }
 
-void write_result(const DocumentPropertyHeader& header, PrinterInformation& information, LPARAM parameter) {
+void write_result(const DocumentPropertyHeader& header, const PrinterInformation& information,
+                  LPARAM parameter) {
     const auto* result = reinterpret_cast<const SETRESULT_INFO*>(parameter);
-    if (!information.output || !qk::is_readable(result, sizeof *result) || result->Result != CPSUI_OK)
+    if (!information.output || !qk::is_readable(result, sizeof *result) || result->Result == CPSUI_CANCEL)
         return;
-    SetPSToDEVMODE(information.printer, information.devmode.dm);
-    ConvertDevmodeOut(&information.devmode.dm, header.pdmIn, information.output);
+    // A copy: results come once for each page that has one, and a setting must leave nothing of an earlier
+    // one.
+    DriverDevmode devmode = information.devmode;
+    SetPSToDEVMODE(information.printer, devmode.dm);
+    ConvertDevmodeOut(&devmode.dm, header.pdmIn, information.output);
 }
 
 LONG answer_reason(PROPSHEETUI_INFO& info, LPARAM parameter, const DocumentPropertyHeader& header) {
@@ -98,19 +103,21 @@ LONG answer_sheet(PROPSHEETUI_INFO& info, LPARAM parameter) {
 
 LONG document_properties(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* output, DEVMODEW* input,
                          DWORD mode) {
-    DocumentPropertyHeader header = {.cbSize = sizeof header,
-                                     .Reserved = 0,
-                                     .hPrinter = printer,
-                                     .pszPrinterName = device,
-                                     .pdmIn = input,
-                                     .pdmOut = output,
-                                     .cbOut = kDriverDevmodeSize,
-                                     .fMode = mode};
+    // The service takes no header on the stack.
+    const auto header = std::make_unique<DocumentPropertyHeader>(
+        DocumentPropertyHeader{.cbSize = sizeof(DocumentPropertyHeader),
+                               .Reserved = 0,
+                               .hPrinter = printer,
+                               .pszPrinterName = device,
+                               .pdmIn = input,
+                               .pdmOut = output,
+                               .cbOut = kDriverDevmodeSize,
+                               .fMode = mode});
     if (!(mode & DM_PROMPT)) {
         TRACE_SCOPE("DrvDocumentPropertySheets");  // whose answer without a sheet it is
-        return answer_query(&header);
+        return answer_query(header.get());
     }
-    return cpsui::show(window, &DrvDocumentPropertySheets, &header) == CPSUI_OK ? IDOK : IDCANCEL;
+    return cpsui::show(window, &DrvDocumentPropertySheets, header.get()) == CPSUI_OK ? IDOK : IDCANCEL;
 }
 
 }  // namespace docprop

@@ -13,9 +13,10 @@
 
 namespace {
 
-// An item that tells one text and offers no choice.
-constexpr OptionDescriptor telling(UINT name_id, UINT icon_id) noexcept {
-    return {.flags = OPTIF_CALLBACK,
+// An item that tells one text and offers no choice. Its name stands in the page's title text, not a second
+// time in the frame.
+constexpr OptionDescriptor telling(DWORD flags, UINT name_id, UINT icon_id) noexcept {
+    return {.flags = flags | OPTIF_NO_GROUPBOX_NAME,
             .level = 0,
             .public_id = 101,
             .name_id = name_id,
@@ -26,14 +27,15 @@ constexpr OptionDescriptor telling(UINT name_id, UINT icon_id) noexcept {
             .build = OptionDescriptor::kDataAdvances};
 }
 
-constexpr OptionDescriptor kSettingInForce = telling(IDS_SETTING_IN_FORCE, IDI_CPSUI_DOCUMENT);
-constexpr OptionDescriptor kModuleVersion = telling(IDS_MODULE_VERSION, IDI_CPSUI_PRINTER);
+constexpr OptionDescriptor kSettingInForce =
+    telling(OPTIF_CALLBACK, IDS_SETTING_IN_FORCE, IDI_CPSUI_DOCUMENT);
+constexpr OptionDescriptor kModuleVersion = telling(0, IDS_MODULE_VERSION, IDI_CPSUI_PRINTER);
 
 constexpr wchar_t kVersion[] = L"8.0.0";
 
 size_t storage_bytes(size_t parameters, uint32_t build) noexcept {
     return sizeof(OPTITEM) + sizeof(OPTTYPE) + parameters * sizeof(OPTPARAM) +
-           (build & OptionDescriptor::kExtended ? kExtendedBytes : 0);
+           (build & OptionDescriptor::kExtended ? sizeof(EXTCHKBOX) : 0);
 }
 
 void fill_parameters(const OptionDescriptor& descriptor, std::span<OPTPARAM> parameters,
@@ -101,24 +103,21 @@ bool CreateOPTTYPE(const OptionDescriptor& descriptor, std::vector<std::wstring>
     type->cbSize = sizeof *type;
     type->Type = descriptor.type;
     type->Count = static_cast<WORD>(count);
-    type->BegCtrlID = kFirstControlId;
+    type->BegCtrlID = IDC_OPTION_ITEM;
     type->pOptParam = parameters;
     type->Style = descriptor.style;
     fill_parameters(descriptor, {parameters, count}, item.texts_, information);
     if (descriptor.build & OptionDescriptor::kExtended) {
-        auto* extension = new (at + count * sizeof(OPTPARAM)) OIEXT{};
+        auto* extension = new (at + count * sizeof(OPTPARAM)) EXTCHKBOX{};
         extension->cbSize = sizeof *extension;
-        option->pOIExt = extension;
-        option->Flags |= OPTIF_HAS_POIEXT;
+        extension->pTitle = item.name_.data();
+        option->pExtChkBox = extension;
     }
     return true;
 }
 
 void SetupDPOptItems(PrinterInformation& information) {
     TRACE("SetupDPOptItems");
-    information.title = information.thread->name();
-    if (information.title.empty())
-        information.title = qk::load_string(IDS_SETTINGS_TAB);
     set_up(information, kSettingInForce, setting_in_force(information.thread->name()));
 }
 

@@ -13,12 +13,13 @@
 #include <vector>
 
 static_assert(sizeof(OPTITEM) == 88 && sizeof(OPTTYPE) == 48 && sizeof(OPTPARAM) == 48);
-static_assert(sizeof(DLGPAGE) == 40 && sizeof(COMPROPSHEETUI) == 128 && sizeof(OIEXT) == 56);
+static_assert(sizeof(DLGPAGE) == 40 && sizeof(COMPROPSHEETUI) == 128);
+static_assert(sizeof(EXTCHKBOX) == 64 && sizeof(EXTPUSH) == 64);
 
 // What an option item is made from.
 struct OptionDescriptor {
     // Bits of `build`.
-    static constexpr uint32_t kExtended = 1;      // an extended item record goes with it
+    static constexpr uint32_t kExtended = 1;      // an extended check box, named like it, goes with it
     static constexpr uint32_t kDataCountsUp = 2;  // a parameter's data is the first one's plus its index
     static constexpr uint32_t kIconsCountUp = 4;  // likewise its icon
     static constexpr uint32_t kDataAdvances = 8;  // each parameter takes the next of the given texts
@@ -34,8 +35,6 @@ struct OptionDescriptor {
     uint32_t build;
 };
 
-inline constexpr WORD kFirstControlId = 8020;
-inline constexpr size_t kExtendedBytes = 64;  // of storage; the record itself is smaller
 inline constexpr size_t kMostParameters = 10;
 
 // The number of parameters of an option type; 0 for a type that is not known or a count that is too large.
@@ -66,6 +65,6 @@ private:
 struct PrinterInformation;
 
 // The one item of the document sheet (the setting in force) and of the printer sheet (the module's version).
-// An item that cannot be made is left out; the sheet opens without it. The document's also settles the title.
+// An item that cannot be made is left out; the sheet opens without it.
 void SetupDPOptItems(PrinterInformation& information);
 void SetupPPOptItems(PrinterInformation& information);

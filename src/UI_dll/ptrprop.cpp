@@ -1,6 +1,7 @@
 #include "UI_dll/ptrprop.h"
 
 #include <memory>
+#include <utility>
 
 #include "UI_dll/cpsui.h"
 #include "UI_dll/ptrinfo.h"
@@ -30,7 +31,7 @@ int initialize(LPWSTR name) {
 constexpr LONG kFailure = -1;
 
 LONG initialise_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, HANDLE printer) {
-    auto thread = std::make_unique<SheetThread>(printer);
+    auto thread = std::make_unique<SheetThread>(printer, printer_name_of_info_2(printer));
     std::unique_ptr<PrinterInformation> information;
     if (!MapPrinter(information, printer, nullptr, false)) {
         SetLastError(ERROR_INVALID_DATA);
@@ -40,9 +41,7 @@ LONG initialise_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, HANDLE printer) 
     const bool settings_page_only = cpsui::only_settings_page();
     cpsui::set_up_page(*information, settings_page_only);
     SetupPPOptItems(*information);
-    information->title = information->thread->name();
-    PrinterInformation* kept = information.release();  // the sheet's, until DESTROY
-    return cpsui::DefCommonUIFunc(info, parameter, kept, kept->title.c_str(), !settings_page_only);
+    return cpsui::open_sheet(info, parameter, std::move(information), !settings_page_only);
 }
 
 }  // namespace
@@ -62,12 +61,11 @@ BOOL printer_event(LPWSTR printer, int event) {
 
 BOOL printer_properties(HWND window, HANDLE printer) {
     const auto info = GetPrinterInfo(printer);
-    DevicePropertyHeader header = {
-        .cbSize = sizeof header,
-        .Flags = 0,
-        .hPrinter = printer,
-        .pszPrinterName = info ? reinterpret_cast<PRINTER_INFO_4W*>(info.get())->pPrinterName : nullptr};
-    return cpsui::show(window, &DrvDevicePropertySheets, &header) == CPSUI_OK;
+    const auto header = std::make_unique<DevicePropertyHeader>();  // the service takes none on the stack
+    header->cbSize = sizeof *header;
+    header->hPrinter = printer;
+    header->pszPrinterName = info ? reinterpret_cast<PRINTER_INFO_4W*>(info.get())->pPrinterName : nullptr;
+    return cpsui::show(window, &DrvDevicePropertySheets, header.get()) == CPSUI_OK;
 }
 
 LONG answer_sheet(PROPSHEETUI_INFO& info, LPARAM parameter) {

@@ -1,26 +1,54 @@
 #include "UI_dll/sheet_thread.h"
 
-#include "common/driver_util.h"
+#include <utility>
+
 #include "common/threadprop.h"
 
-SheetThread::SheetThread(HANDLE printer)
-    : name_(printer_name(printer)),
-      hidden_printer_(FreeThreadProp(threadprop::kPrinter)),
-      hidden_name_(FreeThreadProp(threadprop::kPrinterName)) {
-    SetThreadProp(threadprop::kSavedPrinter, hidden_printer_);
-    SetThreadProp(threadprop::kPrinter, reinterpret_cast<ULONG_PTR>(printer));
-    SetThreadProp(threadprop::kPrinterName, reinterpret_cast<ULONG_PTR>(&name_));
+namespace {
+
+ULONG_PTR value_of(std::wstring_view key) {
+    ULONG_PTR value = 0;
+    GetThreadProp(key, value);
+    return value;
 }
 
-SheetThread::~SheetThread() {
-    FreeThreadProp(threadprop::kSavedPrinter);
-    FreeThreadProp(threadprop::kPrinter);
-    FreeThreadProp(threadprop::kPrinterName);
+}  // namespace
+
+// An entry that is there only changes hands, so that giving back what it held needs no memory.
+SheetThread::Property::Property(std::wstring_view key, ULONG_PTR value)
+    : key_(key), hidden_(ExchangeThreadProp(key, value)) {
+    if (!hidden_)
+        SetThreadProp(key, value);
+}
+
+SheetThread::Property::~Property() {
     try {
-        if (hidden_printer_)
-            SetThreadProp(threadprop::kPrinter, hidden_printer_);
-        if (hidden_name_)
-            SetThreadProp(threadprop::kPrinterName, hidden_name_);
-    } catch (...) {  // without memory the thread has none of them
+        if (hidden_)
+            ExchangeThreadProp(key_, *hidden_);
+        else
+            FreeThreadProp(key_);
+    } catch (...) {  // only a trace can raise one
     }
+}
+
+SheetThread::SheetThread(HANDLE printer, std::wstring name)
+    : name_(std::move(name)),
+      saved_printer_(threadprop::kSavedPrinter, value_of(threadprop::kPrinter)),
+      printer_(threadprop::kPrinter, reinterpret_cast<ULONG_PTR>(printer)),
+      printer_name_(threadprop::kPrinterName, reinterpret_cast<ULONG_PTR>(&name_)),
+      outer_(std::exchange(innermost_, this)) {}
+
+SheetThread::~SheetThread() {
+    innermost_ = outer_;
+}
+
+void SheetThread::set_group(const PROPSHEETUI_INFO& info, LONG_PTR group) noexcept {
+    service_ = info.pfnComPropSheet;
+    sheet_ = info.hComPropSheet;
+    group_ = group;
+}
+
+void SheetThread::choice_is_stored() {
+    if (const SheetThread* sheet = innermost_; sheet && sheet->service_ && sheet->group_ != 0)
+        sheet->service_(sheet->sheet_, CPSFUNC_SET_RESULT, sheet->group_, CPSUI_OK);
 }

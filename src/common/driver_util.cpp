@@ -19,6 +19,23 @@ std::wstring ask_user_name() {
     return GetUserNameW(name, &units) ? std::wstring(name) : std::wstring();
 }
 
+std::unique_ptr<std::byte[]> read_info(HANDLE printer, DWORD level, size_t least) {
+    DWORD size = 0;
+    GetPrinterW(printer, level, nullptr, 0, &size);
+    if (size < least)
+        return nullptr;
+    std::unique_ptr<std::byte[]> info(new (std::nothrow) std::byte[size]());
+    if (!info || !GetPrinterW(printer, level, reinterpret_cast<BYTE*>(info.get()), size, &size))
+        return nullptr;
+    return info;
+}
+
+template <class Info>
+std::wstring name_in(const std::unique_ptr<std::byte[]>& info) {
+    const wchar_t* name = info ? reinterpret_cast<const Info*>(info.get())->pPrinterName : nullptr;
+    return name ? name : L"";
+}
+
 }  // namespace
 
 std::wstring user_name() {
@@ -28,22 +45,15 @@ std::wstring user_name() {
 
 std::unique_ptr<std::byte[]> GetPrinterInfo(HANDLE printer) {
     TRACE("GetPrinterInfo");
-    DWORD size = 0;
-    GetPrinterW(printer, 4, nullptr, 0, &size);
-    if (size < sizeof(PRINTER_INFO_4W))
-        return nullptr;
-    std::unique_ptr<std::byte[]> info(new (std::nothrow) std::byte[size]());
-    if (!info || !GetPrinterW(printer, 4, reinterpret_cast<BYTE*>(info.get()), size, &size))
-        return nullptr;
-    return info;
+    return read_info(printer, 4, sizeof(PRINTER_INFO_4W));
 }
 
 std::wstring printer_name(HANDLE printer) {
-    const auto info = GetPrinterInfo(printer);
-    if (!info)
-        return {};
-    const wchar_t* name = reinterpret_cast<const PRINTER_INFO_4W*>(info.get())->pPrinterName;
-    return name ? name : L"";
+    return name_in<PRINTER_INFO_4W>(GetPrinterInfo(printer));
+}
+
+std::wstring printer_name_of_info_2(HANDLE printer) {
+    return name_in<PRINTER_INFO_2W>(read_info(printer, 2, sizeof(PRINTER_INFO_2W)));
 }
 
 DWORD fdlg_GetMMFJobMode(const std::wstring& printer_name) {

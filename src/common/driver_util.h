@@ -13,8 +13,10 @@
 // The printer's PRINTER_INFO_4W, its texts in the same block; null when the printer cannot be asked.
 [[nodiscard]] std::unique_ptr<std::byte[]> GetPrinterInfo(HANDLE printer);
 
-// The name of the printer behind a handle; empty when it cannot be asked.
+// The name of the printer behind a handle; empty when it cannot be asked. The second reads PRINTER_INFO_2W,
+// of which print systems make more.
 [[nodiscard]] std::wstring printer_name(HANDLE printer);
+[[nodiscard]] std::wstring printer_name_of_info_2(HANDLE printer);
 
 // The job mode that the rendering module or the dialog library has set for the printer and the current user;
 // 0 when there is none. In modes 2 and 3 the chosen output file is not checked.

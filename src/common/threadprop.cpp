@@ -5,6 +5,7 @@
 #include <mutex>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "common/lock.h"
 #include "common/trace.h"
@@ -46,6 +47,15 @@ void GetThreadProp(std::wstring_view key, ULONG_PTR& value) {
     const std::scoped_lock hold(store.lock);
     const auto entry = store.find(key);
     value = entry == store.entries.end() ? 0 : entry->value;
+}
+
+std::optional<ULONG_PTR> ExchangeThreadProp(std::wstring_view key, ULONG_PTR value) {
+    TRACE("ExchangeThreadProp");
+    const std::scoped_lock hold(store.lock);
+    const auto entry = store.find(key);
+    if (entry == store.entries.end())
+        return std::nullopt;
+    return std::exchange(entry->value, value);
 }
 
 ULONG_PTR FreeThreadProp(std::wstring_view key) {

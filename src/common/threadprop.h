@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <string_view>
 
 namespace threadprop {
@@ -27,6 +28,10 @@ ULONG_PTR SetThreadProp(std::wstring_view key, ULONG_PTR value);
 
 // Writes the value of this thread's oldest entry under `key`, or 0.
 void GetThreadProp(std::wstring_view key, ULONG_PTR& value);
+
+// Puts `value` in the place of what this thread's oldest entry under `key` holds, and returns that; nothing,
+// and nothing is changed, when there is no entry. Allocates nothing.
+std::optional<ULONG_PTR> ExchangeThreadProp(std::wstring_view key, ULONG_PTR value);
 
 // Removes this thread's oldest entry under `key` and returns its value, or 0 when there is none.
 ULONG_PTR FreeThreadProp(std::wstring_view key);

@@ -29,18 +29,6 @@ constexpr WORD spec_version_of(WORD size) noexcept {
     }
 }
 
-size_t claimed_size(const DEVMODEW* devmode) noexcept {
-    return std::max(kHeaderBytes, size_t{devmode->dmSize} + devmode->dmDriverExtra);
-}
-
-bool holds_what_it_claims(const DEVMODEW* devmode) noexcept {
-    return qk::is_readable(devmode, kHeaderBytes) && qk::is_readable(devmode, claimed_size(devmode));
-}
-
-bool can_take_what_it_claims(DEVMODEW* devmode) noexcept {
-    return qk::is_writable(devmode, kHeaderBytes) && qk::is_writable(devmode, claimed_size(devmode));
-}
-
 std::byte* bytes_of(DEVMODEW* devmode) noexcept {
     return reinterpret_cast<std::byte*>(devmode);
 }
@@ -105,7 +93,7 @@ DriverDevmode default_devmode() noexcept {
 
 int ConvertDevmode(const DEVMODEW* source, DEVMODEW* target) noexcept {
     TRACE("ConvertDevmode");
-    if (!can_take_what_it_claims(target) || !holds_what_it_claims(source))
+    if (!qk::is_writable(target, kHeaderBytes) || !qk::is_readable(source, kHeaderBytes))
         return -1;
     if (spec_version_of(source->dmSize) == 0 && source->dmSpecVersion == 0)
         return -1;
@@ -117,14 +105,17 @@ int ConvertDevmode(const DEVMODEW* source, DEVMODEW* target) noexcept {
     const WORD extra = target->dmDriverExtra;
     const WORD driver_version = target->dmDriverVersion;
     const WORD source_size = source->dmSize;
-    const WORD source_extra = source->dmDriverExtra;
     const WORD public_bytes = std::min(source_size, size);
+    const WORD extra_bytes = std::min(source->dmDriverExtra, extra);
+    if (!qk::is_readable(source, public_bytes) || !qk::is_writable(target, public_bytes) ||
+        !qk::is_readable(bytes_of(source) + source_size, extra_bytes) ||
+        !qk::is_writable(bytes_of(target) + size, extra_bytes))
+        return -1;
     std::memmove(target, source, public_bytes);  // a caller may convert a buffer onto itself
     target->dmSize = size;
     target->dmDriverExtra = extra;
     target->dmDriverVersion = driver_version;
     target->dmSpecVersion = spec_version;
-    const WORD extra_bytes = std::min(source_extra, extra);
     std::memmove(bytes_of(target) + size, bytes_of(source) + source_size, extra_bytes);
     return public_bytes + extra_bytes;
 }

@@ -50,8 +50,8 @@ inline constexpr short kPaperCustom = DMPAPER_USER;
 [[nodiscard]] DriverDevmode default_devmode() noexcept;
 
 // Copies `source` into `target`, keeping the target's size fields and writing the version that goes with
-// them. Both are callers' memory: what they claim to hold is checked before it is touched. The number of
-// bytes copied, or -1.
+// them. Both are callers' memory: what is copied, the smaller of both parts, is checked before it is touched.
+// The number of bytes copied, or -1.
 int ConvertDevmode(const DEVMODEW* source, DEVMODEW* target) noexcept;
 
 // Shapes the driver's DEVMODE into the layout of the caller's (null: the driver's own). 1 on success, else 0.
@@ -70,7 +70,7 @@ class MergeSource {
 public:
     virtual ~MergeSource() = default;
     // The papers of the printer; empty when it has none or cannot say. Asked at most once per merge.
-    virtual const std::vector<FormView>& forms() = 0;
+    virtual const std::vector<FormRecord>& forms() = 0;
     // What the override file says of the orientation (DMORIENT_*), 0 when it says nothing.
     virtual short forced_orientation() = 0;
 };

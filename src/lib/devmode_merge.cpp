@@ -97,7 +97,7 @@ private:
     }
 
     void take_form() {
-        const std::vector<FormView>& forms = source_.forms();
+        const std::vector<FormRecord>& forms = source_.forms();
         if (forms.empty())
             return;
         const auto paper = find_paper(forms);
@@ -113,16 +113,16 @@ private:
         refused_ &= ~kPaperBits;
     }
 
-    [[nodiscard]] std::optional<Paper> find_paper(const std::vector<FormView>& forms) const noexcept {
+    [[nodiscard]] std::optional<Paper> find_paper(const std::vector<FormRecord>& forms) const noexcept {
         const DEVMODEW& in = in_.dm;
         if (in.dmPaperSize == kDriverPaperA0)
             return Paper{in.dmPaperSize, 8410, 11889, L"A0"};  // 1188.9 mm long, as it has always been
         if (in.dmPaperSize == kDriverPaperA1)
             return Paper{in.dmPaperSize, 5940, 8410, L"A1"};
         const std::wstring_view name(in.dmFormName, wcsnlen(in.dmFormName, std::size(in.dmFormName)));
-        const FormView* form = in.dmFields & DM_PAPERSIZE
-                                   ? find_form(forms, static_cast<uint16_t>(in.dmPaperSize))
-                                   : find_form(forms, name);
+        const FormRecord* form = in.dmFields & DM_PAPERSIZE
+                                     ? find_form(forms, static_cast<uint16_t>(in.dmPaperSize))
+                                     : find_form(forms, name);
         if (!form)
             return std::nullopt;
         return Paper{static_cast<short>(form->paper_number), static_cast<short>(tenths_of_mm(form->size.cx)),
@@ -163,12 +163,10 @@ class PrinterSource final : public MergeSource {
 public:
     explicit PrinterSource(HANDLE printer) noexcept : printer_(printer) {}
 
-    const std::vector<FormView>& forms() override {
+    const std::vector<FormRecord>& forms() override {
         if (!asked_) {
             asked_ = true;
-            list_ = FormList::read(printer_);
-            if (list_)
-                forms_ = list_->as<FormView>();
+            (void)ZRTK_EnumForms(printer_, nullptr, forms_);  // none: the paper stays
         }
         return forms_;
     }
@@ -184,8 +182,7 @@ public:
 private:
     HANDLE printer_;
     bool asked_ = false;
-    std::optional<FormList> list_;
-    std::vector<FormView> forms_;  // views of the list
+    std::vector<FormRecord> forms_;
     std::optional<int> orientation_;
 };
 

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <memory>
 #include <new>
+#include <span>
 
-#include "common/memory_probe.h"
 #include "common/text.h"
 #include "common/trace.h"
 
@@ -38,109 +40,93 @@ const LargeForm* find_large_form(std::wstring_view name) noexcept {
     return form == kLargeForms.end() ? nullptr : &*form;
 }
 
-const wchar_t* name_of(const FORM_INFO_1W& form) noexcept {
-    return form.pName ? form.pName : L"";
-}
-
-FormView large_form(const LargeForm& form, size_t paper_number) noexcept {
-    return {.flags = FORM_PRINTER | FormView::kMadeByDriver,
-            .name = form.name.data(),
+FormRecord large_form(const LargeForm& form, size_t paper_number) {
+    return {.flags = FORM_PRINTER | FormRecord::kMadeByDriver,
+            .name = std::wstring(form.name),
             .size = form.size,
             .imageable_area = {0, 0, form.size.cx, form.size.cy},
             .paper_number = static_cast<uint16_t>(paper_number)};
 }
 
-void trace_form(const FormView& form) {
-    const wchar_t* kind = form.flags & FORM_BUILTIN     ? L"FORM_BUILTIN "
-                          : is_printer_form(form.flags) ? L"FORM_PRINTER"
-                                                        : L"";
-    TRACE_F(L"%sj:dm=%d, f.name=%s", kind, int{form.paper_number}, form.name);
-}
-
-}  // namespace
-
-std::optional<FormList> FormList::read(HANDLE printer) {
+// The spooler's forms as it hands them out, `count` of FORM_INFO_1W with their texts behind; null, traced,
+// when it does not.
+std::unique_ptr<std::byte[]> read_forms(HANDLE printer, DWORD& count) {
     DWORD size = 0;
-    DWORD count = 0;
     if (EnumFormsW(printer, 1, nullptr, 0, &size, &count) || GetLastError() != ERROR_INSUFFICIENT_BUFFER) {
         TRACE("err1");
-        return std::nullopt;
+        return nullptr;
     }
-    FormList forms;
-    forms.buffer_.reset(new (std::nothrow) std::byte[size]);
-    if (!forms.buffer_) {
+    std::unique_ptr<std::byte[]> buffer(new (std::nothrow) std::byte[size]());
+    if (!buffer) {
         TRACE("err2");
-        return std::nullopt;
+        return nullptr;
     }
-    if (!EnumFormsW(printer, 1, reinterpret_cast<BYTE*>(forms.buffer_.get()), size, &size, &forms.count_)) {
+    if (!EnumFormsW(printer, 1, reinterpret_cast<BYTE*>(buffer.get()), size, &size, &count)) {
         TRACE("err3");
-        return std::nullopt;
+        return nullptr;
     }
-    TRACE_F(L"Count=%d", static_cast<int>(forms.count_));
-    return forms;
+    TRACE_F(L"Count=%d", static_cast<int>(count));
+    return buffer;
 }
 
-template <class Visit>
-void FormList::for_each(Visit visit) const {
-    const auto* form = reinterpret_cast<const FORM_INFO_1W*>(buffer_.get());
+void collect(std::span<const FORM_INFO_1W> forms, std::vector<FormRecord>& records) {
+    records.reserve(forms.size() + kLargeForms.size());
     std::array<bool, kLargeForms.size()> found = {};
-    for (DWORD position = 1; position <= count_; ++position, ++form) {
+    for (size_t i = 0; i < forms.size(); ++i) {
+        const FORM_INFO_1W& form = forms[i];
+        const wchar_t* name = form.pName ? form.pName : L"";
         int32_t driver_paper_id = -1;
-        if (is_printer_form(form->Flags)) {
-            const LargeForm* large = find_large_form(name_of(*form));
+        if (is_printer_form(form.Flags)) {
+            const LargeForm* large = find_large_form(name);
             if (!large)
                 continue;
             found[static_cast<size_t>(large - kLargeForms.data())] = true;
             driver_paper_id = large->driver_paper_id;
         }
-        visit(FormView{(form->Flags & ~FormView::kReplacedBits) | FormView::kMadeByDriver, name_of(*form),
-                       form->Size, form->ImageableArea, static_cast<uint16_t>(position), driver_paper_id});
+        records.push_back({(form.Flags & ~FormRecord::kReplacedBits) | FormRecord::kMadeByDriver, name,
+                           form.Size, form.ImageableArea, static_cast<uint16_t>(i + 1), driver_paper_id});
     }
-    size_t paper_number = count_;
+    size_t paper_number = forms.size();
     for (size_t i = 0; i < kLargeForms.size(); ++i)
         if (!found[i])
-            visit(large_form(kLargeForms[i], ++paper_number));
+            records.push_back(large_form(kLargeForms[i], ++paper_number));
 }
 
-size_t FormList::size() const noexcept {
-    size_t papers = 0;
-    for_each([&papers](const FormView&) { ++papers; });
-    return papers;
-}
-
-void FormList::report(FormCallback& callback) const {
-    for_each([&callback](const FormView& form) {
-        trace_form(form);
+void report(const std::vector<FormRecord>& records, FormCallback& callback) {
+    for (const FormRecord& form : records) {
+        const wchar_t* kind = form.flags & FORM_BUILTIN     ? L"FORM_BUILTIN "
+                              : is_printer_form(form.flags) ? L"FORM_PRINTER"
+                                                            : L"";
+        TRACE_F(L"%sj:dm=%d, f.name=%s", kind, int{form.paper_number}, form.name.c_str());
         callback(&form);
-    });
+    }
     callback(nullptr);
 }
 
-template <class Form>
-std::vector<Form> FormList::as() const {
-    std::vector<Form> forms;
-    forms.reserve(count_ + kLargeForms.size());
-    for_each([&forms](const FormView& form) {
-        forms.push_back(
-            {form.flags, form.name, form.size, form.imageable_area, form.paper_number, form.driver_paper_id});
-    });
-    return forms;
-}
-
-template std::vector<FormRecord> FormList::as() const;
-template std::vector<FormView> FormList::as() const;
+}  // namespace
 
 int ZRTK_EnumForms(HANDLE printer, FormCallback* callback, std::vector<FormRecord>& records) {
     TRACE("ZRTK_EnumForms");
     records.clear();
-    const auto forms = FormList::read(printer);
-    if (!forms)
+    DWORD count = 0;
+    const auto buffer = read_forms(printer, count);
+    if (!buffer)
         return 0;
-    records = forms->as<FormRecord>();
+    collect({reinterpret_cast<const FORM_INFO_1W*>(buffer.get()), count}, records);
     if (callback)
-        forms->report(*callback);
+        report(records, *callback);
     TRACE("<<");
     return 1;
+}
+
+const FormRecord* find_form(const std::vector<FormRecord>& forms, int paper_number) noexcept {
+    const auto form = std::ranges::find(forms, paper_number, &FormRecord::paper_number);
+    return form == forms.end() ? nullptr : &*form;
+}
+
+const FormRecord* find_form(const std::vector<FormRecord>& forms, std::wstring_view name) noexcept {
+    const auto form = std::ranges::find(forms, name, &FormRecord::name);
+    return form == forms.end() ? nullptr : &*form;
 }
 
 int AddFormsToDataBase(HANDLE printer, const std::wstring& device_name, bool& write_failed) {

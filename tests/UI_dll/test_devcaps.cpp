@@ -15,6 +15,7 @@
 #include "support/guarded_buffer.h"
 #include "support/installation.h"
 #include "support/installed_printer.h"
+#include "support/trace_capture.h"
 
 namespace {
 
@@ -103,6 +104,23 @@ TEST_F(Devcaps, ListsAgreeAndNamesFillTheirSlots) {
     }
 }
 
+TEST_F(Devcaps, PapersAndMergesEnumerateTheFormsAlike) {
+    DriverDevmode in = default_devmode();
+    std::vector<wchar_t> names(kPapers * 64);
+    const auto forms_trace = [&](int index, void* buffer, DEVMODEW* devmode) {
+        const TraceCapture trace;
+        DrvDeviceCapabilities(FakePrinter::handle(), here.printer.name.data(), static_cast<WORD>(index),
+                              buffer, devmode);
+        return std::array{trace.count(L"ZRTK_EnumForms"), trace.count(L"Count=9"),
+                          trace.count(L"FORM_BUILTIN j:dm=9, f.name=A4"), trace.count(L"<<")};
+    };
+    using Counts = std::array<size_t, 4>;
+    EXPECT_EQ(forms_trace(DC_PAPERNAMES, names.data(), nullptr), (Counts{1, 1, 1, 1}));
+    EXPECT_EQ(forms_trace(DC_PAPERS, nullptr, nullptr), (Counts{1, 1, 0, 1}));
+    EXPECT_EQ(forms_trace(DC_FIELDS, nullptr, &in.dm), (Counts{1, 1, 0, 1}));
+    EXPECT_TRUE(here.printer.forms_buffer_was_clear);
+}
+
 TEST_F(Devcaps, PapersThatCannotBeListedFail) {
     here.printer.failing_forms_call = 1;
     EXPECT_EQ(ask(DC_PAPERS), ~0u);
@@ -128,7 +146,9 @@ TEST_F(Devcaps, SpoolerIndicesCountTheirSlots) {
         }
     EXPECT_EQ(ask_spooler(65535, start, kPapers * 64), ~0u);
     EXPECT_EQ(ask_spooler(DC_PAPERNAMES, start, 63), ~0u);
-    EXPECT_EQ(ask_spooler(DC_PAPERNAMES, start, kPapers * 64 + 64), ~0u) << "the size is a lie";
+    EXPECT_EQ(ask_spooler(DC_PAPERNAMES, start, kPapers * 64 + 64), kPapers) << "what is written is there";
+    EXPECT_EQ(ask_spooler(DC_PAPERNAMES, start + 1, kPapers * 64), ~0u) << "the size is a lie";
+    EXPECT_EQ(ask_spooler(DC_MEDIAREADY, start + (kPapers - 1) * 64, 6400), 1u);
     EXPECT_EQ(ask_spooler(DC_PAPERNAMES, nullptr, 0), kPapers);
     EXPECT_EQ(ask_spooler(DC_PAPERNAMES, start, kPapers * 64), kPapers);
     EXPECT_STREQ(start + 8 * 64, L"A4");
@@ -202,7 +222,7 @@ TEST(RealSpooler, DocumentPropertiesAnswersInEveryMode) {
         LONG copied;
         short scale;
     } rows[] = {{"good", &good, 1, 42},
-                {"claims too much", &liar, 1, 100},
+                {"claims more than is taken", &liar, 1, 42},
                 {"torn", &torn, -1, -1},
                 {"none", {}, 1, 100}};
     for (const auto& row : rows) {

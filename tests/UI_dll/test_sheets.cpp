@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
 #include <prsht.h>
 
 #include <atomic>
@@ -9,16 +10,24 @@
 #include <thread>
 #include <vector>
 
+#include "UI_dll/PDFSettings/settings_page.h"
 #include "UI_dll/cpsui.h"
 #include "UI_dll/ddi.h"
 #include "UI_dll/optitem.h"
+#include "UI_dll/plotui.h"
 #include "UI_dll/ps_to_devmode.h"
+#include "common/dialog_library.h"
+#include "common/resource_dll.h"
+#include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
 #include "companions/compstui/sheet.h"
+#include "companions/compstui/sheet_functions.h"
+#include "resources/ids.h"
 #include "support/fake_printer.h"
 #include "support/guarded_buffer.h"
 #include "support/handle_count.h"
 #include "support/installation.h"
+#include "support/sheet_driver.h"
 
 namespace {
 
@@ -109,16 +118,118 @@ TEST_F(Sheet, PrinterSheetInsideGivesBackWhatItHid) {
     EXPECT_EQ(FreeThreadProp(threadprop::kSavedPrinter), 0u);
 }
 
-TEST_F(Sheet, CancelAndTheNoPermissionFlagWriteNothing) {
-    send(PROPSHEETUI_REASON_INIT);
-    end_with(CPSUI_CANCEL);
-    send(PROPSHEETUI_REASON_DESTROY);
-    header.fMode |= kNoPermission;
-    send(PROPSHEETUI_REASON_INIT);
-    EXPECT_EQ(added_sheet.Flags, 0);
-    end_with(CPSUI_OK);
-    send(PROPSHEETUI_REASON_DESTROY);
-    EXPECT_EQ(output.dm.dmSize, 0);
+TEST_F(Sheet, OnlyCancelAndTheNoPermissionFlagWriteNothing) {
+    const struct {
+        LRESULT result;
+        DWORD mode;
+        WORD written;
+    } rows[] = {{CPSUI_CANCEL, 0, 0},
+                {CPSUI_OK, 0, 220},
+                {CPSUI_RESTARTWINDOWS, 0, 220},
+                {CPSUI_REBOOTSYSTEM, 0, 220},
+                {CPSUI_OK, kNoPermission, 0}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.result);
+        output = {};
+        header.fMode = DM_COPY | DM_PROMPT | row.mode;
+        send(PROPSHEETUI_REASON_INIT);
+        EXPECT_EQ(added_sheet.Flags, row.mode ? 0 : CPSUIF_UPDATE_PERMISSION);
+        end_with(row.result);
+        send(PROPSHEETUI_REASON_DESTROY);
+        EXPECT_EQ(output.dm.dmSize, row.written);
+    }
+}
+
+TEST_F(Sheet, PrinterSheetHasNoCallbackAndAlwaysATitle) {
+    EXPECT_TRUE(plotui::attach_process(GetModuleHandleW(nullptr)));
+    here.printer.name.clear();
+    DevicePropertyHeader device = {.cbSize = sizeof device, .hPrinter = FakePrinter::handle()};
+    info.lParamInit = reinterpret_cast<LPARAM>(&device);
+    EXPECT_EQ(DrvDevicePropertySheets(&info, 0), 1);
+    EXPECT_EQ(added_sheet.pfnCallBack, nullptr);
+    ASSERT_EQ(added_sheet.cOptItem, 1);
+    EXPECT_EQ(added_sheet.pOptItem->Flags & OPTIF_CALLBACK, 0u);
+    PROPSHEETUI_INFO_HEADER sheet_header = {};
+    info.Reason = PROPSHEETUI_REASON_GET_INFO_HEADER;
+    EXPECT_EQ(DrvDevicePropertySheets(&info, reinterpret_cast<LPARAM>(&sheet_header)), 1);
+    EXPECT_STREQ(sheet_header.pTitle, qk::load_string(IDS_SETTINGS_TAB).c_str());
+    info.Reason = PROPSHEETUI_REASON_DESTROY;
+    EXPECT_EQ(DrvDevicePropertySheets(&info, 0), 1);
+    plotui::detach_process(false);
+}
+
+// Which of the allocations from now on fails; 0: none.
+std::atomic<int> failing_allocation;
+void* (*real_malloc)(size_t);
+
+void* failing_malloc(size_t size) {
+    return failing_allocation > 0 && --failing_allocation == 0 ? nullptr : real_malloc(size);
+}
+
+TEST_F(Sheet, WithoutMemoryTheThreadKeepsWhatItHad) {
+    const ImportPatch patch("malloc", reinterpret_cast<void*>(&failing_malloc));
+    ASSERT_TRUE(patch.found());
+    real_malloc = reinterpret_cast<decltype(real_malloc)>(patch.original());
+    std::wstring name = L"the job's";
+    int refused = 0;
+    for (int nth = 1, started = 0; started < 3; ++nth) {
+        SCOPED_TRACE(nth);
+        SetThreadProp(threadprop::kPrinter, 123);
+        SetThreadProp(threadprop::kPrinterName, reinterpret_cast<ULONG_PTR>(&name));
+        failing_allocation = nth;
+        const LONG answer = send(PROPSHEETUI_REASON_INIT);
+        started = failing_allocation > 0 ? started + 1 : 0;
+        failing_allocation = 0;
+        refused += answer < 0;
+        send(PROPSHEETUI_REASON_DESTROY);
+        info.UserData = 0;
+        EXPECT_EQ(FreeThreadProp(threadprop::kPrinter), 123u);
+        EXPECT_EQ(FreeThreadProp(threadprop::kPrinterName), reinterpret_cast<ULONG_PTR>(&name));
+        EXPECT_EQ(FreeThreadProp(threadprop::kPrinter), 0u);
+        EXPECT_EQ(FreeThreadProp(threadprop::kSavedPrinter), 0u);
+        ASSERT_LT(nth, 2000);
+    }
+    EXPECT_GT(refused, 3);
+}
+
+TEST_F(Sheet, ServiceGetsAHeaderThatIsNotOnTheStack) {
+    static LPARAM given;
+    static LONG answer;
+    static DWORD result;
+    const ImportPatch load("LoadLibraryExW",
+                           reinterpret_cast<void*>(+[] { return GetModuleHandleW(nullptr); }));
+    const ImportPatch find(
+        "GetProcAddress", reinterpret_cast<void*>(+[]() -> void* {
+            return reinterpret_cast<void*>(+[](HWND, PFNPROPSHEETUI, LPARAM parameter, DWORD* ended) -> LONG {
+                given = parameter;
+                *ended = result;
+                return answer;
+            });
+        }));
+    const auto on_stack = [](LPARAM address) {
+        const auto* block = reinterpret_cast<const NT_TIB*>(NtCurrentTeb());
+        const auto at = reinterpret_cast<const void*>(address);
+        return at >= block->StackLimit && at < block->StackBase;
+    };
+    const struct {
+        LONG answer;
+        DWORD result;
+        LONG document;
+        BOOL printer;
+    } rows[] = {{1, CPSUI_OK, IDOK, TRUE},
+                {0, CPSUI_CANCEL, IDCANCEL, FALSE},
+                {1, CPSUI_RESTARTWINDOWS, IDCANCEL, FALSE},
+                {-1, CPSUI_OK, IDCANCEL, FALSE}};
+    for (const auto& row : rows) {
+        answer = row.answer, result = row.result;
+        given = 0;
+        EXPECT_EQ(DrvDocumentProperties(nullptr, header.hPrinter, nullptr, &output.dm, nullptr, DM_PROMPT),
+                  row.document);
+        EXPECT_TRUE(given && !on_stack(given));
+        given = 0;
+        EXPECT_EQ(PrinterProperties(nullptr, header.hPrinter), row.printer);
+        EXPECT_TRUE(given && !on_stack(given));
+    }
 }
 
 TEST_F(Sheet, HiddenTabLeavesTheSettingsPageAlone) {
@@ -194,6 +305,92 @@ TEST_F(Sheet, BadHeadersAndReasonsAreRefused) {
         EXPECT_EQ(reason(PROPSHEETUI_REASON_DESTROY), -1) << "it is gone";
         added.clear();
     }
+}
+
+// The document's sheet with the settings page before the option page.
+LONG APIENTRY settings_page_first(PROPSHEETUI_INFO* info, LPARAM parameter) {
+    info->pfnComPropSheet = [](HANDLE sheet, UINT function, LPARAM what, LPARAM more) -> LONG_PTR {
+        if (function == CPSFUNC_ADD_PROPSHEETPAGEW)
+            return 1;  // it is there
+        if (function == CPSFUNC_ADD_PCOMPROPSHEETUIW) {
+            PROPSHEETPAGEW page = {};
+            page.dwSize = sizeof page;
+            page.hInstance = plotui::resource_module();
+            page.pszTemplate = MAKEINTRESOURCEW(IDD_SETTINGS);
+            page.pfnDlgProc = &settings_page_proc;
+            compstui::com_prop_sheet(sheet, CPSFUNC_ADD_PROPSHEETPAGEW, reinterpret_cast<LPARAM>(&page), 0);
+        }
+        return compstui::com_prop_sheet(sheet, function, what, more);
+    };
+    return DrvDocumentPropertySheets(info, parameter);
+}
+
+TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
+    EXPECT_TRUE(plotui::attach_process(GetModuleHandleW(nullptr)));
+    CopyFileW(Installation::built(dialog_library::kFileName).c_str(),
+              here.folder.file(dialog_library::kFileName).c_str(), TRUE);
+    PrintSettings custom, office;
+    custom->PSName = L"Standard";
+    custom.general()->PaperType = 1;
+    office->PSName = L"Office";
+    office.general()->Scale = 50;
+    EXPECT_TRUE(custom.Save(here.folder.file(L"Settings\\standard.ps4")));
+    EXPECT_TRUE(office.Save(here.folder.file(L"CustomSettings\\office.ps4")));
+    const struct {
+        const char* label;
+        PFNPROPSHEETUI function;
+        DWORD hide_tab;
+        WPARAM settings_page;
+    } rows[] = {{"option page first", &DrvDocumentPropertySheets, 0, 1},
+                {"settings page first", &settings_page_first, 0, 0},
+                {"settings page alone", &DrvDocumentPropertySheets, 1, 0}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        here.set_number(HKEY_LOCAL_MACHINE, L"\\Special", L"HideSettingTab", row.hide_tab);
+        SetSettingFileName(kDefaultSettingFile, here.printer.name);
+        output = {};
+        const auto sheet = [] {
+            HWND found = nullptr;
+            EnumThreadWindows(
+                GetCurrentThreadId(),
+                [](HWND window, LPARAM result) {
+                    if (SendMessageW(window, PSM_GETCURRENTPAGEHWND, 0, 0))
+                        *reinterpret_cast<HWND*>(result) = window;
+                    return TRUE;
+                },
+                reinterpret_cast<LPARAM>(&found));
+            return found;
+        };
+        const Later later(
+            [&] { return sheet() != nullptr; },
+            [&] {
+                const auto page = [&](WPARAM index) {
+                    SendMessageW(sheet(), PSM_SETCURSEL, index, 0);
+                    return reinterpret_cast<HWND>(SendMessageW(sheet(), PSM_GETCURRENTPAGEHWND, 0, 0));
+                };
+                if (!row.hide_tab) {
+                    const HWND options = page(1 - row.settings_page);
+                    wchar_t title[100] = {}, text[100] = {};
+                    GetDlgItemTextW(options, 8021, title, 100);
+                    EXPECT_EQ(title, qk::load_string(IDS_SETTING_IN_FORCE));
+                    SendDlgItemMessageW(options, 8022, LB_GETTEXT, 0, reinterpret_cast<LPARAM>(text));
+                    EXPECT_STREQ(text, L"standard.ps4");
+                    EXPECT_TRUE(GetDlgItem(options, 8020) && GetDlgItem(options, 8023));
+                }
+                const HWND list = GetDlgItem(page(row.settings_page), IDC_SETTINGS_LIST);
+                EXPECT_EQ(ListView_GetItemCount(list), 2);
+                constexpr UINT kChosen = LVIS_SELECTED | LVIS_FOCUSED;
+                ListView_SetItemState(list, 0, kChosen, kChosen);
+                PostMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_OK, 0);
+            });
+        DWORD result = 99;
+        EXPECT_EQ(compstui::show_sheet(nullptr, row.function, reinterpret_cast<LPARAM>(&header), &result), 1);
+        EXPECT_EQ(result, DWORD{CPSUI_OK});
+        EXPECT_EQ(GetSettingFileName(here.printer.name), L"office.ps4");
+        EXPECT_EQ(output.dm.dmScale, 50);
+        EXPECT_EQ(output.dm.dmFields & (DM_PAPERWIDTH | DM_PAPERLENGTH), 0u) << "of the setting before";
+    }
+    plotui::detach_process(false);
 }
 
 TEST_F(Sheet, WorldInDisorderStillGivesASheet) {
@@ -350,7 +547,9 @@ TEST(OptionItem, EachTypeHasItsParameters) {
         EXPECT_EQ(made.pOptParam[made.Count - 1].IconID, 10u + made.Count - 1);
         EXPECT_STREQ(made.pOptParam[0].pData, L"a");
         EXPECT_EQ(made.pOptParam[0].lParam, type == TVOT_PUSHBUTTON ? 5000 : 0);
-        EXPECT_EQ(item.get()->pOIExt->cbSize, sizeof(OIEXT));
+        EXPECT_EQ(item.get()->Flags, 0u);  // no OIEXT, no push button
+        EXPECT_EQ(item.get()->pExtChkBox->cbSize, 64);
+        EXPECT_NE(item.get()->pExtChkBox->pTitle, nullptr);
     }
 }
 

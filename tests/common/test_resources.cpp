@@ -199,6 +199,12 @@ TEST(MemoryProbe, EndsWhereTheMemoryEnds) {
     buffer.make_read_only();
     EXPECT_TRUE(qk::is_readable(end - 8, 8));
     EXPECT_FALSE(qk::is_writable(end - 8, 8));
+    DWORD before = 0;
+    VirtualProtect(end - 4096, 4096, PAGE_READWRITE | PAGE_GUARD, &before);  // as the end of a stack is
+    EXPECT_FALSE(qk::is_readable(end - 8, 8));
+    EXPECT_FALSE(qk::is_writable(end - 8, 8));
+    VirtualProtect(end - 4096, 4096, PAGE_READWRITE, &before);
+    EXPECT_EQ(before, DWORD{PAGE_READWRITE | PAGE_GUARD}) << "a look has used it up";
 }
 
 TEST(Texts, CopiesAreTerminatedAndPaddedAndKeepPairsWhole) {

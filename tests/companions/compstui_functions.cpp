@@ -13,7 +13,7 @@ void at_init(const std::function<void(PROPSHEETUI_INFO&)>& body) {
     player.add = body;
     player.init_answer = -1;
     player.play();
-    ASSERT_EQ("502", player.reasons);
+    ASSERT_EQ('2', player.reasons.back());
 }
 
 }  // namespace
@@ -37,12 +37,11 @@ TEST(CompstuiFunctions, MalformedPagesAndGroupsAreRefused) {
         {"page index", [](OneItem& g) { g.item.DlgPageIdx = 1; }, ERR_CPSUI_INVALID_DLGPAGEIDX},
         {"type size", [](OneItem& g) { g.type.cbSize = 0; }, ERR_CPSUI_INVALID_OPTTYPE_CBSIZE},
         {"type", [](OneItem& g) { g.type.Type = 99; }, ERR_CPSUI_INVALID_TVOT_TYPE},
-        {"count", [](OneItem& g) { g.type.Type = TVOT_3STATES; }, ERR_CPSUI_INVALID_OPTTYPE_COUNT},
+        {"a type that is not served", [](OneItem& g) { g.type.Type = TVOT_CHKBOX; },
+         ERR_CPSUI_INVALID_TVOT_TYPE},
+        {"count", [](OneItem& g) { g.type.Count = 0; }, ERR_CPSUI_INVALID_OPTTYPE_COUNT},
         {"no parameters", [](OneItem& g) { g.type.pOptParam = nullptr; }, ERR_CPSUI_NULL_POPTPARAM},
         {"parameter size", [](OneItem& g) { g.parameters[1].cbSize = 1; }, ERR_CPSUI_INVALID_OPTPARAM_CBSIZE},
-        {"edit box without buffer",
-         [](OneItem& g) { g.type.Type = TVOT_EDITBOX, g.parameters[1].IconID = 8, g.item.pSel = nullptr; },
-         ERR_CPSUI_INVALID_EDITBOX_PSEL},
         {"nothing wrong", [](OneItem&) {}, 1},
     };
     at_init([&](PROPSHEETUI_INFO& info) {
@@ -67,20 +66,31 @@ TEST(CompstuiFunctions, MalformedPagesAndGroupsAreRefused) {
     });
 }
 
-TEST(CompstuiFunctions, PagesAreCountedListedAndTakenOut) {
+TEST(CompstuiFunctions, PagesAreCountedChosenAndTakenOut) {
     at_init([](PROPSHEETUI_INFO& info) {
         Group group;
+        DLGPAGE two[2] = {group.page, group.page};
+        group.sheet.pDlgPage = two;
+        group.sheet.cDlgPage = 2;
         const PROPSHEETPAGEW page = plain_page();
-        const auto* in_group =
-            reinterpret_cast<void*>(call(info, CPSFUNC_ADD_PCOMPROPSHEETUIW, &group.sheet));
-        const auto* alone = reinterpret_cast<void*>(call(info, CPSFUNC_ADD_PROPSHEETPAGEW, &page));
+        const LONG_PTR in_group = call(info, CPSFUNC_ADD_PCOMPROPSHEETUIW, &group.sheet);
+        const LONG_PTR alone = call(info, CPSFUNC_ADD_PROPSHEETPAGEW, &page);
+        const auto handle = [](LONG_PTR number) { return reinterpret_cast<void*>(number); };
         EXPECT_TRUE(in_group && alone);
-        EXPECT_EQ(1, call(info, CPSFUNC_GET_PAGECOUNT, in_group));
-        const void* pages[2] = {};
-        EXPECT_EQ(2, call(info, CPSFUNC_GET_HPSUIPAGES, pages, 2));
-        EXPECT_EQ(alone, pages[1]);
-        EXPECT_EQ(1, call(info, CPSFUNC_DELETE_HCOMPROPSHEET, in_group));
-        EXPECT_EQ(0, call(info, CPSFUNC_DELETE_HCOMPROPSHEET, in_group));
+        EXPECT_EQ(3, call(info, CPSFUNC_GET_PAGECOUNT, nullptr));
+        const struct {
+            LONG_PTR page;
+            LPARAM index;
+            LONG_PTR answer;
+        } starts[] = {{alone, 9, alone}, {in_group, 1, in_group}, {in_group, 2, 0}, {0, 0, 0}, {8, 0, 0}};
+        for (const auto& row : starts)
+            EXPECT_EQ(row.answer, call(info, CPSFUNC_SET_HSTARTPAGE, handle(row.page), row.index));
+        EXPECT_EQ(-1, call(info, CPSFUNC_SET_RESULT, handle(8), CPSUI_OK));
+        EXPECT_EQ(-1, info.pfnComPropSheet(handle(8), CPSFUNC_SET_RESULT, 0, CPSUI_OK));
+        EXPECT_EQ(1, call(info, CPSFUNC_SET_RESULT, handle(alone), CPSUI_OK));
+        EXPECT_EQ(1, call(info, CPSFUNC_SET_RESULT, nullptr, CPSUI_CANCEL));  // the function's own
+        EXPECT_EQ(2, call(info, CPSFUNC_DELETE_HCOMPROPSHEET, handle(in_group)));
+        EXPECT_EQ(0, call(info, CPSFUNC_DELETE_HCOMPROPSHEET, handle(in_group)));
         EXPECT_EQ(1, call(info, CPSFUNC_GET_PAGECOUNT, nullptr));
         for (int i = 1; i < MAXPROPPAGES; ++i)
             EXPECT_NE(0, call(info, CPSFUNC_ADD_PROPSHEETPAGEW, &page));

@@ -1,8 +1,10 @@
 // Option items: what they read as, who may change them, and what their callback is told.
 #include <gtest/gtest.h>
 
+#include "UI_dll/plotui.h"
 #include "companions/compstui/option_item.h"
 #include "companions/compstui_player.h"
+#include "resources/ids.h"
 
 namespace {
 
@@ -32,32 +34,49 @@ LONG APIENTRY keep_told(CPSUICBPARAM* parameter) noexcept {
 }  // namespace
 
 TEST(CompstuiOptions, OnlyWithPermissionTheyChange) {
+    ASSERT_TRUE(plotui::attach_process(GetModuleHandleW(nullptr)));
     const struct {
         const char* label;
+        WORD template_id;
+        int list;
         WORD sheet_flags;
         DWORD item_flags;
         bool may_change;
-    } rows[] = {{"permission", CPSUIF_UPDATE_PERMISSION, 0, true},
-                {"no permission", 0, 0, false},
-                {"item off", CPSUIF_UPDATE_PERMISSION, OPTIF_DISABLED, false}};
+    } rows[] = {
+        {"the host's page", DP_STD_TREEVIEWPAGE, compstui::kOptionList, CPSUIF_UPDATE_PERMISSION, 0, true},
+        {"the caller's page", IDD_OPTIONS, IDC_OPTION_ITEM, CPSUIF_UPDATE_PERMISSION, 0, true},
+        {"no permission", IDD_OPTIONS, IDC_OPTION_ITEM, 0, 0, false},
+        {"item off", DP_STD_TREEVIEWPAGE, compstui::kOptionList, CPSUIF_UPDATE_PERMISSION, OPTIF_DISABLED,
+         false}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
         OneItem group;
         group.item.Flags = OPTIF_CALLBACK | row.item_flags;
+        group.page.Flags = 0;
+        group.page.DlgTemplateID = row.template_id;
+        group.sheet.hInstCaller = plotui::resource_module();
         group.sheet.Flags = row.sheet_flags;
         group.sheet.pfnCallBack = &keep_told;
         told = {};
         Player player;
         player.add = [&](PROPSHEETUI_INFO& info) { call(info, CPSFUNC_ADD_PCOMPROPSHEETUIW, &group.sheet); };
         player.script = [&](HWND page) {
-            const HWND value = GetDlgItem(page, compstui::kOptionValue);
-            EXPECT_EQ(L"Item: one", tree_text(page));
-            EXPECT_EQ(row.may_change, IsWindowEnabled(value) != FALSE);
+            const HWND list = GetDlgItem(page, row.list + compstui::kListBox);
+            const bool has_tree = GetDlgItem(page, compstui::kOptionTree) != nullptr;
+            EXPECT_EQ(row.template_id == DP_STD_TREEVIEWPAGE, has_tree);
+            wchar_t title[20] = {};
+            GetDlgItemTextW(page, row.list + compstui::kListTitle, title, 20);
+            EXPECT_STREQ(L"Item", title);
+            EXPECT_EQ(2, SendMessageW(list, LB_GETCOUNT, 0, 0));
+            EXPECT_EQ(1, SendMessageW(list, LB_GETCURSEL, 0, 0));
+            EXPECT_EQ(row.may_change, IsWindowEnabled(list) != FALSE);
             if (row.may_change) {
-                SendMessageW(value, CB_SETCURSEL, 0, 0);
-                SendMessageW(page, WM_COMMAND, MAKEWPARAM(compstui::kOptionValue, CBN_SELCHANGE),
-                             reinterpret_cast<LPARAM>(value));
-                EXPECT_EQ(L"Item: zero", tree_text(page));
+                SendMessageW(list, LB_SETCURSEL, 0, 0);
+                SendMessageW(page, WM_COMMAND, MAKEWPARAM(row.list + compstui::kListBox, LBN_SELCHANGE),
+                             reinterpret_cast<LPARAM>(list));
+            }
+            if (has_tree) {
+                EXPECT_EQ(row.may_change ? L"Item: zero" : L"Item: one", tree_text(page));
             }
             SendMessageW(GetParent(page), PSM_PRESSBUTTON, PSBTN_OK, 0);
             EXPECT_EQ(1, told.applies);
@@ -69,4 +88,5 @@ TEST(CompstuiOptions, OnlyWithPermissionTheyChange) {
         EXPECT_EQ(row.may_change ? 1 : 0, told.old);
         EXPECT_EQ(2, told.applies);
     }
+    plotui::detach_process(false);
 }

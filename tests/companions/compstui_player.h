@@ -9,15 +9,19 @@
 #include "companions/compstui/page.h"
 #include "companions/compstui/page_template.h"
 #include "companions/compstui/sheet.h"
+#include "resources/ids.h"
 
 struct Player {
     std::function<void(PROPSHEETUI_INFO&)> add;  // at INIT
     std::function<void(HWND page)> script;       // once a page of `page_proc` stands; it must end the sheet
     LONG init_answer = 1;
     LONG header_answer = 1;
+    LRESULT passed_on = -1;     // what a parent gets in place of the result; -1: the result
+    bool page_applies = false;  // the page's procedure answers PSN_APPLY itself
 
     std::string reasons;  // one digit each
     std::vector<HANDLE> spoke;
+    WORD header_flags = 0;  // as the host has set them
     LPARAM destroyed = -1;
     LONG answer = 0;
     DWORD result = 99;
@@ -46,13 +50,15 @@ struct Player {
             case PROPSHEETUI_REASON_GET_INFO_HEADER: {
                 auto& header = *reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter);
                 header.pTitle = const_cast<wchar_t*>(L"Sheet");
-                header.Flags = PSUIHDRF_PROPTITLE;
+                player.header_flags = header.Flags;
                 return player.header_answer;
             }
             case PROPSHEETUI_REASON_SET_RESULT: {
-                const auto& taken = *reinterpret_cast<const SETRESULT_INFO*>(parameter);
+                auto& taken = *reinterpret_cast<SETRESULT_INFO*>(parameter);
                 player.spoke.push_back(taken.hSetResult);
                 info->Result = static_cast<ULONG_PTR>(taken.Result);
+                if (player.passed_on >= 0)
+                    taken.Result = player.passed_on;
                 return 1;
             }
             case PROPSHEETUI_REASON_DESTROY:
@@ -63,13 +69,16 @@ struct Player {
         }
     }
 
-    // Leaves every message to the host, as the pages of option items do.
-    static INT_PTR CALLBACK page_proc(HWND page, UINT message, WPARAM, LPARAM) {
+    // Leaves every message to the host, as the pages of option items do, PSN_APPLY only when it is not told
+    // to answer that itself.
+    static INT_PTR CALLBACK page_proc(HWND page, UINT message, WPARAM, LPARAM lparam) {
         static const UINT kStands = RegisterWindowMessageW(L"compstui test: the sheet stands");
         if (message == WM_INITDIALOG)
             PostMessageW(page, kStands, 0, 0);
         else if (message == kStands && current())
             current()->script(page);
+        else if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(lparam)->code == PSN_APPLY)
+            return current() && current()->page_applies;
         return FALSE;
     }
 
@@ -116,7 +125,7 @@ struct Group {
     Group& operator=(const Group&) = delete;
 };
 
-// The same with one option item, a combo box that has its second text chosen.
+// The same with one option item, a list box that has its second text chosen.
 struct OneItem : Group {
     OPTPARAM parameters[2] = {};
     OPTTYPE type = {};
@@ -127,7 +136,8 @@ struct OneItem : Group {
         parameters[0].pData = const_cast<wchar_t*>(L"zero");
         parameters[1].pData = const_cast<wchar_t*>(L"one");
         type.cbSize = sizeof type;
-        type.Type = TVOT_COMBOBOX;
+        type.Type = TVOT_LISTBOX;
+        type.BegCtrlID = IDC_OPTION_ITEM;
         type.Count = 2;
         type.pOptParam = parameters;
         item.cbSize = sizeof item;

@@ -134,26 +134,28 @@ TEST(Devmode, OntoItselfItIsOnlyStamped) {
     EXPECT_EQ(std::memcmp(devmode.get(), before.get(), 256), 0);
 }
 
-TEST(Devmode, ThoseThatClaimMoreThanTheyHoldAreRefused) {
+TEST(Devmode, WhatIsCopiedMustBeThere) {
     const Layout most = {65535, 65535, 0x0401, 0};
     struct {
         const char* label;
         Layout layout;
         size_t room;
+        int copied;
     } const rows[] = {
-        {"a word short", kOwn, 252},
-        {"all sizes at their end", most, 4096},
-        {"public part beyond", {65535, 0, 0x0401, 0}, 220},
-        {"header only", kOwn, kHeader},
-        {"no whole header", kOwn, 68},
+        {"a word short", kOwn, 252, -1},
+        {"all sizes at their end", most, 4096, -1},
+        {"header only", kOwn, kHeader, -1},
+        {"no whole header", kOwn, 68, -1},
+        {"public part claims more", {65535, 0, 0x0401, 0}, 220, 220},
+        {"extension claims more", {220, 60000, 0x0401, 0}, 256, 256},
     };
-    const Devmode good(kOwn, 1);
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
-        const Devmode bad(row.layout, 2, row.room);
-        EXPECT_EQ(ConvertDevmode(bad.get(), good.get()), -1);
-        EXPECT_EQ(ConvertDevmode(good.get(), bad.get()), -1);
+        const Devmode good(kOwn, 1), other(row.layout, 2, row.room);
+        EXPECT_EQ(ConvertDevmode(other.get(), good.get()), row.copied);
+        EXPECT_EQ(ConvertDevmode(good.get(), other.get()), row.copied);
     }
+    const Devmode good(kOwn, 1);
     EXPECT_EQ(ConvertDevmode(nullptr, good.get()), -1);
     EXPECT_EQ(ConvertDevmode(good.get(), nullptr), -1);
     Devmode constant(kOwn, 3);

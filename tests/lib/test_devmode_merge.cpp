@@ -15,13 +15,13 @@ namespace {
 
 class ListedPapers final : public MergeSource {
 public:
-    const std::vector<FormView>& forms() override {
+    const std::vector<FormRecord>& forms() override {
         ++asked;
         return papers;
     }
     short forced_orientation() override { return orientation; }
 
-    std::vector<FormView> papers = {
+    std::vector<FormRecord> papers = {
         {.name = L"Letter", .size = {215900, 279400}, .paper_number = 1},
         {.name = L"B7 a rather long name of more than thirty-one",
          .size = {88049, 124950},

@@ -27,7 +27,7 @@ void PrintTo(const Seen& seen, std::ostream* out) {
 
 class Listener final : public FormCallback {
 public:
-    void operator()(const FormView* form) override {
+    void operator()(const FormRecord* form) override {
         seen.push_back(form ? Seen{form->name, form->paper_number, form->driver_paper_id, form->flags}
                             : Seen{L"<end>", 0, 0, 0});
     }

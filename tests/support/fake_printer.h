@@ -5,12 +5,14 @@
 #include <windows.h>
 #include <winspool.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <cwchar>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -49,6 +51,7 @@ public:
     std::function<void()> while_telling;
     std::atomic<int> get_calls = 0;
     std::atomic<int> forms_calls = 0;
+    bool forms_buffer_was_clear = true;
     std::atomic<int> open_calls = 0;
     std::atomic<int> open_handles = 0;
     DWORD open_access = 0;
@@ -119,8 +122,13 @@ private:
         *needed = static_cast<DWORD>(forms.size() * sizeof(FORM_INFO_1W) + 8);
         if (!buffer && self_->failing_forms_call == 1)
             return fail(ERROR_INVALID_HANDLE);
-        if (size < *needed)
+        if (size < *needed) {
+            const std::unique_ptr<BYTE[]> used(
+                new BYTE[*needed]);  // what the next one of that size is made of
+            std::fill_n(static_cast<volatile BYTE*>(used.get()), *needed, BYTE{0xEE});
             return fail(ERROR_INSUFFICIENT_BUFFER);
+        }
+        self_->forms_buffer_was_clear &= std::all_of(buffer, buffer + size, [](BYTE byte) { return !byte; });
         if (self_->failing_forms_call == 2)
             return fail(ERROR_NOT_READY);
         auto* form = reinterpret_cast<FORM_INFO_1W*>(buffer);

@@ -11,6 +11,7 @@
 #include "UI_dll/PDFSettings/setting_rows.h"
 #include "UI_dll/PDFSettings/view_box.h"
 #include "UI_dll/guard.h"
+#include "UI_dll/sheet_thread.h"
 #include "common/paths.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
@@ -157,10 +158,11 @@ bool on_list(HWND page, const NMHDR& header) {
 void take_choice(HWND page) {
     TRACE("PSN_APPLY@dlg_notify_PDFSettings");
     const std::wstring path = selected_path(page);
-    if (path.empty())
-        return;  // the printer keeps the setting it has
-    SetSettingFileName(qk::file_part(path), sheet_printer());
-    ResetSettingsList(page, path);
+    if (!path.empty()) {  // else the printer keeps the setting it has
+        SetSettingFileName(qk::file_part(path), sheet_printer());
+        ResetSettingsList(page, path);
+    }
+    SheetThread::choice_is_stored();
 }
 
 void leave_choice(HWND page) {
