@@ -42,7 +42,7 @@
 #define IDS_NOT_SAVED 4383
 #define IDS_NO_USER_FOLDER 4384
 #define IDS_UNREADABLE 4385
-#define IDS_CONFIRM_MORE 4386
+#define IDS_FAILED 4388
 #define IDS_REFUSED 4396
 #define IDS_CONFIRM_CAPTION 4500
 #define IDS_CONFIRM_CHANGES 4501
@@ -64,6 +64,7 @@
 #include "pages/watermark.h"
 #include "pages/open_action.h"
 #include "pages/info.h"
+#include "pages/changes.h"
 
 // Names of sections, fields and values, for the sentences that tell what differs between two settings
 // (20000 to 20999).

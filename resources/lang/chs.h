@@ -200,10 +200,14 @@
 #define TEXT_NAME_TAKEN_CAPTION "名称已使用"
 #define TEXT_CONFIRM_CAPTION "保存更改"
 #define TEXT_CONFIRM_CHANGES "打印设置的以下值将会更改：\r\n\r\n%s\r\n\r\n是否保存？"
-#define TEXT_CONFIRM_MORE "以及另外 %d 项"
+#define TEXT_CHANGES_LABEL "打印设置的以下值将会更改(&V)："
+#define TEXT_CHANGES_QUESTION "是否保存？"
+#define TEXT_CHANGES_YES "是(&Y)"
+#define TEXT_CHANGES_NO "否(&N)"
 #define TEXT_CONFIRM_DELETE "是否删除打印设置“%s”？\n\n%s"
 #define TEXT_NOT_SAVED "无法保存打印设置：\n%s\n\n%s\n您的更改仍保留在窗口中。请排除问题，然后再次单击“确定”。"
 #define TEXT_NO_USER_FOLDER "您的打印设置文件夹不存在，且无法创建。"
+#define TEXT_FAILED "操作未能完成，可能是内存不足。没有保存任何内容，您的输入仍保留在窗口中。请关闭其他程序，然后重试。"
 #define TEXT_UNREADABLE "无法读取此打印设置，因此将以标准值新建一个设置。原文件保持不变：\n%s"
 
 // Page General.

@@ -200,10 +200,14 @@
 #define TEXT_NAME_TAKEN_CAPTION "名稱已使用"
 #define TEXT_CONFIRM_CAPTION "儲存變更"
 #define TEXT_CONFIRM_CHANGES "列印設定的下列值將會變更：\r\n\r\n%s\r\n\r\n要儲存嗎？"
-#define TEXT_CONFIRM_MORE "以及其他 %d 項"
+#define TEXT_CHANGES_LABEL "列印設定的下列值將會變更(&V)："
+#define TEXT_CHANGES_QUESTION "要儲存嗎？"
+#define TEXT_CHANGES_YES "是(&Y)"
+#define TEXT_CHANGES_NO "否(&N)"
 #define TEXT_CONFIRM_DELETE "要刪除列印設定「%s」嗎？\n\n%s"
 #define TEXT_NOT_SAVED "無法儲存列印設定：\n%s\n\n%s\n您的變更仍保留在視窗中。請排除問題，然後再按一下「確定」。"
 #define TEXT_NO_USER_FOLDER "您的列印設定資料夾不存在，而且無法建立。"
+#define TEXT_FAILED "操作未能完成，可能是記憶體不足。沒有儲存任何內容，您的輸入仍保留在視窗中。請關閉其他程式，然後再試一次。"
 #define TEXT_UNREADABLE "無法讀取這個列印設定，因此將以標準值新增一個設定。原檔案維持不變：\n%s"
 
 // Page General.

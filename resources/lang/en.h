@@ -201,10 +201,14 @@
 #define TEXT_NAME_TAKEN_CAPTION "Name in use"
 #define TEXT_CONFIRM_CAPTION "Save changes"
 #define TEXT_CONFIRM_CHANGES "These values of the print setting change:\r\n\r\n%s\r\n\r\nSave them?"
-#define TEXT_CONFIRM_MORE "and %d more"
+#define TEXT_CHANGES_LABEL "These &values of the print setting change:"
+#define TEXT_CHANGES_QUESTION "Save them?"
+#define TEXT_CHANGES_YES "&Yes"
+#define TEXT_CHANGES_NO "&No"
 #define TEXT_CONFIRM_DELETE "Delete the print setting ""%s""?\n\n%s"
 #define TEXT_NOT_SAVED "The print setting could not be saved:\n%s\n\n%s\nYour changes are still in the window. Correct the cause and choose OK again."
 #define TEXT_NO_USER_FOLDER "Your folder for print settings does not exist and could not be made."
+#define TEXT_FAILED "This could not be done, perhaps for lack of memory. Nothing has been saved, and your entries are still in the window: close other programs and try again."
 #define TEXT_UNREADABLE "This print setting cannot be read, so a new one starts from the standard values. Its file is kept as it is:\n%s"
 
 // Page General.

@@ -203,12 +203,16 @@
 #define TEXT_NAME_TAKEN_CAPTION "名前の重複"
 #define TEXT_CONFIRM_CAPTION "変更の保存"
 #define TEXT_CONFIRM_CHANGES "印刷設定の次の値が変更されます:\r\n\r\n%s\r\n\r\n保存しますか?"
-#define TEXT_CONFIRM_MORE "他 %d 件"
+#define TEXT_CHANGES_LABEL "印刷設定の次の値が変更されます(&V):"
+#define TEXT_CHANGES_QUESTION "保存しますか?"
+#define TEXT_CHANGES_YES "はい(&Y)"
+#define TEXT_CHANGES_NO "いいえ(&N)"
 #define TEXT_CONFIRM_DELETE "印刷設定「%s」を削除しますか?\n\n%s"
 #define TEXT_NOT_SAVED \
     "印刷設定を保存できませんでした:\n%s\n\n%s\n変更内容はまだ画面に残っています。原因を取り除いてから、もう" \
     "一度 [OK] をクリックしてください。"
 #define TEXT_NO_USER_FOLDER "印刷設定用のユーザーフォルダーがなく、作成もできませんでした。"
+#define TEXT_FAILED "処理を完了できませんでした。メモリが不足している可能性があります。何も保存されていません。入力内容はまだ画面に残っていますので、他のプログラムを閉じてから、もう一度お試しください。"
 #define TEXT_UNREADABLE \
     "この印刷設定を読み込めないため、標準値を使った新しい設定で始めます。元のファイルはそのまま残ります:\n%s"
 

@@ -203,12 +203,16 @@
 #define TEXT_NAME_TAKEN_CAPTION "이름 중복"
 #define TEXT_CONFIRM_CAPTION "변경 내용 저장"
 #define TEXT_CONFIRM_CHANGES "인쇄 설정의 다음 값이 변경됩니다:\r\n\r\n%s\r\n\r\n저장하시겠습니까?"
-#define TEXT_CONFIRM_MORE "외 %d개"
+#define TEXT_CHANGES_LABEL "인쇄 설정의 다음 값이 변경됩니다(&V):"
+#define TEXT_CHANGES_QUESTION "저장하시겠습니까?"
+#define TEXT_CHANGES_YES "예(&Y)"
+#define TEXT_CHANGES_NO "아니요(&N)"
 #define TEXT_CONFIRM_DELETE "인쇄 설정 '%s'을(를) 삭제하시겠습니까?\n\n%s"
 #define TEXT_NOT_SAVED \
     "인쇄 설정을 저장하지 못했습니다:\n%s\n\n%s\n변경 내용은 창에 그대로 남아 있습니다. 원인을 해결한 후 " \
     "[확인]을 다시 클릭하십시오."
 #define TEXT_NO_USER_FOLDER "인쇄 설정용 사용자 폴더가 없으며 만들 수도 없습니다."
+#define TEXT_FAILED "작업을 완료하지 못했습니다. 메모리가 부족할 수 있습니다. 아무것도 저장되지 않았으며 입력한 내용은 창에 그대로 남아 있습니다. 다른 프로그램을 닫고 다시 시도하십시오."
 #define TEXT_UNREADABLE \
     "이 인쇄 설정을 읽을 수 없어 표준값으로 새 설정을 시작합니다. 원래 파일은 그대로 유지됩니다:\n%s"
 
