@@ -5,6 +5,7 @@
 
 #include "UI_dll/PDFSettings/changes_box.h"
 #include "UI_dll/PDFSettings/page.h"
+#include "UI_dll/PDFSettings/page_general_rules.h"
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/PDFSettings/settings_page.h"
 #include "UI_dll/PDFSettings/view_box.h"
@@ -12,6 +13,7 @@
 #include "common/text.h"
 #include "common/threadprop.h"
 #include "common/trace.h"
+#include "lib/forms.h"
 #include "print_settings/display.h"
 #include "resources/ids.h"
 
@@ -133,12 +135,23 @@ int tell_not_saved(HWND page, const std::wstring& path, DWORD error) {
     return kNotSaved;
 }
 
+// As the printer has it.
+std::wstring name_of_paper(int32_t number) {
+    ULONG_PTR printer = 0;
+    GetThreadProp(threadprop::kPrinter, printer);
+    std::vector<FormRecord> forms;
+    if (!printer || !ZRTK_EnumForms(reinterpret_cast<HANDLE>(printer), nullptr, forms))
+        return {};
+    const auto position = find_paper(forms, number);
+    return position ? forms[*position].name : std::wstring();
+}
+
 int save_existing(HWND page) {
     const std::wstring& path = dialog_state().path;
     const Setting& edited = edited_setting();
     if (edited == loaded_setting())
         return kSaved;
-    if (!confirm_changes(page, Changed2Str(loaded_setting(), edited)))
+    if (!confirm_changes(page, Changed2Str(loaded_setting(), edited, &name_of_paper)))
         return kSaveDeclined;
     // Takes the old file's place in one step: there is no moment without one of the two.
     return edited.Save(path) ? kSaved : tell_not_saved(page, path, GetLastError());
