@@ -49,7 +49,7 @@
 #define IDS_NOT_SAVED 4383
 #define IDS_NO_USER_FOLDER 4384
 #define IDS_UNREADABLE 4385
-#define IDS_CONFIRM_MORE 4386
+#define IDS_FAILED 4388
 #define IDS_REFUSED 4396
 #define IDS_CONFIRM_CAPTION 4500
 #define IDS_CONFIRM_CHANGES 4501
@@ -71,6 +71,7 @@
 #include "pages/watermark.h"
 #include "pages/open_action.h"
 #include "pages/info.h"
+#include "pages/changes.h"
 
 // Names of sections, fields and values, for the sentences that tell what differs between two settings
 // (20000 to 20999).
@@ -201,13 +202,7 @@
 #define IDS_PS_DIAGONAL 20124
 #define IDS_PS_Z_ORDER 20125
 #define IDS_PS_VERTICAL 20126
-#define IDS_PS_VERTICAL_0 20127
-#define IDS_PS_VERTICAL_1 20128
-#define IDS_PS_VERTICAL_2 20129
 #define IDS_PS_HORIZONTAL 20130
-#define IDS_PS_HORIZONTAL_0 20131
-#define IDS_PS_HORIZONTAL_1 20132
-#define IDS_PS_HORIZONTAL_2 20133
 #define IDS_PS_TRANSPARENCY 20134
 #define IDS_PS_VISIBLE_PRINT 20135
 #define IDS_PS_VISIBLE_DISPLAY 20136
@@ -231,5 +226,16 @@
 #define IDS_PS_PAGE_END 20154
 #define IDS_PS_PRINT_END 20155
 #define IDS_PS_PRINT_ERROR 20156
+#define IDS_PS_OPEN_PDF_0 20157
+#define IDS_PS_OPEN_PDF_1 20158
+#define IDS_PS_OPEN_PDF_2 20159
+#define IDS_PS_OPEN_PDF_3 20160
+#define IDS_PS_LEVEL_0 20161
+#define IDS_PS_LEVEL_1 20162
+#define IDS_PS_LEVEL_2 20163
+#define IDS_PS_LEVEL_3 20164
+#define IDS_PS_LEVEL_4 20165
+#define IDS_PS_LEVEL_5 20166
+#define IDS_PS_CONDITION 20167
 
 #endif

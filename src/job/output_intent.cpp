@@ -21,16 +21,14 @@ std::wstring output_condition(const Settings& settings, const std::wstring& prof
     return qk::to_wide(icc_ConditionIdFromDesc(icc::find_description(profile_path).value_or(L"")));
 }
 
-// The boxes are margins from the page's edges: the trim box lies inside the bleed box as long as no bleed
-// margin is the greater one.
-bool is_trim_inside_bleed(const Settings& settings) {
-    const auto& trim = settings.pdfVersion()->TrimBox;
-    const auto& bleed = settings.pdfVersion()->BleedBox;
+}  // namespace
+
+bool is_trim_inside_bleed(const Corvanta::Vantrix::PrintSettings::PDFVersion_impl& section) noexcept {
+    const auto& trim = section.TrimBox;
+    const auto& bleed = section.BleedBox;
     return !(bleed.left > trim.left || bleed.top > trim.top || bleed.right > trim.right ||
              bleed.bottom > trim.bottom);
 }
-
-}  // namespace
 
 std::optional<Refusal> find_refusal(const Settings& settings) {
     const unsigned version = settings.pdfVersion()->Version;
@@ -44,7 +42,7 @@ std::optional<Refusal> find_refusal(const Settings& settings) {
         return std::nullopt;
     if (output_condition(settings, *path).empty())
         return Refusal{50, IDS_NO_OUTPUT_CONDITION, {}};
-    if (!is_trim_inside_bleed(settings))
+    if (!is_trim_inside_bleed(*settings.pdfVersion()))
         return Refusal{51, IDS_BAD_PAGE_BOXES, {}};
     return std::nullopt;
 }

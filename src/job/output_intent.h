@@ -19,4 +19,9 @@ struct Refusal {
 [[nodiscard]] std::optional<Refusal> find_refusal(
     const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
 
+// Whether the page boxes go together. They are margins from the page's edges: the trim box lies inside the
+// bleed box as long as no bleed margin is the greater one.
+[[nodiscard]] bool is_trim_inside_bleed(
+    const Corvanta::Vantrix::PrintSettings::PDFVersion_impl& section) noexcept;
+
 }  // namespace job

@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "print_settings/display.h"
@@ -33,6 +34,10 @@ template <class Element>
     return text.empty() ? show(field, std::wstring()) : text;
 }
 
+// A text of the pages without its mark for the keyboard and its colon: "&Width: (mm)" gives "Width (mm)".
+[[nodiscard]] std::wstring plain(std::wstring text);
+
+// The name of an additional value: that of the pages where the dialog writes it.
 [[nodiscard]] std::wstring show_name(const std::wstring& name);
 [[nodiscard]] inline std::wstring show_name(int32_t number) {
     return std::to_wstring(number);
@@ -44,10 +49,13 @@ template <class Element>
 [[nodiscard]] std::wstring join(const std::wstring& path, const std::wstring& name);
 [[nodiscard]] std::wstring join(const std::wstring& path, const FieldInfo& field);
 
-// Appends a sentence per difference to `lines`. `path` names the sections around.
+// Appends a sentence per difference to `lines`. `path` names the sections around. The papers' names where
+// they are known.
 class Differences {
 public:
-    explicit Differences(std::vector<std::wstring>& lines) : lines_(lines) {}
+    explicit Differences(std::vector<std::wstring>& lines, std::wstring older_paper = {},
+                         std::wstring newer_paper = {})
+        : lines_(lines), older_paper_(std::move(older_paper)), newer_paper_(std::move(newer_paper)) {}
 
     template <class Section>
     void compare(const std::wstring& path, const Section& older, const Section& newer) {
@@ -67,9 +75,13 @@ private:
 
     template <class Value>
     void tell(const std::wstring& what, const FieldInfo& field, const Value& older, const Value& newer) {
-        lines_.push_back(field.shown == Shown::kSecret
-                             ? secret_change(what)
-                             : Changed2Str(what, show(field, older), show(field, newer)));
+        if (field.shown == Shown::kSecret)
+            lines_.push_back(secret_change(what));
+        else if (field.shown == Shown::kPaper)
+            lines_.push_back(Changed2Str(what, older_paper_.empty() ? show(field, older) : older_paper_,
+                                         newer_paper_.empty() ? show(field, newer) : newer_paper_));
+        else
+            lines_.push_back(Changed2Str(what, show(field, older), show(field, newer)));
     }
 
     template <SectionHandle Handle>
@@ -98,6 +110,8 @@ private:
     }
 
     std::vector<std::wstring>& lines_;
+    std::wstring older_paper_;
+    std::wstring newer_paper_;
 };
 
 }  // namespace Corvanta::Vantrix::PrintSettings::display

@@ -1,5 +1,6 @@
 #include "print_settings/display.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
 #include <string_view>
@@ -46,7 +47,36 @@ std::wstring shortened(std::wstring text) {
     return text;
 }
 
+// The additional values that the settings dialog writes.
+constexpr struct {
+    std::wstring_view key;
+    UINT name;
+} kNamedKeys[] = {{L"PaperName", IDS_PS_PAPER_NAME}, {L"OutputCondition", IDS_PS_CONDITION}};
+
+std::wstring name_text(UINT id) {
+    return plain(qk::load_string(id));
+}
+
+// The paper's name as the setting has it, else as it is known here.
+std::wstring paper_of(const PrintSettings& settings, const PaperNames& paper_name) {
+    const auto& texts = settings.addition()->Str;
+    if (const auto own = texts.find(L"PaperName"); own != texts.end() && !own->second.empty())
+        return shortened(own->second);
+    return paper_name ? paper_name(settings.general()->PaperName) : std::wstring();
+}
+
 }  // namespace
+
+// Where a language's letters are none of the keyboard, the mark stands in brackets behind the text: "(&W)".
+std::wstring plain(std::wstring text) {
+    if (const size_t mark = text.find(L"(&");
+        mark != std::wstring::npos && mark + 3 < text.size() && text[mark + 3] == L')')
+        text.erase(mark, 4);
+    std::erase(text, L'&');
+    const size_t end = std::min(text.find(L" ("), text.size());
+    const size_t last = text.find_last_not_of(L":\uFF1A. ", end - 1);
+    return last == std::wstring::npos ? text : text.substr(0, last + 1) + text.substr(end);
+}
 
 std::wstring show(const FieldInfo&, bool value) {
     return qk::load_string(value ? IDS_PS_YES : IDS_PS_NO);
@@ -55,7 +85,7 @@ std::wstring show(const FieldInfo&, bool value) {
 std::wstring show(const FieldInfo& field, int64_t value) {
     constexpr int64_t kAllOnes = 0xFFFFFFFF;
     if (field.shown == Shown::kNamed && value >= 0 && value < field.value_count)
-        return qk::load_string(field.first_value + static_cast<UINT>(value));
+        return name_text(field.first_value + static_cast<UINT>(value));
     if (field.shown == Shown::kColour) {
         const auto colour = static_cast<COLORREF>(value);
         return qk::format(L"#%02X%02X%02X", colour & 0xFF, colour >> 8 & 0xFF, colour >> 16 & 0xFF);
@@ -63,7 +93,9 @@ std::wstring show(const FieldInfo& field, int64_t value) {
     if ((field.shown == Shown::kZeroIsAuto && value == 0) ||
         (field.shown == Shown::kOnesAreAuto && value == kAllOnes))
         return qk::load_string(IDS_PS_AUTO);
-    return std::to_wstring(field.shown == Shown::kSigned && value == kAllOnes ? -1 : value);
+    if (field.shown == Shown::kOnesAreNone && value == kAllOnes)
+        return qk::load_string(IDS_PS_NO);
+    return std::to_wstring(value);
 }
 
 std::wstring show(const FieldInfo&, double value) {
@@ -73,6 +105,9 @@ std::wstring show(const FieldInfo&, const std::wstring& value) {
     return L"\"" + shortened(value) + L"\"";
 }
 std::wstring show_name(const std::wstring& name) {
+    for (const auto& known : kNamedKeys)
+        if (name == known.key)
+            return name_text(known.name);
     return shortened(name);
 }
 std::wstring nothing() {
@@ -86,7 +121,7 @@ std::wstring join(const std::wstring& path, const std::wstring& name) {
     return path.empty() ? name : fill_in(qk::load_string(IDS_PS_PATH), {path, name});
 }
 std::wstring join(const std::wstring& path, const FieldInfo& field) {
-    return field.name == 0 ? path : join(path, qk::load_string(field.name));
+    return field.name == 0 ? path : join(path, name_text(field.name));
 }
 
 namespace {
@@ -113,10 +148,12 @@ void list_names(std::vector<std::wstring>& lines, const std::wstring& path, cons
 }  // namespace
 }  // namespace display
 
-std::vector<std::wstring> Changed2Str(const PrintSettings& older, const PrintSettings& newer) {
+std::vector<std::wstring> Changed2Str(const PrintSettings& older, const PrintSettings& newer,
+                                      const PaperNames& paper_name) {
     TRACE("Changed2Str");
     std::vector<std::wstring> lines;
-    display::Differences(lines).compare({}, *older, *newer);
+    display::Differences(lines, display::paper_of(older, paper_name), display::paper_of(newer, paper_name))
+        .compare({}, *older, *newer);
     return lines;
 }
 

@@ -1,6 +1,8 @@
 // Settings as text for a person, from the language library.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -8,9 +10,14 @@
 
 namespace Corvanta::Vantrix::PrintSettings {
 
+// The name of the form with that number; empty when it is not known.
+using PaperNames = std::function<std::wstring(int32_t number)>;
+
 // What differs between two settings, one sentence per change in the container's order: name, comment, then
-// the differences of each section.
-[[nodiscard]] std::vector<std::wstring> Changed2Str(const PrintSettings& older, const PrintSettings& newer);
+// the differences of each section. Papers go by the name that the setting gives them itself, else by that of
+// `paper_name`.
+[[nodiscard]] std::vector<std::wstring> Changed2Str(const PrintSettings& older, const PrintSettings& newer,
+                                                    const PaperNames& paper_name = {});
 
 // The sentence for one change, "Watermark - Text: "a" -> "b"".
 [[nodiscard]] std::wstring Changed2Str(const std::wstring& what, const std::wstring& older,

@@ -43,14 +43,17 @@ enum class Shown : uint8_t {
     kColour,       // a COLORREF
     kZeroIsAuto,   // 0 reads "automatic"
     kOnesAreAuto,  // every bit set reads "automatic"
-    kSigned,       // every bit set reads -1
+    kOnesAreNone,  // every bit set reads "no"
+    kPaper,        // the number of a form: by its name, where it is known
 };
 
 // What a row says beside its member.
 struct FieldInfo {
     const char* key;       // JSON
     const char* read_key;  // JSON; the same but for one field
-    UINT name;  // string resource of the display name; 0: the field adds nothing to the section's name
+    // String resource of the display name, in the words of the page that edits it (see display::plain); 0:
+    // the field adds nothing to the section's name.
+    UINT name;
     Rule rule = {};
     Shown shown = Shown::kPlain;
     uint8_t value_count = 0;  // kNamed: string resources from first_value on, for the codes 0, 1, 2, ...

@@ -14,7 +14,7 @@ inline constexpr UINT kName<General_impl> = IDS_PS_GENERAL;
 template <>
 inline constexpr auto kFields<General_impl> = std::tuple{
     field("Linearize", &General_impl::Linearize, IDS_PS_LINEARIZE),
-    field("OpenPDF", &General_impl::OpenPDF, IDS_PS_OPEN_PDF, range(0, 3)).values(IDS_PS_NO, 2),
+    field("OpenPDF", &General_impl::OpenPDF, IDS_PS_OPEN_PDF, range(0, 3)).values(IDS_PS_OPEN_PDF_0, 4),
     field("WhenSameName", &General_impl::WhenSameName, IDS_PS_SAME_NAME, range(0, 3))
         .values(IDS_PS_SAME_NAME_0, 4),
     field("NoOutputBlankPage", &General_impl::NoOutputBlankPage, IDS_PS_NO_BLANK_PAGE),
@@ -24,7 +24,7 @@ inline constexpr auto kFields<General_impl> = std::tuple{
     field("OutputFolder", &General_impl::OutputFolder, IDS_PS_OUTPUT_FOLDER),
     field("PaperType", &General_impl::PaperType, IDS_PS_PAPER_TYPE, range(0, 1))
         .values(IDS_PS_PAPER_TYPE_0, 2),
-    field("PaperName", &General_impl::PaperName, IDS_PS_PAPER_NAME, range(1, 32767)),
+    field("PaperName", &General_impl::PaperName, IDS_PS_PAPER_NAME, range(1, 32767)).as(Shown::kPaper),
     field("PaperWidth", &General_impl::PaperWidth, IDS_PS_PAPER_WIDTH, range(25.4, 3276.7)),
     field("PaperHeight", &General_impl::PaperHeight, IDS_PS_PAPER_HEIGHT, range(25.4, 3276.7)),
     field("PaperOrientation", &General_impl::PaperOrientation, IDS_PS_ORIENTATION, range(0, 1))
@@ -110,7 +110,7 @@ inline constexpr auto kFields<OpenAction_impl> = std::tuple{
         .values(IDS_OPEN_ADJUST_0, 5),
     field("PageMode", &OpenAction_impl::PageMode, IDS_PS_PAGE_MODE, range(0, 3)).values(IDS_OPEN_MODE_0, 4),
     field("StartPage", &OpenAction_impl::StartPage, IDS_PS_START_PAGE, range_or_all_ones(-1, 1000000))
-        .as(Shown::kSigned),
+        .as(Shown::kOnesAreNone),
     field("FullScreen", &OpenAction_impl::FullScreen, IDS_PS_FULL_SCREEN),
     field("ShowDocumentTitle", &OpenAction_impl::ShowDocumentTitle, IDS_PS_SHOW_TITLE),
     field("HideMenu", &OpenAction_impl::HideMenu, IDS_PS_HIDE_MENU),
@@ -154,7 +154,7 @@ inline constexpr auto kFields<Security_impl> = std::tuple{
         .values(IDS_SEC_EDIT_0, 6),
     field("PrintPermission", &Security_impl::PrintPermission, IDS_PS_PRINT_PERMISSION, range(0, 2))
         .values(IDS_SEC_PRINT_0, 3),
-    field("Level", &Security_impl::Level, IDS_PS_LEVEL, range(0, 5)),
+    field("Level", &Security_impl::Level, IDS_PS_LEVEL, range(0, 5)).values(IDS_PS_LEVEL_0, 6),
     field("PDF13_DisallowPrint", &Security_impl::PDF13_DisallowPrint, IDS_PS_13_NO_PRINT),
     field("PDF13_DisallowModify", &Security_impl::PDF13_DisallowModify, IDS_PS_13_NO_MODIFY),
     field("PDF13_DisallowCopy", &Security_impl::PDF13_DisallowCopy, IDS_PS_13_NO_COPY),
@@ -177,9 +177,9 @@ inline constexpr auto kFields<Watermark_impl> = std::tuple{
     field("DiagonalText", &Watermark_impl::DiagonalText, IDS_PS_DIAGONAL),
     field("ZOrder", &Watermark_impl::ZOrder, IDS_PS_Z_ORDER, range(0, 1)).values(IDS_MARK_ORDER_0, 2),
     field("VerticalPosition", &Watermark_impl::VerticalPosition, IDS_PS_VERTICAL, range(0, 2))
-        .values(IDS_PS_VERTICAL_0, 3),
+        .values(IDS_MARK_VERTICAL_0, 3),
     field("HorizontalPosition", &Watermark_impl::HorizontalPosition, IDS_PS_HORIZONTAL, range(0, 2))
-        .values(IDS_PS_HORIZONTAL_0, 3),
+        .values(IDS_MARK_HORIZONTAL_0, 3),
     field("Transparency", &Watermark_impl::Transparency, IDS_PS_TRANSPARENCY, range(0, 100)),
     field("VisibleInPrint", &Watermark_impl::VisibleInPrint, IDS_PS_VISIBLE_PRINT),
     field("VisibleInDisplay", &Watermark_impl::VisibleInDisplay, IDS_PS_VISIBLE_DISPLAY),
@@ -190,14 +190,17 @@ inline constexpr UINT kName<Color_impl> = IDS_PS_COLOUR;
 template <>
 inline constexpr auto kFields<Color_impl> = std::tuple{
     field("BlackToK100", &Color_impl::BlackToK100, IDS_PS_BLACK_TO_K),
-    field("GrayDecreasingMethod", &Color_impl::GrayDecreasingMethod, IDS_PS_GREY_METHOD, range(0, 2)),
-    field("MonoDecreasingMethod", &Color_impl::MonoDecreasingMethod, IDS_PS_MONO_METHOD, range(0, 1)),
+    field("GrayDecreasingMethod", &Color_impl::GrayDecreasingMethod, IDS_PS_GREY_METHOD, range(0, 2))
+        .values(IDS_GRAY_METHOD_0, 3),
+    field("MonoDecreasingMethod", &Color_impl::MonoDecreasingMethod, IDS_PS_MONO_METHOD, range(0, 1))
+        .values(IDS_MONO_METHOD_0, 2),
     field("ColorMode", &Color_impl::ColorMode, IDS_PS_COLOUR_MODE, range(0, 2))
         .values(IDS_PS_COLOUR_MODE_0, 3),
     field("MonoImageThreshold", &Color_impl::MonoImageThreshold, IDS_PS_MONO_THRESHOLD, low_bits(0xFF)),
     field("MonoTextAndPassThreshold", &Color_impl::MonoTextAndPassThreshold, IDS_PS_MONO_TEXT_THRESHOLD,
           range(0, 255)),
-    field("MonoImageFilter", &Color_impl::MonoImageFilter, IDS_PS_MONO_FILTER, range(0, 4)),
+    field("MonoImageFilter", &Color_impl::MonoImageFilter, IDS_PS_MONO_FILTER, range(0, 4))
+        .values(IDS_MONO_FILTER_0, 5),
 };
 
 template <>

@@ -13,4 +13,5 @@ target_sources(zr_tests PRIVATE
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_values.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_settings_page.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_sheets.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_untouched.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_view_box.cpp)

@@ -182,6 +182,69 @@ TEST_F(Saving, EditsSurviveAFolderThatTakesNoFile) {
     EXPECT_EQ(ReadName(GetAppDataPath(false) + L"Kept.ps4"), L"Kept");
 }
 
+TEST_F(Saving, FailureOnAPageKeepsTheSheetOpenAndItsEdits) {
+    static bool fails;
+    static void* original;
+    const ImportPatch texts("GetWindowTextLengthW", reinterpret_cast<void*>(+[](HWND window) -> int {
+                                if (fails)
+                                    throw std::bad_alloc();
+                                return reinterpret_cast<decltype(&GetWindowTextLengthW)>(original)(window);
+                            }));
+    original = texts.original();
+    show([] {
+        rename(L"Typed");
+        fails = true;
+        EXPECT_FALSE(go_to(kInfoPage));
+        press_ok();
+        fails = false;
+        EXPECT_TRUE(go_to(kInfoPage));
+        fails = true;
+        press_ok();
+        fails = false;
+        EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Typed");
+        ASSERT_EQ(Outbox::boxes.size(), 3u);
+        for (const Outbox::Box& box : Outbox::boxes)
+            EXPECT_EQ(box.text, dialog_text(IDS_FAILED));
+        press_ok();
+    });
+    EXPECT_FALSE(stayed_open());
+    EXPECT_EQ(ReadName(GetAppDataPath(false) + L"Typed.ps4"), L"Typed");
+}
+
+TEST_F(Saving, LongListOfChangesIsWholeInABoxThatScrolls) {
+    const std::wstring path = own_file(L"Many");
+    make_old(path);
+    const auto box = [] {
+        const HWND popup = GetLastActivePopup(sheet());
+        return popup != sheet() && GetDlgItem(popup, IDC_CHANGES) ? popup : nullptr;
+    };
+    const auto answer = [&](int button) {
+        const Later later(
+            [&] { return box() != nullptr; },
+            [&] {
+                const std::wstring list = control_text(box(), IDC_CHANGES);
+                for (int i = 100; i < 140; ++i)
+                    EXPECT_NE(list.find(L"key" + std::to_wstring(i)), std::wstring::npos) << i;
+                EXPECT_NE(GetWindowLongPtrW(GetDlgItem(box(), IDC_CHANGES), GWL_STYLE) & WS_VSCROLL, 0);
+                SendMessageW(box(), WM_COMMAND, static_cast<WPARAM>(button), 0);
+            });
+        press_ok();
+    };
+    show(
+        [&] {
+            for (int i = 100; i < 140; ++i)
+                setting().addition()->Int[L"key" + std::to_wstring(i)] = i;
+            for (const int no : {IDNO, IDCANCEL}) {
+                answer(no);
+                EXPECT_TRUE(is_old(path));
+            }
+            answer(IDYES);
+        },
+        path);
+    EXPECT_FALSE(stayed_open());
+    EXPECT_FALSE(is_old(path));
+}
+
 TEST_F(Saving, CaptionTellsTheNameOfWhatIsEdited) {
     EXPECT_EQ(sheet_caption(L"Mine", true), dialog_text(IDS_SHEET_NEW));
     EXPECT_EQ(sheet_caption(L"", false), dialog_text(IDS_SHEET_NEW));

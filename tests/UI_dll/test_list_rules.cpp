@@ -4,7 +4,6 @@
 #include <set>
 #include <vector>
 
-#include "UI_dll/PDFSettings/edit_sheet.h"
 #include "UI_dll/PDFSettings/list_rules.h"
 
 namespace {
@@ -74,13 +73,6 @@ TEST(ListRules, NamesBecomeSafeFileNames) {
         {std::wstring(109, L'n') + L"\xD83D\xDE00", std::wstring(109, L'n')}};
     for (const auto& [name, file] : kRows)
         EXPECT_EQ(file_name_of(name), file);
-}
-
-TEST(ListRules, ChangesAreListedUpToALimit) {
-    const std::vector<std::wstring> changes = {L"a", L"b", L"c"};
-    EXPECT_EQ(change_list(changes, 3), L"a\r\nb\r\nc");
-    EXPECT_TRUE(change_list(changes, 1).starts_with(L"a\r\n"));
-    EXPECT_EQ(change_list(changes, 1).find(L'b'), std::wstring::npos);
 }
 
 }  // namespace

@@ -19,8 +19,9 @@ TEST_F(ColorPage, ModeAndMethodDecideWhatIsGreyed) {
     struct {
         int mode, method;
         bool grey, mono, image_threshold;
-    } const rows[] = {{4902, 0, false, false, false},
-                      {4903, 0, true, false, false},
+    } const rows[] = {{4902, 0, false, false, true},
+                      {4902, 1, false, false, false},
+                      {4903, 0, true, false, true},
                       {4904, 0, true, true, true},
                       {4904, 1, true, true, false}};
     setting().color()->ColorMode = 2;
@@ -44,9 +45,13 @@ TEST_F(ColorPage, ThresholdsKeepToTheirRange) {
     show([] {
         go_to(kPage);
         click(kPage, 4904);
-        type(kPage, 4909, L"-5");
         type(kPage, 4911, L"300");
         EXPECT_EQ(text(kPage, 4911), L"255");
+        for (const wchar_t* none : {L"-5", L"", L"x"}) {
+            type(kPage, 4909, L"7");
+            type(kPage, 4909, none);
+            EXPECT_EQ(text(kPage, 4909), L"0");
+        }
         EXPECT_EQ(SendMessageW(control(kPage, 4908), UDM_GETRANGE, 0, 0), MAKELRESULT(255, 0));
         press_apply();
     });

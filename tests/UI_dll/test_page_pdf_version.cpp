@@ -110,6 +110,17 @@ TEST_F(PDFVersionPage, ChoiceOfProfileSurvivesTheRefill) {
     });
 }
 
+TEST_F(PDFVersionPage, ProfileThatIsOfferedInAnothersPlaceIsTakenWhenChosen) {
+    setting().pdfVersion()->ICCFileName = L"gone.icc";
+    setting().pdfVersion()->Version = 6;
+    show([] {
+        EXPECT_EQ(chosen(), kCoated);
+        EXPECT_EQ(read_PDFVersion(page(kColorPage)).ICCFileName, L"gone.icc");
+        notify(kPDFVersionPage, IDC_PV_PROFILE, CBN_SELENDOK);
+        EXPECT_EQ(read_PDFVersion(page(kColorPage)).ICCFileName, L"coated.icm");
+    });
+}
+
 TEST_F(PDFVersionPage, ProfileOutsideTheFolderStays) {
     const std::wstring path =
         profiles.files.write(L"own.icc", ProfileFolder::profile("CMYK", "prtr", "Our press"));

@@ -21,6 +21,7 @@ TEST(PasswordRules, FirstFaultCounts) {
         std::wstring open, permissions;
         bool needs_open, needs_permissions;
         std::optional<Fault> fault;
+        bool is_open_new = true, is_permissions_new = true;
     } const rows[] = {
         {4, L"", L"", false, false, {}},
         {4, L"one", L"two", true, true, {}},
@@ -37,10 +38,15 @@ TEST(PasswordRules, FirstFaultCounts) {
         {12, L"a", std::wstring(43, L'\x3042'), true, true, Fault::kPermissionsTooLong},
         {5, L"one", L"one", true, true, {}},
         {11, L"", L"", true, true, {}},
+        {4, L"a b", L"a b", true, true, {}, false, false},  // as the file has them
+        {4, L"", fits + L"b", true, true, Fault::kNoOpen, true, false},
+        {4, L"a b", L"c d", true, true, Fault::kOpenCharacter, true, false},
+        {4, L"a", L"a", true, true, Fault::kSame, false, true},
     };
     for (const auto& row : rows)
         EXPECT_EQ(find_password_fault(row.version,
-                                      {row.open, row.permissions, row.needs_open, row.needs_permissions}),
+                                      {row.open, row.permissions, row.needs_open, row.needs_permissions,
+                                       row.is_open_new, row.is_permissions_new}),
                   row.fault)
             << &row - rows;
 }

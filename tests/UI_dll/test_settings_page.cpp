@@ -130,11 +130,20 @@ TEST_F(SettingsPage, OwnFileWithoutANameGoesByItsFilesAndIsTheUsers) {
                       "\xEF\xBB\xBF{\"PSComment\": []}");
     here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\torn.ps4", "\xEF\xBB\xBF{");
     open();
-    EXPECT_EQ(rows(), L"alpha beta zeta Office torn [Standard]");
-    select(1);
-    EXPECT_TRUE(can_delete());
-    select(4);
-    EXPECT_FALSE(can_delete());
+    EXPECT_EQ(rows(), L"alpha beta torn zeta Office [Standard]");
+    select(2);
+    in_sheet(IDC_SETTINGS_EDIT, [] { press_ok(); });  // of what cannot be read, a copy
+    EXPECT_EQ(TempFolder::read(GetAppDataPath(false) + L"torn.ps4"), "\xEF\xBB\xBF{");
+    EXPECT_EQ(rows(), L"alpha beta torn [torn(1)] zeta Office Standard");
+    Outbox::boxes.clear();
+    for (const wchar_t* name : {L"beta", L"torn"}) {  // what else should be asked for by name
+        select(1);
+        Outbox::answer = IDYES;
+        press(IDC_SETTINGS_DELETE);
+        ASSERT_FALSE(Outbox::boxes.empty());
+        EXPECT_NE(Outbox::boxes.back().text.find(L'"' + std::wstring(name) + L'"'), std::wstring::npos);
+    }
+    EXPECT_EQ(rows(), L"alpha [torn(1)] zeta Office Standard");
 }
 
 TEST_F(SettingsPage, ChosenSettingBecomesThePrintersOnOkOnly) {
@@ -152,9 +161,30 @@ TEST_F(SettingsPage, ChosenSettingBecomesThePrintersOnOkOnly) {
 
 TEST_F(SettingsPage, CancelGivesAPrinterWithoutItsFileTheStandardOne) {
     SetSettingFileName(L"gone.ps4", here.printer.name);
+    here.folder.write(L"gone.ps4", "");  // beside a document, say
+    wchar_t before[MAX_PATH] = {};
+    GetCurrentDirectoryW(MAX_PATH, before);
+    SetCurrentDirectoryW(here.folder.path().c_str());
     open();
     end(PSN_QUERYCANCEL);
+    SetCurrentDirectoryW(before);
     EXPECT_EQ(ReadDriverRegString(L"PDFSettingFileName", here.printer.name.c_str()), L"standard.ps4");
+}
+
+TEST_F(SettingsPage, ChoiceThatCannotBeStoredKeepsTheSheetOpen) {
+    open();
+    select(2);
+    {
+        const ImportPatch store("RegSetValueExW",
+                                reinterpret_cast<void*>(+[]() -> LSTATUS { throw std::bad_alloc(); }));
+        end(PSN_APPLY);
+    }
+    EXPECT_EQ(GetWindowLongPtrW(window, DWLP_MSGRESULT), PSNRET_INVALID_NOCHANGEPAGE);
+    ASSERT_EQ(Outbox::boxes.size(), 1u);
+    EXPECT_EQ(Outbox::boxes[0].text, dialog_text(IDS_FAILED));
+    end(PSN_APPLY);
+    EXPECT_EQ(GetWindowLongPtrW(window, DWLP_MSGRESULT), PSNRET_NOERROR);
+    EXPECT_EQ(GetSettingFileName(here.printer.name), L"office.ps4");
 }
 
 TEST_F(SettingsPage, OwnSettingIsDeletedWhenTheUserAgrees) {
@@ -184,7 +214,18 @@ TEST_F(SettingsPage, ListOfNothingSelectsNothing) {
     press(IDC_SETTINGS_DELETE);
     EXPECT_EQ(rows(), L"");
     EXPECT_FALSE(can_delete());
+    static int changes;
+    changes = 0;
+    SetWindowSubclass(
+        parent,
+        [](HWND sheet, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR, DWORD_PTR) {
+            changes += message == PSM_CHANGED;
+            return DefSubclassProc(sheet, message, wparam, lparam);
+        },
+        1, 0);
     end(PSN_APPLY);
+    end(PSN_QUERYCANCEL);
+    EXPECT_EQ(changes, 0);
     EXPECT_EQ(ReadDriverRegString(L"PDFSettingFileName", here.printer.name.c_str()), L"");
 }
 
@@ -205,6 +246,94 @@ TEST_F(SettingsPage, NewAndReadOnlySettingsAreCopiesAndOwnOnesAreEditedInPlace) 
     });
     EXPECT_EQ(rows(), L"Standard(1) [beta] zeta Office Standard");
     EXPECT_EQ(ReadName(GetAppDataPath(false) + L"alpha.ps4"), L"beta");
+}
+
+TEST_F(SettingsPage, EditWithNothingSelectedTakesTheRowOfBefore) {
+    open();
+    select(0);
+    ListView_SetItemState(list(), -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+    in_sheet(IDC_SETTINGS_EDIT, [] { EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"alpha"); });
+    EXPECT_EQ(rows(), L"[alpha] zeta Office Standard");
+}
+
+TEST_F(SettingsPage, FileOfANewSettingHasANameThatNoFolderHas) {
+    open();
+    in_sheet(IDC_SETTINGS_NEW, [] {
+        SetWindowTextW(control(kGeneralPage, IDC_NAME), L"office");  // the administrator's is "Office"
+        press_ok();
+    });
+    EXPECT_EQ(rows(), L"alpha [office] zeta Office Standard");
+    end(PSN_APPLY);
+    EXPECT_EQ(ReadName(ResolveSettingFilePath(GetSettingFileName(here.printer.name))), L"office");
+}
+
+TEST_F(SettingsPage, NameForACopyIsFoundReadingEachFileOnce) {
+    constexpr int kCopies = 30;
+    add_own(L"Standard");
+    for (int i = 1; i < kCopies; ++i)
+        add_own(L"Standard(" + std::to_wstring(i) + L")");
+    open();
+    static int opened;
+    opened = 0;
+    const ImportPatch count(
+        "CreateFileW", reinterpret_cast<void*>(+[](const wchar_t* path, DWORD access, DWORD share,
+                                                   SECURITY_ATTRIBUTES* security, DWORD creation, DWORD flags,
+                                                   HANDLE original) -> HANDLE {
+            opened += std::wcsstr(path, L".ps4") != nullptr;
+            return qk::find_export<decltype(CreateFileW)>(GetModuleHandleW(L"kernel32.dll"), "CreateFileW")(
+                path, access, share, security, creation, flags, original);
+        }));
+    int opened_for_name = 0;
+    in_sheet(IDC_SETTINGS_NEW, [&] {
+        opened_for_name = opened;
+        EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Standard(30)");
+    });
+    EXPECT_LE(opened_for_name, kCopies + 10);
+}
+
+TEST_F(SettingsPage, PicturesAreOutOfTheListBeforeTheyAreDestroyed) {
+    open();
+    static HIMAGELIST shown_at_end, made_then;
+    shown_at_end = dialog_state().icons.images.get();
+    SetWindowSubclass(
+        list(),
+        [](HWND control_window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR, DWORD_PTR) {
+            if (message == WM_DESTROY) {  // after its page's
+                shown_at_end = ListView_GetImageList(control_window, LVSIL_SMALL);
+                made_then = ImageList_Create(16, 16, ILC_COLOR32, 1, 0);
+            }
+            return DefSubclassProc(control_window, message, wparam, lparam);
+        },
+        1, 0);
+    close();
+    EXPECT_EQ(shown_at_end, nullptr);
+    EXPECT_TRUE(ImageList_Destroy(made_then));
+}
+
+TEST_F(SettingsPage, PageOpenedFromAnotherLeavesItAsItWas) {
+    for (const bool inner_first : {true, false}) {
+        SCOPED_TRACE(inner_first);
+        open();
+        select(1);
+        const HWND outer = window, outer_parent = parent;
+        open();
+        select(0);
+        EXPECT_EQ(setting()->PSName, L"alpha");
+        const HWND inner = window, inner_parent = parent;
+        DestroyWindow(inner_first ? inner_parent : outer_parent);
+        window = inner_first ? outer : inner;
+        parent = inner_first ? outer_parent : inner_parent;
+        EXPECT_EQ(dialog_state().list_page, window);
+        EXPECT_EQ(setting()->PSName, inner_first ? L"zeta" : L"alpha");
+        const HIMAGELIST images = ListView_GetImageList(list(), LVSIL_SMALL);
+        EXPECT_EQ(images, dialog_state().icons.images.get());
+        EXPECT_EQ(ImageList_GetImageCount(images), 2);
+        in_sheet(IDC_SETTINGS_EDIT,
+                 [&] { EXPECT_EQ(text(kGeneralPage, IDC_NAME), inner_first ? L"zeta" : L"alpha"); });
+        SendMessageW(parent, WM_TIMER, 1234, 0);
+        EXPECT_EQ(ImageList_GetImageCount(ListView_GetImageList(list(), LVSIL_SMALL)), 2);
+        close();
+    }
 }
 
 TEST_F(SettingsPage, FileThatVanishesOrBreaksWhileListedCostsNothing) {
@@ -241,10 +370,18 @@ TEST_F(SettingsPage, SettingsOfAnOlderVersionComeInOnce) {
     setting->PSName = L"from old";
     EXPECT_TRUE(setting.Save(old + L"zeta.ps4"));  // one of that file is there already
     EXPECT_TRUE(setting.Save(old + L"fresh.ps4"));
+    setting->PSName = L"old standard";  // a job would find the installed one under that name
+    EXPECT_TRUE(setting.Save(old + L"Standard.ps4"));
+    setting->PSName = L"older";
+    EXPECT_TRUE(setting.Save(old + L"standard(1).ps4"));
     open();
-    EXPECT_EQ(rows(), L"alpha from old zeta Office [Standard]");
+    EXPECT_EQ(rows(), L"alpha from old old standard older zeta Office [Standard]");
     close();
-    DeleteFileW((GetAppDataPath(false) + L"fresh.ps4").c_str());
+    const std::wstring own = GetAppDataPath(false);
+    EXPECT_EQ(ReadName(own + L"Standard(2).ps4"), L"old standard");
+    EXPECT_FALSE(qk::is_file(own + L"standard.ps4"));
+    for (const wchar_t* name : {L"fresh.ps4", L"Standard(2).ps4", L"standard(1).ps4"})
+        DeleteFileW((own + name).c_str());
     open();
     EXPECT_EQ(rows(), L"alpha zeta Office [Standard]");
 }

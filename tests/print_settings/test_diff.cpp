@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/resource_dll.h"
+#include "print_settings/differences.h"
 #include "print_settings/display.h"
 #include "print_settings/field_tables.h"
 
@@ -20,17 +21,16 @@ TEST(SettingDifferences, AreSentencesForAPerson) {
         {[](auto& s) { s.watermark()->Text = L"DRAFT"; },
          {L"Watermark \u2013 Text: \"CONFIDENTIAL\" \u2192 \"DRAFT\""}},
         {[](auto& s) { s.general()->Linearize = false; },
-         {L"General \u2013 Optimise for viewing over a network: yes \u2192 no"}},
+         {L"General \u2013 Optimise for web viewing: yes \u2192 no"}},
         {[](auto& s) { s.general()->PaperOrientation = 1; },
-         {L"General \u2013 Orientation: portrait \u2192 landscape"}},
-        {[](auto& s) { s.general()->PaperWidth = 100.5f; },
-         {L"General \u2013 Paper width (mm): 210 \u2192 100.5"}},
+         {L"General \u2013 Orientation: Portrait \u2192 Landscape"}},
+        {[](auto& s) { s.general()->PaperWidth = 100.5f; }, {L"General \u2013 Width (mm): 210 \u2192 100.5"}},
         {[](auto& s) { s.general()->OpenPDF = 3; },
-         {L"General \u2013 Open the PDF after creation: yes \u2192 3"}},
+         {L"General \u2013 Open the PDF afterwards: yes \u2192 yes, in another way (3)"}},
         {[](auto& s) { s.pdfVersion()->Version = 6; },
-         {L"PDF version \u2013 Version: PDF 1.7 \u2192 PDF/X-1a:2001"}},
+         {L"PDF version \u2013 PDF version: PDF 1.7 \u2192 PDF/X-1a:2001"}},
         {[](auto& s) { s.compression()->Mono->ResolutionTarget = 600; },
-         {L"Compression \u2013 Monochrome images \u2013 Downsample to (dpi): 1200 \u2192 600"}},
+         {L"Compression \u2013 Monochrome images \u2013 Reduced to (dpi): 1200 \u2192 600"}},
         {[](auto& s) { s.pdfVersion()->TrimBox.left = 3; },
          {L"PDF version \u2013 Trim box \u2013 Left (mm): 0 \u2192 3"}},
         {[](auto& s) {
@@ -38,27 +38,50 @@ TEST(SettingDifferences, AreSentencesForAPerson) {
              s.watermark()->PictureScale = 50;
              s.watermark()->FontSize = 12;
          },
-         {L"Watermark \u2013 Picture scale (%): automatic \u2192 50",
-          L"Watermark \u2013 Text colour: #FF0000 \u2192 #563412",
-          L"Watermark \u2013 Font size: automatic \u2192 12"}},
+         {L"Watermark \u2013 Scale (%): automatic \u2192 50",
+          L"Watermark \u2013 Colour: #FF0000 \u2192 #563412",
+          L"Watermark \u2013 Size (pt): automatic \u2192 12"}},
         {[](auto& s) { s.openAction()->StartPage = ps::OpenAction_impl::kNoStartPage; },
-         {L"Opening the document \u2013 First page shown: 1 \u2192 -1"}},
+         {L"Opening \u2013 Start at a certain page: 1 \u2192 no"}},
         {[](auto& s) {
              s.font()->Fonts = {L"A", L"B"};
          },
          {L"Fonts \u2013 Listed fonts: \"\" \u2192 \"A\", \"B\""}},
         {[](auto& s) { s.addition()->Str[L"PaperName"] = L"A4"; },
-         {L"Additional values \u2013 PaperName: (none) \u2192 \"A4\""}},
+         {L"Additional values \u2013 Paper: (none) \u2192 \"A4\""}},
+        {[](auto& s) { s.addition()->Str[L"OutputCondition"] = L"X"; },
+         {L"Additional values \u2013 Output condition: (none) \u2192 \"X\""}},
+        {[](auto& s) {
+             s.color()->GrayDecreasingMethod = 1;
+             s.color()->MonoDecreasingMethod = 1;
+             s.color()->MonoImageFilter = 2;
+         },
+         {L"Colour \u2013 Brightness from colours: Luminance, as the eye sees it \u2192 Average of red, "
+          L"green and blue",
+          L"Colour \u2013 Conversion to black and white: Method: Threshold \u2192 Dither (error diffusion)",
+          L"Colour \u2013 Image filter: None \u2192 Sharpen"}},
+        {[](auto& s) { s.security()->Level = 1; },
+         {L"Security \u2013 Encryption level: level 4 \u2192 level 1"}},
+        {[](auto& s) { s.general()->PaperName = 11; }, {L"General \u2013 Paper: A4 \u2192 11"}},
+        {[](auto& s) {
+             s.general()->PaperName = 120;
+             s.addition()->Str[L"PaperName"] = L"Mine";
+         },
+         {L"General \u2013 Paper: A4 \u2192 Mine",
+          L"Additional values \u2013 Paper: (none) \u2192 \"Mine\""}},
+        {[](auto& s) { s.openAction()->HideMenu = true; },
+         {L"Opening \u2013 Parts of the viewer that are hidden: Menu bar: no \u2192 yes"}},
         {[](auto& s) { s.summary()->Title = L"%1\r\n%3"; },
-         {L"Document information \u2013 Title: \"\" \u2192 \"%1  %3\""}},
+         {L"Document \u2013 Title: \"\" \u2192 \"%1  %3\""}},
         {[](auto& s) { s->PSName = std::wstring(79, L'x') + L"\U0001F5A8 and more"; },
-         {L"Name: \"\" \u2192 \"" + std::wstring(79, L'x') + L"\u2026\""}},
+         {L"Name of the setting: \"\" \u2192 \"" + std::wstring(79, L'x') + L"\u2026\""}},
     };
     const ps::PrintSettings older;
     for (const auto& row : rows) {
         ps::PrintSettings newer;
         row.change(newer);
-        EXPECT_EQ(ps::Changed2Str(older, newer), row.sentences);
+        EXPECT_EQ(ps::Changed2Str(older, newer, [](int32_t number) { return number == 9 ? L"A4" : L""; }),
+                  row.sentences);
     }
 }
 
@@ -69,7 +92,7 @@ TEST(SettingDifferences, NeverShowAPassword) {
     newer.security()->MasterPassword = L"secret2";
     newer.security()->UserPassword = L"secret3";
     const std::vector<std::wstring> sentences = {L"Security \u2013 Permissions password: changed",
-                                                 L"Security \u2013 Password to open the document: changed"};
+                                                 L"Security \u2013 Password to open: changed"};
     EXPECT_EQ(older.security().DiffStr(newer.security()), sentences);
     EXPECT_EQ(ps::Changed2Str(older, newer), sentences);
 }
@@ -93,9 +116,8 @@ TEST(SettingDifferences, CodesAreListedByName) {
     ps::PrintSettings settings;
     settings.watermark()->Style = 2;
     const std::vector<std::wstring> lines = ps::Types2Str(settings);
-    EXPECT_EQ(lines.size(), 26u);
-    EXPECT_EQ(lines.front(), L"General \u2013 Open the PDF after creation: yes");
-    EXPECT_NE(std::find(lines.begin(), lines.end(), L"Watermark \u2013 Kind: picture"), lines.end());
+    EXPECT_EQ(lines.front(), L"General \u2013 Open the PDF afterwards: yes");
+    EXPECT_NE(std::find(lines.begin(), lines.end(), L"Watermark \u2013 Kind: Picture"), lines.end());
 }
 
 namespace {
@@ -105,6 +127,10 @@ void collect_names(std::set<UINT>& ids) {
     ps::for_each_field<Section>([&]<class Owner, class Value>(const ps::Field<Owner, Value>& field) {
         if (field.name != 0)
             ids.insert(field.name);
+        // A short range from 0 on is one of codes, and each has a name.
+        if (std::is_integral_v<Value> && field.rule.bounded && field.rule.low == 0 && field.rule.high < 50) {
+            EXPECT_EQ(field.value_count, field.rule.high + 1) << field.key;
+        }
         for (UINT i = 0; i < field.value_count; ++i)
             ids.insert(field.first_value + i);
         if constexpr (ps::SectionHandle<Value>)
@@ -122,4 +148,19 @@ TEST(SettingDifferences, EveryNameIsInTheLanguageLibrary) {
     EXPECT_GT(ids.size(), 120u);
     for (const UINT id : ids)
         EXPECT_NE(qk::load_string(id).front(), L'(') << id;
+}
+
+TEST(SettingDifferences, NamesAreThePagesTextsWithoutTheirMarks) {
+    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
+        {L"&Width: (mm)", L"Width (mm)"},
+        {L"\u5E45(&W): (mm)", L"\u5E45 (mm)"},
+        {L"\u5E45(&W)\uFF1A", L"\u5E45"},
+        {L"Co&lour...", L"Colour"},
+        {L"&ASCII (larger)", L"ASCII (larger)"},
+        {L"Hidden: Men&u", L"Hidden: Menu"},
+        {L"PDF 1.3", L"PDF 1.3"},
+        {L"", L""},
+    };
+    for (const auto& [text, name] : rows)
+        EXPECT_EQ(ps::display::plain(text), name);
 }

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <array>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -57,22 +58,50 @@ struct DialogState {
     std::unique_ptr<PageHelper> view_box;     // what the drawing of the page keeps
     std::unique_ptr<PageHelper> font_states;  // the table of font_states.h
     std::array<HWND, kPageCount> pages = {};  // of the open edit sheet
+    std::map<HWND, std::wstring> shown;       // what its controls showed at first, see is_touched()
     bool opening = false;                     // its pages are being made: nothing is checked
     bool cancelled = false;                   // the edit sheet was cancelled
 
     HWND list_page = nullptr;
-    HWND list_sheet = nullptr;     // the list page's parent, whose window procedure is replaced
-    HANDLE dpi_context = nullptr;  // the thread's, before the list page was opened
+    HWND list_sheet = nullptr;            // the list page's parent, whose window procedure is replaced
+    HANDLE dpi_context = nullptr;         // the thread's, before the list page was opened
+    std::unique_ptr<DialogState> before;  // of the list page that the thread showed already
 };
 
-// The calling thread's state, made on first use.
+// The state of the calling thread's dialog, made on first use. Of several, one opened from the other, it is
+// that of the page whose message is handled (DialogOfPage), else the newest.
 [[nodiscard]] DialogState& dialog_state();
 
-// Forgets the calling thread's state.
+// Begins and ends the state of one list page; those of the thread's other pages stay as they are.
+void open_dialog_state(HWND list_page);
+void close_dialog_state(HWND list_page) noexcept;
+
+// Forgets all of the calling thread's states.
 void release_dialog_state() noexcept;
+
+// The list page whose sheet that window is; null when it is of none.
+[[nodiscard]] HWND list_page_in(HWND sheet) noexcept;
+
+// While it lives, dialog_state() is that of the list page.
+class DialogOfPage {
+public:
+    explicit DialogOfPage(HWND list_page) noexcept;
+    ~DialogOfPage();
+    DialogOfPage(const DialogOfPage&) = delete;
+    DialogOfPage& operator=(const DialogOfPage&) = delete;
+
+    explicit operator bool() const noexcept { return found_; }  // whether the page has one
+
+private:
+    HWND outer_;
+    bool found_;
+};
 
 // The setting that the calling thread's dialog edits, made with default values on first use.
 [[nodiscard]] Setting& edited_setting();
+
+// The same as it was loaded. Made from the edited one where nothing was loaded.
+[[nodiscard]] Setting& loaded_setting();
 
 // The page's helper, made on first use.
 template <class Helper>

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 
+#include "UI_dll/PDFSettings/changes_box.h"
 #include "UI_dll/PDFSettings/page.h"
+#include "UI_dll/PDFSettings/page_general_rules.h"
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/PDFSettings/settings_page.h"
 #include "UI_dll/PDFSettings/view_box.h"
@@ -11,14 +13,13 @@
 #include "common/text.h"
 #include "common/threadprop.h"
 #include "common/trace.h"
+#include "lib/forms.h"
 #include "print_settings/display.h"
 #include "resources/ids.h"
 
 namespace pdf_settings {
 
 namespace {
-
-constexpr size_t kMostChanges = 20;
 
 bool is_new_sheet() {
     ULONG_PTR value = 0;
@@ -114,7 +115,7 @@ void name_copy() {
     std::wstring base(base_name(cut(edited->PSName, kNameUnits)));
     if (base.empty())
         base = dialog_text(IDS_SHEET_NEW);
-    edited->PSName = free_name(base, [](const std::wstring& name) { return is_name_taken(name, {}); });
+    edited->PSName = free_setting_name(base);
 }
 
 // --- Saving ---
@@ -134,49 +135,39 @@ int tell_not_saved(HWND page, const std::wstring& path, DWORD error) {
     return kNotSaved;
 }
 
-bool confirmed(HWND page, std::span<const std::wstring> changes) {
-    if (changes.empty())
-        return true;
-    const std::wstring text =
-        qk::format(dialog_text(IDS_CONFIRM_CHANGES).c_str(), change_list(changes, kMostChanges).c_str());
-    return show_message(page, text, IDS_CONFIRM_CAPTION, MB_YESNO | MB_ICONEXCLAMATION) == IDYES;
+// As the printer has it.
+std::wstring name_of_paper(int32_t number) {
+    ULONG_PTR printer = 0;
+    GetThreadProp(threadprop::kPrinter, printer);
+    std::vector<FormRecord> forms;
+    if (!printer || !ZRTK_EnumForms(reinterpret_cast<HANDLE>(printer), nullptr, forms))
+        return {};
+    const auto position = find_paper(forms, number);
+    return position ? forms[*position].name : std::wstring();
 }
 
 int save_existing(HWND page) {
-    const DialogState& state = dialog_state();
+    const std::wstring& path = dialog_state().path;
     const Setting& edited = edited_setting();
-    if (state.saved && edited == *state.saved)
+    if (edited == loaded_setting())
         return kSaved;
-    const auto changes = state.saved ? Corvanta::Vantrix::PrintSettings::Changed2Str(*state.saved, edited)
-                                     : std::vector<std::wstring>();
-    if (!confirmed(page, changes))
+    if (!confirm_changes(page, Changed2Str(loaded_setting(), edited, &name_of_paper)))
         return kSaveDeclined;
     // Takes the old file's place in one step: there is no moment without one of the two.
-    return edited.Save(state.path) ? kSaved : tell_not_saved(page, state.path, GetLastError());
+    return edited.Save(path) ? kSaved : tell_not_saved(page, path, GetLastError());
 }
 
 int save_new(HWND page) {
     if (edited_setting()->PSName.empty())
         return kNotSaved;
-    const std::wstring path = create_setting_file(edited_setting());
+    std::wstring path = create_setting_file(edited_setting());
     if (path.empty())
         return tell_not_saved(page, path, GetLastError());
-    dialog_state().path = path;
+    dialog_state().path = std::move(path);
     return kSaved;
 }
 
 }  // namespace
-
-std::wstring change_list(std::span<const std::wstring> changes, size_t most) {
-    const size_t shown = std::min(changes.size(), most);
-    std::wstring list;
-    for (size_t i = 0; i < shown; ++i)
-        list += (i > 0 ? L"\r\n" : L"") + changes[i];
-    if (shown < changes.size())
-        list += L"\r\n" +
-                qk::format(dialog_text(IDS_CONFIRM_MORE).c_str(), static_cast<int>(changes.size() - shown));
-    return list;
-}
 
 std::wstring sheet_caption(const std::wstring& name, bool is_new) {
     constexpr size_t kCaptionUnits = 260;
@@ -215,6 +206,7 @@ INT_PTR DoPropertySheet(HWND list_page, bool is_new) {
     TRACE("DoPropertySheet");
     const auto records = page_records();
     const std::wstring caption = sheet_caption(edited_setting()->PSName, is_new);
+    (void)loaded_setting();  // from here on
     PROPSHEETHEADERW header = {sizeof header};
     header.dwFlags = PSH_PROPSHEETPAGE | PSH_USEICONID | PSH_NOAPPLYNOW | PSH_USECALLBACK;
     header.hwndParent = list_page;
@@ -226,6 +218,7 @@ INT_PTR DoPropertySheet(HWND list_page, bool is_new) {
 
     SetThreadProp(threadprop::kNewSheet, is_new ? 1 : 0);
     dialog_state().cancelled = false;
+    dialog_state().shown.clear();
     INT_PTR result = 0;
     {
         const plotui::CommonControls controls;
@@ -235,8 +228,11 @@ INT_PTR DoPropertySheet(HWND list_page, bool is_new) {
         result = PropertySheetW(&header);
         TRACE("ret PropertySheet");
     }
-    for (auto& helper : dialog_state().helpers)
-        helper.reset();
+    if (dialog_state().list_page == list_page) {  // it may have gone, with its state
+        for (auto& helper : dialog_state().helpers)
+            helper.reset();
+        dialog_state().shown.clear();
+    }
     TRACE("FreeThreadProp");
     FreeThreadProp(threadprop::kNewSheet);
     return result;

@@ -5,7 +5,6 @@
 
 #include <prsht.h>
 
-#include <span>
 #include <string>
 
 namespace pdf_settings {
@@ -29,9 +28,6 @@ inline constexpr int kSaveDeclined = 7;  // the user does not want the changes
 // Saves the edited setting, the last step of OK. Unless the result is kSaved the sheet has to stay open: the
 // page answers the notification with PSNRET_INVALID_NOCHANGEPAGE.
 [[nodiscard]] int save_step(HWND page, bool from_ok);
-
-// The list of changes as the confirmation shows it: at most `most` lines, then how many more there are.
-[[nodiscard]] std::wstring change_list(std::span<const std::wstring> changes, size_t most);
 
 // The caption of the sheet for a setting of that name.
 [[nodiscard]] std::wstring sheet_caption(const std::wstring& name, bool is_new);

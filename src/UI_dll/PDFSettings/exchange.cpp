@@ -1,17 +1,39 @@
 #include "UI_dll/PDFSettings/exchange.h"
 
+#include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/PDFSettings/page.h"
+#include "common/text.h"
 
 namespace pdf_settings {
 
-std::wstring control_text(HWND page, int control) {
-    const HWND window = GetDlgItem(page, control);
-    const int length = window ? GetWindowTextLengthW(window) : 0;
+namespace {
+
+std::wstring text_of(HWND window) {
+    const int length = GetWindowTextLengthW(window);
     if (length <= 0)
         return {};
     std::wstring text(static_cast<size_t>(length), L'\0');
     text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), length + 1)));
     return text;
+}
+
+// What a control shows: a mark, the selected position or a text.
+std::wstring shown_by(HWND control) {
+    wchar_t name[20] = {};
+    GetClassNameW(control, name, static_cast<int>(std::size(name)));
+    if (qk::equal_no_case(name, WC_BUTTONW))
+        return std::to_wstring(SendMessageW(control, BM_GETCHECK, 0, 0));
+    const bool is_list = (GetWindowLongPtrW(control, GWL_STYLE) & CBS_DROPDOWNLIST) == CBS_DROPDOWNLIST;
+    if (is_list && (qk::equal_no_case(name, WC_COMBOBOXW) || qk::equal_no_case(name, WC_COMBOBOXEXW)))
+        return std::to_wstring(SendMessageW(control, CB_GETCURSEL, 0, 0));
+    return text_of(control);
+}
+
+}  // namespace
+
+std::wstring control_text(HWND page, int control) {
+    const HWND window = GetDlgItem(page, control);
+    return window ? text_of(window) : std::wstring();
 }
 
 bool is_checked(HWND page, int control) noexcept {
@@ -38,6 +60,19 @@ void fill_list(HWND page, int control, UINT first, UINT count) {
         const std::wstring text = dialog_text(id);
         SendDlgItemMessageW(page, control, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
     }
+}
+
+void remember_controls(HWND page) {
+    auto& shown = dialog_state().shown;
+    for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT))
+        shown[control] = shown_by(control);
+}
+
+bool is_touched(HWND page, int control) {
+    const HWND window = GetDlgItem(page, control);
+    const auto& shown = dialog_state().shown;
+    const auto first = shown.find(window);
+    return first != shown.end() && first->second != shown_by(window);
 }
 
 int selected(HWND page, int control, int otherwise) noexcept {

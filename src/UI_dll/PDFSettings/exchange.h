@@ -5,6 +5,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string>
@@ -33,7 +34,20 @@ void fill_list(HWND page, int control, UINT first, UINT count);
 [[nodiscard]] int selected(HWND page, int control, int otherwise = 0) noexcept;
 void select(HWND page, int control, int position) noexcept;
 
-// --- Rows of a page's table ---
+// Keeps what every control of the page shows, for is_touched(); forgotten when the sheet closes.
+void remember_controls(HWND page);
+
+// Whether the control shows something else than when the page was filled. What it shows is not always what
+// the field holds: numbers are rounded, texts cut, codes without a place on the page not shown at all. So
+// only what was touched is read; nothing of a page that could not be filled.
+[[nodiscard]] bool is_touched(HWND page, int control);
+template <size_t Count>
+[[nodiscard]] bool is_touched(HWND page, const std::array<int, Count>& controls) {
+    return std::any_of(controls.begin(), controls.end(),
+                       [page](int control) { return is_touched(page, control); });
+}
+
+// --- Rows of a page's table: they store into the section as it was loaded, where they were touched ---
 
 template <class Section, class Value>
 struct CheckBox {  // bool, or a number that is 1 when checked
@@ -44,7 +58,8 @@ struct CheckBox {  // bool, or a number that is 1 when checked
         pdf_settings::check(page, control, section.*member == Value{1});
     }
     void store(HWND page, Section& section) const {
-        section.*member = is_checked(page, control) ? Value{1} : Value{0};
+        if (is_touched(page, control))
+            section.*member = is_checked(page, control) ? Value{1} : Value{0};
     }
 };
 
@@ -59,7 +74,7 @@ struct Radios {  // the value is the position of the checked one
     }
     void store(HWND page, Section& section) const {
         for (size_t i = 0; i < Count; ++i)
-            if (is_checked(page, controls[i]))
+            if (is_touched(page, controls[i]) && is_checked(page, controls[i]))
                 section.*member = static_cast<Value>(i);
     }
 };
@@ -76,7 +91,8 @@ struct DropList {  // the value is the selected position; the list is filled fro
         select(page, control, static_cast<int>(section.*member));
     }
     void store(HWND page, Section& section) const {
-        section.*member = static_cast<Value>(selected(page, control, static_cast<int>(section.*member)));
+        if (is_touched(page, control))
+            section.*member = static_cast<Value>(selected(page, control, static_cast<int>(section.*member)));
     }
 };
 
@@ -91,20 +107,20 @@ struct Text {
         SetDlgItemTextW(page, control, (section.*member).c_str());
     }
     void store(HWND page, Section& section) const {
-        std::wstring text = control_text(page, control);
-        if (text != (section.*member).c_str())  // what no control shows, behind a zero, stays otherwise
-            section.*member = std::move(text);
+        if (is_touched(page, control))
+            section.*member = control_text(page, control);
     }
 };
 
 template <class Section, class Value>
-struct Number {  // a whole number, brought into its range when it is read; text that is none leaves the field
+struct Number {  // a whole number, brought into its range when it is read
     int control;
     Value Section::*member;
     int low;
     int high;
-    WPARAM limit;     // UTF-16 units
-    int up_down = 0;  // its up-down control, or none
+    WPARAM limit;              // UTF-16 units
+    int up_down = 0;           // its up-down control, or none
+    bool none_is_low = false;  // text that is no number: the least one, else the field stays
 
     void load(HWND page, const Section& section) const {
         SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, limit, 0);
@@ -113,8 +129,11 @@ struct Number {  // a whole number, brought into its range when it is read; text
         SetDlgItemTextW(page, control, std::to_wstring(static_cast<long long>(section.*member)).c_str());
     }
     void store(HWND page, Section& section) const {
-        if (const auto number = qk::find_integer(control_text(page, control)))
-            section.*member = static_cast<Value>(*number < low ? low : *number > high ? high : *number);
+        if (!is_touched(page, control))
+            return;
+        const auto number = qk::find_integer(control_text(page, control));
+        if (number || none_is_low)
+            section.*member = static_cast<Value>(std::clamp(number.value_or(low), low, high));
     }
 };
 
@@ -130,6 +149,8 @@ template <class Section, class Value>
 Number(int, Value Section::*, int, int, WPARAM) -> Number<Section, Value>;
 template <class Section, class Value>
 Number(int, Value Section::*, int, int, WPARAM, int) -> Number<Section, Value>;
+template <class Section, class Value>
+Number(int, Value Section::*, int, int, WPARAM, int, bool) -> Number<Section, Value>;
 
 // Fills the controls of every row of the table from the section, or the section from the controls.
 template <class Section, class... Rows>

@@ -9,15 +9,16 @@
 
 namespace pdf_settings {
 
-// One setting file. The kind tells who may change it, and is the first key of the order.
+// One setting file. The kind tells whose it is, and is the first key of the order.
 struct SettingEntry {
     static constexpr int32_t kOwn = 0;        // the user's: may be edited and deleted
-    static constexpr int32_t kCustom = 1;     // an administrator's, or one that cannot be read
+    static constexpr int32_t kCustom = 1;     // an administrator's
     static constexpr int32_t kInstalled = 2;  // of the installation
 
     int32_t kind = kOwn;
-    std::wstring path;  // full
-    std::wstring name;  // as the file holds it
+    std::wstring path;        // full
+    std::wstring name;        // as the file holds it, else the file's own
+    bool is_readable = true;  // else it is not written over: editing makes a copy
 };
 
 // Row texts are cut to this many units, names that a copy is made of to the other.

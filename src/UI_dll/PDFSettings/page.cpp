@@ -22,17 +22,30 @@ INT_PTR handle_notification(const PageOperations& operations, HWND page, const P
                 operations.set_active(page);
             return answer(page, 0);
         case PSN_KILLACTIVE:
-            return answer(page, !dialog_state().opening && operations.check && !operations.check(page));
+            return answer(page, or_stay_open(page, TRUE, [&] {
+                              return !dialog_state().opening && operations.check && !operations.check(page);
+                          }));
         case PSN_APPLY:
-            if (operations.check && !operations.check(page))
-                return answer(page, PSNRET_INVALID);
-            return answer(page, operations.apply(page, notification.lParam != FALSE));
+            return answer(page, or_stay_open(page, PSNRET_INVALID_NOCHANGEPAGE, [&]() -> LONG_PTR {
+                              if (operations.check && !operations.check(page))
+                                  return PSNRET_INVALID;
+                              return operations.apply(page, notification.lParam != FALSE);
+                          }));
         case PSN_QUERYCANCEL:
             dialog_state().cancelled = true;
             return answer(page, FALSE);
         default:
             return FALSE;
     }
+}
+
+// A page that cannot be filled would show values that are not the setting's; it has said so then.
+bool fill(const PageOperations& operations, HWND page) noexcept {
+    return or_stay_open(page, FALSE, [&] {
+        operations.init(page);
+        remember_controls(page);
+        return LONG_PTR{TRUE};
+    });
 }
 
 // Notifications of the sheet itself, not of a control on the page.
@@ -51,7 +64,8 @@ INT_PTR handle_page_message(const PageOperations& operations, HWND page, UINT me
     switch (message) {
         case WM_INITDIALOG:
             dialog_state().pages[operations.index] = page;
-            operations.init(page);
+            if (!fill(operations, page))
+                PostMessageW(GetParent(page), PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
             return FALSE;  // the sheet settles the focus
         case WM_COMMAND:
             if (operations.command)
@@ -113,6 +127,15 @@ std::wstring dialog_text(UINT id) {
 
 int show_message(HWND owner, const std::wstring& text, UINT caption_id, UINT style) {
     return MessageBoxW(owner, text.c_str(), dialog_text(caption_id).c_str(), style);
+}
+
+void tell_failure(HWND owner) noexcept {
+    TRACE("err:tell_failure");
+    const HMODULE library = plotui::resource_module();
+    wchar_t text[600] = {}, caption[100] = {};
+    LoadStringW(library, IDS_FAILED, text, static_cast<int>(std::size(text)));
+    LoadStringW(library, IDS_REFUSED, caption, static_cast<int>(std::size(caption)));
+    MessageBoxW(owner, text, caption, MB_OK | MB_ICONERROR);
 }
 
 bool refuse(HWND page, int control, UINT text_id, UINT icon) {

@@ -80,6 +80,24 @@ extern const PageOperations kGeneral, kPDFVersion, kColor, kCompress, kFont, kSe
 // Shows a message box; the result is its button.
 int show_message(HWND owner, const std::wstring& text, UINT caption_id, UINT style);
 
+// Says that something failed, out of memory for one, and that the entries are still there. Does what it can.
+void tell_failure(HWND owner) noexcept;
+
+// Runs the part of a page in keeping the sheet open or letting it close. Where it fails, says so and answers
+// `failure`: what a page does not answer would count as valid and as saved.
+template <class Operation>
+[[nodiscard]] LONG_PTR or_stay_open(HWND page, LONG_PTR failure, Operation operation) noexcept {
+    bool done = false;
+    const LONG_PTR result = ui::guarded<LONG_PTR>(failure, [&] {
+        const LONG_PTR answer = operation();
+        done = true;
+        return answer;
+    });
+    if (!done)
+        tell_failure(page);
+    return result;
+}
+
 // The way a check refuses: the message with the caption IDS_REFUSED, then the focus on the control, whose
 // text is selected. Always false.
 bool refuse(HWND page, int control, UINT text_id, UINT icon = MB_ICONERROR);

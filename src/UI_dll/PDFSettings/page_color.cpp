@@ -11,10 +11,10 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::Color_impl;
 
-constexpr Number kImageThreshold = {IDC_IMAGE_THRESHOLD,     &Color_impl::MonoImageThreshold, 0, 255, 3,
-                                    IDC_IMAGE_THRESHOLD_SPIN};
-constexpr Number kTextThreshold = {IDC_TEXT_THRESHOLD,     &Color_impl::MonoTextAndPassThreshold, 0, 255, 3,
-                                   IDC_TEXT_THRESHOLD_SPIN};
+constexpr Number kImageThreshold = {
+    IDC_IMAGE_THRESHOLD, &Color_impl::MonoImageThreshold, 0, 255, 3, IDC_IMAGE_THRESHOLD_SPIN, true};
+constexpr Number kTextThreshold = {
+    IDC_TEXT_THRESHOLD, &Color_impl::MonoTextAndPassThreshold, 0, 255, 3, IDC_TEXT_THRESHOLD_SPIN, true};
 
 constexpr std::array kModes = {IDC_COLOR_MODE_COLOR, IDC_COLOR_MODE_GRAY, IDC_COLOR_MODE_MONO};
 
@@ -29,7 +29,8 @@ constexpr std::tuple kControls = {
 };
 
 // Each with what explains it. Grey output uses the conversion to grey; black and white output starts from
-// grey and uses the rest as well; colour output uses none of them.
+// grey and uses the rest as well; colour output uses none of them. Whether the threshold of images is offered
+// is a matter of the method alone.
 constexpr std::array kGrayControls = {IDC_GRAY_METHOD_LABEL, IDC_GRAY_METHOD};
 constexpr std::array kMonoControls = {
     IDC_MONO_METHOD_LABEL,   IDC_MONO_METHOD,          IDC_TEXT_THRESHOLD_LABEL, IDC_TEXT_THRESHOLD,
@@ -44,7 +45,7 @@ void enable_conversions(HWND page) {
     const bool mono = is_checked(page, IDC_COLOR_MODE_MONO);
     enable(page, kGrayControls, mono || is_checked(page, IDC_COLOR_MODE_GRAY));
     enable(page, kMonoControls, mono);
-    enable(page, kImageThresholdControls, mono && selected(page, IDC_MONO_METHOD) != kMonoMethodDither);
+    enable(page, kImageThresholdControls, selected(page, IDC_MONO_METHOD) != kMonoMethodDither);
 }
 
 // Pure K is a matter of the output condition: the versions that carry one, and one that prints in CMYK.
@@ -66,7 +67,7 @@ void dlg_init_Color(HWND page) {
 
 // Shows a threshold as it will be stored.
 void settle(HWND page, const auto& threshold) {
-    Color_impl shown = *edited_setting().color();
+    Color_impl shown = *loaded_setting().color();
     threshold.store(page, shown);
     threshold.load(page, shown);
 }
@@ -99,7 +100,9 @@ void command(HWND page, int control, int notification) {
 // A greyed check box keeps its mark: another profile may bring it back.
 LONG dlg_apply_Color(HWND page, bool /*from_ok*/) {
     TRACE("dlg_apply_Color");
-    store_controls(page, *edited_setting().color(), kControls);
+    Color_impl read = *loaded_setting().color();
+    store_controls(page, read, kControls);
+    *edited_setting().color() = read;
     return PSNRET_NOERROR;
 }
 

@@ -127,7 +127,7 @@ void dlg_command_Compress(HWND page, int control, int notification) {
 }
 
 std::optional<uint32_t> typed_number(HWND page, int control, uint32_t low, uint32_t high) {
-    return whole_number(control_text(page, control), low, high, low);
+    return whole_number(control_text(page, control), low, high);
 }
 
 bool check_image(HWND page, const ImageControls& image) {
@@ -140,7 +140,10 @@ bool check_image(HWND page, const ImageControls& image) {
     const auto target = typed_number(page, image.base + CMP_TARGET, kLeastResolution, kMostResolution);
     if (!threshold || !target)
         return refuse(page, image.base + (threshold ? CMP_TARGET : CMP_THRESHOLD), IDS_CMP_BAD_RESOLUTION);
-    return *target <= *threshold || refuse(page, image.base + CMP_TARGET, IDS_CMP_TARGET_ABOVE);
+    const std::array together = {image.base + CMP_SAMPLING, image.base + CMP_THRESHOLD,
+                                 image.base + CMP_TARGET};
+    return *target <= *threshold || !is_touched(page, together) ||
+           refuse(page, image.base + CMP_TARGET, IDS_CMP_TARGET_ABOVE);
 }
 
 bool dlg_killactive_Compress(HWND page) {
@@ -153,11 +156,12 @@ bool dlg_killactive_Compress(HWND page) {
 
 LONG dlg_apply_Compress(HWND page, bool /*from_ok*/) {
     TRACE("dlg_apply_Compress");
-    Compression_impl& section = *edited_setting().compression();
-    store_controls(page, section, kTable);
-    store_controls(page, *section.Color, kColour);
-    store_controls(page, *section.Gray, kGrey);
-    store_controls(page, *section.Mono, kMono);
+    Compression_impl read = *loaded_setting().compression();
+    store_controls(page, read, kTable);
+    store_controls(page, *read.Color, kColour);
+    store_controls(page, *read.Gray, kGrey);
+    store_controls(page, *read.Mono, kMono);
+    *edited_setting().compression() = read;
     return PSNRET_NOERROR;
 }
 

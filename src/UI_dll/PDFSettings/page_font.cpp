@@ -237,8 +237,8 @@ void command(HWND page, int control, int notification) {
 
 // A file may embed nothing on purpose; only who chooses it here is asked to list a font.
 bool embeds_nothing_anew(HWND page) {
-    const Section& section = *edited_setting().font();
-    const bool was_so = section.EmbedFontStyle == 1 && section.Fonts.empty();
+    const Section& loaded = *loaded_setting().font();
+    const bool was_so = loaded.EmbedFontStyle == 1 && loaded.Fonts.empty();
     return is_checked(page, IDC_FONT_ONLY) && helper().listed.empty() && !was_so;
 }
 
@@ -250,9 +250,10 @@ bool dlg_killactive_Font(HWND page) {
 
 LONG dlg_apply_Font(HWND page, bool /*from_ok*/) {
     TRACE("dlg_apply_Font");
-    Section& section = *edited_setting().font();
-    store_controls(page, section, kTable);
-    section.Fonts = helper().listed;
+    Section read = *loaded_setting().font();
+    store_controls(page, read, kTable);
+    read.Fonts = helper().listed;
+    *edited_setting().font() = std::move(read);
     return PSNRET_NOERROR;
 }
 

@@ -27,6 +27,7 @@ constexpr size_t kLengthUnits = 7;    // "3276.70"
 constexpr wchar_t kFormNameKey[] = L"PaperName";
 
 struct GeneralHelper final : PageHelper {
+    std::wstring name;              // of the setting, as the sheet opened
     std::vector<FormRecord> forms;  // in list order; the items of the paper list point at them
     std::shared_ptr<DlgRadioGroup> paper_type;
 };
@@ -41,6 +42,7 @@ constexpr std::tuple kControls = {
     Radios{std::array{IDC_PORTRAIT, IDC_LANDSCAPE}, &General_impl::PaperOrientation},
 };
 
+constexpr std::array kPaperTypes = {IDC_PAPER_FORM, IDC_PAPER_CUSTOM};
 constexpr std::array kFolderControls = {IDC_OUTPUT_FOLDER_LABEL, IDC_OUTPUT_FOLDER, IDC_BROWSE};
 constexpr std::array kFormControls = {IDC_PAPER_LIST_LABEL, IDC_PAPER_LIST, IDC_PORTRAIT, IDC_LANDSCAPE};
 constexpr std::array kCustomControls = {IDC_PAPER_WIDTH_LABEL,  IDC_PAPER_WIDTH,  IDC_PAPER_WIDTH_UNIT,
@@ -111,7 +113,7 @@ void dlg_init_General_PaperCombo(HWND page) {
 void show_paper_type(HWND page, bool custom) {
     auto& group = page_helper<GeneralHelper>(kGeneralPage).paper_type;
     group = std::make_shared<DlgRadioGroup>();
-    for (const int control : {IDC_PAPER_FORM, IDC_PAPER_CUSTOM}) {
+    for (const int control : kPaperTypes) {
         const auto button = std::make_shared<DlgRadioButton>(page, control);
         button->set_checked((control == IDC_PAPER_CUSTOM) == custom);
         group->add(button);
@@ -122,6 +124,7 @@ void dlg_init_General(HWND page) {
     TRACE("dlg_init_General");
     const Setting& setting = edited_setting();
     const General_impl& general = *setting.general();
+    page_helper<GeneralHelper>(kGeneralPage).name = setting->PSName;
     show_text(page, IDC_NAME, setting->PSName, kMostNameUnits);
     load_controls(page, general, kControls);
     fill_list(page, IDC_SAVE_STYLE, IDS_SAVE_STYLE_ASK, 2);
@@ -220,8 +223,10 @@ bool check_length(HWND page, int control, float current) {
     return refuse(page, control, IDS_BAD_PAPER_SIZE);
 }
 
+// A folder that the setting has named all along may be missing on this computer only.
 bool check_folder(HWND page) {
-    return !saves_in_folder(page) || qk::is_folder(control_text(page, IDC_OUTPUT_FOLDER)) ||
+    return !saves_in_folder(page) || !is_touched(page, std::array{IDC_SAVE_STYLE, IDC_OUTPUT_FOLDER}) ||
+           qk::is_folder(control_text(page, IDC_OUTPUT_FOLDER)) ||
            refuse(page, IDC_OUTPUT_FOLDER, IDS_NO_OUTPUT_FOLDER);
 }
 
@@ -235,12 +240,14 @@ bool check_scale(HWND page, int32_t current) {
 bool check_links(HWND page) {
     if (!is_checked(page, IDC_URL_LINK))
         return true;
-    return !is_press_standard(read_PDFVersion(page).Version) || refuse(page, IDC_URL_LINK, IDS_NO_LINKS);
+    const uint32_t version = read_PDFVersion(page).Version;
+    const bool is_new = is_touched(page, IDC_URL_LINK) || version != loaded_setting().pdfVersion()->Version;
+    return !is_new || !is_press_standard(version) || refuse(page, IDC_URL_LINK, IDS_NO_LINKS);
 }
 
 bool dlg_killactive_General(HWND page) {
     TRACE("dlg_killactive_General");
-    const General_impl& general = *edited_setting().general();
+    const General_impl& general = *loaded_setting().general();
     return check_name(page) && check_length(page, IDC_PAPER_WIDTH, general.PaperWidth) &&
            check_length(page, IDC_PAPER_HEIGHT, general.PaperHeight) && check_folder(page) &&
            check_scale(page, general.Scale) && check_links(page);
@@ -248,52 +255,67 @@ bool dlg_killactive_General(HWND page) {
 
 // --- Reading the controls ---
 
-float read_length(HWND page, int control, float current) {
-    const std::wstring text = control_text(page, control);
-    // A value of more decimals than are shown is not the user's change.
-    if (text == length_text(current))
-        return current;
-    return paper_length(find_plain_number(text).value_or(current));
+float read_length(HWND page, int control, float loaded) {
+    if (!is_touched(page, control))
+        return loaded;
+    return paper_length(find_plain_number(control_text(page, control)).value_or(loaded));
 }
 
-// Adds the form's name to the setting, since form numbers differ between printers. Where only the name was
-// missing, the saved copy gets it too: nobody has changed anything that would have to be confirmed and saved.
-void name_form(const FormRecord& form) {
-    edited_setting().addition()->Str[kFormNameKey] = form.name;
-    const auto& saved = dialog_state().saved;
-    if (saved && saved->general()->PaperName == form.paper_number)
-        saved->addition()->Str.try_emplace(kFormNameKey, form.name);
+// Adds the form's name to the setting, since form numbers differ between printers. Where it was missing only,
+// the loaded one gets it too: nobody has changed anything that would have to be confirmed and saved.
+void name_form(const FormRecord& form, bool is_new) {
+    auto& loaded = loaded_setting().addition()->Str;
+    auto& edited = edited_setting().addition()->Str;
+    if (loaded_setting().general()->PaperName == form.paper_number)
+        loaded.try_emplace(kFormNameKey, form.name);
+    const auto entry = loaded.find(kFormNameKey);
+    if (is_new)
+        edited[kFormNameKey] = form.name;
+    else if (entry != loaded.end())
+        edited[kFormNameKey] = entry->second;
+    else
+        edited.erase(kFormNameKey);
 }
 
+// The number of a form that this computer does not have, or has for another one, stays until a paper is
+// chosen.
 void read_paper(HWND page, General_impl& read) {
     const bool custom = !is_checked(page, IDC_PAPER_FORM);
+    const bool is_other_type = is_touched(page, kPaperTypes);
+    const bool is_new = is_other_type || is_touched(page, IDC_PAPER_LIST);
     const FormRecord* form = selected_form(page);
     if (custom) {
         read.PaperWidth = read_length(page, IDC_PAPER_WIDTH, read.PaperWidth);
         read.PaperHeight = read_length(page, IDC_PAPER_HEIGHT, read.PaperHeight);
-    } else if (form) {
+    } else if (form && is_new) {
         read.PaperWidth = paper_length(millimetres(form->size.cx));
         read.PaperHeight = paper_length(millimetres(form->size.cy));
     }
-    read.PaperType = custom ? 1 : 0;
-    if (form) {
+    if (is_other_type)
+        read.PaperType = custom ? 1 : 0;
+    if (form && is_new)
         read.PaperName = static_cast<int16_t>(form->paper_number);
-        name_form(*form);
-    }
+    if (form)
+        name_form(*form, is_new);
 }
 
 LONG dlg_apply_General(HWND page, bool /*from_ok*/) {
     TRACE("dlg_apply_General");
     Setting& setting = edited_setting();
-    General_impl read = *setting.general();
+    General_impl read = *loaded_setting().general();
     store_controls(page, read, kControls);
-    read.SaveStyle = saves_in_folder(page) ? 1 : 0;
-    read.PaperResolution = find_resolution(control_text(page, IDC_RESOLUTION)).value_or(read.PaperResolution);
-    if (const auto scale = find_scale(control_text(page, IDC_SCALE)))
+    if (is_touched(page, IDC_SAVE_STYLE))
+        read.SaveStyle = saves_in_folder(page) ? 1 : 0;
+    if (is_touched(page, IDC_RESOLUTION))
+        read.PaperResolution =
+            find_resolution(control_text(page, IDC_RESOLUTION)).value_or(read.PaperResolution);
+    if (const auto scale = find_scale(control_text(page, IDC_SCALE)); scale && is_touched(page, IDC_SCALE))
         read.Scale = static_cast<int32_t>(*scale);
     read_paper(page, read);
-    *setting.general() = read;
-    setting->PSName = control_text(page, IDC_NAME);
+    std::wstring name = is_touched(page, IDC_NAME) ? control_text(page, IDC_NAME)
+                                                   : page_helper<GeneralHelper>(kGeneralPage).name;
+    *setting.general() = std::move(read);
+    setting->PSName = std::move(name);
     return PSNRET_NOERROR;
 }
 

@@ -49,6 +49,7 @@ INT_PTR on_message(HWND page, UINT message, WPARAM /*wparam*/, LPARAM /*lparam*/
         return FALSE;
     load_controls(page, *edited_setting().summary(), kTable);
     show_name(page);
+    remember_controls(page);
     helper().loaded = true;
     return TRUE;
 }
@@ -60,12 +61,18 @@ bool dlg_killactive_Info(HWND /*page*/) {
 
 LONG dlg_apply_Info(HWND page, bool from_ok) {
     TRACE("dlg_apply_Info");
-    if (helper().loaded)
-        store_controls(page, *edited_setting().summary(), kTable);
+    if (helper().loaded) {
+        Section read = *loaded_setting().summary();
+        store_controls(page, read, kTable);
+        *edited_setting().summary() = std::move(read);
+    }
     if (save_step(page, from_ok) != kSaved)
         return PSNRET_INVALID_NOCHANGEPAGE;
-    show_name(page);
-    return PSNRET_NOERROR;
+    // It is saved, whatever becomes of this.
+    return ui::guarded<LONG>(PSNRET_NOERROR, [&] {
+        show_name(page);
+        return PSNRET_NOERROR;
+    });
 }
 
 }  // namespace

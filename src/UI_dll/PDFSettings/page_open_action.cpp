@@ -33,10 +33,11 @@ constexpr std::tuple kTable{
 };
 
 std::optional<uint32_t> start_page(HWND page) {
+    if (!is_touched(page, std::array{IDC_OPEN_AT_PAGE, IDC_OPEN_PAGE}))
+        return loaded_setting().openAction()->StartPage;
     if (!is_checked(page, IDC_OPEN_AT_PAGE))
         return Section::kNoStartPage;
-    return whole_number(control_text(page, IDC_OPEN_PAGE), 1, kMostPage,
-                        edited_setting().openAction()->StartPage);
+    return whole_number(control_text(page, IDC_OPEN_PAGE), 1, kMostPage);
 }
 
 void enable_controls(HWND page) {
@@ -73,9 +74,10 @@ bool dlg_killactive_OpenAction(HWND page) {
 
 LONG dlg_apply_OpenAction(HWND page, bool /*from_ok*/) {
     TRACE("dlg_apply_OpenAction");
-    Section& section = *edited_setting().openAction();
-    section.StartPage = start_page(page).value_or(section.StartPage);
-    store_controls(page, section, kTable);
+    Section read = *loaded_setting().openAction();
+    read.StartPage = start_page(page).value_or(read.StartPage);
+    store_controls(page, read, kTable);
+    *edited_setting().openAction() = read;
     return PSNRET_NOERROR;
 }
 

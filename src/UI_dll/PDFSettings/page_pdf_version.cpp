@@ -1,6 +1,7 @@
 #include "UI_dll/PDFSettings/page_pdf_version.h"
 
 #include <algorithm>
+#include <map>
 
 #include "UI_dll/PDFSettings/exchange.h"
 #include "UI_dll/PDFSettings/page.h"
@@ -30,6 +31,8 @@ constexpr auto kTable = std::tuple{
 
 struct VersionHelper final : PageHelper {
     std::wstring profile;             // the description that was selected last
+    std::wstring first_profile;       // the one that was selected as the page opened
+    bool chosen = false;              // the user has chosen one, be it the same
     std::wstring stored_name;         // of the profile that the setting names, as the page opened
     std::wstring stored_description;  // of that profile
 };
@@ -38,8 +41,12 @@ struct VersionHelper final : PageHelper {
 
 uint32_t selected_version(HWND page) {
     const int position = selected(page, IDC_PV_VERSION, -1);
-    return position < 0 ? edited_setting().pdfVersion()->Version
+    return position < 0 ? loaded_setting().pdfVersion()->Version
                         : kVersionOrder[static_cast<size_t>(position)];
+}
+
+bool is_other_version(HWND page) {
+    return selected_version(page) != loaded_setting().pdfVersion()->Version;
 }
 
 void fill_versions(HWND page, uint32_t version) {
@@ -91,13 +98,20 @@ void add_stored_profile(HWND page, uint32_t version) {
         add_profile(page, helper.stored_description);
 }
 
-// The file name for the selected description. The setting's own stands as it is for the profile that it
-// names, and for none while the version lists none.
+// Where the setting's profile is not on this computer another is offered, which is not the user's choice yet.
+bool is_other_profile(HWND page) {
+    const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    return helper.chosen || is_other_version(page) || selected_profile(page) != helper.first_profile;
+}
+
+// The file name for the selected description. The setting's own stands as it is until another is chosen, for
+// the profile that it names, and for none while the version lists none.
 std::wstring profile_name(HWND page) {
     const std::wstring description = selected_profile(page);
+    if (!is_other_profile(page) || (description.empty() && !is_standard(selected_version(page))))
+        return loaded_setting().pdfVersion()->ICCFileName;
     if (description.empty())
-        return is_standard(selected_version(page)) ? std::wstring()
-                                                   : edited_setting().pdfVersion()->ICCFileName;
+        return {};
     const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
     if (description == helper.stored_description)
         return helper.stored_name;
@@ -120,12 +134,23 @@ void load_condition(HWND page) {
     SetDlgItemTextW(page, IDC_PV_CONDITION, text.c_str());
 }
 
-void store_condition(HWND page, Setting& setting) {
-    auto& texts = setting.addition()->Str;
+bool is_other_condition(HWND page) {
+    return is_touched(page, IDC_PV_CONDITION) || is_other_profile(page);
+}
+
+// The setting's own texts with the condition, as it was loaded or as it stands now.
+std::map<std::wstring, std::wstring> read_texts(HWND page) {
+    const auto& loaded = loaded_setting().addition()->Str;
+    auto texts = edited_setting().addition()->Str;
+    const auto before = loaded.find(kConditionKey);
+    texts.erase(kConditionKey);
+    if (before != loaded.end())
+        texts.insert(*before);
     const std::wstring text = control_text(page, IDC_PV_CONDITION);
-    const bool own = texts.contains(kConditionKey) || text != condition_of(selected_profile(page));
-    if (own && is_press_standard(selected_version(page)))
+    const bool own = before != loaded.end() || text != condition_of(selected_profile(page));
+    if (own && is_other_condition(page) && is_press_standard(selected_version(page)))
         texts[kConditionKey] = text;
+    return texts;
 }
 
 // --- The page ---
@@ -142,7 +167,7 @@ void dlg_enable_PDFVersion(HWND page) {
 }
 
 PDFVersion_impl read_section(HWND page) {
-    PDFVersion_impl section = *edited_setting().pdfVersion();
+    PDFVersion_impl section = *loaded_setting().pdfVersion();
     store_controls(page, section, kTable);
     store_boxes(page, section);
     section.Version = selected_version(page);
@@ -162,6 +187,7 @@ void dlg_init_PDFVersion(HWND page) {
         helper.stored_description = icc::find_description(*path).value_or(L"");
     helper.profile = helper.stored_description;
     ListupICCFileByName(page, nullptr, section.Version);
+    helper.first_profile = selected_profile(page);
     load_condition(page);
     dlg_enable_PDFVersion(page);
 }
@@ -188,37 +214,43 @@ void dlg_callback_PDFVersion(HWND page, int control, int notification) {
     TRACE("dlg_callback_PDFVersion");
     if (control == IDC_PV_VERSION && notification == CBN_SELCHANGE)
         version_changed(page);
+    else if (control == IDC_PV_PROFILE && notification == CBN_SELENDOK)
+        page_helper<VersionHelper>(kPDFVersionPage).chosen = true;
     else if (control == IDC_PV_PROFILE && notification == CBN_SELCHANGE)
         profile_changed(page);
     else if ((control == IDC_PV_USE_TRIM || control == IDC_PV_USE_BLEED) && notification == BN_CLICKED)
         dlg_enable_PDFVersion(page);
 }
 
-// Refuses what a job with this setting would be refused for.
+// Refuses what a job with this setting would be refused for. What the file holds already is left alone until
+// one of the values that have to go together is another: the rest of the setting can be edited all the same.
 bool dlg_killactive_PDFVersion(HWND page) {
     TRACE("dlg_killactive_PDFVersion");
-    if (!is_standard(selected_version(page)))
+    const PDFVersion_impl section = read_section(page);
+    if (!is_standard(section.Version))
         return true;
-    if (const int edit = is_press_standard(selected_version(page)) ? find_bad_margin(page) : 0)
+    const bool press = is_press_standard(section.Version);
+    if (const int edit = press ? find_bad_margin(page) : 0)
         return refuse(page, edit, IDS_PV_BAD_MARGIN);
-    Setting candidate = edited_setting();
-    *candidate.pdfVersion() = read_section(page);
-    candidate.addition()->Str[kConditionKey] = control_text(page, IDC_PV_CONDITION);
-    const auto refusal = job::find_refusal(candidate);
-    if (!refusal)
-        return true;
-    if (refusal->caption_id == IDS_NO_COLOUR_PROFILE)
+    if (is_other_profile(page) && !icc::find_profile(section.ICCFileName))
         return refuse(page, IDC_PV_PROFILE, IDS_PV_NO_PROFILE);
-    if (refusal->caption_id == IDS_NO_OUTPUT_CONDITION)
+    if (!press)
+        return true;
+    if (is_other_condition(page) && control_text(page, IDC_PV_CONDITION).empty())
         return refuse(page, IDC_PV_CONDITION, IDS_PV_NO_CONDITION);
-    return refuse(page, box_to_mend(page, *candidate.pdfVersion()), IDS_PV_BAD_BOXES);
+    const PDFVersion_impl& loaded = *loaded_setting().pdfVersion();
+    const bool has_other_boxes =
+        is_other_version(page) || section.TrimBox != loaded.TrimBox || section.BleedBox != loaded.BleedBox;
+    return !has_other_boxes || job::is_trim_inside_bleed(section) ||
+           refuse(page, box_to_mend(page, section), IDS_PV_BAD_BOXES);
 }
 
 LONG dlg_apply_PDFVersion(HWND page, bool /*from_ok*/) {
     TRACE("dlg_apply_PDFVersion");
-    const PDFVersion_impl section = read_section(page);
-    store_condition(page, edited_setting());
-    *edited_setting().pdfVersion() = section;
+    PDFVersion_impl read = read_section(page);
+    auto texts = read_texts(page);
+    *edited_setting().pdfVersion() = std::move(read);
+    edited_setting().addition()->Str = std::move(texts);
     return PSNRET_NOERROR;
 }
 

@@ -37,15 +37,19 @@ void load_boxes(HWND page, const PDFVersion_impl& section) {
 
 void store_boxes(HWND page, PDFVersion_impl& section) {
     for (const BoxControls& box : kBoxes)
-        for (size_t i = 0; i < kEdges.size(); ++i)
-            if (const auto margin = find_margin(control_text(page, box.first_edge + static_cast<int>(i))))
+        for (size_t i = 0; i < kEdges.size(); ++i) {
+            const int edit = box.first_edge + static_cast<int>(i);
+            const auto margin = is_touched(page, edit) ? find_margin(control_text(page, edit)) : std::nullopt;
+            if (margin)
                 section.*box.box.*kEdges[i] = *margin;
+        }
 }
 
 int find_bad_margin(HWND page) {
     for (const BoxControls& box : kBoxes)
         for (int edit = box.first_edge; edit < box.first_edge + static_cast<int>(kEdges.size()); ++edit)
-            if (is_checked(page, box.use) && !find_margin(control_text(page, edit)))
+            if (is_checked(page, box.use) && is_touched(page, std::array{box.use, edit}) &&
+                !find_margin(control_text(page, edit)))
                 return edit;
     return 0;
 }

@@ -10,13 +10,13 @@ namespace pdf_settings {
 
 void load_boxes(HWND page, const Corvanta::Vantrix::PrintSettings::PDFVersion_impl& section);
 
-// Text that is no margin leaves its field.
+// Text that is no margin leaves its field, and so does one that was not touched.
 void store_boxes(HWND page, Corvanta::Vantrix::PrintSettings::PDFVersion_impl& section);
 
 // Greys both boxes, or offers them and greys the margins of one that is not used.
 void enable_boxes(HWND page, bool offered);
 
-// The first edit of the used boxes that holds no margin, or 0.
+// The first edit of the used boxes that holds no margin, of what was touched; or 0.
 [[nodiscard]] int find_bad_margin(HWND page);
 
 // The control to put the boxes right with when the trim box is not inside the bleed box: the first bleed

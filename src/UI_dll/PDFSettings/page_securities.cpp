@@ -121,8 +121,10 @@ void use_changed(HWND page, const PasswordControls& controls, std::wstring& kept
 void dlg_init_Securities(HWND page) {
     TRACE("dlg_init_Securities");
     const Security_impl& section = *edited_setting().security();
-    if (const auto& saved = dialog_state().saved)
-        saved->security()->Level = kLevel;  // what the page always writes is no change of the user's
+    // What the page always writes is no change of the user's.
+    Security_impl& loaded = *loaded_setting().security();
+    loaded.Level = kLevel;
+    loaded.AllowAccessFromScreenReader |= loaded.AllowCopyContent;  // copying includes reading aloud
     move_low_level(page);
     load_controls(page, section, kTable);
     check(page, IDC_SEC_USE_OPEN, !section.UserPassword.empty());
@@ -152,9 +154,15 @@ bool dlg_validate_Securities(HWND page) {
     TRACE("dlg_validate_Securities");
     const std::wstring open = control_text(page, IDC_SEC_OPEN_PASSWORD);
     const std::wstring permissions = control_text(page, IDC_SEC_PASSWORD);
+    const uint32_t version = read_PDFVersion(page).Version;
+    const bool is_other_version = version != loaded_setting().pdfVersion()->Version;
+    const auto is_new = [&](const PasswordControls& controls) {
+        return is_other_version || is_touched(page, std::array{controls.use, controls.edit});
+    };
+    const bool needs_open = is_checked(page, IDC_SEC_USE_OPEN);
+    const bool needs_permissions = is_checked(page, IDC_SEC_USE_PERMISSIONS);
     const auto fault = find_password_fault(
-        read_PDFVersion(page).Version,
-        {open, permissions, is_checked(page, IDC_SEC_USE_OPEN), is_checked(page, IDC_SEC_USE_PERMISSIONS)});
+        version, {open, permissions, needs_open, needs_permissions, is_new(kOpen), is_new(kPermissions)});
     if (!fault)
         return true;
     switch (*fault) {
@@ -183,11 +191,12 @@ bool dlg_killactive_Securities(HWND page) {
 
 LONG dlg_apply_Securities(HWND page, bool /*from_ok*/) {
     TRACE("dlg_apply_Securities");
-    Security_impl section = *edited_setting().security();
-    store_controls(page, section, kTable);
-    section.AllowAccessFromScreenReader |= section.AllowCopyContent;  // copying includes reading aloud
-    section.Level = kLevel;
-    *edited_setting().security() = section;
+    Security_impl read = *loaded_setting().security();
+    store_controls(page, read, kTable);
+    if (is_touched(page, std::array{IDC_SEC_COPY, IDC_SEC_READER}))
+        read.AllowAccessFromScreenReader = read.AllowCopyContent || is_checked(page, IDC_SEC_READER);
+    read.Level = kLevel;
+    *edited_setting().security() = std::move(read);
     return PSNRET_NOERROR;
 }
 

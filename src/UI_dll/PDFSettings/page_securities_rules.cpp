@@ -25,19 +25,20 @@ bool is_too_long(std::wstring_view password) {
 std::optional<PasswordFault> find_password_fault(uint32_t version, const PasswordChoice& choice) {
     if (is_standard(version))
         return std::nullopt;
-    if (!choice.open.empty() && choice.open == choice.permissions)
+    const bool is_any_new = choice.is_open_new || choice.is_permissions_new;
+    if (is_any_new && !choice.open.empty() && choice.open == choice.permissions)
         return PasswordFault::kSame;
-    if (choice.needs_open && choice.open.empty())
+    if (choice.is_open_new && choice.needs_open && choice.open.empty())
         return PasswordFault::kNoOpen;
-    if (choice.needs_permissions && choice.permissions.empty())
+    if (choice.is_permissions_new && choice.needs_permissions && choice.permissions.empty())
         return PasswordFault::kNoPermissions;
-    if (version != kAnyCharacter && has_bad_character(choice.permissions))
+    if (choice.is_permissions_new && version != kAnyCharacter && has_bad_character(choice.permissions))
         return PasswordFault::kPermissionsCharacter;
-    if (version != kAnyCharacter && has_bad_character(choice.open))
+    if (choice.is_open_new && version != kAnyCharacter && has_bad_character(choice.open))
         return PasswordFault::kOpenCharacter;
-    if (is_too_long(choice.permissions))
+    if (choice.is_permissions_new && is_too_long(choice.permissions))
         return PasswordFault::kPermissionsTooLong;
-    if (is_too_long(choice.open))
+    if (choice.is_open_new && is_too_long(choice.open))
         return PasswordFault::kOpenTooLong;
     return std::nullopt;
 }

@@ -12,6 +12,9 @@ struct PasswordChoice {
     std::wstring_view permissions;  // lifts the restrictions
     bool needs_open;
     bool needs_permissions;
+    // Whether the password, or the version, is another than in the file: else it is left as it is.
+    bool is_open_new = true;
+    bool is_permissions_new = true;
 };
 
 enum class PasswordFault {

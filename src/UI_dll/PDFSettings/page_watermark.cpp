@@ -30,8 +30,10 @@ struct WaterMarkHelper final : PageHelper {
     std::array<COLORREF, 16> custom_colours;  // the user's, for as long as the sheet is open
 };
 
+constexpr std::array kStyles = {IDC_MARK_NONE, IDC_MARK_TEXT, IDC_MARK_PICTURE};
+
 constexpr std::tuple kTable{
-    Radios{std::array{IDC_MARK_NONE, IDC_MARK_TEXT, IDC_MARK_PICTURE}, &Section::Style},
+    Radios{kStyles, &Section::Style},
     Text{IDC_MARK_WORDS, &Section::Text, 255},
     Text{IDC_MARK_FONT, &Section::FontName, LF_FACESIZE - 1},
     CheckBox{IDC_MARK_DIAGONAL, &Section::DiagonalText},
@@ -69,25 +71,39 @@ WaterMarkHelper& helper() {
     return page_helper<WaterMarkHelper>(kWaterMarkPage);
 }
 
+COLORREF shown_colour(const Section& section) noexcept {
+    return static_cast<COLORREF>(section.TextColor) & 0xFFFFFF;
+}
+
+// Whether the kind of watermark or what that control says of it was touched: a file may hold what does not go
+// together, and is left alone until then.
+bool is_new(HWND page, int control) {
+    return is_touched(page, kStyles) || is_touched(page, control);
+}
+
 // --- Numbers ---
 
+// Each the loaded one until it is touched, which may be one that nobody would type.
+
 std::optional<uint32_t> font_size(HWND page) {
+    if (!is_touched(page, IDC_MARK_SIZE))
+        return loaded_setting().watermark()->FontSize;
     const std::wstring text = control_text(page, IDC_MARK_SIZE);
-    if (whole_number(text) == 0u)
-        return 0;
-    return whole_number(text, kLeastSize, kMostSize, edited_setting().watermark()->FontSize);
+    return whole_number(text) == 0u ? 0 : whole_number(text, kLeastSize, kMostSize);
 }
 
 std::optional<uint32_t> picture_scale(HWND page) {
+    if (!is_touched(page, std::array{IDC_MARK_AUTO_SCALE, IDC_MARK_SCALE}))
+        return loaded_setting().watermark()->PictureScale;
     if (is_checked(page, IDC_MARK_AUTO_SCALE))
         return Section::kNoPictureScale;
-    return whole_number(control_text(page, IDC_MARK_SCALE), 1, kMostScale,
-                        edited_setting().watermark()->PictureScale);
+    return whole_number(control_text(page, IDC_MARK_SCALE), 1, kMostScale);
 }
 
 std::optional<uint32_t> transparency(HWND page) {
-    return whole_number(control_text(page, IDC_MARK_TRANSPARENCY), 0, kMostTransparency,
-                        edited_setting().watermark()->Transparency);
+    if (!is_touched(page, IDC_MARK_TRANSPARENCY))
+        return loaded_setting().watermark()->Transparency;
+    return whole_number(control_text(page, IDC_MARK_TRANSPARENCY), 0, kMostTransparency);
 }
 
 void load_number(HWND page, int control, int spin, uint32_t low, uint32_t high, uint32_t value) {
@@ -98,12 +114,13 @@ void load_number(HWND page, int control, int spin, uint32_t low, uint32_t high, 
 
 // The section as the controls stand. A number that cannot be stays what it was.
 Section read_controls(HWND page) {
-    Section section = *edited_setting().watermark();
+    Section section = *loaded_setting().watermark();
     store_controls(page, section, kTable);
     section.FontSize = font_size(page).value_or(section.FontSize);
     section.PictureScale = picture_scale(page).value_or(section.PictureScale);
     section.Transparency = transparency(page).value_or(section.Transparency);
-    section.TextColor = static_cast<int32_t>(helper().colour);
+    if (helper().colour != shown_colour(section))
+        section.TextColor = static_cast<int32_t>(helper().colour);
     return section;
 }
 
@@ -206,7 +223,7 @@ void dlg_init_WaterMark(HWND page) {
     TRACE("dlg_init_WaterMark");
     const Section& section = *edited_setting().watermark();
     fill_fonts(page);
-    helper().colour = static_cast<COLORREF>(section.TextColor) & 0xFFFFFF;
+    helper().colour = shown_colour(section);
     const bool fits = section.PictureScale == Section::kNoPictureScale;
     check(page, IDC_MARK_AUTO_SCALE, fits);
     load_number(page, IDC_MARK_SIZE, IDC_MARK_SIZE_SPIN, 0, kMostSize, section.FontSize);
@@ -219,10 +236,10 @@ void dlg_init_WaterMark(HWND page) {
 }
 
 bool check_text(HWND page) {
-    const Section& before = *edited_setting().watermark();
-    if (control_text(page, IDC_MARK_WORDS).find_first_not_of(L' ') == std::wstring::npos)
+    if (is_new(page, IDC_MARK_WORDS) &&
+        control_text(page, IDC_MARK_WORDS).find_first_not_of(L' ') == std::wstring::npos)
         return refuse(page, IDC_MARK_WORDS, IDS_MARK_NO_WORDS);
-    if (control_text(page, IDC_MARK_FONT).empty() && !before.FontName.empty())
+    if (is_new(page, IDC_MARK_FONT) && control_text(page, IDC_MARK_FONT).empty())
         return refuse(page, IDC_MARK_FONT, IDS_MARK_NO_FONT);
     return font_size(page) || refuse(page, IDC_MARK_SIZE, IDS_MARK_BAD_SIZE);
 }
@@ -230,9 +247,9 @@ bool check_text(HWND page) {
 // A file that the setting has named all along may be on another computer.
 bool check_picture(HWND page) {
     const std::wstring path = control_text(page, IDC_MARK_FILE);
-    if (path.empty())
+    if (is_new(page, IDC_MARK_FILE) && path.empty())
         return refuse(page, IDC_MARK_FILE, IDS_MARK_NO_FILE);
-    if (path != edited_setting().watermark()->PictureFileName && !qk::is_file(path))
+    if (is_touched(page, IDC_MARK_FILE) && !qk::is_file(path))
         return refuse(page, IDC_MARK_FILE, IDS_MARK_LOST_FILE);
     return picture_scale(page) || refuse(page, IDC_MARK_SCALE, IDS_MARK_BAD_SCALE);
 }

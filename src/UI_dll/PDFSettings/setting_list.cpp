@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
+#include <set>
+#include <span>
 #include <utility>
 
 #include "common/paths.h"
@@ -72,12 +74,16 @@ std::wstring name_of_file(const std::wstring& path) {
 }
 
 SettingEntry entry_of(int32_t kind, const std::wstring& path) {
-    auto name = Corvanta::Vantrix::PrintSettings::ReadName(path);
-    if (!name && kind == SettingEntry::kOwn)
-        kind = SettingEntry::kCustom;  // what cannot be read must not be written over
-    if (!name || name->empty())
-        name = name_of_file(path);
-    return {kind, path, *std::move(name)};
+    const auto name = Corvanta::Vantrix::PrintSettings::ReadName(path);
+    return {kind, path, name && !name->empty() ? *name : name_of_file(path), name.has_value()};
+}
+
+// Whether one of the folders has such a file.
+bool is_in(std::span<const Folder> folders, const std::wstring& file_name) {
+    return std::ranges::any_of(folders, [&](const Folder& folder) {
+        return !folder.path.empty() &&
+               GetFileAttributesW((folder.path + file_name).c_str()) != INVALID_FILE_ATTRIBUTES;
+    });
 }
 
 // --- Settings of older versions ---
@@ -94,9 +100,20 @@ std::wstring old_folder(int version) {
                : qk::format(L"%s\\Corvanta\\Vantrix\\%d.0\\CustomSettings\\", roaming.c_str(), version);
 }
 
+// A name that an administrator's or an installed setting has would be found there by every job: such a file
+// gets another, which is the same again should this be done twice.
 void copy_settings(const std::wstring& from, const std::wstring& to) {
+    const auto folders = listed_folders();
+    const std::span others = std::span(folders).subspan(1);
     for (const std::wstring& path : setting_files(from)) {
-        const std::wstring target = to + std::wstring(qk::file_part(path));
+        const std::wstring stem = name_of_file(path);
+        const std::wstring extension = path.substr(path.rfind(L'.'));
+        const std::wstring name = free_name(stem, [&](const std::wstring& candidate) {
+            const bool is_other = candidate != stem;
+            return is_in(others, candidate + extension) ||
+                   (is_other && qk::is_file(from + candidate + extension));
+        });
+        const std::wstring target = to + name + extension;
         if (CopyFileW(path.c_str(), target.c_str(), TRUE))
             TRACE_F(L"imported %s", target.c_str());
     }
@@ -144,20 +161,30 @@ bool is_name_taken(const std::wstring& name, const std::wstring& ignored) {
     return false;
 }
 
+std::wstring free_setting_name(const std::wstring& base) {
+    std::set<std::wstring> taken;
+    for (const Folder& folder : listed_folders())
+        for (const std::wstring& path : setting_files(folder.path))
+            taken.insert(entry_of(folder.kind, path).name);
+    return free_name(base, [&](const std::wstring& name) { return taken.contains(name); });
+}
+
 std::wstring create_setting_file(const Setting& setting) {
     const std::wstring folder = with_backslash(GetAppDataPath(true));
     if (folder.empty()) {
         SetLastError(ERROR_PATH_NOT_FOUND);
         return {};
     }
-    const std::wstring stem = folder + file_name_of(setting->PSName);
-    const std::wstring path =
-        free_name(stem,
-                  [](const std::wstring& candidate) {
-                      return GetFileAttributesW((candidate + L".ps4").c_str()) != INVALID_FILE_ATTRIBUTES;
-                  }) +
-        L".ps4";
-    return setting.Save(path) ? path : std::wstring();
+    const auto folders = listed_folders();
+    const std::wstring name = free_name(file_name_of(setting->PSName), [&](const std::wstring& candidate) {
+        return is_in(folders, candidate + L".ps4");
+    });
+    std::wstring path = folder + name + L".ps4";
+    if (!setting.Save(path)) {
+        const qk::LastErrorKeeper keep;
+        path.clear();
+    }
+    return path;
 }
 
 bool LoadSettingFile(const std::wstring& path) {

@@ -11,18 +11,23 @@ namespace pdf_settings {
 
 // Every setting file of the user's folder, then of "CustomSettings\", "Settings\" and "Settings\legacy\" of
 // the installation; in each folder by kind of file. Older settings are brought in first. A file whose name
-// cannot be read is listed under its file name and is not the user's to edit.
+// cannot be read is listed under its file name.
 [[nodiscard]] std::vector<SettingEntry> ListUpPSFiles();
 
 // Whether a listed file other than `ignored` (a path, or empty) holds a setting of exactly that name.
 [[nodiscard]] bool is_name_taken(const std::wstring& name, const std::wstring& ignored);
 
-// Writes the setting as a new file of the user's folder, named after it. The file's path; empty, with the
-// last error, when it could not be written, which leaves nothing behind.
+// The name, or the first of "name(1)", "name(2)", ... that no listed file holds. Every file is read once.
+[[nodiscard]] std::wstring free_setting_name(const std::wstring& base);
+
+// Writes the setting as a new file of the user's folder, named after it. No folder that is searched for
+// settings has a file of that name yet: a job would find that one. The file's path; empty, with the last
+// error, when it could not be written, which leaves nothing behind.
 [[nodiscard]] std::wstring create_setting_file(const Setting& setting);
 
 // Copies the settings that an older version of the product left in the user's profile into the user's folder,
-// once per user. A file that is there already stays.
+// once per user. A file that is there already stays; one that the installation has is brought in under
+// another name.
 void ImportOldCustomSettings();
 
 // Loads a file into the thread's edited setting and its saved copy. False, with standard values in both, when

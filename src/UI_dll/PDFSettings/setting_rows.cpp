@@ -45,8 +45,10 @@ void PSFilesToListView(HWND list, const std::vector<SettingEntry>& entries) {
     }
 }
 
-// Selects and focuses the row, and remembers it.
+// Selects and focuses the row, and remembers it. Of an empty list nothing is selected.
 void select_row(HWND list, int row) {
+    if (ListView_GetItemCount(list) == 0)
+        return dialog_state().last_row.reset();
     ListView_SetItemState(list, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
     ListView_EnsureVisible(list, row, FALSE);
     dialog_state().last_row = row;
@@ -126,20 +128,26 @@ int selected_row(HWND page) {
     return list ? ListView_GetNextItem(list, -1, LVNI_SELECTED) : -1;
 }
 
+const SettingEntry* selected_entry(HWND page) {
+    const HWND list = find_list(page);
+    return list ? entry_at(list, selected_row(page)) : nullptr;
+}
+
 bool IsCurrentItemEditable(HWND page) {
     TRACE("IsCurrentItemEditable");
-    const HWND list = find_list(page);
-    const SettingEntry* entry = list ? entry_at(list, selected_row(page)) : nullptr;
+    const SettingEntry* entry = selected_entry(page);
     return entry && entry->kind == SettingEntry::kOwn;
 }
 
 std::wstring selected_path(HWND page) {
     const HWND list = find_list(page);
-    if (!list)
+    if (!list || ListView_GetItemCount(list) == 0)
         return {};
     int row = selected_row(page);
     if (row < 0) {
-        row = std::max(dialog_state().last_row.value_or(0), 0);
+        row = dialog_state().last_row.value_or(0);
+        if (row < 0 || row >= ListView_GetItemCount(list))
+            row = 0;
         select_row(list, row);
         SendMessageW(GetParent(page), PSM_CHANGED, reinterpret_cast<WPARAM>(page), 0);
     }
@@ -169,10 +177,7 @@ void remove_row(HWND page, int row) {
         return;
     delete entry_at(list, row);
     ListView_DeleteItem(list, row);
-    if (const int left = ListView_GetItemCount(list); left > 0)
-        select_row(list, row_after_removal(row, left));
-    else
-        dialog_state().last_row.reset();
+    select_row(list, row_after_removal(row, ListView_GetItemCount(list)));
     show_selected(page);
 }
 
@@ -204,7 +209,11 @@ std::wstring sheet_printer() {
 
 bool is_setting_file_there(const std::wstring& printer) {
     const std::wstring chosen = ReadDriverRegString(L"PDFSettingFileName", printer.c_str());
-    return chosen.empty() || qk::is_file(SettingPathOf(chosen));
+    if (chosen.empty())
+        return true;
+    const std::wstring path = SettingPathOf(chosen);
+    const bool is_full = path.starts_with(L"\\\\") || path.find(L":\\") == 1;  // else of the host's folder
+    return is_full && qk::is_file(path);
 }
 
 }  // namespace pdf_settings

@@ -18,6 +18,9 @@ void size_column(HWND list);
 // The selected row, or -1.
 [[nodiscard]] int selected_row(HWND page);
 
+// The selected row's entry; null when none is selected. The list's, until it is filled again.
+[[nodiscard]] const SettingEntry* selected_entry(HWND page);
+
 // Loads the selected row's file for editing, and shows what can be done with it.
 void show_selected(HWND page);
 

@@ -39,7 +39,7 @@ LRESULT on_sheet_message(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam)
         SetTimer(sheet, kMovedTimer, kMovedDelay, nullptr);
     } else if (message == WM_TIMER && wparam == kMovedTimer) {
         KillTimer(sheet, kMovedTimer);
-        if (dialog_state().list_sheet == sheet)
+        if (const DialogOfPage dialog(list_page_in(sheet)); dialog)
             dlg_init_dpi_PDFSettings(dialog_state().list_page);
     } else if (message == WM_NCDESTROY) {
         RemovePropW(sheet, kProcedureBefore);
@@ -74,9 +74,7 @@ void leave_sheet(HWND sheet) noexcept {
 
 void dlg_init_PDFSettings(HWND page) {
     TRACE("dlg_init_PDFSettings");
-    release_dialog_state();
     DialogState& state = dialog_state();
-    state.list_page = page;
     watch_sheet(GetParent(page));
     // The number itself, not one of the contexts' pseudo handles: systems that do not know it change nothing.
     state.dpi_context = qk_SetThreadDpiAwarenessContext(reinterpret_cast<HANDLE>(2));
@@ -89,12 +87,16 @@ void dlg_init_PDFSettings(HWND page) {
 
 void close_page(HWND page) {
     forget_rows(page);
+    // The list, which goes after its page, would destroy the pictures again, or somebody's that have their
+    // place by then.
+    if (const HWND list = find_list(page))
+        ListView_SetImageList(list, nullptr, LVSIL_SMALL);
     const DialogState& state = dialog_state();
     if (state.dpi_context)
         qk_SetThreadDpiAwarenessContext(state.dpi_context);
     if (IsWindow(state.list_sheet))
         leave_sheet(state.list_sheet);
-    release_dialog_state();
+    close_dialog_state(page);
 }
 
 // --- What the user does ---
@@ -105,8 +107,10 @@ void delete_selected(HWND page) {
     const int row = selected_row(page);
     if (row < 0 || !IsCurrentItemEditable(page) || !qk::is_file(path))
         return;
-    const std::wstring name(
-        cut(Corvanta::Vantrix::PrintSettings::ReadName(path).value_or(std::wstring()), kNameUnits));
+    auto held = Corvanta::Vantrix::PrintSettings::ReadName(path);
+    if (!held || held->empty())
+        held = selected_entry(page)->name;  // as its row says
+    const std::wstring name(cut(*held, kNameUnits));
     constexpr size_t kQuestionUnits = 519;
     const std::wstring text = qk::format(dialog_text(IDS_CONFIRM_DELETE).c_str(), name.c_str(), path.c_str());
     if (show_message(page, std::wstring(cut(text, kQuestionUnits)), IDS_REFUSED,
@@ -116,7 +120,9 @@ void delete_selected(HWND page) {
 }
 
 void edit_selected(HWND page) {
-    DoEditDialog(page, !IsCurrentItemEditable(page));
+    (void)selected_path(page);  // where none is selected that is the remembered row, from here on
+    const SettingEntry* entry = selected_entry(page);
+    DoEditDialog(page, !IsCurrentItemEditable(page) || !entry->is_readable);
 }
 
 bool on_command(HWND page, int control) {
@@ -176,9 +182,13 @@ bool dlg_notify_PDFSettings(HWND page, const NMHDR& header) {
     if (header.idFrom == IDC_SETTINGS_LIST && header.hwndFrom == GetDlgItem(page, IDC_SETTINGS_LIST))
         return on_list(page, header);
     TRACE("dlg_notify_PDFSettings");
+    LONG_PTR answer = PSNRET_NOERROR;
     switch (header.code) {
         case PSN_APPLY:
-            take_choice(page);
+            answer = or_stay_open(page, PSNRET_INVALID_NOCHANGEPAGE, [&] {
+                take_choice(page);
+                return LONG_PTR{PSNRET_NOERROR};
+            });
             break;
         case PSN_QUERYCANCEL:
             leave_choice(page);
@@ -186,11 +196,16 @@ bool dlg_notify_PDFSettings(HWND page, const NMHDR& header) {
         default:
             return false;
     }
-    SetWindowLongPtrW(page, DWLP_MSGRESULT, PSNRET_NOERROR);
+    SetWindowLongPtrW(page, DWLP_MSGRESULT, answer);
     return true;
 }
 
 INT_PTR handle(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_INITDIALOG)
+        open_dialog_state(page);
+    const DialogOfPage dialog(page);
+    if (!dialog)
+        return FALSE;
     switch (message) {
         case WM_INITDIALOG:
             dlg_init_PDFSettings(page);

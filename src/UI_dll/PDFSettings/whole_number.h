@@ -20,13 +20,11 @@ namespace pdf_settings {
     return number;
 }
 
-// The same from `low` to `high`. The value that the setting has already stays allowed: a file may hold one
-// that nobody would type, and looking at a page must not change it.
+// The same from `low` to `high`.
 [[nodiscard]] constexpr std::optional<uint32_t> whole_number(std::wstring_view text, uint32_t low,
-                                                             uint32_t high, uint32_t present) noexcept {
+                                                             uint32_t high) noexcept {
     const auto number = whole_number(text);
-    const bool allowed = number && ((*number >= low && *number <= high) || *number == present);
-    return allowed ? number : std::nullopt;
+    return number && *number >= low && *number <= high ? number : std::nullopt;
 }
 
 }  // namespace pdf_settings
