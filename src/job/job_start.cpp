@@ -1,4 +1,5 @@
 // The start of a job: its setting, its output file, its records.
+#include <cstddef>
 #include <memory>
 #include <string>
 
