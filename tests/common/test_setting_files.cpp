@@ -14,6 +14,7 @@
 #include "common/text.h"
 #include "support/fake_tessalo.h"
 #include "support/installation.h"
+#include "support/temp_folder.h"
 #include "support/trace_capture.h"
 #include "support/variable.h"
 
@@ -61,19 +62,6 @@ BOOL WINAPI tell_user_name(wchar_t* buffer, DWORD* units) {
     return TRUE;
 }
 
-// The host program's current folder.
-class CurrentFolder {
-public:
-    explicit CurrentFolder(const std::wstring& folder) {
-        GetCurrentDirectoryW(MAX_PATH, before_);
-        SetCurrentDirectoryW(folder.c_str());
-    }
-    ~CurrentFolder() { SetCurrentDirectoryW(before_); }
-    CurrentFolder(const CurrentFolder&) = delete;
-    CurrentFolder& operator=(const CurrentFolder&) = delete;
-
-private:
-    wchar_t before_[MAX_PATH] = {};
 };
 
 }  // namespace

@@ -128,7 +128,8 @@ private:
             std::fill_n(static_cast<volatile BYTE*>(used.get()), *needed, BYTE{0xEE});
             return fail(ERROR_INSUFFICIENT_BUFFER);
         }
-        self_->forms_buffer_was_clear &= std::all_of(buffer, buffer + size, [](BYTE byte) { return !byte; });
+        self_->forms_buffer_was_clear &=
+            std::all_of(buffer, buffer + size, [](BYTE value) { return value == 0; });
         if (self_->failing_forms_call == 2)
             return fail(ERROR_NOT_READY);
         auto* form = reinterpret_cast<FORM_INFO_1W*>(buffer);
