@@ -13,21 +13,17 @@
 
 #include "UI_dll/ddi.h"
 #include "bench/dialog.h"
+#include "bench/job.h"
 #include "bench/measure.h"
 #include "bench/queries.h"
 #include "common/handle.h"
-#include "common/job_records.h"
 #include "common/module.h"
 #include "common/paths.h"
-#include "common/registry.h"
 #include "common/text.h"
 #include "common/trace.h"
-#include "job/document_event.h"
-#include "lib/devmode.h"
 #include "lib/forms.h"
 #include "print_settings/PrintSettings.h"
 #include "tests/support/import_patch.h"
-#include "tests/support/registry_override.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -133,38 +129,6 @@ bool bench_settings(const TempFolder& folder) {
     return good;
 }
 
-// The road of a job, with a dialog library that answers at once.
-bool bench_job(const TempFolder& folder, const MachineRegistry& machine) {
-    const std::wstring install = program_folder() + L"bench_install\\";
-    machine.set_text(L"SOFTWARE\\Corvanta\\Vantrix\\8.0", L"PdfDllPath", install);
-    const std::wstring setting = folder.file(L"job.ps4");  // as most are: little but the defaults
-    if (!PrintSettings().Save(setting))
-        std::abort();
-    // The shell looks here for the user's folders and would try to make it in the replaced hive each time.
-    machine.set_text(L"Software\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList", L"ProfilesDirectory",
-                     L"C:\\users");
-    SetEnvironmentVariableW(L"ZR_BENCH_SETTING", setting.c_str());
-    DOCINFOW document = {sizeof document, L"A document"};
-    const auto pair = compare(
-        51, 5,
-        [&] {
-            sink = internal_DrvDocumentEvent(nullptr, nullptr, DOCUMENTEVENT_STARTDOCPRE, sizeof document,
-                                             &document, 0, nullptr);
-            if (sink != DOCUMENTEVENT_SUCCESS)
-                std::abort();
-            internal_DrvDocumentEvent(nullptr, nullptr, DOCUMENTEVENT_ENDDOCPOST, 0, nullptr, 0, nullptr);
-        },
-        [&] {
-            const qk::DLL library(
-                LoadLibraryExW((install + L"Tessalo80.dll").c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
-            sink = static_cast<int>(TempFolder::read(setting).size());
-            const qk::MMF<ZRTKPrintStartInfoC> start(L"zr_bench_start");
-            const qk::MMF<ZRTKPrintInfo> result(L"zr_bench_result");
-            PostMessageW(HWND_BROADCAST, RegisterWindowMessageW(L"zr_bench"), 0, 0);
-        });
-    return report("a job, STARTDOCPRE to ENDDOCPOST", "library, file, two mappings, broadcast", pair, 1.5);
-}
-
 // Forms of a spooler that has as many as it is told to.
 DWORD form_count = 0;
 
@@ -189,7 +153,7 @@ bool bench_forms() {
     int index = 0;
     for (const DWORD count : {100u, 1000u, 10000u}) {
         form_count = count;
-        std::vector<FormRecord> records;
+        FormRecords records;
         const auto ours = [&] { sink = ZRTK_EnumForms(nullptr, nullptr, records); };
         const auto pair = compare(51, 5, ours, [] {
             DWORD needed = 0;
@@ -290,10 +254,7 @@ int wmain(int argc, wchar_t** argv) {
     good &= bench_settings(folder);
     good &= bench::time_queries(argc > 1 ? argv[1] : qk::kProductName, built_module());
     good &= bench_load();
-    {
-        const MachineRegistry machine;
-        good &= bench_job(folder, machine);
-    }
+    good &= bench::time_job(folder);
     good &= bench_forms();
     good &= bench::time_dialog();
     std::printf("%s\n",

@@ -107,7 +107,7 @@ bool time_lists(Asked& asked) {
         const auto pair = compare(
             101, 100, [&] { sink = asked.ask(index, scratch().data()); },
             [&] { sink = list_forms(asked.printer()); });
-        good &= report(kCapabilityRows[index].name, "EnumFormsW twice", pair, 1.5);
+        good &= report(kCapabilityRows[index].name, "EnumFormsW twice", pair, 2.0);
     }
     return good;
 }

@@ -7,7 +7,8 @@
 #include <cstring>
 #include <memory>
 #include <optional>
-#include <string_view>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "UI_dll/plotui.h"
@@ -80,12 +81,18 @@ public:
         at_ += sizeof value;
     }
 
-    // A text in a slot of fixed width, cut to leave a zero behind it.
+    void clear(size_t bytes) noexcept { std::memset(at_, 0, bytes); }
+
+    // A text in a cleared slot of fixed width, cut to leave a zero behind it, but not within a surrogate
+    // pair.
     template <size_t kUnits>
-    void put_name(std::wstring_view name) noexcept {
-        wchar_t slot[kUnits];
-        qk::copy_zero_padded(slot, kUnits, name);
-        put(slot);
+    void put_name(const wchar_t* name) noexcept {
+        std::byte* const slot = std::exchange(at_, at_ + kUnits * sizeof(wchar_t));
+        size_t units = 0;
+        for (; units < kUnits - 1 && name[units] != L'\0'; ++units)
+            std::memcpy(slot + units * sizeof(wchar_t), &name[units], sizeof(wchar_t));
+        if (units > 0 && name[units] != L'\0' && IS_HIGH_SURROGATE(name[units - 1]))
+            std::memset(slot + (units - 1) * sizeof(wchar_t), 0, sizeof(wchar_t));
     }
 
     explicit operator bool() const noexcept { return at_ != nullptr; }
@@ -121,7 +128,7 @@ public:
 
     void operator()(const FormRecord* form) override {
         if (!fits_)
-            fits_ = buffer_.can_take((forms_.size() + 1) * entry_bytes());
+            prepare();
         if (!*fits_)
             return;
         switch (index_) {
@@ -133,7 +140,7 @@ public:
                                  : kCustomSize);
                 break;
             default:
-                buffer_.put_name<kNameUnits>(form ? form->name : custom_paper_name());
+                buffer_.put_name<kNameUnits>(form ? form->name : custom_paper_name().c_str());
                 break;
         }
     }
@@ -142,10 +149,14 @@ public:
     [[nodiscard]] bool done() const noexcept { return fits_.value_or(false); }
 
 private:
-    [[nodiscard]] size_t entry_bytes() const noexcept {
-        return index_ == DC_PAPERS      ? sizeof(uint16_t)
-               : index_ == DC_PAPERSIZE ? sizeof(POINT)
-                                        : kNameUnits * sizeof(wchar_t);
+    void prepare() noexcept {
+        const size_t entry = index_ == DC_PAPERS      ? sizeof(uint16_t)
+                             : index_ == DC_PAPERSIZE ? sizeof(POINT)
+                                                      : kNameUnits * sizeof(wchar_t);
+        const size_t bytes = (forms_.size() + 1) * entry;
+        fits_ = buffer_.can_take(bytes);
+        if (*fits_)
+            buffer_.clear(bytes);
     }
 
     WORD index_;
@@ -155,19 +166,21 @@ private:
 };
 
 DWORD list_papers(HANDLE printer, WORD index, Buffer buffer) {
-    std::vector<FormRecord> forms;
-    PaperWriter write(index, buffer, forms);
+    FormRecords forms;
+    PaperWriter write(index, buffer, forms.list);
     if (!ZRTK_EnumForms(printer, buffer ? &write : nullptr, forms) || (buffer && !write.done()))
         return kFailed;
-    return static_cast<DWORD>(forms.size() + 1);
+    return static_cast<DWORD>(forms.list.size() + 1);
 }
 
 template <size_t kUnits>
-DWORD name_in_slot(std::wstring_view name, Buffer buffer) noexcept {
+DWORD name_in_slot(const wchar_t* name, Buffer buffer) noexcept {
     if (!buffer.can_take(kUnits * sizeof(wchar_t)))
         return kFailed;
-    if (buffer)
+    if (buffer) {
+        buffer.clear(kUnits * sizeof(wchar_t));
         buffer.put_name<kUnits>(name);
+    }
     return 1;
 }
 

@@ -65,7 +65,7 @@ void SetPSToDEVMODE(HANDLE printer, DEVMODEW& dm) {
     Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin settings;
     if (!qk::is_file(path) || !settings.Load(path))
         return;
-    std::vector<FormRecord> forms;
-    ZRTK_EnumForms(printer, nullptr, forms);
-    copy_setting(settings, forms, dm);
+    FormRecords forms;
+    (void)ZRTK_EnumForms(printer, nullptr, forms);
+    copy_setting(settings, forms.list, dm);
 }

@@ -9,7 +9,8 @@
 namespace qk {
 
 // Whether `size` bytes from `address` can be read, or written, now. Never faults; a null address or a range
-// that wraps around cannot. Another thread may still change the mapping afterwards.
+// that wraps around cannot, nor can a guard page, which stays one. Another thread may still change the
+// mapping afterwards.
 [[nodiscard]] bool is_readable(const void* address, size_t size) noexcept;
 [[nodiscard]] bool is_writable(void* address, size_t size) noexcept;
 

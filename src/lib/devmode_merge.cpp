@@ -166,9 +166,9 @@ public:
     const std::vector<FormRecord>& forms() override {
         if (!asked_) {
             asked_ = true;
-            (void)ZRTK_EnumForms(printer_, nullptr, forms_);  // none: the paper stays
+            (void)ZRTK_EnumForms(printer_, nullptr, forms_);  // without papers the merge keeps its own
         }
-        return forms_;
+        return forms_.list;
     }
 
     short forced_orientation() override {
@@ -182,7 +182,7 @@ public:
 private:
     HANDLE printer_;
     bool asked_ = false;
-    std::vector<FormRecord> forms_;
+    FormRecords forms_;
     std::optional<int> orientation_;
 };
 

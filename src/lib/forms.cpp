@@ -40,9 +40,9 @@ const LargeForm* find_large_form(std::wstring_view name) noexcept {
     return form == kLargeForms.end() ? nullptr : &*form;
 }
 
-FormRecord large_form(const LargeForm& form, size_t paper_number) {
+FormRecord large_form(const LargeForm& form, size_t paper_number) noexcept {
     return {.flags = FORM_PRINTER | FormRecord::kMadeByDriver,
-            .name = std::wstring(form.name),
+            .name = form.name.data(),
             .size = form.size,
             .imageable_area = {0, 0, form.size.cx, form.size.cy},
             .paper_number = static_cast<uint16_t>(paper_number)};
@@ -97,7 +97,7 @@ void report(const std::vector<FormRecord>& records, FormCallback& callback) {
         const wchar_t* kind = form.flags & FORM_BUILTIN     ? L"FORM_BUILTIN "
                               : is_printer_form(form.flags) ? L"FORM_PRINTER"
                                                             : L"";
-        TRACE_F(L"%sj:dm=%d, f.name=%s", kind, int{form.paper_number}, form.name.c_str());
+        TRACE_F(L"%sj:dm=%d, f.name=%s", kind, int{form.paper_number}, form.name);
         callback(&form);
     }
     callback(nullptr);
@@ -105,16 +105,16 @@ void report(const std::vector<FormRecord>& records, FormCallback& callback) {
 
 }  // namespace
 
-int ZRTK_EnumForms(HANDLE printer, FormCallback* callback, std::vector<FormRecord>& records) {
+int ZRTK_EnumForms(HANDLE printer, FormCallback* callback, FormRecords& records) {
     TRACE("ZRTK_EnumForms");
-    records.clear();
+    records.list.clear();
     DWORD count = 0;
-    const auto buffer = read_forms(printer, count);
-    if (!buffer)
+    records.texts = read_forms(printer, count);
+    if (!records.texts)
         return 0;
-    collect({reinterpret_cast<const FORM_INFO_1W*>(buffer.get()), count}, records);
+    collect({reinterpret_cast<const FORM_INFO_1W*>(records.texts.get()), count}, records.list);
     if (callback)
-        report(records, *callback);
+        report(records.list, *callback);
     TRACE("<<");
     return 1;
 }

@@ -5,22 +5,30 @@
 #include <windows.h>
 #include <winspool.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// One offered paper. Sizes are thousandths of a millimetre.
+// One offered paper. Sizes are thousandths of a millimetre; the name lies in somebody else's memory.
 struct FormRecord {
     static constexpr DWORD kMadeByDriver = 0x80000000;  // always set in `flags`
     static constexpr DWORD kReplacedBits = 0xC0000000;  // bits 30 and 31 of the spooler's flags
 
     DWORD flags = 0;  // FORM_USER, FORM_BUILTIN or FORM_PRINTER, and kMadeByDriver
-    std::wstring name;
+    const wchar_t* name = L"";
     SIZEL size = {};
     RECTL imageable_area = {};
     uint16_t paper_number = 0;  // as reported by DC_PAPERS and stored in dmPaperSize
     int32_t driver_paper_id = -1;
+};
+
+// The papers of a printer, with the texts of their names.
+struct FormRecords {
+    std::vector<FormRecord> list;
+    std::unique_ptr<std::byte[]> texts;
 };
 
 // The driver's own papers, which dmPaperSize may also name directly.
@@ -38,7 +46,7 @@ public:
 // Fills `records` with the papers of the printer behind the handle and tells the callback (may be null) of
 // them. 1 on success; 0, with no records, when the spooler cannot list its forms (its last error stays). Time
 // is linear in the number of forms.
-int ZRTK_EnumForms(HANDLE printer, FormCallback* callback, std::vector<FormRecord>& records);
+int ZRTK_EnumForms(HANDLE printer, FormCallback* callback, FormRecords& records);
 
 // The first form with that paper number, or with exactly that name; null when there is none.
 [[nodiscard]] const FormRecord* find_form(const std::vector<FormRecord>& forms, int paper_number) noexcept;

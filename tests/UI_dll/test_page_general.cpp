@@ -65,7 +65,7 @@ TEST(GeneralRules, CommonPapersComeFirst) {
     forms.front().driver_paper_id = kDriverPaperA0;
     std::wstring order;
     for (const FormRecord& form : in_list_order(forms))
-        order += form.name + L"|";
+        (order += form.name) += L"|";
     EXPECT_EQ(order, L"A0|A1|A3|Other A4|Letter|ISO A0 841 x 1189 mm|ISO A1 594 x 841 mm|Mine|A4 again|a0|");
     EXPECT_EQ(find_paper(forms, 9), 1u);
     EXPECT_EQ(find_paper(forms, kDriverPaperA0), 0u);

@@ -95,15 +95,16 @@ TEST(Forms, FourLargePapersAreAlwaysOffered) {
         printer.forms = row.forms;
         const TraceCapture trace;
         Listener listener;
-        std::vector<FormRecord> records(3);
+        FormRecords records;
         ASSERT_EQ(ZRTK_EnumForms(FakePrinter::handle(), &listener, records), 1);
-        ASSERT_EQ(listener.seen.size(), records.size() + 1);
+        ASSERT_EQ(listener.seen.size(), records.list.size() + 1);
         EXPECT_EQ(listener.seen.back().name, L"<end>");
         listener.seen.pop_back();
         EXPECT_EQ(listener.seen, row.wanted);
-        for (const FormRecord& record : records) {
+        for (const FormRecord& record : records.list) {
             const bool is_large = record.flags == kAppended && record.driver_paper_id == -1;
-            const bool is_a0 = record.name == L"A0" || record.name == kLongA0;
+            const std::wstring name = record.name;
+            const bool is_a0 = name == L"A0" || name == kLongA0;
             EXPECT_EQ(record.size.cx, is_large ? is_a0 ? 841000 : 594000 : 100000);
             EXPECT_EQ(record.size.cy, is_large ? is_a0 ? 1189000 : 841000 : 200000);
             EXPECT_EQ(record.imageable_area.right, record.size.cx);
@@ -111,7 +112,7 @@ TEST(Forms, FourLargePapersAreAlwaysOffered) {
                                   : record.flags & 2 ? L"FORM_PRINTER"
                                                      : L"";
             EXPECT_TRUE(trace.holds(
-                qk::format(L"%sj:dm=%d, f.name=%s", kind, int{record.paper_number}, record.name.c_str())));
+                qk::format(L"%sj:dm=%d, f.name=%s", kind, int{record.paper_number}, record.name)));
         }
         EXPECT_TRUE(trace.holds(qk::format(L"Count=%d", static_cast<int>(row.forms.size()))));
     }
@@ -123,9 +124,10 @@ TEST(Forms, FailuresLeaveNoRecords) {
         printer.failing_forms_call = call;
         const TraceCapture trace;
         Listener listener;
-        std::vector<FormRecord> records(3);
+        FormRecords records;
+        records.list.resize(3);
         EXPECT_EQ(ZRTK_EnumForms(FakePrinter::handle(), &listener, records), 0);
-        EXPECT_TRUE(records.empty() && listener.seen.empty());
+        EXPECT_TRUE(records.list.empty() && listener.seen.empty());
         EXPECT_TRUE(trace.holds(call == 1 ? L"err1" : L"err3"));
     }
 }

@@ -27,8 +27,8 @@ constexpr size_t kLengthUnits = 7;    // "3276.70"
 constexpr wchar_t kFormNameKey[] = L"PaperName";
 
 struct GeneralHelper final : PageHelper {
-    std::wstring name;              // of the setting, as the sheet opened
-    std::vector<FormRecord> forms;  // in list order; the items of the paper list point at them
+    std::wstring name;  // of the setting, as the sheet opened
+    FormRecords forms;  // in list order; the items of the paper list point at them
     std::shared_ptr<DlgRadioGroup> paper_type;
 };
 
@@ -98,14 +98,14 @@ void dlg_init_General_PaperCombo(HWND page) {
     delete_blank_form(reinterpret_cast<HANDLE>(printer));
     if (!listed)
         return;
-    forms = in_list_order(std::move(forms));
+    forms.list = in_list_order(std::move(forms.list));
     SendDlgItemMessageW(page, IDC_PAPER_LIST, WM_SETREDRAW, FALSE, 0);
     SendDlgItemMessageW(page, IDC_PAPER_LIST, CB_RESETCONTENT, 0, 0);
-    for (const FormRecord& form : forms) {
+    for (const FormRecord& form : forms.list) {
         const auto item = static_cast<WPARAM>(add_item(page, IDC_PAPER_LIST, form.name));
         SendDlgItemMessageW(page, IDC_PAPER_LIST, CB_SETITEMDATA, item, reinterpret_cast<LPARAM>(&form));
     }
-    if (const auto position = find_paper(forms, edited_setting().general()->PaperName))
+    if (const auto position = find_paper(forms.list, edited_setting().general()->PaperName))
         select(page, IDC_PAPER_LIST, static_cast<int>(*position));
     SendDlgItemMessageW(page, IDC_PAPER_LIST, WM_SETREDRAW, TRUE, 0);
 }

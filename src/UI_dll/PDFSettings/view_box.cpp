@@ -39,10 +39,10 @@ ViewBox& view_box() {
 std::optional<Extent> find_form_size(int paper) {
     ULONG_PTR printer = 0;
     GetThreadProp(threadprop::kPrinter, printer);
-    std::vector<FormRecord> forms;
+    FormRecords forms;
     if (!printer || !ZRTK_EnumForms(reinterpret_cast<HANDLE>(printer), nullptr, forms))
         return std::nullopt;
-    const FormRecord* form = find_form(forms, paper);
+    const FormRecord* form = find_form(forms.list, paper);
     if (!form)
         return std::nullopt;
     return Extent{form->size.cx / 1000.0, form->size.cy / 1000.0};
