@@ -139,11 +139,11 @@ int tell_not_saved(HWND page, const std::wstring& path, DWORD error) {
 std::wstring name_of_paper(int32_t number) {
     ULONG_PTR printer = 0;
     GetThreadProp(threadprop::kPrinter, printer);
-    std::vector<FormRecord> forms;
+    FormRecords forms;
     if (!printer || !ZRTK_EnumForms(reinterpret_cast<HANDLE>(printer), nullptr, forms))
         return {};
-    const auto position = find_paper(forms, number);
-    return position ? forms[*position].name : std::wstring();
+    const FormRecord* form = find_form(forms.list, number);
+    return form ? form->name : std::wstring();
 }
 
 int save_existing(HWND page) {
