@@ -2,6 +2,7 @@
 
 #include "common/module.h"
 #include "common/registry.h"
+#include "common/rwPDFSet_functions.h"
 #include "companions/host/host_error.h"
 #include "companions/host/output_target.h"
 
@@ -46,7 +47,11 @@ void SettingTurn::choose(const std::wstring& setting) {
 }
 
 std::wstring setting_for_module(const std::wstring& setting) {
-    return setting.find_first_of(L"\\/") == std::wstring::npos ? setting : absolute_path(setting);
+    std::wstring name =
+        setting.find_first_of(L"\\/") == std::wstring::npos ? setting : absolute_path(setting);
+    if (name.size() >= kSettingNameUnits)  // the dialog library would go on with the printer's own
+        throw HostError{ExitCode::kUsage, L"the setting's path is too long"};
+    return name;
 }
 
 }  // namespace host

@@ -28,7 +28,8 @@ private:
 };
 
 // What SettingTurn takes for a setting named on the command line: a path when it looks like one, made
-// absolute, else a name that the settings folders are searched for.
+// absolute, else a name that the settings folders are searched for. Throws HostError for one that is too long
+// for the dialog library.
 [[nodiscard]] std::wstring setting_for_module(const std::wstring& setting);
 
 }  // namespace host

@@ -2,7 +2,6 @@
 
 #include <exception>
 #include <stdexcept>
-#include <utility>
 
 #include "common/text.h"
 #include "common/trace.h"
@@ -40,11 +39,10 @@ int Recognise(const std::wstring& path) {
 std::optional<std::wstring> ReadName(const std::wstring& path) noexcept {
     try {
         std::string bytes;
-        PrintSettings setting;
-        if (setting_file::read(path, bytes) != kLoaded || RecogniseBytes(bytes) != kPS4 ||
-            setting.LoadPS4(std::string_view(bytes).substr(kByteOrderMark.size()), false) != kLoaded)
+        if (setting_file::read(path, bytes) != kLoaded || RecogniseBytes(bytes) != kPS4)
             return std::nullopt;
-        return std::move(setting->PSName);
+        const auto name = json::find_text(std::string_view(bytes).substr(kByteOrderMark.size()), "PSName");
+        return name ? std::optional(qk::to_wide(*name)) : std::nullopt;
     } catch (...) {  // one file must not cost a list the others
         TRACE("err:ReadName");
         return std::nullopt;

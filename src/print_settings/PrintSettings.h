@@ -30,8 +30,8 @@ inline constexpr int kPS4 = 7;            // JSON
 [[nodiscard]] int Recognise(const std::wstring& path);
 [[nodiscard]] int RecogniseBytes(std::string_view first_bytes) noexcept;
 
-// The display name in a setting file of the JSON kind; empty when it holds none, nothing when the file cannot
-// be loaded.
+// The display name in a setting file of the JSON kind, found without reading its values; empty when it holds
+// none, nothing when the file cannot be read or loading it would find broken JSON or too deep nesting.
 [[nodiscard]] std::optional<std::wstring> ReadName(const std::wstring& path) noexcept;
 
 // Owns one print setting; copies are deep. Name, version and comment are reached with `->`, the sections with

@@ -1,6 +1,9 @@
 #include "print_settings/json.h"
 
+#include <cmath>
+#include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "common/trace.h"
 
@@ -36,7 +39,89 @@ public:
     }
 };
 
+// Checks a value as BoundedContext does and keeps nothing of it. (picojson's own null context loses count of
+// the depth.)
+class SkippingContext {
+public:
+    explicit SkippingContext(size_t depths) : depths_(depths) {}
+
+    bool set_null() { return true; }
+    bool set_bool(bool) { return true; }
+    bool set_number(double number) {
+        if (!std::isfinite(number))
+            throw std::overflow_error("number in skipped JSON is not finite");
+        return true;
+    }
+    template <class Iterator>
+    bool parse_string(picojson::input<Iterator>& input) {
+        struct {
+            void push_back(int) {}
+        } nowhere;
+        return picojson::_parse_string(nowhere, input);
+    }
+    bool parse_array_start() { return descend(); }
+    template <class Iterator>
+    bool parse_array_item(picojson::input<Iterator>& input, size_t) {
+        SkippingContext item(depths_);
+        return picojson::_parse(item, input);
+    }
+    bool parse_array_stop(size_t) { return true; }
+    bool parse_object_start() { return descend(); }
+    template <class Iterator>
+    bool parse_object_item(picojson::input<Iterator>& input, const std::string&) {
+        SkippingContext item(depths_);
+        return picojson::_parse(item, input);
+    }
+    bool parse_object_stop() { return true; }
+
+private:
+    bool descend() { return depths_ > 0 && depths_-- > 0; }
+
+    size_t depths_;
+};
+
+// Checks a whole document and keeps the text of one member of its outermost object.
+class MemberContext : public picojson::deny_parse_context {
+public:
+    MemberContext(std::string_view key, std::optional<std::string>& found) : key_(key), found_(found) {}
+
+    bool parse_object_start() {
+        found_.emplace();
+        return true;
+    }
+
+    template <class Iterator>
+    bool parse_object_item(picojson::input<Iterator>& input, const std::string& key) {
+        if (key != key_) {
+            SkippingContext rest(kDepthsBelow);
+            return picojson::_parse(rest, input);
+        }
+        picojson::value value;
+        BoundedContext item(&value, kDepthsBelow);
+        if (!picojson::_parse(item, input))
+            return false;
+        found_ = value.is<std::string>() ? value.get<std::string>() : std::string();
+        return true;
+    }
+
+    bool parse_object_stop() { return true; }
+
+private:
+    static constexpr size_t kDepthsBelow = picojson::DEFAULT_MAX_DEPTHS - 1;  // the outermost object is one
+
+    std::string_view key_;
+    std::optional<std::string>& found_;
+};
+
 }  // namespace
+
+std::optional<std::string> find_text(std::string_view text, std::string_view key) {
+    std::optional<std::string> found;
+    MemberContext context(key, found);
+    std::string error;
+    picojson::_parse(context, text.data(), text.data() + text.size(), &error);
+    return error.empty() ? std::move(found) : std::nullopt;
+}
 
 bool try_parse(std::string_view text, picojson::value& value, std::string* fault) {
     BoundedContext context(&value);

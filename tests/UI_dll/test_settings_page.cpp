@@ -126,8 +126,7 @@ TEST_F(SettingsPage, FolderThatCannotBeReadHidesItsOwnFilesOnly) {
 }
 
 TEST_F(SettingsPage, OwnFileWithoutANameGoesByItsFilesAndIsTheUsers) {
-    here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\beta.ps4",
-                      "\xEF\xBB\xBF{\"PSComment\": []}");
+    here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\beta.ps4", "\xEF\xBB\xBF{}");
     here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\torn.ps4", "\xEF\xBB\xBF{");
     open();
     EXPECT_EQ(rows(), L"alpha beta torn zeta Office [Standard]");

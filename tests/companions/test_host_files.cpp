@@ -6,6 +6,7 @@
 #include "common/paths.h"
 #include "common/registry.h"
 #include "companions/host/host_error.h"
+#include "companions/host/setting_choice.h"
 #include "companions/host/sheet_host.h"
 #include "companions/host/stage_files.h"
 #include "companions/host/text_file.h"
@@ -136,6 +137,12 @@ TEST(HostFiles, PlanKeepsEditedSettings) {
     EXPECT_EQ(copies.size(), 6u) << "the language library goes to both places";
     for (const host::FileCopy& copy : copies)
         EXPECT_EQ(copy.keep_newer, copy.target == L"I\\Settings\\standard.ps4");
+}
+
+TEST(HostFiles, SettingThatTheDialogLibraryHasNoRoomForIsRefused) {
+    EXPECT_EQ(host::setting_for_module(std::wstring(511, L'x')), std::wstring(511, L'x'));
+    EXPECT_THROW((void)host::setting_for_module(std::wstring(512, L'x')), host::HostError);
+    EXPECT_THROW((void)host::setting_for_module(L"C:\\" + std::wstring(512, L'x')), host::HostError);
 }
 
 TEST(HostFiles, TextFilesThatCannotBeReadAreNamed) {
