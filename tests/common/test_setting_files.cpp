@@ -62,8 +62,6 @@ BOOL WINAPI tell_user_name(wchar_t* buffer, DWORD* units) {
     return TRUE;
 }
 
-};
-
 }  // namespace
 
 TEST(DriverRegistry, FirstTextThatIsNotEmptyCounts) {
