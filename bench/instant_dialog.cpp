@@ -13,7 +13,9 @@ __declspec(dllexport) int WINAPI GetSettingFN(wchar_t* buffer, int capacity, con
 
 __declspec(dllexport) int WINAPI GetFile2(dialog_library::WorkingRecord* record, const wchar_t*) {
     static wchar_t path[] = L"C:\\zr_bench_no_such_file.pdf";
-    record->output_path.lend(path, std::size(path) - 1);
+    auto& field = record->output_path;
+    field.address = path;
+    field.length = field.capacity = std::size(path) - 1;
     return 0;
 }
 }

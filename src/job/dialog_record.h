@@ -1,6 +1,8 @@
 // The working record of the save-file dialog library, with the texts that are put into it.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
