@@ -27,9 +27,8 @@ constexpr OptionDescriptor telling(DWORD flags, UINT name_id, UINT icon_id) noex
             .build = OptionDescriptor::kDataAdvances};
 }
 
-constexpr OptionDescriptor kSettingInForce =
-    telling(OPTIF_CALLBACK, IDS_SETTING_IN_FORCE, IDI_CPSUI_DOCUMENT);
-constexpr OptionDescriptor kModuleVersion = telling(0, IDS_MODULE_VERSION, IDI_CPSUI_PRINTER);
+constexpr OptionDescriptor kSettingInForce = telling(OPTIF_CALLBACK, IDS_SETTING_IN_FORCE, IDI_SETTINGS);
+constexpr OptionDescriptor kModuleVersion = telling(0, IDS_MODULE_VERSION, IDI_SHEET);
 
 constexpr wchar_t kVersion[] = L"8.0.0";
 

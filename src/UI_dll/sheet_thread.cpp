@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr std::wstring_view kSheet = L"Sheet";  // the thread's innermost one; nobody else uses the key
+
 ULONG_PTR value_of(std::wstring_view key) {
     ULONG_PTR value = 0;
     GetThreadProp(key, value);
@@ -36,11 +38,7 @@ SheetThread::SheetThread(HANDLE printer, std::wstring name)
       saved_printer_(threadprop::kSavedPrinter, value_of(threadprop::kPrinter)),
       printer_(threadprop::kPrinter, reinterpret_cast<ULONG_PTR>(printer)),
       printer_name_(threadprop::kPrinterName, reinterpret_cast<ULONG_PTR>(&name_)),
-      outer_(std::exchange(innermost_, this)) {}
-
-SheetThread::~SheetThread() {
-    innermost_ = outer_;
-}
+      innermost_(kSheet, reinterpret_cast<ULONG_PTR>(this)) {}
 
 void SheetThread::set_group(const PROPSHEETUI_INFO& info, LONG_PTR group) noexcept {
     service_ = info.pfnComPropSheet;
@@ -49,6 +47,7 @@ void SheetThread::set_group(const PROPSHEETUI_INFO& info, LONG_PTR group) noexce
 }
 
 void SheetThread::choice_is_stored() {
-    if (const SheetThread* sheet = innermost_; sheet && sheet->service_ && sheet->group_ != 0)
+    const auto* sheet = reinterpret_cast<const SheetThread*>(value_of(kSheet));
+    if (sheet && sheet->service_ && sheet->group_ != 0)
         sheet->service_(sheet->sheet_, CPSFUNC_SET_RESULT, sheet->group_, CPSUI_OK);
 }

@@ -16,7 +16,6 @@ class SheetThread {
 public:
     // `name` is the printer's, empty when it cannot be asked. An exception leaves the thread as it was.
     SheetThread(HANDLE printer, std::wstring name);
-    ~SheetThread();
     SheetThread(const SheetThread&) = delete;
     SheetThread& operator=(const SheetThread&) = delete;
 
@@ -43,14 +42,12 @@ private:
         std::optional<ULONG_PTR> hidden_;
     };
 
-    static inline thread_local SheetThread* innermost_ = nullptr;
-
     std::wstring name_;
     Property saved_printer_;  // made before the printer it saves is hidden
     Property printer_;
     Property printer_name_;
+    Property innermost_;
     PFNCOMPROPSHEET service_ = nullptr;
     HANDLE sheet_ = nullptr;
     LONG_PTR group_ = 0;
-    SheetThread* outer_;
 };

@@ -145,7 +145,20 @@ TEST_F(Sheet, PrinterSheetHasNoCallbackAndAlwaysATitle) {
     here.printer.name.clear();
     DevicePropertyHeader device = {.cbSize = sizeof device, .hPrinter = FakePrinter::handle()};
     info.lParamInit = reinterpret_cast<LPARAM>(&device);
-    EXPECT_EQ(DrvDevicePropertySheets(&info, 0), 1);
+    static int other_levels;
+    static decltype(&GetPrinterW) get_printer;
+    other_levels = 0;
+    {
+        const ImportPatch count(
+            "GetPrinterW", reinterpret_cast<void*>(+[](HANDLE printer, DWORD level, BYTE* buffer, DWORD size,
+                                                       DWORD* needed) -> BOOL {
+                other_levels += level != 2;
+                return get_printer(printer, level, buffer, size, needed);
+            }));
+        get_printer = reinterpret_cast<decltype(get_printer)>(count.original());
+        EXPECT_EQ(DrvDevicePropertySheets(&info, 0), 1);
+    }
+    EXPECT_EQ(other_levels, 0) << "the name is that of PRINTER_INFO_2W";
     EXPECT_EQ(added_sheet.pfnCallBack, nullptr);
     ASSERT_EQ(added_sheet.cOptItem, 1);
     EXPECT_EQ(added_sheet.pOptItem->Flags & OPTIF_CALLBACK, 0u);
