@@ -340,8 +340,11 @@ LONG APIENTRY settings_page_first(PROPSHEETUI_INFO* info, LPARAM parameter) {
 
 TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
     EXPECT_TRUE(plotui::attach_process(GetModuleHandleW(nullptr)));
-    CopyFileW(Installation::built(dialog_library::kFileName).c_str(),
-              here.folder.file(dialog_library::kFileName).c_str(), TRUE);
+    const std::wstring library = here.folder.file(dialog_library::kFileName);
+    CopyFileW(Installation::built(dialog_library::kFileName).c_str(), library.c_str(), TRUE);
+    const qk::DLL dialogs(LoadLibraryW(library.c_str()));
+    const ImportPatch hive("RegOpenCurrentUser", reinterpret_cast<void*>(&UserRegistry::open_hive),
+                           dialogs.get());
     PrintSettings custom, office;
     custom->PSName = L"Standard";
     custom.general()->PaperType = 1;

@@ -132,6 +132,8 @@ TEST_F(Tessalo, NameIsTheDocumentsDefaultOneMadeSafe) {
         {1, L"C:\\docs\\a:b.txt", L"a_b.pdf"},
         {0, L"", L"no_name.pdf"},
     };
+    const ImportPatch hive("RegOpenCurrentUser", reinterpret_cast<void*>(&UserRegistry::open_hive),
+                           library_.get());
     for (const auto& row : rows) {
         const Installation here;
         here.set_number(HKEY_CURRENT_USER, L"\\Special", L"Cutoff_by_period", row.cut_off_by_period);
