@@ -125,6 +125,13 @@ TEST_F(SettingsPage, FolderThatCannotBeReadHidesItsOwnFilesOnly) {
     EXPECT_TRUE(Outbox::boxes.empty());
 }
 
+TEST_F(SettingsPage, WithoutAnInstallationTheHostsFolderIsNotListed) {
+    const CurrentFolder host(here.folder.path());  // has folders of the very names
+    here.machine.set_text(qk::registry::kRoot, L"PdfDllPath", L"");
+    open();
+    EXPECT_EQ(ListView_GetItemCount(GetDlgItem(window, IDC_SETTINGS_LIST)), 2) << qk::to_utf8(rows());
+}
+
 TEST_F(SettingsPage, OwnFileWithoutANameGoesByItsFilesAndIsTheUsers) {
     here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\beta.ps4", "\xEF\xBB\xBF{}");
     here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\torn.ps4", "\xEF\xBB\xBF{");

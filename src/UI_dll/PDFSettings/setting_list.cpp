@@ -36,10 +36,12 @@ std::array<Folder, 4> listed_folders() {
     std::wstring& root = dialog_state().install_folder;
     if (root.empty())
         root = qk::install_folder();
+    // Without an installation nothing is looked for in the host's current folder.
+    const auto below = [&root](const wchar_t* folder) { return root.empty() ? root : root + folder; };
     return {{{SettingEntry::kOwn, with_backslash(GetAppDataPath(false))},
-             {SettingEntry::kCustom, root + L"CustomSettings\\"},
-             {SettingEntry::kInstalled, root + L"Settings\\"},
-             {SettingEntry::kInstalled, root + L"Settings\\legacy\\"}}};
+             {SettingEntry::kCustom, below(L"CustomSettings\\")},
+             {SettingEntry::kInstalled, below(L"Settings\\")},
+             {SettingEntry::kInstalled, below(L"Settings\\legacy\\")}}};
 }
 
 // The folder's setting files by full path: in the order of the extensions, and in each as the folder has
