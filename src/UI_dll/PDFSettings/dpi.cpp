@@ -44,8 +44,8 @@ qk::Icon load_icon(UINT id, int size) noexcept {
 
 qk::ImageList load_row_images(int size) {
     qk::ImageList images(ImageList_Create(size, size, ILC_COLOR32 | ILC_MASK, 2, 0));
-    for (const UINT id : {IDI_CUSTOM_SETTING, IDI_INSTALLED_SETTING})
-        if (const qk::Icon icon = load_icon(id, size); icon && images)
+    for (const int id : {IDI_CUSTOM_SETTING, IDI_INSTALLED_SETTING})
+        if (const qk::Icon icon = load_icon(static_cast<UINT>(id), size); icon && images)
             ImageList_ReplaceIcon(images.get(), -1, icon.get());
     return images;
 }
