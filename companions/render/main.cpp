@@ -24,6 +24,7 @@ class JobBlock {
 public:
     JobBlock(const wchar_t* name, DWORD thread) : block_(qk::format(name, static_cast<int>(thread))) {}
     [[nodiscard]] Record* find() const noexcept { return block_.created() ? nullptr : block_.view(); }
+    [[nodiscard]] bool read(Record& record) const noexcept { return find() && block_.read(record); }
 
 private:
     qk::MMF<Record> block_;
@@ -53,13 +54,12 @@ int run(std::span<const wchar_t* const> words) {
         return kExitUsage;
     }
     const JobBlock<ZRTKPrintStartInfoC> start_block(kStartBlockName, parsed.arguments.thread);
-    if (!start_block.find()) {
+    const auto start = std::make_unique<ZRTKPrintStartInfoC>();  // a copy, which nobody changes under way
+    if (!start_block.read(*start)) {
         warn("thread " + std::to_string(parsed.arguments.thread) +
              " has no job: its start record is missing");
         return kExitNoRecord;
     }
-    // A copy, which nobody changes under way.
-    const auto start = std::make_unique<ZRTKPrintStartInfoC>(*start_block.find());
     if (parsed.arguments.discard) {
         discard_reserved(*start);
         return kExitDone;

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "common/text.h"
+#include "common/memory_probe.h"
 #include "common/trace.h"
 
 namespace qk::mmf {
@@ -59,12 +59,16 @@ void map(Block& block, size_t size) noexcept {
         return;
     }
     block.view.reset(MapViewOfFile(block.mapping.get(), FILE_MAP_READ | FILE_MAP_WRITE, 0, 0, size));
-    if (block.view) {
+    if (!block.view) {
+        trace::debug_output(L"Error@qk::MMF MapViewOfFile:gle=%u", GetLastError());
+    } else if (!is_readable(block.view.get(), size) || !is_writable(block.view.get(), size)) {
+        trace::debug_output(L"Error@qk::MMF no memory behind the view");
+        block.view.reset();
+    } else {
         if (block.created)
             std::memset(block.view.get(), 0, size);
         return;
     }
-    trace::debug_output(L"Error@qk::MMF MapViewOfFile:gle=%u", GetLastError());
     block.created = false;
     block.mapping.reset();
 }

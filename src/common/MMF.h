@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "common/handle.h"
+#include "common/memory_probe.h"
 
 namespace qk {
 
@@ -29,7 +30,8 @@ struct Block {
 
 // Creates or opens the block `name` that holds one record T, open to every account and to low integrity, so
 // that a renderer or dialog in a protected process can write it. A new block is zeroed, an existing one
-// never. Failures leave a null view and are told to the debug output only.
+// never. Failures leave a null view and are told to the debug output only; a block whose memory is not there,
+// being reserved or cut short, counts as one.
 template <class T>
 class MMF {
     static_assert(std::is_trivially_copyable_v<T> && std::is_standard_layout_v<T>);
@@ -50,7 +52,15 @@ public:
         block_ = mmf::open_existing(name, sizeof(T));
     }
 
-    // The mapped record, or null. Valid while this object lives.
+    // A copy of the record, or one put in its place. False when there is none, or when its memory has gone:
+    // anybody may have made the block, over a file that he cuts short. Never faults.
+    [[nodiscard]] bool read(T& record) const noexcept {
+        return view() && try_copy(&record, view(), sizeof record);
+    }
+    bool write(const T& record) const noexcept { return view() && try_copy(view(), &record, sizeof record); }
+
+    // The mapped record, or null. Valid while this object lives; to be touched only where it is known to be
+    // one's own.
     [[nodiscard]] T* view() const noexcept { return static_cast<T*>(block_.view.get()); }
 
     // Whether this object made the block; false when it existed already.

@@ -60,8 +60,9 @@ DWORD fdlg_GetMMFJobMode(const std::wstring& printer_name) {
     TRACE("fdlg_GetMMFJobMode");
     qk::MMF<ZRTK_COMMON_MMF> common;
     common.open(qk::format(kCommonBlockName, printer_name.c_str(), user_name().c_str()));
-    if (common.view() && (common.view()->flags & ZRTK_COMMON_MMF::kJobModeValid))
-        return common.view()->job_mode;
+    ZRTK_COMMON_MMF record;
+    if (common.read(record) && (record.flags & ZRTK_COMMON_MMF::kJobModeValid))
+        return record.job_mode;
     TRACE("no GetMMFJobMode");
     return 0;
 }

@@ -2,15 +2,17 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 
 #include "common/handle.h"
 
-// bool zr_touch_pages(void* first, void* last): writes one byte of each page from `first` to `last` back to
-// it, atomically; false where a page cannot be written. A look at the memory's map costs a hundred times as
-// much, and capability queries, which programs ask by the dozen, do little else: with it an answer of one
-// name takes twenty times what it takes another driver.
+// What touches memory that may not be there. Both answer false where it is not; the table behind each names
+// the place where it goes on after a fault.
+//
+// zr_touch_pages writes one byte of each page from `first` to `last` back to it, atomically. A look at the
+// memory's map costs a hundred times as much, and capability queries, which programs ask by the dozen, do
+// little else: with it an answer of one name takes twenty times what it takes another driver.
 extern "C" bool zr_touch_pages(void* first, void* last) noexcept;
+extern "C" bool zr_copy_bytes(void* target, const void* source, size_t size) noexcept;
 
 asm(R"(
     .text
@@ -25,20 +27,47 @@ zr_touch_pages:
     jbe 1b
     movl $1, %eax
     ret
-    .globl zr_touch_failed
 zr_touch_failed:
     xorl %eax, %eax
     ret
-    .seh_handler zr_touch_fault, @except
+    .seh_handler zr_memory_fault, @except
+    .seh_handlerdata
+    .rva zr_touch_failed
+    .text
+    .seh_endproc
+
+    .globl zr_copy_bytes
+    .seh_proc zr_copy_bytes
+zr_copy_bytes:
+    pushq %rdi
+    .seh_pushreg %rdi
+    pushq %rsi
+    .seh_pushreg %rsi
+    .seh_endprologue
+    movq %rcx, %rdi
+    movq %rdx, %rsi
+    movq %r8, %rcx
+    rep movsb
+    movl $1, %eax
+    popq %rsi
+    popq %rdi
+    ret
+zr_copy_failed:
+    xorl %eax, %eax
+    popq %rsi
+    popq %rdi
+    ret
+    .seh_handler zr_memory_fault, @except
+    .seh_handlerdata
+    .rva zr_copy_failed
+    .text
     .seh_endproc
 )");
 
-extern "C" void zr_touch_failed() noexcept;
-
-// The handler of every exception between those two labels. A guard page that has been touched is one no
-// longer: it is made one again, for it is the end of somebody's stack.
-extern "C" EXCEPTION_DISPOSITION zr_touch_fault(EXCEPTION_RECORD* record, void*, CONTEXT* context,
-                                                DISPATCHER_CONTEXT*) noexcept {
+// The handler of every exception inside them. A guard page that has been touched is one no longer: it is made
+// one again, for it is the end of somebody's stack.
+extern "C" EXCEPTION_DISPOSITION zr_memory_fault(EXCEPTION_RECORD* record, void*, CONTEXT* context,
+                                                 DISPATCHER_CONTEXT* dispatcher) noexcept {
     const DWORD code = record->ExceptionCode;
     if (code != EXCEPTION_ACCESS_VIOLATION && code != EXCEPTION_GUARD_PAGE && code != EXCEPTION_IN_PAGE_ERROR)
         return ExceptionContinueSearch;
@@ -47,7 +76,7 @@ extern "C" EXCEPTION_DISPOSITION zr_touch_fault(EXCEPTION_RECORD* record, void*,
     DWORD before = 0;
     if (code == EXCEPTION_GUARD_PAGE && VirtualQuery(page, &region, sizeof region) == sizeof region)
         VirtualProtect(page, 1, region.Protect | PAGE_GUARD, &before);
-    context->Rip = reinterpret_cast<DWORD64>(&zr_touch_failed);
+    context->Rip = dispatcher->ImageBase + *static_cast<const DWORD*>(dispatcher->HandlerData);
     return ExceptionContinueExecution;
 }
 
@@ -89,12 +118,7 @@ bool is_writable(void* address, size_t size) noexcept {
 }
 
 bool try_copy(void* target, const void* source, size_t size) noexcept {
-    // ReadProcessMemory would not lose a race against somebody who unmaps the memory meanwhile, but costs a
-    // job more than everything else in it on systems where it stops the process to look.
-    if (!is_readable(source, size))
-        return false;
-    std::memcpy(target, source, size);
-    return true;
+    return size == 0 || (target && source && zr_copy_bytes(target, source, size));
 }
 
 std::wstring copy_while_readable(const wchar_t* address, size_t units) {

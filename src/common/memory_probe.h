@@ -1,4 +1,4 @@
-// Looking at memory that somebody else vouches for: callers' DEVMODEs, pointers found in shared records.
+// Memory that somebody else vouches for: callers' DEVMODEs, shared records, pointers found in them.
 #pragma once
 
 #include <windows.h>
@@ -14,8 +14,9 @@ namespace qk {
 [[nodiscard]] bool is_readable(const void* address, size_t size) noexcept;
 [[nodiscard]] bool is_writable(void* address, size_t size) noexcept;
 
-// Copies `size` bytes out of memory that may not be there; false, with the target untouched, when it cannot
-// be read.
+// Copies `size` bytes out of or into memory that may not be there, or may go while it is copied; false when a
+// byte could not be, with those before it copied. Never faults. The two must not overlap, unless they are the
+// same.
 [[nodiscard]] bool try_copy(void* target, const void* source, size_t size) noexcept;
 
 // As many of `units` units from `address` on as can be read.

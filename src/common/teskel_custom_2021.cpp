@@ -2,7 +2,6 @@
 
 #include <shlobj.h>
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -10,6 +9,7 @@
 
 #include "common/driver_util.h"
 #include "common/handle.h"
+#include "common/memory_probe.h"
 #include "common/paths.h"
 #include "common/text.h"
 #include "common/trace.h"
@@ -25,11 +25,21 @@ constexpr std::wstring_view cut_as_entries(std::wstring_view path) noexcept {
     return path.substr(0, kRecordTextUnits - 1);
 }
 
-wchar_t (*find_entry(TKFileNames& files, std::wstring_view entry) noexcept)[kRecordTextUnits] {
-    for (auto& name : files.names)
-        if (std::wstring_view(name, wcsnlen(name, kRecordTextUnits)) == entry)
-            return &name;
-    return nullptr;
+using Entry = wchar_t[kRecordTextUnits];
+
+// Puts `text` in the place of the first entry that reads `entry`; false when none does. The list lies in
+// memory that others have made, so each entry is copied out before it is looked at.
+bool replace_entry(TKFileNames& files, std::wstring_view entry, std::wstring_view text) noexcept {
+    for (Entry& shared : files.names) {
+        Entry name;
+        if (!qk::try_copy(name, shared, sizeof name))
+            return false;
+        if (std::wstring_view(name, wcsnlen(name, kRecordTextUnits)) != entry)
+            continue;
+        put_record_text(name, text);
+        return qk::try_copy(shared, name, sizeof name);
+    }
+    return false;
 }
 
 }  // namespace
@@ -133,9 +143,7 @@ void TeskelCustom2021::set_output_path(std::wstring output_path) {
 void TeskelCustom2021::add_fn_to_mmf() noexcept {
     if (!files_.view() || output_path_.empty())
         return;
-    if (auto* free_entry = find_entry(*files_.view(), L""))
-        put_record_text(*free_entry, output_path_);
-    else
+    if (!replace_entry(*files_.view(), L"", output_path_))
         TRACE("pd_tk::TeskelCustom2021: the list is full");
 }
 
@@ -145,8 +153,7 @@ void TeskelCustom2021::remove_fn_from_mmf() noexcept {
     TRACE("pd_tk::TeskelCustom2021::remove_fn_from_mmf");
     TRACE("delete");
     TRACE(output_path_);
-    if (auto* entry = find_entry(*files_.view(), cut_as_entries(output_path_)))
-        std::fill(std::begin(*entry), std::end(*entry), L'\0');
+    replace_entry(*files_.view(), cut_as_entries(output_path_), L"");
 }
 
 }  // namespace pd_tk

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "common/handle.h"
+#include "common/memory_probe.h"
 #include "common/text.h"
 
 namespace qk::trace {
@@ -37,7 +38,8 @@ DWORD find_level() noexcept {
         debug_output(L"Error@qk::MMF MapViewOfFile:gle=%u", GetLastError());
         return 0;
     }
-    return *static_cast<const DWORD*>(view.get());
+    DWORD found = 0;  // the block is anybody's: its memory may not be there
+    return try_copy(&found, view.get(), sizeof found) ? found : 0;
 }
 
 }  // namespace

@@ -59,8 +59,8 @@ void DialogRecord::take_texts() {
     third_text_ = text_of(record_->third_text);
 }
 
-void DialogRecord::publish(ZRTKPrintStartInfoC& start, bool resumes) const {
-    start = {};
+ZRTKPrintStartInfoC DialogRecord::start_record(bool resumes) const {
+    ZRTKPrintStartInfoC start = {};
     start.resume = resumes || record_->hand_over != 0 ? 1 : 0;
     put_record_text(start.title, title_);
     put_record_text(start.output_path, output_path_);
@@ -69,6 +69,7 @@ void DialogRecord::publish(ZRTKPrintStartInfoC& start, bool resumes) const {
     start.second_value = record_->second_value;
     start.external_record = record_->external_record;
     start.third_value = record_->third_value;
+    return start;
 }
 
 }  // namespace job

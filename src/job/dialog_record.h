@@ -48,8 +48,8 @@ public:
 
     [[nodiscard]] const std::wstring& output_path() const noexcept { return output_path_; }
 
-    // Writes the job start record, every byte of it.
-    void publish(ZRTKPrintStartInfoC& start, bool resumes) const;
+    // The job start record, every byte of it.
+    [[nodiscard]] ZRTKPrintStartInfoC start_record(bool resumes) const;
 
 private:
     std::unique_ptr<dialog_library::WorkingRecord> record_ =

@@ -66,8 +66,8 @@ void release_start_state() noexcept {
     TRACE("FreeThreadProp");
     const std::unique_ptr<StartState> state(
         reinterpret_cast<StartState*>(FreeThreadProp(threadprop::kStartRecord)));
-    if (state && state->block.view())
-        *state->block.view() = {};  // whoever still has the block open finds no job in it
+    if (state)
+        state->block.write({});  // whoever still has the block open finds no job in it
 }
 
 std::unique_ptr<ResultState> take_result_state() noexcept {
@@ -87,9 +87,9 @@ Outcome end(HANDLE printer) noexcept {
         TRACE("404");
         return outcome;
     }
-    if (!state->view())
+    ZRTKPrintInfo result;  // a copy, made once: its writer may not be done with it
+    if (!state->read(result))
         return outcome;
-    const ZRTKPrintInfo result = *state->view();  // once: its writer may not be done with it
     if (result.error_code != 0)
         attempt([&result] { report(result); });
     outcome.status = result.win32_error;

@@ -191,9 +191,8 @@ private:
         release_start_state();  // of a job on this thread that never ended
         take_result_state().reset();
         start->block.init(qk::format(kStartBlockName, static_cast<int>(GetCurrentThreadId())));
-        if (!start->block.view())
+        if (!start->block.write(record_.start_record(resumes)))
             throw NoJob{ERROR_OUTOFMEMORY};  // nobody could render this job
-        record_.publish(*start->block.view(), resumes);
         start->external = std::move(external_);
         std::unique_ptr<ResultState> result_state;
         if (!resumes)
@@ -219,8 +218,7 @@ private:
     static std::unique_ptr<ResultState> create_result_record() {
         auto state = std::make_unique<ResultState>(
             qk::format(kResultBlockName, static_cast<int>(GetCurrentThreadId())));
-        if (state->view())
-            *state->view() = {};  // an older block of the name may still be open somewhere
+        state->write({});  // an older block of the name may still be open somewhere
         return state;
     }
 
@@ -241,7 +239,7 @@ private:
         }
     }
 
-    std::wstring install_folder_ = qk::install_folder();
+    std::wstring install_folder_ = qk::trusted_install_folder();
     std::wstring printer_name_;
     std::wstring document_name_;
     bool has_document_name_ = false;

@@ -29,6 +29,19 @@ constexpr WORD spec_version_of(WORD size) noexcept {
     }
 }
 
+// What a DEVMODE says of itself. Read once: the callers' other threads may change it meanwhile.
+struct Layout {
+    WORD spec_version;
+    WORD driver_version;
+    WORD size;
+    WORD extra;
+};
+static_assert(sizeof(Layout) == kHeaderBytes - offsetof(DEVMODEW, dmSpecVersion));
+
+bool read_layout(const DEVMODEW* devmode, Layout& layout) noexcept {
+    return devmode && qk::try_copy(&layout, &devmode->dmSpecVersion, sizeof layout);
+}
+
 std::byte* bytes_of(DEVMODEW* devmode) noexcept {
     return reinterpret_cast<std::byte*>(devmode);
 }
@@ -57,6 +70,37 @@ bool keep_in_range(T& field, int lowest, int highest, T fallback) noexcept {
         return true;
     field = fallback;
     return false;
+}
+
+// Copies what `source` and a target laid out as `to` have in common, behind which the target says `to` of
+// itself, with the version that goes with its size.
+int convert(const DEVMODEW* source, DEVMODEW* target, const Layout& to,
+            WORD* source_extra = nullptr) noexcept {
+    TRACE("ConvertDevmode");
+    Layout from = {};
+    if (!qk::is_writable(target, kHeaderBytes) || !read_layout(source, from))
+        return -1;
+    if (spec_version_of(from.size) == 0 && from.spec_version == 0)
+        return -1;
+    const WORD known = spec_version_of(to.size);
+    const WORD spec_version = known != 0 ? known : to.spec_version;
+    if (spec_version == 0)
+        return -1;
+    const WORD public_bytes = std::min(from.size, to.size);
+    const WORD extra_bytes = std::min(from.extra, to.extra);
+    if (!qk::is_readable(source, public_bytes) || !qk::is_writable(target, public_bytes) ||
+        !qk::is_readable(bytes_of(source) + from.size, extra_bytes) ||
+        !qk::is_writable(bytes_of(target) + to.size, extra_bytes))
+        return -1;
+    std::memmove(target, source, public_bytes);  // a caller may convert a buffer onto itself
+    target->dmSize = to.size;
+    target->dmDriverExtra = to.extra;
+    target->dmDriverVersion = to.driver_version;
+    target->dmSpecVersion = spec_version;
+    std::memmove(bytes_of(target) + to.size, bytes_of(source) + from.size, extra_bytes);
+    if (source_extra)
+        *source_extra = from.extra;
+    return public_bytes + extra_bytes;
 }
 
 }  // namespace
@@ -91,59 +135,27 @@ DriverDevmode default_devmode() noexcept {
     return devmode;
 }
 
-int ConvertDevmode(const DEVMODEW* source, DEVMODEW* target) noexcept {
-    TRACE("ConvertDevmode");
-    if (!qk::is_writable(target, kHeaderBytes) || !qk::is_readable(source, kHeaderBytes))
-        return -1;
-    if (spec_version_of(source->dmSize) == 0 && source->dmSpecVersion == 0)
-        return -1;
-    const WORD known = spec_version_of(target->dmSize);
-    const WORD spec_version = known != 0 ? known : target->dmSpecVersion;
-    if (spec_version == 0)
-        return -1;
-    const WORD size = target->dmSize;
-    const WORD extra = target->dmDriverExtra;
-    const WORD driver_version = target->dmDriverVersion;
-    const WORD source_size = source->dmSize;
-    const WORD public_bytes = std::min(source_size, size);
-    const WORD extra_bytes = std::min(source->dmDriverExtra, extra);
-    if (!qk::is_readable(source, public_bytes) || !qk::is_writable(target, public_bytes) ||
-        !qk::is_readable(bytes_of(source) + source_size, extra_bytes) ||
-        !qk::is_writable(bytes_of(target) + size, extra_bytes))
-        return -1;
-    std::memmove(target, source, public_bytes);  // a caller may convert a buffer onto itself
-    target->dmSize = size;
-    target->dmDriverExtra = extra;
-    target->dmDriverVersion = driver_version;
-    target->dmSpecVersion = spec_version;
-    std::memmove(bytes_of(target) + size, bytes_of(source) + source_size, extra_bytes);
-    return public_bytes + extra_bytes;
+int ConvertDevmode(const DEVMODEW* source, DEVMODEW* target, WORD* source_extra) noexcept {
+    Layout to = {};
+    return convert(source, read_layout(target, to) ? target : nullptr, to, source_extra);
 }
 
 int ConvertDevmodeOut(const DEVMODEW* driver, const DEVMODEW* caller, DEVMODEW* output) noexcept {
     TRACE("ConvertDevmodeOut");
-    if (!driver || !output)
+    Layout own = {};
+    if (!output || !read_layout(driver, own))
         return 0;
-    const DEVMODEW* smaller_public = driver;
-    const DEVMODEW* smaller_extra = driver;
-    if (caller) {
-        if (!qk::is_readable(caller, kHeaderBytes))
-            return 0;
-        smaller_public = caller->dmSize < driver->dmSize ? caller : driver;
-        smaller_extra = caller->dmDriverExtra < driver->dmDriverExtra ? caller : driver;
-    }
-    // Taken before the output is touched: it may be the caller's DEVMODE itself.
-    const WORD size = smaller_public->dmSize;
-    const WORD spec_version = smaller_public->dmSpecVersion;
-    const WORD extra = smaller_extra->dmDriverExtra;
-    const WORD driver_version = smaller_extra->dmDriverVersion;
-    if (!qk::is_writable(output, std::max<size_t>(kHeaderBytes, size_t{size} + extra)))
+    Layout callers = own;
+    if (caller && !read_layout(caller, callers))
         return 0;
-    output->dmSize = size;
-    output->dmSpecVersion = spec_version;
-    output->dmDriverExtra = extra;
-    output->dmDriverVersion = driver_version;
-    return ConvertDevmode(driver, output) > 0 ? 1 : 0;
+    // The output may be the caller's DEVMODE itself: nothing of that is read from here on.
+    const Layout& public_part = callers.size < own.size ? callers : own;
+    const Layout& extra_part = callers.extra < own.extra ? callers : own;
+    const Layout to = {public_part.spec_version, extra_part.driver_version, public_part.size,
+                       extra_part.extra};
+    if (!qk::is_writable(output, std::max<size_t>(kHeaderBytes, size_t{to.size} + to.extra)))
+        return 0;
+    return convert(driver, output, to) > 0 ? 1 : 0;
 }
 
 ConvertResult CommonDrvConvertDevmode(const DEVMODEW* source, DEVMODEW* target, DWORD* needed,
@@ -153,34 +165,33 @@ ConvertResult CommonDrvConvertDevmode(const DEVMODEW* source, DEVMODEW* target, 
         SetLastError(error);
         return ConvertResult::kFailed;
     };
+    const DWORD given = *needed;
     switch (mode) {
         case kConvert: {
-            if (!target || !source || !qk::is_readable(target, kHeaderBytes))
+            Layout to = {};
+            if (!source || !read_layout(target, to))
                 return fail(ERROR_INVALID_PARAMETER);
-            const DWORD size = DWORD{target->dmSize} + target->dmDriverExtra;
-            if (*needed < size || ConvertDevmode(source, target) <= 0)
+            const DWORD size = DWORD{to.size} + to.extra;
+            if (given < size || convert(source, target, to) <= 0)
                 return fail(ERROR_INVALID_PARAMETER);
             *needed = size;
             return ConvertResult::kDone;
         }
         case kConvert351: {
-            if (*needed < kOldDevmodeSize || !target) {
+            if (given < kOldDevmodeSize || !target) {
                 *needed = kOldDevmodeSize;
                 return fail(ERROR_INSUFFICIENT_BUFFER);
             }
             if (!qk::is_writable(target, kOldDevmodeSize))
                 return fail(ERROR_INVALID_PARAMETER);
-            target->dmSize = kDevmodeSize351;
-            target->dmSpecVersion = kOldSpecVersion;
-            target->dmDriverVersion = kOldDriverVersion;
-            target->dmDriverExtra = kDevmodeExtra;
-            if (ConvertDevmode(source, target) <= 0)
+            constexpr Layout kOld = {kOldSpecVersion, kOldDriverVersion, kDevmodeSize351, kDevmodeExtra};
+            if (convert(source, target, kOld) <= 0)
                 return fail(ERROR_INVALID_PARAMETER);
             *needed = kOldDevmodeSize;
             return ConvertResult::kDone;
         }
         case kDriverDefault: {
-            const bool fits = *needed >= kDriverDevmodeSize && target;
+            const bool fits = given >= kDriverDevmodeSize && target;
             *needed = kDriverDevmodeSize;
             return fits ? ConvertResult::kCallerFinishes : fail(ERROR_INSUFFICIENT_BUFFER);
         }

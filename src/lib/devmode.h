@@ -51,8 +51,9 @@ inline constexpr short kPaperCustom = DMPAPER_USER;
 
 // Copies `source` into `target`, keeping the target's size fields and writing the version that goes with
 // them. Both are callers' memory: what is copied, the smaller of both parts, is checked before it is touched.
-// The number of bytes copied, or -1.
-int ConvertDevmode(const DEVMODEW* source, DEVMODEW* target) noexcept;
+// The number of bytes copied, or -1. `source_extra` (may be null) receives the size of the source's private
+// part as it was copied.
+int ConvertDevmode(const DEVMODEW* source, DEVMODEW* target, WORD* source_extra = nullptr) noexcept;
 
 // Shapes the driver's DEVMODE into the layout of the caller's (null: the driver's own). 1 on success, else 0.
 int ConvertDevmodeOut(const DEVMODEW* driver, const DEVMODEW* caller, DEVMODEW* output) noexcept;

@@ -244,11 +244,12 @@ DWORD merge_devmode(const DEVMODEW* incoming, DriverDevmode& devmode, MergeSourc
     in.dm.dmSize = kDevmodeSize;
     in.dm.dmDriverExtra = kDevmodeExtra;
     in.dm.dmDriverVersion = kDriverVersion;
-    if (ConvertDevmode(incoming, &in.dm) < 0) {
+    WORD extra = 0;
+    if (ConvertDevmode(incoming, &in.dm, &extra) < 0) {
         TRACE("no DEVMODE");
         return 0;
     }
-    return Merge(in, incoming->dmDriverExtra == kDevmodeExtra, devmode, source).run();
+    return Merge(in, extra == kDevmodeExtra, devmode, source).run();
 }
 
 DWORD MergeDevmode(HANDLE printer, const DEVMODEW* caller, DriverDevmode& devmode) {
