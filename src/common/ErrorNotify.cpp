@@ -84,6 +84,18 @@ int write_log(const wchar_t* pdf_file_name, const std::wstring& message) {
         {ini.print_id(), named ? pdf_file_name : ini.pdf_file_name(), log_time(now), message});
 }
 
+// Whether somebody can see a message box and end it: services and scheduled tasks have a window station of
+// their own, on which a box waits for ever.
+bool somebody_watches() noexcept {
+    USEROBJECTFLAGS flags = {};
+    DWORD size = 0;
+    const HWINSTA station = GetProcessWindowStation();
+    if (!station)
+        return false;
+    return !GetUserObjectInformationW(station, UOI_FLAGS, &flags, sizeof flags, &size) ||
+           (flags.dwFlags & WSF_VISIBLE);
+}
+
 bool in_splwow64() {
     return qk::equal_no_case(qk::file_part(qk::module_path(nullptr)), L"splwow64.exe");
 }
@@ -150,6 +162,13 @@ int ZRTK_ErrorNotify(const std::wstring& caption, const wchar_t* pdf_file_name, 
         qk::trace::debug_output(L"mes:not yet implemented");
     if (!(channels & NotifyChannel::kMessageBox))
         return result;
+    if (!somebody_watches()) {
+        TRACE("nobody can answer");
+        if (!(channels & NotifyChannel::kEventLog))
+            report_event(message);
+        qk::trace::debug_output(L"%s: %s", caption2.c_str(), message.c_str());
+        return result;
+    }
     if (in_splwow64()) {
         TRACE("in splwow64");
         ZRTK_Thread_MessageBox(message, caption2);

@@ -88,13 +88,6 @@ void visit_files(const std::function<bool(const std::wstring& folder, const wcha
     }
 }
 
-// Whether a path leads to the same file whatever the host's current folder is.
-bool is_full_path(std::wstring_view path) noexcept {
-    constexpr std::wstring_view kSlashes = L"\\/";
-    const auto is_slash = [&](size_t at) { return kSlashes.find(path[at]) != std::wstring_view::npos; };
-    return path.size() > 2 && ((is_slash(0) && is_slash(1)) || (path[1] == L':' && is_slash(2)));
-}
-
 }  // namespace
 
 std::wstring profile_folder() {
@@ -107,7 +100,7 @@ std::wstring profile_folder() {
 
 std::optional<std::wstring> find_profile(std::wstring_view stored_name) {
     std::wstring path(stored_name);
-    if (is_full_path(path) && qk::is_file(path))
+    if (qk::is_full_path(path) && qk::is_file(path))
         return path;
     const std::wstring folder = profile_folder();
     const std::wstring_view name = qk::file_part(stored_name);

@@ -25,11 +25,38 @@ std::wstring module_path(HMODULE module) {
         [module](wchar_t* buffer, DWORD units) { return GetModuleFileNameW(module, buffer, units); });
 }
 
-std::wstring install_folder() {
-    std::wstring folder = ReadDriverRegString(L"PdfDllPath", nullptr);
-    if (!folder.empty() && folder.back() != L'\\')
+bool is_full_path(std::wstring_view path) noexcept {
+    constexpr std::wstring_view kSlashes = L"\\/";
+    const auto is_slash = [&](size_t at) { return kSlashes.find(path[at]) != std::wstring_view::npos; };
+    return path.size() > 2 && ((is_slash(0) && is_slash(1)) || (path[1] == L':' && is_slash(2)));
+}
+
+namespace {
+
+constexpr wchar_t kInstallFolder[] = L"PdfDllPath";
+
+std::wstring full_folder(std::wstring folder) {
+    if (!is_full_path(folder))
+        return {};
+    if (folder.back() != L'\\')
         folder += L'\\';
     return folder;
+}
+
+}  // namespace
+
+std::wstring install_folder() {
+    const std::wstring folder = full_folder(ReadDriverRegString(kInstallFolder, nullptr));
+    return folder.empty() ? machine_install_folder() : folder;
+}
+
+std::wstring trusted_install_folder() {
+    return registry::CurrentUser::is_own() ? install_folder() : machine_install_folder();
+}
+
+std::wstring machine_install_folder() {
+    return full_folder(
+        registry::find_text(HKEY_LOCAL_MACHINE, registry::kRoot, kInstallFolder).value_or(L""));
 }
 
 namespace {
@@ -147,7 +174,7 @@ std::wstring ZRTK_TempPath() {
 }
 
 qk::DLL LoadInstallDll(std::wstring_view file_name) {
-    return LoadInstallDll(file_name, qk::install_folder());
+    return LoadInstallDll(file_name, qk::trusted_install_folder());
 }
 
 qk::DLL LoadInstallDll(std::wstring_view file_name, const std::wstring& install_folder) {

@@ -16,9 +16,19 @@ namespace qk {
 // The full path of a loaded module (null: the running program).
 [[nodiscard]] std::wstring module_path(HMODULE module);
 
-// The installation folder with its trailing backslash, from the registry value "PdfDllPath"; empty when it is
-// not set (what is appended to it is then relative).
+// Whether a path leads to the same file whatever the host's current folder is.
+[[nodiscard]] bool is_full_path(std::wstring_view path) noexcept;
+
+// The installation folder with its trailing backslash, from the registry value "PdfDllPath", the user's
+// before the machine's; empty when it is not set or is no full path.
 [[nodiscard]] std::wstring install_folder();
+
+// The one that code and the administrator's file are taken from. A thread that acts for another user believes
+// the machine alone: that user could name a folder of his own.
+[[nodiscard]] std::wstring trusted_install_folder();
+
+// What the machine's part of the registry says of it.
+[[nodiscard]] std::wstring machine_install_folder();
 
 // The common documents folder without a trailing backslash: the registry value "CSIDL_COMMON_DOCUMENTS" of
 // the vendor's special folders where there is one, else the shell's. Empty when there is none.
@@ -45,7 +55,7 @@ bool ForceDirectories(const std::wstring& path);
 // The folder `ZRTK_TempPath` uses for this thread, without making it.
 [[nodiscard]] std::wstring thread_temp_folder(const std::wstring& root);
 
-// Loads a library of the installation folder so that its own dependencies are found there too; empty, with
-// the last error of the attempt, when it cannot be loaded.
+// Loads a library of the trusted installation folder so that its own dependencies are found there too; empty,
+// with the last error of the attempt, when it cannot be loaded.
 [[nodiscard]] qk::DLL LoadInstallDll(std::wstring_view file_name);
 [[nodiscard]] qk::DLL LoadInstallDll(std::wstring_view file_name, const std::wstring& install_folder);

@@ -40,15 +40,10 @@ std::vector<std::wstring> setting_folders() {
     return folders;
 }
 
-bool is_full_path(std::wstring_view name) noexcept {
-    return name.starts_with(L"\\\\") ||
-           (name.size() > 2 && name[1] == L':' && (name[2] == L'\\' || name[2] == L'/'));
-}
-
 std::wstring find_setting_file(const std::wstring& name) {
     const auto folders = setting_folders();
     for (const std::wstring_view extension : kExtensions) {
-        if (is_full_path(name) && is_usable(name))
+        if (qk::is_full_path(name) && is_usable(name))
             return name;
         for (const std::wstring& folder : folders)
             if (std::wstring path = folder + name + std::wstring(extension); is_usable(path))
@@ -207,5 +202,5 @@ std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& print
 }
 
 std::wstring SettingPathOf(const std::wstring& name) {
-    return is_full_path(name) ? name : ResolveSettingFilePath(name);
+    return qk::is_full_path(name) ? name : ResolveSettingFilePath(name);
 }

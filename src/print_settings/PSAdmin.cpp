@@ -1,8 +1,11 @@
 #include "print_settings/PSAdmin.h"
 
+#include <algorithm>
 #include <exception>
+#include <utility>
 
 #include "common/paths.h"
+#include "common/text.h"
 #include "common/trace.h"
 #include "print_settings/ps4_reader.h"
 #include "print_settings/restriction_fields.h"
@@ -23,7 +26,7 @@ bool read_restriction(std::string_view bytes, Restriction& restriction) {
         if (ps::RecogniseBytes(bytes) != ps::kPS4 || !ps::json::try_parse(bytes.substr(3), document))
             return false;
         const picojson::value* own = ps::json::find(document.get<picojson::object>(), "Administrator");
-        Restriction fresh;
+        Restriction fresh = restriction;
         if (own && own->is<picojson::object>())
             ps::reader::read_fields(own->get<picojson::object>(), fresh);
         restriction = fresh;
@@ -44,18 +47,27 @@ bool read_file(const std::wstring& path, std::string& bytes, Restriction& restri
 
 }  // namespace
 
-std::wstring find_file(const std::wstring& install_folder) {
-    std::wstring path = install_folder.empty() ? install_folder : install_folder + kFileName;
-    return qk::is_file(path) ? path : std::wstring();
+std::vector<std::wstring> find_files(const std::wstring& install_folder) {
+    std::vector<std::wstring> files;
+    const auto add_from = [&files](const std::wstring& folder) {
+        if (std::wstring path = folder + kFileName; !folder.empty() && qk::is_file(path))
+            files.push_back(std::move(path));
+    };
+    const std::wstring machine = qk::machine_install_folder();
+    if (!qk::equal_no_case(machine, install_folder))
+        add_from(install_folder);
+    add_from(machine);
+    return files;
 }
 
 bool load_restriction(Restriction& restriction) {
     TRACE("load_restriction");
-    const std::wstring path = find_file(qk::install_folder());
+    Restriction found;
     std::string bytes;
-    if (!path.empty())
-        return read_file(path, bytes, restriction);
-    restriction = {};
+    for (const std::wstring& path : find_files(qk::trusted_install_folder()))
+        if (!read_file(path, bytes, found))
+            return false;
+    restriction = found;
     return true;
 }
 
@@ -75,18 +87,20 @@ bool PrintSettingsAdmin::LoadDefaults() {
 }
 
 bool PrintSettingsAdmin::LoadWithAdministrator(std::string_view users) {
-    const std::wstring forced_path =
-        Administrator::find_file(install_folder_ ? *install_folder_ : qk::install_folder());
-    std::string forced;
+    const auto files =
+        Administrator::find_files(install_folder_ ? *install_folder_ : qk::trusted_install_folder());
+    std::vector<std::string> forced(files.size());
     restriction_ = {};
-    if (!forced_path.empty() && !Administrator::read_file(forced_path, forced, restriction_))
-        return false;
+    for (size_t i = 0; i < files.size(); ++i)
+        if (!Administrator::read_file(files[i], forced[i], restriction_))
+            return false;
     // Of this one only comments outlive the user's file, which replaces every section.
     if (!restriction_.PSFile.empty() && !PrintSettings::Load(restriction_.PSFile))
         TRACE("administrator's print setting cannot be read");
     if (LoadBytes(users, false) != kLoaded)
         return false;
-    return forced_path.empty() || LoadBytes(forced, true) == kLoaded;
+    return std::ranges::all_of(
+        forced, [this](const std::string& values) { return LoadBytes(values, true) == kLoaded; });
 }
 
 }  // namespace PrintSettings

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "print_settings/PrintSettings.h"
 
@@ -29,9 +30,10 @@ public:
 // administrator file; false, with `restriction` left alone, when it is there but cannot be read.
 [[nodiscard]] bool load_restriction(Restriction& restriction);
 
-// The full path of "administrator.ps4a" in the installation folder (with its trailing backslash); empty when
-// there is no such file.
-[[nodiscard]] std::wstring find_file(const std::wstring& install_folder);
+// The full paths of the "administrator.ps4a" files that hold, the stronger one last: that of the installation
+// folder (with its trailing backslash) and, where the user has named another folder, that of the machine's
+// own, so that nobody lifts a restriction by looking elsewhere.
+[[nodiscard]] std::vector<std::wstring> find_files(const std::wstring& install_folder);
 
 }  // namespace Administrator
 
@@ -45,8 +47,8 @@ public:
     explicit PrintSettingsAdmin(std::wstring install_folder) : install_folder_(std::move(install_folder)) {}
 
     using PrintSettings::Load;
-    // Loads the user's file and then the administrator's, when there is one. False when either cannot be
-    // loaded; the object is then not to be used.
+    // Loads the user's file and then the administrator's, where there are any. False when one of them cannot
+    // be loaded; the object is then not to be used.
     [[nodiscard]] bool Load(const std::wstring& path) override;
 
     // The same for a job that has no setting file: the defaults with the administrator's values on top.
