@@ -5,13 +5,14 @@
 #include <mutex>
 #include <string>
 
+#include "common/lock.h"
 #include "common/text.h"
 
 namespace host {
 
 namespace {
 
-std::mutex stream_lock;
+qk::Lock stream_lock;
 bool output_is_json = false;
 
 void write(DWORD stream, std::wstring_view text) {

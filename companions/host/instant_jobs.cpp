@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <chrono>
 #include <mutex>
-#include <thread>
 
+#include "common/lock.h"
 #include "common/module.h"
 #include "common/text.h"
 #include "companions/host/console.h"
@@ -14,6 +14,7 @@
 #include "companions/host/output_target.h"
 #include "companions/host/printer_setup.h"
 #include "companions/host/record_fields.h"
+#include "companions/thread.h"
 
 namespace host {
 
@@ -42,7 +43,7 @@ public:
     }
 
 private:
-    std::mutex lock_;
+    qk::Lock lock_;
     InstantReport& report_;
     size_t expected_;
 };
@@ -87,9 +88,9 @@ void run_thread(const DriverModule& module, size_t thread, size_t jobs, const st
 void run_threads(const DriverModule& module, size_t threads, size_t jobs, const std::wstring& folder,
                  InstantReport& report) {
     Tally tally(report, threads * jobs);
-    std::vector<std::jthread> running;
+    std::vector<companions::Thread> running;
     for (size_t thread = 1; thread <= threads; ++thread)
-        running.emplace_back(run_thread, std::cref(module), thread, jobs, std::cref(folder), std::ref(tally));
+        running.emplace_back([&, thread] { run_thread(module, thread, jobs, folder, tally); });
 }
 
 std::wstring work_folder(const Options& options) {

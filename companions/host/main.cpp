@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "common/paths.h"
+#include "common/lock.h"
 #include "common/text.h"
 #include "companions/host/console.h"
 #include "companions/host/host_error.h"
@@ -108,7 +109,7 @@ private:
         lines_.push_back(line);
     }
 
-    std::mutex lock_;
+    qk::Lock lock_;
     std::vector<std::wstring> lines_;
     std::optional<TraceOutput> output_;
 };

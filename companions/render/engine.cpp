@@ -2,20 +2,19 @@
 
 #include <algorithm>
 #include <chrono>
-#include <future>
+#include <optional>
 
 #include "common/handle.h"
 #include "common/text.h"
 #include "companions/command_line.h"
+#include "companions/thread.h"
 #include "companions/wine_layer.h"
 
 namespace companions::render {
 
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr auto kPoll = 50ms;
+constexpr DWORD kPollMilliseconds = 50;
 constexpr wchar_t kLogName[] = L"engine.log";
 
 // Limits the engine's processor time, since nobody could stop an endless document otherwise, and sends what
@@ -76,10 +75,12 @@ Engine::End unix_end(std::optional<int> code) noexcept {
 }
 
 Engine::End run_unix(const std::vector<std::string>& command, Tail& tail) {
-    auto running = std::async(std::launch::async, [&command] { return wine::run_unix_program(command); });
-    while (running.wait_for(kPoll) != std::future_status::ready)
-        tail.read();
-    const auto code = running.get();
+    std::optional<int> code;
+    {
+        const Thread running([&] { code = wine::run_unix_program(command); });
+        while (!running.ended_within(kPollMilliseconds))
+            tail.read();
+    }
     tail.read();
     return unix_end(code);
 }
@@ -129,7 +130,7 @@ Engine::End run_windows(const std::wstring& program, const std::wstring& command
     if (job)
         AssignProcessToJobObject(job.get(), process.get());
     const auto last = std::chrono::steady_clock::now() + std::chrono::seconds(time_limit());
-    while (WaitForSingleObject(process.get(), static_cast<DWORD>(kPoll.count())) == WAIT_TIMEOUT) {
+    while (WaitForSingleObject(process.get(), kPollMilliseconds) == WAIT_TIMEOUT) {
         tail.read();
         if (std::chrono::steady_clock::now() > last) {
             TerminateProcess(process.get(), ERROR_TIMEOUT);

@@ -3,9 +3,10 @@
 
 #include "UI_dll/guard.h"
 #include "UI_dll/plotui.h"
+#include "common/thread_storage.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved) noexcept {
-    return ui::guarded<BOOL>(FALSE, [&] {
+    const BOOL answer = ui::guarded<BOOL>(FALSE, [&] {
         switch (reason) {
             case DLL_PROCESS_ATTACH:
                 return plotui::attach_process(instance);
@@ -19,4 +20,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved)
                 return true;
         }
     });
+    if (reason == DLL_THREAD_DETACH)
+        qk::release_thread_storage();  // whose variables the lines above may have used once more
+    return answer;
 }

@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <string>
-#include <thread>
 
 #include "UI_dll/ddi.h"
 #include "UI_dll/plotui.h"
 #include "common/module.h"
 #include "common/paths.h"
+#include "companions/thread.h"
 #include "support/debug_output.h"
 #include "support/handle_count.h"
 #include "support/installation.h"
@@ -164,7 +164,7 @@ TEST(Module, EndingThreadsRemoveTheirEmptyScratchFolders) {
     } const rows[] = {{false}, {true}};
     for (const auto& row : rows) {
         std::wstring scratch;
-        std::thread([&] {
+        companions::Thread([&] {
             scratch = ZRTK_TempPath();
             if (row.has_file)
                 CreateDirectoryW((scratch + L"\\left").c_str(), nullptr);

@@ -7,7 +7,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <thread>
 #include <vector>
 
 #include "UI_dll/PDFSettings/settings_page.h"
@@ -22,6 +21,7 @@
 #include "common/threadprop.h"
 #include "companions/compstui/sheet.h"
 #include "companions/compstui/sheet_functions.h"
+#include "companions/thread.h"
 #include "resources/ids.h"
 #include "support/fake_printer.h"
 #include "support/guarded_buffer.h"
@@ -467,7 +467,7 @@ TEST_F(Sheet, ThoseOfTwoThreadsDoNotMeet) {
         EXPECT_EQ(out.dm.dmScale, scale);
         EXPECT_EQ(FreeThreadProp(threadprop::kPrinter), job);
     };
-    std::thread other(live, 11, 50);
+    companions::Thread other([&] { live(11, 50); });
     live(22, 75);
     other.join();
 }

@@ -92,6 +92,23 @@ TEST(ErrorNotify, ChannelsAreChosenByTheAdministrator) {
     }
 }
 
+TEST(ErrorNotify, WhereNobodyWatchesTheEventLogGetsWhatABoxWouldSay) {
+    for (const DWORD channels : {1u, 3u}) {
+        const Installation here;
+        here.set_number(HKEY_LOCAL_MACHINE, L"\\Notification", L"Error", channels);
+        const HWINSTA own = GetProcessWindowStation();
+        const HWINSTA hidden = CreateWindowStationW(L"zr_test_hidden", 0, GENERIC_ALL, nullptr);
+        ASSERT_TRUE(hidden && SetProcessWindowStation(hidden));
+        const TraceCapture trace(0);
+        EXPECT_EQ(notify(), 0);
+        SetProcessWindowStation(own);
+        CloseWindowStation(hidden);
+        EXPECT_TRUE(Outbox::boxes.empty());
+        EXPECT_EQ(Outbox::events, std::vector<std::wstring>{L"what failed"});
+        EXPECT_TRUE(trace.holds(L"title: what failed"));
+    }
+}
+
 TEST(ErrorNotify, LogLiesWhereTheAdministratorSays) {
     const Installation here;
     here.set_number(HKEY_LOCAL_MACHINE, L"\\Notification", L"Error", 8);

@@ -1,7 +1,9 @@
 // The language library, shared blocks, texts in records.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstddef>
+#include <stdexcept>
 
 #include "common/MMF.h"
 #include "common/job_records.h"
@@ -205,6 +207,71 @@ TEST(MemoryProbe, EndsWhereTheMemoryEnds) {
     EXPECT_FALSE(qk::is_writable(end - 8, 8));
     VirtualProtect(end - 4096, 4096, PAGE_READWRITE, &before);
     EXPECT_EQ(before, DWORD{PAGE_READWRITE | PAGE_GUARD}) << "a look has used it up";
+}
+
+TEST(MemoryProbe, MemoryThatGoesWhileItIsReadIsNoFault) {
+    struct Coming {
+        std::byte* page;
+        std::atomic<bool> done;
+    } static coming;
+    coming.page = static_cast<std::byte*>(VirtualAlloc(nullptr, 4096, MEM_RESERVE, PAGE_READWRITE));
+    const qk::HandleObj thread(CreateThread(
+        nullptr, 0,
+        [](void*) -> DWORD {
+            for (int i = 0; i < 20'000; ++i) {
+                VirtualAlloc(coming.page, 4096, MEM_COMMIT, PAGE_READWRITE);
+                VirtualFree(coming.page, 4096, MEM_DECOMMIT);
+            }
+            coming.done = true;
+            return 0;
+        },
+        nullptr, 0, nullptr));
+    while (!coming.done) {
+        std::byte bytes[4096];
+        (void)qk::try_copy(bytes, coming.page, sizeof bytes);
+        (void)qk::try_copy(coming.page, bytes, sizeof bytes);
+    }
+    WaitForSingleObject(thread.get(), INFINITE);
+    VirtualFree(coming.page, 0, MEM_RELEASE);
+}
+
+// The run-time library keeps a record of each thread's exceptions, made at the first of them.
+TEST(ThreadStorage, FirstExceptionOfAThreadNeedsNoMemory) {
+    struct Work {
+        static DWORD WINAPI throw_and_catch(void* caught) {
+            thread_local int count = 40;
+            try {
+                throw std::runtime_error("no memory");
+            } catch (const std::exception&) {
+                count += 2;
+            }
+            SetLastError(77);
+            count += 0;
+            *static_cast<std::atomic<int>*>(caught) += count == 42 && GetLastError() == 77 ? 1 : 0;
+            return 0;
+        }
+    };
+    static bool memory;
+    static void* original;
+    const ImportPatch heap(
+        "HeapAlloc", reinterpret_cast<void*>(+[](HANDLE at, DWORD flags, SIZE_T size) {
+            return memory ? reinterpret_cast<decltype(&HeapAlloc)>(original)(at, flags, size) : nullptr;
+        }));
+    original = heap.original();
+    for (const bool there_is : {false, true}) {
+        memory = there_is;
+        std::atomic<int> caught = 0;
+        for (int round = 0; round < 20; ++round) {  // the reserve comes back with each thread that ends
+            HANDLE threads[10];
+            for (HANDLE& thread : threads)
+                thread = CreateThread(nullptr, 0, &Work::throw_and_catch, &caught, 0, nullptr);
+            WaitForMultipleObjects(10, threads, TRUE, INFINITE);
+            for (const HANDLE thread : threads)
+                CloseHandle(thread);
+        }
+        EXPECT_EQ(caught, 200) << there_is;
+        memory = true;
+    }
 }
 
 TEST(Texts, CopiesAreTerminatedAndPaddedAndKeepPairsWhole) {

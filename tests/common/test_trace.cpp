@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <thread>
 
 #include "UI_dll/cpsui.h"
 #include "common/paths.h"
@@ -11,6 +10,7 @@
 #include "common/rwPDFSet_functions.h"
 #include "common/teskel_custom_2021.h"
 #include "common/threadprop.h"
+#include "companions/thread.h"
 #include "job/output_name.h"
 #include "lib/devmode.h"
 #include "print_settings/display.h"
@@ -111,6 +111,9 @@ TEST(Trace, LevelComesFromTheSwitch) {
         EXPECT_EQ(seen_meanwhile, 5u) << "other threads are not silenced while the level is read";
         EXPECT_EQ(qk::trace::level, 7u);
     }
+    trace_switch.set_without_memory();
+    qk::trace::read_level();
+    EXPECT_EQ(qk::trace::level, 0u);
     const ImportPatch no_view("MapViewOfFile",
                               reinterpret_cast<void*>(+[](HANDLE, DWORD, DWORD, DWORD, SIZE_T) -> void* {
                                   SetLastError(ERROR_NOT_ENOUGH_MEMORY);
@@ -147,7 +150,7 @@ TEST(ThreadProp, EntriesQueueUpPerThreadAndKey) {
     EXPECT_EQ(SetThreadProp(L"a", 3), 0u);
     EXPECT_EQ(SetThreadProp(L"AB", UINTPTR_MAX), 0u);
     ULONG_PTR elsewhere = 99;
-    std::thread([&] {
+    companions::Thread([&] {
         elsewhere = get(L"A") + FreeThreadProp(L"A");
         SetThreadProp(L"A", 50);  // outlives the thread
     }).join();

@@ -6,12 +6,13 @@
 #include <deque>
 #include <mutex>
 #include <set>
-#include <thread>
 #include <vector>
 
 #include "common/paths.h"
 #include "common/text.h"
+#include "common/lock.h"
 #include "companions/tessalo/output_choice.h"
+#include "companions/thread.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -57,9 +58,9 @@ TEST(OutputChoice, JobsOfOneTitleAtOnceGetNamesOfTheirOwn) {
     constexpr int kThreads = 8;
     constexpr int kJobs = 25;
     const TempFolder folder;
-    std::mutex lock;
+    qk::Lock lock;
     std::set<std::wstring> paths;
-    std::vector<std::thread> threads;
+    std::vector<companions::Thread> threads;
     for (int i = 0; i < kThreads; ++i)
         threads.emplace_back([&] {
             for (int job = 0; job < kJobs; ++job) {
@@ -69,8 +70,7 @@ TEST(OutputChoice, JobsOfOneTitleAtOnceGetNamesOfTheirOwn) {
                     paths.insert(file->path);
             }
         });
-    for (std::thread& thread : threads)
-        thread.join();
+    threads.clear();  // waits for them
     EXPECT_EQ(paths.size(), size_t{kThreads * kJobs});
     EXPECT_EQ(folder.count(), size_t{kThreads * kJobs});
     EXPECT_TRUE(qk::is_file(folder.file(L"Same title(199).pdf"))) << "no number is left out";

@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <string>
-#include <thread>
 
 #include "common/dialog_library.h"
 #include "common/handle.h"
@@ -12,6 +11,7 @@
 #include "common/registry.h"
 #include "common/text.h"
 #include "companions/tessalo/options.h"
+#include "companions/thread.h"
 #include "print_settings/PrintSettings.h"
 #include "support/installation.h"
 #include "support/variable.h"
@@ -109,7 +109,7 @@ TEST_F(Tessalo, PathStandsWhereAStringOfARunTimeLibraryWould) {
     record_.output_path = {};
     EXPECT_EQ(ask(), path);
     const wchar_t* const first = record_.output_path.address;
-    std::thread([&] {
+    companions::Thread([&] {
         dialog_library::WorkingRecord other = {};
         other.title.set_in_place(L"Other");
         other.settings = &settings_;

@@ -1,6 +1,9 @@
 // From STARTDOCPRE to the published records.
 #include <cstdint>
 
+#include "common/driver_util.h"
+#include "common/teskel_custom_2021.h"
+#include "companions/wine_layer.h"
 #include "job/job_fixture.h"
 #include "support/guarded_buffer.h"
 #include "support/handle_count.h"
@@ -270,6 +273,44 @@ TEST_F(JobTest, ForeignBlocksOfTheSameNamesDoNoHarm) {
         EXPECT_EQ(end_job(), kGood);
     }
     EXPECT_TRUE(Outbox::boxes.empty());
+}
+
+TEST_F(JobTest, BlocksWithoutMemoryBehindThemCountAsAbsent) {
+    constexpr Left kNoBlock = {DOCUMENTEVENT_FAILURE, ERROR_OUTOFMEMORY};
+    const std::wstring common = qk::format(kCommonBlockName, here.printer.name.c_str(), user_name().c_str());
+    struct {
+        const char* label;
+        std::wstring name;
+        Left left;
+    } const rows[] = {{"start record", block_name(kStartBlockName), kNoBlock},
+                      {"result record", block_name(kResultBlockName), kGood},
+                      {"common record", common, kGood},
+                      {"list of files", pd_tk::file_list_name(), kGood}};
+    script->expects_start_folder = true;
+    here.folder.write(L"program.exe", "");
+    here.write_external_calls("[DocStart]\r\nApp=" + qk::to_utf8(here.folder.file(L"program.exe")) +
+                              "\r\n[Output]\r\nOutputFolder=C:\\\r\n");
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        const OtherSide<char> reserved(row.name, 200'000, SEC_RESERVE);
+        ASSERT_TRUE(reserved);
+        EXPECT_EQ(start_job(L"title"), row.left);
+        EXPECT_EQ(end_job(), kGood);
+    }
+    for (const auto& row : rows) {  // a file that is cut short once it is mapped
+        SCOPED_TRACE(row.label);
+        const qk::FileObj file(CreateFileW(here.folder.file(L"backing").c_str(), GENERIC_READ | GENERIC_WRITE,
+                                           0, nullptr, CREATE_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+        const OtherSide<char> block(row.name, 200'000, SEC_COMMIT, file.get());
+        ASSERT_TRUE(block);
+        // Windows refuses to cut a file that is mapped; the system below Wine does not.
+        const std::vector<std::string> cut = {
+            "truncate", "-s", "0",
+            companions::wine::find_unix_path(here.folder.file(L"backing")).value_or("")};
+        ASSERT_EQ(companions::wine::run_unix_program(cut), 0);
+        EXPECT_EQ(start_job(L"title"), row.left);
+        EXPECT_EQ(end_job(), kGood);
+    }
 }
 
 TEST_F(JobTest, WithoutViewsTheJobDoesNotStart) {

@@ -3,9 +3,11 @@
 #include <optional>
 #include <string>
 
+#include "common/paths.h"
 #include "print_settings/PSAdmin.h"
 #include "support/registry_override.h"
 #include "support/temp_folder.h"
+#include "support/user_registry.h"
 
 namespace ps = Corvanta::Vantrix::PrintSettings;
 namespace admin = Corvanta::Vantrix::Administrator;
@@ -100,6 +102,45 @@ TEST_F(PrintSettingsAdmin, OfTheAdministratorsSettingOnlyCommentsOutliveTheUsers
 
     settings_ = {};
     EXPECT_EQ(load(R"({"Administrator": {"PSFile": "C:\\no such file.ps4"}})"), user_);
+}
+
+TEST_F(PrintSettingsAdmin, UsersFolderLiftsNothingAndNoUserIsBelievedForAnother) {
+    constexpr wchar_t kKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0";
+    const UserRegistry users;
+    const TempFolder other;
+    other.write(L"administrator.ps4a",
+                "\xEF\xBB\xBF"
+                R"({"Summary": {"Title": "other", "Author": "other"},
+                "Administrator": {"PDFFileName": "other.pdf", "OutputFolder": "C:\\other"}})");
+    const std::string forced =
+        R"({"Summary": {"Title": "machine"}, "Administrator": {"OutputFolder": "C:\\machine"}})";
+    struct {
+        const char* label;
+        std::wstring users_folder;
+        bool for_another;
+        const wchar_t *title, *author, *pdf;
+    } const rows[] = {{"the machine's alone", L"", false, L"machine", L"", L""},
+                      {"a folder of the user's", other.path(), false, L"machine", L"other", L"other.pdf"},
+                      {"the same folder", folder_.path(), false, L"machine", L"", L""},
+                      {"no full path", L"Settings", false, L"machine", L"", L""},
+                      {"another user's", other.path() + L"\\", true, L"machine", L"", L""}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        users.set_text(kKey, L"PdfDllPath", row.users_folder);
+        if (row.for_another)
+            ImpersonateSelf(SecurityImpersonation);
+        EXPECT_TRUE(load(forced));
+        const std::wstring trusted = qk::trusted_install_folder();
+        RevertToSelf();
+        EXPECT_EQ(settings_.summary()->Title, row.title);
+        EXPECT_EQ(settings_.summary()->Author, row.author);
+        EXPECT_EQ(settings_.restriction().OutputFolder, L"C:\\machine");
+        EXPECT_EQ(settings_.restriction().PDFFileName, row.pdf);
+        EXPECT_EQ(trusted == folder_.path() + L"\\", row.users_folder != other.path());
+    }
+    registry_.set_text(kKey, L"PdfDllPath", L"relative\\");
+    users.set_text(kKey, L"PdfDllPath", L"");
+    EXPECT_EQ(qk::install_folder() + qk::machine_install_folder(), L"");
 }
 
 TEST_F(PrintSettingsAdmin, AFileThatCannotBeReadFailsEveryLoad) {

@@ -8,13 +8,13 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "common/handle.h"
 #include "common/paths.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/text.h"
+#include "companions/thread.h"
 #include "print_settings/PrintSettings.h"
 #include "support/import_patch.h"
 #include "support/installation.h"
@@ -236,7 +236,7 @@ TEST(Ps4Write, SavesAndLoadsOfOneFileRefuseNeither) {
     ASSERT_TRUE(ps::PrintSettings().Save(path));
     std::atomic<bool> done = false;
     unsigned loads = 0, not_found = 0, not_loaded = 0;
-    std::thread reader([&] {
+    companions::Thread reader([&] {
         for (; !done; ++loads) {
             not_found += ProbeSettingFile(path) != SettingFormat::kJson;
             not_loaded += ps::PrintSettings().Load(path, false) != ps::kLoaded;

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "common/lock.h"
 #include "common/text.h"
 
 class DebugOutput {
@@ -39,7 +40,7 @@ private:
         return EXCEPTION_CONTINUE_EXECUTION;  // as a debugger does: nobody else needs to be told
     }
 
-    static inline std::mutex mutex_;
+    static inline qk::Lock mutex_;
     static inline std::wstring text_;
     void* handler_;
 };

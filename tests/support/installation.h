@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "common/handle.h"
+#include "common/lock.h"
 #include "common/paths.h"
 #include "common/text.h"
 #include "support/fake_printer.h"
@@ -71,7 +72,7 @@ private:
         return TRUE;
     }
 
-    static inline std::mutex mutex_;
+    static inline qk::Lock mutex_;
     static inline void* original_post_ = nullptr;
     ImportPatch box_, post_, event_;
 };

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/lock.h"
 #include "common/text.h"
 #include "common/trace.h"
 #include "support/import_patch.h"
@@ -52,7 +53,7 @@ private:
         records_.push_back(std::move(text));
     }
 
-    static inline std::mutex mutex_;
+    static inline qk::Lock mutex_;
     static inline std::vector<std::wstring> records_;
 
     ImportPatch narrow_;
