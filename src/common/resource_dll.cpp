@@ -24,6 +24,7 @@ namespace {
 constexpr wchar_t kCopyPrefix[] = L"zrtk_res_";
 constexpr int kMostAttempts = 10000;
 constexpr size_t kStringUnits = 10000;
+constexpr const wchar_t* kCodes[] = {L"ja", L"kr", L"chs", L"cht", L"en"};
 
 // The module-wide state: the copy's path, and the loader's handle with its count.
 struct Loader {
@@ -188,9 +189,10 @@ std::wstring language_code() {
     const std::wstring root = registry::kRoot;
     const registry::CurrentUser user;
     for (const HKEY hive : {user.get(), HKEY_LOCAL_MACHINE}) {
-        const auto code = registry::find_text(hive, root, L"Language");
-        if (code && !code->empty())
-            return *code;
+        const std::wstring chosen = registry::find_text(hive, root, L"Language").value_or(L"");
+        for (const wchar_t* code : kCodes)  // anything else would name a file of the user's choice
+            if (equal_no_case(chosen, code))
+                return code;
     }
     return language_code_of(GetUserDefaultUILanguage());
 }

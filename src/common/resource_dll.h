@@ -16,8 +16,8 @@ namespace qk {
 // empty. Empty when there is no library or no copy could be made. Any thread.
 [[nodiscard]] std::wstring resource_library_path(bool cached_only);
 
-// The language code of the library to use: the registry value "Language", the current user's before the
-// machine's, else by the user's default UI language.
+// The language code of the library to use, "ja", "kr", "chs", "cht" or "en": the registry value "Language",
+// the current user's before the machine's, else by the user's default UI language. Other values do not count.
 [[nodiscard]] std::wstring language_code();
 [[nodiscard]] const wchar_t* language_code_of(LANGID language) noexcept;
 

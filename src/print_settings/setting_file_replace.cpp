@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "common/handle.h"
+#include "common/disk_file.h"
 #include "common/text.h"
 #include "common/trace.h"
 #include "print_settings/PrintSettings.h"
@@ -52,8 +52,7 @@ std::vector<BYTE> protection_of(HANDLE file) {
 
 OldFile look_at(const std::wstring& path) {
     OldFile old{.path = path};
-    const qk::FileObj file(CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES | READ_CONTROL, kShareAll, nullptr,
-                                       OPEN_EXISTING, 0, nullptr));
+    const qk::FileObj file = qk::open_disk_file(path, FILE_READ_ATTRIBUTES | READ_CONTROL, kShareAll);
     if (!file) {
         const DWORD error = GetLastError();
         old.exists = old.in_place = error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND;
@@ -160,8 +159,7 @@ bool move_over(const std::wstring& from, const std::wstring& to) {
 
 // The room is taken before the first old byte goes, so that a full disk leaves the old file as it was.
 bool write_in_place(const std::wstring& path, std::string_view bytes) noexcept {
-    const qk::FileObj file(
-        CreateFileW(path.c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+    const qk::FileObj file = qk::open_disk_file(path, GENERIC_WRITE, kShareAll);
     LARGE_INTEGER old_size;
     if (!file || !GetFileSizeEx(file.get(), &old_size))
         return false;
@@ -231,6 +229,10 @@ bool put_in_place_of(const OldFile& old, std::string_view bytes) {
 bool try_replace(const std::wstring& path, std::string_view bytes) {
     if (path.empty() || bytes.size() > kMostFileBytes) {
         SetLastError(path.empty() ? ERROR_PATH_NOT_FOUND : ERROR_FILE_TOO_LARGE);
+        return false;
+    }
+    if (qk::names_device(path)) {
+        SetLastError(qk::kNoDiskFile);
         return false;
     }
     const OldFile old = look_at(path);

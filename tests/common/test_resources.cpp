@@ -45,7 +45,10 @@ TEST(Resources, LanguageIsTheUsersChoiceBeforeTheSystems) {
                       {L"ja", nullptr, L"ja"},
                       {nullptr, L"cht", L"cht"},
                       {L"ja", L"", L"ja"},
-                      {L"", L"", L"en"}};
+                      {L"", L"", L"en"},
+                      {L"ja", L"fr", L"ja"},
+                      {nullptr, L"..\\..\\x", L"en"},
+                      {nullptr, L"CHS", L"chs"}};
     for (const auto& row : rows) {
         const Installation here;
         if (row.machine)
