@@ -12,8 +12,8 @@
 namespace qk {
 
 // The path of this process's private copy of the language library, so that programs which print never hold
-// the installed file open. Made and cached on the first call; with `cached_only` the cached path, possibly
-// empty. Empty when there is no library or no copy could be made. Any thread.
+// the installed file open; of that file itself where no copy can be made. Made and cached on the first call;
+// with `cached_only` the cached path, possibly empty. Empty when there is no library. Any thread.
 [[nodiscard]] std::wstring resource_library_path(bool cached_only);
 
 // The language code of the library to use, "ja", "kr", "chs", "cht" or "en": the registry value "Language",
