@@ -4,6 +4,7 @@
 
 #include "common/paths.h"
 #include "common/trace.h"
+#include "common/wipe.h"
 #include "print_settings/ps4_reader.h"
 #include "print_settings/restriction_fields.h"
 #include "print_settings/setting_file.h"
@@ -20,6 +21,7 @@ namespace ps = Corvanta::Vantrix::PrintSettings;
 bool read_restriction(std::string_view bytes, Restriction& restriction) {
     try {
         picojson::value document;
+        const ps::PasswordsWipedAtEnd wiped(document);
         if (ps::RecogniseBytes(bytes) != ps::kPS4 || !ps::json::try_parse(bytes.substr(3), document))
             return false;
         const picojson::value* own = ps::json::find(document.get<picojson::object>(), "Administrator");
@@ -53,6 +55,7 @@ bool load_restriction(Restriction& restriction) {
     TRACE("load_restriction");
     const std::wstring path = find_file(qk::install_folder());
     std::string bytes;
+    const qk::WipedAtEnd wiped(bytes);
     if (!path.empty())
         return read_file(path, bytes, restriction);
     restriction = {};
@@ -66,6 +69,7 @@ namespace PrintSettings {
 bool PrintSettingsAdmin::Load(const std::wstring& path) {
     TRACE("PrintSettingsAdmin::Load");
     std::string users;
+    const qk::WipedAtEnd wiped(users);
     return setting_file::read(path, users) == kLoaded && LoadWithAdministrator(users);
 }
 
@@ -78,6 +82,7 @@ bool PrintSettingsAdmin::LoadWithAdministrator(std::string_view users) {
     const std::wstring forced_path =
         Administrator::find_file(install_folder_ ? *install_folder_ : qk::install_folder());
     std::string forced;
+    const qk::WipedAtEnd wiped(forced);
     restriction_ = {};
     if (!forced_path.empty() && !Administrator::read_file(forced_path, forced, restriction_))
         return false;
