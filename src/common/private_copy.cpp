@@ -1,11 +1,11 @@
-#define _CRT_RAND_S  // for rand_s
 #include "common/private_copy.h"
 
 #include <windows.h>
 
+#include <ntsecapi.h>
+
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <string_view>
 
@@ -154,7 +154,7 @@ std::wstring parent_of(const std::wstring& folder) {
 
 unsigned random_number() noexcept {
     unsigned number = 0;
-    return rand_s(&number) == 0 && number ? number : GetTickCount() | 1;
+    return RtlGenRandom(&number, sizeof number) && number ? number : GetTickCount() | 1;
 }
 
 PrivateCopy copy_somewhere(const std::string& bytes) {

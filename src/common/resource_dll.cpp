@@ -66,6 +66,8 @@ PrivateCopy copy_library() {
         return {};
     }
     PrivateCopy copy = make_private_copy(*source);
+    if (copy.path.empty())
+        return copy;
     TRACE("resouece_dll is");
     TRACE(copy.path);
     return copy;
