@@ -21,7 +21,6 @@ namespace ps = Corvanta::Vantrix::PrintSettings;
 
 constexpr char kOwnKey[] = "Administrator";
 constexpr size_t kMarkBytes = 3;
-constexpr size_t kShownBytes = 60;  // of a text that is no JSON, from where it goes wrong
 
 std::wstring why_not_read(int result) {
     return result == ps::kMissing ? L"there is no such file"
@@ -49,8 +48,6 @@ bool try_parse(std::string_view text, picojson::value& document, SettingWalk& wa
     try {
         std::string fault;
         if (!ps::json::try_parse(text, document, &fault)) {
-            if (fault.size() > kShownBytes)
-                fault = fault.substr(0, kShownBytes) + "...";
             walk.fault(L"", L"this is no JSON: " + qk::to_wide(fault));
             return false;
         }

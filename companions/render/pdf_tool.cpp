@@ -94,7 +94,7 @@ PdfTool::PdfTool(const ScratchFolder& scratch, const std::wstring& password)
     present_ = run({"--version"}, version) == Engine::End::kDone;
     if (!password.empty())
         password_arguments_ = {"--password-file=" +
-                               path_for_tool(scratch_.write(L"password.txt", qk::to_utf8(password)))};
+                               path_for_tool(scratch_.write(kPasswordFile, qk::to_utf8(password)))};
 }
 
 std::string PdfTool::path_for_tool(const std::wstring& path) const {

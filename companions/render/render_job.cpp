@@ -87,10 +87,10 @@ public:
             const auto options = find_password_options(settings_);
             if (!options)
                 throw Failure{ResultCode::kPasswordUnusable, ERROR_INVALID_PASSWORD, {}};
-            files.options = written(L"options.txt", *options);
+            files.options = written(kOptionsFile, *options);
         }
-        files.prologue = written(L"prologue.ps", prologue(info_, landscape));
-        files.epilogue = written(L"epilogue.ps", epilogue(info_));
+        files.prologue = written(kPrologueFile, prologue(info_, landscape));
+        files.epilogue = written(kEpilogueFile, epilogue(info_));
         files.spool = engine_path(spool);
         files.output = engine_path(output);
         check(engine_.run(engine_arguments(settings_, files), scratch_.path(),

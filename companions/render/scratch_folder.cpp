@@ -5,6 +5,8 @@
 #include <sddl.h>
 
 #include <cstddef>
+#include <cwchar>
+#include <iterator>
 #include <vector>
 
 #include "common/handle.h"
@@ -52,14 +54,36 @@ void remove_files(const std::wstring& folder) {
     } while (FindNextFileW(search.get(), &found));
 }
 
+constexpr wchar_t kPrefix[] = L"zr_render_";
+
+// Removes what runs have left that were ended from outside: passwords may lie in it. Of a folder that
+// somebody else has given such a name, no more than the files of these names.
+void remove_leftovers(const std::wstring& root) {
+    WIN32_FIND_DATAW found;
+    const qk::FindObj search(FindFirstFileW((root + kPrefix + L"*").c_str(), &found));
+    if (!search)
+        return;
+    do {
+        const DWORD process = wcstoul(found.cFileName + std::size(kPrefix) - 1, nullptr, 10);
+        const qk::HandleObj alive(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, process));
+        if (alive || GetLastError() != ERROR_INVALID_PARAMETER)
+            continue;
+        const std::wstring folder = root + found.cFileName;
+        for (const wchar_t* name : {kOptionsFile, kPasswordFile, kPrologueFile, kEpilogueFile})
+            DeleteFileW((folder + L'\\' + name).c_str());
+        RemoveDirectoryW(folder.c_str());
+    } while (FindNextFileW(search.get(), &found));
+}
+
 }  // namespace
 
 ScratchFolder::ScratchFolder() {
     const std::wstring root =
         qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
+    remove_leftovers(root);
     // A crashed run may have left a folder under this process's id.
     for (unsigned attempt = 0; attempt < 100; ++attempt) {
-        std::wstring path = qk::format(L"%szr_render_%lu_%u", root.c_str(), GetCurrentProcessId(), attempt);
+        std::wstring path = qk::format(L"%s%s%lu_%u", root.c_str(), kPrefix, GetCurrentProcessId(), attempt);
         if (make_private_folder(path)) {
             path_ = std::move(path);
             return;

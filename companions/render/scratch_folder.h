@@ -6,8 +6,15 @@
 
 namespace companions::render {
 
+// The files of a run; passwords stand in the first two.
+inline constexpr wchar_t kOptionsFile[] = L"options.txt";
+inline constexpr wchar_t kPasswordFile[] = L"password.txt";
+inline constexpr wchar_t kPrologueFile[] = L"prologue.ps";
+inline constexpr wchar_t kEpilogueFile[] = L"epilogue.ps";
+
 // Made in the temporary folder, open to the current user only since passwords lie in it, and removed with all
-// that it holds when this goes out of scope.
+// that it holds when this goes out of scope; after a run that was ended from outside, when the next one
+// begins.
 class ScratchFolder {
 public:
     ScratchFolder();

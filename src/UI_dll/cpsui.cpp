@@ -6,6 +6,7 @@
 #include "UI_dll/plotui.h"
 #include "common/handle.h"
 #include "common/memory_probe.h"
+#include "common/paths.h"
 #include "common/registry.h"
 #include "common/resource_dll.h"
 #include "common/text.h"
@@ -108,7 +109,7 @@ INT_PTR CALLBACK option_page_proc(HWND, UINT, WPARAM, LPARAM) {
 
 std::optional<DWORD> show(HWND window, PFNPROPSHEETUI sheet, void* header) {
     using Show = LONG APIENTRY(HWND, PFNPROPSHEETUI, LPARAM, DWORD*);
-    const qk::DLL library(LoadLibraryExW(L"compstui.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    const qk::DLL library = qk::load_system_library(L"compstui.dll");
     auto* show_sheet = library ? qk::find_export<Show>(library.get(), "CommonPropertySheetUIW") : nullptr;
     if (!show_sheet) {
         TRACE("no compstui.dll");

@@ -1,9 +1,10 @@
 #include "common/ErrorNotify.h"
 
-#include <cstdio>
-#include <memory>
+#include <mutex>
+#include <string_view>
 
-#include "common/handle.h"
+#include "common/disk_file.h"
+#include "common/lock.h"
 #include "common/override_ini.h"
 #include "common/paths.h"
 #include "common/registry.h"
@@ -54,25 +55,91 @@ struct LogRecord {
     const std::wstring& message;
 };
 
+// A line end of a text would make one record look like several.
+std::wstring on_one_line(std::wstring text) {
+    for (wchar_t& unit : text)
+        if (std::wstring_view(L"\r\n\v\f\u0085\u2028\u2029").find(unit) != std::wstring_view::npos)
+            unit = L' ';
+    return text;
+}
+
 std::wstring log_text(const LogRecord& record) {
     return qk::format(L"[%d]\r\n", record.print_id) +
-           qk::format(L"PDFFileName=%s\r\n", record.pdf_file_name.c_str()) +
+           qk::format(L"PDFFileName=%s\r\n", on_one_line(record.pdf_file_name).c_str()) +
            qk::format(L"Time=%s\r\n", record.time.c_str()) +
-           qk::format(L"ErrorMessage=%s\r\n", record.message.c_str());
+           qk::format(L"ErrorMessage=%s\r\n", on_one_line(record.message).c_str());
 }
+
+// Opens the log for appending and nothing else; other users can write to its folder, so a link to a file of
+// theirs or of the system's is refused.
+qk::FileObj open_log(const std::wstring& path) {
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const auto open = [&](DWORD more) {
+        return qk::open_disk_file(path, FILE_APPEND_DATA | SYNCHRONIZE | more, kShareAll,
+                                  FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, OPEN_ALWAYS);
+    };
+    qk::FileObj file = open(FILE_READ_DATA);  // which taking turns needs
+    if (!file && GetLastError() == ERROR_ACCESS_DENIED)
+        file = open(0);
+    BY_HANDLE_FILE_INFORMATION information = {};
+    if (file && (!GetFileInformationByHandle(file.get(), &information) || information.nNumberOfLinks > 1 ||
+                 (information.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)))
+        file.reset();
+    return file;
+}
+
+// Lets the writers of a log append one after the other: not every system and network appends in one step.
+// Where another program keeps the turn, one record waits a moment and the others do not.
+class LogTurn {
+public:
+    explicit LogTurn(HANDLE file) noexcept : hold_(lock_), file_(file) {
+        constexpr ULONGLONG kPatience = 2000;  // milliseconds
+        const ULONGLONG end = GetTickCount64() + (in_vain_ ? 0 : kPatience);
+        while (!(taken_ = try_take()) && GetLastError() == ERROR_LOCK_VIOLATION && GetTickCount64() < end)
+            Sleep(1);
+        in_vain_ = !taken_;
+    }
+    ~LogTurn() {
+        OVERLAPPED place = beyond_its_end();
+        if (taken_)
+            UnlockFileEx(file_, 0, 1, 0, &place);
+    }
+    LogTurn(const LogTurn&) = delete;
+    LogTurn& operator=(const LogTurn&) = delete;
+
+private:
+    static OVERLAPPED beyond_its_end() noexcept {
+        OVERLAPPED place = {};
+        place.Offset = MAXDWORD;
+        place.OffsetHigh = MAXLONG;
+        return place;
+    }
+    [[nodiscard]] bool try_take() const noexcept {
+        OVERLAPPED place = beyond_its_end();
+        return LockFileEx(file_, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &place);
+    }
+
+    static inline qk::Lock lock_;
+    static inline bool in_vain_ = false;  // under the lock
+
+    const std::scoped_lock<qk::Lock> hold_;
+    HANDLE file_;
+    bool taken_ = false;
+};
 
 int append_to_log(const LogRecord& record) {
     const std::wstring folder = log_folder();
     if (folder.empty())
         return kLogNotWritten;
-    const std::wstring path = qk::format(L"%sError_%d.log", folder.c_str(), record.print_id);
-    const std::unique_ptr<FILE, decltype(&std::fclose)> file(_wfopen(path.c_str(), L"ab"), &std::fclose);
+    const qk::FileObj file = open_log(qk::format(L"%sError_%d.log", folder.c_str(), record.print_id));
     if (!file)
         return kLogNotWritten;
-    // One write, so that the records of two jobs that fail together do not mix.
     const std::wstring text = log_text(record);
-    const size_t written = std::fwrite(text.data(), sizeof(wchar_t), text.size(), file.get());
-    return written == text.size() && std::fflush(file.get()) == 0 ? 0 : kLogNotWritten;
+    const auto bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    const LogTurn turn(file.get());
+    DWORD written = 0;
+    return WriteFile(file.get(), text.data(), bytes, &written, nullptr) && written == bytes ? 0
+                                                                                            : kLogNotWritten;
 }
 
 int write_log(const wchar_t* pdf_file_name, const std::wstring& message) {

@@ -6,7 +6,7 @@
 
 #include <functional>
 
-#include "common/handle.h"
+#include "common/disk_file.h"
 #include "common/paths.h"
 #include "common/text.h"
 #include "common/trace.h"
@@ -33,6 +33,10 @@ public:
     // Nothing when the file is no profile or cannot be opened.
     [[nodiscard]] std::optional<PROFILEHEADER> find_header(std::wstring path) const noexcept {
         if (!open_ || !read_ || !close_)
+            return std::nullopt;
+        // The library opens whatever has the name; nobody puts something else in its place meanwhile.
+        const qk::FileObj held = qk::open_disk_file(path, GENERIC_READ, FILE_SHARE_READ);
+        if (!held)
             return std::nullopt;
         PROFILE source = {PROFILE_FILENAME, path.data(),
                           static_cast<DWORD>((path.size() + 1) * sizeof(wchar_t))};

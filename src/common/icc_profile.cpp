@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "common/handle.h"
+#include "common/disk_file.h"
 #include "common/trace.h"
 
 namespace icc {
@@ -134,9 +134,8 @@ std::optional<std::wstring> find_description(std::span<const std::byte> profile)
 }
 
 std::optional<std::wstring> find_description(const std::wstring& path) {
-    const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                       FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file || GetFileType(file.get()) != FILE_TYPE_DISK)
+    const qk::FileObj file = qk::open_disk_file(path, GENERIC_READ, FILE_SHARE_READ);
+    if (!file)
         return std::nullopt;
     return find_description([&file](uint32_t offset, size_t size) {
         std::vector<std::byte> bytes(size);

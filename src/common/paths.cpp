@@ -3,6 +3,7 @@
 #include <knownfolders.h>
 #include <shlobj.h>
 
+#include "common/disk_file.h"
 #include "common/own_user.h"
 #include "common/registry.h"
 #include "common/text.h"
@@ -10,19 +11,36 @@
 
 namespace qk {
 
+namespace {
+
+DWORD attributes_of(const std::wstring& path) noexcept {
+    return path.empty() || names_device(path) ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(path.c_str());
+}
+
+}  // namespace
+
 bool is_file(const std::wstring& path) noexcept {
-    const DWORD attributes = path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(path.c_str());
+    const DWORD attributes = attributes_of(path);
     return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 bool is_folder(const std::wstring& path) noexcept {
-    const DWORD attributes = path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(path.c_str());
+    const DWORD attributes = attributes_of(path);
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 std::wstring module_path(HMODULE module) {
     return grow_until_it_fits(
         [module](wchar_t* buffer, DWORD units) { return GetModuleFileNameW(module, buffer, units); });
+}
+
+DLL load_system_library(std::wstring_view file_name) {
+    const std::wstring folder =
+        grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetSystemDirectoryW(buffer, units); });
+    if (folder.empty())
+        return {};
+    const std::wstring path = folder + L'\\' + std::wstring(file_name);
+    return DLL(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
 }
 
 bool is_full_path(std::wstring_view path) noexcept {
@@ -74,6 +92,17 @@ std::wstring shell_roaming_folder() {
                                                                                                     : L"";
 }
 
+std::wstring known_folder(const GUID& id) {
+    const DLL ole(LoadLibraryExW(L"ole32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+    auto* free_text = ole ? find_export<void WINAPI(void*)>(ole.get(), "CoTaskMemFree") : nullptr;
+    wchar_t* text = nullptr;
+    if (!free_text || FAILED(SHGetKnownFolderPath(id, 0, nullptr, &text)))
+        return {};
+    std::wstring folder = text;
+    free_text(text);
+    return folder;
+}
+
 }  // namespace
 
 std::wstring common_documents_folder() {
@@ -87,6 +116,11 @@ std::wstring common_documents_folder() {
 
 std::wstring roaming_folder() {
     return roaming.get(shell_roaming_folder);
+}
+
+std::wstring local_low_folder() {
+    // {A520A1A4-1780-4FF6-BD18-167343C5AF16}, FOLDERID_LocalAppDataLow
+    return known_folder({0xA520A1A4, 0x1780, 0x4FF6, {0xBD, 0x18, 0x16, 0x73, 0x43, 0xC5, 0xAF, 0x16}});
 }
 
 std::wstring shared_documents_folder() {
@@ -125,16 +159,7 @@ bool in_protected_mode() noexcept {
 
 std::wstring internet_cache_folder() {
     // {352481E8-33BE-4251-BA85-6007CAEDCF9D}, FOLDERID_InternetCache
-    constexpr GUID kInternetCache = {
-        0x352481E8, 0x33BE, 0x4251, {0xBA, 0x85, 0x60, 0x07, 0xCA, 0xED, 0xCF, 0x9D}};
-    const qk::DLL ole(LoadLibraryExW(L"ole32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
-    auto* free_text = ole ? qk::find_export<void WINAPI(void*)>(ole.get(), "CoTaskMemFree") : nullptr;
-    wchar_t* text = nullptr;
-    if (!free_text || FAILED(SHGetKnownFolderPath(kInternetCache, 0, nullptr, &text)))
-        return {};
-    std::wstring folder = text;
-    free_text(text);
-    return folder;
+    return qk::known_folder({0x352481E8, 0x33BE, 0x4251, {0xBA, 0x85, 0x60, 0x07, 0xCA, 0xED, 0xCF, 0x9D}});
 }
 
 ScratchFailure find_scratch_folder(std::wstring& folder) {

@@ -10,11 +10,16 @@
 
 namespace qk {
 
-[[nodiscard]] bool is_file(const std::wstring& path) noexcept;    // exists and is not a folder
-[[nodiscard]] bool is_folder(const std::wstring& path) noexcept;  // exists and is a folder
+// Whether there is such a file, or such a folder. A name of a device is neither and is not asked for.
+[[nodiscard]] bool is_file(const std::wstring& path) noexcept;
+[[nodiscard]] bool is_folder(const std::wstring& path) noexcept;
 
 // The full path of a loaded module (null: the running program).
 [[nodiscard]] std::wstring module_path(HMODULE module);
+
+// Loads a library of the system's folder by its full path, whatever of that name the program has loaded or
+// lies beside it; empty, with the last error of the attempt, when it cannot be loaded.
+[[nodiscard]] DLL load_system_library(std::wstring_view file_name);
 
 // Whether a path leads to the same file whatever the host's current folder is.
 [[nodiscard]] bool is_full_path(std::wstring_view path) noexcept;
@@ -36,6 +41,9 @@ namespace qk {
 
 // The user's roaming application data without a trailing backslash; empty when there is none.
 [[nodiscard]] std::wstring roaming_folder();
+
+// The user's folder for programs of low integrity, without a trailing backslash; empty when there is none.
+[[nodiscard]] std::wstring local_low_folder();
 
 // "<common documents>\Dunmere\Vantrix2"; empty when there are no common documents.
 [[nodiscard]] std::wstring shared_documents_folder();

@@ -1,12 +1,13 @@
 #include "common/resource_dll.h"
 
-#include <algorithm>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 #include "common/lock.h"
 #include "common/module.h"
 #include "common/paths.h"
+#include "common/private_copy.h"
 #include "common/registry.h"
 #include "common/text.h"
 #include "common/trace.h"
@@ -21,14 +22,13 @@ HINSTANCE module_instance() noexcept {
 
 namespace {
 
-constexpr wchar_t kCopyPrefix[] = L"zrtk_res_";
-constexpr int kMostAttempts = 10000;
 constexpr size_t kStringUnits = 10000;
+constexpr const wchar_t* kCodes[] = {L"ja", L"kr", L"chs", L"cht", L"en"};
 
-// The module-wide state: the copy's path, and the loader's handle with its count.
+// The module-wide state: the copy, and the loader's handle with its count.
 struct Loader {
     Lock lock;
-    std::wstring copy_path;
+    PrivateCopy copy;
     HMODULE module = nullptr;
     unsigned load_count = 0;
 };
@@ -57,77 +57,26 @@ std::optional<std::wstring> find_source() {
     return std::nullopt;
 }
 
-// Makes the copy's file; its name holds the process id, so that no other process takes it for stale.
-FileObj create_copy(std::wstring& path) {
-    const std::wstring root = ZRTK_TempRoot();
-    ForceDirectories(root);
-    const std::wstring base = root + L'\\' + kCopyPrefix + std::to_wstring(GetCurrentProcessId());
-    DWORD error = ERROR_SUCCESS;
-    for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
-        path = attempt == 0 ? base : base + format(L"(%d)", attempt);
-        path += L".dll";
-        FileObj file(CreateFileW(path.c_str(), GENERIC_ALL, FILE_SHARE_READ, nullptr, CREATE_NEW,
-                                 FILE_ATTRIBUTE_NORMAL, nullptr));
-        if (file)
-            return file;
-        error = GetLastError();
-        if (error == ERROR_PATH_NOT_FOUND || error == ERROR_DISK_FULL)
-            break;  // no further name would do better
-        DeleteFileW(path.c_str());
-    }
-    trace::debug_output(L"cant open tmp lr:%ul", error);
-    SetLastError(error);
-    return {};
-}
-
-bool try_copy_contents(const std::wstring& source, HANDLE target) {
-    const FileObj file(CreateFileW(source.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                                   OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-    if (!file) {
-        trace::debug_output(L"cant open src lr");
-        return false;
-    }
-    std::vector<char> bytes(GetFileSize(file.get(), nullptr));
-    DWORD done = 0;
-    if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr) ||
-        done != bytes.size()) {
-        trace::debug_output(L"read fail");
-        return false;
-    }
-    if (!WriteFile(target, bytes.data(), done, &done, nullptr) || done != bytes.size()) {
-        trace::debug_output(L"write fail");
-        return false;
-    }
-    return true;
-}
-
-// Empty, with the last error, when there is none to copy or no copy can be made.
-std::wstring make_private_copy() {
+// Without a path, with the last error, when there is no library.
+PrivateCopy copy_library() {
     const auto source = find_source();
     if (!source) {
         trace::debug_output(L"cant open src lr");
         SetLastError(ERROR_FILE_NOT_FOUND);
         return {};
     }
-    std::wstring path;
-    FileObj file = create_copy(path);
-    if (!file)
-        return {};
-    const bool copied = try_copy_contents(*source, file.get());
-    file.reset();
-    if (!copied) {
-        DeleteFileW(path.c_str());
-        return {};
-    }
+    PrivateCopy copy = make_private_copy(*source);
+    if (copy.path.empty())
+        return copy;
     TRACE("resouece_dll is");
-    TRACE(path);
-    return path;
+    TRACE(copy.path);
+    return copy;
 }
 
 const std::wstring& copy_path_locked(bool cached_only) {
-    if (loader.copy_path.empty() && !cached_only)
-        loader.copy_path = make_private_copy();
-    return loader.copy_path;
+    if (loader.copy.path.empty() && !cached_only)
+        loader.copy = copy_library();
+    return loader.copy.path;
 }
 
 HMODULE string_module() {
@@ -143,21 +92,6 @@ HMODULE string_module() {
         loader.load_count += loader.module != nullptr;
     }
     return loader.module;
-}
-
-// Removes copies of processes that ended without a process detach.
-void remove_orphaned_copies() {
-    const std::wstring root = ZRTK_TempRoot() + L'\\';
-    WIN32_FIND_DATAW found = {};
-    const FindObj search(FindFirstFileW((root + kCopyPrefix + L"*").c_str(), &found));
-    if (!search)
-        return;
-    do {
-        const DWORD process = wcstoul(found.cFileName + std::size(kCopyPrefix) - 1, nullptr, 10);
-        const HandleObj alive(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, process));
-        if (!alive && GetLastError() == ERROR_INVALID_PARAMETER)
-            DeleteFileW((root + found.cFileName).c_str());
-    } while (FindNextFileW(search.get(), &found));
 }
 
 }  // namespace
@@ -188,9 +122,10 @@ std::wstring language_code() {
     const std::wstring root = registry::kRoot;
     const registry::CurrentUser user;
     for (const HKEY hive : {user.get(), HKEY_LOCAL_MACHINE}) {
-        const auto code = registry::find_text(hive, root, L"Language");
-        if (code && !code->empty())
-            return *code;
+        const std::wstring chosen = registry::find_text(hive, root, L"Language").value_or(L"");
+        for (const wchar_t* code : kCodes)  // anything else would name a file of the user's choice
+            if (equal_no_case(chosen, code))
+                return code;
     }
     return language_code_of(GetUserDefaultUILanguage());
 }
@@ -221,10 +156,7 @@ void finalize_resource_library(bool process_ends) noexcept {
         for (; loader.load_count > 0; --loader.load_count)
             FreeLibrary(loader.module);
         loader.module = nullptr;
-        if (!loader.copy_path.empty())
-            DeleteFileW(loader.copy_path.c_str());
-        loader.copy_path.clear();
-        remove_orphaned_copies();
+        remove_private_copy(std::exchange(loader.copy, {}));
     } catch (...) {  // a copy that stays is removed by the next process that ends
     }
 }

@@ -12,12 +12,12 @@
 namespace qk {
 
 // The path of this process's private copy of the language library, so that programs which print never hold
-// the installed file open. Made and cached on the first call; with `cached_only` the cached path, possibly
-// empty. Empty when there is no library or no copy could be made. Any thread.
+// the installed file open; of that file itself where no copy can be made. Made and cached on the first call;
+// with `cached_only` the cached path, possibly empty. Empty when there is no library. Any thread.
 [[nodiscard]] std::wstring resource_library_path(bool cached_only);
 
-// The language code of the library to use: the registry value "Language", the current user's before the
-// machine's, else by the user's default UI language.
+// The language code of the library to use, "ja", "kr", "chs", "cht" or "en": the registry value "Language",
+// the current user's before the machine's, else by the user's default UI language. Other values do not count.
 [[nodiscard]] std::wstring language_code();
 [[nodiscard]] const wchar_t* language_code_of(LANGID language) noexcept;
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "common/dialog_library.h"
+#include "common/disk_file.h"
 #include "common/paths.h"
 #include "common/registry.h"
 #include "common/text.h"
@@ -136,19 +137,19 @@ std::wstring ResolveSettingFilePath(std::wstring_view name) {
 
 SettingFormat ProbeSettingFile(const std::wstring& path) {
     TRACE("ProbeSettingFile");
-    if (!qk::is_file(path))
+    if (path.empty())
         return SettingFormat::kNone;
     // Who just replaces the file is not in the way.
-    const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                       nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    const qk::FileObj file = qk::open_disk_file(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                                FILE_FLAG_SEQUENTIAL_SCAN);
     if (!file) {
-        TRACE("open error");
-        TRACE(path);
+        const DWORD error = GetLastError();
+        if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND && qk::is_file(path)) {
+            TRACE("open error");
+            TRACE(path);
+        }
         return SettingFormat::kNone;
     }
-    // Anything but a file of a disk, a pipe for one, could keep the reader waiting for ever.
-    if (GetFileType(file.get()) != FILE_TYPE_DISK)
-        return SettingFormat::kNone;
     BYTE start[8] = {};
     DWORD size = 0;
     if (!ReadFile(file.get(), start, sizeof start, &size, nullptr))

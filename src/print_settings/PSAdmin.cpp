@@ -7,6 +7,7 @@
 #include "common/paths.h"
 #include "common/text.h"
 #include "common/trace.h"
+#include "common/wipe.h"
 #include "print_settings/ps4_reader.h"
 #include "print_settings/restriction_fields.h"
 #include "print_settings/setting_file.h"
@@ -23,6 +24,7 @@ namespace ps = Corvanta::Vantrix::PrintSettings;
 bool read_restriction(std::string_view bytes, Restriction& restriction) {
     try {
         picojson::value document;
+        const ps::PasswordsWipedAtEnd wiped(document);
         if (ps::RecogniseBytes(bytes) != ps::kPS4 || !ps::json::try_parse(bytes.substr(3), document))
             return false;
         const picojson::value* own = ps::json::find(document.get<picojson::object>(), "Administrator");
@@ -63,10 +65,12 @@ std::vector<std::wstring> find_files(const std::wstring& install_folder) {
 bool load_restriction(Restriction& restriction) {
     TRACE("load_restriction");
     Restriction found;
-    std::string bytes;
-    for (const std::wstring& path : find_files(qk::trusted_install_folder()))
+    for (const std::wstring& path : find_files(qk::trusted_install_folder())) {
+        std::string bytes;
+        const qk::WipedAtEnd wiped(bytes);
         if (!read_file(path, bytes, found))
             return false;
+    }
     restriction = found;
     return true;
 }
@@ -75,9 +79,26 @@ bool load_restriction(Restriction& restriction) {
 
 namespace PrintSettings {
 
+namespace {
+
+// The same as qk::WipedAtEnd for several.
+class WipedTexts {
+public:
+    explicit WipedTexts(std::vector<std::string>& texts) noexcept : texts_(texts) {}
+    ~WipedTexts() { std::ranges::for_each(texts_, qk::wipe<std::string>); }
+    WipedTexts(const WipedTexts&) = delete;
+    WipedTexts& operator=(const WipedTexts&) = delete;
+
+private:
+    std::vector<std::string>& texts_;
+};
+
+}  // namespace
+
 bool PrintSettingsAdmin::Load(const std::wstring& path) {
     TRACE("PrintSettingsAdmin::Load");
     std::string users;
+    const qk::WipedAtEnd wiped(users);
     return setting_file::read(path, users) == kLoaded && LoadWithAdministrator(users);
 }
 
@@ -90,6 +111,7 @@ bool PrintSettingsAdmin::LoadWithAdministrator(std::string_view users) {
     const auto files =
         Administrator::find_files(install_folder_ ? *install_folder_ : qk::trusted_install_folder());
     std::vector<std::string> forced(files.size());
+    const WipedTexts wiped(forced);
     restriction_ = {};
     for (size_t i = 0; i < files.size(); ++i)
         if (!Administrator::read_file(files[i], forced[i], restriction_))

@@ -1,10 +1,12 @@
 #include "print_settings/PrintSettings.h"
 
 #include <exception>
+#include <iterator>
 #include <stdexcept>
 
 #include "common/text.h"
 #include "common/trace.h"
+#include "common/wipe.h"
 #include "print_settings/field_tables.h"
 #include "print_settings/legacy_reader.h"
 #include "print_settings/ps4_reader.h"
@@ -39,6 +41,7 @@ int Recognise(const std::wstring& path) {
 std::optional<std::wstring> ReadName(const std::wstring& path) noexcept {
     try {
         std::string bytes;
+        const qk::WipedAtEnd wiped(bytes);
         if (setting_file::read(path, bytes) != kLoaded || RecogniseBytes(bytes) != kPS4)
             return std::nullopt;
         const auto name = json::find_text(std::string_view(bytes).substr(kByteOrderMark.size()), "PSName");
@@ -57,6 +60,7 @@ int PrintSettings::Load(const std::wstring& path, bool keepCurrent) {
     TRACE("PrintSettings::Load");
     TRACE(path);
     std::string bytes;
+    const qk::WipedAtEnd wiped(bytes);
     int result = setting_file::read(path, bytes);
     if (result == kLoaded)
         result = LoadBytes(bytes, keepCurrent);
@@ -81,6 +85,7 @@ int PrintSettings::LoadPS4(std::string_view text, bool keepCurrent) {
     TRACE("LoadPS4");
     try {
         picojson::value document;
+        const PasswordsWipedAtEnd wiped(document);
         if (!json::try_parse(text, document))
             return kUnreadable;
         read_setting(document, *impl_, keepCurrent);
@@ -92,14 +97,22 @@ int PrintSettings::LoadPS4(std::string_view text, bool keepCurrent) {
 }
 
 std::string PrintSettings::Serialise() const {
-    return std::string(kByteOrderMark) + write_setting(*impl_).serialize(true);
+    constexpr size_t kUsualBytes = 16384;  // so that no half of the text is left behind where it grew
+    picojson::value document = write_setting(*impl_);
+    const PasswordsWipedAtEnd wiped(document);
+    std::string bytes(kByteOrderMark);
+    bytes.reserve(kUsualBytes);
+    document.serialize(std::back_inserter(bytes), true);
+    return bytes;
 }
 
 bool PrintSettings::Save(const std::wstring& path) const {
     TRACE("PrintSettings::Save");
     TRACE(path);
     try {
-        return setting_file::try_replace(path, Serialise());
+        std::string bytes = Serialise();
+        const qk::WipedAtEnd wiped(bytes);
+        return setting_file::try_replace(path, bytes);
     } catch (const std::overflow_error& error) {
         TRACE(error.what());
         SetLastError(ERROR_INVALID_DATA);

@@ -1,5 +1,6 @@
 #include "print_settings/json.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 #include <string>
@@ -113,22 +114,30 @@ private:
     std::optional<std::string>& found_;
 };
 
+// Where the input is. The text there is not told: it may be a password.
+template <class Iterator>
+std::string place(std::string_view text, const picojson::input<Iterator>& input) {
+    const std::string_view before(text.data(), static_cast<size_t>(input.cur() - text.data()));
+    const size_t line_start = before.rfind('\n') + 1;
+    return "syntax error in line " + std::to_string(std::ranges::count(before, '\n') + 1) + ", column " +
+           std::to_string(before.size() - line_start + 1);
+}
+
 }  // namespace
 
 std::optional<std::string> find_text(std::string_view text, std::string_view key) {
     std::optional<std::string> found;
     MemberContext context(key, found);
-    std::string error;
-    picojson::_parse(context, text.data(), text.data() + text.size(), &error);
-    return error.empty() ? std::move(found) : std::nullopt;
+    picojson::input input(text.data(), text.data() + text.size());
+    return picojson::_parse(context, input) ? std::move(found) : std::nullopt;
 }
 
 bool try_parse(std::string_view text, picojson::value& value, std::string* fault) {
     BoundedContext context(&value);
-    std::string error;
-    picojson::_parse(context, text.data(), text.data() + text.size(), &error);
-    if (error.empty())
+    picojson::input input(text.data(), text.data() + text.size());
+    if (picojson::_parse(context, input))
         return true;
+    std::string error = place(text, input);
     TRACE(error.c_str());
     if (fault)
         *fault = std::move(error);

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "common/text.h"
+#include "common/wipe.h"
 
 namespace Corvanta::Vantrix::PrintSettings {
 
@@ -149,7 +150,24 @@ void replace(Handle& target, Handle& fresh) {
     target.swap(fresh);
 }
 
+picojson::value* member_of(picojson::value& object, const char* key) {
+    if (!object.is<picojson::object>())
+        return nullptr;
+    const auto member = object.get<picojson::object>().find(key);
+    return member == object.get<picojson::object>().end() ? nullptr : &member->second;
+}
+
 }  // namespace
+
+PasswordsWipedAtEnd::~PasswordsWipedAtEnd() {
+    picojson::value* security = member_of(document_, "Security");
+    for_each_field<Security_impl>([&](const auto& field) {
+        picojson::value* member =
+            security && field.shown == Shown::kSecret ? member_of(*security, field.key) : nullptr;
+        if (member && member->is<std::string>())
+            qk::wipe(member->get<std::string>());
+    });
+}
 
 void read_setting(const picojson::value& document, PrintSettings_impl& setting, bool keepCurrent) {
     const auto& from = document.get<picojson::object>();

@@ -15,6 +15,19 @@ namespace Corvanta::Vantrix::PrintSettings {
 // read before it are then replaced.
 void read_setting(const picojson::value& document, PrintSettings_impl& setting, bool keepCurrent);
 
+// Overwrites the passwords in the document of a setting as it goes out of scope. The document has to live
+// longer.
+class PasswordsWipedAtEnd {
+public:
+    explicit PasswordsWipedAtEnd(picojson::value& document) noexcept : document_(document) {}
+    ~PasswordsWipedAtEnd();
+    PasswordsWipedAtEnd(const PasswordsWipedAtEnd&) = delete;
+    PasswordsWipedAtEnd& operator=(const PasswordsWipedAtEnd&) = delete;
+
+private:
+    picojson::value& document_;
+};
+
 namespace reader {
 
 // A member that is missing or of another type leaves the target alone.

@@ -4,10 +4,16 @@
 
 #include "common/resource_dll.h"
 #include "common/trace.h"
+#include "common/wipe.h"
 #include "print_settings/differences.h"
 #include "print_settings/field_tables.h"
 
 namespace Corvanta::Vantrix::PrintSettings {
+
+Security_impl::~Security_impl() {
+    qk::wipe(MasterPassword);
+    qk::wipe(UserPassword);
+}
 
 template <class Impl>
 bool ps_impl_base<Impl>::equals(const Impl& other) const {

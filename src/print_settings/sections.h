@@ -108,6 +108,11 @@ enum class PDFVer { Unknown, _13, _14, _15, _16, _17, _20 };
 [[nodiscard]] PDFVer pdf_ver(uint32_t version_code) noexcept;
 
 struct Security_impl final : ps_impl_base<Security_impl> {
+    Security_impl() = default;
+    ~Security_impl() override;  // leaves no password in memory
+    Security_impl(const Security_impl&) = default;
+    Security_impl& operator=(const Security_impl&) = default;
+
     std::wstring MasterPassword;  // guards the permissions
     std::wstring UserPassword;    // opens the document
     bool AllowCopyContent = false;

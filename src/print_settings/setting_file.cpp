@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "common/handle.h"
+#include "common/disk_file.h"
 #include "common/paths.h"
 #include "print_settings/PrintSettings.h"
 
@@ -13,8 +13,7 @@ namespace Corvanta::Vantrix::PrintSettings::setting_file {
 namespace {
 
 qk::FileObj open_for_reading(const std::wstring& path, DWORD share) noexcept {
-    return qk::FileObj(CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING,
-                                   FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    return qk::open_disk_file(path, GENERIC_READ, share, FILE_FLAG_SEQUENTIAL_SCAN);
 }
 
 int open(const std::wstring& path, DWORD share, qk::FileObj& file, LARGE_INTEGER& size) noexcept {
@@ -27,10 +26,8 @@ int open(const std::wstring& path, DWORD share, qk::FileObj& file, LARGE_INTEGER
         file = open_for_reading(path, share);
     }
     if (!file)
-        return qk::is_file(path) ? kUnreadable : kMissing;
-    // Anything but a file of a disk, a pipe for one, could keep the reader waiting for ever.
-    return GetFileType(file.get()) == FILE_TYPE_DISK && GetFileSizeEx(file.get(), &size) ? kLoaded
-                                                                                         : kUnreadable;
+        return GetLastError() == qk::kNoDiskFile || qk::is_file(path) ? kUnreadable : kMissing;
+    return GetFileSizeEx(file.get(), &size) ? kLoaded : kUnreadable;
 }
 
 int read_up_to(HANDLE file, LONGLONG size, std::string& bytes) {

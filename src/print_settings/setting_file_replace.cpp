@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "common/handle.h"
+#include "common/disk_file.h"
 #include "common/text.h"
 #include "common/trace.h"
 #include "print_settings/PrintSettings.h"
@@ -52,8 +52,7 @@ std::vector<BYTE> protection_of(HANDLE file) {
 
 OldFile look_at(const std::wstring& path) {
     OldFile old{.path = path};
-    const qk::FileObj file(CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES | READ_CONTROL, kShareAll, nullptr,
-                                       OPEN_EXISTING, 0, nullptr));
+    const qk::FileObj file = qk::open_disk_file(path, FILE_READ_ATTRIBUTES | READ_CONTROL, kShareAll);
     if (!file) {
         const DWORD error = GetLastError();
         old.exists = old.in_place = error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND;
@@ -118,50 +117,94 @@ bool fill(HANDLE file, const OldFile& old, std::string_view bytes) noexcept {
            write_all(file, bytes) && FlushFileBuffers(file);
 }
 
-// A new file of these bytes beside the old one; empty, with the last error, when there is none.
-std::wstring write_temporary(const OldFile& old, std::string_view bytes) {
+// Whether the file goes as soon as nobody has it open, this program having ended for one.
+bool set_vanishing(HANDLE file, bool vanishing) noexcept {
+    FILE_DISPOSITION_INFO information = {};
+    information.DeleteFile = vanishing;
+    return SetFileInformationByHandle(file, FileDispositionInfo, &information, sizeof information);
+}
+
+// A file beside the old one, held until it has taken that one's place: passwords may stand in it, and nothing
+// of them shall be left by a program that ends before.
+class TemporaryFile {
+public:
+    // False, with the last error, when there can be none of these bytes.
+    [[nodiscard]] bool write(const OldFile& old, std::string_view bytes);
+
+    // MoveFileEx opens the file that it replaces on some systems, and a reader at that moment would be
+    // refused.
+    [[nodiscard]] bool move_over(const std::wstring& to);
+
+    TemporaryFile() = default;
+    ~TemporaryFile() {
+        const qk::LastErrorKeeper keep;
+        held_.reset();
+        if (!name_.empty())
+            DeleteFileW(name_.c_str());
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+private:
+    qk::FileObj create(const OldFile& old);
+
+    std::wstring name_;  // empty: there is no file
+    qk::FileObj held_;   // shares everything, so that readers are welcome as soon as the file has its place
+    bool vanishing_ = false;
+};
+
+qk::FileObj TemporaryFile::create(const OldFile& old) {
     constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
                             FILE_ATTRIBUTE_NOT_CONTENT_INDEXED | FILE_ATTRIBUTE_ENCRYPTED;
     const DWORD access = GENERIC_WRITE | (old.protection.empty() ? 0 : WRITE_DAC);
     const std::wstring start = folder_of(old.path) + std::wstring(kTemporaryStart);
     for (unsigned attempt = 0; attempt < 100; ++attempt) {
-        const std::wstring name =
+        std::wstring name =
             start + qk::format(L"%lx-%x", GetCurrentThreadId(), attempt) + std::wstring(kTemporaryEnd);
-        qk::FileObj file(
-            CreateFileW(name.c_str(), access, 0, nullptr, CREATE_NEW, old.attributes & kKept, nullptr));
+        qk::FileObj file(CreateFileW(name.c_str(), access, FILE_SHARE_DELETE, nullptr, CREATE_NEW,
+                                     old.attributes & kKept, nullptr));
         if (!file && GetLastError() == ERROR_FILE_EXISTS)
             continue;
-        if (!file)
-            return {};
-        if (fill(file.get(), old, bytes))
-            return name;
-        file.reset();
-        const qk::LastErrorKeeper keep;
-        DeleteFileW(name.c_str());
-        return {};
+        if (file)
+            name_ = std::move(name);
+        return file;
     }
     return {};
 }
 
-// MoveFileEx opens the file that it replaces on some systems, and a reader at that moment would be refused.
-bool move_over(const std::wstring& from, const std::wstring& to) {
-    const qk::FileObj file(
-        CreateFileW(from.c_str(), DELETE | SYNCHRONIZE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+bool TemporaryFile::write(const OldFile& old, std::string_view bytes) {
+    const qk::FileObj file = create(old);
     if (!file)
         return false;
+    held_.reset(
+        CreateFileW(name_.c_str(), DELETE | SYNCHRONIZE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!held_)
+        return false;
+    vanishing_ = set_vanishing(held_.get(), true);  // where the system cannot, the next save removes it
+    return fill(file.get(), old, bytes);
+}
+
+bool TemporaryFile::move_over(const std::wstring& to) {
     const size_t bytes = sizeof(FILE_RENAME_INFO) + to.size() * sizeof(wchar_t);
     const auto memory = std::make_unique<uint64_t[]>(bytes / sizeof(uint64_t) + 1);
     auto* rename = reinterpret_cast<FILE_RENAME_INFO*>(memory.get());
     rename->ReplaceIfExists = TRUE;
     rename->FileNameLength = static_cast<DWORD>(to.size() * sizeof(wchar_t));
     std::ranges::copy(to, rename->FileName);
-    return SetFileInformationByHandle(file.get(), FileRenameInfo, rename, static_cast<DWORD>(bytes));
+    if (vanishing_ && !set_vanishing(held_.get(), false))
+        return false;
+    if (SetFileInformationByHandle(held_.get(), FileRenameInfo, rename, static_cast<DWORD>(bytes))) {
+        name_.clear();
+        return true;
+    }
+    const qk::LastErrorKeeper keep;
+    vanishing_ = set_vanishing(held_.get(), true);
+    return false;
 }
 
 // The room is taken before the first old byte goes, so that a full disk leaves the old file as it was.
 bool write_in_place(const std::wstring& path, std::string_view bytes) noexcept {
-    const qk::FileObj file(
-        CreateFileW(path.c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+    const qk::FileObj file = qk::open_disk_file(path, GENERIC_WRITE, kShareAll);
     LARGE_INTEGER old_size;
     if (!file || !GetFileSizeEx(file.get(), &old_size))
         return false;
@@ -183,16 +226,6 @@ bool is_temporary(std::wstring_view name) noexcept {
            std::ranges::all_of(name, [](wchar_t unit) { return unit == L'-' || std::iswxdigit(unit); });
 }
 
-bool is_old(const FILETIME& written) noexcept {
-    constexpr uint64_t kHour = uint64_t{60} * 60 * 10'000'000;  // in units of 100 ns
-    const auto ticks = [](const FILETIME& time) {
-        return uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
-    };
-    FILETIME now;
-    GetSystemTimeAsFileTime(&now);
-    return ticks(written) + kHour < ticks(now);
-}
-
 // Removes what saves that never ended have left in the folder. A file that somebody holds open stays.
 void remove_leftovers(const std::wstring& folder) {
     WIN32_FIND_DATAW found;
@@ -201,7 +234,7 @@ void remove_leftovers(const std::wstring& folder) {
     if (!search)
         return;
     do {
-        if (!is_temporary(found.cFileName) || !is_old(found.ftLastWriteTime))
+        if (!is_temporary(found.cFileName))
             continue;
         const qk::FileObj closed(CreateFileW((folder + found.cFileName).c_str(), DELETE, 0, nullptr,
                                              OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
@@ -215,15 +248,11 @@ bool put_in_place_of(const OldFile& old, std::string_view bytes) {
     };
     if (old.in_place)
         return in_place();
-    const std::wstring temporary = write_temporary(old, bytes);
-    if (temporary.empty())  // perhaps only for the folder, which does not bind the file
+    TemporaryFile temporary;
+    if (!temporary.write(old, bytes))  // perhaps only for the folder, which does not bind the file
         return old.exists && GetLastError() == ERROR_ACCESS_DENIED && in_place();
-    if (with_patience([&] { return move_over(temporary, old.path); }))
-        return true;
-    const bool written = old.exists && held_by_another(GetLastError()) && in_place();
-    const qk::LastErrorKeeper keep;
-    DeleteFileW(temporary.c_str());
-    return written;
+    return with_patience([&] { return temporary.move_over(old.path); }) ||
+           (old.exists && held_by_another(GetLastError()) && in_place());
 }
 
 }  // namespace
@@ -231,6 +260,10 @@ bool put_in_place_of(const OldFile& old, std::string_view bytes) {
 bool try_replace(const std::wstring& path, std::string_view bytes) {
     if (path.empty() || bytes.size() > kMostFileBytes) {
         SetLastError(path.empty() ? ERROR_PATH_NOT_FOUND : ERROR_FILE_TOO_LARGE);
+        return false;
+    }
+    if (qk::names_device(path)) {
+        SetLastError(qk::kNoDiskFile);
         return false;
     }
     const OldFile old = look_at(path);

@@ -209,8 +209,13 @@ TEST_F(Sheet, ServiceGetsAHeaderThatIsNotOnTheStack) {
     static LPARAM given;
     static LONG answer;
     static DWORD result;
-    const ImportPatch load("LoadLibraryExW",
-                           reinterpret_cast<void*>(+[] { return GetModuleHandleW(nullptr); }));
+    static std::wstring loaded;  // not what the program has beside it
+    const ImportPatch load("LoadLibraryExW", reinterpret_cast<void*>(+[](const wchar_t* path, HANDLE, DWORD) {
+                               loaded = path;
+                               return GetModuleHandleW(nullptr);
+                           }));
+    wchar_t system[MAX_PATH] = {};
+    GetSystemDirectoryW(system, MAX_PATH);
     const ImportPatch find(
         "GetProcAddress", reinterpret_cast<void*>(+[]() -> void* {
             return reinterpret_cast<void*>(+[](HWND, PFNPROPSHEETUI, LPARAM parameter, DWORD* ended) -> LONG {
@@ -242,6 +247,7 @@ TEST_F(Sheet, ServiceGetsAHeaderThatIsNotOnTheStack) {
         given = 0;
         EXPECT_EQ(PrinterProperties(nullptr, header.hPrinter), row.printer);
         EXPECT_TRUE(given && !on_stack(given));
+        EXPECT_EQ(loaded, system + std::wstring(L"\\compstui.dll"));
     }
 }
 

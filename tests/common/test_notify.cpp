@@ -2,20 +2,26 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
+#include <cstring>
+#include <cwchar>
 #include <memory>
 #include <random>
+#include <regex>
 
 #include "common/ErrorNotify.h"
 #include "common/icc_profile.h"
 #include "common/teskel_custom_2021.h"
+#include "companions/thread.h"
+#include "support/child_process.h"
 #include "support/damage.h"
 #include "support/guarded_buffer.h"
 #include "support/installation.h"
 #include "support/profile_folder.h"
 #include "support/trace_capture.h"
+#include "support/variable.h"
 
 namespace {
 
@@ -159,6 +165,101 @@ TEST(ErrorNotify, LogNamesTheJob) {
         EXPECT_EQ(lines_with(here.log(row.log), row.named), 1u) << row.lines;
     }
     EXPECT_EQ(log_time({2026, 11, 0, 15, 1, 46, 25, 999}), L"2026d11d15d01d46d25d");
+}
+
+TEST(ErrorNotify, LogTakesTextsOfOneLineAndLinksNothing) {
+    const Installation here;
+    here.set_number(HKEY_LOCAL_MACHINE, L"\\Notification", L"Error", 8);
+    EXPECT_EQ(ZRTK_ErrorNotify(L"", L"a\r\nb.pdf", 0, 0, L"1\r2\n3\u2028[7]\r\n4\x85", L""), 0);
+    EXPECT_EQ(lines_with(here.log(), L"\r\n"), 4u);
+    EXPECT_EQ(lines_with(here.log(), L"PDFFileName=a  b.pdf\r\n"), 1u);
+    EXPECT_EQ(lines_with(here.log(), L"ErrorMessage=1 2 3 [7]  4 \r\n"), 1u);
+
+    const std::wstring log = here.folder.file(L"Dunmere\\Vantrix2\\Error_0.log");
+    const std::string whole = here.log();
+    {
+        const ImportPatch link("GetFileInformationByHandle",
+                               reinterpret_cast<void*>(+[](HANDLE, BY_HANDLE_FILE_INFORMATION* told) -> BOOL {
+                                   *told = {.dwFileAttributes = FILE_ATTRIBUTE_REPARSE_POINT,
+                                            .nNumberOfLinks = 1};
+                                   return TRUE;
+                               }));
+        EXPECT_EQ(notify(), -2);
+    }
+    DeleteFileW(log.c_str());
+    const std::wstring other = here.folder.write(L"other.txt", "another's");
+    ASSERT_TRUE(CreateHardLinkW(log.c_str(), other.c_str(), nullptr));
+    EXPECT_EQ(notify(), -2);
+    EXPECT_EQ(TempFolder::read(other), "another's");
+    DeleteFileW(log.c_str());
+    EXPECT_EQ(notify(), 0);
+}
+
+namespace {
+
+// "<processes> <threads> <jobs of each>"; more than by default for a soak.
+struct LogLoad {
+    unsigned processes = 3, threads = 8, jobs = 20;
+
+    LogLoad() {
+        wchar_t chosen[50] = {};
+        if (GetEnvironmentVariableW(L"ZR_LOG_LOAD", chosen, 50)) {
+            EXPECT_EQ(std::swscanf(chosen, L"%u %u %u", &processes, &threads, &jobs), 3);
+        }
+    }
+};
+
+}  // namespace
+
+TEST(ErrorNotify, RecordsOfManyProcessesStayWhole) {
+    const LogLoad load;
+    const TempFolder folder;
+    const Variable place(L"ZR_LOG_FOLDER", folder.path() + L"\\");
+    std::vector<companions::Thread> processes;
+    for (unsigned i = 0; i < load.processes; ++i)
+        processes.emplace_back([] {
+            EXPECT_EQ(run_built(L"zr_tests.exe",
+                                L"zr_tests --gtest_also_run_disabled_tests "
+                                L"--gtest_filter=ErrorNotifyHelper.DISABLED_FailedJobs"),
+                      0);
+        });
+    processes.clear();  // waits for them
+    const std::string log = TempFolder::read(folder.file(L"Error_0.log"));
+    std::wstring text(log.size() / sizeof(wchar_t), L'\0');
+    std::memcpy(text.data(), log.data(), log.size());
+    const std::wregex record(
+        L"\\[0\\]\r\nPDFFileName=C:\\\\\\d+\\.pdf\r\nTime=[0-9d]+\r\nErrorMessage=x+\r\n");
+    size_t whole = 0, at = 0;
+    std::wsmatch found;
+    while (std::regex_search(text.cbegin() + static_cast<std::ptrdiff_t>(at), text.cend(), found, record,
+                             std::regex_constants::match_continuous)) {
+        ++whole;
+        at += static_cast<size_t>(found.length());
+    }
+    EXPECT_EQ(whole, size_t{load.processes} * load.threads * load.jobs);
+    EXPECT_EQ(at, text.size()) << "a record is broken";
+}
+
+// Not a test but the program of the one above.
+TEST(ErrorNotifyHelper, DISABLED_FailedJobs) {
+    const Installation here;
+    const LogLoad load;
+    here.set_number(HKEY_LOCAL_MACHINE, L"\\Notification", L"Error", 8);
+    here.machine.set_text(std::wstring(Installation::kKey) + L"\\Notification", L"ErrFile",
+                          qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) {
+                              return GetEnvironmentVariableW(L"ZR_LOG_FOLDER", buffer, units);
+                          }));
+    std::atomic<unsigned> refused = 0;
+    std::vector<companions::Thread> threads;
+    for (unsigned i = 0; i < load.threads; ++i)
+        threads.emplace_back([&, i] {
+            const std::wstring pdf = L"C:\\" + std::to_wstring(i) + L".pdf";
+            for (unsigned job = 0; job < load.jobs; ++job)
+                refused +=
+                    ZRTK_ErrorNotify(L"", pdf.c_str(), 0, 0, std::wstring(20 + job % 200, L'x'), L"") != 0;
+        });
+    threads.clear();
+    EXPECT_EQ(refused, 0u);
 }
 
 TEST(ErrorNotify, PrintingHostGetsTheBoxFromItsOwnLoop) {

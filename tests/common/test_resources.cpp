@@ -1,20 +1,26 @@
 // The language library, shared blocks, texts in records.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <cstring>
 #include <stdexcept>
 
+#include "UI_dll/plotui.h"
 #include "common/MMF.h"
 #include "common/job_records.h"
 #include "common/memory_probe.h"
+#include "common/module.h"
 #include "common/resource_dll.h"
 #include "common/text.h"
+#include "companions/wine_layer.h"
 #include "resources/ids.h"
 #include "support/guarded_buffer.h"
 #include "support/handle_count.h"
 #include "support/installation.h"
 #include "support/trace_capture.h"
+#include "support/variable.h"
 
 namespace {
 
@@ -47,7 +53,10 @@ TEST(Resources, LanguageIsTheUsersChoiceBeforeTheSystems) {
                       {L"ja", nullptr, L"ja"},
                       {nullptr, L"cht", L"cht"},
                       {L"ja", L"", L"ja"},
-                      {L"", L"", L"en"}};
+                      {L"", L"", L"en"},
+                      {L"ja", L"fr", L"ja"},
+                      {nullptr, L"..\\..\\x", L"en"},
+                      {nullptr, L"CHS", L"chs"}};
     for (const auto& row : rows) {
         const Installation here;
         if (row.machine)
@@ -111,25 +120,166 @@ TEST(Resources, MissingLanguageFallsBackAndTheCopyIsPrivate) {
     }
 }
 
-TEST(Resources, StaleCopiesAreReplacedAndOrphansRemoved) {
-    const Installation here;
-    const ModuleAt moved(here.folder.path());
-    here.folder.write(L"Language", "");
-    DeleteFileW(here.folder.file(L"Language").c_str());
-    ForceDirectories(here.folder.file(L"Language"));
-    here.folder.write(L"Language\\zrtk_res_en.dll", "library");
-    const std::wstring copy = qk::resource_library_path(false);
-    ASSERT_TRUE(qk::is_file(copy));
-    const std::wstring orphan =
-        copy.substr(0, copy.rfind(L'\\')) + L"\\zrtk_res_4294967292.dll";  // no process has it
-    CopyFileW(copy.c_str(), orphan.c_str(), FALSE);
-    qk::finalize_resource_library(false);
-    EXPECT_FALSE(qk::is_file(orphan));
+namespace {
 
-    const qk::FileObj stale(CreateFileW(copy.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-    const std::wstring next = qk::resource_library_path(false);  // another name, as that one is in use
-    EXPECT_NE(next, copy);
-    EXPECT_EQ(TempFolder::read(next), "library");
+DWORD failing_write;     // the error of every write; 0: they succeed
+DWORD failing_creation;  // the same of every new file
+unsigned creations;
+decltype(&WriteFile) write_file;
+decltype(&CreateFileW) create_file;
+std::wstring local_low;
+
+BOOL WINAPI on_write(HANDLE file, const void* bytes, DWORD size, DWORD* written, OVERLAPPED* place) {
+    if (failing_write)
+        size /= 2;
+    const BOOL done = write_file(file, bytes, size, written, place);
+    SetLastError(failing_write);
+    return failing_write ? FALSE : done;
+}
+HANDLE WINAPI on_create(const wchar_t* name, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                        DWORD how, DWORD flags, HANDLE like) {
+    creations += how == CREATE_NEW;
+    if (how != CREATE_NEW || !failing_creation)
+        return create_file(name, access, share, security, how, flags, like);
+    SetLastError(failing_creation);
+    return INVALID_HANDLE_VALUE;
+}
+HRESULT WINAPI on_known_folder(const GUID&, DWORD, HANDLE, wchar_t** folder) {
+    const qk::DLL ole(LoadLibraryW(L"ole32.dll"));
+    const size_t bytes = (local_low.size() + 1) * sizeof(wchar_t);
+    *folder =
+        static_cast<wchar_t*>(qk::find_export<void * WINAPI(SIZE_T)>(ole.get(), "CoTaskMemAlloc")(bytes));
+    std::memcpy(*folder, local_low.c_str(), bytes);
+    return S_OK;
+}
+
+// The module in a folder with the English library, the user's temporary folders in that folder too.
+class CopyTest : public testing::Test {
+protected:
+    CopyTest() {
+        for (const wchar_t* folder : {L"Language", L"temp", L"low", L"elsewhere"})
+            CreateDirectoryW(here.folder.file(folder).c_str(), nullptr);
+        CopyFileW(built.c_str(), here.folder.file(kLibrary).c_str(), FALSE);
+        local_low = here.folder.file(L"low");
+        failing_write = failing_creation = creations = 0;
+        write_file = reinterpret_cast<decltype(&WriteFile)>(write.original());
+        create_file = reinterpret_cast<decltype(&CreateFileW)>(create.original());
+    }
+
+    // The folder of the library in use, below the installation's.
+    [[nodiscard]] std::wstring place() const {
+        std::wstring path = qk::resource_library_path(true);
+        path.resize(path.rfind(L'\\'));
+        return path.substr(std::min(path.size(), here.folder.path().size() + 1));
+    }
+
+    static constexpr wchar_t kLibrary[] = L"Language\\zrtk_res_en.dll";
+
+    const Installation here;
+    const std::wstring built = Installation::built(kLibrary);  // before the module is moved
+    const ModuleAt moved{here.folder.path()};
+    const Variable temp{L"TMP", here.folder.file(L"temp")};
+    const ImportPatch write{"WriteFile", reinterpret_cast<void*>(&on_write)};
+    const ImportPatch create{"CreateFileW", reinterpret_cast<void*>(&on_create)};
+    const ImportPatch low{"SHGetKnownFolderPath", reinterpret_cast<void*>(&on_known_folder)};
+};
+
+}  // namespace
+
+TEST_F(CopyTest, ModuleLoadsWhateverTheTemporaryFolderIs) {
+    const auto unix_path = [&](const wchar_t* file) {
+        return companions::wine::find_unix_path(here.folder.file(file)).value_or("");
+    };
+    const auto run = [](std::vector<std::string> words) {
+        return companions::wine::run_unix_program(words) == 0;
+    };
+    const bool can_link = companions::wine::present();
+    const struct {
+        const char* label;
+        std::vector<const wchar_t*> files;  // that have a folder's name
+        DWORD write, creation;
+        bool link;
+        std::wstring place;
+        unsigned attempts;
+    } rows[] = {
+        {"as usual", {}, 0, 0, false, L"temp\\ZRTK80_temp", 1},
+        {"a file of its name", {L"temp\\ZRTK80_temp"}, 0, 0, false, L"low\\ZRTK80_temp", 1},
+        {"files of its name", {L"temp\\ZRTK80_temp", L"low\\ZRTK80_temp"}, 0, 0, false, L"temp", 1},
+        {"a link", {}, 0, 0, can_link, can_link ? L"low\\ZRTK80_temp" : L"temp\\ZRTK80_temp", 1},
+        {"read-only", {}, 0, ERROR_ACCESS_DENIED, false, L"Language", 4},
+        {"full", {}, ERROR_DISK_FULL, 0, false, L"Language", 4},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        const size_t entries = here.folder.count();
+        for (const wchar_t* file : row.files)
+            here.folder.write(file, "");
+        const std::string link = unix_path(L"temp") + "/ZRTK80_temp";
+        ASSERT_TRUE(!row.link || run({"/bin/ln", "-s", unix_path(L"elsewhere"), link}));
+        failing_write = row.write, failing_creation = row.creation, creations = 0;
+        EXPECT_TRUE(plotui::attach_process(qk::module_instance()));
+        EXPECT_EQ(place(), row.place);
+        EXPECT_EQ(creations, row.attempts);
+        EXPECT_NE(qk::load_string(IDS_JOB_FAILED).find(L"PDF"), std::wstring::npos);
+        plotui::detach_process(false);
+        failing_write = failing_creation = 0;
+        EXPECT_TRUE(qk::is_file(here.folder.file(kLibrary)));
+        EXPECT_FALSE(RemoveDirectoryW(here.folder.file(L"Language").c_str()));
+        EXPECT_TRUE(!row.link || run({"/bin/rm", link}));
+        for (const wchar_t* file : row.files)
+            DeleteFileW(here.folder.file(file).c_str());
+        for (const wchar_t* folder :
+             {L"temp\\ZRTK80_temp", L"low\\ZRTK80_temp", L"temp", L"low", L"elsewhere"}) {
+            RemoveDirectoryW(here.folder.file(folder).c_str());
+            EXPECT_FALSE(qk::is_folder(here.folder.file(folder))) << "something is left in it";
+        }
+        for (const wchar_t* folder : {L"temp", L"low", L"elsewhere"})
+            CreateDirectoryW(here.folder.file(folder).c_str(), nullptr);
+        EXPECT_EQ(here.folder.count(), entries);
+    }
+}
+
+TEST_F(CopyTest, CopyInUseIsNobodyElses) {
+    const std::wstring copy = qk::resource_library_path(false);
+    const std::wstring other = here.folder.write(L"other.dll", "another library");
+    EXPECT_FALSE(DeleteFileW(copy.c_str()));
+    EXPECT_FALSE(MoveFileExW(copy.c_str(), (copy + L"_").c_str(), 0));
+    EXPECT_FALSE(MoveFileExW(other.c_str(), copy.c_str(), MOVEFILE_REPLACE_EXISTING));
+    EXPECT_FALSE(qk::FileObj(
+        CreateFileW(copy.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)));
+    EXPECT_NE(qk::load_string(IDS_JOB_FAILED).find(L"PDF"), std::wstring::npos);
+    EXPECT_EQ(TempFolder::read(copy), TempFolder::read(built));
+}
+
+TEST_F(CopyTest, OnlyCopiesOfDeadProcessesAreRemoved) {
+    const std::wstring folder = L"temp\\ZRTK80_temp\\";
+    const std::wstring own = L"zrtk_res_" + std::to_wstring(GetCurrentProcessId());
+    ForceDirectories(here.folder.file(folder));
+    const struct {
+        std::wstring name;
+        bool stays;
+    } rows[] = {
+        {L"zrtk_res_4294967292.dll", false},  // no process has it
+        {L"zrtk_res_4294967292(7).dll", false},
+        {own + L"(5).dll", true},
+        {L"zrtk_res_en.dll", true},
+        {L"zrtk_res_.dll", true},
+        {L"zrtk_res_4294967292x.dll", true},
+        {L"zrtk_res_4294967292().dll", true},
+        {L"zrtk_res_4294967292(7.dll", true},
+        {L"zrtk_res_4294967292(7)(8).dll", true},
+        {L"zrtk_res_4294967292.dll.exe", true},
+        {L"zrtk_res_99999999999.dll", true},
+    };
+    for (const auto& row : rows)
+        here.folder.write(folder + row.name, "");
+    const qk::FileObj in_use(CreateFileW(here.folder.file(folder + own + L".dll").c_str(), GENERIC_WRITE, 0,
+                                         nullptr, CREATE_ALWAYS, 0, nullptr));
+    EXPECT_EQ(qk::resource_library_path(false), here.folder.file(folder + own + L"(1).dll"));
+    qk::finalize_resource_library(false);
+    for (const auto& row : rows)
+        EXPECT_EQ(qk::is_file(here.folder.file(folder + row.name)), row.stays) << qk::to_utf8(row.name);
+    EXPECT_FALSE(qk::is_file(here.folder.file(folder + own + L"(1).dll")));
 }
 
 TEST(Resources, MissingStringsSayWhichTheyAre) {

@@ -63,6 +63,27 @@ TEST_F(EngineRun, EndsAreTold) {
         << "quoted words arrive whole: " << output_;
 }
 
+TEST(ScratchFolders, OfKilledRunsGoWithTheNext) {
+    const TempFolder temp;
+    const Variable place(L"TMP", temp.path());
+    const std::wstring own = L"zr_render_" + std::to_wstring(GetCurrentProcessId()) + L"_7";
+    const struct {
+        std::wstring folder, file;
+        bool stays;
+    } rows[] = {{L"zr_render_4294967292_0", L"options.txt", false},  // no process has it
+                {L"zr_render_4294967292_1", L"password.txt", false},
+                {L"zr_render_4294967292_2", L"another's.txt", true},
+                {own, L"options.txt", true}};
+    for (const auto& row : rows) {
+        CreateDirectoryW(temp.file(row.folder).c_str(), nullptr);
+        temp.write(row.folder + L"\\" + row.file, "secret");
+    }
+    { const ScratchFolder scratch; }
+    for (const auto& row : rows)
+        EXPECT_EQ(qk::is_folder(temp.file(row.folder)), row.stays) << qk::to_utf8(row.folder);
+    EXPECT_EQ(temp.count(), 2u);
+}
+
 TEST_F(EngineRun, EndlessEngineIsStopped) {
     if (!companions::wine::present())
         GTEST_SKIP() << "needs the Unix system below Wine";

@@ -40,7 +40,9 @@ protected:
             CreateFileW(output.c_str(), GENERIC_WRITE, kShareAll, &inherited, CREATE_ALWAYS, 0, nullptr));
         const int code = run_built(L"zr_print.exe", L"zr_print " + words + L" --json", stream.get());
         stream.reset();
-        EXPECT_EQ(picojson::parse(report_, TempFolder::read(output)), "");
+        const std::string bytes = TempFolder::read(output);
+        EXPECT_EQ(picojson::parse(report_, bytes), "");
+        EXPECT_EQ(bytes.find("s3cret"), std::string::npos) << "a password is shown";
         return code;
     }
 
@@ -91,9 +93,12 @@ TEST_F(HostProcess, RefusedJobSaysWhy) {
     Corvanta::Vantrix::PrintSettings::PrintSettings settings;
     settings.pdfVersion()->Version = 6;  // needs a colour profile
     settings.pdfVersion()->ICCFileName = L"there is no such profile";
+    settings.security()->MasterPassword = L"s3cret";
     const std::wstring setting = folder_.file(L"setting.ps4");
+    const std::wstring words =
+        L"--trace 5 --output \"" + folder_.file(L"x.pdf") + L"\" --setting \"" + setting + L"\"";
     ASSERT_TRUE(settings.Save(setting));
-    EXPECT_EQ(print(L"--output \"" + folder_.file(L"x.pdf") + L"\" --setting \"" + setting + L"\""), 1);
+    EXPECT_EQ(print(words), 1);
     EXPECT_EQ(text("outcome"), "refused");
     EXPECT_EQ(number("last_error"), 0);
     EXPECT_EQ(sent_events(), (std::vector<int>{14, 1, 2, 5, 10}));
@@ -101,6 +106,10 @@ TEST_F(HostProcess, RefusedJobSaysWhy) {
     EXPECT_TRUE(report_.get("start_record").is<picojson::null>());
     EXPECT_FALSE(qk::is_file(folder_.file(L"x.pdf")));
     ASSERT_EQ(print(L"--output \"" + folder_.file(L"x.pdf") + L"\""), 0) << "the choice ended with its job";
+    settings.pdfVersion()->Version = 4;
+    ASSERT_TRUE(settings.Save(setting) && DeleteFileW(folder_.file(L"x.pdf").c_str()));
+    EXPECT_EQ(print(words), 0) << text("fault");
+    EXPECT_GT(report_.get("trace").get<picojson::array>().size(), 50u);
 }
 
 TEST_F(HostProcess, EmptyFileIsOnePage) {

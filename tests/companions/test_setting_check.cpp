@@ -25,7 +25,7 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
         {L"text.ps4", "hello", {L"this is no print setting of any kind"}},
         {L"json.ps4",
          "\xEF\xBB\xBF{\n\"PSComment\" []}",
-         {L"this is no JSON: syntax error at line 2 near: []}"}},
+         {L"this is no JSON: syntax error in line 2, column 13"}},
         {L"huge.ps4", "\xEF\xBB\xBF{\"PSVersion\": 1e999}", {L"a number is not finite"}},
         {L"list.ps4", "\xEF\xBB\xBF[]", {L"the text has to be one object in braces"}},
         {L"old.printSetting2",

@@ -16,10 +16,12 @@
 #include "common/text.h"
 #include "companions/thread.h"
 #include "print_settings/PrintSettings.h"
+#include "support/child_process.h"
 #include "support/import_patch.h"
 #include "support/installation.h"
 #include "support/random_settings.h"
 #include "support/temp_folder.h"
+#include "support/variable.h"
 
 namespace ps = Corvanta::Vantrix::PrintSettings;
 
@@ -198,35 +200,80 @@ TEST(Ps4Write, WhatCouldNotBeReadAgainIsNotWritten) {
     EXPECT_TRUE(settings.Load(path));
 }
 
-TEST(Ps4Write, TemporaryFilesOfACrashAreRemovedLater) {
+TEST(Ps4Write, TemporaryFilesThatNobodyHoldsAreRemoved) {
     const TempFolder folder;
-    struct {
+    const struct {
         const wchar_t* name;
-        unsigned minutes;
         bool held, stays;
-    } const rows[] = {
-        {L"~ps1c-0.tmp", 61, false, false}, {L"~psAB-63.tmp", 100000, false, false},
-        {L"~ps1c-1.tmp", 59, false, true},  {L"~ps1c-2.tmp", 61, true, true},
-        {L"~ps1c-0.ps4", 61, false, true},  {L"~psalm-1.tmp", 61, false, true},
-        {L"~ps1c.tmp", 61, false, true},    {L"x~ps1c-0.tmp", 61, false, true},
+    } rows[] = {
+        {L"~ps1c-0.tmp", false, false}, {L"~psAB-63.tmp", false, false}, {L"~ps1c-2.tmp", true, true},
+        {L"~ps1c-0.ps4", false, true},  {L"~psalm-1.tmp", false, true},  {L"~ps1c.tmp", false, true},
+        {L"x~ps1c-0.tmp", false, true},
     };
     qk::FileObj holder;
     for (const auto& row : rows) {
-        qk::FileObj file(CreateFileW(folder.write(row.name, "left").c_str(), FILE_WRITE_ATTRIBUTES,
-                                     FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-        FILETIME now;
-        GetSystemTimeAsFileTime(&now);
-        const uint64_t time =
-            (uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime) - row.minutes * 600'000'000ull;
-        const FILETIME written = {static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
-        ASSERT_TRUE(SetFileTime(file.get(), nullptr, nullptr, &written));
+        const std::wstring path = folder.write(row.name, "left");
         if (row.held)
-            holder.reset(CreateFileW(folder.file(row.name).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                     OPEN_EXISTING, 0, nullptr));
+            holder.reset(
+                CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     }
     EXPECT_TRUE(ps::PrintSettings().Save(folder.file(L"new.ps4")));
     for (const auto& row : rows)
         EXPECT_EQ(qk::is_file(folder.file(row.name)), row.stays) << qk::to_utf8(row.name);
+}
+
+namespace {
+
+void end_here() {
+    TerminateProcess(GetCurrentProcess(), 77);
+}
+
+}  // namespace
+
+// Wherever a save is ended from outside, no file with passwords stays beside the old setting.
+TEST(Ps4Write, AKilledSaveLeavesNoPassword) {
+    const struct {
+        const wchar_t* step;
+        bool next_save;  // what it leaves, nothing yet or everything, goes with that only
+    } rows[] = {{L"WriteFile", false},
+                {L"FlushFileBuffers", false},
+                {L"SetFileInformationByHandle", true},
+                {L"rename", true}};
+    for (const auto& row : rows) {
+        const TempFolder folder;
+        const std::wstring path = folder.write(L"mine.ps4", "old");
+        const Variable file(L"ZR_SAVE_FILE", path), step(L"ZR_SAVE_STEP", row.step);
+        EXPECT_EQ(run_built(L"zr_tests.exe",
+                            L"zr_tests --gtest_also_run_disabled_tests "
+                            L"--gtest_filter=Ps4WriteHelper.DISABLED_EndsWhileSaving"),
+                  77);
+        EXPECT_EQ(TempFolder::read(path), "old");
+        if (row.next_save) {
+            EXPECT_TRUE(ps::PrintSettings().Save(path));
+        }
+        EXPECT_EQ(folder.count(), 1u) << qk::to_utf8(row.step);
+    }
+}
+
+// Not a test but the program of the one above.
+TEST(Ps4WriteHelper, DISABLED_EndsWhileSaving) {
+    wchar_t path[MAX_PATH] = {}, step[40] = {};
+    GetEnvironmentVariableW(L"ZR_SAVE_FILE", path, MAX_PATH);
+    GetEnvironmentVariableW(L"ZR_SAVE_STEP", step, 40);
+    static decltype(&SetFileInformationByHandle) set_information;
+    const ImportPatch renaming(
+        step == std::wstring_view(L"rename") ? "SetFileInformationByHandle" : "no function",
+        reinterpret_cast<void*>(
+            +[](HANDLE file, FILE_INFO_BY_HANDLE_CLASS kind, void* information, DWORD size) -> BOOL {
+                if (kind == FileRenameInfo)
+                    end_here();
+                return set_information(file, kind, information, size);
+            }));
+    set_information = reinterpret_cast<decltype(&SetFileInformationByHandle)>(renaming.original());
+    const ImportPatch ending(qk::to_utf8(step), reinterpret_cast<void*>(&end_here));
+    ps::PrintSettings settings;
+    settings.security()->MasterPassword = L"password";
+    EXPECT_TRUE(settings.Save(path));
 }
 
 // One job after the other finds and loads the setting that a dialog saves all the time.

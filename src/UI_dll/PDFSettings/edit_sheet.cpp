@@ -4,6 +4,7 @@
 #include <array>
 
 #include "UI_dll/PDFSettings/changes_box.h"
+#include "UI_dll/PDFSettings/exchange.h"
 #include "UI_dll/PDFSettings/page.h"
 #include "UI_dll/PDFSettings/page_general_rules.h"
 #include "UI_dll/PDFSettings/setting_list.h"
@@ -218,7 +219,7 @@ INT_PTR DoPropertySheet(HWND list_page, bool is_new) {
 
     SetThreadProp(threadprop::kNewSheet, is_new ? 1 : 0);
     dialog_state().cancelled = false;
-    dialog_state().shown.clear();
+    forget_controls();
     INT_PTR result = 0;
     {
         const plotui::CommonControls controls;
@@ -231,7 +232,7 @@ INT_PTR DoPropertySheet(HWND list_page, bool is_new) {
     if (dialog_state().list_page == list_page) {  // it may have gone, with its state
         for (auto& helper : dialog_state().helpers)
             helper.reset();
-        dialog_state().shown.clear();
+        forget_controls();
     }
     TRACE("FreeThreadProp");
     FreeThreadProp(threadprop::kNewSheet);

@@ -3,6 +3,7 @@
 #include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/PDFSettings/page.h"
 #include "common/text.h"
+#include "common/wipe.h"
 
 namespace pdf_settings {
 
@@ -68,11 +69,21 @@ void remember_controls(HWND page) {
         shown[control] = shown_by(control);
 }
 
+void forget_controls() {
+    for (auto& [control, text] : dialog_state().shown)
+        qk::wipe(text);  // some show passwords
+    dialog_state().shown.clear();
+}
+
 bool is_touched(HWND page, int control) {
     const HWND window = GetDlgItem(page, control);
     const auto& shown = dialog_state().shown;
     const auto first = shown.find(window);
-    return first != shown.end() && first->second != shown_by(window);
+    if (first == shown.end())
+        return false;
+    std::wstring now = shown_by(window);
+    const qk::WipedAtEnd wiped(now);
+    return first->second != now;
 }
 
 int selected(HWND page, int control, int otherwise) noexcept {

@@ -34,8 +34,9 @@ void fill_list(HWND page, int control, UINT first, UINT count);
 [[nodiscard]] int selected(HWND page, int control, int otherwise = 0) noexcept;
 void select(HWND page, int control, int position) noexcept;
 
-// Keeps what every control of the page shows, for is_touched(); forgotten when the sheet closes.
+// Keeps what every control of the page shows, for is_touched(), until it is forgotten for all pages.
 void remember_controls(HWND page);
+void forget_controls();
 
 // Whether the control shows something else than when the page was filled. What it shows is not always what
 // the field holds: numbers are rounded, texts cut, codes without a place on the page not shown at all. So

@@ -7,6 +7,7 @@
 #include "UI_dll/PDFSettings/page_pdf_version_rules.h"
 #include "UI_dll/PDFSettings/page_securities_rules.h"
 #include "common/trace.h"
+#include "common/wipe.h"
 #include "resources/ids.h"
 
 namespace pdf_settings {
@@ -48,6 +49,14 @@ constexpr PasswordControls kPermissions = {IDC_SEC_USE_PERMISSIONS, IDC_SEC_PASS
 struct SecurityHelper final : PageHelper {
     std::wstring open;
     std::wstring permissions;
+
+    SecurityHelper() = default;
+    ~SecurityHelper() override {
+        qk::wipe(open);
+        qk::wipe(permissions);
+    }
+    SecurityHelper(const SecurityHelper&) = delete;
+    SecurityHelper& operator=(const SecurityHelper&) = delete;
 };
 
 template <size_t Count>
@@ -108,6 +117,7 @@ void move_low_level(HWND page) noexcept {
 void use_changed(HWND page, const PasswordControls& controls, std::wstring& kept) {
     const bool used = is_checked(page, controls.use);
     std::wstring text = control_text(page, controls.edit);
+    const qk::WipedAtEnd wiped(text);
     if (!used)
         kept = std::exchange(text, {});
     else if (text.empty())
@@ -152,8 +162,9 @@ void dlg_command_Securities(HWND page, int control, int notification) {
 
 bool dlg_validate_Securities(HWND page) {
     TRACE("dlg_validate_Securities");
-    const std::wstring open = control_text(page, IDC_SEC_OPEN_PASSWORD);
-    const std::wstring permissions = control_text(page, IDC_SEC_PASSWORD);
+    std::wstring open = control_text(page, IDC_SEC_OPEN_PASSWORD);
+    std::wstring permissions = control_text(page, IDC_SEC_PASSWORD);
+    const qk::WipedAtEnd open_wiped(open), permissions_wiped(permissions);
     const uint32_t version = read_PDFVersion(page).Version;
     const bool is_other_version = version != loaded_setting().pdfVersion()->Version;
     const auto is_new = [&](const PasswordControls& controls) {

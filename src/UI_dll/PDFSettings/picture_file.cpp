@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "common/paths.h"
+#include "common/disk_file.h"
 #include "common/trace.h"
 
 namespace pdf_settings {
@@ -131,7 +131,10 @@ qk::Bitmap draw_small(const Library& library, void* image, SIZE size) noexcept {
 Picture load_picture(const std::wstring& path) {
     TRACE("load_picture");
     Picture picture;
-    if (!is_local(path) || !qk::is_file(path))
+    // The library opens whatever has the name; nobody puts something else in its place meanwhile.
+    const qk::FileObj held =
+        is_local(path) ? qk::open_disk_file(path, GENERIC_READ, FILE_SHARE_READ) : qk::FileObj();
+    if (!held)
         return picture;
     const Library library;
     if (!library.works())

@@ -1,0 +1,126 @@
+// Where the passwords of a setting show: in its file and nowhere else.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <utility>
+
+#include "companions/host/report_parts.h"
+#include "companions/host/setting_check.h"
+#include "print_settings/PSAdmin.h"
+#include "print_settings/display.h"
+#include "print_settings/json.h"
+#include "support/temp_folder.h"
+#include "support/trace_capture.h"
+
+namespace {
+
+namespace ps = Corvanta::Vantrix::PrintSettings;
+
+// Made anew each time, so that no copy of it stands in the program.
+template <class Text>
+Text password() {
+    Text text(20, '\0');
+    for (size_t i = 0; i < text.size(); ++i)
+        text[i] = static_cast<typename Text::value_type>('A' + (i * 7 + 3) % 26);
+    return text;
+}
+
+// How often it stands in the memory that the process writes to, whole.
+template <class Unit>
+size_t count_in_memory() {
+    const auto wanted = [](size_t at) { return static_cast<Unit>('A' + (at * 7 + 3) % 26); };
+    size_t found = 0;
+    MEMORY_BASIC_INFORMATION region;
+    for (const BYTE* at = nullptr; VirtualQuery(at, &region, sizeof region) == sizeof region;
+         at = static_cast<const BYTE*>(region.BaseAddress) + region.RegionSize) {
+        if (region.State != MEM_COMMIT || region.Protect != PAGE_READWRITE)
+            continue;
+        const auto* units = static_cast<const Unit*>(region.BaseAddress);
+        for (size_t i = 0; i + 20 <= region.RegionSize / sizeof(Unit); ++i) {
+            size_t same = 0;
+            while (same < 20 && units[i + same] == wanted(same))
+                ++same;
+            found += same == 20;
+        }
+    }
+    return found;
+}
+
+ps::PrintSettings secret_setting() {
+    ps::PrintSettings settings;
+    settings.security()->MasterPassword = password<std::wstring>();
+    settings.security()->UserPassword = L"user's " + password<std::wstring>();
+    return settings;
+}
+
+// Calls `visit` with every member of the document, however deep, which it may change.
+void for_each_key(picojson::value& document, const std::function<void(picojson::value& member)>& visit) {
+    if (document.is<picojson::object>())
+        for (auto& [key, member] : document.get<picojson::object>()) {
+            visit(member);
+            for_each_key(member, visit);
+        }
+}
+
+}  // namespace
+
+// Each key of a setting in turn has another value, perhaps of another type, and then is broken.
+TEST(Passwords, NoTraceAndNoReportShowsThem) {
+    const TempFolder folder;
+    const std::wstring whole = folder.file(L"whole.ps4");
+    ASSERT_TRUE(secret_setting().Save(whole));
+    const std::string text = TempFolder::read(whole).substr(3);
+    picojson::value document;
+    ASSERT_TRUE(ps::json::try_parse(text, document));
+    size_t keys = 0, shown = 0;
+    const TraceCapture trace;
+    const auto look = [&](const std::wstring& line) {
+        shown += line.find(password<std::wstring>()) != std::wstring::npos;
+    };
+    const auto try_setting = [&](std::string_view bytes) {
+        for (const wchar_t* name : {L"damaged.ps4", L"damaged.ps4a"}) {
+            const std::wstring path = folder.write(name, "\xEF\xBB\xBF" + std::string(bytes));
+            const host::SettingFindings findings[] = {host::check_setting(path)};
+            look(qk::to_wide(host::report_json(findings)));
+            for (const std::wstring& line : host::report_lines(findings[0]))
+                look(line);
+            ps::PrintSettings other;
+            if (other.Load(path))
+                for (const std::wstring& line : ps::Changed2Str(secret_setting(), other))
+                    look(line);
+            static_cast<void>(ps::PrintSettingsAdmin().Load(path));
+            static_cast<void>(ps::ReadName(path));
+        }
+    };
+    for_each_key(document, [&](picojson::value& member) {
+        keys += !member.is<picojson::object>() || member.get<picojson::object>().empty();
+        const picojson::value before = std::exchange(member, picojson::value("another"));
+        try_setting(document.serialize());
+        member = before;
+    });
+    EXPECT_EQ(keys, 118u);
+    const std::string line = document.serialize();  // in one, so that all that follows a fault stands with it
+    for (size_t at = line.find("\":"); at != std::string::npos; at = line.find("\":", at + 1))
+        try_setting(line.substr(0, at + 1) + line.substr(at + 2));
+    for (const std::wstring& record : trace.records())
+        look(record);
+    EXPECT_EQ(shown, 0u);
+    EXPECT_GT(trace.records().size(), keys);
+}
+
+TEST(Passwords, NoMemoryKeepsThem) {
+    const TempFolder folder;
+    const std::wstring path = folder.file(L"secret.ps4");
+    ASSERT_TRUE(secret_setting().Save(path));
+    {
+        ps::PrintSettings loaded;
+        ASSERT_TRUE(loaded.Load(path));
+        const ps::PrintSettings copy = loaded;
+        EXPECT_GT(count_in_memory<wchar_t>(), 3u) << "what is looked for is not found";
+        ps::PrintSettingsAdmin job;
+        ASSERT_TRUE(job.Load(path));
+        EXPECT_TRUE(ps::ReadName(path));
+    }
+    EXPECT_EQ(count_in_memory<wchar_t>(), 0u);
+    EXPECT_EQ(count_in_memory<char>(), 0u);
+}
