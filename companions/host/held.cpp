@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <psapi.h>
 #include <winternl.h>
 
 #include <algorithm>
@@ -90,12 +91,22 @@ size_t count_mappings() {
     return mappings;
 }
 
+size_t private_kib() noexcept {
+    PROCESS_MEMORY_COUNTERS_EX counters = {};
+    counters.cb = sizeof counters;
+    if (!GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
+                              sizeof counters))
+        return 0;
+    return counters.PrivateUsage / 1024;
+}
+
 }  // namespace
 
 Held count_held() {
     Held held;
     count_handles(held);
     held.mappings = count_mappings();
+    held.private_kib = private_kib();
     return held;
 }
 

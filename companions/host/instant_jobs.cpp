@@ -23,7 +23,8 @@ namespace {
 constexpr size_t kMostWrong = 10;
 constexpr size_t kProgressSteps = 10;
 constexpr LONG kFailure = -1;
-constexpr size_t kWarmUpJobs = 5;
+constexpr size_t kWarmUpJobs = 1000;  // of all threads
+constexpr size_t kMostGrowthKib = 1024;
 constexpr size_t kLocks = 8;  // that threads may meet at for the first time after the warm-up
 
 // Counts what the threads report.
@@ -107,7 +108,8 @@ InstantReport run_instant_jobs(const Options& options, const DriverModule& modul
     const OutputTarget target(folder);
     InstantReport report;
     InstantReport warm_up;  // loads what the first jobs load
-    run_threads(module, options.threads, kWarmUpJobs, folder, warm_up);
+    run_threads(module, options.threads, std::min(options.jobs, kWarmUpJobs / options.threads + 1), folder,
+                warm_up);
     report.before = count_held();
     const auto started = std::chrono::steady_clock::now();
     run_threads(module, options.threads, options.jobs, folder, report);
@@ -123,7 +125,8 @@ bool succeeded(const InstantReport& report) noexcept {
     const size_t most_lock_events = report.before.lock_events + kLocks + report.jobs / 10;
     const bool nothing_leaks = report.after.handles <= report.before.handles &&
                                report.after.mappings <= report.before.mappings &&
-                               report.after.lock_events <= most_lock_events;
+                               report.after.lock_events <= most_lock_events &&
+                               report.after.private_kib <= report.before.private_kib + kMostGrowthKib;
     return report.jobs != 0 && report.right == report.jobs && report.before.handles != 0 && nothing_leaks;
 }
 
@@ -131,9 +134,10 @@ std::vector<std::wstring> report_lines(const InstantReport& report) {
     std::vector<std::wstring> lines = report.wrong;
     lines.push_back(qk::format(
         L"%llu right records of %llu; handles %llu before, %llu after; mappings %llu before, "
-        L"%llu after; events of locks %llu before, %llu after; %.0f ms",
+        L"%llu after; events of locks %llu before, %llu after; private KiB %llu before, %llu after; %.0f ms",
         report.right, report.jobs, report.before.handles, report.after.handles, report.before.mappings,
-        report.after.mappings, report.before.lock_events, report.after.lock_events, report.milliseconds));
+        report.after.mappings, report.before.lock_events, report.after.lock_events, report.before.private_kib,
+        report.after.private_kib, report.milliseconds));
     return lines;
 }
 
@@ -151,6 +155,8 @@ std::string report_json(const InstantReport& report) {
     add("lock_events_after", static_cast<double>(report.after.lock_events));
     add("mappings_before", static_cast<double>(report.before.mappings));
     add("mappings_after", static_cast<double>(report.after.mappings));
+    add("private_kib_before", static_cast<double>(report.before.private_kib));
+    add("private_kib_after", static_cast<double>(report.after.private_kib));
     add("milliseconds", report.milliseconds);
     object["wrong"] = picojson::value(wrong);
     return picojson::value(object).serialize(true);
