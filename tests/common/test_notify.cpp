@@ -8,7 +8,6 @@
 #include <cstring>
 #include <cwchar>
 #include <memory>
-#include <random>
 #include <regex>
 
 #include "common/ErrorNotify.h"
@@ -16,7 +15,6 @@
 #include "common/teskel_custom_2021.h"
 #include "companions/thread.h"
 #include "support/child_process.h"
-#include "support/damage.h"
 #include "support/guarded_buffer.h"
 #include "support/installation.h"
 #include "support/profile_folder.h"
@@ -463,32 +461,6 @@ TEST(ColourProfile, DescriptionIsReadFromTheProfile) {
     for (const auto& row : rows)
         EXPECT_EQ(description_of(row.bytes), row.wanted) << row.label;
     EXPECT_EQ(icc::find_description(std::span<const std::byte>()), std::nullopt);
-}
-
-// Whatever the bytes say, nothing outside them is read. The header's reader is the system's: it gets the
-// file.
-TEST(ColourProfile, TenThousandDamagedProfilesDoNoHarm) {
-    const std::string header = ProfileFolder::profile("CMYK", "prtr", "").substr(4, 124);
-    std::string good[] = {profile({{"desc", kPlain}, {"cprt", "x"}}), profile({{"desc", kLocalized}})};
-    for (std::string& bytes : good)
-        bytes.replace(0, 128, ProfileFolder::number(static_cast<uint32_t>(bytes.size())) + header);
-    const TempFolder folder;
-    const qk::DLL kept(LoadLibraryW(L"mscms.dll"));  // not loaded anew for each file
-    std::mt19937 engine(7);
-    size_t described = 0;
-    size_t opened = 0;
-    const ULONGLONG start = GetTickCount64();
-    for (int round = 0; round < 10'000; ++round) {
-        const std::string bytes = damaged(good[round % 2], engine, std::endian::big);
-        const auto text = description_of(bytes);
-        EXPECT_LE(text.value_or(L"").size(), 260u);
-        described += text.has_value();
-        opened += icc::read_profile(folder.write(L"p.icc", bytes)).has_value();
-    }
-    const ULONGLONG spent = GetTickCount64() - start;
-    std::printf("10000 damaged profiles: %llu ms, %zu described, %zu opened\n", spent, described, opened);
-    EXPECT_LT(spent, 120'000u);
-    EXPECT_TRUE(described > 1000 && described < 9000 && opened > 500) << "the damage is neither none nor all";
 }
 
 TEST(ColourProfile, FileIsLookedForInTheMachinesFolder) {

@@ -8,7 +8,6 @@
 
 #include "common/module.h"
 #include "job/document_event.h"
-#include "support/failing_memory.h"
 #include "support/guarded_buffer.h"
 #include "support/trace_capture.h"
 
@@ -249,51 +248,4 @@ TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
             EXPECT_FALSE(is_listed());
         }
     }
-}
-
-TEST_F(JobTest, NothingOfAJobStaysWhicheverAllocationFails) {
-    const std::string program = qk::to_utf8(here.folder.write(L"app.exe", "x"));
-    here.write_external_calls("[DocEnd]\r\nApp=" + program + "\r\n[Output]\r\nOutputFolder=C:\\start\\\r\n");
-    here.set_number(HKEY_LOCAL_MACHINE, L"\\Notification", L"Error", 15);
-    script->expects_start_folder = true;
-    use_settings();
-    const auto is_listed = [this] {
-        const OtherSide<pd_tk::TKFileNames> list(pd_tk::file_list_name());
-        return list && std::ranges::any_of(list->names, [&](const wchar_t* name) { return path == name; });
-    };
-    size_t refused = 0;
-    bool failed = true;
-    for (size_t good_ones = 0; failed; ++good_ones) {
-        Left left = {};
-        {
-            const FailingMemory memory(good_ones);
-            left = start_job(L"A document's name");
-            failed = memory.failed();
-        }
-        if (left.result == DOCUMENTEVENT_FAILURE) {
-            ++refused;
-            EXPECT_FALSE(has_state() || is_listed()) << good_ones;
-        }
-        end_job();
-    }
-    EXPECT_GT(refused, 100u);
-    script->misuse[0] = '\0';  // a printer whose name there was no memory for
-
-    failed = true;
-    size_t ended = 0;
-    for (size_t good_ones = 0; failed; ++good_ones) {
-        ASSERT_EQ(start_job(L"A document's name"), kGood);
-        ResultRecord(block_name(kResultBlockName))->error_code = 1;
-        ResultRecord(block_name(kResultBlockName))->win32_error = 5;
-        Left left = {};
-        {
-            const FailingMemory memory(good_ones);
-            left = end_job();
-            failed = memory.failed();
-        }
-        ended += failed;
-        EXPECT_EQ(left, (Left{DOCUMENTEVENT_SUCCESS, 5})) << good_ones;
-        EXPECT_FALSE(has_state() || is_listed()) << good_ones;
-    }
-    EXPECT_GT(ended, 10u);
 }

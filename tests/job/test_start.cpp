@@ -313,19 +313,6 @@ TEST_F(JobTest, BlocksWithoutMemoryBehindThemCountAsAbsent) {
     }
 }
 
-TEST_F(JobTest, WithoutViewsTheJobDoesNotStart) {
-    const ImportPatch no_view("MapViewOfFile",
-                              reinterpret_cast<void*>(+[](HANDLE, DWORD, DWORD, DWORD, SIZE_T) -> void* {
-                                  SetLastError(ERROR_ACCESS_DENIED);
-                                  return nullptr;
-                              }));
-    const TraceCapture trace;
-    EXPECT_EQ(start_job(L"x"), (Left{DOCUMENTEVENT_FAILURE, ERROR_OUTOFMEMORY}));
-    EXPECT_TRUE(trace.holds(L"Error@qk::MMF MapViewOfFile:gle=5"));
-    EXPECT_FALSE(has_state());
-    EXPECT_EQ(end_job(), kGood);
-}
-
 TEST_F(JobTest, LiesOfTheDialogLibraryAreReadAsFarAsTheyAreTrue) {
     static const GuardedBuffer four_units(8, L"abcd");
     struct {

@@ -1,0 +1,383 @@
+// One call fails: each function that the built module imports and that can fail, once at each of its calls. A
+// refused job says why, nothing leaks, and the next time all is as it was.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <commctrl.h>
+#include <prsht.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <random>
+#include <set>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "UI_dll/ddi.h"
+#include "common/module.h"
+#include "common/rwPDFSet_functions.h"
+#include "common/teskel_custom_2021.h"
+#include "job/job_fixture.h"
+#include "lib/devmode.h"
+#include "resources/ids.h"
+#include "support/handle_count.h"
+#include "support/module_calls.h"
+
+namespace {
+
+template <class T>
+std::string bytes_of(const T& value) {
+    return {reinterpret_cast<const char*>(&value), sizeof value};
+}
+std::string text(const std::wstring& wide) {
+    return '"' + qk::to_utf8(wide) + "\" ";
+}
+
+class Faults : public JobTest {
+public:
+    Faults() {
+        SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* fault) -> LONG {
+            std::printf("exception %08lX, module at %p: %p", fault->ExceptionRecord->ExceptionCode,
+                        static_cast<void*>(GetModuleHandleW(L"ZR_UI80.dll")),
+                        fault->ExceptionRecord->ExceptionAddress);
+            end_all(0);
+            return EXCEPTION_EXECUTE_HANDLER;
+        });
+        std::signal(SIGABRT, &end_all);
+        here.set_number(HKEY_LOCAL_MACHINE, L"\\Notification", L"Error", 15);
+        here.write_ini("PrintID=7\r\n");
+    }
+    ~Faults() override {
+        SetUnhandledExceptionFilter(nullptr);
+        std::signal(SIGABRT, SIG_DFL);
+        script->misuse[0] = '\0';  // a printer whose name could not be had
+    }
+
+protected:
+    using Scene = std::function<std::string()>;  // plays; what it has brought about
+
+    // Plays a scene again and again, each time with one call failing, the first `most` of those from one
+    // place. In a random order, and for a minute only unless ZR_FAULTS is set.
+    void fail_each_call(const char* name, const Scene& scene, unsigned most = 1000) {
+        ASSERT_TRUE(module);
+        ModuleCalls calls(module.get());
+        EXPECT_EQ(calls.unknown(), std::vector<std::string>()) << "can they fail?";
+        const auto state = [&] {
+            const std::string left = scene();  // then what is held
+            return left + holdings(calls);
+        };
+        for (int i = 0; i < 3; ++i)
+            scene();  // what is made once
+        calls.note();
+        scene();
+        calls.stop();
+        std::string before = state();
+        std::vector<ModuleCalls::Place> places = calls.places();
+        const auto seed = static_cast<unsigned>(GetTickCount64());
+        std::ranges::shuffle(places, std::mt19937(seed));
+        std::set<size_t> functions;
+        size_t failures = 0, tried = 0, done = 0;
+        const auto fail_at = [&](const ModuleCalls::Place& place) {
+            for (unsigned nth = 1; nth <= std::min(place.calls, most); ++nth, ++tried) {
+                failing = "call " + std::to_string(nth) + " of " + calls.describe(place);
+                calls.fail(place, nth);
+                scene();
+                failures += calls.stop();
+            }
+        };
+        // The system keeps some things from their first use on: only what differs again counts.
+        const auto find_culprit = [&](const ModuleCalls::Place& place) {
+            for (const bool again : {false, true}) {
+                fail_at(place);
+                const std::string now = state();
+                EXPECT_TRUE(!again || now == before) << failing << "\nleft " << now << "\nnot  " << before;
+                before = now;
+            }
+        };
+        const ULONGLONG end =
+            GetEnvironmentVariableW(L"ZR_FAULTS", nullptr, 0) ? ULLONG_MAX : GetTickCount64() + 60'000;
+        for (size_t checked = 0; done < places.size() && GetTickCount64() < end;) {
+            functions.insert(places[done].function);
+            fail_at(places[done++]);
+            if (done - checked < 20 && done < places.size())
+                continue;
+            if (const std::string now = state(); now != before)
+                for (before = now; checked < done; ++checked)
+                    find_culprit(places[checked]);
+            checked = done;
+        }
+        EXPECT_GE(failures * 10, tried * 9) << "the scene is not what it was when its calls were noted";
+        std::printf("%s: %zu functions, %zu of %zu places, %zu failures, seed %u\n", name, functions.size(),
+                    done, places.size(), failures, seed);
+    }
+
+    // What no failing call excuses.
+    static void expect(bool fulfilled, const char* what) {
+        EXPECT_TRUE(fulfilled) << what << " after the failure of " << failing;
+    }
+
+    template <class Function>
+    [[nodiscard]] Function* entry(const char* name) const {
+        return qk::find_export<Function>(module.get(), name);
+    }
+
+    qk::DLL module{LoadLibraryW(Installation::built(L"ZR_UI80.dll").c_str())};
+    wchar_t* const printer_name = here.printer.name.data();
+
+private:
+    static void end_all(int) {
+        std::printf(": the end after the failure of %s\n", failing.c_str());
+        std::fflush(stdout);
+        TerminateProcess(GetCurrentProcess(), 1);
+    }
+
+    // What the process and the installation hold.
+    [[nodiscard]] std::string holdings(const ModuleCalls& calls) const {
+        int windows = 0, objects = 0;
+        EnumThreadWindows(
+            GetCurrentThreadId(), [](HWND, LPARAM count) { return ++*reinterpret_cast<int*>(count), TRUE; },
+            reinterpret_cast<LPARAM>(&windows));
+        for (uintptr_t number = 0; number < 0x4000;
+             ++number)  // where the system looks at no more of a handle
+            objects += GetObjectType(reinterpret_cast<HGDIOBJ>(number)) != 0;
+        std::ostringstream all;
+        all << "\n"
+            << handle_count() << " handles " << view_count() << " views " << windows << " windows " << objects
+            << " GDI objects " << calls.blocks() << " blocks "
+            << std::distance(std::filesystem::recursive_directory_iterator(here.folder.path()), {})
+            << " files";
+        return all.str();
+    }
+
+    static inline std::string failing;
+};
+
+TEST_F(Faults, OfAJob) {
+    const std::string program = qk::to_utf8(here.folder.write(L"app.exe", "x"));
+    here.write_external_calls("[DocEnd]\r\nApp=" + program + "\r\n[Output]\r\nOutputFolder=C:\\start\\\r\n");
+    script->expects_start_folder = true;
+    use_settings();
+    auto* const event = entry<decltype(DrvDocumentEvent)>("DrvDocumentEvent");
+    const auto send = [&](int number, void* in = nullptr, ULONG size = 0) {
+        SetLastError(ERROR_SUCCESS);
+        const int answer = event(FakePrinter::handle(), nullptr, number, size, in, 0, nullptr);
+        return Left{answer, GetLastError()};
+    };
+    const auto is_clean = [] {
+        const OtherSide<pd_tk::TKFileNames> list(pd_tk::file_list_name());
+        return !start_record_bytes() && !ResultRecord(block_name(kResultBlockName)) &&
+               (!list || !*list->names[0]);
+    };
+    fail_each_call("job", [&] {
+        const std::wstring log = here.folder.file(L"Dunmere\\Vantrix2\\Error_7.log");
+        for (const std::wstring& old : {log, here.folder.file(L"Dunmere\\Vantrix2\\Error_0.log")})
+            DeleteFileW(old.c_str());  // the second when the ini file could not be read
+        Outbox::boxes.clear(), Outbox::events.clear(), Outbox::posted.clear();
+        const auto told = [&] {
+            return !Outbox::boxes.empty() || !Outbox::events.empty() || qk::is_file(log);
+        };
+        DOCINFOW info = {.cbSize = sizeof info, .lpszDocName = L"A document's name"};
+        const Left start = send(DOCUMENTEVENT_STARTDOCPRE, &info, sizeof info);
+        std::string left = testing::PrintToString(start);
+        const bool started = start.result == DOCUMENTEVENT_SUCCESS;
+        expect(started || ((start.error != 0 || told()) && is_clean()),
+               "refused without a word, or not whole");
+        if (const StartRecord record(block_name(kStartBlockName)); record)
+            left += text(record->title) + text(record->output_path) + (record->external_record ? "+" : "-");
+        bool has_result = false;
+        if (const ResultRecord record(block_name(kResultBlockName)); record) {
+            record->error_code = 1, record->win32_error = 5, record->message.set_in_place(L"failed");
+            has_result = true;
+        }
+        const Left end = send(DOCUMENTEVENT_ENDDOCPOST);
+        expect(end == Left{DOCUMENTEVENT_SUCCESS, has_result ? 5u : 0u}, "the end is not the record's");
+        expect(is_clean(), "something of the job stays");
+        for (const Outbox::Box& box : Outbox::boxes)
+            left += text(box.caption) + text(box.text);
+        return left + std::to_string(Outbox::events.size()) + std::to_string(Outbox::posted.size()) +
+               (qk::is_file(log) ? "logged" : "");
+    });
+}
+
+TEST_F(Faults, OfQueries) {
+    auto* const ask = entry<decltype(DrvDeviceCapabilities)>("DrvDeviceCapabilities");
+    auto* const merge = entry<decltype(DrvDocumentProperties)>("DrvDocumentProperties");
+    auto* const convert = entry<decltype(DrvConvertDevMode)>("DrvConvertDevMode");
+    fail_each_call("queries", [&] {
+        std::ostringstream left;
+        for (WORD index = 0; index <= 34; ++index) {
+            std::string buffer(1 << 14, '\0');
+            left << ask(FakePrinter::handle(), printer_name, index, nullptr, nullptr) << ' '
+                 << ask(FakePrinter::handle(), printer_name, index, buffer.data(), nullptr) << ' '
+                 << std::hash<std::string>()(buffer) << ' ';
+        }
+        DriverDevmode in = default_devmode(), out = {};
+        in.dm.dmFields = DM_SCALE | DM_PAPERSIZE | DM_COPIES | DM_ORIENTATION;
+        in.dm.dmScale = 50;
+        left << merge(nullptr, FakePrinter::handle(), printer_name, &out.dm, &in.dm, DM_COPY | DM_MODIFY)
+             << std::hash<std::string>()(bytes_of(out));
+        DWORD size = sizeof out;
+        left << convert(printer_name, nullptr, &out.dm, &size, kDriverDefault);
+        return left.str();
+    });
+}
+
+TEST_F(Faults, OfLoading) {
+    auto* const main = entry<BOOL WINAPI(HINSTANCE, DWORD, void*)>("DllMain");
+    const auto tell = [&](DWORD reason) {
+        return main(reinterpret_cast<HINSTANCE>(module.get()), reason, nullptr);
+    };
+    fail_each_call("loading", [&] {
+        expect(tell(DLL_PROCESS_DETACH), "not detached");
+        return std::to_string(tell(DLL_PROCESS_ATTACH));
+    });
+}
+
+// --- Sheets ---
+
+class SheetFaults : public Faults {
+protected:
+    SheetFaults() {
+        info.pfnComPropSheet = [](HANDLE, UINT function, LPARAM what, LPARAM) -> LONG_PTR {
+            if (function == CPSFUNC_ADD_PROPSHEETPAGEW)
+                added = *reinterpret_cast<const PROPSHEETPAGEW*>(what);
+            return 77;
+        };
+        info.lParamInit = reinterpret_cast<LPARAM>(&header);
+        save(here.folder.file(L"Settings\\standard.ps4"), L"Standard");
+    }
+
+    static void save(const std::wstring& path, const wchar_t* name) {
+        Settings setting;
+        setting->PSName = name;
+        EXPECT_TRUE(setting.Save(path));
+    }
+    std::string send(PFNPROPSHEETUI sheet, PROPSHEETUI_INFO& to, WORD reason,
+                     const void* parameter = nullptr) const {
+        to.Reason = reason;
+        return std::to_string(sheet(&to, reinterpret_cast<LPARAM>(parameter))) + " ";
+    }
+    // A sheet from INIT to DESTROY, with what is done in between.
+    std::string with_sheet(const Scene& act) {
+        info.UserData = 0;
+        added = {};
+        std::string left = send(sheets, info, PROPSHEETUI_REASON_INIT);
+        left += act();
+        send(sheets, info, PROPSHEETUI_REASON_DESTROY);
+        return left;
+    }
+    // The list page as a sheet makes it, of two settings; `act` gets it with the first one selected.
+    std::string with_list(const std::function<void(HWND page)>& act) {
+        for (const auto& file : std::filesystem::directory_iterator(own_folder))
+            DeleteFileW(file.path().c_str());
+        for (const wchar_t* name : {L"alpha", L"beta"})
+            save(own_folder + name + L".ps4", name);
+        Outbox::boxes.clear();
+        Outbox::answer = IDYES;
+        return with_sheet([&] {
+            const HWND parent = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 600, 500, nullptr, nullptr,
+                                                nullptr, nullptr);
+            const HWND page = CreateDialogParamW(added.hInstance, added.pszTemplate, parent, added.pfnDlgProc,
+                                                 reinterpret_cast<LPARAM>(&added));
+            const HWND list = GetDlgItem(page, IDC_SETTINGS_LIST);
+            ListView_SetItemState(list, 0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+            if (page)
+                act(page);
+            std::string left;
+            for (int row = 0; row < ListView_GetItemCount(list); ++row) {
+                wchar_t name[200];
+                ListView_GetItemText(list, row, 0, name, 200);
+                left += text(name);
+            }
+            DestroyWindow(parent);
+            for (const auto& file : std::filesystem::directory_iterator(own_folder)) {
+                const std::string bytes = TempFolder::read(file.path());
+                Settings setting;
+                expect(bytes.size() > 3 && setting.LoadPS4(bytes.substr(3), false) == 0, "a file is torn");
+                left += text(file.path().filename()) + text(setting->PSName);
+            }
+            return left;
+        });
+    }
+    static void press(HWND page, int button) { SendMessageW(GetDlgItem(page, button), BM_CLICK, 0, 0); }
+
+    static inline PROPSHEETPAGEW added;  // the list page
+    DriverDevmode output = {};
+    DocumentPropertyHeader header = {.cbSize = sizeof header,
+                                     .hPrinter = FakePrinter::handle(),
+                                     .pszPrinterName = printer_name,
+                                     .pdmOut = &output.dm,
+                                     .fMode = DM_COPY | DM_PROMPT};
+    PROPSHEETUI_INFO info = {.cbSize = sizeof info, .Version = PROPSHEETUI_INFO_VERSION};
+    PFNPROPSHEETUI sheets = entry<LONG APIENTRY(PROPSHEETUI_INFO*, LPARAM)>("DrvDocumentPropertySheets");
+    std::wstring own_folder = GetAppDataPath(true);
+};
+
+TEST_F(SheetFaults, OfASheet) {
+    auto* const device_sheets = entry<LONG APIENTRY(PROPSHEETUI_INFO*, LPARAM)>("DrvDevicePropertySheets");
+    fail_each_call("sheet", [&] {
+        output = {};
+        return with_sheet([&] {
+            PROPSHEETUI_INFO_HEADER shown = {};
+            std::string left = send(sheets, info, PROPSHEETUI_REASON_GET_INFO_HEADER, &shown);
+            DevicePropertyHeader device = {.cbSize = sizeof device, .hPrinter = FakePrinter::handle()};
+            PROPSHEETUI_INFO inner = info;  // the printer's own, opened from the first
+            inner.lParamInit = reinterpret_cast<LPARAM>(&device);
+            inner.UserData = 0;
+            left += send(device_sheets, inner, PROPSHEETUI_REASON_INIT);
+            left += send(device_sheets, inner, PROPSHEETUI_REASON_DESTROY);
+            const SETRESULT_INFO set = {sizeof set, 0, reinterpret_cast<HANDLE>(INT_PTR{77}), CPSUI_OK};
+            left += send(sheets, info, PROPSHEETUI_REASON_SET_RESULT, &set);
+            return left + (shown.pTitle ? text(shown.pTitle) : "") + bytes_of(output);
+        });
+    });
+}
+
+TEST_F(SheetFaults, OfTheListPage) {
+    fail_each_call(
+        "list page",
+        [&] {
+            return with_list([](HWND page) {
+                press(page, IDC_SETTINGS_DELETE);
+                const PSHNOTIFY apply = {{GetParent(page), 0, static_cast<UINT>(PSN_APPLY)}, TRUE};
+                SendMessageW(page, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&apply));
+            });
+        },
+        2);
+}
+
+// Another name and OK for an edit sheet as it opens; where that does not end it, it is cancelled.
+void CALLBACK drive_edit_sheet(HWND, UINT, UINT_PTR, DWORD) {
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM) -> BOOL {
+            static HWND named;
+            static int ticks;
+            const auto page = reinterpret_cast<HWND>(SendMessageW(window, PSM_GETCURRENTPAGEHWND, 0, 0));
+            if (!page)
+                return TRUE;
+            ticks = window == std::exchange(named, window) ? ticks + 1 : 0;
+            if (ticks == 0)
+                SetDlgItemTextW(page, IDC_NAME, L"gamma");
+            if (ticks == 0 || ticks > 2)
+                PostMessageW(window, PSM_PRESSBUTTON, ticks == 0 ? PSBTN_OK : PSBTN_CANCEL, 0);
+            return FALSE;
+        },
+        0);
+}
+
+TEST_F(SheetFaults, OfSavingInTheEditSheet) {
+    const UINT_PTR timer = SetTimer(nullptr, 0, 10, &drive_edit_sheet);
+    fail_each_call(
+        "edit sheet", [&] { return with_list([](HWND page) { press(page, IDC_SETTINGS_EDIT); }); }, 1);
+    KillTimer(nullptr, timer);
+}
+
+}  // namespace

@@ -1,0 +1,271 @@
+#include "support/module_calls.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <sstream>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+ModuleCalls* current = nullptr;
+
+// What a call returns when it fails, and its last error (0: it has none).
+struct Failure {
+    intptr_t result;
+    DWORD error;
+    std::string_view functions;  // between blanks
+};
+constexpr Failure kFailures[] = {
+    {0, ERROR_NOT_ENOUGH_MEMORY,
+     " malloc calloc realloc _strdup HeapAlloc CreateFileMappingW MapViewOfFile OpenFileMappingW"
+     " ActivateActCtx CreateCompatibleBitmap CreateCompatibleDC CreateFontIndirectW CreatePen "
+     "CreateSolidBrush"
+     " EnumFontFamiliesExW GdiAlphaBlend GetDC GetTextExtentPoint32W ImageList_Create InitCommonControlsEx"
+     " LoadIconW LoadImageW LoadStringW SetPropW SetTimer SetWindowTextW SetDlgItemTextW SetWindowPos"
+     " FormatMessageA FormatMessageW RegisterEventSourceW ReportEventW MessageBoxW"
+     " RegisterWindowMessageW CreateEventA CreateSemaphoreA CreateThread _beginthreadex "},
+    {0, ERROR_ACCESS_DENIED,
+     " CopyFileW CreateDirectoryW CreateMutexW OpenMutexW DeleteFileW RemoveDirectoryW FindNextFileW"
+     " FlushFileBuffers GetFileInformationByHandle GetFileSizeEx GetFileType GetFinalPathNameByHandleW"
+     " GetHandleInformation GetKernelObjectSecurity SetKernelObjectSecurity GetSecurityDescriptorSacl"
+     " ConvertStringSecurityDescriptorToSecurityDescriptorW InitializeSecurityDescriptor"
+     " SetSecurityDescriptorDacl SetSecurityDescriptorSacl OpenProcess OpenThreadToken GetUserNameW"
+     " ReadFile WriteFile SetEndOfFile SetFileInformationByHandle SetFilePointerEx GetTempPathW PostMessageW"
+     " SHGetSpecialFolderPathW GetPrinterW OpenPrinterW EnumFormsW DeleteFormW GetPrinterDriverDirectoryW"
+     " VirtualProtect GetDriveTypeW _wfopen "},
+    {0, ERROR_MOD_NOT_FOUND,
+     " LoadLibraryExW LoadLibraryW GetModuleFileNameW GetModuleHandleExW GetModuleHandleW GetProcAddress"
+     " FindResourceW "},
+    {0, ERROR_INVALID_PARAMETER, " GetPrivateProfileStringW GetPrivateProfileIntW GetUserDefaultUILanguage "},
+    {-1, ERROR_ACCESS_DENIED,
+     " CreateFileW FindFirstFileExW FindFirstFileW CreateActCtxW GetFileSize GetFileAttributesW"
+     " WaitForSingleObject WaitForMultipleObjects PropertySheetW DialogBoxParamW ImageList_ReplaceIcon"
+     " FindNLSStringEx GetFontData TlsAlloc "},
+    {ERROR_ACCESS_DENIED, 0,
+     " RegCreateKeyExW RegDeleteValueW RegOpenCurrentUser RegOpenKeyExW RegQueryValueExW RegSetValueExW"
+     " GetPrinterDataW SetPrinterDataW "},
+    {static_cast<intptr_t>(0x80004005), 0, " SHGetFolderPathW SHGetKnownFolderPath "},
+};
+
+// What does not fail when it is given what is sound: what compares and converts texts, asks the system or a
+// window that stands, draws into a context that is there, or waits; what gives something back, whose failure
+// would be a leak by nature; and the run-time library's own.
+constexpr std::string_view kNeverFail =
+    " BitBlt CallWindowProcW CheckDlgButton DefWindowProcW DispatchMessageW EnableWindow EndDialog FillRect"
+    " FindWindowExW FrameRect GetClassNameW GetClientRect GetDeviceCaps GetDlgItem GetFocus GetMessageW "
+    "GetParent"
+    " GetPropW GetWindowTextW CharLowerBuffW CompareStringOrdinal CompareStringW MultiByteToWideChar"
+    " WideCharToMultiByte GetStockObject GetSysColorBrush GetSystemMetrics GetWindow GetWindowLongPtrW "
+    "GetWindowRect"
+    " GetWindowTextLengthW IntersectClipRect IntersectRect InvalidateRect IsDlgButtonChecked IsWindow LineTo"
+    " MapWindowPoints MessageBeep MoveToEx MulDiv OffsetRect PeekMessageW PostThreadMessageW Rectangle "
+    "RestoreDC"
+    " SaveDC SelectObject SendDlgItemMessageW SendMessageW SetBkMode SetFocus SetTextAlign SetTextColor"
+    " SetWindowLongPtrW ShowWindow TextOutW"
+    " GetCurrentProcess GetCurrentProcessId GetCurrentThread GetCurrentThreadId GetLastError GetLocalTime"
+    " GetProcessHeap GetSystemInfo GetSystemTimeAsFileTime GetTickCount64 OutputDebugStringA "
+    "OutputDebugStringW"
+    " SetLastError Sleep VirtualQuery"
+    " CloseHandle ClosePrinter DeactivateActCtx DeleteDC DeleteObject DeregisterEventSource DestroyIcon "
+    "FindClose"
+    " FreeLibrary HeapFree ImageList_Destroy KillTimer LocalFree RegCloseKey ReleaseActCtx ReleaseDC "
+    "ReleaseMutex"
+    " RemovePropW UnmapViewOfFile"
+    " AcquireSRWLockExclusive AddVectoredExceptionHandler DeleteCriticalSection DuplicateHandle"
+    " EnterCriticalSection GetProcessAffinityMask GetThreadContext GetThreadPriority "
+    "InitializeCriticalSection"
+    " IsDBCSLeadByteEx IsDebuggerPresent LeaveCriticalSection RaiseException ReleaseSRWLockExclusive"
+    " ReleaseSemaphore RemoveVectoredExceptionHandler ResetEvent ResumeThread RtlCaptureContext"
+    " RtlLookupFunctionEntry RtlUnwindEx RtlVirtualUnwind SetEvent SetProcessAffinityMask SetThreadContext"
+    " SetThreadPriority SuspendThread TlsGetValue TlsSetValue TryAcquireSRWLockExclusive "
+    "TryEnterCriticalSection"
+    " __C_specific_handler ___lc_codepage_func ___mb_cur_max_func __iob_func __setusermatherr _amsg_exit "
+    "_close"
+    " _endthreadex _errno _initterm _lock _read _setjmp _ultoa _unlock _vscwprintf _vsnwprintf abort exit "
+    "fclose"
+    " fflush fprintf fputc fputs fputwc free fwprintf fwrite iswspace iswxdigit localeconv longjmp memchr "
+    "memcmp"
+    " memcpy memmove memset printf signal strcmp strerror strlen strncmp strrchr vfprintf wcslen wcstoul ";
+
+bool lists(std::string_view names, const char* name) {
+    return names.find(' ' + std::string(name) + ' ') != std::string_view::npos;
+}
+
+// What a function does to the count of blocks: gives one ('+', 'r': unless it has one already) or takes one.
+char block_kind(const char* name) {
+    constexpr std::pair<std::string_view, char> kKinds[] = {
+        {" malloc calloc _strdup HeapAlloc ", '+'}, {" realloc ", 'r'}, {" free ", 'f'}, {" HeapFree ", 'h'}};
+    const auto kind = std::ranges::find_if(kKinds, [&](const auto& row) { return lists(row.first, name); });
+    return kind != std::end(kKinds) ? kind->second : 0;
+}
+
+constexpr size_t kGateBytes = 24;
+
+}  // namespace
+
+extern "C" {
+
+void* zr_decide(unsigned function, const uintptr_t* arguments) {
+    return current->decide(function, arguments);
+}
+
+// Stands in for the call that fails: whatever its arguments are, the caller removes them.
+static intptr_t zr_fail_now() {
+    return current->fail_now();
+}
+
+void zr_call_gate();
+}
+
+// Every replaced function comes here with its number in r11: the arguments stay as they are, and the jump
+// leaves the stack as the caller made it.
+asm(R"(
+    .text
+    .globl zr_call_gate
+    .seh_proc zr_call_gate
+zr_call_gate:
+    subq $0x98, %rsp
+    .seh_stackalloc 0x98
+    .seh_endprologue
+    movq %rcx, 0xA0(%rsp)
+    movq %rdx, 0xA8(%rsp)
+    movq %r8, 0xB0(%rsp)
+    movq %r9, 0xB8(%rsp)
+    movups %xmm0, 0x20(%rsp)
+    movups %xmm1, 0x30(%rsp)
+    movups %xmm2, 0x40(%rsp)
+    movups %xmm3, 0x50(%rsp)
+    movl %r11d, %ecx
+    leaq 0xA0(%rsp), %rdx
+    call zr_decide
+    movups 0x20(%rsp), %xmm0
+    movups 0x30(%rsp), %xmm1
+    movups 0x40(%rsp), %xmm2
+    movups 0x50(%rsp), %xmm3
+    movq 0xA0(%rsp), %rcx
+    movq 0xA8(%rsp), %rdx
+    movq 0xB0(%rsp), %r8
+    movq 0xB8(%rsp), %r9
+    addq $0x98, %rsp
+    jmp *%rax
+    .seh_endproc
+)");
+
+ModuleCalls::ModuleCalls(HMODULE module) : module_(module) {
+    auto* base = reinterpret_cast<BYTE*>(module);
+    module_bytes_ =
+        read_at<IMAGE_NT_HEADERS>(base + read_at<IMAGE_DOS_HEADER>(base).e_lfanew).OptionalHeader.SizeOfImage;
+    std::map<std::string_view, void*> here;  // what the test program has
+    for_each_import(GetModuleHandleW(nullptr), [&](const char* name, const BYTE* slot) {
+        here.emplace(name, read_at<void*>(slot));
+        return false;
+    });
+    for_each_import(module, [&](const char* name, BYTE* slot) {
+        const auto failure =
+            std::ranges::find_if(kFailures, [&](const Failure& row) { return lists(row.functions, name); });
+        const bool can_fail = failure != std::end(kFailures);
+        if (!can_fail && !lists(kNeverFail, name))
+            unknown_.emplace_back(name);
+        if (can_fail || block_kind(name)) {
+            void* const own = read_at<void*>(slot);
+            const auto replaced = here.find(name);
+            functions_.push_back({name, slot, own, replaced != here.end() ? replaced->second : own,
+                                  can_fail ? failure->result : 0, can_fail ? failure->error : 0, can_fail,
+                                  block_kind(name)});
+        }
+        return false;
+    });
+    gates_ = static_cast<BYTE*>(VirtualAlloc(nullptr, functions_.size() * kGateBytes,
+                                             MEM_COMMIT | MEM_RESERVE, PAGE_EXECUTE_READWRITE));
+    current = this;
+    for (size_t i = 0; i < functions_.size(); ++i) {
+        BYTE* const gate = gates_ + i * kGateBytes;
+        const auto target = reinterpret_cast<uintptr_t>(&zr_call_gate);
+        std::memcpy(gate, "\x41\xBB\0\0\0\0\x49\xBA\0\0\0\0\0\0\0\0\x41\xFF\xE2", 19);
+        std::memcpy(gate + 2, &i, 4);       // mov r11d, i
+        std::memcpy(gate + 8, &target, 8);  // mov r10, target; jmp r10
+        exchange_import(functions_[i].slot, gate);
+    }
+}
+
+ModuleCalls::~ModuleCalls() {
+    for (const Function& function : functions_)
+        exchange_import(function.slot, function.before);
+    current = nullptr;
+    VirtualFree(gates_, 0, MEM_RELEASE);
+}
+
+void ModuleCalls::note() {
+    noted_.clear();
+    calls_left_ = 0;
+    thread_ = GetCurrentThreadId();
+}
+
+void ModuleCalls::fail(const Place& place, unsigned nth) {
+    failing_ = place;
+    calls_left_ = nth;
+    failed_ = false;
+    thread_ = GetCurrentThreadId();
+}
+
+bool ModuleCalls::stop() {
+    thread_ = 0;
+    return std::exchange(failed_, false);
+}
+
+std::vector<ModuleCalls::Place> ModuleCalls::places() const {
+    std::vector<Place> all;
+    for (const auto& [key, place] : noted_)
+        all.push_back(place);
+    return all;
+}
+
+std::string ModuleCalls::describe(const Place& place) const {
+    std::ostringstream text;
+    text << functions_[place.function].name << std::hex;
+    for (const uintptr_t frame : place.frames)
+        text << ' ' << frame;
+    return text.str();
+}
+
+std::vector<uintptr_t> ModuleCalls::frames_here() const {
+    constexpr size_t kMostFrames = 12;
+    void* addresses[62];
+    const USHORT count = RtlCaptureStackBackTrace(0, DWORD{std::size(addresses)}, addresses, nullptr);
+    std::vector<uintptr_t> frames;
+    for (USHORT i = 0; i < count && frames.size() < kMostFrames; ++i)
+        if (const uintptr_t offset =
+                reinterpret_cast<uintptr_t>(addresses[i]) - reinterpret_cast<uintptr_t>(module_);
+            offset < module_bytes_)
+            frames.push_back(offset);
+    return frames;
+}
+
+void* ModuleCalls::decide(size_t index, const uintptr_t* arguments) {
+    const DWORD error = GetLastError();
+    const Function& function = functions_[index];
+    bool fails = false;
+    if (function.can_fail && GetCurrentThreadId() == thread_) {
+        if (calls_left_ == 0 && !failed_) {
+            auto frames = frames_here();
+            ++noted_.try_emplace({index, frames}, Place{index, frames}).first->second.calls;
+        } else if (index == failing_.function && !failed_ && frames_here() == failing_.frames) {
+            fails = failed_ = --calls_left_ == 0;
+        }
+    }
+    if (!fails) {
+        blocks_ += function.block == '+' || (function.block == 'r' && !arguments[0]);
+        blocks_ -= (function.block == 'f' && arguments[0]) || (function.block == 'h' && arguments[2]);
+    }
+    SetLastError(error);
+    return fails ? reinterpret_cast<void*>(&zr_fail_now) : function.target;
+}
+
+intptr_t ModuleCalls::fail_now() const {
+    const Function& function = functions_[failing_.function];
+    if (function.error)
+        SetLastError(function.error);
+    return function.result;
+}
