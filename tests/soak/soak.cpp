@@ -205,7 +205,7 @@ TEST_F(SoakList, DISABLED_ListOfAThousandSettings) {
             const HWND parent = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 600, 500, nullptr, nullptr,
                                                 nullptr, nullptr);
             const HWND page = CreateDialogParamW(plotui::resource_module(), MAKEINTRESOURCEW(IDD_SETTINGS),
-                                                 parent, &pdf_settings::settings_page_proc, 0);
+                                                 parent, &settings_page_proc, 0);
             scene.count(SendDlgItemMessageW(page, IDC_SETTINGS_LIST, LVM_GETITEMCOUNT, 0, 0) == 1000);
             DestroyWindow(parent);
         }
