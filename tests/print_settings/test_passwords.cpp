@@ -4,6 +4,7 @@
 #include <functional>
 #include <utility>
 
+#include "common/wipe.h"
 #include "companions/host/report_parts.h"
 #include "companions/host/setting_check.h"
 #include "print_settings/PSAdmin.h"
@@ -49,7 +50,11 @@ size_t count_in_memory() {
 ps::PrintSettings secret_setting() {
     ps::PrintSettings settings;
     settings.security()->MasterPassword = password<std::wstring>();
-    settings.security()->UserPassword = L"user's " + password<std::wstring>();
+    std::wstring text = password<std::wstring>();
+    const qk::WipedAtEnd wiped(text);
+    settings.security()->UserPassword.reserve(2 * text.size());
+    settings.security()->UserPassword = L"user's ";
+    settings.security()->UserPassword += text;
     return settings;
 }
 
