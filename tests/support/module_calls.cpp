@@ -25,7 +25,8 @@ constexpr Failure kFailures[] = {
      " EnumFontFamiliesExW GdiAlphaBlend GetDC GetTextExtentPoint32W ImageList_Create InitCommonControlsEx"
      " LoadIconW LoadImageW LoadStringW SetPropW SetTimer SetWindowTextW SetDlgItemTextW SetWindowPos"
      " FormatMessageA FormatMessageW RegisterEventSourceW ReportEventW MessageBoxW"
-     " RegisterWindowMessageW CreateEventA CreateSemaphoreA CreateThread _beginthreadex "},
+     " RegisterWindowMessageW CreateEventA CreateSemaphoreA CreateSemaphoreW CreateThread _beginthreadex"
+     " GetProcessWindowStation GetUserObjectInformationW SystemFunction036 "},
     {0, ERROR_ACCESS_DENIED,
      " CopyFileW CreateDirectoryW CreateMutexW OpenMutexW DeleteFileW RemoveDirectoryW FindNextFileW"
      " FlushFileBuffers GetFileInformationByHandle GetFileSizeEx GetFileType GetFinalPathNameByHandleW"
@@ -34,7 +35,7 @@ constexpr Failure kFailures[] = {
      " SetSecurityDescriptorDacl SetSecurityDescriptorSacl OpenProcess OpenThreadToken GetUserNameW"
      " ReadFile WriteFile SetEndOfFile SetFileInformationByHandle SetFilePointerEx GetTempPathW PostMessageW"
      " SHGetSpecialFolderPathW GetPrinterW OpenPrinterW EnumFormsW DeleteFormW GetPrinterDriverDirectoryW"
-     " VirtualProtect GetDriveTypeW _wfopen "},
+     " VirtualProtect GetDriveTypeW GetFullPathNameW GetSystemDirectoryW LockFileEx "},
     {0, ERROR_MOD_NOT_FOUND,
      " LoadLibraryExW LoadLibraryW GetModuleFileNameW GetModuleHandleExW GetModuleHandleW GetProcAddress"
      " FindResourceW "},
@@ -65,7 +66,7 @@ constexpr std::string_view kNeverFail =
     " SaveDC SelectObject SendDlgItemMessageW SendMessageW SetBkMode SetFocus SetTextAlign SetTextColor"
     " SetWindowLongPtrW ShowWindow TextOutW"
     " GetCurrentProcess GetCurrentProcessId GetCurrentThread GetCurrentThreadId GetLastError GetLocalTime"
-    " GetProcessHeap GetSystemInfo GetSystemTimeAsFileTime GetTickCount64 OutputDebugStringA "
+    " GetProcessHeap GetSystemInfo GetSystemTimeAsFileTime GetTickCount GetTickCount64 OutputDebugStringA "
     "OutputDebugStringW"
     " SetLastError Sleep VirtualQuery"
     " CloseHandle ClosePrinter DeactivateActCtx DeleteDC DeleteObject DeregisterEventSource DestroyIcon "
@@ -79,13 +80,15 @@ constexpr std::string_view kNeverFail =
     " IsDBCSLeadByteEx IsDebuggerPresent LeaveCriticalSection RaiseException ReleaseSRWLockExclusive"
     " ReleaseSemaphore RemoveVectoredExceptionHandler ResetEvent ResumeThread RtlCaptureContext"
     " RtlLookupFunctionEntry RtlUnwindEx RtlVirtualUnwind SetEvent SetProcessAffinityMask SetThreadContext"
-    " SetThreadPriority SuspendThread TlsGetValue TlsSetValue TryAcquireSRWLockExclusive "
+    " SetThreadPriority SuspendThread TlsFree TlsGetValue TlsSetValue UnlockFileEx "
+    "TryAcquireSRWLockExclusive "
     "TryEnterCriticalSection"
     " __C_specific_handler ___lc_codepage_func ___mb_cur_max_func __iob_func __setusermatherr _amsg_exit "
     "_close"
     " _endthreadex _errno _initterm _lock _read _setjmp _ultoa _unlock _vscwprintf _vsnwprintf abort exit "
     "fclose"
-    " fflush fprintf fputc fputs fputwc free fwprintf fwrite iswspace iswxdigit localeconv longjmp memchr "
+    " fflush fprintf fputc fputs fputwc free fwprintf fwrite iswctype iswspace iswxdigit localeconv longjmp "
+    "memchr "
     "memcmp"
     " memcpy memmove memset printf signal strcmp strerror strlen strncmp strrchr vfprintf wcslen wcstoul ";
 
