@@ -27,7 +27,6 @@
 #include "support/guarded_buffer.h"
 #include "support/handle_count.h"
 #include "support/installation.h"
-#include "support/module_sheets.h"
 #include "support/sheet_driver.h"
 
 namespace {
@@ -500,14 +499,42 @@ struct Remains {
 };
 
 TEST(Sheets, TwoHundredLeaveNothingBehind) {
-    ModuleSheets sheets;
+    const HMODULE module = LoadLibraryW(Installation::built(L"ZR_UI80.dll").c_str());
+    ASSERT_NE(module, nullptr);
+    auto* function = reinterpret_cast<PFNPROPSHEETUI>(
+        reinterpret_cast<void*>(GetProcAddress(module, "DrvDocumentPropertySheets")));
+    static int presses;
+    const auto open_and_close = [&](int button) {
+        DriverDevmode out = {};
+        DocumentPropertyHeader header = {.cbSize = sizeof header, .pdmOut = &out.dm, .fMode = DM_COPY};
+        static int pressed;
+        pressed = button;
+        const UINT_PTR timer = SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR, DWORD) {
+            EnumThreadWindows(
+                GetCurrentThreadId(),
+                [](HWND window, LPARAM) {
+                    if (SendMessageW(window, PSM_GETCURRENTPAGEHWND, 0, 0)) {
+                        ++presses;
+                        PostMessageW(window, PSM_PRESSBUTTON, static_cast<WPARAM>(pressed), 0);
+                    }
+                    return TRUE;
+                },
+                0);
+        });
+        DWORD result = 99;
+        EXPECT_GE(compstui::show_sheet(nullptr, function, reinterpret_cast<LPARAM>(&header), &result), 0);
+        KillTimer(nullptr, timer);
+        EXPECT_EQ(result, button == PSBTN_OK ? DWORD{CPSUI_OK} : DWORD{CPSUI_CANCEL});
+    };
     const auto open_many = [&](int count) {
         for (int i = 0; i < count; ++i)
-            EXPECT_TRUE(sheets.open_and_close(i % 2 ? PSBTN_OK : PSBTN_CANCEL));
+            open_and_close(i % 2 ? PSBTN_OK : PSBTN_CANCEL);
     };
     open_many(4);  // what the system keeps once
     const Remains before;
+    presses = 0;
     open_many(200);
+    EXPECT_GE(presses, 200);
     const Remains after;
     EXPECT_EQ(after.handles, before.handles);
     EXPECT_EQ(after.windows, before.windows);
