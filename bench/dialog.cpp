@@ -6,7 +6,6 @@
 #include <prsht.h>
 
 #include <array>
-#include <cstdint>
 #include <vector>
 
 #include "UI_dll/PDFSettings/dialog_state.h"
@@ -14,10 +13,10 @@
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/plotui.h"
 #include "bench/measure.h"
+#include "bench/objects.h"
 #include "common/text.h"
 #include "print_settings/PrintSettings.h"
 #include "print_settings/setting_file.h"
-#include "tests/support/handle_count.h"
 #include "tests/support/registry_override.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/user_registry.h"
@@ -115,6 +114,8 @@ void CALLBACK close_when_shown(HWND, UINT, UINT_PTR timer, DWORD) {
     EnumThreadWindows(GetCurrentThreadId(), &cancel_sheet, 0);
 }
 
+}  // namespace
+
 double open_and_close() {
     called_at = now_microseconds();
     shown_after = 0;
@@ -125,28 +126,7 @@ double open_and_close() {
     return shown_after;
 }
 
-struct Objects {
-    unsigned handles;
-    uintptr_t gdi, user;  // the highest of the lowest free ones
-};
-
-// The counters of the system are not kept by every Windows layer; its tables hand out the lowest free entry.
-Objects count_objects() {
-    Objects objects = {handle_count(), 0, 0};
-    std::array<HPEN, 64> pens;
-    std::array<HMENU, 64> menus;
-    for (size_t i = 0; i < pens.size(); ++i) {
-        pens[i] = CreatePen(PS_SOLID, 1, 0);
-        menus[i] = CreateMenu();
-        objects.gdi = std::max<uintptr_t>(objects.gdi, LOWORD(reinterpret_cast<uintptr_t>(pens[i])));
-        objects.user = std::max<uintptr_t>(objects.user, LOWORD(reinterpret_cast<uintptr_t>(menus[i])));
-    }
-    for (size_t i = 0; i < pens.size(); ++i) {
-        DeleteObject(pens[i]);  // lint: owner
-        DestroyMenu(menus[i]);
-    }
-    return objects;
-}
+namespace {
 
 bool time_sheet() {
     constexpr int kCycles = 100;
@@ -158,8 +138,7 @@ bool time_sheet() {
         if (const double took = open_and_close(); best == 0 || (took > 0 && took < best))
             best = took;
     const Objects after = count_objects();
-    const bool good = best > 0 && after.handles <= before.handles && after.gdi <= before.gdi + 8 &&
-                      after.user <= before.user + 8;
+    const bool good = best > 0 && !has_grown(before, after);
     std::printf("%-44s %12.3f us\n", "opening the edit sheet with its nine pages", best);
     std::printf("%-44s handles %u -> %u, GDI %llu -> %llu, USER %llu -> %llu %s\n",
                 "100 times opened and closed", before.handles, after.handles, before.gdi, after.gdi,

@@ -82,10 +82,10 @@ release_prefix() {
     exec 9>&-
 }
 
-# Configures and builds a preset; quiet but for its progress and its errors.
-build_preset() {  # build_preset release|test
+# Configures and builds a preset, or some targets of it; quiet but for its progress and its errors.
+build_preset() {  # build_preset release|test [TARGET...]
     cd "$root"
     [ -f "build/$1/build.ninja" ] || cmake --preset "$1" >"build/configure-$1.log" 2>&1 ||
         { cat "build/configure-$1.log" >&2; fail "cmake could not configure the $1 build"; }
-    cmake --build --preset "$1" || fail "the $1 build failed"
+    cmake --build --preset "$1" ${2:+--target "${@:2}"} || fail "the $1 build failed"
 }

@@ -1,0 +1,52 @@
+// The scenes of the soak: each is played over and over for a while and must leave the process as it was.
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <string>
+
+#include "tests/support/fake_printer.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/registry_override.h"
+#include "tests/support/temp_folder.h"
+#include "tests/support/user_registry.h"
+
+namespace bench {
+
+// A machine of the soak's own: its registry, a printer, the dialog library that answers at once. Programs
+// that the soak starts have one each, with the documents folder of the first.
+class World {
+public:
+    explicit World(const std::wstring& documents = {});
+    ~World();
+    World(const World&) = delete;
+    World& operator=(const World&) = delete;
+
+    MachineRegistry machine;
+    UserRegistry user;
+    TempFolder folder;
+    FakePrinter printer;
+    std::wstring documents_folder;  // where programs share files; the error log lies below it
+
+private:
+    ImportPatch post_;
+};
+
+// Ends the program: there is nothing to play with.
+[[noreturn]] void fail(const char* what);
+
+struct Played {
+    std::atomic<unsigned long long> done = 0;
+    std::atomic<unsigned long long> wrong = 0;
+};
+
+// Plays until GetTickCount64() reaches `end`, but once at least.
+using Scene = void(const World& world, ULONGLONG end, Played& played);
+Scene play_jobs, play_failing_jobs, play_sheets, play_list, play_savers, play_kills;
+
+// What a program of the soak's own does; its exit code, 1 when something was wrong.
+int save_and_load(const std::wstring& path, ULONGLONG milliseconds);
+int fail_jobs(const std::wstring& documents);
+
+}  // namespace bench

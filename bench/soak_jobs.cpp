@@ -1,0 +1,181 @@
+// Scenes of the soak that print: jobs of many threads, and jobs that fail in several programs at once.
+#include <windows.h>
+#include <winspool.h>
+#include <winddiui.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "UI_dll/ddi.h"
+#include "UI_dll/plotui.h"
+#include "bench/program.h"
+#include "bench/soak.h"
+#include "common/job_records.h"
+#include "common/paths.h"
+#include "common/resource_dll.h"
+#include "common/text.h"
+#include "print_settings/PrintSettings.h"
+#include "resources/ids.h"
+
+namespace bench {
+
+namespace {
+
+constexpr wchar_t kKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0";
+constexpr size_t kThreads = 16;
+constexpr size_t kFailingPrograms = 4, kFailingThreads = 8, kFailingJobs = 50;
+
+BOOL WINAPI post(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    static auto* const original =
+        qk::find_export<decltype(PostMessageW)>(GetModuleHandleW(L"user32.dll"), "PostMessageW");
+    return window == HWND_BROADCAST || original(window, message, wparam, lparam);
+}
+
+struct Left {
+    int result;
+    DWORD error;
+};
+
+Left send(int event, void* in = nullptr, ULONG size = 0) {
+    const int result = DrvDocumentEvent(FakePrinter::handle(), nullptr, event, size, in, 0, nullptr);
+    return {result, GetLastError()};
+}
+
+Left start(const std::wstring& title) {
+    DOCINFOW info = {.cbSize = sizeof info, .lpszDocName = title.c_str()};
+    return send(DOCUMENTEVENT_STARTDOCPRE, &info, sizeof info);
+}
+
+// The record of this thread's job, as another program sees it: false when there is none, else what `use`
+// says.
+template <class Record>
+bool with_record(const wchar_t* pattern, const std::function<bool(Record&)>& use) {
+    const std::wstring name = qk::format(pattern, static_cast<int>(GetCurrentThreadId()));
+    const qk::HandleObj block(OpenFileMappingW(FILE_MAP_WRITE, FALSE, name.c_str()));
+    const qk::View view(block ? MapViewOfFile(block.get(), FILE_MAP_WRITE, 0, 0, sizeof(Record)) : nullptr);
+    return view && use(*static_cast<Record*>(view.get()));
+}
+
+// Whether the records of a job are its own and its status comes back.
+bool is_right(const std::wstring& title, DWORD status) {
+    const bool started = start(title).result == DOCUMENTEVENT_SUCCESS;
+    const bool named =
+        with_record<ZRTKPrintStartInfoC>(kStartBlockName, [&](const ZRTKPrintStartInfoC& record) {
+            return title == record.title && record.output_path[0] != L'\0';
+        });
+    const bool filled = with_record<ZRTKPrintInfo>(kResultBlockName, [&](ZRTKPrintInfo& record) {
+        const bool empty = record.error_code == 0 && record.win32_error == 0;
+        record.win32_error = status;
+        return empty;
+    });
+    const auto [result, error] = send(DOCUMENTEVENT_ENDDOCPOST);
+    const bool gone = !with_record<ZRTKPrintStartInfoC>(kStartBlockName, [](const auto&) { return true; });
+    return started && named && filled && result == DOCUMENTEVENT_SUCCESS && error == status && gone;
+}
+
+void on_threads(size_t count, const std::function<void(size_t)>& work) {
+    std::vector<std::thread> threads;
+    for (size_t i = 0; i < count; ++i)
+        threads.emplace_back(work, i);
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+// How many of the records that the log has to hold are missing, or more than there should be: each is whole,
+// and there is nothing between them.
+size_t wrong_records(std::wstring_view log, size_t wanted) {
+    const std::wstring start = L"[0]\r\nPDFFileName=\r\nTime=",
+                       end = L"d\r\nErrorMessage=" + qk::load_string(IDS_JOB_FAILED) + L"\r\n";
+    constexpr size_t kTimeUnits = 19;  // but for its last one
+    const size_t units = start.size() + kTimeUnits + end.size();
+    size_t whole = 0;
+    for (size_t at = log.find(start); at != std::wstring_view::npos; at = log.find(start, at + 1))
+        whole += log.substr(at).size() >= units && log.substr(at + units - end.size()).starts_with(end);
+    const size_t least = log.size() == whole * units ? 0 : 1;
+    return std::max(least, std::max(whole, wanted) - std::min(whole, wanted));
+}
+
+}  // namespace
+
+World::World(const std::wstring& documents)
+    : documents_folder(documents.empty() ? folder.path() : documents),
+      post_("PostMessageW", reinterpret_cast<void*>(&post)) {
+    const std::wstring program = qk::module_path(nullptr);
+    const std::wstring here = program.substr(0, program.rfind(L'\\') + 1);
+    machine.set_text(kKey, L"PdfDllPath", here + L"..\\stage\\");
+    if (!plotui::attach_process(GetModuleHandleW(nullptr)))
+        fail("there is no language library in the built tree");
+    machine.set_text(kKey, L"PdfDllPath", here + L"bench_install\\");
+    machine.set_text(L"SOFTWARE\\Dunmere\\Common\\SpecialFolder", L"CSIDL_COMMON_DOCUMENTS",
+                     documents_folder + L"\\");
+    // The shell looks here for the user's folders and would try to make it in the replaced hive each time.
+    machine.set_text(L"Software\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList", L"ProfilesDirectory",
+                     L"C:\\users");
+    user.set_text(std::wstring(kKey) + L"\\Debug", L"AppDataPath", folder.path() + L"\\");
+    constexpr DWORD kLogFile = 8;
+    UserRegistry::set_below(HKEY_LOCAL_MACHINE, std::wstring(kKey) + L"\\Notification", L"Error", REG_DWORD,
+                            &kLogFile, sizeof kLogFile);
+    for (const wchar_t* part : {L"\\Dunmere", L"\\Dunmere\\Vantrix2"})
+        CreateDirectoryW((documents_folder + part).c_str(), nullptr);
+    const std::wstring setting = folder.file(L"job.ps4");
+    if (!Corvanta::Vantrix::PrintSettings::PrintSettings().Save(setting))
+        fail("no setting can be saved");
+    SetEnvironmentVariableW(L"ZR_BENCH_SETTING", setting.c_str());
+}
+
+World::~World() {
+    plotui::detach_process(false);
+}
+
+void fail(const char* what) {
+    std::printf("soak: %s\n", what);
+    std::exit(1);
+}
+
+void play_jobs(const World& /*world*/, ULONGLONG end, Played& played) {
+    on_threads(kThreads, [&](size_t thread) {
+        DWORD job = 0;
+        do {
+            const std::wstring title =
+                qk::format(L"Job %u of thread %u", ++job, static_cast<unsigned>(thread));
+            played.wrong += !is_right(title, job % 8 == 0 ? job : 0);
+            ++played.done;
+        } while (GetTickCount64() < end);
+    });
+}
+
+int fail_jobs(const std::wstring& documents) {
+    const World world(documents);
+    SetEnvironmentVariableW(L"ZR_BENCH_SETTING", L"C:\\zr_soak_no_such_setting.ps4");
+    std::atomic<bool> good = true;
+    on_threads(kFailingThreads, [&](size_t) {
+        for (size_t job = 0; job < kFailingJobs; ++job)
+            if (start(L"fails").result != DOCUMENTEVENT_FAILURE)
+                good = false;
+    });
+    return good ? 0 : 1;
+}
+
+void play_failing_jobs(const World& world, ULONGLONG end, Played& played) {
+    const std::wstring log = world.documents_folder + L"\\Dunmere\\Vantrix2\\Error_0.log";
+    do {
+        DeleteFileW(log.c_str());
+        std::vector<Program> programs;
+        for (size_t i = 0; i < kFailingPrograms; ++i)
+            programs.emplace_back(L"--fail-jobs \"" + world.documents_folder + L'"');
+        for (Program& program : programs)
+            played.wrong += program.wait() != 0;
+        const std::string bytes = TempFolder::read(log);
+        constexpr size_t kWanted = kFailingPrograms * kFailingThreads * kFailingJobs;
+        played.wrong += wrong_records(
+            {reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / sizeof(wchar_t)}, kWanted);
+        played.done += kWanted;
+    } while (GetTickCount64() < end);
+}
+
+}  // namespace bench
