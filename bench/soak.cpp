@@ -8,10 +8,10 @@
 
 #include <cstdio>
 #include <cwchar>
-#include <thread>
 
 #include "bench/objects.h"
 #include "common/handle.h"
+#include "companions/thread.h"
 
 namespace bench {
 
@@ -36,7 +36,7 @@ Row rows[] = {{"jobs of 16 threads", "jobs", &play_jobs, 3},
 // Tells once a second how far it has come, on a line of its own that is written over.
 void play_row(const World& world, Row& row, ULONGLONG milliseconds, Played& played) {
     const qk::HandleObj done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    std::thread progress([&] {
+    companions::Thread progress([&] {
         do
             std::printf("\r%-30s %10llu %-12s %llu wrong ", row.name, played.done.load(), row.unit,
                         played.wrong.load());

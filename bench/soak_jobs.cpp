@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <functional>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 #include "UI_dll/ddi.h"
@@ -19,6 +18,7 @@
 #include "common/paths.h"
 #include "common/resource_dll.h"
 #include "common/text.h"
+#include "companions/thread.h"
 #include "print_settings/PrintSettings.h"
 #include "resources/ids.h"
 
@@ -79,11 +79,9 @@ bool is_right(const std::wstring& title, DWORD status) {
 }
 
 void on_threads(size_t count, const std::function<void(size_t)>& work) {
-    std::vector<std::thread> threads;
+    std::vector<companions::Thread> threads;
     for (size_t i = 0; i < count; ++i)
-        threads.emplace_back(work, i);
-    for (std::thread& thread : threads)
-        thread.join();
+        threads.emplace_back([&work, i] { work(i); });
 }
 
 // How many of the records that the log has to hold are missing, or more than there should be: each is whole,
