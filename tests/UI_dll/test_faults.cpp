@@ -8,8 +8,10 @@
 #include <prsht.h>
 
 #include <algorithm>
+#include <climits>
 #include <csignal>
 #include <cstdio>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>

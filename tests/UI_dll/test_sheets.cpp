@@ -25,7 +25,6 @@
 #include "resources/ids.h"
 #include "support/fake_printer.h"
 #include "support/guarded_buffer.h"
-#include "support/handle_count.h"
 #include "support/installation.h"
 #include "support/sheet_driver.h"
 
@@ -476,72 +475,6 @@ TEST_F(Sheet, ThoseOfTwoThreadsDoNotMeet) {
     companions::Thread other([&] { live(11, 50); });
     live(22, 75);
     other.join();
-}
-
-// What the sheets of a process leave behind in it.
-struct Remains {
-    unsigned handles = handle_count();
-    int windows = 0;
-    uintptr_t next_gdi_index = 0;  // the system hands out the lowest one that is free
-
-    Remains() {
-        EnumThreadWindows(
-            GetCurrentThreadId(), [](HWND, LPARAM count) { return ++*reinterpret_cast<int*>(count), TRUE; },
-            reinterpret_cast<LPARAM>(&windows));
-        std::vector<HGDIOBJ> made(64);  // several: what was freed last is handed out first
-        for (HGDIOBJ& pen : made) {
-            pen = CreatePen(PS_SOLID, 3, 0);
-            next_gdi_index = std::max<uintptr_t>(next_gdi_index, LOWORD(pen));
-        }
-        for (const HGDIOBJ pen : made)
-            DeleteObject(pen);
-    }
-};
-
-TEST(Sheets, TwoHundredLeaveNothingBehind) {
-    const HMODULE module = LoadLibraryW(Installation::built(L"ZR_UI80.dll").c_str());
-    ASSERT_NE(module, nullptr);
-    auto* function = reinterpret_cast<PFNPROPSHEETUI>(
-        reinterpret_cast<void*>(GetProcAddress(module, "DrvDocumentPropertySheets")));
-    static int presses;
-    const auto open_and_close = [&](int button) {
-        DriverDevmode out = {};
-        DocumentPropertyHeader header = {.cbSize = sizeof header, .pdmOut = &out.dm, .fMode = DM_COPY};
-        static int pressed;
-        pressed = button;
-        const UINT_PTR timer = SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR, DWORD) {
-            EnumThreadWindows(
-                GetCurrentThreadId(),
-                [](HWND window, LPARAM) {
-                    if (SendMessageW(window, PSM_GETCURRENTPAGEHWND, 0, 0)) {
-                        ++presses;
-                        PostMessageW(window, PSM_PRESSBUTTON, static_cast<WPARAM>(pressed), 0);
-                    }
-                    return TRUE;
-                },
-                0);
-        });
-        DWORD result = 99;
-        EXPECT_GE(compstui::show_sheet(nullptr, function, reinterpret_cast<LPARAM>(&header), &result), 0);
-        KillTimer(nullptr, timer);
-        EXPECT_EQ(result, button == PSBTN_OK ? DWORD{CPSUI_OK} : DWORD{CPSUI_CANCEL});
-    };
-    const auto open_many = [&](int count) {
-        for (int i = 0; i < count; ++i)
-            open_and_close(i % 2 ? PSBTN_OK : PSBTN_CANCEL);
-    };
-    open_many(4);  // what the system keeps once
-    const Remains before;
-    presses = 0;
-    open_many(200);
-    EXPECT_GE(presses, 200);
-    const Remains after;
-    EXPECT_EQ(after.handles, before.handles);
-    EXPECT_EQ(after.windows, before.windows);
-    // Some systems keep the four objects of each icon that a sheet names by number: two pages and the header
-    // do.
-    constexpr uintptr_t kOfTheSystem = 200 * 3 * 4;
-    EXPECT_LE(after.next_gdi_index, before.next_gdi_index + kOfTheSystem);
 }
 
 TEST(OptionItem, EachTypeHasItsParameters) {
