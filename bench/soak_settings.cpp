@@ -6,8 +6,8 @@
 #include <winddiui.h>
 
 #include <chrono>
-#include <string>
 #include <random>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
