@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <psapi.h>
 #include <winternl.h>
 
 #include <algorithm>
@@ -91,13 +90,15 @@ size_t count_mappings() {
     return mappings;
 }
 
+// By the memory's map: not every system keeps the counter.
 size_t private_kib() noexcept {
-    PROCESS_MEMORY_COUNTERS_EX counters = {};
-    counters.cb = sizeof counters;
-    if (!GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
-                              sizeof counters))
-        return 0;
-    return counters.PrivateUsage / 1024;
+    size_t bytes = 0;
+    MEMORY_BASIC_INFORMATION region = {};
+    for (const std::byte* at = nullptr; VirtualQuery(at, &region, sizeof region) != 0;
+         at = static_cast<const std::byte*>(region.BaseAddress) + region.RegionSize)
+        if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE)
+            bytes += region.RegionSize;
+    return bytes / 1024;
 }
 
 }  // namespace

@@ -14,6 +14,10 @@
 #include "common/handle.h"
 #include "common/lock.h"
 
+namespace __gnu_cxx {
+void __freeres();  // of the run-time library, which declares it nowhere
+}
+
 namespace {
 
 // As the compiler writes it for each variable.
@@ -127,6 +131,16 @@ void release_process_storage() noexcept {
     if (at != TLS_OUT_OF_INDEXES)
         TlsFree(at);
 }
+
+// The memory that the run-time library sets aside for exceptions, 72 KiB, goes with an unloaded module. Made
+// first of all and so destroyed last.
+struct ExceptionMemory {
+    ~ExceptionMemory() {
+        if (process_detaches)
+            __gnu_cxx::__freeres();
+    }
+};
+[[gnu::init_priority(101)]] ExceptionMemory exception_memory;
 
 void NTAPI on_loader_event(void*, DWORD reason, void* process_ends) {
     if (reason == DLL_THREAD_DETACH)
