@@ -9,12 +9,12 @@
 #include <vector>
 
 #include "UI_dll/PDFSettings/dialog_state.h"
-#include "UI_dll/PDFSettings/edit_sheet.h"
+#include "UI_dll/PDFSettings/edit/edit_sheet.h"
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/plotui.h"
 #include "bench/measure.h"
 #include "bench/objects.h"
-#include "common/text.h"
+#include "common/qk/text.h"
 #include "print_settings/PrintSettings.h"
 #include "print_settings/setting_file.h"
 #include "tests/support/registry_override.h"
@@ -105,7 +105,7 @@ BOOL CALLBACK cancel_sheet(HWND window, LPARAM) {
 // Ends a sheet that stays without its pages, too: it is not measured then.
 void CALLBACK close_when_shown(HWND, UINT, UINT_PTR timer, DWORD) {
     bool complete = true;
-    for (const HWND page : dialog_state().pages)
+    for (const HWND page : dialog_state().sheet.pages)
         complete &= page != nullptr;
     if (!complete && ++ticks <= 500)
         return;

@@ -9,10 +9,10 @@
 
 #include "bench/measure.h"
 #include "common/dialog_library.h"
-#include "common/handle.h"
+#include "common/qk/handle.h"
 #include "common/job_records.h"
-#include "common/paths.h"
-#include "common/text.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "job/document_event.h"
 #include "print_settings/PrintSettings.h"
 #include "tests/support/registry_override.h"

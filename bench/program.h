@@ -6,8 +6,8 @@
 #include <string>
 
 #include "bench/soak.h"
-#include "common/handle.h"
-#include "common/paths.h"
+#include "common/qk/handle.h"
+#include "common/qk/paths.h"
 
 namespace bench {
 

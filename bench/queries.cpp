@@ -5,7 +5,8 @@
 
 #include "UI_dll/ddi.h"
 #include "bench/measure.h"
-#include "common/handle.h"
+#include "common/printer_handle.h"
+#include "common/qk/handle.h"
 #include "lib/devmode.h"
 #include "tests/support/capability_rows.h"
 #include "tests/support/handle_count.h"

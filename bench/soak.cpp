@@ -10,7 +10,7 @@
 #include <cwchar>
 
 #include "bench/objects.h"
-#include "common/handle.h"
+#include "common/qk/handle.h"
 #include "companions/thread.h"
 
 namespace bench {

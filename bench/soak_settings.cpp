@@ -17,7 +17,7 @@
 #include "bench/dialog.h"
 #include "bench/program.h"
 #include "bench/soak.h"
-#include "common/text.h"
+#include "common/qk/text.h"
 #include "lib/devmode.h"
 #include "print_settings/PrintSettings.h"
 

@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include "common/handle.h"
+#include "common/qk/handle.h"
 
 namespace companions {
 

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "common/handle.h"
+#include "common/qk/handle.h"
 
 namespace companions::wine {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "common/memory_probe.h"
+#include "common/qk/memory_probe.h"
 #include "companions/compstui/option_item.h"
 #include "companions/compstui/page.h"
 #include "companions/compstui/page_template.h"

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "common/memory_probe.h"
+#include "common/qk/memory_probe.h"
 #include "companions/compstui/page.h"
 #include "companions/compstui/sheet_functions.h"
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "common/handle.h"
+#include "common/qk/handle.h"
 #include "companions/compstui/interface.h"
 
 namespace compstui {

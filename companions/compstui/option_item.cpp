@@ -1,6 +1,6 @@
 #include "companions/compstui/option_item.h"
 
-#include "common/memory_probe.h"
+#include "common/qk/memory_probe.h"
 #include "companions/compstui/strings.h"
 
 namespace compstui {

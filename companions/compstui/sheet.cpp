@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "common/memory_probe.h"
+#include "common/qk/memory_probe.h"
 #include "companions/compstui/page.h"
 #include "companions/compstui/sheet_size.h"
 #include "companions/compstui/strings.h"

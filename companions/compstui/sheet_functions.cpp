@@ -4,7 +4,7 @@
 #include <cstring>
 #include <memory>
 
-#include "common/memory_probe.h"
+#include "common/qk/memory_probe.h"
 #include "companions/compstui/group.h"
 #include "companions/compstui/page.h"
 #include "companions/compstui/sheet.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "common/memory_probe.h"
+#include "common/qk/memory_probe.h"
 
 namespace compstui {
 

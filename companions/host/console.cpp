@@ -5,8 +5,8 @@
 #include <mutex>
 #include <string>
 
-#include "common/lock.h"
-#include "common/text.h"
+#include "common/qk/lock.h"
+#include "common/qk/text.h"
 
 namespace host {
 

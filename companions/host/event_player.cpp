@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "common/text.h"
+#include "common/qk/text.h"
 
 namespace host {
 

@@ -8,7 +8,7 @@
 #include <iterator>
 #include <vector>
 
-#include "common/handle.h"
+#include "common/qk/handle.h"
 
 namespace host {
 

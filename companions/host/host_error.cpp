@@ -1,7 +1,7 @@
 #include "companions/host/host_error.h"
 
-#include "common/handle.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/text.h"
 
 namespace host {
 

@@ -3,11 +3,12 @@
 #include <shlobj.h>
 
 #include "common/ErrorNotify.h"
-#include "common/handle.h"
-#include "common/module.h"
-#include "common/paths.h"
-#include "common/registry.h"
-#include "common/text.h"
+#include "common/printer_handle.h"
+#include "common/qk/handle.h"
+#include "common/qk/module.h"
+#include "common/qk/paths.h"
+#include "common/qk/registry.h"
+#include "common/qk/text.h"
 #include "companions/host/host_error.h"
 #include "companions/host/print_processor.h"
 #include "companions/host/printer_setup.h"

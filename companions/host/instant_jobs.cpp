@@ -6,9 +6,9 @@
 #include <chrono>
 #include <mutex>
 
-#include "common/lock.h"
-#include "common/module.h"
-#include "common/text.h"
+#include "common/qk/lock.h"
+#include "common/qk/module.h"
+#include "common/qk/text.h"
 #include "companions/host/console.h"
 #include "companions/host/host_error.h"
 #include "companions/host/output_target.h"

@@ -7,10 +7,10 @@
 #include <optional>
 
 #include "UI_dll/ps_to_devmode.h"
-#include "common/gdi_handle.h"
-#include "common/module.h"
-#include "common/paths.h"
-#include "common/text.h"
+#include "common/qk/gdi_handle.h"
+#include "common/qk/module.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "companions/host/console.h"
 #include "companions/host/host_error.h"
 #include "companions/host/install.h"

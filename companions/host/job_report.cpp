@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "common/text.h"
+#include "common/qk/text.h"
 #include "companions/host/host_error.h"
 #include "companions/host/report_parts.h"
 

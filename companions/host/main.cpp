@@ -6,9 +6,9 @@
 #include <mutex>
 #include <optional>
 
-#include "common/paths.h"
-#include "common/lock.h"
-#include "common/text.h"
+#include "common/qk/paths.h"
+#include "common/qk/lock.h"
+#include "common/qk/text.h"
 #include "companions/host/console.h"
 #include "companions/host/host_error.h"
 #include "companions/host/install.h"

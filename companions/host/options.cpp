@@ -4,7 +4,7 @@
 
 #include <charconv>
 
-#include "common/text.h"
+#include "common/qk/text.h"
 
 namespace host {
 

@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
-#include "common/paths.h"
-#include "common/text.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "companions/host/host_error.h"
 
 namespace host {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "common/text.h"
+#include "common/qk/text.h"
 
 namespace host {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "common/gdi_handle.h"
+#include "common/qk/gdi_handle.h"
 #include "companions/host/page_layout.h"
 
 namespace host {

@@ -8,8 +8,8 @@
 #include <cstddef>
 #include <vector>
 
-#include "common/handle.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/text.h"
 
 namespace host {
 

@@ -4,8 +4,8 @@
 
 #include <string_view>
 
-#include "common/module.h"
-#include "common/text.h"
+#include "common/qk/module.h"
+#include "common/qk/text.h"
 #include "companions/host/host_error.h"
 #include "companions/host/print_processor.h"
 #include "companions/host/resource.h"

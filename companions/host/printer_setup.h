@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "common/handle.h"
+#include "common/printer_handle.h"
 
 namespace host {
 

@@ -6,8 +6,8 @@
 
 #include <cstddef>
 
-#include "common/module.h"
-#include "common/text.h"
+#include "common/qk/module.h"
+#include "common/qk/text.h"
 #include "companions/host/host_error.h"
 #include "companions/host/printer_setup.h"
 #include "companions/host/report_parts.h"

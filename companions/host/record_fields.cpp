@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "common/handle.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/text.h"
 
 namespace host {
 

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "common/handle.h"
-#include "common/paths.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "companions/command_line.h"
 #include "companions/host/host_error.h"
 

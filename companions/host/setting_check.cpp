@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <exception>
 
-#include "common/paths.h"
-#include "common/resource_dll.h"
+#include "common/qk/paths.h"
+#include "common/qk/resource_dll.h"
 #include "companions/host/host_error.h"
 #include "companions/host/report_parts.h"
 #include "companions/host/setting_walk.h"

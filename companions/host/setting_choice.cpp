@@ -1,7 +1,7 @@
 #include "companions/host/setting_choice.h"
 
-#include "common/module.h"
-#include "common/registry.h"
+#include "common/qk/module.h"
+#include "common/qk/registry.h"
 #include "common/rwPDFSet_functions.h"
 #include "companions/host/host_error.h"
 #include "companions/host/output_target.h"

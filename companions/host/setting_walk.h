@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "common/text.h"
+#include "common/qk/text.h"
 #include "companions/host/setting_check.h"
 #include "print_settings/ps4_reader.h"
 #include "print_settings/restriction_fields.h"

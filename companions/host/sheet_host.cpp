@@ -4,10 +4,10 @@
 
 #include <string_view>
 
-#include "common/handle.h"
-#include "common/paths.h"
-#include "common/registry.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/paths.h"
+#include "common/qk/registry.h"
+#include "common/qk/text.h"
 #include "companions/host/host_error.h"
 #include "companions/host/stage_files.h"
 

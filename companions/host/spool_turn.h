@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "common/handle.h"
+#include "common/qk/handle.h"
 
 namespace host {
 

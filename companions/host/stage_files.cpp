@@ -6,9 +6,9 @@
 #include <cstring>
 #include <span>
 
-#include "common/handle.h"
-#include "common/paths.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "companions/host/host_error.h"
 
 namespace host {

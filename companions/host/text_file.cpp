@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <utility>
 
-#include "common/handle.h"
-#include "common/paths.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "companions/host/host_error.h"
 
 namespace host {

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "common/memory_probe.h"
+#include "common/qk/memory_probe.h"
 
 namespace host {
 

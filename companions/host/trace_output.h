@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "common/MMF.h"
+#include "common/qk/MMF.h"
 
 namespace host {
 

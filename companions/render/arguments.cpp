@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "common/text.h"
+#include "common/qk/text.h"
 
 namespace companions::render {
 

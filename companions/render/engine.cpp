@@ -4,8 +4,8 @@
 #include <chrono>
 #include <optional>
 
-#include "common/handle.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/text.h"
 #include "companions/command_line.h"
 #include "companions/thread.h"
 #include "companions/wine_layer.h"

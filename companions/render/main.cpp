@@ -8,9 +8,9 @@
 #include <cstdio>
 #include <memory>
 
-#include "common/MMF.h"
+#include "common/qk/MMF.h"
 #include "common/job_records.h"
-#include "common/text.h"
+#include "common/qk/text.h"
 #include "companions/render/console.h"
 #include "companions/render/render_job.h"
 

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <utility>
 
-#include "common/handle.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/text.h"
 #include "companions/render/pdfmark.h"
 
 namespace companions::render {

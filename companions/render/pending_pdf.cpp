@@ -4,9 +4,9 @@
 
 #include <utility>
 
-#include "common/handle.h"
-#include "common/paths.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "companions/render/failure.h"
 
 namespace companions::render {

@@ -4,11 +4,11 @@
 
 #include <cstdint>
 
-#include "common/handle.h"
-#include "common/module.h"
-#include "common/paths.h"
+#include "common/qk/handle.h"
+#include "common/qk/module.h"
+#include "common/qk/paths.h"
 #include "common/rwPDFSet_functions.h"
-#include "common/text.h"
+#include "common/qk/text.h"
 #include "companions/render/console.h"
 #include "companions/render/engine.h"
 #include "companions/render/engine_arguments.h"

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "common/handle.h"
+#include "common/qk/handle.h"
 
 namespace companions::render {
 

@@ -9,8 +9,8 @@
 #include <iterator>
 #include <vector>
 
-#include "common/handle.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/text.h"
 
 namespace companions::render {
 

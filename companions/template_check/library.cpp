@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <stdexcept>
 
-#include "common/handle.h"
+#include "common/qk/handle.h"
 #include "companions/template_check/keyboard.h"
 #include "companions/template_check/known_pages.h"
 #include "resources/ids.h"

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "common/gdi_handle.h"
+#include "common/qk/gdi_handle.h"
 #include "companions/template_check/dialog_template.h"
 
 namespace template_check {

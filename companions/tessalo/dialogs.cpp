@@ -6,9 +6,9 @@
 
 #include <vector>
 
-#include "common/handle.h"
-#include "common/module.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/module.h"
+#include "common/qk/text.h"
 
 namespace companions {
 

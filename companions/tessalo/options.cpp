@@ -8,10 +8,10 @@
 #include <cstdint>
 #include <utility>
 
-#include "common/memory_probe.h"
-#include "common/paths.h"
-#include "common/registry.h"
-#include "common/text.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/paths.h"
+#include "common/qk/registry.h"
+#include "common/qk/text.h"
 
 namespace companions {
 

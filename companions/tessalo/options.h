@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "common/ms_wstring.h"
+#include "common/qk/ms_wstring.h"
 #include "common/rwPDFSet_functions.h"
 #include "print_settings/PrintSettings.h"
 

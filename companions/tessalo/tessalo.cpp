@@ -8,11 +8,11 @@
 #include <string_view>
 
 #include "common/dialog_library.h"
-#include "common/lock.h"
-#include "common/module.h"
-#include "common/paths.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/lock.h"
+#include "common/qk/module.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "companions/reservation.h"
 #include "companions/tessalo/dialogs.h"
 #include "companions/tessalo/options.h"

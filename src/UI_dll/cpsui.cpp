@@ -2,15 +2,14 @@
 
 #include <prsht.h>
 
-#include "UI_dll/PDFSettings/settings_page.h"
-#include "UI_dll/plotui.h"
-#include "common/handle.h"
-#include "common/memory_probe.h"
-#include "common/paths.h"
-#include "common/registry.h"
-#include "common/resource_dll.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "UI_dll/PDFSettings/list/settings_page.h"
+#include "common/qk/handle.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/paths.h"
+#include "common/qk/registry.h"
+#include "common/qk/resource_dll.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "print_settings/PSAdmin.h"
 #include "resources/ids.h"
 
@@ -41,7 +40,7 @@ void add_settings_page_beside(const PROPSHEETUI_INFO& info) {
     PropertyPage page = {};
     page.page.dwSize = sizeof page;
     page.page.dwFlags = PSP_USETITLE | PSP_USEICONID;
-    page.page.hInstance = plotui::resource_module();
+    page.page.hInstance = qk::resource_module();
     page.page.pszTemplate = resource(IDD_SETTINGS);
     page.page.pszIcon = resource(IDI_SETTINGS);
     page.page.pszTitle = resource(IDS_SETTINGS_TAB);
@@ -52,7 +51,7 @@ void add_settings_page_beside(const PROPSHEETUI_INFO& info) {
 LONG add_common_sheet(PROPSHEETUI_INFO& info, PrinterInformation& information) {
     COMPROPSHEETUI& sheet = information.sheet;
     sheet.cbSize = sizeof sheet;
-    sheet.hInstCaller = plotui::resource_module();
+    sheet.hInstCaller = qk::resource_module();
     sheet.pCallerName = information.thread->name().data();
     sheet.UserData = reinterpret_cast<ULONG_PTR>(&information);
     sheet.pOptItem = information.option ? information.option->get() : nullptr;
@@ -83,7 +82,7 @@ LONG fill_header(PROPSHEETUI_INFO_HEADER* header, const PrinterInformation& info
         return kFailure;
     header->Flags = PSUIHDRF_NOAPPLYNOW | PSUIHDRF_PROPTITLE;
     header->pTitle = const_cast<wchar_t*>(information.title.c_str());
-    header->hInst = plotui::resource_module();
+    header->hInst = qk::resource_module();
     header->IconID = information.sheet.IconID;
     return 1;
 }

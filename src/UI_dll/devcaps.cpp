@@ -11,13 +11,12 @@
 #include <utility>
 #include <vector>
 
-#include "UI_dll/plotui.h"
 #include "UI_dll/ptrinfo.h"
-#include "common/handle.h"
-#include "common/memory_probe.h"
-#include "common/resource_dll.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/handle.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/resource_dll.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "lib/devmode.h"
 #include "lib/forms.h"
 #include "resources/ids.h"
@@ -105,18 +104,9 @@ constexpr LONG short_tenths(LONG thousandths) noexcept {
     return static_cast<short>(tenths_of_mm(thousandths));
 }
 
-// The text in the library that the module has held since it was loaded: a query loads none.
-std::wstring load_custom_paper_name() {
-    const wchar_t* text = nullptr;  // with a capacity of 0 the system gives the text where it lies
-    const int units = plotui::resource_module() ? LoadStringW(plotui::resource_module(), IDS_CUSTOM_PAPER,
-                                                              reinterpret_cast<wchar_t*>(&text), 0)
-                                                : 0;
-    return units > 0 ? std::wstring(text, static_cast<size_t>(units)) : qk::load_string(IDS_CUSTOM_PAPER);
-}
-
 // Looked up once: the language library of a process stays the same.
 const std::wstring& custom_paper_name() {
-    static const std::wstring name = load_custom_paper_name();
+    static const std::wstring name = qk::load_string(IDS_CUSTOM_PAPER);
     return name;
 }
 

@@ -1,12 +1,12 @@
 // The loader's entry point. Apart from the rest, so that test programs can link everything else.
 #include <windows.h>
 
-#include "UI_dll/guard.h"
+#include "common/qk/guard.h"
 #include "UI_dll/plotui.h"
-#include "common/thread_storage.h"
+#include "common/qk/thread_storage.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved) noexcept {
-    const BOOL answer = ui::guarded<BOOL>(FALSE, [&] {
+    const BOOL answer = qk::guarded<BOOL>(FALSE, [&] {
         switch (reason) {
             case DLL_PROCESS_ATTACH:
                 return plotui::attach_process(instance);

@@ -7,9 +7,9 @@
 #include "UI_dll/ps_to_devmode.h"
 #include "UI_dll/ptrinfo.h"
 #include "common/driver_util.h"
-#include "common/memory_probe.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace docprop {
 

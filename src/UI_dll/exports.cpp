@@ -2,13 +2,13 @@
 #include "UI_dll/ddi.h"
 #include "UI_dll/devcaps.h"
 #include "UI_dll/docprop.h"
-#include "UI_dll/guard.h"
+#include "common/qk/guard.h"
 #include "UI_dll/ptrinfo.h"
 #include "UI_dll/ptrprop.h"
-#include "common/handle.h"
-#include "common/memory_probe.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/printer_handle.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "job/document_event.h"
 #include "lib/devmode.h"
 
@@ -54,7 +54,7 @@ BOOL forward_query(DevQueryPrintInfo* info) {
 LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* info, LPARAM parameter) noexcept {
     qk::trace::read_level();
     TRACE_SCOPE("DrvDocumentPropertySheets");
-    return ui::guarded<LONG>(kFailure, [&] {
+    return qk::guarded<LONG>(kFailure, [&] {
         return info ? docprop::answer_sheet(*info, parameter)
                     : docprop::answer_query(reinterpret_cast<DocumentPropertyHeader*>(parameter));
     });
@@ -64,7 +64,7 @@ LONG WINAPI DrvDocumentProperties(HWND window, HANDLE printer, LPWSTR device, DE
                                   DEVMODEW* input, DWORD mode) noexcept {
     qk::trace::read_level();
     TRACE_SCOPE("DrvDocumentProperties");
-    return ui::guarded<LONG>(
+    return qk::guarded<LONG>(
         kFailure, [&] { return docprop::document_properties(window, printer, device, output, input, mode); });
 }
 
@@ -72,7 +72,7 @@ LONG WINAPI DrvAdvancedDocumentProperties(HWND window, HANDLE printer, LPWSTR de
                                           DEVMODEW* input) noexcept {
     qk::trace::read_level();
     TRACE_SCOPE("DrvAdvancedDocumentProperties");
-    return ui::guarded<LONG>(kFailure, [&] {
+    return qk::guarded<LONG>(kFailure, [&] {
         return docprop::document_properties(window, printer, device, output, input, kAdvancedMode);
     });
 }
@@ -80,27 +80,27 @@ LONG WINAPI DrvAdvancedDocumentProperties(HWND window, HANDLE printer, LPWSTR de
 BOOL WINAPI DrvConvertDevMode(LPWSTR printer, DEVMODEW* source, DEVMODEW* target, DWORD* needed,
                               DWORD mode) noexcept {
     TRACE("DrvConvertDevMode");
-    return ui::guarded<BOOL>(FALSE, [&] { return convert_devmode(printer, source, target, needed, mode); });
+    return qk::guarded<BOOL>(FALSE, [&] { return convert_devmode(printer, source, target, needed, mode); });
 }
 
 DWORD WINAPI DrvDeviceCapabilities(HANDLE printer, LPWSTR device, WORD index, void* output,
                                    DEVMODEW* devmode) noexcept {
     TRACE("DrvDeviceCapabilities");
-    return ui::guarded<DWORD>(devcaps::kFailed,
+    return qk::guarded<DWORD>(devcaps::kFailed,
                               [&] { return devcaps::capability(printer, device, index, output, devmode); });
 }
 
 DWORD WINAPI DrvSplDeviceCaps(HANDLE printer, LPWSTR device, WORD index, void* output, DWORD output_size,
                               DEVMODEW* devmode) noexcept {
     TRACE("DrvSplDeviceCaps");
-    return ui::guarded<DWORD>(devcaps::kFailed, [&] {
+    return qk::guarded<DWORD>(devcaps::kFailed, [&] {
         return devcaps::spooler_capability(printer, device, index, output, output_size, devmode);
     });
 }
 
 int WINAPI DrvDocumentEvent(HANDLE printer, HDC hdc, int event, ULONG in_size, void* in, ULONG out_size,
                             void* out) {
-    return ui::guarded<int>(DOCUMENTEVENT_FAILURE, [&] {
+    return qk::guarded<int>(DOCUMENTEVENT_FAILURE, [&] {
         TRACE_F(L">>%d", event);
         return internal_DrvDocumentEvent(printer, hdc, event, in_size, in, out_size, out);
     });
@@ -108,18 +108,18 @@ int WINAPI DrvDocumentEvent(HANDLE printer, HDC hdc, int event, ULONG in_size, v
 
 BOOL WINAPI DrvPrinterEvent(LPWSTR printer, int event, DWORD /*flags*/, LPARAM /*parameter*/) {
     qk::trace::read_level();
-    return ui::guarded<BOOL>(TRUE, [&] { return ptrprop::printer_event(printer, event); });
+    return qk::guarded<BOOL>(TRUE, [&] { return ptrprop::printer_event(printer, event); });
 }
 
 BOOL WINAPI PrinterProperties(HWND window, HANDLE printer) {
     qk::trace::read_level();
     TRACE_SCOPE("PrinterProperties");
-    return ui::guarded<BOOL>(FALSE, [&] { return ptrprop::printer_properties(window, printer); });
+    return qk::guarded<BOOL>(FALSE, [&] { return ptrprop::printer_properties(window, printer); });
 }
 
 LONG WINAPI DrvDevicePropertySheets(PROPSHEETUI_INFO* info, LPARAM parameter) noexcept {
     TRACE("DrvDevicePropertySheets");
-    return ui::guarded<LONG>(kFailure, [&] {
+    return qk::guarded<LONG>(kFailure, [&] {
         if (info)
             return ptrprop::answer_sheet(*info, parameter);
         SetLastError(ERROR_INVALID_PARAMETER);
@@ -129,5 +129,5 @@ LONG WINAPI DrvDevicePropertySheets(PROPSHEETUI_INFO* info, LPARAM parameter) no
 
 BOOL WINAPI DevQueryPrintEx(DevQueryPrintInfo* info) noexcept {
     TRACE("DevQueryPrintEx");
-    return ui::guarded<BOOL>(FALSE, [&] { return forward_query(info); });
+    return qk::guarded<BOOL>(FALSE, [&] { return forward_query(info); });
 }

@@ -5,10 +5,10 @@
 #include <new>
 
 #include "UI_dll/ptrinfo.h"
-#include "common/resource_dll.h"
+#include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "resources/ids.h"
 
 namespace {

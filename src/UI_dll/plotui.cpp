@@ -2,40 +2,15 @@
 
 #include <string>
 
-#include "common/handle.h"
-#include "common/module.h"
-#include "common/paths.h"
-#include "common/resource_dll.h"
+#include "common/qk/activation_context.h"
+#include "common/qk/paths.h"
+#include "common/qk/resource_dll.h"
 #include "common/threadprop.h"
-#include "common/trace.h"
+#include "common/qk/trace.h"
 
 namespace plotui {
 
 namespace {
-
-constexpr WORD kManifestId = 2;
-
-HMODULE resources = nullptr;
-
-bool load_resources() {
-    const std::wstring path = qk::resource_library_path(false);
-    resources = path.empty() ? nullptr : LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    const DWORD error = GetLastError();
-    if (resources && resources != INVALID_HANDLE_VALUE)
-        return true;
-    TRACE_F(L"gle=%d", static_cast<int>(error));
-    OutputDebugStringA("ZRTK Error:no resource dll.");
-    resources = nullptr;
-    return false;
-}
-
-qk::ActivationContext own_context(HINSTANCE instance) {
-    ACTCTXW request = {sizeof request};
-    request.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
-    request.hModule = instance;
-    request.lpResourceName = MAKEINTRESOURCEW(kManifestId);
-    return qk::ActivationContext(CreateActCtxW(&request));
-}
 
 // Loads the module once more under its own manifest. This reference is never given back: callbacks and sheets
 // that the system holds stay valid after a caller has freed the driver.
@@ -46,7 +21,7 @@ void pin(HINSTANCE instance) {
         TRACE("ui:no module path");
         return;
     }
-    const CommonControls controls;
+    const qk::CommonControls controls;
     if (!controls || !LoadLibraryW(path))
         TRACE_F(L"ui:not pinned gle=%d", static_cast<int>(GetLastError()));
 }
@@ -56,7 +31,8 @@ void pin(HINSTANCE instance) {
 bool attach_process(HINSTANCE instance) {
     qk::trace::read_level();
     TRACE("ui:attach");
-    if (!load_resources()) {
+    if (!qk::load_resource_library()) {
+        OutputDebugStringA("ZRTK Error:no resource dll.");
         qk::finalize_resource_library(false);  // a copy that could not be loaded is not left behind
         return false;
     }
@@ -73,25 +49,9 @@ void detach_process(bool process_ends) noexcept {
     try {
         TRACE("ui:detach");
         FinalizeThreadProp(process_ends);
-        if (resources)
-            FreeLibrary(resources);
-        resources = nullptr;
         qk::finalize_resource_library(process_ends);
     } catch (...) {  // nobody is left to be told
     }
-}
-
-HMODULE resource_module() noexcept {
-    return resources;
-}
-
-CommonControls::CommonControls()
-    : context_(own_context(qk::module_instance())),
-      active_(context_ && ActivateActCtx(context_.get(), &cookie_)) {}
-
-CommonControls::~CommonControls() {
-    if (active_)
-        DeactivateActCtx(0, cookie_);
 }
 
 }  // namespace plotui

@@ -4,10 +4,10 @@
 #include <cstdint>
 
 #include "common/driver_util.h"
-#include "common/paths.h"
+#include "common/qk/paths.h"
 #include "common/rwPDFSet_functions.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "lib/devmode.h"
 #include "print_settings/PSAdmin.h"
 

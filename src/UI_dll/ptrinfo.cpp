@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "common/trace.h"
+#include "common/qk/trace.h"
 
 PrinterInformation* MapPrinter(std::unique_ptr<PrinterInformation>& information, HANDLE printer,
                                const DEVMODEW* caller_devmode, bool document_properties) {

@@ -11,7 +11,7 @@
 
 #include "UI_dll/optitem.h"
 #include "UI_dll/sheet_thread.h"
-#include "common/handle.h"
+#include "common/printer_handle.h"
 #include "lib/devmode.h"
 
 struct PrinterInformation {

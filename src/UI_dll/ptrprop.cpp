@@ -6,10 +6,10 @@
 #include "UI_dll/cpsui.h"
 #include "UI_dll/ptrinfo.h"
 #include "common/driver_util.h"
-#include "common/handle.h"
-#include "common/memory_probe.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/printer_handle.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace ptrprop {
 

@@ -3,13 +3,13 @@
 #include <mutex>
 #include <string_view>
 
-#include "common/disk_file.h"
-#include "common/lock.h"
-#include "common/override_ini.h"
-#include "common/paths.h"
-#include "common/registry.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/disk_file.h"
+#include "common/qk/lock.h"
+#include "common/qk/override_ini.h"
+#include "common/qk/paths.h"
+#include "common/qk/registry.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "common/ms_wstring.h"
+#include "common/qk/ms_wstring.h"
 
 namespace dialog_library {
 

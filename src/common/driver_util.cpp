@@ -5,11 +5,11 @@
 #include <cstddef>
 #include <new>
 
-#include "common/MMF.h"
+#include "common/qk/MMF.h"
 #include "common/job_records.h"
-#include "common/own_user.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/own_user.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace {
 

@@ -1,15 +1,15 @@
-// The machine's colour-profile folder: which profiles lie in it, and what their headers say.
-#include "common/icc_profile.h"
+#include "common/icc_folder.h"
 
 #include <icm.h>
 #include <winspool.h>
 
 #include <functional>
 
-#include "common/disk_file.h"
-#include "common/paths.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/icc_profile.h"
+#include "common/qk/disk_file.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace icc {
 

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "common/disk_file.h"
-#include "common/trace.h"
+#include "common/qk/disk_file.h"
+#include "common/qk/trace.h"
 
 namespace icc {
 

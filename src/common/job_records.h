@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "common/ms_wstring.h"
+#include "common/qk/ms_wstring.h"
 
 inline constexpr size_t kRecordTextUnits = 260;  // a text of a record: 259 units and its terminating zero
 

@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "common/dialog_library.h"
-#include "common/disk_file.h"
-#include "common/paths.h"
-#include "common/registry.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/disk_file.h"
+#include "common/qk/paths.h"
+#include "common/qk/registry.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 using qk::registry::CurrentUser;
 

@@ -1,24 +1,20 @@
 #include "common/teskel_custom_2021.h"
 
-#include <shlobj.h>
-
 #include <array>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "common/driver_util.h"
-#include "common/handle.h"
-#include "common/memory_probe.h"
-#include "common/paths.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/handle.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace pd_tk {
 
 namespace {
 
-constexpr DWORD kValueUnits = 4096;
 constexpr std::array<const wchar_t*, 4> kStages = {L"DocStart", L"PageStart", L"PageEnd", L"DocEnd"};
 
 constexpr std::wstring_view cut_as_entries(std::wstring_view path) noexcept {
@@ -43,25 +39,6 @@ bool replace_entry(TKFileNames& files, std::wstring_view entry, std::wstring_vie
 }
 
 }  // namespace
-
-ExternalCallIni::ExternalCallIni() {
-    // The folder as it is by default, not where the user may have moved it to: the programs that run the
-    // external programs look there.
-    wchar_t roaming[MAX_PATH] = {};
-    if (SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_DEFAULT, roaming)) && *roaming)
-        path_ = roaming + std::wstring(L"\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini");
-}
-
-bool ExternalCallIni::exists() const noexcept {
-    return qk::is_file(path_);
-}
-
-std::wstring ExternalCallIni::value(const wchar_t* section, const wchar_t* key) const {
-    std::vector<wchar_t> buffer(kValueUnits);
-    const DWORD units =
-        GetPrivateProfileStringW(section, key, L"", buffer.data(), kValueUnits, path_.c_str());
-    return {buffer.data(), units};
-}
 
 std::wstring file_list_name() {
     return qk::format(L"zrtk_80tkcustom_mmf_4tgoeyrgblyi_%s", user_name().c_str());

@@ -8,23 +8,12 @@
 #include <optional>
 #include <string>
 
-#include "common/MMF.h"
-#include "common/handle.h"
+#include "common/qk/MMF.h"
+#include "common/qk/handle.h"
+#include "common/external_call_ini.h"
 #include "common/job_records.h"
 
 namespace pd_tk {
-
-// The per-user file "externalCallSetting.ini". Absent keys read as empty; values are cut at 4,095 units.
-class ExternalCallIni {
-public:
-    ExternalCallIni();  // asks the shell where the file lies
-
-    [[nodiscard]] bool exists() const noexcept;
-    [[nodiscard]] std::wstring value(const wchar_t* section, const wchar_t* key) const;
-
-private:
-    std::wstring path_;
-};
 
 // The lock that keeps the processes which print from changing the list of files in progress at once: a global
 // mutex, waited for without limit and held while this object lives.

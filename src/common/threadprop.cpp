@@ -7,8 +7,8 @@
 #include <string>
 #include <utility>
 
-#include "common/lock.h"
-#include "common/trace.h"
+#include "common/qk/lock.h"
+#include "common/qk/trace.h"
 
 namespace {
 

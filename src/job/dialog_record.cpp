@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <new>
 
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace job {
 

@@ -3,9 +3,9 @@
 #include <array>
 #include <cstddef>
 
-#include "common/memory_probe.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace {
 

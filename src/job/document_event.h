@@ -7,7 +7,7 @@
 
 #include <memory>
 
-#include "common/MMF.h"
+#include "common/qk/MMF.h"
 #include "common/job_records.h"
 #include "common/teskel_custom_2021.h"
 

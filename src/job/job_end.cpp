@@ -5,13 +5,13 @@
 
 #include "common/ErrorNotify.h"
 #include "common/driver_util.h"
-#include "common/memory_probe.h"
-#include "common/module.h"
-#include "common/override_ini.h"
-#include "common/registry.h"
-#include "common/text.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/module.h"
+#include "common/qk/override_ini.h"
+#include "common/qk/registry.h"
+#include "common/qk/text.h"
 #include "common/threadprop.h"
-#include "common/trace.h"
+#include "common/qk/trace.h"
 #include "job/document_event.h"
 
 namespace job {

@@ -1,8 +1,9 @@
 #include "job/output_intent.h"
 
+#include "common/icc_folder.h"
 #include "common/icc_profile.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "resources/ids.h"
 
 namespace job {

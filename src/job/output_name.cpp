@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "common/registry.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/registry.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
-#include "common/memory_probe.h"
-#include "common/module.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/module.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 #include <utility>
 #include <string_view>
 
-#include "common/override_ini.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/override_ini.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "lib/devmode.h"
 
 namespace {

@@ -9,8 +9,8 @@
 #include <new>
 #include <span>
 
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace {
 

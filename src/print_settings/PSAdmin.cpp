@@ -4,10 +4,10 @@
 #include <exception>
 #include <utility>
 
-#include "common/paths.h"
-#include "common/text.h"
-#include "common/trace.h"
-#include "common/wipe.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
+#include "common/qk/wipe.h"
 #include "print_settings/ps4_reader.h"
 #include "print_settings/restriction_fields.h"
 #include "print_settings/setting_file.h"

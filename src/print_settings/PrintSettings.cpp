@@ -4,9 +4,9 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "common/text.h"
-#include "common/trace.h"
-#include "common/wipe.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
+#include "common/qk/wipe.h"
 #include "print_settings/field_tables.h"
 #include "print_settings/legacy_reader.h"
 #include "print_settings/ps4_reader.h"

@@ -5,9 +5,9 @@
 #include <initializer_list>
 #include <string_view>
 
-#include "common/resource_dll.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/resource_dll.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "print_settings/differences.h"
 
 namespace Corvanta::Vantrix::PrintSettings {

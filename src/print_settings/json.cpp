@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "common/trace.h"
+#include "common/qk/trace.h"
 
 namespace Corvanta::Vantrix::PrintSettings::json {
 

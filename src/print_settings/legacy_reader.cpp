@@ -4,8 +4,8 @@
 #include <cstring>
 #include <optional>
 
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "print_settings/PrintSettings.h"
 
 namespace Corvanta::Vantrix::PrintSettings {

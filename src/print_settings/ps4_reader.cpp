@@ -4,8 +4,8 @@
 #include <limits>
 #include <type_traits>
 
-#include "common/text.h"
-#include "common/wipe.h"
+#include "common/qk/text.h"
+#include "common/qk/wipe.h"
 
 namespace Corvanta::Vantrix::PrintSettings {
 

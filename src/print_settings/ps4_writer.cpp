@@ -3,7 +3,7 @@
 #include <map>
 #include <type_traits>
 
-#include "common/text.h"
+#include "common/qk/text.h"
 #include "print_settings/field_tables.h"
 
 namespace Corvanta::Vantrix::PrintSettings {

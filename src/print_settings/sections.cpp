@@ -2,9 +2,9 @@
 
 #include <iterator>
 
-#include "common/resource_dll.h"
-#include "common/trace.h"
-#include "common/wipe.h"
+#include "common/qk/resource_dll.h"
+#include "common/qk/trace.h"
+#include "common/qk/wipe.h"
 #include "print_settings/differences.h"
 #include "print_settings/field_tables.h"
 

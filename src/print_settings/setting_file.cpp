@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "common/disk_file.h"
-#include "common/paths.h"
+#include "common/qk/disk_file.h"
+#include "common/qk/paths.h"
 #include "print_settings/PrintSettings.h"
 
 namespace Corvanta::Vantrix::PrintSettings::setting_file {

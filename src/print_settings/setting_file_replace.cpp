@@ -6,9 +6,9 @@
 #include <memory>
 #include <vector>
 
-#include "common/disk_file.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/disk_file.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "print_settings/PrintSettings.h"
 #include "print_settings/setting_file.h"
 

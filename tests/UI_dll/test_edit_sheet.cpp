@@ -63,7 +63,7 @@ TEST_F(Saving, NewSettingIsWrittenUnderItsName) {
     });
     EXPECT_FALSE(stayed_open());
     const std::wstring path = GetAppDataPath(false) + L"My_ new.ps4";
-    EXPECT_EQ(dialog_state().path, path);
+    EXPECT_EQ(dialog_state().file.path, path);
     EXPECT_EQ(ReadName(path), L"My: new");
 }
 

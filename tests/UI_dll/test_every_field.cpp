@@ -7,8 +7,8 @@
 #include <type_traits>
 #include <variant>
 
-#include "UI_dll/PDFSettings/font_states.h"
-#include "UI_dll/PDFSettings/page_pdf_version_rules.h"
+#include "UI_dll/PDFSettings/pages/font_states.h"
+#include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "print_settings/field_tables.h"
 #include "resources/ids.h"
@@ -305,7 +305,7 @@ TEST_F(EveryField, SetOnItsPageIsInTheFileAndOnThePageAgain) {
         made.push_back(enter(*steps));
         const Setting& wanted = made.back();
         SCOPED_TRACE(qk::to_utf8(wanted->PSName));
-        const std::wstring path = dialog_state().path;
+        const std::wstring path = dialog_state().file.path;
         ASSERT_TRUE(LoadSettingFile(path));
         EXPECT_EQ(setting().Serialise(), wanted.Serialise());
 

@@ -23,7 +23,7 @@
 #include <vector>
 
 #include "UI_dll/ddi.h"
-#include "common/module.h"
+#include "common/qk/module.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/teskel_custom_2021.h"
 #include "job/job_fixture.h"

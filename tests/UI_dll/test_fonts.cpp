@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "UI_dll/PDFSettings/font_states.h"
-#include "UI_dll/PDFSettings/page_font_rules.h"
-#include "common/gdi_handle.h"
+#include "UI_dll/PDFSettings/pages/font_states.h"
+#include "UI_dll/PDFSettings/pages/page_font_rules.h"
+#include "common/qk/gdi_handle.h"
 #include "resources/ids.h"
 #include "support/sheet_driver.h"
 

@@ -6,8 +6,8 @@
 
 #include "UI_dll/ddi.h"
 #include "UI_dll/plotui.h"
-#include "common/module.h"
-#include "common/paths.h"
+#include "common/qk/module.h"
+#include "common/qk/paths.h"
 #include "companions/thread.h"
 #include "support/debug_output.h"
 #include "support/handle_count.h"

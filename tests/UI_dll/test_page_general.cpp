@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "UI_dll/PDFSettings/page_general_rules.h"
+#include "UI_dll/PDFSettings/pages/page_general_rules.h"
 #include "resources/ids.h"
 #include "support/fake_tessalo.h"
 #include "support/sheet_driver.h"
@@ -115,7 +115,7 @@ TEST_F(GeneralPage, UntouchedPageChangesNothing) {
     EXPECT_EQ(setting()->PSName, before->PSName);
     EXPECT_EQ(setting().addition()->Str[L"PaperName"], L"A4");
     EXPECT_EQ(setting().addition(),
-              dialog_state().saved->addition());  // the name alone is nothing to confirm
+              dialog_state().file.saved->addition());  // the name alone is nothing to confirm
 }
 
 TEST_F(GeneralPage, ResolutionBelowTheLeastIsBlankAndFormsAreTraced) {

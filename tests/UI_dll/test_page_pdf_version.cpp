@@ -4,8 +4,9 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "UI_dll/PDFSettings/page_pdf_version.h"
-#include "UI_dll/PDFSettings/page_pdf_version_rules.h"
+#include "UI_dll/PDFSettings/pages/page_pdf_version.h"
+#include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
+#include "common/icc_folder.h"
 #include "common/icc_profile.h"
 #include "resources/ids.h"
 #include "support/profile_folder.h"

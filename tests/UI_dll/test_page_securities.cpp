@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "UI_dll/PDFSettings/page_securities_rules.h"
+#include "UI_dll/PDFSettings/pages/page_securities_rules.h"
 #include "resources/ids.h"
 #include "support/sheet_driver.h"
 

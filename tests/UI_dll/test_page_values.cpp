@@ -144,7 +144,7 @@ TEST_F(PageValues, DocumentPageKeepsWhatItHasNotLoadedAndWhatWasTyped) {
         EXPECT_EQ(text(kInfoPage, IDC_INFO_TITLE), L"Typed");
 
         kInfo.init(info);  // its message is still to come
-        EXPECT_EQ(kInfo.apply(info, false), PSNRET_INVALID_NOCHANGEPAGE);
+        kInfo.apply(info);
         EXPECT_EQ(setting().summary()->Title, L"Kept");
     });
 }

@@ -7,9 +7,10 @@
 #include <functional>
 
 #include "UI_dll/PDFSettings/setting_list.h"
-#include "UI_dll/PDFSettings/setting_rows.h"
-#include "UI_dll/PDFSettings/settings_page.h"
-#include "common/registry.h"
+#include "UI_dll/PDFSettings/list/setting_rows.h"
+#include "UI_dll/PDFSettings/list/settings_page.h"
+#include "common/qk/resource_dll.h"
+#include "common/qk/registry.h"
 #include "common/rwPDFSet_functions.h"
 #include "resources/ids.h"
 #include "support/sheet_driver.h"
@@ -49,7 +50,7 @@ protected:
     void open() {
         parent = CreateWindowExW(WS_EX_CONTEXTHELP, L"STATIC", L"", WS_POPUP, 0, 0, 600, 500, nullptr,
                                  nullptr, nullptr, nullptr);
-        window = CreateDialogParamW(plotui::resource_module(), MAKEINTRESOURCEW(IDD_SETTINGS), parent,
+        window = CreateDialogParamW(qk::resource_module(), MAKEINTRESOURCEW(IDD_SETTINGS), parent,
                                     &settings_page_proc, 0);
         ASSERT_TRUE(window);
     }
@@ -300,7 +301,7 @@ TEST_F(SettingsPage, NameForACopyIsFoundReadingEachFileOnce) {
 TEST_F(SettingsPage, PicturesAreOutOfTheListBeforeTheyAreDestroyed) {
     open();
     static HIMAGELIST shown_at_end, made_then;
-    shown_at_end = dialog_state().icons.images.get();
+    shown_at_end = dialog_state().list.icons.images.get();
     SetWindowSubclass(
         list(),
         [](HWND control_window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR, DWORD_PTR) {
@@ -329,10 +330,10 @@ TEST_F(SettingsPage, PageOpenedFromAnotherLeavesItAsItWas) {
         DestroyWindow(inner_first ? inner_parent : outer_parent);
         window = inner_first ? outer : inner;
         parent = inner_first ? outer_parent : inner_parent;
-        EXPECT_EQ(dialog_state().list_page, window);
+        EXPECT_EQ(dialog_state().list.page, window);
         EXPECT_EQ(setting()->PSName, inner_first ? L"zeta" : L"alpha");
         const HIMAGELIST images = ListView_GetImageList(list(), LVSIL_SMALL);
-        EXPECT_EQ(images, dialog_state().icons.images.get());
+        EXPECT_EQ(images, dialog_state().list.icons.images.get());
         EXPECT_EQ(ImageList_GetImageCount(images), 2);
         in_sheet(IDC_SETTINGS_EDIT,
                  [&] { EXPECT_EQ(text(kGeneralPage, IDC_NAME), inner_first ? L"zeta" : L"alpha"); });
@@ -360,12 +361,12 @@ TEST_F(SettingsPage, FileThatVanishesOrBreaksWhileListedCostsNothing) {
 
 TEST_F(SettingsPage, PicturesAreLoadedOnceAfterManyMoves) {
     open();
-    const HIMAGELIST before = dialog_state().icons.images.get();
+    const HIMAGELIST before = dialog_state().list.icons.images.get();
     for (int i = 0; i < 20; ++i)
         SendMessageW(parent, WM_MOVE, 0, 0);
-    EXPECT_EQ(dialog_state().icons.images.get(), before);
+    EXPECT_EQ(dialog_state().list.icons.images.get(), before);
     SendMessageW(parent, WM_TIMER, 1234, 0);
-    EXPECT_NE(dialog_state().icons.images.get(), nullptr);
+    EXPECT_NE(dialog_state().list.icons.images.get(), nullptr);
     EXPECT_FALSE(KillTimer(parent, 1234));  // no second time
 }
 

@@ -9,14 +9,14 @@
 #include <cstdint>
 #include <vector>
 
-#include "UI_dll/PDFSettings/settings_page.h"
+#include "UI_dll/PDFSettings/list/settings_page.h"
 #include "UI_dll/cpsui.h"
 #include "UI_dll/ddi.h"
 #include "UI_dll/optitem.h"
 #include "UI_dll/plotui.h"
 #include "UI_dll/ps_to_devmode.h"
 #include "common/dialog_library.h"
-#include "common/resource_dll.h"
+#include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
 #include "companions/compstui/sheet.h"
@@ -333,7 +333,7 @@ LONG APIENTRY settings_page_first(PROPSHEETUI_INFO* info, LPARAM parameter) {
         if (function == CPSFUNC_ADD_PCOMPROPSHEETUIW) {
             PROPSHEETPAGEW page = {};
             page.dwSize = sizeof page;
-            page.hInstance = plotui::resource_module();
+            page.hInstance = qk::resource_module();
             page.pszTemplate = MAKEINTRESOURCEW(IDD_SETTINGS);
             page.pfnDlgProc = &settings_page_proc;
             compstui::com_prop_sheet(sheet, CPSFUNC_ADD_PROPSHEETPAGEW, reinterpret_cast<LPARAM>(&page), 0);

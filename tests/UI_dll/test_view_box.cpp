@@ -5,8 +5,8 @@
 #include <cmath>
 #include <cstdint>
 
-#include "UI_dll/PDFSettings/page_drawing.h"
-#include "UI_dll/PDFSettings/view_box.h"
+#include "UI_dll/PDFSettings/preview/page_drawing.h"
+#include "UI_dll/PDFSettings/preview/view_box.h"
 #include "support/sheet_driver.h"
 
 namespace {

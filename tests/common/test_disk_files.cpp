@@ -3,12 +3,13 @@
 
 #include <functional>
 
-#include "UI_dll/PDFSettings/picture_file.h"
-#include "common/disk_file.h"
+#include "UI_dll/PDFSettings/preview/picture_file.h"
+#include "common/qk/disk_file.h"
+#include "common/icc_folder.h"
 #include "common/icc_profile.h"
-#include "common/paths.h"
+#include "common/qk/paths.h"
 #include "common/rwPDFSet_functions.h"
-#include "common/text.h"
+#include "common/qk/text.h"
 #include "print_settings/PSAdmin.h"
 #include "support/import_patch.h"
 #include "support/profile_folder.h"

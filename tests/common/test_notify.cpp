@@ -11,6 +11,7 @@
 #include <regex>
 
 #include "common/ErrorNotify.h"
+#include "common/icc_folder.h"
 #include "common/icc_profile.h"
 #include "common/teskel_custom_2021.h"
 #include "companions/thread.h"

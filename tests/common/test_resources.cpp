@@ -8,12 +8,12 @@
 #include <stdexcept>
 
 #include "UI_dll/plotui.h"
-#include "common/MMF.h"
+#include "common/qk/MMF.h"
 #include "common/job_records.h"
-#include "common/memory_probe.h"
-#include "common/module.h"
-#include "common/resource_dll.h"
-#include "common/text.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/module.h"
+#include "common/qk/resource_dll.h"
+#include "common/qk/text.h"
 #include "companions/wine_layer.h"
 #include "resources/ids.h"
 #include "support/guarded_buffer.h"

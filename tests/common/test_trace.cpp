@@ -4,9 +4,9 @@
 #include <functional>
 
 #include "UI_dll/cpsui.h"
-#include "common/paths.h"
-#include "common/registry.h"
-#include "common/resource_dll.h"
+#include "common/qk/paths.h"
+#include "common/qk/registry.h"
+#include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/teskel_custom_2021.h"
 #include "common/threadprop.h"

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "UI_dll/plotui.h"
+#include "common/qk/resource_dll.h"
 #include "companions/compstui/option_item.h"
 #include "companions/compstui_player.h"
 #include "resources/ids.h"
@@ -54,7 +55,7 @@ TEST(CompstuiOptions, OnlyWithPermissionTheyChange) {
         group.item.Flags = OPTIF_CALLBACK | row.item_flags;
         group.page.Flags = 0;
         group.page.DlgTemplateID = row.template_id;
-        group.sheet.hInstCaller = plotui::resource_module();
+        group.sheet.hInstCaller = qk::resource_module();
         group.sheet.Flags = row.sheet_flags;
         group.sheet.pfnCallBack = &keep_told;
         told = {};

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "common/handle.h"
-#include "common/paths.h"
-#include "common/registry.h"
+#include "common/qk/handle.h"
+#include "common/qk/paths.h"
+#include "common/qk/registry.h"
 #include "companions/host/host_error.h"
 #include "companions/host/setting_choice.h"
 #include "companions/host/sheet_host.h"

@@ -4,7 +4,7 @@
 
 #include <shellapi.h>
 
-#include "common/handle.h"
+#include "common/qk/handle.h"
 #include "companions/command_line.h"
 #include "companions/host/options.h"
 

@@ -3,8 +3,8 @@
 
 #include <picojson.h>
 
-#include "common/handle.h"
-#include "common/paths.h"
+#include "common/qk/handle.h"
+#include "common/qk/paths.h"
 #include "print_settings/PrintSettings.h"
 #include "support/child_process.h"
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "common/MMF.h"
-#include "common/handle.h"
+#include "common/qk/MMF.h"
+#include "common/qk/handle.h"
 #include "companions/host/held.h"
 #include "companions/host/trace_output.h"
 

@@ -8,9 +8,9 @@
 #include <set>
 #include <vector>
 
-#include "common/paths.h"
-#include "common/text.h"
-#include "common/lock.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
+#include "common/qk/lock.h"
 #include "companions/tessalo/output_choice.h"
 #include "companions/thread.h"
 #include "support/temp_folder.h"

@@ -5,7 +5,7 @@
 
 #include <commdlg.h>
 
-#include "common/gdi_handle.h"
+#include "common/qk/gdi_handle.h"
 #include "companions/host/print_processor.h"
 #include "companions/host/printer_setup.h"
 #include "support/installed_printer.h"

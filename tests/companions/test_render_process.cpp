@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <string>
 
-#include "common/MMF.h"
+#include "common/qk/MMF.h"
 #include "common/job_records.h"
-#include "common/paths.h"
-#include "common/text.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "companions/reservation.h"
 #include "companions/wine_layer.h"
 #include "print_settings/PrintSettings.h"

@@ -6,10 +6,10 @@
 #include <string>
 
 #include "common/dialog_library.h"
-#include "common/handle.h"
-#include "common/paths.h"
-#include "common/registry.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/paths.h"
+#include "common/qk/registry.h"
+#include "common/qk/text.h"
 #include "companions/tessalo/options.h"
 #include "companions/thread.h"
 #include "print_settings/PrintSettings.h"

@@ -4,8 +4,8 @@
 
 #include "UI_dll/cpsui.h"
 #include "common/ErrorNotify.h"
-#include "common/override_ini.h"
-#include "common/resource_dll.h"
+#include "common/qk/override_ini.h"
+#include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/teskel_custom_2021.h"
 #include "companions/host/setting_check.h"

@@ -21,7 +21,7 @@
 #include <random>
 #include <utility>
 
-#include "common/resource_dll.h"
+#include "common/qk/resource_dll.h"
 #include "fuzz/kinds.h"
 #include "support/damage.h"
 

@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "UI_dll/ddi.h"
-#include "common/handle.h"
+#include "common/qk/handle.h"
 #include "common/job_records.h"
-#include "common/text.h"
+#include "common/qk/text.h"
 #include "common/threadprop.h"
 #include "print_settings/PrintSettings.h"
 #include "support/fake_tessalo.h"

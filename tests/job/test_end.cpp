@@ -6,7 +6,7 @@
 #include <cstring>
 #include <functional>
 
-#include "common/module.h"
+#include "common/qk/module.h"
 #include "job/document_event.h"
 #include "support/guarded_buffer.h"
 #include "support/trace_capture.h"

@@ -2,7 +2,7 @@
 #include <functional>
 
 #include "job/job_fixture.h"
-#include "common/resource_dll.h"
+#include "common/qk/resource_dll.h"
 #include "resources/ids.h"
 #include "support/profile_folder.h"
 #include "support/trace_capture.h"

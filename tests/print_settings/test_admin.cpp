@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "common/paths.h"
+#include "common/qk/paths.h"
 #include "print_settings/PSAdmin.h"
 #include "support/registry_override.h"
 #include "support/temp_folder.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "common/resource_dll.h"
+#include "common/qk/resource_dll.h"
 #include "print_settings/differences.h"
 #include "print_settings/display.h"
 #include "print_settings/field_tables.h"

@@ -4,7 +4,7 @@
 #include <functional>
 #include <utility>
 
-#include "common/wipe.h"
+#include "common/qk/wipe.h"
 #include "companions/host/report_parts.h"
 #include "companions/host/setting_check.h"
 #include "print_settings/PSAdmin.h"

@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "common/handle.h"
-#include "common/paths.h"
+#include "common/qk/handle.h"
+#include "common/qk/paths.h"
 #include "common/rwPDFSet_functions.h"
-#include "common/text.h"
+#include "common/qk/text.h"
 #include "companions/thread.h"
 #include "print_settings/PrintSettings.h"
 #include "support/child_process.h"

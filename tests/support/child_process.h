@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "common/handle.h"
+#include "common/qk/handle.h"
 #include "support/installation.h"
 
 // Runs the built `program` with a whole command line and returns its exit code; -1, with a failure of the

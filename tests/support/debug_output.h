@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "common/lock.h"
-#include "common/text.h"
+#include "common/qk/lock.h"
+#include "common/qk/text.h"
 
 class DebugOutput {
 public:

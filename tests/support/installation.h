@@ -11,10 +11,10 @@
 #include <string_view>
 #include <vector>
 
-#include "common/handle.h"
-#include "common/lock.h"
-#include "common/paths.h"
-#include "common/text.h"
+#include "common/qk/handle.h"
+#include "common/qk/lock.h"
+#include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "support/fake_printer.h"
 #include "support/import_patch.h"
 #include "support/registry_override.h"

@@ -7,8 +7,8 @@
 
 #include <string>
 
-#include "common/handle.h"
-#include "common/module.h"
+#include "common/printer_handle.h"
+#include "common/qk/module.h"
 #include "support/installation.h"
 
 struct InstalledPrinter {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "common/resource_dll.h"
+#include "common/qk/resource_dll.h"
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "common/text.h"
+#include "common/qk/text.h"
 #include "support/import_patch.h"
 #include "support/temp_folder.h"
 

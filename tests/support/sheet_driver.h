@@ -17,10 +17,11 @@
 #include <utility>
 
 #include "UI_dll/PDFSettings/dialog_state.h"
-#include "UI_dll/PDFSettings/edit_sheet.h"
-#include "UI_dll/PDFSettings/exchange.h"
-#include "UI_dll/PDFSettings/page.h"
-#include "UI_dll/PDFSettings/page_pdf_version_rules.h"
+#include "UI_dll/PDFSettings/edit/edit_sheet.h"
+#include "UI_dll/PDFSettings/pages/exchange.h"
+#include "UI_dll/PDFSettings/edit/page_table.h"
+#include "UI_dll/PDFSettings/messages.h"
+#include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
 #include "UI_dll/plotui.h"
 #include "common/threadprop.h"
 #include "resources/ids.h"
@@ -85,7 +86,7 @@ protected:
     // Shows the sheet for a new setting, or for the file at `path` with what setting() holds, and runs the
     // script. Returns when the sheet is closed.
     void show(const std::function<void()>& script, const std::wstring& path = {}) {
-        auto& state = pdf_settings::dialog_state();
+        auto& state = pdf_settings::dialog_state().file;
         state.path = path;
         state.saved = std::make_unique<pdf_settings::Setting>(setting());
         const Later later([] { return sheet() != nullptr; },
@@ -98,12 +99,12 @@ protected:
 
     // Null until every page is there.
     static HWND sheet() {
-        for (const HWND page : pdf_settings::dialog_state().pages)
+        for (const HWND page : pdf_settings::dialog_state().sheet.pages)
             if (!page)
                 return nullptr;
-        return GetParent(pdf_settings::dialog_state().pages[0]);
+        return GetParent(pdf_settings::dialog_state().sheet.pages[0]);
     }
-    static HWND page(PageIndex index) { return pdf_settings::dialog_state().pages[index]; }
+    static HWND page(PageIndex index) { return pdf_settings::dialog_state().sheet.pages[index]; }
     static HWND control(PageIndex index, int id) { return GetDlgItem(page(index), id); }
 
     // Turns to a page, as its tab does; false when the current one does not let go.
@@ -134,7 +135,7 @@ protected:
             PostMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
     }
     // Whether the sheet stayed open for show() to cancel it.
-    static bool stayed_open() { return pdf_settings::dialog_state().cancelled; }
+    static bool stayed_open() { return pdf_settings::dialog_state().list.edit_cancelled; }
 
     // What a user does with a control, with the notifications that follow.
     static void click(PageIndex index, int id) { SendMessageW(control(index, id), BM_CLICK, 0, 0); }

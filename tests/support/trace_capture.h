@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "common/lock.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/lock.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 #include "support/import_patch.h"
 
 class TraceCapture {

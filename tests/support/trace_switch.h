@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "common/handle.h"
+#include "common/qk/handle.h"
 
 class TraceSwitch {
 public:

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "common/text.h"
+#include "common/qk/text.h"
 
 class Variable {
 public:

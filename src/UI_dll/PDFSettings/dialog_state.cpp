@@ -11,7 +11,7 @@ thread_local DialogState* current_of_thread = nullptr;
 
 std::unique_ptr<DialogState>& place_of(HWND list_page) noexcept {
     auto* place = &newest_of_thread;
-    while (*place && (*place)->list_page != list_page)
+    while (*place && (*place)->list.page != list_page)
         place = &(*place)->before;
     return *place;
 }
@@ -28,7 +28,7 @@ DialogState& dialog_state() {
 
 void open_dialog_state(HWND list_page) {
     auto state = std::make_unique<DialogState>();
-    state->list_page = list_page;
+    state->list.page = list_page;
     state->before = std::move(newest_of_thread);
     newest_of_thread = std::move(state);
 }
@@ -50,13 +50,13 @@ void release_dialog_state() noexcept {
 
 HWND list_page_in(HWND sheet) noexcept {
     for (const DialogState* state = newest_of_thread.get(); state; state = state->before.get())
-        if (state->list_sheet == sheet)
-            return state->list_page;
+        if (state->list.sheet == sheet)
+            return state->list.page;
     return nullptr;
 }
 
 DialogOfPage::DialogOfPage(HWND list_page) noexcept
-    : outer_(current_of_thread ? current_of_thread->list_page : nullptr) {
+    : outer_(current_of_thread ? current_of_thread->list.page : nullptr) {
     DialogState* const state = list_page ? place_of(list_page).get() : nullptr;
     found_ = state != nullptr;
     current_of_thread = state;
@@ -68,14 +68,14 @@ DialogOfPage::~DialogOfPage() {
 }
 
 Setting& edited_setting() {
-    auto& edited = dialog_state().edited;
+    auto& edited = dialog_state().file.edited;
     if (!edited)
         edited = std::make_unique<Setting>();
     return *edited;
 }
 
 Setting& loaded_setting() {
-    auto& saved = dialog_state().saved;
+    auto& saved = dialog_state().file.saved;
     if (!saved)
         saved = std::make_unique<Setting>(edited_setting());
     return *saved;

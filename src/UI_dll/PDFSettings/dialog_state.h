@@ -9,7 +9,8 @@
 #include <optional>
 #include <string>
 
-#include "common/gdi_handle.h"
+#include "common/qk/gdi_handle.h"
+#include "common/qk/wipe.h"
 #include "print_settings/PrintSettings.h"
 
 namespace pdf_settings {
@@ -43,28 +44,42 @@ struct PageIcons {
     qk::Icon page, make, edit, remove, no_remove;
 };
 
-struct DialogState {
-    PageIcons icons;
-    std::optional<int> last_row;  // the list row that was selected last
-    bool filling = false;         // the list is being filled: its notifications are not the user's
-    bool imported = false;        // older versions' settings have been looked for
-    std::wstring install_folder;  // looked up once: it does not move while a dialog is open
+// Three records by lifetime; each is released as a whole, by an empty one in its place.
 
+// As long as the list page is open.
+struct ListPageState {
+    PageIcons icons;
+    std::optional<int> last_row;           // the list row that was selected last
+    bool filling = false;                  // the list is being filled: its notifications are not the user's
+    bool imported = false;                 // older versions' settings have been looked for
+    std::wstring install_folder;           // looked up once: it does not move while a dialog is open
+    std::unique_ptr<PageHelper> view_box;  // what the drawing of the page keeps
+    std::unique_ptr<PageHelper> font_states;  // the table of font_states.h
+    HWND page = nullptr;
+    HWND sheet = nullptr;          // the page's parent, whose window procedure is replaced
+    bool edit_cancelled = false;   // the last edit sheet was
+    HANDLE dpi_context = nullptr;  // the thread's, before the page was opened
+};
+
+// As long as one setting is selected.
+struct EditedFile {
     std::unique_ptr<Setting> edited;  // the setting being edited, see edited_setting()
     std::unique_ptr<Setting> saved;   // as it was loaded; compared with on OK
     std::wstring path;                // the file that both were loaded from
+};
 
+// As long as the edit sheet is open.
+struct OpenSheet {
     std::array<std::unique_ptr<PageHelper>, kPageCount> helpers;
-    std::unique_ptr<PageHelper> view_box;     // what the drawing of the page keeps
-    std::unique_ptr<PageHelper> font_states;  // the table of font_states.h
-    std::array<HWND, kPageCount> pages = {};  // of the open edit sheet
-    std::map<HWND, std::wstring> shown;       // what its controls showed at first, see is_touched()
-    bool opening = false;                     // its pages are being made: nothing is checked
-    bool cancelled = false;                   // the edit sheet was cancelled
+    std::array<HWND, kPageCount> pages = {};
+    std::map<HWND, qk::SecretText> shown;  // what its controls showed at first, see is_touched()
+    bool opening = false;                  // its pages are being made: nothing is checked
+};
 
-    HWND list_page = nullptr;
-    HWND list_sheet = nullptr;            // the list page's parent, whose window procedure is replaced
-    HANDLE dpi_context = nullptr;         // the thread's, before the list page was opened
+struct DialogState {
+    ListPageState list;
+    EditedFile file;
+    OpenSheet sheet;
     std::unique_ptr<DialogState> before;  // of the list page that the thread showed already
 };
 
@@ -106,7 +121,7 @@ private:
 // The page's helper, made on first use.
 template <class Helper>
 [[nodiscard]] Helper& page_helper(PageIndex page) {
-    auto& slot = dialog_state().helpers[page];
+    auto& slot = dialog_state().sheet.helpers[page];
     if (!slot)
         slot = std::make_unique<Helper>();
     return static_cast<Helper&>(*slot);

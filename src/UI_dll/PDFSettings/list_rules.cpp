@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <array>
 
-#include "common/text.h"
+#include "common/qk/text.h"
 
 namespace pdf_settings {
 

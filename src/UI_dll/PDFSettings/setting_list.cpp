@@ -9,11 +9,11 @@
 #include <span>
 #include <utility>
 
-#include "common/paths.h"
-#include "common/registry.h"
+#include "common/qk/paths.h"
+#include "common/qk/registry.h"
 #include "common/rwPDFSet_functions.h"
-#include "common/text.h"
-#include "common/trace.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
 
 namespace pdf_settings {
 
@@ -33,7 +33,7 @@ std::wstring with_backslash(std::wstring folder) {
 }
 
 std::array<Folder, 4> listed_folders() {
-    std::wstring& root = dialog_state().install_folder;
+    std::wstring& root = dialog_state().list.install_folder;
     if (root.empty())
         root = qk::install_folder();
     // Without an installation nothing is looked for in the host's current folder.
@@ -124,7 +124,7 @@ void copy_settings(const std::wstring& from, const std::wstring& to) {
 }  // namespace
 
 void ImportOldCustomSettings() {
-    if (std::exchange(dialog_state().imported, true))
+    if (std::exchange(dialog_state().list.imported, true))
         return;  // a list that is filled again asks nobody
     const qk::registry::CurrentUser user;
     if (qk::registry::find_number(user.get(), qk::registry::kRoot, kImported).value_or(0) != 0)
@@ -191,7 +191,7 @@ std::wstring create_setting_file(const Setting& setting) {
 
 bool LoadSettingFile(const std::wstring& path) {
     TRACE("LoadSettingFile");
-    DialogState& state = dialog_state();
+    EditedFile& state = dialog_state().file;
     Setting& edited = edited_setting();
     edited = Setting();
     state.path = path;

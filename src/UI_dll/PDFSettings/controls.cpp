@@ -1,0 +1,72 @@
+#include "UI_dll/PDFSettings/controls.h"
+
+#include "UI_dll/PDFSettings/messages.h"
+
+namespace pdf_settings {
+
+std::wstring window_text(HWND window) {
+    const int length = GetWindowTextLengthW(window);
+    if (length <= 0)
+        return {};
+    std::wstring text(static_cast<size_t>(length), L'\0');
+    text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), length + 1)));
+    return text;
+}
+
+std::wstring control_text(HWND page, int control) {
+    const HWND window = GetDlgItem(page, control);
+    return window ? window_text(window) : std::wstring();
+}
+
+bool is_checked(HWND page, int control) noexcept {
+    return IsDlgButtonChecked(page, control) == BST_CHECKED;
+}
+
+void set_checked(HWND page, int control, bool checked) noexcept {
+    CheckDlgButton(page, control, checked ? BST_CHECKED : BST_UNCHECKED);
+}
+
+void enable(HWND page, int control, bool enabled) noexcept {
+    if (const HWND window = GetDlgItem(page, control))
+        EnableWindow(window, enabled);
+}
+
+void set_shown(HWND page, int control, bool shown) noexcept {
+    if (const HWND window = GetDlgItem(page, control))
+        ShowWindow(window, shown ? SW_SHOWNA : SW_HIDE);
+}
+
+void fill_list(HWND page, int control, UINT first, UINT count) {
+    SendDlgItemMessageW(page, control, CB_RESETCONTENT, 0, 0);
+    for (UINT id = first; id < first + count; ++id) {
+        const std::wstring text = dialog_text(id);
+        SendDlgItemMessageW(page, control, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    }
+}
+
+int selected(HWND page, int control, int otherwise) noexcept {
+    const LRESULT position = SendDlgItemMessageW(page, control, CB_GETCURSEL, 0, 0);
+    return position >= 0 ? static_cast<int>(position) : otherwise;
+}
+
+void select(HWND page, int control, int position) noexcept {
+    SendDlgItemMessageW(page, control, CB_SETCURSEL, static_cast<WPARAM>(position), 0);
+}
+
+RECT window_place(HWND window, HWND parent) noexcept {
+    RECT place = {};
+    GetWindowRect(window, &place);
+    MapWindowPoints(HWND_DESKTOP, parent, reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
+RedrawOff::RedrawOff(HWND window) noexcept : window_(window) {
+    SendMessageW(window_, WM_SETREDRAW, FALSE, 0);
+}
+
+RedrawOff::~RedrawOff() {
+    SendMessageW(window_, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(window_, nullptr, TRUE);
+}
+
+}  // namespace pdf_settings

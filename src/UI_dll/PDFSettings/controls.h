@@ -1,0 +1,47 @@
+// What touches the controls of the dialog's windows.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <string>
+
+namespace pdf_settings {
+
+// The text of a window, whole.
+[[nodiscard]] std::wstring window_text(HWND window);
+
+[[nodiscard]] std::wstring control_text(HWND page, int control);
+[[nodiscard]] bool is_checked(HWND page, int control) noexcept;
+void set_checked(HWND page, int control, bool checked) noexcept;
+void enable(HWND page, int control, bool enabled) noexcept;
+void set_shown(HWND page, int control, bool shown) noexcept;
+
+template <size_t Count>
+void enable(HWND page, const std::array<int, Count>& controls, bool enabled) noexcept {
+    for (const int control : controls)
+        enable(page, control, enabled);
+}
+
+// Fills a combo box anew with the string resources `first` .. `first + count - 1`.
+void fill_list(HWND page, int control, UINT first, UINT count);
+// The selected position of a combo box, or `otherwise` when nothing is selected.
+[[nodiscard]] int selected(HWND page, int control, int otherwise = 0) noexcept;
+void select(HWND page, int control, int position) noexcept;
+
+// Where a window lies in its parent, in pixels.
+[[nodiscard]] RECT window_place(HWND window, HWND parent) noexcept;
+
+// While it lives the window does not draw; it is drawn anew at the end.
+class RedrawOff {
+public:
+    explicit RedrawOff(HWND window) noexcept;
+    ~RedrawOff();
+    RedrawOff(const RedrawOff&) = delete;
+    RedrawOff& operator=(const RedrawOff&) = delete;
+
+private:
+    HWND window_;
+};
+
+}  // namespace pdf_settings

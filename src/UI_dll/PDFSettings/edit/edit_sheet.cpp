@@ -1,0 +1,215 @@
+#include "UI_dll/PDFSettings/edit/edit_sheet.h"
+
+#include <algorithm>
+#include <array>
+
+#include "UI_dll/PDFSettings/controls.h"
+#include "UI_dll/PDFSettings/edit/changes_box.h"
+#include "UI_dll/PDFSettings/pages/exchange.h"
+#include "UI_dll/PDFSettings/edit/page_table.h"
+#include "UI_dll/PDFSettings/messages.h"
+#include "UI_dll/PDFSettings/pages/page_general_rules.h"
+#include "UI_dll/PDFSettings/setting_list.h"
+#include "common/qk/resource_dll.h"
+#include "common/qk/activation_context.h"
+#include "common/qk/text.h"
+#include "common/threadprop.h"
+#include "common/qk/trace.h"
+#include "lib/forms.h"
+#include "print_settings/display.h"
+#include "resources/ids.h"
+
+namespace pdf_settings {
+
+namespace {
+
+bool is_new_sheet() {
+    ULONG_PTR value = 0;
+    GetThreadProp(threadprop::kNewSheet, value);
+    return value != 0;
+}
+
+// --- The sheet ---
+
+void move(HWND sheet, int button, int left, const RECT& place) noexcept {
+    SetWindowPos(GetDlgItem(sheet, button), nullptr, left, place.top, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// The sheet hides its Apply button and gives Cancel the place; ours checks the pages. It is shown again,
+// twice as wide, and the row of buttons moves left by what it then takes.
+void set_up_check_button(HWND sheet) {
+    const HWND apply = GetDlgItem(sheet, kApplyButton);
+    if (!apply)
+        return;
+    const RECT ok = window_place(GetDlgItem(sheet, IDOK), sheet);
+    const RECT cancel = window_place(GetDlgItem(sheet, IDCANCEL), sheet);
+    const RECT place = window_place(apply, sheet);
+    const int width = 2 * (place.right - place.left);
+    const int left = std::min<int>(place.left, std::max(place.right, cancel.right) - width);
+    SetWindowPos(apply, nullptr, left, place.top, width, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW);
+    SetWindowTextW(apply, dialog_text(IDS_CHECK_BUTTON).c_str());
+    EnableWindow(apply, TRUE);
+    if (const int overlap = cancel.right - left; overlap > 0) {
+        const int gap = std::max<int>(0, cancel.left - ok.right);
+        move(sheet, IDCANCEL, cancel.left - overlap - gap, cancel);
+        move(sheet, IDOK, ok.left - overlap - gap, ok);
+    }
+    // The sheet greys the button once more before it stands.
+    PostMessageW(dialog_state().sheet.pages[kGeneralPage], kSheetStands, 0, 0);
+}
+
+// PSP_PREMATURE asks for every page at once: OK applies, and pages read, what others show. Where the system
+// does not take the flag, turning to each page makes it.
+void make_every_page(HWND sheet) {
+    OpenSheet& state = dialog_state().sheet;
+    state.opening = true;
+    bool turned = false;
+    for (size_t page = 0; page < kPageCount; ++page)
+        if (!state.pages[page])
+            turned = SendMessageW(sheet, PSM_SETCURSEL, page, 0) || turned;
+    if (turned)
+        SendMessageW(sheet, PSM_SETCURSEL, kGeneralPage, 0);
+    state.opening = false;
+}
+
+int CALLBACK sheet_callback(HWND sheet, UINT message, LPARAM) {
+    return qk::guarded<int>(0, [&] {
+        if (message != PSCB_INITIALIZED)
+            return 0;
+        SetWindowLongPtrW(sheet, GWL_EXSTYLE,
+                          GetWindowLongPtrW(sheet, GWL_EXSTYLE) & ~static_cast<LONG_PTR>(WS_EX_CONTEXTHELP));
+        make_every_page(sheet);
+        if (qk::resource_module())
+            set_up_check_button(sheet);
+        return 0;
+    });
+}
+
+std::array<PROPSHEETPAGEW, kPageCount> page_records() {
+    std::array<PROPSHEETPAGEW, kPageCount> records = {};
+    for (size_t i = 0; i < kPageCount; ++i) {
+        const PageRow& row = page_table()[i];
+        PROPSHEETPAGEW& record = records[i];
+        record.dwSize = sizeof record;
+        record.dwFlags = PSP_USETITLE | PSP_USEICONID | PSP_PREMATURE;
+        record.hInstance = qk::resource_module();
+        record.pszTemplate = MAKEINTRESOURCEW(row.operations->template_id);
+        record.pszTitle = MAKEINTRESOURCEW(row.operations->title_id);
+        record.pfnDlgProc = row.procedure;
+    }
+    return records;
+}
+
+// --- Saving ---
+
+int tell_not_saved(HWND page, const std::wstring& path, DWORD error) {
+    const std::wstring what = path.empty() ? dialog_text(IDS_NO_USER_FOLDER) : path;
+    show_message(page,
+                 qk::format(dialog_text(IDS_NOT_SAVED).c_str(), what.c_str(), system_text(error).c_str()),
+                 IDS_REFUSED, MB_OK | MB_ICONERROR);
+    return kNotSaved;
+}
+
+// As the printer has it.
+std::wstring name_of_paper(int32_t number) {
+    ULONG_PTR printer = 0;
+    GetThreadProp(threadprop::kPrinter, printer);
+    FormRecords forms;
+    if (!printer || !ZRTK_EnumForms(reinterpret_cast<HANDLE>(printer), nullptr, forms))
+        return {};
+    const FormRecord* form = find_form(forms.list, number);
+    return form ? form->name : std::wstring();
+}
+
+int save_existing(HWND page) {
+    const std::wstring& path = dialog_state().file.path;
+    const Setting& edited = edited_setting();
+    if (edited == loaded_setting())
+        return kSaved;
+    if (!confirm_changes(page, Changed2Str(loaded_setting(), edited, &name_of_paper)))
+        return kSaveDeclined;
+    // Takes the old file's place in one step: there is no moment without one of the two.
+    return edited.Save(path) ? kSaved : tell_not_saved(page, path, GetLastError());
+}
+
+int save_new(HWND page) {
+    if (edited_setting()->PSName.empty())
+        return kNotSaved;
+    std::wstring path = create_setting_file(edited_setting());
+    if (path.empty())
+        return tell_not_saved(page, path, GetLastError());
+    dialog_state().file.path = std::move(path);
+    return kSaved;
+}
+
+}  // namespace
+
+std::wstring sheet_caption(const std::wstring& name, bool is_new) {
+    constexpr size_t kCaptionUnits = 260;
+    std::wstring caption = dialog_text(IDS_SHEET_NEW);
+    if (!is_new && !name.empty())
+        caption = qk::format(dialog_text(IDS_SHEET_CAPTION).c_str(), name.c_str());
+    return std::wstring(cut(caption, kCaptionUnits - 1));
+}
+
+bool CheckAllProperties(HWND /*page*/) {
+    TRACE("CheckAllProperties");
+    for (size_t page = 0; page < kPageCount; ++page)
+        if (!check_page(static_cast<PageIndex>(page))) {
+            TRACE_F(L"page %d is not valid", static_cast<int>(page));
+            return false;
+        }
+    return true;
+}
+
+int save_step(HWND page, bool from_ok) {
+    if (!CheckAllProperties(page))
+        return kNotSaved;
+    if (!from_ok) {
+        show_message(page, dialog_text(IDS_CHECKED), IDS_REFUSED, MB_OK | MB_ICONINFORMATION);
+        return kNotSaved;
+    }
+    const bool is_new = is_new_sheet();
+    if (is_name_taken(edited_setting()->PSName, is_new ? std::wstring() : dialog_state().file.path)) {
+        show_message(page, dialog_text(IDS_NAME_TAKEN), IDS_NAME_TAKEN_CAPTION, MB_OK | MB_ICONERROR);
+        return kSaveRefused;
+    }
+    return is_new ? save_new(page) : save_existing(page);
+}
+
+INT_PTR DoPropertySheet(HWND list_page, bool is_new) {
+    TRACE("DoPropertySheet");
+    const auto records = page_records();
+    const std::wstring caption = sheet_caption(edited_setting()->PSName, is_new);
+    (void)loaded_setting();  // from here on
+    PROPSHEETHEADERW header = {sizeof header};
+    header.dwFlags = PSH_PROPSHEETPAGE | PSH_USEICONID | PSH_NOAPPLYNOW | PSH_USECALLBACK;
+    header.hwndParent = list_page;
+    header.hInstance = qk::resource_module();
+    header.pszCaption = caption.c_str();
+    header.nPages = static_cast<UINT>(records.size());
+    header.ppsp = records.data();
+    header.pfnCallback = &sheet_callback;
+
+    SetThreadProp(threadprop::kNewSheet, is_new ? 1 : 0);
+    dialog_state().sheet = {};
+    dialog_state().list.edit_cancelled = false;
+    INT_PTR result = 0;
+    {
+        const qk::CommonControls controls;
+        const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_USEREX_CLASSES | ICC_UPDOWN_CLASS};
+        InitCommonControlsEx(&classes);
+        TRACE("call PropertySheet");
+        result = PropertySheetW(&header);
+        TRACE("ret PropertySheet");
+    }
+    if (dialog_state().list.page == list_page)  // it may have gone, with its state
+        dialog_state().sheet = {};
+    TRACE("FreeThreadProp");
+    FreeThreadProp(threadprop::kNewSheet);
+    return result;
+}
+
+}  // namespace pdf_settings

@@ -1,0 +1,12 @@
+// Editing what is selected in the list.
+#pragma once
+
+#include <windows.h>
+
+namespace pdf_settings {
+
+// Opens the edit sheet for the setting loaded from the selected row: the file itself, or, when `is_new` or
+// when the row is not the user's to edit, a copy with a free name. Refills the list afterwards.
+void DoEditDialog(HWND list_page, bool is_new);
+
+}  // namespace pdf_settings

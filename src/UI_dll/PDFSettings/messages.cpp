@@ -1,0 +1,52 @@
+#include "UI_dll/PDFSettings/messages.h"
+
+#include "common/qk/resource_dll.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
+#include "resources/ids.h"
+
+namespace pdf_settings {
+
+std::wstring dialog_text(UINT id) {
+    const HMODULE library = qk::resource_module();
+    // Strings lie in blocks of sixteen; an id whose block is there has an empty text, at least.
+    if (!library || !FindResourceW(library, MAKEINTRESOURCEW(id / 16 + 1), RT_STRING))
+        return qk::format(L"(no id{%u})", id);
+    return qk::find_string(library, id).value_or(qk::format(L"(no string{%u})", id));
+}
+
+int show_message(HWND owner, const std::wstring& text, UINT caption_id, UINT style) {
+    return MessageBoxW(owner, text.c_str(), dialog_text(caption_id).c_str(), style);
+}
+
+void tell_failure(HWND owner) noexcept {
+    TRACE("err:tell_failure");
+    const HMODULE library = qk::resource_module();
+    wchar_t text[600] = {}, caption[100] = {};
+    LoadStringW(library, IDS_FAILED, text, static_cast<int>(std::size(text)));
+    LoadStringW(library, IDS_REFUSED, caption, static_cast<int>(std::size(caption)));
+    MessageBoxW(owner, text, caption, MB_OK | MB_ICONERROR);
+}
+
+bool refuse(HWND page, int control, UINT text_id, UINT icon) {
+    return refuse(page, control, dialog_text(text_id), icon);
+}
+
+bool refuse(HWND page, int control, const std::wstring& text, UINT icon) {
+    TRACE_F(L"refused: %d", control);
+    show_message(page, text, IDS_REFUSED, MB_OK | icon);
+    if (const HWND window = GetDlgItem(page, control)) {
+        SetFocus(window);
+        SendMessageW(window, EM_SETSEL, 0, -1);
+    }
+    return false;
+}
+
+std::wstring system_text(DWORD error) {
+    wchar_t text[400] = {};
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                        error, 0, text, static_cast<DWORD>(std::size(text)), nullptr);
+    return length > 0 ? std::wstring(text, length) : qk::format(L"%lu", error);
+}
+
+}  // namespace pdf_settings

@@ -1,0 +1,331 @@
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+
+#include "UI_dll/PDFSettings/messages.h"
+#include "UI_dll/PDFSettings/pages/dlg_item.h"
+#include "UI_dll/PDFSettings/pages/exchange.h"
+#include "UI_dll/PDFSettings/pages/page.h"
+#include "UI_dll/PDFSettings/pages/page_general_rules.h"
+#include "UI_dll/PDFSettings/pages/page_pdf_version.h"
+#include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
+#include "UI_dll/PDFSettings/setting_list.h"
+#include "common/dialog_library.h"
+#include "common/qk/paths.h"
+#include "common/threadprop.h"
+#include "common/qk/trace.h"
+#include "resources/ids.h"
+
+namespace pdf_settings {
+
+namespace {
+
+using Corvanta::Vantrix::PrintSettings::General_impl;
+
+constexpr size_t kMostNameUnits = 100;
+constexpr size_t kFolderUnits = 512;  // also the buffer of "GetBrowsePath"
+constexpr size_t kLengthUnits = 7;    // "3276.70"
+constexpr wchar_t kFormNameKey[] = L"PaperName";
+
+struct GeneralHelper final : PageHelper {
+    std::wstring name;  // of the setting, as the sheet opened
+    FormRecords forms;  // in list order; the items of the paper list point at them
+    std::shared_ptr<DlgRadioGroup> paper_type;
+};
+
+constexpr std::tuple kControls = {
+    CheckBox{IDC_LINEARIZE, &General_impl::Linearize},
+    CheckBox{IDC_OPEN_PDF, &General_impl::OpenPDF},
+    Radios{std::array{IDC_OVERWRITE, IDC_ASK, IDC_NUMBER, IDC_REFUSE}, &General_impl::WhenSameName},
+    CheckBox{IDC_URL_LINK, &General_impl::URLLink},
+    CheckBox{IDC_NO_BLANK_PAGE, &General_impl::NoOutputBlankPage},
+    Text{IDC_OUTPUT_FOLDER, &General_impl::OutputFolder, kFolderUnits},
+    Radios{std::array{IDC_PORTRAIT, IDC_LANDSCAPE}, &General_impl::PaperOrientation},
+};
+
+constexpr std::array kPaperTypes = {IDC_PAPER_FORM, IDC_PAPER_CUSTOM};
+constexpr std::array kFolderControls = {IDC_OUTPUT_FOLDER_LABEL, IDC_OUTPUT_FOLDER, IDC_BROWSE};
+constexpr std::array kFormControls = {IDC_PAPER_LIST_LABEL, IDC_PAPER_LIST, IDC_PORTRAIT, IDC_LANDSCAPE};
+constexpr std::array kCustomControls = {IDC_PAPER_WIDTH_LABEL,  IDC_PAPER_WIDTH,  IDC_PAPER_WIDTH_UNIT,
+                                        IDC_PAPER_HEIGHT_LABEL, IDC_PAPER_HEIGHT, IDC_PAPER_HEIGHT_UNIT,
+                                        IDC_PAPER_RANGE};
+
+void show_text(HWND page, int control, const std::wstring& text, size_t limit) {
+    SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, limit, 0);
+    SetDlgItemTextW(page, control, text.c_str());
+}
+
+LRESULT add_item(HWND page, int control, const std::wstring& text) {
+    return SendDlgItemMessageW(page, control, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+bool saves_in_folder(HWND page) {
+    return selected(page, IDC_SAVE_STYLE) == 1;
+}
+
+void enable_folder(HWND page) {
+    enable(page, kFolderControls, saves_in_folder(page));
+}
+
+void enable_paper(HWND page, bool custom) {
+    enable(page, kFormControls, !custom);
+    enable(page, kCustomControls, custom);
+}
+
+// --- Filling the controls ---
+
+void show_resolution(HWND page, int32_t resolution) {
+    for (const int32_t listed : kResolutions)
+        add_item(page, IDC_RESOLUTION, std::to_wstring(listed));
+    const auto listed = std::ranges::find(kResolutions, resolution);
+    if (listed != kResolutions.end())
+        select(page, IDC_RESOLUTION, static_cast<int>(listed - kResolutions.begin()));
+    else if (resolution >= kLeastResolution)
+        SetDlgItemTextW(page, IDC_RESOLUTION, std::to_wstring(resolution).c_str());
+}
+
+// Earlier versions left a form without a visible name in the spooler's database.
+void delete_blank_form(HANDLE printer) noexcept {
+    wchar_t blank[] = L" ";
+    DeleteFormW(printer, blank);
+}
+
+void dlg_init_General_PaperCombo(HWND page) {
+    TRACE("dlg_init_General_PaperCombo");
+    ULONG_PTR printer = 0;
+    GetThreadProp(threadprop::kPrinter, printer);
+    auto& forms = page_helper<GeneralHelper>(kGeneralPage).forms;
+    const bool listed = ZRTK_EnumForms(reinterpret_cast<HANDLE>(printer), nullptr, forms) != 0;
+    delete_blank_form(reinterpret_cast<HANDLE>(printer));
+    if (!listed)
+        return;
+    forms.list = in_list_order(std::move(forms.list));
+    const RedrawOff redraw_off(GetDlgItem(page, IDC_PAPER_LIST));
+    SendDlgItemMessageW(page, IDC_PAPER_LIST, CB_RESETCONTENT, 0, 0);
+    for (const FormRecord& form : forms.list) {
+        const auto item = static_cast<WPARAM>(add_item(page, IDC_PAPER_LIST, form.name));
+        SendDlgItemMessageW(page, IDC_PAPER_LIST, CB_SETITEMDATA, item, reinterpret_cast<LPARAM>(&form));
+    }
+    if (const auto position = find_paper(forms.list, edited_setting().general()->PaperName))
+        select(page, IDC_PAPER_LIST, static_cast<int>(*position));
+}
+
+void show_paper_type(HWND page, bool custom) {
+    auto& group = page_helper<GeneralHelper>(kGeneralPage).paper_type;
+    group = std::make_shared<DlgRadioGroup>();
+    for (const int control : kPaperTypes) {
+        const auto button = std::make_shared<DlgRadioButton>(page, control);
+        button->set_checked((control == IDC_PAPER_CUSTOM) == custom);
+        group->add(button);
+    }
+}
+
+void dlg_init_General(HWND page) {
+    TRACE("dlg_init_General");
+    const Setting& setting = edited_setting();
+    const General_impl& general = *setting.general();
+    page_helper<GeneralHelper>(kGeneralPage).name = setting->PSName;
+    show_text(page, IDC_NAME, setting->PSName, kMostNameUnits);
+    load_controls(page, general, kControls);
+    fill_list(page, IDC_SAVE_STYLE, IDS_SAVE_STYLE_ASK, 2);
+    select(page, IDC_SAVE_STYLE, general.SaveStyle ? 1 : 0);
+    enable_folder(page);
+    show_text(page, IDC_PAPER_WIDTH, length_text(general.PaperWidth), kLengthUnits);
+    show_text(page, IDC_PAPER_HEIGHT, length_text(general.PaperHeight), kLengthUnits);
+    show_resolution(page, general.PaperResolution);
+    dlg_init_General_PaperCombo(page);
+    show_text(page, IDC_SCALE, std::to_wstring(general.Scale), kScaleUnits);
+    show_paper_type(page, general.PaperType);
+    enable_paper(page, general.PaperType);
+    set_shown(page, IDC_UNUSED, false);
+    set_checked(page, IDC_UNUSED, false);
+}
+
+// --- Commands ---
+
+const FormRecord* selected_form(HWND page) {
+    const int item = selected(page, IDC_PAPER_LIST, -1);
+    if (item < 0)
+        return nullptr;
+    return reinterpret_cast<const FormRecord*>(
+        SendDlgItemMessageW(page, IDC_PAPER_LIST, CB_GETITEMDATA, static_cast<WPARAM>(item), 0));
+}
+
+double millimetres(LONG thousandths) noexcept {
+    return thousandths / 1000.0;
+}
+
+void show_form_size(HWND page) {
+    const FormRecord* form = selected_form(page);
+    if (!form)
+        return;
+    const double width = millimetres(form->size.cx);
+    const double height = millimetres(form->size.cy);
+    TRACE_F(L"c=%d, DM=%d, w=%.2f, h =%.2f", selected(page, IDC_PAPER_LIST), int{form->paper_number}, width,
+            height);
+    // Limited as it will be stored: the check would refuse what the user cannot change.
+    SetDlgItemTextW(page, IDC_PAPER_WIDTH, length_text(paper_length(width)).c_str());
+    SetDlgItemTextW(page, IDC_PAPER_HEIGHT, length_text(paper_length(height)).c_str());
+}
+
+void browse(HWND page) {
+    const qk::DLL library = LoadInstallDll(dialog_library::kFileName);
+    const auto ask =
+        library ? qk::find_export<dialog_library::GetBrowsePath>(library.get(), "GetBrowsePath") : nullptr;
+    if (!ask)
+        return;
+    std::array<wchar_t, kFolderUnits + 1> folder = {};  // one more, should the library fill it to the brim
+    if (ask(folder.data(), control_text(page, IDC_OUTPUT_FOLDER).c_str()))
+        SetDlgItemTextW(page, IDC_OUTPUT_FOLDER, folder.data());
+}
+
+void command(HWND page, int control, int notification) {
+    switch (control) {
+        case IDC_PAPER_LIST:
+            if (notification == CBN_SELCHANGE)
+                show_form_size(page);
+            break;
+        case IDC_PAPER_FORM:
+        case IDC_PAPER_CUSTOM:
+            if (notification == BN_CLICKED &&
+                page_helper<GeneralHelper>(kGeneralPage).paper_type->command(control))
+                enable_paper(page, control == IDC_PAPER_CUSTOM);
+            break;
+        case IDC_SAVE_STYLE:
+            enable_folder(page);
+            break;
+        case IDC_BROWSE:
+            if (notification == BN_CLICKED)
+                browse(page);
+            break;
+        default:
+            break;
+    }
+}
+
+// --- Checking ---
+
+bool check_name(HWND page) {
+    const std::wstring name = control_text(page, IDC_NAME);
+    if (name.find_first_not_of(L' ') == std::wstring::npos)
+        return refuse(page, IDC_NAME, IDS_NO_NAME);
+    ULONG_PTR is_new = 0;
+    GetThreadProp(threadprop::kNewSheet, is_new);
+    if (is_name_taken(name, is_new ? std::wstring() : dialog_state().file.path))
+        return refuse(page, IDC_NAME, IDS_NAME_TAKEN);
+    return true;
+}
+
+bool check_length(HWND page, int control, float current) {
+    if (find_paper_length(control_text(page, control)))
+        return true;
+    SetDlgItemTextW(page, control, length_text(current).c_str());
+    return refuse(page, control, IDS_BAD_PAPER_SIZE);
+}
+
+// A folder that the setting has named all along may be missing on this computer only.
+bool check_folder(HWND page) {
+    return !saves_in_folder(page) || !is_touched(page, std::array{IDC_SAVE_STYLE, IDC_OUTPUT_FOLDER}) ||
+           qk::is_folder(control_text(page, IDC_OUTPUT_FOLDER)) ||
+           refuse(page, IDC_OUTPUT_FOLDER, IDS_NO_OUTPUT_FOLDER);
+}
+
+bool check_scale(HWND page, int32_t current) {
+    if (find_scale(control_text(page, IDC_SCALE)))
+        return true;
+    SetDlgItemTextW(page, IDC_SCALE, std::to_wstring(current).c_str());
+    return refuse(page, IDC_SCALE, IDS_BAD_SCALE);
+}
+
+bool check_links(HWND page) {
+    if (!is_checked(page, IDC_URL_LINK))
+        return true;
+    const uint32_t version = read_PDFVersion(page).Version;
+    const bool is_new = is_touched(page, IDC_URL_LINK) || version != loaded_setting().pdfVersion()->Version;
+    return !is_new || !is_press_standard(version) || refuse(page, IDC_URL_LINK, IDS_NO_LINKS);
+}
+
+bool dlg_killactive_General(HWND page) {
+    TRACE("dlg_killactive_General");
+    const General_impl& general = *loaded_setting().general();
+    return check_name(page) && check_length(page, IDC_PAPER_WIDTH, general.PaperWidth) &&
+           check_length(page, IDC_PAPER_HEIGHT, general.PaperHeight) && check_folder(page) &&
+           check_scale(page, general.Scale) && check_links(page);
+}
+
+// --- Reading the controls ---
+
+float read_length(HWND page, int control, float loaded) {
+    if (!is_touched(page, control))
+        return loaded;
+    return paper_length(find_plain_number(control_text(page, control)).value_or(loaded));
+}
+
+// Adds the form's name to the setting, since form numbers differ between printers. Where it was missing only,
+// the loaded one gets it too: nobody has changed anything that would have to be confirmed and saved.
+void name_form(const FormRecord& form, bool is_new) {
+    auto& loaded = loaded_setting().addition()->Str;
+    auto& edited = edited_setting().addition()->Str;
+    if (loaded_setting().general()->PaperName == form.paper_number)
+        loaded.try_emplace(kFormNameKey, form.name);
+    const auto entry = loaded.find(kFormNameKey);
+    if (is_new)
+        edited[kFormNameKey] = form.name;
+    else if (entry != loaded.end())
+        edited[kFormNameKey] = entry->second;
+    else
+        edited.erase(kFormNameKey);
+}
+
+// The number of a form that this computer does not have, or has for another one, stays until a paper is
+// chosen.
+void read_paper(HWND page, General_impl& read) {
+    const bool custom = !is_checked(page, IDC_PAPER_FORM);
+    const bool is_other_type = is_touched(page, kPaperTypes);
+    const bool is_new = is_other_type || is_touched(page, IDC_PAPER_LIST);
+    const FormRecord* form = selected_form(page);
+    if (custom) {
+        read.PaperWidth = read_length(page, IDC_PAPER_WIDTH, read.PaperWidth);
+        read.PaperHeight = read_length(page, IDC_PAPER_HEIGHT, read.PaperHeight);
+    } else if (form && is_new) {
+        read.PaperWidth = paper_length(millimetres(form->size.cx));
+        read.PaperHeight = paper_length(millimetres(form->size.cy));
+    }
+    if (is_other_type)
+        read.PaperType = custom ? 1 : 0;
+    if (form && is_new)
+        read.PaperName = static_cast<int16_t>(form->paper_number);
+    if (form)
+        name_form(*form, is_new);
+}
+
+void dlg_apply_General(HWND page) {
+    TRACE("dlg_apply_General");
+    Setting& setting = edited_setting();
+    General_impl read = *loaded_setting().general();
+    store_controls(page, read, kControls);
+    if (is_touched(page, IDC_SAVE_STYLE))
+        read.SaveStyle = saves_in_folder(page) ? 1 : 0;
+    if (is_touched(page, IDC_RESOLUTION))
+        read.PaperResolution =
+            find_resolution(control_text(page, IDC_RESOLUTION)).value_or(read.PaperResolution);
+    if (const auto scale = find_scale(control_text(page, IDC_SCALE)); scale && is_touched(page, IDC_SCALE))
+        read.Scale = static_cast<int32_t>(*scale);
+    read_paper(page, read);
+    std::wstring name = is_touched(page, IDC_NAME) ? control_text(page, IDC_NAME)
+                                                   : page_helper<GeneralHelper>(kGeneralPage).name;
+    *setting.general() = std::move(read);
+    setting->PSName = std::move(name);
+}
+
+}  // namespace
+
+const PageOperations kGeneral = {.index = kGeneralPage,
+                                 .template_id = IDD_GENERAL,
+                                 .title_id = IDS_GENERAL_TAB,
+                                 .init = &dlg_init_General,
+                                 .command = &command,
+                                 .check = &dlg_killactive_General,
+                                 .apply = &dlg_apply_General};
+
+}  // namespace pdf_settings

@@ -1,0 +1,296 @@
+#include "UI_dll/PDFSettings/pages/page_pdf_version.h"
+
+#include "UI_dll/PDFSettings/messages.h"
+#include <algorithm>
+#include <map>
+
+#include "UI_dll/PDFSettings/pages/exchange.h"
+#include "UI_dll/PDFSettings/pages/page.h"
+#include "UI_dll/PDFSettings/pages/page_pdf_version_boxes.h"
+#include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
+#include "common/icc_folder.h"
+#include "common/icc_profile.h"
+#include "common/qk/text.h"
+#include "common/qk/trace.h"
+#include "job/output_intent.h"
+#include "resources/ids.h"
+
+namespace pdf_settings {
+
+namespace {
+
+using Corvanta::Vantrix::PrintSettings::PDFVersion_impl;
+
+constexpr size_t kProfileUnits = 261;  // a description of 260 and its zero
+constexpr wchar_t kDefaultProfile[] = L"Japan Color 2001 Coated";
+constexpr wchar_t kConditionKey[] = L"OutputCondition";
+
+constexpr auto kTable = std::tuple{
+    Radios{std::array{IDC_PV_STOP, IDC_PV_CONTINUE}, &PDFVersion_impl::WhenErroredPDFAX},
+    CheckBox{IDC_PV_USE_TRIM, &PDFVersion_impl::UseTrimBox},
+    CheckBox{IDC_PV_USE_BLEED, &PDFVersion_impl::UseBleedBox},
+};
+
+struct VersionHelper final : PageHelper {
+    std::wstring profile;             // the description that was selected last
+    std::wstring first_profile;       // the one that was selected as the page opened
+    bool chosen = false;              // the user has chosen one, be it the same
+    std::wstring stored_name;         // of the profile that the setting names, as the page opened
+    std::wstring stored_description;  // of that profile
+};
+
+// --- The version ---
+
+uint32_t selected_version(HWND page) {
+    const int position = selected(page, IDC_PV_VERSION, -1);
+    return position < 0 ? loaded_setting().pdfVersion()->Version
+                        : kVersionOrder[static_cast<size_t>(position)];
+}
+
+bool is_other_version(HWND page) {
+    return selected_version(page) != loaded_setting().pdfVersion()->Version;
+}
+
+void fill_versions(HWND page, uint32_t version) {
+    for (const uint32_t code : kVersionOrder) {
+        const std::wstring text = dialog_text(IDS_PS_VERSION_0 + code);
+        SendDlgItemMessageW(page, IDC_PV_VERSION, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    }
+    const auto position = std::ranges::find(kVersionOrder, version);
+    select(page, IDC_PV_VERSION, static_cast<int>(position - kVersionOrder.begin()));
+}
+
+UINT version_note(uint32_t version) noexcept {
+    if (is_press_standard(version))
+        return version <= 7 ? IDS_PV_NOTE_PRESS_CMYK : IDS_PV_NOTE_PRESS;
+    if (is_standard(version))
+        return IDS_PV_NOTE_ARCHIVE;
+    return version == 0 ? IDS_PV_NOTE_LOW : version == 12 ? IDS_PV_NOTE_NEWEST : IDS_PV_NOTE_PLAIN;
+}
+
+// --- The profile ---
+
+std::wstring selected_profile(HWND page) {
+    wchar_t text[kProfileUnits] = {};
+    COMBOBOXEXITEMW item = {CBEIF_TEXT, selected(page, IDC_PV_PROFILE, -1), text, kProfileUnits};
+    if (item.iItem < 0 ||
+        !SendDlgItemMessageW(page, IDC_PV_PROFILE, CBEM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)))
+        return {};
+    return item.pszText == text ? std::wstring(text) : std::wstring();
+}
+
+void add_profile(HWND page, std::wstring description) {
+    const COMBOBOXEXITEMW item = {CBEIF_TEXT, -1, description.data()};
+    SendDlgItemMessageW(page, IDC_PV_PROFILE, CBEM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+LRESULT find_item(HWND page, const std::wstring& description) {
+    return SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                               reinterpret_cast<LPARAM>(description.c_str()));
+}
+
+// A setting may name a profile outside the profile folder; it stays a choice.
+void add_stored_profile(HWND page, uint32_t version) {
+    const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    if (helper.stored_description.empty() || find_item(page, helper.stored_description) >= 0)
+        return;
+    const auto path = icc::find_profile(helper.stored_name);
+    const auto profile = path ? icc::read_profile(*path) : std::nullopt;
+    if (profile && is_profile_listed(version, profile->colour_space, profile->device_class))
+        add_profile(page, helper.stored_description);
+}
+
+// Where the setting's profile is not on this computer another is offered, which is not the user's choice yet.
+bool is_other_profile(HWND page) {
+    const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    return helper.chosen || is_other_version(page) || selected_profile(page) != helper.first_profile;
+}
+
+// The file name for the selected description. The setting's own stands as it is until another is chosen, for
+// the profile that it names, and for none while the version lists none.
+std::wstring profile_name(HWND page) {
+    const std::wstring description = selected_profile(page);
+    if (!is_other_profile(page) || (description.empty() && !is_standard(selected_version(page))))
+        return loaded_setting().pdfVersion()->ICCFileName;
+    if (description.empty())
+        return {};
+    const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    if (description == helper.stored_description)
+        return helper.stored_name;
+    wchar_t name[kFileNameUnits] = {};
+    icc_FileNameFromDesc(description, name);
+    return name;
+}
+
+// --- The output condition ---
+
+std::wstring condition_of(const std::wstring& description) {
+    return description.empty() ? std::wstring() : qk::to_wide(icc_ConditionIdFromDesc(description));
+}
+
+// A condition that the setting names itself stands; without one it is that of the profile.
+void load_condition(HWND page) {
+    const auto& texts = edited_setting().addition()->Str;
+    const auto entry = texts.find(kConditionKey);
+    const std::wstring text = entry != texts.end() ? entry->second : condition_of(selected_profile(page));
+    SetDlgItemTextW(page, IDC_PV_CONDITION, text.c_str());
+}
+
+bool is_other_condition(HWND page) {
+    return is_touched(page, IDC_PV_CONDITION) || is_other_profile(page);
+}
+
+// The setting's own texts with the condition, as it was loaded or as it stands now.
+std::map<std::wstring, std::wstring> read_texts(HWND page) {
+    const auto& loaded = loaded_setting().addition()->Str;
+    auto texts = edited_setting().addition()->Str;
+    const auto before = loaded.find(kConditionKey);
+    texts.erase(kConditionKey);
+    if (before != loaded.end())
+        texts.insert(*before);
+    const std::wstring text = control_text(page, IDC_PV_CONDITION);
+    const bool own = before != loaded.end() || text != condition_of(selected_profile(page));
+    if (own && is_other_condition(page) && is_press_standard(selected_version(page)))
+        texts[kConditionKey] = text;
+    return texts;
+}
+
+// --- The page ---
+
+void dlg_enable_PDFVersion(HWND page) {
+    TRACE("dlg_enable_PDFVersion");
+    const uint32_t version = selected_version(page);
+    SetDlgItemTextW(page, IDC_PV_NOTE, dialog_text(version_note(version)).c_str());
+    enable(page,
+           std::array{IDC_PV_PROFILE_LABEL, IDC_PV_PROFILE, IDC_PV_ERROR_LABEL, IDC_PV_STOP, IDC_PV_CONTINUE},
+           is_standard(version));
+    enable(page, std::array{IDC_PV_CONDITION_LABEL, IDC_PV_CONDITION}, is_press_standard(version));
+    enable_boxes(page, is_press_standard(version));
+}
+
+PDFVersion_impl read_section(HWND page) {
+    PDFVersion_impl section = *loaded_setting().pdfVersion();
+    store_controls(page, section, kTable);
+    store_boxes(page, section);
+    section.Version = selected_version(page);
+    section.ICCFileName = profile_name(page);
+    return section;
+}
+
+void dlg_init_PDFVersion(HWND page) {
+    TRACE("dlg_init_PDFVersion");
+    const PDFVersion_impl& section = *edited_setting().pdfVersion();
+    fill_versions(page, section.Version);
+    load_controls(page, section, kTable);
+    load_boxes(page, section);
+    auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    helper.stored_name = section.ICCFileName;
+    if (const auto path = icc::find_profile(section.ICCFileName))
+        helper.stored_description = icc::find_description(*path).value_or(L"");
+    helper.profile = helper.stored_description;
+    ListupICCFileByName(page, nullptr, section.Version);
+    helper.first_profile = selected_profile(page);
+    load_condition(page);
+    dlg_enable_PDFVersion(page);
+}
+
+// The condition follows the profile.
+void profile_changed(HWND page) {
+    const std::wstring description = selected_profile(page);
+    if (description.empty())
+        return;
+    page_helper<VersionHelper>(kPDFVersionPage).profile = description;
+    SetDlgItemTextW(page, IDC_PV_CONDITION, condition_of(description).c_str());
+}
+
+void version_changed(HWND page) {
+    TRACE("dlg_callback_PDFVersion.WM_COMMAND.IDC_PV_VERSION");
+    const std::wstring before = page_helper<VersionHelper>(kPDFVersionPage).profile;
+    ListupICCFileByName(page, nullptr, selected_version(page));
+    if (selected_profile(page) != before || control_text(page, IDC_PV_CONDITION).empty())
+        profile_changed(page);
+    dlg_enable_PDFVersion(page);
+}
+
+void dlg_callback_PDFVersion(HWND page, int control, int notification) {
+    TRACE("dlg_callback_PDFVersion");
+    if (control == IDC_PV_VERSION && notification == CBN_SELCHANGE)
+        version_changed(page);
+    else if (control == IDC_PV_PROFILE && notification == CBN_SELENDOK)
+        page_helper<VersionHelper>(kPDFVersionPage).chosen = true;
+    else if (control == IDC_PV_PROFILE && notification == CBN_SELCHANGE)
+        profile_changed(page);
+    else if ((control == IDC_PV_USE_TRIM || control == IDC_PV_USE_BLEED) && notification == BN_CLICKED)
+        dlg_enable_PDFVersion(page);
+}
+
+// Refuses what a job with this setting would be refused for. What the file holds already is left alone until
+// one of the values that have to go together is another: the rest of the setting can be edited all the same.
+bool dlg_killactive_PDFVersion(HWND page) {
+    TRACE("dlg_killactive_PDFVersion");
+    const PDFVersion_impl section = read_section(page);
+    if (!is_standard(section.Version))
+        return true;
+    const bool press = is_press_standard(section.Version);
+    if (const int edit = press ? find_bad_margin(page) : 0)
+        return refuse(page, edit, IDS_PV_BAD_MARGIN);
+    if (is_other_profile(page) && !icc::find_profile(section.ICCFileName))
+        return refuse(page, IDC_PV_PROFILE, IDS_PV_NO_PROFILE);
+    if (!press)
+        return true;
+    if (is_other_condition(page) && control_text(page, IDC_PV_CONDITION).empty())
+        return refuse(page, IDC_PV_CONDITION, IDS_PV_NO_CONDITION);
+    const PDFVersion_impl& loaded = *loaded_setting().pdfVersion();
+    const bool has_other_boxes =
+        is_other_version(page) || section.TrimBox != loaded.TrimBox || section.BleedBox != loaded.BleedBox;
+    return !has_other_boxes || job::is_trim_inside_bleed(section) ||
+           refuse(page, box_to_mend(page, section), IDS_PV_BAD_BOXES);
+}
+
+void dlg_apply_PDFVersion(HWND page) {
+    TRACE("dlg_apply_PDFVersion");
+    PDFVersion_impl read = read_section(page);
+    auto texts = read_texts(page);
+    *edited_setting().pdfVersion() = std::move(read);
+    edited_setting().addition()->Str = std::move(texts);
+}
+
+}  // namespace
+
+void ListupICCFileByName(HWND page, void* /*ignored*/, uint32_t version) {
+    TRACE("ListupICCFileByName");
+    auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    if (const std::wstring current = selected_profile(page); !current.empty())
+        helper.profile = current;
+    const RedrawOff redraw_off(GetDlgItem(page, IDC_PV_PROFILE));
+    SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_RESETCONTENT, 0, 0);
+    if (is_standard(version)) {
+        for (const icc::Profile& profile : icc::list_profiles())
+            if (is_profile_listed(version, profile.colour_space, profile.device_class))
+                if (const auto description = icc::find_description(profile.path);
+                    description && !description->empty())
+                    add_profile(page, *description);
+        add_stored_profile(page, version);
+    }
+    LRESULT position = helper.profile.empty() ? -1 : find_item(page, helper.profile);
+    if (position < 0)
+        position = find_item(page, kDefaultProfile);
+    select(page, IDC_PV_PROFILE, static_cast<int>(position));
+}
+
+PDFVersion_impl read_PDFVersion(HWND page) {
+    const HWND version_page = find_sibling_page(page, IDS_PDF_VERSION_TAB);
+    return version_page && GetDlgItem(version_page, IDC_PV_VERSION)
+               ? read_section(version_page)
+               : PDFVersion_impl(*edited_setting().pdfVersion());
+}
+
+const PageOperations kPDFVersion = {.index = kPDFVersionPage,
+                                    .template_id = IDD_PDF_VERSION,
+                                    .title_id = IDS_PDF_VERSION_TAB,
+                                    .init = &dlg_init_PDFVersion,
+                                    .command = &dlg_callback_PDFVersion,
+                                    .check = &dlg_killactive_PDFVersion,
+                                    .apply = &dlg_apply_PDFVersion};
+
+}  // namespace pdf_settings

@@ -1,0 +1,40 @@
+#include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
+
+#include <algorithm>
+
+#include "common/icc_folder.h"
+#include "common/qk/text.h"
+
+namespace pdf_settings {
+
+bool is_profile_listed(uint32_t version, uint32_t colour_space, uint32_t device_class) noexcept {
+    const bool archive = version == 5 || version == 11;
+    const bool takes_rgb = archive || (version >= 8 && version <= 10);
+    const bool fits = colour_space == icc::kCMYK || (takes_rgb && colour_space == icc::kRGB);
+    return is_standard(version) && fits && (archive || device_class == icc::kOutputDevice);
+}
+
+std::wstring margin_text(float millimetres) {
+    constexpr int kMostDecimals = 6;
+    std::wstring text;
+    for (int decimals = 0; decimals <= kMostDecimals; ++decimals) {
+        text = qk::fixed_text(millimetres, decimals);
+        if (static_cast<float>(qk::find_number(text).value_or(-1)) == millimetres)
+            break;
+    }
+    return text;
+}
+
+std::optional<float> find_margin(std::wstring_view text) {
+    const size_t first = text.find_first_not_of(L' ');
+    if (first == std::wstring_view::npos)
+        return std::nullopt;
+    std::wstring digits(text.substr(first, text.find_last_not_of(L' ') - first + 1));
+    std::ranges::replace(digits, L',', L'.');
+    const bool plain = digits.find_first_not_of(L"0123456789.") == std::wstring::npos &&
+                       std::ranges::count(digits, L'.') <= 1;
+    const auto margin = plain ? qk::find_number(digits) : std::nullopt;
+    return margin && *margin <= kMostMargin ? std::optional(static_cast<float>(*margin)) : std::nullopt;
+}
+
+}  // namespace pdf_settings
