@@ -75,8 +75,9 @@ constexpr std::string_view kNeverFail =
     "ReleaseMutex"
     " RemovePropW UnmapViewOfFile"
     " AcquireSRWLockExclusive AddVectoredExceptionHandler DeleteCriticalSection DuplicateHandle"
-    " EnterCriticalSection GetProcessAffinityMask GetThreadContext GetThreadPriority "
-    "InitializeCriticalSection"
+    " EnterCriticalSection GetProcessAffinityMask GetThreadContext GetThreadId GetThreadPriority "
+    "InitializeConditionVariable InitializeCriticalSection SleepConditionVariableCS WakeAllConditionVariable"
+    " WakeConditionVariable"
     " IsDBCSLeadByteEx IsDebuggerPresent LeaveCriticalSection RaiseException ReleaseSRWLockExclusive"
     " ReleaseSemaphore RemoveVectoredExceptionHandler ResetEvent ResumeThread RtlCaptureContext"
     " RtlLookupFunctionEntry RtlUnwindEx RtlVirtualUnwind SetEvent SetProcessAffinityMask SetThreadContext"
@@ -86,11 +87,13 @@ constexpr std::string_view kNeverFail =
     " __C_specific_handler ___lc_codepage_func ___mb_cur_max_func __iob_func __setusermatherr _amsg_exit "
     "_close"
     " _endthreadex _errno _initterm _lock _read _setjmp _ultoa _unlock _vscwprintf _vsnwprintf abort exit "
+    "getenv "
     "fclose"
     " fflush fprintf fputc fputs fputwc free fwprintf fwrite iswctype iswspace iswxdigit localeconv longjmp "
     "memchr "
     "memcmp"
-    " memcpy memmove memset printf signal strcmp strerror strlen strncmp strrchr vfprintf wcslen wcstoul ";
+    " memcpy memmove memset printf signal strchr strcmp strerror strlen strncmp strrchr strtoul vfprintf "
+    "wcslen wcstoul ";
 
 bool lists(std::string_view names, const char* name) {
     return names.find(' ' + std::string(name) + ' ') != std::string_view::npos;
