@@ -22,7 +22,7 @@ namespace ps = Corvanta::Vantrix::PrintSettings;
 constexpr char kOwnKey[] = "Administrator";
 constexpr size_t kMarkBytes = 3;
 
-std::wstring why_not_read(int result) {
+std::wstring why_not_read(ps::LoadResult result) {
     return result == ps::kMissing ? L"there is no such file"
                                   : L"it is locked by another program or too large for a setting file";
 }
@@ -36,7 +36,7 @@ std::wstring why_unknown(std::string_view bytes) {
     return L"this is no print setting of any kind";
 }
 
-std::wstring why_legacy(std::string_view bytes, int kind) {
+std::wstring why_legacy(std::string_view bytes, ps::SettingKind kind) {
     if (ps::read_legacy(bytes, kind) == ps::kUnreadable)
         return L"this is a binary setting of an older version, and it is damaged";
     return L"this is a binary setting of an older version, sound as far as can be told; its values "
@@ -119,14 +119,14 @@ void check_json(std::string_view text, bool administrator, SettingFindings& find
 SettingFindings check_setting(const std::wstring& path) {
     SettingFindings findings{.path = path};
     std::string bytes;
-    if (const int result = ps::setting_file::read(path, bytes); result != ps::kLoaded) {
+    if (const ps::LoadResult result = ps::setting_file::read(path, bytes); result != ps::kLoaded) {
         findings.readable = false;
         findings.faults.push_back(why_not_read(result));
         return findings;
     }
     const std::wstring_view extension =
         std::wstring_view(path).substr(path.size() - std::min<size_t>(path.size(), 5));
-    switch (const int kind = ps::RecogniseBytes(bytes)) {
+    switch (const ps::SettingKind kind = ps::RecogniseBytes(bytes)) {
         case ps::kPS4:
             check_json(std::string_view(bytes).substr(kMarkBytes), qk::equal_no_case(extension, L".ps4a"),
                        findings);

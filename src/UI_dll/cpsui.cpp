@@ -48,7 +48,7 @@ void add_settings_page_beside(const PROPSHEETUI_INFO& info) {
     add(info, CPSFUNC_ADD_PROPSHEETPAGEW, &page);
 }
 
-LONG add_common_sheet(PROPSHEETUI_INFO& info, PrinterInformation& information) {
+LONG add_common_sheet(PROPSHEETUI_INFO& info, SheetInformation& information) {
     COMPROPSHEETUI& sheet = information.sheet;
     sheet.cbSize = sizeof sheet;
     sheet.hInstCaller = qk::resource_module();
@@ -65,7 +65,7 @@ LONG add_common_sheet(PROPSHEETUI_INFO& info, PrinterInformation& information) {
     return information.added != 0 ? 1 : kFailure;
 }
 
-LONG initialise(PROPSHEETUI_INFO& info, PrinterInformation& information, const wchar_t* title,
+LONG initialise(PROPSHEETUI_INFO& info, SheetInformation& information, const wchar_t* title,
                 bool add_settings_page) {
     info.UserData = reinterpret_cast<ULONG_PTR>(&information);
     info.Result = CPSUI_CANCEL;
@@ -77,7 +77,7 @@ LONG initialise(PROPSHEETUI_INFO& info, PrinterInformation& information, const w
     return result;
 }
 
-LONG fill_header(PROPSHEETUI_INFO_HEADER* header, const PrinterInformation& information) {
+LONG fill_header(PROPSHEETUI_INFO_HEADER* header, const SheetInformation& information) {
     if (!qk::is_writable(header, sizeof *header))
         return kFailure;
     header->Flags = PSUIHDRF_NOAPPLYNOW | PSUIHDRF_PROPTITLE;
@@ -87,8 +87,7 @@ LONG fill_header(PROPSHEETUI_INFO_HEADER* header, const PrinterInformation& info
     return 1;
 }
 
-LONG take_result(PROPSHEETUI_INFO& info, const SETRESULT_INFO* result,
-                 const PrinterInformation& information) {
+LONG take_result(PROPSHEETUI_INFO& info, const SETRESULT_INFO* result, const SheetInformation& information) {
     if (!qk::is_readable(result, sizeof *result))
         return kFailure;
     TRACE_F(L"pPI->hCPSUI=%llu", static_cast<unsigned long long>(information.added));
@@ -137,7 +136,7 @@ bool only_settings_page() {
     return true;
 }
 
-void set_up_page(PrinterInformation& information, bool settings_page_only) {
+void set_up_page(SheetInformation& information, bool settings_page_only) {
     DLGPAGE& page = information.page;
     page = {};
     page.cbSize = sizeof page;
@@ -149,17 +148,17 @@ void set_up_page(PrinterInformation& information, bool settings_page_only) {
     information.sheet.cDlgPage = 1;
 }
 
-LONG open_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, std::unique_ptr<PrinterInformation> information,
+LONG open_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, std::unique_ptr<SheetInformation> information,
                 bool add_settings_page) {
     information->title = information->thread->name();
     if (information->title.empty())
         information->title = qk::load_string(IDS_SETTINGS_TAB);
-    PrinterInformation* kept = information.release();
+    SheetInformation* kept = information.release();
     info.UserData = reinterpret_cast<ULONG_PTR>(kept);
     return DefCommonUIFunc(info, parameter, kept, kept->title.c_str(), add_settings_page);
 }
 
-LONG DefCommonUIFunc(PROPSHEETUI_INFO& info, LPARAM parameter, PrinterInformation* information,
+LONG DefCommonUIFunc(PROPSHEETUI_INFO& info, LPARAM parameter, SheetInformation* information,
                      const wchar_t* title, bool add_settings_page) {
     TRACE("DefCommonUIFunc");
     if (!information)

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "UI_dll/ddi.h"
-#include "UI_dll/ptrinfo.h"
+#include "UI_dll/sheet_information.h"
 
 namespace cpsui {
 
@@ -18,16 +18,16 @@ namespace cpsui {
 [[nodiscard]] bool only_settings_page();
 
 // Gives the information's sheet its single page: the settings page alone, or the option page.
-void set_up_page(PrinterInformation& information, bool settings_page_only);
+void set_up_page(SheetInformation& information, bool settings_page_only);
 
 // Answers INIT: from now on the information is the sheet's, which frees it at DESTROY, also when this fails.
 // Its title is the printer's name or, where that is unknown, the settings page's.
-LONG open_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, std::unique_ptr<PrinterInformation> information,
+LONG open_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, std::unique_ptr<SheetInformation> information,
                 bool add_settings_page);
 
 // The answer to a reason: 1 or 0, or -1. `information` is owned by the sheet from INIT to DESTROY. A sheet
 // whose title is missing adds no common page.
-LONG DefCommonUIFunc(PROPSHEETUI_INFO& info, LPARAM parameter, PrinterInformation* information,
+LONG DefCommonUIFunc(PROPSHEETUI_INFO& info, LPARAM parameter, SheetInformation* information,
                      const wchar_t* title, bool add_settings_page);
 
 }  // namespace cpsui

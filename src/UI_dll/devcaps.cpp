@@ -28,7 +28,6 @@ namespace {
 constexpr size_t kNameUnits = 64;  // a paper's name
 constexpr size_t kBinNameUnits = 24;
 constexpr size_t kPersonalityUnits = 32;
-constexpr std::array<LONG, 10> kResolutions = {72, 96, 144, 300, 360, 600, 720, 1200, 2400, 3600};
 constexpr POINTS kSmallest = {254, 254};  // tenths of a millimetre
 constexpr POINTS kLargest = {32767, 32767};
 constexpr POINT kCustomSize = {2100, 2970};  // what the custom-size entry tells, deliberately that of A4
@@ -87,11 +86,8 @@ public:
     template <size_t kUnits>
     void put_name(const wchar_t* name) noexcept {
         std::byte* const slot = std::exchange(at_, at_ + kUnits * sizeof(wchar_t));
-        size_t units = 0;
-        for (; units < kUnits - 1 && name[units] != L'\0'; ++units)
-            std::memcpy(slot + units * sizeof(wchar_t), &name[units], sizeof(wchar_t));
-        if (units > 0 && name[units] != L'\0' && IS_HIGH_SURROGATE(name[units - 1]))
-            std::memset(slot + (units - 1) * sizeof(wchar_t), 0, sizeof(wchar_t));
+        const std::wstring_view put = qk::cut({name, wcsnlen(name, kUnits)}, kUnits - 1);
+        std::memcpy(slot, put.data(), put.size() * sizeof(wchar_t));
     }
 
     explicit operator bool() const noexcept { return at_ != nullptr; }
@@ -175,12 +171,12 @@ DWORD name_in_slot(const wchar_t* name, Buffer buffer) noexcept {
 }
 
 DWORD list_resolutions(Buffer buffer) noexcept {
-    if (!buffer.can_take(kResolutions.size() * sizeof(POINT)))
+    if (!buffer.can_take(kOfferedResolutions.size() * sizeof(POINT)))
         return kFailed;
     if (buffer)
-        for (const LONG resolution : kResolutions)
+        for (const LONG resolution : kOfferedResolutions)
             buffer.put(POINT{resolution, resolution});
-    return static_cast<DWORD>(kResolutions.size());
+    return static_cast<DWORD>(kOfferedResolutions.size());
 }
 
 // A value in a buffer that is there; `result` whether it is or not.
@@ -194,10 +190,7 @@ DWORD one_value(const T& value, DWORD result, Buffer buffer) noexcept {
 }
 
 DWORD fields_of_devmode(HANDLE printer, const DEVMODEW* devmode) {
-    std::unique_ptr<PrinterInformation> information;
-    if (!MapPrinter(information, printer, devmode, false))
-        return kFailed;
-    return information->devmode.dm.dmFields;
+    return MapPrinter(printer, devmode).devmode.dm.dmFields;
 }
 
 // The printer is asked only for the answers that depend on it: programs ask dozens of these while a window
@@ -221,7 +214,7 @@ DWORD answer(HANDLE printer, LPWSTR device, WORD index, Buffer buffer, const DEV
                 return kFailed;
             [[fallthrough]];
         case DC_MEDIAREADY:
-            return name_in_slot<kNameUnits>(PrinterInformation::kFormName, buffer);
+            return name_in_slot<kNameUnits>(kCurrentForm, buffer);
         case DC_BINS:
             return one_value(WORD{1}, 1, buffer);
         case DC_BINNAMES:

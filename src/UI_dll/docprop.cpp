@@ -1,11 +1,13 @@
 #include "UI_dll/docprop.h"
 
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "UI_dll/cpsui.h"
 #include "UI_dll/ps_to_devmode.h"
 #include "UI_dll/ptrinfo.h"
+#include "UI_dll/sheet_information.h"
 #include "common/driver_util.h"
 #include "common/qk/memory_probe.h"
 #include "common/qk/text.h"
@@ -29,10 +31,8 @@ bool writes_devmode(const DocumentPropertyHeader& header) noexcept {
 
 LONG write_merged(const DocumentPropertyHeader& header) {
     const CallPrinter printer(header.hPrinter, header.pszPrinterName);
-    std::unique_ptr<PrinterInformation> information;
-    if (!MapPrinter(information, printer.get(), header.pdmIn, true))
-        return fail(ERROR_INVALID_DATA);
-    if (!ConvertDevmodeOut(&information->devmode.dm, header.pdmIn, header.pdmOut))
+    const MappedPrinter mapped = MapPrinter(printer.get(), header.pdmIn);
+    if (!ConvertDevmodeOut(&mapped.devmode.dm, header.pdmIn, header.pdmOut))
         return fail(ERROR_INVALID_PARAMETER);
     TRACE("c.2");
     return 1;
@@ -40,12 +40,12 @@ LONG write_merged(const DocumentPropertyHeader& header) {
 
 LONG initialise(PROPSHEETUI_INFO& info, LPARAM parameter, const DocumentPropertyHeader& header) {
     auto thread = std::make_unique<SheetThread>(header.hPrinter, printer_name(header.hPrinter));
-    std::unique_ptr<PrinterInformation> information;
-    if (!MapPrinter(information, header.hPrinter, header.pdmIn, true)) {
+    std::unique_ptr<SheetInformation> information(
+        new (std::nothrow) SheetInformation(MapPrinter(header.hPrinter, header.pdmIn), std::move(thread)));
+    if (!information) {
         TRACE("ddps7");
         return fail(ERROR_INVALID_DATA);
     }
-    information->thread = std::move(thread);
     if (writes_devmode(header)) {
         information->may_update = true;
         information->output = header.pdmOut;
@@ -57,20 +57,20 @@ LONG initialise(PROPSHEETUI_INFO& info, LPARAM parameter, const DocumentProperty
     return cpsui::open_sheet(info, parameter, std::move(information), !settings_page_only);
 }
 
-void write_result(const DocumentPropertyHeader& header, const PrinterInformation& information,
+void write_result(const DocumentPropertyHeader& header, const SheetInformation& information,
                   LPARAM parameter) {
     const auto* result = reinterpret_cast<const SETRESULT_INFO*>(parameter);
     if (!information.output || !qk::is_readable(result, sizeof *result) || result->Result == CPSUI_CANCEL)
         return;
     // A copy: results come once for each page that has one, and a setting must leave nothing of an earlier
     // one.
-    DriverDevmode devmode = information.devmode;
-    SetPSToDEVMODE(information.printer, devmode.dm);
+    DriverDevmode devmode = information.mapped.devmode;
+    SetPSToDEVMODE(information.mapped.printer, devmode.dm);
     ConvertDevmodeOut(&devmode.dm, header.pdmIn, information.output);
 }
 
 LONG answer_reason(PROPSHEETUI_INFO& info, LPARAM parameter, const DocumentPropertyHeader& header) {
-    auto* information = reinterpret_cast<PrinterInformation*>(info.UserData);
+    auto* information = reinterpret_cast<SheetInformation*>(info.UserData);
     if (info.Reason == PROPSHEETUI_REASON_INIT)
         return initialise(info, parameter, header);
     if (info.Reason == PROPSHEETUI_REASON_SET_RESULT && information)

@@ -4,7 +4,7 @@
 #include <array>
 #include <new>
 
-#include "UI_dll/ptrinfo.h"
+#include "UI_dll/sheet_information.h"
 #include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/qk/text.h"
@@ -59,7 +59,7 @@ std::wstring setting_in_force(const std::wstring& printer) {
     return name.empty() ? std::wstring(kDefaultSettingFile) : std::wstring(qk::file_part(name));
 }
 
-void set_up(PrinterInformation& information, const OptionDescriptor& descriptor, std::wstring text) {
+void set_up(SheetInformation& information, const OptionDescriptor& descriptor, std::wstring text) {
     OptionItem& item = information.option.emplace();
     if (!CreateOPTTYPE(descriptor, {std::move(text)}, reinterpret_cast<ULONG_PTR>(&information), item))
         information.option.reset();
@@ -115,12 +115,12 @@ bool CreateOPTTYPE(const OptionDescriptor& descriptor, std::vector<std::wstring>
     return true;
 }
 
-void SetupDPOptItems(PrinterInformation& information) {
+void SetupDPOptItems(SheetInformation& information) {
     TRACE("SetupDPOptItems");
     set_up(information, kSettingInForce, setting_in_force(information.thread->name()));
 }
 
-void SetupPPOptItems(PrinterInformation& information) {
+void SetupPPOptItems(SheetInformation& information) {
     TRACE("SetupPPOptItems");
     set_up(information, kModuleVersion, kVersion);
 }

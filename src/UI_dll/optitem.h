@@ -62,9 +62,9 @@ private:
 [[nodiscard]] bool CreateOPTTYPE(const OptionDescriptor& descriptor, std::vector<std::wstring> texts,
                                  ULONG_PTR information, OptionItem& item);
 
-struct PrinterInformation;
+struct SheetInformation;
 
 // The one item of the document sheet (the setting in force) and of the printer sheet (the module's version).
 // An item that cannot be made is left out; the sheet opens without it.
-void SetupDPOptItems(PrinterInformation& information);
-void SetupPPOptItems(PrinterInformation& information);
+void SetupDPOptItems(SheetInformation& information);
+void SetupPPOptItems(SheetInformation& information);

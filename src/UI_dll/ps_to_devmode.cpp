@@ -9,14 +9,13 @@
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "lib/devmode.h"
-#include "print_settings/PSAdmin.h"
+#include "print_settings/printer_setting.h"
+
+using namespace Corvanta::Vantrix::PrintSettings;
 
 namespace {
 
 using Settings = Corvanta::Vantrix::PrintSettings::PrintSettings;
-
-constexpr int kCustomPaper = 1;
-constexpr int kLandscape = 1;
 
 short tenths(float millimetres) noexcept {
     return static_cast<short>(std::lround(millimetres * 10));
@@ -41,10 +40,11 @@ void copy_setting(const Settings& settings, const std::vector<FormRecord>& forms
     const auto& general = settings.general();
     dm.dmScale = static_cast<short>(general->Scale);
     dm.dmPrintQuality = static_cast<short>(general->PaperResolution);
-    dm.dmOrientation = general->PaperOrientation == kLandscape ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
+    dm.dmOrientation =
+        general->PaperOrientation == General_impl::kLandscape ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
     dm.dmPaperWidth = tenths(general->PaperWidth);
     dm.dmPaperLength = tenths(general->PaperHeight);
-    if (general->PaperType == kCustomPaper) {
+    if (general->PaperType == General_impl::kCustomSize) {
         dm.dmFields |= DM_PAPERWIDTH | DM_PAPERLENGTH;
         dm.dmOrientation = DMORIENT_PORTRAIT;  // a custom size carries its own width and height
         dm.dmPaperSize = kPaperCustom;
@@ -61,9 +61,8 @@ void copy_setting(const Settings& settings, const std::vector<FormRecord>& forms
 void SetPSToDEVMODE(HANDLE printer, DEVMODEW& dm) {
     TRACE("SetPSToDEVMODE");
     const std::wstring name = GetSettingFileNameFromFD(printer_name(printer), MAX_PATH);
-    const std::wstring path = name.empty() ? name : SettingPathOf(name);
-    Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin settings;
-    if (!qk::is_file(path) || !settings.Load(path))
+    PrintSettingsAdmin settings;
+    if (load_printer_setting(name, settings) != PrinterSetting::kLoaded)
         return;
     FormRecords forms;
     (void)ZRTK_EnumForms(printer, nullptr, forms);

@@ -1,18 +1,10 @@
 #include "UI_dll/ptrinfo.h"
 
-#include <new>
-
 #include "common/qk/trace.h"
 
-PrinterInformation* MapPrinter(std::unique_ptr<PrinterInformation>& information, HANDLE printer,
-                               const DEVMODEW* caller_devmode, bool document_properties) {
+MappedPrinter MapPrinter(HANDLE printer, const DEVMODEW* caller_devmode) {
     TRACE("MapPrinter");
-    information.reset(new (std::nothrow) PrinterInformation);
-    if (!information)
-        return nullptr;
-    information->printer = printer;
-    information->document_properties = document_properties;
-    information->caller_devmode = caller_devmode;
-    information->refused = MergeDevmode(printer, caller_devmode, information->devmode);
-    return information.get();
+    MappedPrinter mapped = {printer};
+    MergeDevmode(printer, caller_devmode, mapped.devmode);
+    return mapped;
 }

@@ -1,10 +1,12 @@
 #include "UI_dll/ptrprop.h"
 
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "UI_dll/cpsui.h"
 #include "UI_dll/ptrinfo.h"
+#include "UI_dll/sheet_information.h"
 #include "common/driver_util.h"
 #include "common/printer_handle.h"
 #include "common/qk/memory_probe.h"
@@ -20,24 +22,22 @@ int initialize(LPWSTR name) {
     qk::PrinterHandleObj printer;
     if (!OpenPrinterW(name, printer.put(), &access))
         return 1;
-    std::unique_ptr<PrinterInformation> information;
-    if (!MapPrinter(information, printer.get(), nullptr, false))
-        return 1;
-    const DEVMODEW& dm = information->devmode.dm;
+    const MappedPrinter mapped = MapPrinter(printer.get(), nullptr);
+    const DEVMODEW& dm = mapped.devmode.dm;
     const std::wstring device(dm.dmDeviceName, wcsnlen(dm.dmDeviceName, std::size(dm.dmDeviceName)));
-    return AddFormsToDataBase(printer.get(), device, information->model_write_failed);
+    return AddFormsToDataBase(printer.get(), device);
 }
 
 constexpr LONG kFailure = -1;
 
 LONG initialise_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, HANDLE printer) {
     auto thread = std::make_unique<SheetThread>(printer, printer_name_of_info_2(printer));
-    std::unique_ptr<PrinterInformation> information;
-    if (!MapPrinter(information, printer, nullptr, false)) {
+    std::unique_ptr<SheetInformation> information(
+        new (std::nothrow) SheetInformation(MapPrinter(printer, nullptr), std::move(thread)));
+    if (!information) {
         SetLastError(ERROR_INVALID_DATA);
         return kFailure;
     }
-    information->thread = std::move(thread);
     const bool settings_page_only = cpsui::only_settings_page();
     cpsui::set_up_page(*information, settings_page_only);
     SetupPPOptItems(*information);
@@ -76,7 +76,7 @@ LONG answer_sheet(PROPSHEETUI_INFO& info, LPARAM parameter) {
     }
     if (info.Reason == PROPSHEETUI_REASON_INIT)
         return initialise_sheet(info, parameter, header->hPrinter);
-    return cpsui::DefCommonUIFunc(info, parameter, reinterpret_cast<PrinterInformation*>(info.UserData),
+    return cpsui::DefCommonUIFunc(info, parameter, reinterpret_cast<SheetInformation*>(info.UserData),
                                   nullptr, false);
 }
 

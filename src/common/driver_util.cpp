@@ -20,14 +20,10 @@ std::wstring ask_user_name() {
 }
 
 std::unique_ptr<std::byte[]> read_info(HANDLE printer, DWORD level, size_t least) {
-    DWORD size = 0;
-    GetPrinterW(printer, level, nullptr, 0, &size);
-    if (size < least)
-        return nullptr;
-    std::unique_ptr<std::byte[]> info(new (std::nothrow) std::byte[size]());
-    if (!info || !GetPrinterW(printer, level, reinterpret_cast<BYTE*>(info.get()), size, &size))
-        return nullptr;
-    return info;
+    return qk::read_sized([&](BYTE* buffer, DWORD bytes,
+                              DWORD* needed) { return GetPrinterW(printer, level, buffer, bytes, needed); },
+                          least)
+        .bytes;
 }
 
 template <class Info>

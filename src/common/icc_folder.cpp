@@ -61,15 +61,11 @@ private:
 };
 
 std::wstring driver_folder() {
-    DWORD bytes = 0;
-    GetPrinterDriverDirectoryW(nullptr, nullptr, 1, nullptr, 0, &bytes);
-    if (bytes == 0)
-        return {};
-    std::vector<wchar_t> buffer(bytes / sizeof(wchar_t) + 1);
-    if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(buffer.data()), bytes,
-                                    &bytes))
-        return {};
-    return buffer.data();
+    const auto answer = qk::read_sized([](BYTE* buffer, DWORD bytes, DWORD* needed) {
+        return GetPrinterDriverDirectoryW(nullptr, nullptr, 1, buffer, bytes, needed);
+    });
+    const auto* folder = reinterpret_cast<const wchar_t*>(answer.bytes.get());
+    return {folder, wcsnlen(folder, answer.size / sizeof(wchar_t))};
 }
 
 // Calls `visit` with folder and name of every file of the profile folder that has a profile's extension, the

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "common/dialog_library.h"
+#include "common/setting_signatures.h"
 #include "common/qk/disk_file.h"
 #include "common/qk/paths.h"
 #include "common/qk/registry.h"
@@ -20,7 +21,6 @@ using qk::registry::CurrentUser;
 namespace {
 
 constexpr wchar_t kSettingValue[] = L"PDFSettingFileName";
-constexpr std::array<std::wstring_view, 4> kExtensions = {L"", L".ps4", L".printSetting3", L".printSetting2"};
 
 std::wstring printer_key(const std::wstring& printer_name) {
     return qk::registry::kRoot + printer_name;
@@ -30,37 +30,30 @@ bool is_usable(const std::wstring& path) {
     return ProbeSettingFile(path) != SettingFormat::kNone;
 }
 
-// The folders that are searched, in their order: what is installed wins over what the user saved. One that is
-// not known is left out, since a name alone would be looked for in the host program's current folder.
-std::vector<std::wstring> setting_folders() {
-    std::vector<std::wstring> folders;
-    if (const std::wstring root = qk::install_folder(); !root.empty())
-        folders = {root + L"Settings\\", root + L"Settings\\legacy\\", root + L"CustomSettings\\"};
-    if (std::wstring own = GetAppDataPath(false); !own.empty())
-        folders.push_back(own.back() == L'\\' ? std::move(own) : own + L'\\');
-    return folders;
-}
-
 std::wstring find_setting_file(const std::wstring& name) {
-    const auto folders = setting_folders();
-    for (const std::wstring_view extension : kExtensions) {
-        if (qk::is_full_path(name) && is_usable(name))
-            return name;
-        for (const std::wstring& folder : folders)
-            if (std::wstring path = folder + name + std::wstring(extension); is_usable(path))
+    if (qk::is_full_path(name) && is_usable(name))
+        return name;
+    const auto folders = setting_folders(qk::install_folder());
+    const auto find_with = [&](std::wstring_view extension) -> std::wstring {
+        for (const SettingFolder& folder : folders)
+            if (std::wstring path = folder.path + name + std::wstring(extension); is_usable(path))
                 return path;
-    }
-    return {};
+        return {};
+    };
+    std::wstring path = find_with(L"");
+    for (auto extension = kSettingExtensions.begin(); path.empty() && extension != kSettingExtensions.end();
+         ++extension)
+        path = find_with(*extension);
+    return path;
 }
 
 SettingFormat format_of(const BYTE (&start)[8], DWORD size) noexcept {
-    constexpr BYTE kByteOrderMark[] = {0xEF, 0xBB, 0xBF};
-    constexpr BYTE kChunked[] = {0xF0, 0x5A, 0x52, 0x54, 0x4B, 0x53, 0x33, 0xF1};  // "?ZRTKS3?"
+    const std::string_view bytes(reinterpret_cast<const char*>(start), size);
     if (size < 4)
         return SettingFormat::kNone;
-    if (std::memcmp(start, kByteOrderMark, sizeof kByteOrderMark) == 0)
+    if (bytes.starts_with(kByteOrderMark))
         return SettingFormat::kJson;
-    if (size == sizeof start && std::memcmp(start, kChunked, sizeof kChunked) == 0)
+    if (bytes.starts_with(kChunkedSignature) && size == sizeof start && bytes.back() == kChunkedEnd)
         return SettingFormat::kBinary3;
     DWORD number = 0;
     std::memcpy(&number, start, sizeof number);
@@ -78,6 +71,17 @@ SettingFormat format_of(const BYTE (&start)[8], DWORD size) noexcept {
 }
 
 }  // namespace
+
+std::vector<SettingFolder> setting_folders(const std::wstring& install_folder) {
+    std::vector<SettingFolder> folders;
+    if (!install_folder.empty())
+        folders = {{SettingFolder::kInstallation, install_folder + L"Settings\\"},
+                   {SettingFolder::kInstallation, install_folder + L"Settings\\legacy\\"},
+                   {SettingFolder::kAdministrator, install_folder + L"CustomSettings\\"}};
+    if (std::wstring own = GetAppDataPath(false); !own.empty())
+        folders.push_back({SettingFolder::kUser, own.back() == L'\\' ? std::move(own) : own + L'\\'});
+    return folders;
+}
 
 std::wstring GetSettingFileName(const std::wstring& printer_name) {
     TRACE_F(L">GetSettingFileName pn=%s", printer_name.c_str());

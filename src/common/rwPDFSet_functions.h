@@ -4,10 +4,30 @@
 
 #include <windows.h>
 
+#include <array>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 inline constexpr wchar_t kDefaultSettingFile[] = L"standard.ps4";
+
+// A folder of setting files, with its trailing backslash.
+struct SettingFolder {
+    enum Owner : int32_t { kUser, kAdministrator, kInstallation };
+
+    Owner owner;
+    std::wstring path;
+};
+
+// The folders in the order in which a name is looked for: what is installed wins over what the user saved.
+// One that is not known is left out, since a name alone would be looked for in the host program's current
+// folder.
+[[nodiscard]] std::vector<SettingFolder> setting_folders(const std::wstring& install_folder);
+
+// The extensions of setting files, in the order in which they are tried.
+inline constexpr std::array<std::wstring_view, 3> kSettingExtensions = {L".ps4", L".printSetting3",
+                                                                        L".printSetting2"};
 
 // What `ProbeSettingFile` tells of a file.
 enum class SettingFormat : DWORD {

@@ -49,8 +49,7 @@ ListLock::ListLock() noexcept {
     qk::format_into(name, std::size(name), L"Global\\ZR_4tm_mutex_w089ps89ghps9gr87osygh9t_%s",
                     L"q3y8rfnoty__TeskelCustom2021;");
     SECURITY_DESCRIPTOR everyone = {};
-    InitializeSecurityDescriptor(&everyone, SECURITY_DESCRIPTOR_REVISION);
-    SetSecurityDescriptorDacl(&everyone, TRUE, nullptr, FALSE);
+    (void)qk::let_everybody_in(&everyone);
     SECURITY_ATTRIBUTES attributes = {sizeof attributes, &everyone, FALSE};
     SetLastError(0);
     mutex_.reset(CreateMutexW(&attributes, TRUE, name));

@@ -71,8 +71,6 @@ ULONG_PTR FreeThreadProp(std::wstring_view key) {
 
 void FinalizeThreadProp(bool process_ends) {
     TRACE("FinalizeThreadProp");
-    std::unique_lock hold(store.lock, std::defer_lock);
-    if (process_ends ? !hold.try_lock() : (hold.lock(), false))
-        return;
-    store.entries.clear();
+    if (const auto hold = qk::lock_at_detach(store.lock, process_ends))
+        store.entries.clear();
 }

@@ -19,13 +19,15 @@
 #include "job/document_event.h"
 #include "job/output_intent.h"
 #include "job/output_name.h"
-#include "print_settings/PSAdmin.h"
+#include "print_settings/printer_setting.h"
 #include "resources/ids.h"
 
 namespace job {
 
 namespace {
 
+using Corvanta::Vantrix::PrintSettings::load_printer_setting;
+using Corvanta::Vantrix::PrintSettings::PrinterSetting;
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
 using Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin;
 using pd_tk::TeskelCustom2021;
@@ -100,24 +102,21 @@ private:
 
     void load_settings() {
         const std::wstring name = GetSettingFileNameFromFD(library_.get(), printer_name_);
-        if (name.empty()) {  // what the administrator forces holds for the defaults too
-            if (!settings_.LoadDefaults())
-                refuse({kBadSettingFile, IDS_BAD_SETTING_FILE, Corvanta::Vantrix::Administrator::kFileName});
-        } else {
-            load_setting_file(name);
+        switch (load_printer_setting(name, settings_)) {
+            case PrinterSetting::kNone:  // what the administrator forces holds for the defaults too
+                if (!settings_.LoadDefaults())
+                    refuse(
+                        {kBadSettingFile, IDS_BAD_SETTING_FILE, Corvanta::Vantrix::Administrator::kFileName});
+                break;
+            case PrinterSetting::kMissing:
+                refuse({kNoSettingFile, IDS_NO_SETTING_FILE, name});
+            case PrinterSetting::kBad:
+                refuse({kBadSettingFile, IDS_BAD_SETTING_FILE, name});
+            case PrinterSetting::kLoaded:
+                TRACE("sd3");
         }
         if (const auto refusal = find_refusal(settings_))
             refuse(*refusal);
-    }
-
-    void load_setting_file(const std::wstring& name) {
-        const std::wstring path = SettingPathOf(name);
-        if (!qk::is_file(path))
-            refuse({kNoSettingFile, IDS_NO_SETTING_FILE, name});
-        TRACE("sd2");
-        if (!settings_.Load(path))
-            refuse({kBadSettingFile, IDS_BAD_SETTING_FILE, name});
-        TRACE("sd3");
     }
 
     [[noreturn]] static void refuse(const Refusal& refusal) {
@@ -147,7 +146,8 @@ private:
 
     void set_output_folder(const std::wstring& folder) {
         settings_.general()->OutputFolder = folder;
-        settings_.general()->SaveStyle = 1;  // the folder of the setting, not the user's last one
+        // The folder of the setting, not the user's last one.
+        settings_.general()->SaveStyle = Corvanta::Vantrix::PrintSettings::General_impl::kFixedFolder;
     }
 
     // Lets the library settle the output path; its result, or 555 when it hands the job over.

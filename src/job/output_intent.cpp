@@ -10,7 +10,8 @@ namespace job {
 
 namespace {
 
-using Settings = Corvanta::Vantrix::PrintSettings::PrintSettings;
+namespace ps = Corvanta::Vantrix::PrintSettings;
+using Settings = ps::PrintSettings;
 
 // The text "OutputCondition"; settings older than it get the identifier of the profile's description. An
 // entry that is there and empty stays empty.
@@ -33,13 +34,13 @@ bool is_trim_inside_bleed(const Corvanta::Vantrix::PrintSettings::PDFVersion_imp
 
 std::optional<Refusal> find_refusal(const Settings& settings) {
     const unsigned version = settings.pdfVersion()->Version;
-    if (version < 5 || version > 11)
+    if (!ps::is_standard(version))
         return std::nullopt;
     const std::wstring& profile = settings.pdfVersion()->ICCFileName;
     const auto path = icc::find_profile(profile);
     if (!path)
         return Refusal{164, IDS_NO_COLOUR_PROFILE, profile};
-    if (version < 6 || version > 10)
+    if (!ps::is_press_standard(version))
         return std::nullopt;
     if (output_condition(settings, *path).empty())
         return Refusal{50, IDS_NO_OUTPUT_CONDITION, {}};

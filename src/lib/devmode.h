@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -30,6 +31,13 @@ inline constexpr WORD kDevmodeSize = 220;
 inline constexpr WORD kDevmodeSize351 = 188;
 inline constexpr WORD kDevmodeSize400 = 212;
 inline constexpr WORD kDevmodeExtra = 36;
+// Resolutions in dots per inch: those that programs and people are offered, and those that a DEVMODE may ask
+// for.
+inline constexpr std::array<short, 10> kOfferedResolutions = {72,  96,  144,  300,  360,
+                                                              600, 720, 1200, 2400, 3600};
+inline constexpr std::array<short, 12> kKnownResolutions = {72,  96,  144,  150,  300,  360,
+                                                            600, 720, 1200, 2400, 3600, 4000};
+
 inline constexpr WORD kSpecVersion = 0x0401;
 inline constexpr WORD kDriverVersion = 0x0800;
 inline constexpr DWORD kDriverDevmodeSize = kDevmodeSize + kDevmodeExtra;
@@ -78,7 +86,7 @@ public:
 
 // Merges what `incoming` sets into `devmode` and returns the dmFields bits whose values were refused. An
 // incoming DEVMODE that is no DEVMODE changes nothing.
-DWORD merge_devmode(const DEVMODEW* incoming, DriverDevmode& devmode, MergeSource& source);
+DWORD merge_incoming(const DEVMODEW* incoming, DriverDevmode& devmode, MergeSource& source);
 
 // Fills `devmode` with the default, then the printer's own DEVMODE, then the caller's (may be null), and
 // returns the refusal mask of the last merge.

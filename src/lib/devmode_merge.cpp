@@ -19,7 +19,6 @@ namespace {
 
 constexpr DWORD kPaperBits = DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_FORMNAME;
 constexpr DWORD kCustomBits = DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH;
-constexpr std::array<short, 12> kResolutions = {72, 96, 144, 150, 300, 360, 600, 720, 1200, 2400, 3600, 4000};
 constexpr short kDefaultResolution = 600;
 
 struct Paper {
@@ -136,7 +135,7 @@ private:
         take(DM_COPIES, out.dmCopies, in.dmCopies, in.dmCopies == 1);
         const bool relative = in.dmPrintQuality <= DMRES_DRAFT && in.dmPrintQuality >= DMRES_HIGH;
         take(DM_PRINTQUALITY, out.dmPrintQuality, relative ? kDefaultResolution : in.dmPrintQuality,
-             relative || std::ranges::find(kResolutions, in.dmPrintQuality) != kResolutions.end());
+             relative || std::ranges::find(kKnownResolutions, in.dmPrintQuality) != kKnownResolutions.end());
         take(DM_COLOR, out.dmColor, in.dmColor,
              in.dmColor == DMCOLOR_MONOCHROME || in.dmColor == DMCOLOR_COLOR);
     }
@@ -188,13 +187,15 @@ private:
 
 // A copy of the printer's own DEVMODE inside its information block, empty when it has none that fits into the
 // block. A copy, since the spooler places it behind texts, at an address that need not suit a DEVMODEW.
-std::vector<std::byte> devmode_of(const std::vector<std::byte>& block) {
-    const auto* devmode = reinterpret_cast<const PRINTER_INFO_2W*>(block.data())->pDevMode;
-    const auto start = reinterpret_cast<uintptr_t>(block.data());
-    const auto at = reinterpret_cast<uintptr_t>(devmode);
-    if (at < start || at - start > block.size())
+std::vector<std::byte> devmode_of(const qk::SizedAnswer& info) {
+    if (!info.bytes)
         return {};
-    const std::vector<std::byte> copy(block.begin() + static_cast<ptrdiff_t>(at - start), block.end());
+    const auto* devmode = reinterpret_cast<const PRINTER_INFO_2W*>(info.bytes.get())->pDevMode;
+    const auto start = reinterpret_cast<uintptr_t>(info.bytes.get());
+    const auto at = reinterpret_cast<uintptr_t>(devmode);
+    if (at < start || at - start > info.size)
+        return {};
+    const std::vector<std::byte> copy(info.bytes.get() + (at - start), info.bytes.get() + info.size);
     const auto* header = reinterpret_cast<const DEVMODEW*>(copy.data());
     if (copy.size() < offsetof(DEVMODEW, dmFields) ||
         copy.size() < size_t{header->dmSize} + header->dmDriverExtra)
@@ -221,25 +222,19 @@ private:
     bool first_;
 };
 
-std::vector<std::byte> read_printer_info(HANDLE printer) {
+qk::SizedAnswer read_printer_info(HANDLE printer) {
     const AskingOnce first;
     if (!first)
         return {};
-    DWORD size = 0;
-    GetPrinterW(printer, 2, nullptr, 0, &size);
-    if (size < sizeof(PRINTER_INFO_2W))
-        return {};
-    std::vector<std::byte> block(size);
-    DWORD second_size = 0;
-    if (!GetPrinterW(printer, 2, reinterpret_cast<BYTE*>(block.data()), size, &second_size) ||
-        second_size != size)
-        return {};  // it has just been changed; the default serves better than half of it
-    return block;
+    // One that has just been changed does not count: the default serves better than half of it.
+    return qk::read_sized([&](BYTE* buffer, DWORD bytes,
+                              DWORD* needed) { return GetPrinterW(printer, 2, buffer, bytes, needed); },
+                          sizeof(PRINTER_INFO_2W));
 }
 
 }  // namespace
 
-DWORD merge_devmode(const DEVMODEW* incoming, DriverDevmode& devmode, MergeSource& source) {
+DWORD merge_incoming(const DEVMODEW* incoming, DriverDevmode& devmode, MergeSource& source) {
     DriverDevmode in = {};
     in.dm.dmSize = kDevmodeSize;
     in.dm.dmDriverExtra = kDevmodeExtra;
@@ -257,11 +252,10 @@ DWORD MergeDevmode(HANDLE printer, const DEVMODEW* caller, DriverDevmode& devmod
     devmode = default_devmode();
     PrinterSource source(printer);
     DWORD refused = 0;
-    const std::vector<std::byte> block = read_printer_info(printer);
-    const std::vector<std::byte> own = block.empty() ? std::vector<std::byte>() : devmode_of(block);
+    const std::vector<std::byte> own = devmode_of(read_printer_info(printer));
     if (!own.empty())
-        refused = merge_devmode(reinterpret_cast<const DEVMODEW*>(own.data()), devmode, source);
+        refused = merge_incoming(reinterpret_cast<const DEVMODEW*>(own.data()), devmode, source);
     if (caller)
-        refused = merge_devmode(caller, devmode, source);
+        refused = merge_incoming(caller, devmode, source);
     return refused;
 }

@@ -129,7 +129,7 @@ const FormRecord* find_form(const std::vector<FormRecord>& forms, std::wstring_v
     return form == forms.end() ? nullptr : &*form;
 }
 
-int AddFormsToDataBase(HANDLE printer, const std::wstring& device_name, bool& write_failed) {
+int AddFormsToDataBase(HANDLE printer, const std::wstring& device_name) {
     TRACE("AddFormsToDataBase");
     wchar_t value[] = L"Model";
     wchar_t model[68 / sizeof(wchar_t) + 1] = {};  // room for a terminator that the value may lack
@@ -140,7 +140,7 @@ int AddFormsToDataBase(HANDLE printer, const std::wstring& device_name, bool& wr
         return 1;
     std::wstring text = device_name;
     const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
-    write_failed =
-        SetPrinterDataW(printer, value, REG_SZ, reinterpret_cast<BYTE*>(text.data()), bytes) != ERROR_SUCCESS;
-    return write_failed ? 1 : 0;
+    const bool written =
+        SetPrinterDataW(printer, value, REG_SZ, reinterpret_cast<BYTE*>(text.data()), bytes) == ERROR_SUCCESS;
+    return written ? 0 : 1;
 }

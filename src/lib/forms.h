@@ -59,5 +59,5 @@ int ZRTK_EnumForms(HANDLE printer, FormCallback* callback, FormRecords& records)
 }
 
 // Keeps the printer's "Model" value in step with `device_name`. 0 when it has been written; 1 when a
-// different model stands there already, or when it could not be written, which also sets `write_failed`.
-int AddFormsToDataBase(HANDLE printer, const std::wstring& device_name, bool& write_failed);
+// different model stands there already, or when it could not be written.
+int AddFormsToDataBase(HANDLE printer, const std::wstring& device_name);

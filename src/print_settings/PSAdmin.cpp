@@ -4,6 +4,7 @@
 #include <exception>
 #include <utility>
 
+#include "common/setting_signatures.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
@@ -25,7 +26,8 @@ bool read_restriction(std::string_view bytes, Restriction& restriction) {
     try {
         picojson::value document;
         const ps::PasswordsWipedAtEnd wiped(document);
-        if (ps::RecogniseBytes(bytes) != ps::kPS4 || !ps::json::try_parse(bytes.substr(3), document))
+        if (ps::RecogniseBytes(bytes) != ps::kPS4 ||
+            !ps::json::try_parse(bytes.substr(kByteOrderMark.size()), document))
             return false;
         const picojson::value* own = ps::json::find(document.get<picojson::object>(), "Administrator");
         Restriction fresh = restriction;
@@ -104,7 +106,8 @@ bool PrintSettingsAdmin::Load(const std::wstring& path) {
 
 bool PrintSettingsAdmin::LoadDefaults() {
     TRACE("PrintSettingsAdmin::LoadDefaults");
-    return LoadWithAdministrator("\xEF\xBB\xBF{\"PSComment\": []}");  // a user's file that sets nothing
+    return LoadWithAdministrator(std::string(kByteOrderMark) +
+                                 "{\"PSComment\": []}");  // a user's file that sets nothing
 }
 
 bool PrintSettingsAdmin::LoadWithAdministrator(std::string_view users) {

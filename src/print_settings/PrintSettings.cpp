@@ -4,6 +4,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "common/setting_signatures.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "common/qk/wipe.h"
@@ -15,24 +16,17 @@
 
 namespace Corvanta::Vantrix::PrintSettings {
 
-namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-}  // namespace
-
-int RecogniseBytes(std::string_view bytes) noexcept {
+SettingKind RecogniseBytes(std::string_view bytes) noexcept {
     // The eighth byte of the chunked kind belongs to its magic but is left to its reader.
     constexpr std::string_view kFirst("\x09\x00\x02\x00", 4);
-    constexpr std::string_view kChunked("\xF0\x5A\x52\x54\x4B\x53\x33", 7);
     if (bytes.starts_with(kFirst))
         return kLegacyFirst;
-    if (bytes.starts_with(kChunked))
+    if (bytes.starts_with(kChunkedSignature))
         return kLegacyChunked;
     return bytes.starts_with(kByteOrderMark) ? kPS4 : kUnknownKind;
 }
 
-int Recognise(const std::wstring& path) {
+SettingKind Recognise(const std::wstring& path) {
     TRACE("Recognise");
     std::string bytes;
     return setting_file::read_start(path, bytes) == kLoaded ? RecogniseBytes(bytes) : kUnknownKind;
@@ -56,21 +50,21 @@ bool PrintSettings::Load(const std::wstring& path) {
     return Load(path, false) == kLoaded;
 }
 
-int PrintSettings::Load(const std::wstring& path, bool keepCurrent) {
+LoadResult PrintSettings::Load(const std::wstring& path, bool keepCurrent) {
     TRACE("PrintSettings::Load");
     TRACE(path);
     std::string bytes;
     const qk::WipedAtEnd wiped(bytes);
-    int result = setting_file::read(path, bytes);
+    LoadResult result = setting_file::read(path, bytes);
     if (result == kLoaded)
         result = LoadBytes(bytes, keepCurrent);
     if (result != kLoaded)
-        TRACE_F(L"err:PrintSettings::Load %d", result);
+        TRACE_F(L"err:PrintSettings::Load %d", int{result});
     return result;
 }
 
-int PrintSettings::LoadBytes(std::string_view bytes, bool keepCurrent) {
-    switch (const int kind = RecogniseBytes(bytes)) {
+LoadResult PrintSettings::LoadBytes(std::string_view bytes, bool keepCurrent) {
+    switch (const SettingKind kind = RecogniseBytes(bytes)) {
         case kPS4:
             return LoadPS4(bytes.substr(kByteOrderMark.size()), keepCurrent);
         case kLegacyFirst:
@@ -81,7 +75,7 @@ int PrintSettings::LoadBytes(std::string_view bytes, bool keepCurrent) {
     }
 }
 
-int PrintSettings::LoadPS4(std::string_view text, bool keepCurrent) {
+LoadResult PrintSettings::LoadPS4(std::string_view text, bool keepCurrent) {
     TRACE("LoadPS4");
     try {
         picojson::value document;

@@ -12,23 +12,27 @@
 namespace Corvanta::Vantrix::PrintSettings {
 
 // Results of loading.
-inline constexpr int kLoaded = 0;
-inline constexpr int kUnreadable = 17;     // unknown kind, not JSON, wrong structure, locked, too large
-inline constexpr int kMissing = 18;        // no path, no such file, or a folder
-inline constexpr int kLegacyPayload = 21;  // a sound older binary setting, whose values cannot be taken over
+enum LoadResult : int {
+    kLoaded = 0,
+    kUnreadable = 17,     // unknown kind, not JSON, wrong structure, locked, too large
+    kMissing = 18,        // no path, no such file, or a folder
+    kLegacyPayload = 21,  // a sound older binary setting, whose values cannot be taken over
+};
 
 // Setting files above this many bytes are unreadable; a full one has some 4 KiB.
 inline constexpr unsigned kMostFileBytes = 4u << 20;
 
 // Kinds of setting file.
-inline constexpr int kUnknownKind = 0;
-inline constexpr int kLegacyFirst = 5;    // binary, first generation
-inline constexpr int kLegacyChunked = 6;  // binary, chunks
-inline constexpr int kPS4 = 7;            // JSON
+enum SettingKind : int {
+    kUnknownKind = 0,
+    kLegacyFirst = 5,    // binary, first generation
+    kLegacyChunked = 6,  // binary, chunks
+    kPS4 = 7,            // JSON
+};
 
 // The kind of a file by its first bytes; kUnknownKind also when it is missing, a folder or cannot be opened.
-[[nodiscard]] int Recognise(const std::wstring& path);
-[[nodiscard]] int RecogniseBytes(std::string_view first_bytes) noexcept;
+[[nodiscard]] SettingKind Recognise(const std::wstring& path);
+[[nodiscard]] SettingKind RecogniseBytes(std::string_view first_bytes) noexcept;
 
 // The display name in a setting file of the JSON kind, found without reading its values; empty when it holds
 // none, nothing when the file cannot be read or loading it would find broken JSON or too deep nesting.
@@ -81,10 +85,10 @@ public:
 
     // The same with its result code (kLoaded, ...). With `keepCurrent` what the file does not name stays as
     // it is. Entries of PSComment are only ever added or replaced.
-    [[nodiscard]] int Load(const std::wstring& path, bool keepCurrent);
+    [[nodiscard]] LoadResult Load(const std::wstring& path, bool keepCurrent);
 
     // Reads the JSON text of a setting (UTF-8, what follows the byte-order mark): kLoaded or kUnreadable.
-    [[nodiscard]] int LoadPS4(std::string_view text, bool keepCurrent);
+    [[nodiscard]] LoadResult LoadPS4(std::string_view text, bool keepCurrent);
 
     // Writes a setting file. On failure false with the last error; the file that was there is then unchanged,
     // but for a write that fails after it had to be done in place. A value that is not finite cannot be
@@ -99,7 +103,7 @@ public:
 
 protected:
     // Load for the bytes of a file that was read already.
-    [[nodiscard]] int LoadBytes(std::string_view bytes, bool keepCurrent);
+    [[nodiscard]] LoadResult LoadBytes(std::string_view bytes, bool keepCurrent);
 
 private:
     std::unique_ptr<PrintSettings_impl> impl_;

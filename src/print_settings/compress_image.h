@@ -11,9 +11,11 @@ namespace Corvanta::Vantrix::PrintSettings {
 // to the target, both in dots per inch (10 to 24000).
 struct CompressImage_impl {
     uint32_t MonoCompressionMethod = 2;  // 0 to 4; monochrome images only
-    uint32_t DownSamplingMethod = 2;     // 0 to 3
-    uint32_t CompressionMethod = 0;      // 0 to 4; colour and grey images only
-    uint8_t JpegQuality = 95;            // 0 to 100; colour and grey images only
+    enum : uint32_t { kNoSampling, kSubsample, kAverage, kBicubic };
+    uint32_t DownSamplingMethod = kAverage;
+    enum : uint32_t { kAutomatic, kJpeg };    // and 2 to 4 without loss
+    uint32_t CompressionMethod = kAutomatic;  // 0 to 4; colour and grey images only
+    uint8_t JpegQuality = 95;                 // 0 to 100; colour and grey images only
     uint32_t ResolutionThreshold = 225;
     uint32_t ResolutionTarget = 150;
 };

@@ -40,8 +40,7 @@ std::wstring shortened(std::wstring text) {
         if (unit < L' ')
             unit = L' ';
     if (text.size() > kMostShown) {
-        const bool cuts_pair = IS_HIGH_SURROGATE(text[kMostShown - 1]);
-        text.resize(cuts_pair ? kMostShown - 1 : kMostShown);
+        text.resize(qk::cut(text, kMostShown).size());
         text += L'\u2026';
     }
     return text;

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <tuple>
+#include <type_traits>
 
 namespace Corvanta::Vantrix::PrintSettings {
 
@@ -58,6 +59,7 @@ struct FieldInfo {
     Shown shown = Shown::kPlain;
     uint8_t value_count = 0;  // kNamed: string resources from first_value on, for the codes 0, 1, 2, ...
     UINT first_value = 0;
+    uint16_t units = 0;  // texts: the most UTF-16 units that can be typed; a file may hold more. 0: no limit
 };
 
 template <class Section, class Value>
@@ -73,6 +75,11 @@ struct Field : FieldInfo {
         Field field = as(Shown::kNamed);
         field.first_value = first;
         field.value_count = count;
+        return field;
+    }
+    [[nodiscard]] constexpr Field typed(uint16_t most_units) const {
+        Field field = *this;
+        field.units = most_units;
         return field;
     }
     [[nodiscard]] constexpr Field read_from(const char* other_key) const {
@@ -109,6 +116,18 @@ constexpr void for_each_field(Visit visit) {
 template <class Section, class Test>
 [[nodiscard]] constexpr bool all_fields(Test test) {
     return std::apply([&](const auto&... row) { return (test(row) && ...); }, kFields<Section>);
+}
+
+// The row of a member of the section.
+template <class Section, class Value>
+[[nodiscard]] constexpr FieldInfo field_of(Value Section::*member) {
+    FieldInfo found = {};
+    for_each_field<Section>([&](const auto& row) {
+        if constexpr (std::is_same_v<decltype(row.member), Value Section::*>)
+            if (row.member == member)
+                found = row;
+    });
+    return found;
 }
 
 template <class Value>

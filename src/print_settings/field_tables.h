@@ -21,7 +21,7 @@ inline constexpr auto kFields<General_impl> = std::tuple{
     field("URLLink", &General_impl::URLLink, IDS_PS_URL_LINK),
     field("SaveStyle", &General_impl::SaveStyle, IDS_PS_SAVE_STYLE, range(0, 1))
         .values(IDS_PS_SAVE_STYLE_0, 2),
-    field("OutputFolder", &General_impl::OutputFolder, IDS_PS_OUTPUT_FOLDER),
+    field("OutputFolder", &General_impl::OutputFolder, IDS_PS_OUTPUT_FOLDER).typed(512),
     field("PaperType", &General_impl::PaperType, IDS_PS_PAPER_TYPE, range(0, 1))
         .values(IDS_PS_PAPER_TYPE_0, 2),
     field("PaperName", &General_impl::PaperName, IDS_PS_PAPER_NAME, range(1, 32767)).as(Shown::kPaper),
@@ -33,35 +33,46 @@ inline constexpr auto kFields<General_impl> = std::tuple{
     field("Scale", &General_impl::Scale, IDS_PS_SCALE, range(10, 400)),
 };
 
-template <class Image>
-inline constexpr auto kImageFields = std::tuple{
-    field("DownSamplingMethod", &Image::DownSamplingMethod, IDS_PS_DOWN_SAMPLING, range(0, 3))
-        .values(IDS_CMP_SAMPLING_0, 4),
-    field("CompressionMethod", &Image::CompressionMethod, IDS_PS_METHOD, range(0, 4))
-        .values(IDS_CMP_METHOD_0, 5),
-    field("JpegQuality", &Image::JpegQuality, IDS_PS_JPEG_QUALITY, low_bits_range(0xFF, 0, 100)),
-    field("ResolutionThreshold", &Image::ResolutionThreshold, IDS_PS_THRESHOLD, range(10, 24000)),
-    field("ResolutionTarget", &Image::ResolutionTarget, IDS_PS_TARGET, range(10, 24000)),
-};
+// The fields of the record that the kinds of image share; each kind uses some of them.
+namespace image_fields {
+
+inline constexpr auto kMonoMethod =
+    field("MonoCompressionMethod", &CompressImage_impl::MonoCompressionMethod, IDS_PS_METHOD, range(0, 4))
+        .values(IDS_CMP_MONO_METHOD_0, 5);
+inline constexpr auto kSampling =
+    field("DownSamplingMethod", &CompressImage_impl::DownSamplingMethod, IDS_PS_DOWN_SAMPLING, range(0, 3))
+        .values(IDS_CMP_SAMPLING_0, 4);
+inline constexpr auto kMethod =
+    field("CompressionMethod", &CompressImage_impl::CompressionMethod, IDS_PS_METHOD, range(0, 4))
+        .values(IDS_CMP_METHOD_0, 5);
+inline constexpr auto kQuality =
+    field("JpegQuality", &CompressImage_impl::JpegQuality, IDS_PS_JPEG_QUALITY, low_bits_range(0xFF, 0, 100));
+inline constexpr auto kThreshold = field("ResolutionThreshold", &CompressImage_impl::ResolutionThreshold,
+                                         IDS_PS_THRESHOLD, range(10, 24000));
+inline constexpr auto kTarget =
+    field("ResolutionTarget", &CompressImage_impl::ResolutionTarget, IDS_PS_TARGET, range(10, 24000));
+
+}  // namespace image_fields
+template <>
+inline constexpr auto kFields<CompressImage_impl> =
+    std::tuple{image_fields::kMonoMethod, image_fields::kSampling,  image_fields::kMethod,
+               image_fields::kQuality,    image_fields::kThreshold, image_fields::kTarget};
+inline constexpr auto kColourImageFields =
+    std::tuple{image_fields::kSampling, image_fields::kMethod, image_fields::kQuality,
+               image_fields::kThreshold, image_fields::kTarget};
 template <>
 inline constexpr UINT kName<ColorImage_impl> = IDS_PS_COLOUR_IMAGES;
 template <>
-inline constexpr auto kFields<ColorImage_impl> = kImageFields<ColorImage_impl>;
+inline constexpr auto kFields<ColorImage_impl> = kColourImageFields;
 template <>
 inline constexpr UINT kName<GrayImage_impl> = IDS_PS_GREY_IMAGES;
 template <>
-inline constexpr auto kFields<GrayImage_impl> = kImageFields<GrayImage_impl>;
+inline constexpr auto kFields<GrayImage_impl> = kColourImageFields;
 template <>
 inline constexpr UINT kName<MonoImage_impl> = IDS_PS_MONO_IMAGES;
 template <>
-inline constexpr auto kFields<MonoImage_impl> = std::tuple{
-    field("MonoCompressionMethod", &MonoImage_impl::MonoCompressionMethod, IDS_PS_METHOD, range(0, 4))
-        .values(IDS_CMP_MONO_METHOD_0, 5),
-    field("DownSamplingMethod", &MonoImage_impl::DownSamplingMethod, IDS_PS_DOWN_SAMPLING, range(0, 3))
-        .values(IDS_CMP_SAMPLING_0, 4),
-    field("ResolutionThreshold", &MonoImage_impl::ResolutionThreshold, IDS_PS_THRESHOLD, range(10, 24000)),
-    field("ResolutionTarget", &MonoImage_impl::ResolutionTarget, IDS_PS_TARGET, range(10, 24000)),
-};
+inline constexpr auto kFields<MonoImage_impl> = std::tuple{image_fields::kMonoMethod, image_fields::kSampling,
+                                                           image_fields::kThreshold, image_fields::kTarget};
 
 template <>
 inline constexpr UINT kName<Compression_impl> = IDS_PS_COMPRESSION;
@@ -91,11 +102,11 @@ template <>
 inline constexpr UINT kName<Summary_impl> = IDS_PS_SUMMARY;
 template <>
 inline constexpr auto kFields<Summary_impl> = std::tuple{
-    field("Title", &Summary_impl::Title, IDS_PS_TITLE),
-    field("Subject", &Summary_impl::Subject, IDS_PS_SUBJECT),
-    field("Author", &Summary_impl::Author, IDS_PS_AUTHOR),
-    field("Keywords", &Summary_impl::Keywords, IDS_PS_KEYWORDS),
-    field("Creator", &Summary_impl::Creator, IDS_PS_CREATOR),
+    field("Title", &Summary_impl::Title, IDS_PS_TITLE).typed(1000),
+    field("Subject", &Summary_impl::Subject, IDS_PS_SUBJECT).typed(1000),
+    field("Author", &Summary_impl::Author, IDS_PS_AUTHOR).typed(1000),
+    field("Keywords", &Summary_impl::Keywords, IDS_PS_KEYWORDS).typed(1000),
+    field("Creator", &Summary_impl::Creator, IDS_PS_CREATOR).typed(1000),
     field("EmbedPSFileName", &Summary_impl::EmbedPSFileName, IDS_PS_EMBED_PS_NAME),
 };
 
@@ -146,8 +157,10 @@ template <>
 inline constexpr UINT kName<Security_impl> = IDS_PS_SECURITY;
 template <>
 inline constexpr auto kFields<Security_impl> = std::tuple{
-    field("MasterPassword", &Security_impl::MasterPassword, IDS_PS_MASTER_PASSWORD).as(Shown::kSecret),
-    field("UserPassword", &Security_impl::UserPassword, IDS_PS_USER_PASSWORD).as(Shown::kSecret),
+    field("MasterPassword", &Security_impl::MasterPassword, IDS_PS_MASTER_PASSWORD)
+        .as(Shown::kSecret)
+        .typed(1000),
+    field("UserPassword", &Security_impl::UserPassword, IDS_PS_USER_PASSWORD).as(Shown::kSecret).typed(1000),
     field("AllowCopyContent", &Security_impl::AllowCopyContent, IDS_PS_ALLOW_COPY),
     field("AllowAccessFromScreenReader", &Security_impl::AllowAccessFromScreenReader, IDS_PS_ALLOW_READER),
     field("EditPermission", &Security_impl::EditPermission, IDS_PS_EDIT_PERMISSION, range(0, 5))
@@ -166,12 +179,12 @@ inline constexpr UINT kName<Watermark_impl> = IDS_PS_WATERMARK;
 template <>
 inline constexpr auto kFields<Watermark_impl> = std::tuple{
     field("Style", &Watermark_impl::Style, IDS_PS_STYLE, range(0, 2)).values(IDS_PS_STYLE_0, 3),
-    field("PictureFileName", &Watermark_impl::PictureFileName, IDS_PS_PICTURE),
+    field("PictureFileName", &Watermark_impl::PictureFileName, IDS_PS_PICTURE).typed(32767),
     field("PictureScale", &Watermark_impl::PictureScale, IDS_PS_PICTURE_SCALE, range_or_all_ones(0, 6400))
         .as(Shown::kOnesAreAuto),
-    field("Text", &Watermark_impl::Text, IDS_PS_TEXT),
+    field("Text", &Watermark_impl::Text, IDS_PS_TEXT).typed(255),
     field("TextColor", &Watermark_impl::TextColor, IDS_PS_TEXT_COLOUR, low_bits(0xFFFFFF)).as(Shown::kColour),
-    field("FontName", &Watermark_impl::FontName, IDS_PS_FONT_NAME),
+    field("FontName", &Watermark_impl::FontName, IDS_PS_FONT_NAME).typed(31),
     field("FontSize", &Watermark_impl::FontSize, IDS_PS_FONT_SIZE, zero_or_range(8, 500))
         .as(Shown::kZeroIsAuto),
     field("DiagonalText", &Watermark_impl::DiagonalText, IDS_PS_DIAGONAL),

@@ -75,7 +75,7 @@ bool is_sound(std::string_view bytes) {
 
 }  // namespace
 
-int read_legacy(std::string_view bytes, int kind) {
+LoadResult read_legacy(std::string_view bytes, SettingKind kind) {
     TRACE("read_legacy");
     return kind == kLegacyChunked && !is_sound(bytes) ? kUnreadable : kLegacyPayload;
 }

@@ -1,5 +1,6 @@
 // The sections of a print setting: their values, defaults and handles. Texts are UTF-16. The ranges are those
-// to which the reader of setting files brings a value (field_tables.h).
+// to which the reader of setting files brings a value (field_tables.h). The codes of a field stand before it,
+// in their order; it is wide enough for what a file holds.
 #pragma once
 
 #include <cstdint>
@@ -8,24 +9,30 @@
 #include <vector>
 
 #include "print_settings/compress_image.h"
+#include "print_settings/pdf_version.h"
 #include "print_settings/ps_impl_base.h"
 
 namespace Corvanta::Vantrix::PrintSettings {
 
 // Output behaviour and paper.
 struct General_impl final : ps_impl_base<General_impl> {
-    bool Linearize = true;           // optimised for viewing over a network
-    int32_t OpenPDF = 1;             // 0 to 3: open the PDF after creation; 0 = no, 1 = yes
-    int32_t WhenSameName = 0;        // 0 to 3: the output file exists: overwrite, ask, number, refuse
-    bool NoOutputBlankPage = false;  // drop blank pages
-    bool URLLink = false;            // turn URLs in text into links
-    int32_t SaveStyle = 0;           // 0 = ask for the place, 1 = a fixed output folder
+    bool Linearize = true;  // optimised for viewing over a network
+    enum : int32_t { kLeaveClosed, kOpen };
+    int32_t OpenPDF = kOpen;  // after creation; 2 and 3 in another way
+    enum : int32_t { kOverwrite, kAsk, kNumber, kRefuse };
+    int32_t WhenSameName = kOverwrite;  // the output file exists
+    bool NoOutputBlankPage = false;     // drop blank pages
+    bool URLLink = false;               // turn URLs in text into links
+    enum : int32_t { kAskForPlace, kFixedFolder };
+    int32_t SaveStyle = kAskForPlace;
     std::wstring OutputFolder;
-    int32_t PaperType = 0;          // 0 = a form, 1 = a custom size
-    int16_t PaperName = 9;          // the form, as DEVMODE's dmPaperSize counts (9 = A4), 1 to 32767
-    float PaperWidth = 210.0f;      // millimetres, 25.4 to 3276.7
-    float PaperHeight = 297.0f;     // millimetres, 25.4 to 3276.7
-    int32_t PaperOrientation = 0;   // 0 = portrait, 1 = landscape
+    enum : int32_t { kForm, kCustomSize };
+    int32_t PaperType = kForm;
+    int16_t PaperName = 9;       // the form, as DEVMODE's dmPaperSize counts (9 = A4), 1 to 32767
+    float PaperWidth = 210.0f;   // millimetres, 25.4 to 3276.7
+    float PaperHeight = 297.0f;  // millimetres, 25.4 to 3276.7
+    enum : int32_t { kPortrait, kLandscape };
+    int32_t PaperOrientation = kPortrait;
     int32_t PaperResolution = 600;  // dots per inch, 72 to 3600
     int32_t Scale = 100;            // percent, 10 to 400
 };
@@ -42,9 +49,11 @@ struct Compression_impl final : ps_impl_base<Compression_impl> {
 class Compression final : public ps_handle<Compression_impl> {};
 
 struct Font_impl final : ps_impl_base<Font_impl> {
-    uint32_t EmbedFontStyle = 0;     // 0 = all but those in Fonts, 1 = only those
-    uint32_t WhenFailedToEmbed = 1;  // 0 = no PDF, 1 = go on without the font
-    bool EmbedBase14 = true;         // the 14 standard fonts of PDF too
+    enum : uint32_t { kAllButListed, kListedOnly };
+    uint32_t EmbedFontStyle = kAllButListed;
+    enum : uint32_t { kNoPDF, kGoOnWithout };
+    uint32_t WhenFailedToEmbed = kGoOnWithout;
+    bool EmbedBase14 = true;  // the 14 standard fonts of PDF too
     std::vector<std::wstring> Fonts;
 };
 class Font final : public ps_handle<Font_impl> {};
@@ -64,11 +73,16 @@ class Summary final : public ps_handle<Summary_impl> {};
 struct OpenAction_impl final : ps_impl_base<OpenAction_impl> {
     static constexpr uint32_t kNoStartPage = 0xFFFFFFFF;  // -1, as an unsigned field holds it
 
-    uint32_t PageLayout = 0;  // 0 = the viewer's, one page (1, continuous 2), two pages (3, continuous 4)
-    uint32_t Binding = 1;     // 0 = the viewer's, 1 = left, 2 = right
-    uint32_t PageAdjust = 0;  // 0 = the viewer's, 1 = 100 %, 2 = page, 3 = its width, 4 = contents' width
-    uint32_t PageMode = 0;    // pane: 0 = none, 1 = bookmarks, 2 = thumbnails, 3 = layers
-    uint32_t StartPage = 1;   // kNoStartPage or 0 to 1000000
+    // The first of each is the viewer's own choice.
+    enum : uint32_t { kAnyLayout, kSinglePage, kOneColumn, kTwoPages, kTwoColumns };
+    uint32_t PageLayout = kAnyLayout;
+    enum : uint32_t { kAnyBinding, kLeftBinding, kRightBinding };
+    uint32_t Binding = kLeftBinding;
+    enum : uint32_t { kAnyZoom, kFullSize, kFitPage, kFitWidth, kFitContents };
+    uint32_t PageAdjust = kAnyZoom;
+    enum : uint32_t { kNoPane, kBookmarks, kThumbnails, kLayers };
+    uint32_t PageMode = kNoPane;
+    uint32_t StartPage = 1;  // kNoStartPage or 0 to 1000000
     bool FullScreen = false;
     bool ShowDocumentTitle = false;
     bool HideMenu = false;
@@ -90,8 +104,9 @@ struct Box {
 };
 
 struct PDFVersion_impl final : ps_impl_base<PDFVersion_impl> {
-    uint32_t Version = 4;           // 0 to 12; see pdf_ver
-    uint32_t WhenErroredPDFAX = 0;  // 0 to 1: what to do when the PDF/A or PDF/X check fails
+    uint32_t Version = kPDF17;  // a PDFVersionCode
+    enum : uint32_t { kStop, kContinue };
+    uint32_t WhenErroredPDFAX = kStop;  // the check of PDF/A or PDF/X fails
     bool UseTrimBox = false;
     Box TrimBox;
     bool UseBleedBox = false;
@@ -99,13 +114,6 @@ struct PDFVersion_impl final : ps_impl_base<PDFVersion_impl> {
     std::wstring ICCFileName;  // colour profile of the output intent: a path or the name of an installed one
 };
 class PDFVersion final : public ps_handle<PDFVersion_impl> {};
-
-// The versions of PDF by name.
-enum class PDFVer { Unknown, _13, _14, _15, _16, _17, _20 };
-
-// The version of PDF that the code in `PDFVersion` stands for; a PDF/A or PDF/X code gives the version of PDF
-// that standard builds on. Codes above 12 give Unknown.
-[[nodiscard]] PDFVer pdf_ver(uint32_t version_code) noexcept;
 
 struct Security_impl final : ps_impl_base<Security_impl> {
     Security_impl() = default;
@@ -130,7 +138,8 @@ class Security final : public ps_handle<Security_impl> {};
 struct Watermark_impl final : ps_impl_base<Watermark_impl> {
     static constexpr uint32_t kNoPictureScale = 0xFFFFFFFF;
 
-    uint32_t Style = 0;  // 0 = none, 1 = text, 2 = picture
+    enum : uint32_t { kNoMark, kTextMark, kPictureMark };
+    uint32_t Style = kNoMark;
     std::wstring PictureFileName;
     uint32_t PictureScale = kNoPictureScale;  // percent, 0 to 6400, or kNoPictureScale: never set
     std::wstring Text = L"CONFIDENTIAL";
@@ -138,10 +147,12 @@ struct Watermark_impl final : ps_impl_base<Watermark_impl> {
     std::wstring FontName = L"Arial";
     uint32_t FontSize = 0;  // points, 8 to 500; 0 = as the text needs
     bool DiagonalText = true;
-    uint32_t ZOrder = 0;              // 0 = over the page's content, 1 = under it
-    uint32_t VerticalPosition = 1;    // 0 = top, 1 = middle, 2 = bottom
-    uint32_t HorizontalPosition = 1;  // 0 = left, 1 = centre, 2 = right
-    uint32_t Transparency = 70;       // percent
+    enum : uint32_t { kOverThePage, kUnderThePage };
+    uint32_t ZOrder = kOverThePage;
+    enum : uint32_t { kTopOrLeft, kMiddle, kBottomOrRight };
+    uint32_t VerticalPosition = kMiddle;
+    uint32_t HorizontalPosition = kMiddle;
+    uint32_t Transparency = 70;  // percent
     bool VisibleInPrint = true;
     bool VisibleInDisplay = true;
 };
@@ -151,7 +162,8 @@ struct Color_impl final : ps_impl_base<Color_impl> {
     bool BlackToK100 = false;           // black becomes pure K
     uint32_t GrayDecreasingMethod = 0;  // 0 to 2
     uint32_t MonoDecreasingMethod = 0;  // 0 to 1
-    uint32_t ColorMode = 0;             // 0 = colour, 1 = grey, 2 = monochrome
+    enum : uint32_t { kColour, kGrey, kMonochrome };
+    uint32_t ColorMode = kColour;
     uint8_t MonoImageThreshold = 128;
     uint8_t MonoTextAndPassThreshold = 128;
     uint32_t MonoImageFilter = 0;  // 0 to 4

@@ -16,7 +16,7 @@ qk::FileObj open_for_reading(const std::wstring& path, DWORD share) noexcept {
     return qk::open_disk_file(path, GENERIC_READ, share, FILE_FLAG_SEQUENTIAL_SCAN);
 }
 
-int open(const std::wstring& path, DWORD share, qk::FileObj& file, LARGE_INTEGER& size) noexcept {
+LoadResult open(const std::wstring& path, DWORD share, qk::FileObj& file, LARGE_INTEGER& size) noexcept {
     if (path.empty())
         return kMissing;
     file = open_for_reading(path, share);
@@ -30,7 +30,7 @@ int open(const std::wstring& path, DWORD share, qk::FileObj& file, LARGE_INTEGER
     return GetFileSizeEx(file.get(), &size) ? kLoaded : kUnreadable;
 }
 
-int read_up_to(HANDLE file, LONGLONG size, std::string& bytes) {
+LoadResult read_up_to(HANDLE file, LONGLONG size, std::string& bytes) {
     bytes.resize(static_cast<size_t>(size));
     DWORD got = 0;
     if (!ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &got, nullptr))
@@ -41,20 +41,22 @@ int read_up_to(HANDLE file, LONGLONG size, std::string& bytes) {
 
 }  // namespace
 
-int read(const std::wstring& path, std::string& bytes) {
+LoadResult read(const std::wstring& path, std::string& bytes) {
     qk::FileObj file;
     LARGE_INTEGER size;
     // Who replaces the file while it is read is not in the way: what is read stays whole.
-    if (const int result = open(path, FILE_SHARE_READ | FILE_SHARE_DELETE, file, size); result != kLoaded)
+    if (const LoadResult result = open(path, FILE_SHARE_READ | FILE_SHARE_DELETE, file, size);
+        result != kLoaded)
         return result;
     return size.QuadPart <= kMostFileBytes ? read_up_to(file.get(), size.QuadPart, bytes) : kUnreadable;
 }
 
-int read_start(const std::wstring& path, std::string& bytes) {
+LoadResult read_start(const std::wstring& path, std::string& bytes) {
     constexpr LONGLONG kTestedBytes = 8;
     qk::FileObj file;
     LARGE_INTEGER size;
-    if (const int result = open(path, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, file, size);
+    if (const LoadResult result =
+            open(path, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, file, size);
         result != kLoaded)
         return result;
     return read_up_to(file.get(), std::min(size.QuadPart, kTestedBytes), bytes);

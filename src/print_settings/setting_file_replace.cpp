@@ -26,7 +26,7 @@ struct OldFile {
     bool in_place = false;  // another file could not take over what this one is
     std::wstring path;      // behind a link
     DWORD attributes = 0;
-    std::vector<BYTE> protection;  // its access list, as a self-relative SECURITY_DESCRIPTOR
+    std::unique_ptr<std::byte[]> protection;  // its access list, as a self-relative SECURITY_DESCRIPTOR
 };
 
 std::wstring folder_of(const std::wstring& path) {
@@ -41,13 +41,11 @@ std::wstring final_path(HANDLE file, const std::wstring& path) {
     return found.empty() ? path : found;
 }
 
-std::vector<BYTE> protection_of(HANDLE file) {
-    DWORD size = 0;
-    GetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, nullptr, 0, &size);
-    std::vector<BYTE> protection(size);
-    if (!GetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, protection.data(), size, &size))
-        protection.clear();
-    return protection;
+std::unique_ptr<std::byte[]> protection_of(HANDLE file) {
+    return qk::read_sized([&](BYTE* buffer, DWORD bytes, DWORD* needed) {
+               return GetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, buffer, bytes, needed);
+           })
+        .bytes;
 }
 
 OldFile look_at(const std::wstring& path) {
@@ -64,7 +62,7 @@ OldFile look_at(const std::wstring& path) {
     old.path = final_path(file.get(), path);
     old.attributes = information.dwFileAttributes;
     old.protection = protection_of(file.get());
-    old.in_place = !told || information.nNumberOfLinks > 1 || old.protection.empty();
+    old.in_place = !told || information.nNumberOfLinks > 1 || !old.protection;
     return old;
 }
 
@@ -112,8 +110,8 @@ bool with_patience(Attempt attempt) {
 // The protection is there before the first byte is, and the bytes reach the disk before the old file goes, so
 // that a crash leaves one of the two whole.
 bool fill(HANDLE file, const OldFile& old, std::string_view bytes) noexcept {
-    auto* protection = const_cast<BYTE*>(old.protection.data());
-    return (old.protection.empty() || SetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, protection)) &&
+    auto* protection = old.protection.get();
+    return (!old.protection || SetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, protection)) &&
            write_all(file, bytes) && FlushFileBuffers(file);
 }
 
@@ -156,7 +154,7 @@ private:
 qk::FileObj TemporaryFile::create(const OldFile& old) {
     constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
                             FILE_ATTRIBUTE_NOT_CONTENT_INDEXED | FILE_ATTRIBUTE_ENCRYPTED;
-    const DWORD access = GENERIC_WRITE | (old.protection.empty() ? 0 : WRITE_DAC);
+    const DWORD access = GENERIC_WRITE | (old.protection ? WRITE_DAC : 0);
     const std::wstring start = folder_of(old.path) + std::wstring(kTemporaryStart);
     for (unsigned attempt = 0; attempt < 100; ++attempt) {
         std::wstring name =

@@ -67,9 +67,9 @@ TEST(GeneralRules, CommonPapersComeFirst) {
     for (const FormRecord& form : in_list_order(forms))
         (order += form.name) += L"|";
     EXPECT_EQ(order, L"A0|A1|A3|Other A4|Letter|ISO A0 841 x 1189 mm|ISO A1 594 x 841 mm|Mine|A4 again|a0|");
-    EXPECT_EQ(find_paper(forms, 9), 1u);
-    EXPECT_EQ(find_paper(forms, kDriverPaperA0), 0u);
-    EXPECT_EQ(find_paper(forms, 77), std::nullopt);
+    EXPECT_EQ(find_list_position(forms, 9), 1u);
+    EXPECT_EQ(find_list_position(forms, kDriverPaperA0), 0u);
+    EXPECT_EQ(find_list_position(forms, 77), std::nullopt);
 }
 
 class GeneralPage : public EditSheet {

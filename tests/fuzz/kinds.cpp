@@ -115,7 +115,7 @@ bool feed_legacy(std::string_view bytes) {
     const std::string_view seen(guarded.as<char>(), bytes.size());
     expect(ps::RecogniseBytes(seen) <= ps::kPS4, "a kind that there is not");
     bool sound = true;  // the readers see what would not get as far as one of them, too
-    for (const int kind : {ps::kLegacyFirst, ps::kLegacyChunked}) {
+    for (const ps::SettingKind kind : {ps::kLegacyFirst, ps::kLegacyChunked}) {
         const int result = ps::read_legacy(seen, kind);
         expect(result == ps::kLegacyPayload || result == ps::kUnreadable, "a result that there is not");
         sound &= kind != ps::RecogniseBytes(seen) || result == ps::kLegacyPayload;

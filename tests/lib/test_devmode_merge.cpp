@@ -73,7 +73,7 @@ TEST(DevmodeMerge, EachFieldIsTakenOrRefused) {
             wanted.dm.*row.field = wanted_value;
             wanted.dm.dmFields |= refused ? 0 : bit;
             ListedPapers source;
-            EXPECT_EQ(merge_devmode(&in.dm, got, source), refused);
+            EXPECT_EQ(merge_incoming(&in.dm, got, source), refused);
             expect_equal(got, wanted);
             EXPECT_EQ(source.asked, 0);
         };
@@ -142,7 +142,7 @@ TEST(DevmodeMerge, PaperIsTakenByNumberNameOrSize) {
             if (!*row.wanted_name)
                 wanted.dm.dmFields = (wanted.dm.dmFields | kSides) & ~kName;
         }
-        EXPECT_EQ(merge_devmode(incoming.as<DEVMODEW>(), got, source), row.taken ? 0 : row.fields);
+        EXPECT_EQ(merge_incoming(incoming.as<DEVMODEW>(), got, source), row.taken ? 0 : row.fields);
         expect_equal(got, wanted);
         EXPECT_LE(source.asked, 1);
     }
@@ -153,11 +153,11 @@ TEST(DevmodeMerge, FormAfterACustomPaperDropsItsSides) {
     DriverDevmode in = default_devmode(), got = default_devmode();
     in.dm.dmFields = DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH;
     in.dm.dmPaperSize = 256;
-    EXPECT_EQ(merge_devmode(&in.dm, got, source), 0u);
+    EXPECT_EQ(merge_incoming(&in.dm, got, source), 0u);
     EXPECT_EQ(got.dm.dmFields & (DM_PAPERLENGTH | DM_FORMNAME), DWORD{DM_PAPERLENGTH});
     in.dm.dmFields = DM_PAPERSIZE;
     in.dm.dmPaperSize = 3;
-    EXPECT_EQ(merge_devmode(&in.dm, got, source), 0u);
+    EXPECT_EQ(merge_incoming(&in.dm, got, source), 0u);
     expect_equal(got, [] {
         DriverDevmode wanted = default_devmode();
         wanted.dm.dmPaperSize = 3;
@@ -172,7 +172,7 @@ TEST(DevmodeMerge, WithoutPapersTheOldOneStays) {
         DriverDevmode in = default_devmode(), got = default_devmode();
         in.dm.dmFields = DM_PAPERSIZE | DM_FORMNAME;
         in.dm.dmPaperSize = number;
-        EXPECT_EQ(merge_devmode(&in.dm, got, source), DWORD{DM_PAPERSIZE | DM_FORMNAME});
+        EXPECT_EQ(merge_incoming(&in.dm, got, source), DWORD{DM_PAPERSIZE | DM_FORMNAME});
         expect_equal(got, default_devmode());
     }
 }
@@ -204,7 +204,7 @@ TEST(DevmodeMerge, ExtensionIsTakenOnlyWhenItIsOurs) {
             wanted.extra.flags = in.extra.flags & 1;
         }
         ListedPapers source;
-        EXPECT_EQ(merge_devmode(incoming.as<DEVMODEW>(), got, source), 0u);
+        EXPECT_EQ(merge_incoming(incoming.as<DEVMODEW>(), got, source), 0u);
         expect_equal(got, wanted);
     }
 }
@@ -238,7 +238,7 @@ TEST(DevmodeMerge, ColourAdjustmentIsMendedFieldByField) {
         set(wanted, row.left);
         in.dm.dmFields = 0;
         ListedPapers source;
-        EXPECT_EQ(merge_devmode(&in.dm, got, source), row.given == row.left ? 0u : 0x20000000u);
+        EXPECT_EQ(merge_incoming(&in.dm, got, source), row.given == row.left ? 0u : 0x20000000u);
         expect_equal(got, wanted);
     }
     COLORADJUSTMENT odd = default_devmode().extra.colour;

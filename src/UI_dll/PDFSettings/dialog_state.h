@@ -15,7 +15,8 @@
 
 namespace pdf_settings {
 
-using Setting = Corvanta::Vantrix::PrintSettings::PrintSettings;
+namespace ps = Corvanta::Vantrix::PrintSettings;
+using Setting = ps::PrintSettings;
 
 // The pages of the edit sheet, in their order.
 enum PageIndex : size_t {

@@ -58,14 +58,6 @@ int row_after_removal(int removed, int left) noexcept {
     return left > 0 ? std::min(left - 1, removed) : 0;
 }
 
-std::wstring_view cut(std::wstring_view text, size_t units) noexcept {
-    if (text.size() <= units)
-        return text;
-    if (units > 0 && IS_HIGH_SURROGATE(text[units - 1]))
-        --units;
-    return text.substr(0, units);
-}
-
 std::wstring_view base_name(std::wstring_view name) noexcept {
     if (!name.ends_with(L')'))
         return name;
@@ -84,7 +76,7 @@ std::wstring free_name(std::wstring_view base, const std::function<bool(const st
 
 std::wstring file_name_of(std::wstring_view name) {
     constexpr std::wstring_view kForbidden = L"<>:\"/\\|?*";
-    std::wstring safe(cut(name, kNameUnits));
+    std::wstring safe(qk::cut(name, kNameUnits));
     for (size_t i = 0; i < safe.size(); ++i) {
         const bool paired =
             (IS_HIGH_SURROGATE(safe[i]) && i + 1 < safe.size() && IS_LOW_SURROGATE(safe[i + 1])) ||

@@ -7,13 +7,15 @@
 #include <string>
 #include <string_view>
 
+#include "common/rwPDFSet_functions.h"
+
 namespace pdf_settings {
 
 // One setting file. The kind tells whose it is, and is the first key of the order.
 struct SettingEntry {
-    static constexpr int32_t kOwn = 0;        // the user's: may be edited and deleted
-    static constexpr int32_t kCustom = 1;     // an administrator's
-    static constexpr int32_t kInstalled = 2;  // of the installation
+    static constexpr int32_t kOwn = SettingFolder::kUser;  // may be edited and deleted
+    static constexpr int32_t kCustom = SettingFolder::kAdministrator;
+    static constexpr int32_t kInstalled = SettingFolder::kInstallation;
 
     int32_t kind = kOwn;
     std::wstring path;        // full
@@ -36,9 +38,6 @@ inline constexpr size_t kNameUnits = 110;
 
 // The row to select after row `removed` went and `left` rows stay.
 [[nodiscard]] int row_after_removal(int removed, int left) noexcept;
-
-// `text` of at most `units` units; a surrogate pair is not cut in half.
-[[nodiscard]] std::wstring_view cut(std::wstring_view text, size_t units) noexcept;
 
 // A name without the number in brackets, "(12)", that it ends with.
 [[nodiscard]] std::wstring_view base_name(std::wstring_view name) noexcept;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
+#include <ranges>
 #include <set>
 #include <span>
 #include <utility>
@@ -19,54 +20,42 @@ namespace pdf_settings {
 
 namespace {
 
-constexpr std::array<std::wstring_view, 3> kExtensions = {L".printSetting2", L".printSetting3", L".ps4"};
-
-struct Folder {
-    int32_t kind;
-    std::wstring path;  // with its trailing backslash
-};
-
 std::wstring with_backslash(std::wstring folder) {
     if (!folder.empty() && !folder.ends_with(L'\\'))
         folder += L'\\';
     return folder;
 }
 
-std::array<Folder, 4> listed_folders() {
+// In the order of the list: the user's own first.
+std::vector<SettingFolder> listed_folders() {
     std::wstring& root = dialog_state().list.install_folder;
     if (root.empty())
         root = qk::install_folder();
-    // Without an installation nothing is looked for in the host's current folder.
-    const auto below = [&root](const wchar_t* folder) { return root.empty() ? root : root + folder; };
-    return {{{SettingEntry::kOwn, with_backslash(GetAppDataPath(false))},
-             {SettingEntry::kCustom, below(L"CustomSettings\\")},
-             {SettingEntry::kInstalled, below(L"Settings\\")},
-             {SettingEntry::kInstalled, below(L"Settings\\legacy\\")}}};
+    auto folders = setting_folders(root);
+    std::ranges::stable_sort(folders, {}, &SettingFolder::owner);
+    return folders;
 }
 
-// The folder's setting files by full path: in the order of the extensions, and in each as the folder has
-// them.
+// The folder's setting files by full path: those of the oldest kind first, each kind as the folder has them.
 std::vector<std::wstring> setting_files(const std::wstring& folder) {
-    std::array<std::vector<std::wstring>, kExtensions.size()> by_extension;
+    std::array<std::vector<std::wstring>, kSettingExtensions.size()> by_extension;
     WIN32_FIND_DATAW file;
-    const qk::FindObj search(folder.empty() ? INVALID_HANDLE_VALUE
-                                            : FindFirstFileExW((folder + L'*').c_str(), FindExInfoBasic,
-                                                               &file, FindExSearchNameMatch, nullptr,
-                                                               FIND_FIRST_EX_LARGE_FETCH));
+    const qk::FindObj search(FindFirstFileExW((folder + L'*').c_str(), FindExInfoBasic, &file,
+                                              FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH));
     if (!search)
         return {};
     do {
         const std::wstring_view name = file.cFileName;
-        for (size_t i = 0; i < kExtensions.size(); ++i) {
-            const std::wstring_view extension = kExtensions[i];
+        for (size_t i = 0; i < kSettingExtensions.size(); ++i) {
+            const std::wstring_view extension = kSettingExtensions[i];
             if (name.size() >= extension.size() && !(file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) &&
                 qk::equal_no_case(name.substr(name.size() - extension.size()), extension))
                 by_extension[i].push_back(folder + file.cFileName);
         }
     } while (FindNextFileW(search.get(), &file));
-    std::vector<std::wstring> files = std::move(by_extension[0]);
-    for (size_t i = 1; i < kExtensions.size(); ++i)
-        std::ranges::move(by_extension[i], std::back_inserter(files));
+    std::vector<std::wstring> files;
+    for (auto& kind : std::views::reverse(by_extension))
+        std::ranges::move(kind, std::back_inserter(files));
     return files;
 }
 
@@ -81,10 +70,9 @@ SettingEntry entry_of(int32_t kind, const std::wstring& path) {
 }
 
 // Whether one of the folders has such a file.
-bool is_in(std::span<const Folder> folders, const std::wstring& file_name) {
-    return std::ranges::any_of(folders, [&](const Folder& folder) {
-        return !folder.path.empty() &&
-               GetFileAttributesW((folder.path + file_name).c_str()) != INVALID_FILE_ATTRIBUTES;
+bool is_in(std::span<const SettingFolder> folders, const std::wstring& file_name) {
+    return std::ranges::any_of(folders, [&](const SettingFolder& folder) {
+        return GetFileAttributesW((folder.path + file_name).c_str()) != INVALID_FILE_ATTRIBUTES;
     });
 }
 
@@ -105,8 +93,8 @@ std::wstring old_folder(int version) {
 // A name that an administrator's or an installed setting has would be found there by every job: such a file
 // gets another, which is the same again should this be done twice.
 void copy_settings(const std::wstring& from, const std::wstring& to) {
-    const auto folders = listed_folders();
-    const std::span others = std::span(folders).subspan(1);
+    auto others = listed_folders();
+    std::erase_if(others, [](const SettingFolder& folder) { return folder.owner == SettingFolder::kUser; });
     for (const std::wstring& path : setting_files(from)) {
         const std::wstring stem = name_of_file(path);
         const std::wstring extension = path.substr(path.rfind(L'.'));
@@ -149,25 +137,25 @@ std::vector<SettingEntry> ListUpPSFiles() {
     TRACE("ListUpPSFiles");
     ImportOldCustomSettings();
     std::vector<SettingEntry> entries;
-    for (const Folder& folder : listed_folders())
+    for (const SettingFolder& folder : listed_folders())
         for (const std::wstring& path : setting_files(folder.path))
-            entries.push_back(entry_of(folder.kind, path));
+            entries.push_back(entry_of(folder.owner, path));
     return entries;
 }
 
 bool is_name_taken(const std::wstring& name, const std::wstring& ignored) {
-    for (const Folder& folder : listed_folders())
+    for (const SettingFolder& folder : listed_folders())
         for (const std::wstring& path : setting_files(folder.path))
-            if (!qk::equal_no_case(path, ignored) && entry_of(folder.kind, path).name == name)
+            if (!qk::equal_no_case(path, ignored) && entry_of(folder.owner, path).name == name)
                 return true;
     return false;
 }
 
 std::wstring free_setting_name(const std::wstring& base) {
     std::set<std::wstring> taken;
-    for (const Folder& folder : listed_folders())
+    for (const SettingFolder& folder : listed_folders())
         for (const std::wstring& path : setting_files(folder.path))
-            taken.insert(entry_of(folder.kind, path).name);
+            taken.insert(entry_of(folder.owner, path).name);
     return free_name(base, [&](const std::wstring& name) { return taken.contains(name); });
 }
 

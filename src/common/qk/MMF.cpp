@@ -9,17 +9,21 @@
 #include "common/qk/memory_probe.h"
 #include "common/qk/trace.h"
 
+bool qk::let_everybody_in(PSECURITY_DESCRIPTOR descriptor) noexcept {
+    return InitializeSecurityDescriptor(descriptor, SECURITY_DESCRIPTOR_REVISION) &&
+           SetSecurityDescriptorDacl(descriptor, TRUE, nullptr, FALSE);
+}
+
 namespace qk::mmf {
 
 namespace {
 
 constexpr wchar_t kLowIntegrity[] = L"S:(ML;;NW;;;LW)";
 
-// Lets everybody in: a null access list, and the label that admits low-integrity writers.
+// The label that admits low-integrity writers comes on top.
 void fill_descriptor(std::vector<std::byte>& descriptor) {
     descriptor.resize(SECURITY_DESCRIPTOR_MIN_LENGTH);
-    if (!InitializeSecurityDescriptor(descriptor.data(), SECURITY_DESCRIPTOR_REVISION) ||
-        !SetSecurityDescriptorDacl(descriptor.data(), TRUE, nullptr, FALSE))
+    if (!let_everybody_in(descriptor.data()))
         trace::debug_output(L"failed:SecurityDescriptr@MMF::init");
 }
 

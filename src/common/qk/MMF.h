@@ -13,6 +13,9 @@
 
 namespace qk {
 
+// Makes the descriptor one with a null access list: everybody may do everything.
+[[nodiscard]] bool let_everybody_in(PSECURITY_DESCRIPTOR descriptor) noexcept;
+
 namespace mmf {
 
 // A mapping and its view, as `MMF<T>::init` asks for them; untyped so that the work is compiled once.

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <mutex>
+
 namespace qk {
 
 // Holds no handle, needs no construction and cannot fail: a library that is unloaded leaves nothing behind.
@@ -20,5 +22,13 @@ public:
 private:
     SRWLOCK lock_ = SRWLOCK_INIT;
 };
+
+// The lock of a module that is being detached, waited for unless the process ends: its other threads are gone
+// then and may have taken the lock with them. Whether it is held is the result's to tell.
+[[nodiscard]] inline std::unique_lock<Lock> lock_at_detach(Lock& lock, bool process_ends) noexcept {
+    if (process_ends)
+        return {lock, std::try_to_lock};
+    return std::unique_lock(lock);
+}
 
 }  // namespace qk

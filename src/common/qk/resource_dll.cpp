@@ -165,9 +165,8 @@ std::wstring load_string(UINT id) {
 
 void finalize_resource_library(bool process_ends) noexcept {
     try {
-        std::unique_lock hold(loader.lock, std::defer_lock);
-        // The other threads of an ending process are gone, perhaps with the lock.
-        if (process_ends ? !hold.try_lock() : (hold.lock(), false))
+        const auto hold = lock_at_detach(loader.lock, process_ends);
+        if (!hold)
             return;
         for (; loader.load_count > 0; --loader.load_count)
             FreeLibrary(loader.module);

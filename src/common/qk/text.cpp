@@ -10,14 +10,6 @@
 
 namespace qk {
 
-namespace {
-
-constexpr bool is_high_surrogate(wchar_t unit) noexcept {
-    return unit >= 0xD800 && unit <= 0xDBFF;
-}
-
-}  // namespace
-
 std::wstring to_wide(std::string_view utf8) {
     if (utf8.empty())
         return {};
@@ -61,12 +53,16 @@ void format_into(wchar_t* buffer, size_t capacity, const wchar_t* pattern, ...) 
         buffer[capacity - 1] = L'\0';
 }
 
+std::wstring_view cut(std::wstring_view text, size_t most) noexcept {
+    if (text.size() <= most)
+        return text;
+    return text.substr(0, most > 0 && IS_HIGH_SURROGATE(text[most - 1]) ? most - 1 : most);
+}
+
 void copy_zero_padded(wchar_t* buffer, size_t capacity, std::wstring_view text) noexcept {
-    size_t units = std::min(text.size(), capacity - 1);
-    if (units < text.size() && units > 0 && is_high_surrogate(text[units - 1]))
-        --units;
-    std::copy_n(text.data(), units, buffer);
-    std::memset(buffer + units, 0, (capacity - units) * sizeof(wchar_t));
+    const std::wstring_view copied = cut(text, capacity - 1);
+    std::ranges::copy(copied, buffer);
+    std::memset(buffer + copied.size(), 0, (capacity - copied.size()) * sizeof(wchar_t));
 }
 
 std::optional<double> find_number(std::wstring_view text) noexcept {

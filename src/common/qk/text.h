@@ -3,7 +3,10 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,6 +25,9 @@ namespace qk {
 
 // The same into a buffer of `capacity` units, cut to fit and always terminated.
 void format_into(wchar_t* buffer, size_t capacity, const wchar_t* pattern, ...) noexcept;
+
+// `text` of at most `most` UTF-16 units; a surrogate pair is not cut in half.
+[[nodiscard]] std::wstring_view cut(std::wstring_view text, size_t most) noexcept;
 
 // Copies `text`, cut to capacity - 1 units, and fills the rest of the buffer with zeros. A surrogate pair is
 // never cut in half. `capacity` must be at least 1.
@@ -60,6 +66,28 @@ template <class Fill>
             return text;
         }
     }
+}
+
+// What a function tells that first says how large its answer is.
+struct SizedAnswer {
+    std::unique_ptr<std::byte[]> bytes;  // null: no answer, or no memory for it
+    DWORD size = 0;
+};
+
+// Calls `ask(buffer, bytes, needed)`, a nonzero result being success, without a buffer and again with one; no
+// answer when it is below `least` bytes or has changed its size in between.
+template <class Ask>
+[[nodiscard]] SizedAnswer read_sized(Ask ask, size_t least = 1) {
+    SizedAnswer answer;
+    DWORD again = 0;
+    ask(nullptr, DWORD{0}, &answer.size);
+    if (answer.size < least)
+        return {};
+    answer.bytes.reset(new (std::nothrow) std::byte[answer.size]());
+    if (!answer.bytes || !ask(reinterpret_cast<BYTE*>(answer.bytes.get()), answer.size, &again) ||
+        again != answer.size)
+        return {};
+    return answer;
 }
 
 }  // namespace qk

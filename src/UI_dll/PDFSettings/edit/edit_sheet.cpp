@@ -151,7 +151,7 @@ std::wstring sheet_caption(const std::wstring& name, bool is_new) {
     std::wstring caption = dialog_text(IDS_SHEET_NEW);
     if (!is_new && !name.empty())
         caption = qk::format(dialog_text(IDS_SHEET_CAPTION).c_str(), name.c_str());
-    return std::wstring(cut(caption, kCaptionUnits - 1));
+    return std::wstring(qk::cut(caption, kCaptionUnits - 1));
 }
 
 bool CheckAllProperties(HWND /*page*/) {

@@ -22,7 +22,7 @@ namespace {
 // Gives the edited setting a name that no listed setting has.
 void name_copy() {
     Setting& edited = edited_setting();
-    std::wstring base(base_name(cut(edited->PSName, kNameUnits)));
+    std::wstring base(base_name(qk::cut(edited->PSName, kNameUnits)));
     if (base.empty())
         base = dialog_text(IDS_SHEET_NEW);
     edited->PSName = free_setting_name(base);

@@ -13,6 +13,7 @@
 #include "common/qk/registry.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
+#include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "resources/ids.h"
 
@@ -31,7 +32,7 @@ SettingEntry* entry_at(HWND list, int row) {
 void PSFilesToListView(HWND list, const std::vector<SettingEntry>& entries) {
     TRACE("PSFilesToListView");
     for (const SettingEntry& entry : entries) {
-        std::wstring text(cut(entry.name, kRowUnits));
+        std::wstring text(qk::cut(entry.name, kRowUnits));
         auto copy = std::make_unique<SettingEntry>(entry);
         LVITEMW item = {};
         item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_PARAM;

@@ -15,6 +15,7 @@
 #include "common/qk/paths.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
+#include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "resources/ids.h"
 
@@ -110,10 +111,10 @@ void delete_selected(HWND page) {
     auto held = Corvanta::Vantrix::PrintSettings::ReadName(path);
     if (!held || held->empty())
         held = selected_entry(page)->name;  // as its row says
-    const std::wstring name(cut(*held, kNameUnits));
+    const std::wstring name(qk::cut(*held, kNameUnits));
     constexpr size_t kQuestionUnits = 519;
     const std::wstring text = qk::format(dialog_text(IDS_CONFIRM_DELETE).c_str(), name.c_str(), path.c_str());
-    if (show_message(page, std::wstring(cut(text, kQuestionUnits)), IDS_REFUSED,
+    if (show_message(page, std::wstring(qk::cut(text, kQuestionUnits)), IDS_REFUSED,
                      MB_YESNO | MB_ICONQUESTION) == IDYES &&
         DeleteFileW(path.c_str()))
         remove_row(page, row);

@@ -38,4 +38,11 @@ bool is_touched(HWND page, int control) {
     return first->second.get() != now.get();
 }
 
+void load_number(HWND page, int control, int up_down, int low, int high, int value) {
+    SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, std::to_wstring(high).size(), 0);
+    if (up_down)
+        SendDlgItemMessageW(page, up_down, UDM_SETRANGE32, static_cast<WPARAM>(low), high);
+    SetDlgItemTextW(page, control, std::to_wstring(value).c_str());
+}
+
 }  // namespace pdf_settings

@@ -13,7 +13,10 @@
 #include <utility>
 
 #include "UI_dll/PDFSettings/controls.h"
+#include "UI_dll/PDFSettings/dialog_state.h"
+#include "UI_dll/PDFSettings/pages/whole_number.h"
 #include "common/qk/text.h"
+#include "print_settings/field_tables.h"
 
 namespace pdf_settings {
 
@@ -30,7 +33,13 @@ template <size_t Count>
                        [page](int control) { return is_touched(page, control); });
 }
 
-// --- Rows of a page's table: they store into the section as it was loaded, where they were touched ---
+// Shows a number, no more digits than the highest has, and gives its up-down control (or 0) the range.
+void load_number(HWND page, int control, int up_down, int low, int high, int value);
+
+// --- Rows of a page's table ---
+//
+// A row names a control and a field; ranges, names of codes and limits are those of the field's table. Rows
+// store into the section as it was loaded, where they were touched.
 
 template <class Section, class Value>
 struct CheckBox {  // bool, or a number that is 1 when checked
@@ -63,14 +72,13 @@ struct Radios {  // the value is the position of the checked one
 };
 
 template <class Section, class Value>
-struct DropList {  // the value is the selected position; the list is filled from these
+struct DropList {  // the value is the selected position; the list is filled with the names of the codes
     int control;
     Value Section::*member;
-    UINT first_text;
-    UINT count;
 
     void load(HWND page, const Section& section) const {
-        fill_list(page, control, first_text, count);
+        const ps::FieldInfo field = ps::field_of(member);
+        fill_list(page, control, field.first_value, field.value_count);
         select(page, control, static_cast<int>(section.*member));
     }
     void store(HWND page, Section& section) const {
@@ -83,10 +91,9 @@ template <class Section>
 struct Text {
     int control;
     std::wstring Section::*member;
-    WPARAM limit;  // UTF-16 units
 
     void load(HWND page, const Section& section) const {
-        SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, limit, 0);
+        SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, ps::field_of(member).units, 0);
         SetDlgItemTextW(page, control, (section.*member).c_str());
     }
     void store(HWND page, Section& section) const {
@@ -99,24 +106,28 @@ template <class Section, class Value>
 struct Number {  // a whole number, brought into its range when it is read
     int control;
     Value Section::*member;
-    int low;
-    int high;
-    WPARAM limit;              // UTF-16 units
     int up_down = 0;           // its up-down control, or none
     bool none_is_low = false;  // text that is no number: the least one, else the field stays
 
     void load(HWND page, const Section& section) const {
-        SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, limit, 0);
-        if (up_down)
-            SendDlgItemMessageW(page, up_down, UDM_SETRANGE32, static_cast<WPARAM>(low), high);
-        SetDlgItemTextW(page, control, std::to_wstring(static_cast<long long>(section.*member)).c_str());
+        const ps::Rule range = ps::field_of(member).rule;
+        load_number(page, control, up_down, static_cast<int>(range.low), static_cast<int>(range.high),
+                    static_cast<int>(section.*member));
     }
     void store(HWND page, Section& section) const {
         if (!is_touched(page, control))
             return;
+        const ps::Rule range = ps::field_of(member).rule;
         const auto number = qk::find_integer(control_text(page, control));
         if (number || none_is_low)
-            section.*member = static_cast<Value>(std::clamp(number.value_or(low), low, high));
+            section.*member = static_cast<Value>(
+                std::clamp(static_cast<double>(number.value_or(0)), range.low, range.high));
+    }
+    // The number in the control, by itself and in its range.
+    [[nodiscard]] std::optional<uint32_t> find(HWND page) const {
+        const ps::Rule range = ps::field_of(member).rule;
+        return whole_number(control_text(page, control), static_cast<uint32_t>(range.low),
+                            static_cast<uint32_t>(range.high));
     }
 };
 
@@ -125,15 +136,15 @@ CheckBox(int, Value Section::*) -> CheckBox<Section, Value>;
 template <class Section, class Value, size_t Count>
 Radios(std::array<int, Count>, Value Section::*) -> Radios<Section, Value, Count>;
 template <class Section, class Value>
-DropList(int, Value Section::*, UINT, UINT) -> DropList<Section, Value>;
+DropList(int, Value Section::*) -> DropList<Section, Value>;
 template <class Section>
-Text(int, std::wstring Section::*, WPARAM) -> Text<Section>;
+Text(int, std::wstring Section::*) -> Text<Section>;
 template <class Section, class Value>
-Number(int, Value Section::*, int, int, WPARAM) -> Number<Section, Value>;
+Number(int, Value Section::*) -> Number<Section, Value>;
 template <class Section, class Value>
-Number(int, Value Section::*, int, int, WPARAM, int) -> Number<Section, Value>;
+Number(int, Value Section::*, int) -> Number<Section, Value>;
 template <class Section, class Value>
-Number(int, Value Section::*, int, int, WPARAM, int, bool) -> Number<Section, Value>;
+Number(int, Value Section::*, int, bool) -> Number<Section, Value>;
 
 // Fills the controls of every row of the table from the section, or the section from the controls.
 template <class Section, class... Rows>

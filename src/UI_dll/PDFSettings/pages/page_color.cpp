@@ -11,17 +11,17 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::Color_impl;
 
-constexpr Number kImageThreshold = {
-    IDC_IMAGE_THRESHOLD, &Color_impl::MonoImageThreshold, 0, 255, 3, IDC_IMAGE_THRESHOLD_SPIN, true};
-constexpr Number kTextThreshold = {
-    IDC_TEXT_THRESHOLD, &Color_impl::MonoTextAndPassThreshold, 0, 255, 3, IDC_TEXT_THRESHOLD_SPIN, true};
+constexpr Number kImageThreshold = {IDC_IMAGE_THRESHOLD, &Color_impl::MonoImageThreshold,
+                                    IDC_IMAGE_THRESHOLD_SPIN, true};
+constexpr Number kTextThreshold = {IDC_TEXT_THRESHOLD, &Color_impl::MonoTextAndPassThreshold,
+                                   IDC_TEXT_THRESHOLD_SPIN, true};
 
 constexpr std::array kModes = {IDC_COLOR_MODE_COLOR, IDC_COLOR_MODE_GRAY, IDC_COLOR_MODE_MONO};
 
 constexpr std::tuple kControls = {
-    DropList{IDC_GRAY_METHOD, &Color_impl::GrayDecreasingMethod, IDS_GRAY_METHOD_0, 3u},
-    DropList{IDC_MONO_METHOD, &Color_impl::MonoDecreasingMethod, IDS_MONO_METHOD_0, 2u},
-    DropList{IDC_MONO_FILTER, &Color_impl::MonoImageFilter, IDS_MONO_FILTER_0, 5u},
+    DropList{IDC_GRAY_METHOD, &Color_impl::GrayDecreasingMethod},
+    DropList{IDC_MONO_METHOD, &Color_impl::MonoDecreasingMethod},
+    DropList{IDC_MONO_FILTER, &Color_impl::MonoImageFilter},
     kImageThreshold,
     kTextThreshold,
     Radios{kModes, &Color_impl::ColorMode},
@@ -51,7 +51,8 @@ void enable_conversions(HWND page) {
 // Pure K is a matter of the output condition: the versions that carry one, and one that prints in CMYK.
 bool can_convert_black(HWND page) {
     const auto version = read_PDFVersion(page);
-    return version.Version >= 5 && version.Version <= 12 && icc::is_cmyk_profile(version.ICCFileName);
+    return version.Version >= ps::kPDFA1b && version.Version <= ps::kPDF20 &&
+           icc::is_cmyk_profile(version.ICCFileName);
 }
 
 void dlg_enable_Color(HWND page) {

@@ -3,7 +3,6 @@
 #include "UI_dll/PDFSettings/messages.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/pages/page.h"
-#include "UI_dll/PDFSettings/pages/whole_number.h"
 #include "common/qk/trace.h"
 #include "resources/ids.h"
 
@@ -11,6 +10,7 @@ namespace pdf_settings {
 
 namespace {
 
+using Corvanta::Vantrix::PrintSettings::Color_impl;
 using Corvanta::Vantrix::PrintSettings::CompressImage_impl;
 using Corvanta::Vantrix::PrintSettings::Compression_impl;
 
@@ -20,52 +20,53 @@ constexpr auto kTable = std::tuple{
     CheckBox{IDC_CMP_ASCII, &Compression_impl::ASCIIFormat},
 };
 
-constexpr int kLeastResolution = 10;  // dots per inch
-constexpr int kMostResolution = 24000;
-constexpr int kMostQuality = 100;
-constexpr WPARAM kResolutionUnits = 5;
-constexpr WPARAM kQualityUnits = 3;
+constexpr auto threshold_of(int base) {
+    return Number{base + CMP_THRESHOLD, &CompressImage_impl::ResolutionThreshold};
+}
+constexpr auto target_of(int base) {
+    return Number{base + CMP_TARGET, &CompressImage_impl::ResolutionTarget};
+}
+constexpr auto quality_of(int base) {
+    return Number{base + CMP_QUALITY, &CompressImage_impl::JpegQuality, base + CMP_QUALITY_SPIN};
+}
 
 // The rows of one kind of image, whose controls start at `base`.
 constexpr auto resolution_rows(int base) {
     return std::tuple{
-        DropList{base + CMP_SAMPLING, &CompressImage_impl::DownSamplingMethod, IDS_CMP_SAMPLING_0, 4},
-        Number{base + CMP_THRESHOLD, &CompressImage_impl::ResolutionThreshold, kLeastResolution,
-               kMostResolution, kResolutionUnits},
-        Number{base + CMP_TARGET, &CompressImage_impl::ResolutionTarget, kLeastResolution, kMostResolution,
-               kResolutionUnits},
+        DropList{base + CMP_SAMPLING, &CompressImage_impl::DownSamplingMethod},
+        threshold_of(base),
+        target_of(base),
     };
 }
 constexpr auto colour_rows(int base) {
     return std::tuple_cat(
-        std::tuple{DropList{base + CMP_METHOD, &CompressImage_impl::CompressionMethod, IDS_CMP_METHOD_0, 5},
-                   Number{base + CMP_QUALITY, &CompressImage_impl::JpegQuality, 0, kMostQuality,
-                          kQualityUnits, base + CMP_QUALITY_SPIN}},
+        std::tuple{DropList{base + CMP_METHOD, &CompressImage_impl::CompressionMethod}, quality_of(base)},
         resolution_rows(base));
 }
 constexpr auto kColour = colour_rows(IDC_CMP_COLOUR);
 constexpr auto kGrey = colour_rows(IDC_CMP_GREY);
-constexpr auto kMono =
-    std::tuple_cat(std::tuple{DropList{IDC_CMP_MONO + CMP_METHOD, &CompressImage_impl::MonoCompressionMethod,
-                                       IDS_CMP_MONO_METHOD_0, 5}},
-                   resolution_rows(IDC_CMP_MONO));
+constexpr auto kMono = std::tuple_cat(
+    std::tuple{DropList{IDC_CMP_MONO + CMP_METHOD, &CompressImage_impl::MonoCompressionMethod}},
+    resolution_rows(IDC_CMP_MONO));
 
 // The kinds of image by the greatest colour mode that leaves such images in the document.
 struct ImageControls {
     int base;
     uint32_t last_mode;
 };
-constexpr ImageControls kImages[] = {{IDC_CMP_COLOUR, 0}, {IDC_CMP_GREY, 1}, {IDC_CMP_MONO, 2}};
+constexpr ImageControls kImages[] = {{IDC_CMP_COLOUR, Color_impl::kColour},
+                                     {IDC_CMP_GREY, Color_impl::kGrey},
+                                     {IDC_CMP_MONO, Color_impl::kMonochrome}};
 
 // The colour mode as the Colour page shows it, applied or not.
 uint32_t read_color_mode() {
     const HWND page = dialog_state().sheet.pages[kColorPage];
     if (is_checked(page, IDC_COLOR_MODE_COLOR))
-        return 0;
+        return Color_impl::kColour;
     if (is_checked(page, IDC_COLOR_MODE_GRAY))
-        return 1;
+        return Color_impl::kGrey;
     if (is_checked(page, IDC_COLOR_MODE_MONO))
-        return 2;
+        return Color_impl::kMonochrome;
     return edited_setting().color()->ColorMode;
 }
 
@@ -77,11 +78,12 @@ struct ImageUse {
 };
 
 ImageUse image_use(HWND page, const ImageControls& image) {
-    constexpr int kNoSampling = 0;
-    constexpr int kJpeg = 1;                                // 0 is JPEG, too, where it suits the image
     const bool any = read_color_mode() <= image.last_mode;  // the document has such images
-    const bool jpeg = image.base != IDC_CMP_MONO && selected(page, image.base + CMP_METHOD) <= kJpeg;
-    return {any, any && jpeg, any && selected(page, image.base + CMP_SAMPLING) != kNoSampling};
+    // What is chosen automatically is JPEG, too, where it suits the image.
+    const bool jpeg = image.base != IDC_CMP_MONO &&
+                      selected(page, image.base + CMP_METHOD) <= int{CompressImage_impl::kJpeg};
+    return {any, any && jpeg,
+            any && selected(page, image.base + CMP_SAMPLING) != int{CompressImage_impl::kNoSampling}};
 }
 
 void enable_image(HWND page, const ImageControls& image) {
@@ -127,18 +129,14 @@ void dlg_command_Compress(HWND page, int control, int notification) {
             enable_image(page, image);
 }
 
-std::optional<uint32_t> typed_number(HWND page, int control, uint32_t low, uint32_t high) {
-    return whole_number(control_text(page, control), low, high);
-}
-
 bool check_image(HWND page, const ImageControls& image) {
     const ImageUse use = image_use(page, image);
-    if (use.quality && !typed_number(page, image.base + CMP_QUALITY, 0, kMostQuality))
+    if (use.quality && !quality_of(image.base).find(page))
         return refuse(page, image.base + CMP_QUALITY, IDS_CMP_BAD_QUALITY);
     if (!use.resolutions)
         return true;
-    const auto threshold = typed_number(page, image.base + CMP_THRESHOLD, kLeastResolution, kMostResolution);
-    const auto target = typed_number(page, image.base + CMP_TARGET, kLeastResolution, kMostResolution);
+    const auto threshold = threshold_of(image.base).find(page);
+    const auto target = target_of(image.base).find(page);
     if (!threshold || !target)
         return refuse(page, image.base + (threshold ? CMP_TARGET : CMP_THRESHOLD), IDS_CMP_BAD_RESOLUTION);
     const std::array together = {image.base + CMP_SAMPLING, image.base + CMP_THRESHOLD,

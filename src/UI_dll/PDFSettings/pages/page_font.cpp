@@ -17,8 +17,6 @@ namespace {
 using Section = Corvanta::Vantrix::PrintSettings::Font_impl;
 
 // The codes of PDF/A and PDF/X, which leave no choice.
-constexpr uint32_t kFirstStandard = 5;
-constexpr uint32_t kLastStandard = 11;
 
 struct FontHelper final : PageHelper {
     std::vector<std::wstring> found;   // the installed fonts that the search leaves
@@ -28,7 +26,7 @@ struct FontHelper final : PageHelper {
 constexpr std::tuple kTable{
     Radios{std::array{IDC_FONT_ALL_BUT, IDC_FONT_ONLY}, &Section::EmbedFontStyle},
     CheckBox{IDC_FONT_BASE_14, &Section::EmbedBase14},
-    DropList{IDC_FONT_FAILED, &Section::WhenFailedToEmbed, IDS_FONT_FAILED_0, 2},
+    DropList{IDC_FONT_FAILED, &Section::WhenFailedToEmbed},
 };
 
 constexpr std::array kChoices = {IDC_FONT_ALL_BUT,      IDC_FONT_ONLY,      IDC_FONT_BASE_14,
@@ -42,7 +40,7 @@ FontHelper& helper() {
 
 bool standard_decides(HWND page) {
     const uint32_t version = read_PDFVersion(page).Version;
-    return version >= kFirstStandard && version <= kLastStandard;
+    return ps::is_standard(version);
 }
 
 // --- The lists ---
@@ -239,7 +237,7 @@ void command(HWND page, int control, int notification) {
 // A file may embed nothing on purpose; only who chooses it here is asked to list a font.
 bool embeds_nothing_anew(HWND page) {
     const Section& loaded = *loaded_setting().font();
-    const bool was_so = loaded.EmbedFontStyle == 1 && loaded.Fonts.empty();
+    const bool was_so = loaded.EmbedFontStyle == Section::kListedOnly && loaded.Fonts.empty();
     return is_checked(page, IDC_FONT_ONLY) && helper().listed.empty() && !was_so;
 }
 

@@ -14,6 +14,7 @@
 #include "common/qk/paths.h"
 #include "common/threadprop.h"
 #include "common/qk/trace.h"
+#include "lib/devmode.h"
 #include "resources/ids.h"
 
 namespace pdf_settings {
@@ -39,7 +40,7 @@ constexpr std::tuple kControls = {
     Radios{std::array{IDC_OVERWRITE, IDC_ASK, IDC_NUMBER, IDC_REFUSE}, &General_impl::WhenSameName},
     CheckBox{IDC_URL_LINK, &General_impl::URLLink},
     CheckBox{IDC_NO_BLANK_PAGE, &General_impl::NoOutputBlankPage},
-    Text{IDC_OUTPUT_FOLDER, &General_impl::OutputFolder, kFolderUnits},
+    Text{IDC_OUTPUT_FOLDER, &General_impl::OutputFolder},
     Radios{std::array{IDC_PORTRAIT, IDC_LANDSCAPE}, &General_impl::PaperOrientation},
 };
 
@@ -75,12 +76,12 @@ void enable_paper(HWND page, bool custom) {
 // --- Filling the controls ---
 
 void show_resolution(HWND page, int32_t resolution) {
-    for (const int32_t listed : kResolutions)
+    for (const int32_t listed : kOfferedResolutions)
         add_item(page, IDC_RESOLUTION, std::to_wstring(listed));
-    const auto listed = std::ranges::find(kResolutions, resolution);
-    if (listed != kResolutions.end())
-        select(page, IDC_RESOLUTION, static_cast<int>(listed - kResolutions.begin()));
-    else if (resolution >= kLeastResolution)
+    const auto listed = std::ranges::find(kOfferedResolutions, resolution);
+    if (listed != kOfferedResolutions.end())
+        select(page, IDC_RESOLUTION, static_cast<int>(listed - kOfferedResolutions.begin()));
+    else if (resolution >= ps::field_of(&General_impl::PaperResolution).rule.low)
         SetDlgItemTextW(page, IDC_RESOLUTION, std::to_wstring(resolution).c_str());
 }
 
@@ -106,7 +107,7 @@ void dlg_init_General_PaperCombo(HWND page) {
         const auto item = static_cast<WPARAM>(add_item(page, IDC_PAPER_LIST, form.name));
         SendDlgItemMessageW(page, IDC_PAPER_LIST, CB_SETITEMDATA, item, reinterpret_cast<LPARAM>(&form));
     }
-    if (const auto position = find_paper(forms.list, edited_setting().general()->PaperName))
+    if (const auto position = find_list_position(forms.list, edited_setting().general()->PaperName))
         select(page, IDC_PAPER_LIST, static_cast<int>(*position));
 }
 

@@ -1,11 +1,15 @@
 #include "UI_dll/PDFSettings/pages/page_general_rules.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "common/qk/text.h"
+#include "print_settings/field_tables.h"
 
 namespace pdf_settings {
+
+namespace ps = Corvanta::Vantrix::PrintSettings;
 
 namespace {
 
@@ -14,8 +18,15 @@ namespace {
 constexpr std::array<uint16_t, 23> kCommonPapers = {66, 8,  9,  11, 70, 12, 13, 88, 1,  3,  5, 7,
                                                     16, 17, 43, 53, 69, 71, 72, 73, 74, 91, 34};
 
-std::optional<double> within(std::optional<double> number, double low, double high) noexcept {
-    return number && *number >= low && *number <= high ? number : std::nullopt;
+using ps::General_impl;
+
+template <class Value>
+constexpr ps::Rule range_of(Value General_impl::*member) noexcept {
+    return ps::field_of(member).rule;
+}
+
+std::optional<double> within(std::optional<double> number, const ps::Rule& range) noexcept {
+    return number && *number >= range.low && *number <= range.high ? number : std::nullopt;
 }
 
 }  // namespace
@@ -33,11 +44,11 @@ std::optional<double> find_plain_number(std::wstring_view text) noexcept {
 }
 
 std::optional<double> find_paper_length(std::wstring_view text) noexcept {
-    return within(find_plain_number(text), kLeastPaperLength, kMostPaperLength);
+    return within(find_plain_number(text), range_of(&General_impl::PaperWidth));
 }
 
 std::optional<double> find_scale(std::wstring_view text) noexcept {
-    return within(find_plain_number(text.substr(0, kScaleUnits)), kLeastScale, kMostScale);
+    return within(find_plain_number(text.substr(0, kScaleUnits)), range_of(&General_impl::Scale));
 }
 
 std::optional<int32_t> find_resolution(std::wstring_view text) noexcept {
@@ -46,7 +57,8 @@ std::optional<int32_t> find_resolution(std::wstring_view text) noexcept {
 }
 
 float paper_length(double millimetres) noexcept {
-    return static_cast<float>(std::clamp(millimetres, kLeastPaperLength, kMostPaperLength));
+    const ps::Rule range = range_of(&General_impl::PaperWidth);
+    return static_cast<float>(std::clamp(millimetres, range.low, range.high));
 }
 
 std::vector<FormRecord> in_list_order(std::vector<FormRecord> forms) {
@@ -69,7 +81,8 @@ std::vector<FormRecord> in_list_order(std::vector<FormRecord> forms) {
     return ordered;
 }
 
-std::optional<size_t> find_paper(const std::vector<FormRecord>& forms, int32_t paper_number) noexcept {
+std::optional<size_t> find_list_position(const std::vector<FormRecord>& forms,
+                                         int32_t paper_number) noexcept {
     const auto form = std::ranges::find_if(forms, [paper_number](const FormRecord& record) {
         return record.paper_number == paper_number || record.driver_paper_id == paper_number;
     });

@@ -1,7 +1,6 @@
 // The rules of the General page: what its texts mean and in which order it lists the papers.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -11,15 +10,6 @@
 #include "lib/forms.h"
 
 namespace pdf_settings {
-
-inline constexpr double kLeastPaperLength = 25.4;  // millimetres
-inline constexpr double kMostPaperLength = 3276.7;
-inline constexpr int kLeastScale = 10;  // percent
-inline constexpr int kMostScale = 400;
-
-inline constexpr std::array<int32_t, 10> kResolutions = {72,  96,  144,  300,  360,
-                                                         600, 720, 1200, 2400, 3600};  // dots per inch
-inline constexpr int32_t kLeastResolution = 72;
 
 // Two decimals, with a point whatever the locale.
 [[nodiscard]] std::wstring length_text(double millimetres);
@@ -46,7 +36,7 @@ inline constexpr size_t kScaleUnits = 8;
 [[nodiscard]] std::vector<FormRecord> in_list_order(std::vector<FormRecord> forms);
 
 // The position of the first paper with that number, be it the form's or the driver's own.
-[[nodiscard]] std::optional<size_t> find_paper(const std::vector<FormRecord>& forms,
-                                               int32_t paper_number) noexcept;
+[[nodiscard]] std::optional<size_t> find_list_position(const std::vector<FormRecord>& forms,
+                                                       int32_t paper_number) noexcept;
 
 }  // namespace pdf_settings

@@ -10,19 +10,15 @@ namespace {
 using Section = Corvanta::Vantrix::PrintSettings::Summary_impl;
 
 constexpr UINT kLoadControls = WM_APP + 44;
-constexpr WPARAM kMostText = 1000;  // what is longer in a file stays, but cannot be made longer
 
 struct InfoHelper final : PageHelper {
     bool loaded = false;  // the controls hold the section, so they may be written back
 };
 
 constexpr std::tuple kTable{
-    Text{IDC_INFO_TITLE, &Section::Title, kMostText},
-    Text{IDC_INFO_SUBJECT, &Section::Subject, kMostText},
-    Text{IDC_INFO_AUTHOR, &Section::Author, kMostText},
-    Text{IDC_INFO_KEYWORDS, &Section::Keywords, kMostText},
-    Text{IDC_INFO_CREATOR, &Section::Creator, kMostText},
-    CheckBox{IDC_INFO_SETTING_NAME, &Section::EmbedPSFileName},
+    Text{IDC_INFO_TITLE, &Section::Title},     Text{IDC_INFO_SUBJECT, &Section::Subject},
+    Text{IDC_INFO_AUTHOR, &Section::Author},   Text{IDC_INFO_KEYWORDS, &Section::Keywords},
+    Text{IDC_INFO_CREATOR, &Section::Creator}, CheckBox{IDC_INFO_SETTING_NAME, &Section::EmbedPSFileName},
 };
 
 InfoHelper& helper() {

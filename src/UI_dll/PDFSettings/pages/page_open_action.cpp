@@ -15,15 +15,11 @@ using Section = Corvanta::Vantrix::PrintSettings::OpenAction_impl;
 
 constexpr int kMostPage = 1000000;
 
-// The layouts whose pages have no edge between them.
-constexpr int kSinglePage = 1;
-constexpr int kSinglePageContinuous = 2;
-
 constexpr std::tuple kTable{
-    DropList{IDC_OPEN_LAYOUT, &Section::PageLayout, IDS_OPEN_LAYOUT_0, 5},
-    DropList{IDC_OPEN_BINDING, &Section::Binding, IDS_OPEN_BINDING_0, 3},
-    DropList{IDC_OPEN_ADJUST, &Section::PageAdjust, IDS_OPEN_ADJUST_0, 5},
-    DropList{IDC_OPEN_MODE, &Section::PageMode, IDS_OPEN_MODE_0, 4},
+    DropList{IDC_OPEN_LAYOUT, &Section::PageLayout},
+    DropList{IDC_OPEN_BINDING, &Section::Binding},
+    DropList{IDC_OPEN_ADJUST, &Section::PageAdjust},
+    DropList{IDC_OPEN_MODE, &Section::PageMode},
     CheckBox{IDC_OPEN_FULL_SCREEN, &Section::FullScreen},
     CheckBox{IDC_OPEN_SHOW_TITLE, &Section::ShowDocumentTitle},
     CheckBox{IDC_OPEN_FIT_WINDOW, &Section::FitToPage},
@@ -43,7 +39,7 @@ std::optional<uint32_t> start_page(HWND page) {
 
 void enable_controls(HWND page) {
     const int layout = selected(page, IDC_OPEN_LAYOUT);
-    const bool pages_meet = layout != kSinglePage && layout != kSinglePageContinuous;
+    const bool pages_meet = layout != int{Section::kSinglePage} && layout != int{Section::kOneColumn};
     enable(page, std::array{IDC_OPEN_BINDING_LABEL, IDC_OPEN_BINDING}, pages_meet);
     enable(page, std::array{IDC_OPEN_PAGE_LABEL, IDC_OPEN_PAGE, IDC_OPEN_PAGE_SPIN},
            is_checked(page, IDC_OPEN_AT_PAGE));
@@ -56,9 +52,8 @@ void dlg_init_OpenAction(HWND page) {
 
     const bool at_page = section.StartPage != Section::kNoStartPage;
     set_checked(page, IDC_OPEN_AT_PAGE, at_page);
-    SendDlgItemMessageW(page, IDC_OPEN_PAGE, EM_SETLIMITTEXT, 7, 0);
-    SendDlgItemMessageW(page, IDC_OPEN_PAGE_SPIN, UDM_SETRANGE32, 1, kMostPage);
-    SetDlgItemTextW(page, IDC_OPEN_PAGE, std::to_wstring(at_page ? section.StartPage : 1).c_str());
+    load_number(page, IDC_OPEN_PAGE, IDC_OPEN_PAGE_SPIN, 1, kMostPage,
+                at_page ? static_cast<int>(section.StartPage) : 1);
     enable_controls(page);
 }
 

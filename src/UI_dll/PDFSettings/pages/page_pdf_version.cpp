@@ -62,10 +62,12 @@ void fill_versions(HWND page, uint32_t version) {
 
 UINT version_note(uint32_t version) noexcept {
     if (is_press_standard(version))
-        return version <= 7 ? IDS_PV_NOTE_PRESS_CMYK : IDS_PV_NOTE_PRESS;
+        return ps::is_cmyk_only(version) ? IDS_PV_NOTE_PRESS_CMYK : IDS_PV_NOTE_PRESS;
     if (is_standard(version))
         return IDS_PV_NOTE_ARCHIVE;
-    return version == 0 ? IDS_PV_NOTE_LOW : version == 12 ? IDS_PV_NOTE_NEWEST : IDS_PV_NOTE_PLAIN;
+    return ps::has_low_level(version) ? IDS_PV_NOTE_LOW
+           : version == ps::kPDF20    ? IDS_PV_NOTE_NEWEST
+                                      : IDS_PV_NOTE_PLAIN;
 }
 
 // --- The profile ---

@@ -7,9 +7,11 @@
 
 namespace pdf_settings {
 
+namespace ps = Corvanta::Vantrix::PrintSettings;
+
 bool is_profile_listed(uint32_t version, uint32_t colour_space, uint32_t device_class) noexcept {
-    const bool archive = version == 5 || version == 11;
-    const bool takes_rgb = archive || (version >= 8 && version <= 10);
+    const bool archive = ps::is_archive(version);
+    const bool takes_rgb = !ps::is_cmyk_only(version);
     const bool fits = colour_space == icc::kCMYK || (takes_rgb && colour_space == icc::kRGB);
     return is_standard(version) && fits && (archive || device_class == icc::kOutputDevice);
 }

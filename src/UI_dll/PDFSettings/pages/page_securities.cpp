@@ -17,20 +17,19 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::Security_impl;
 
-constexpr WPARAM kPasswordUnits = 1000;  // far more than the check takes, so that it can tell
 constexpr uint32_t kLevel = 1;
 
 constexpr auto kTable = std::tuple{
-    Text{IDC_SEC_PASSWORD, &Security_impl::MasterPassword, kPasswordUnits},
-    Text{IDC_SEC_OPEN_PASSWORD, &Security_impl::UserPassword, kPasswordUnits},
+    Text{IDC_SEC_PASSWORD, &Security_impl::MasterPassword},
+    Text{IDC_SEC_OPEN_PASSWORD, &Security_impl::UserPassword},
     CheckBox{IDC_SEC_NO_PRINT, &Security_impl::PDF13_DisallowPrint},
     CheckBox{IDC_SEC_NO_MODIFY, &Security_impl::PDF13_DisallowModify},
     CheckBox{IDC_SEC_NO_COPY, &Security_impl::PDF13_DisallowCopy},
     CheckBox{IDC_SEC_NO_ANNOTATE, &Security_impl::PDF13_DisallowAnnotate},
     CheckBox{IDC_SEC_COPY, &Security_impl::AllowCopyContent},
     CheckBox{IDC_SEC_READER, &Security_impl::AllowAccessFromScreenReader},
-    DropList{IDC_SEC_EDIT, &Security_impl::EditPermission, IDS_SEC_EDIT_0, 6},
-    DropList{IDC_SEC_PRINT, &Security_impl::PrintPermission, IDS_SEC_PRINT_0, 3},
+    DropList{IDC_SEC_EDIT, &Security_impl::EditPermission},
+    DropList{IDC_SEC_PRINT, &Security_impl::PrintPermission},
 };
 
 constexpr std::array kLowLevel = {IDC_SEC_NO_MODIFY, IDC_SEC_NO_PRINT, IDC_SEC_NO_COPY, IDC_SEC_NO_ANNOTATE};
@@ -67,13 +66,15 @@ void set_shown(HWND page, const std::array<int, Count>& controls, bool shown) no
 }
 
 UINT level_note(uint32_t version) noexcept {
-    return is_standard(version) ? IDS_SEC_NOTE_NONE : version == 0 ? IDS_SEC_NOTE_LOW : IDS_SEC_NOTE_HIGH;
+    return is_standard(version)         ? IDS_SEC_NOTE_NONE
+           : ps::has_low_level(version) ? IDS_SEC_NOTE_LOW
+                                        : IDS_SEC_NOTE_HIGH;
 }
 
 void exchangeEncryptLevel(HWND page) {
     TRACE("exchangeEncryptLevel");
     const uint32_t version = read_PDFVersion(page).Version;
-    const bool low = version == 0;
+    const bool low = ps::has_low_level(version);
     const bool protects = !is_standard(version);
     const bool restricts = protects && is_checked(page, IDC_SEC_USE_PERMISSIONS);
     set_shown(page, kLowLevel, low);

@@ -7,9 +7,10 @@
 
 namespace pdf_settings {
 
+namespace ps = Corvanta::Vantrix::PrintSettings;
+
 namespace {
 
-constexpr uint32_t kAnyCharacter = 12;  // PDF 2.0
 constexpr size_t kPasswordBytes = 128;  // in UTF-8, as a setting file holds it, with its end
 
 bool has_bad_character(std::wstring_view password) noexcept {
@@ -32,9 +33,9 @@ std::optional<PasswordFault> find_password_fault(uint32_t version, const Passwor
         return PasswordFault::kNoOpen;
     if (choice.is_permissions_new && choice.needs_permissions && choice.permissions.empty())
         return PasswordFault::kNoPermissions;
-    if (choice.is_permissions_new && version != kAnyCharacter && has_bad_character(choice.permissions))
+    if (choice.is_permissions_new && version != ps::kPDF20 && has_bad_character(choice.permissions))
         return PasswordFault::kPermissionsCharacter;
-    if (choice.is_open_new && version != kAnyCharacter && has_bad_character(choice.open))
+    if (choice.is_open_new && version != ps::kPDF20 && has_bad_character(choice.open))
         return PasswordFault::kOpenCharacter;
     if (choice.is_permissions_new && is_too_long(choice.permissions))
         return PasswordFault::kPermissionsTooLong;

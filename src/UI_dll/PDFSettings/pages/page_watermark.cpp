@@ -19,10 +19,9 @@ namespace {
 using Section = Corvanta::Vantrix::PrintSettings::Watermark_impl;
 
 constexpr uint32_t kLeastSize = 8;  // points
-constexpr uint32_t kMostSize = 500;
-constexpr uint32_t kMostScale = 6400;  // percent
-constexpr uint32_t kMostTransparency = 100;
-constexpr uint32_t kFirstScale = 100;  // what is offered when the picture has been fitted so far
+constexpr int kMostSize = 500;
+constexpr int kMostScale = 6400;  // percent
+constexpr int kFirstScale = 100;  // what is offered when the picture has been fitted so far
 
 struct WaterMarkHelper final : PageHelper {
     WaterMarkHelper() { custom_colours.fill(RGB(255, 255, 255)); }
@@ -35,16 +34,18 @@ constexpr std::array kStyles = {IDC_MARK_NONE, IDC_MARK_TEXT, IDC_MARK_PICTURE};
 
 constexpr std::tuple kTable{
     Radios{kStyles, &Section::Style},
-    Text{IDC_MARK_WORDS, &Section::Text, 255},
-    Text{IDC_MARK_FONT, &Section::FontName, LF_FACESIZE - 1},
+    Text{IDC_MARK_WORDS, &Section::Text},
+    Text{IDC_MARK_FONT, &Section::FontName},
     CheckBox{IDC_MARK_DIAGONAL, &Section::DiagonalText},
-    Text{IDC_MARK_FILE, &Section::PictureFileName, 32767},
-    DropList{IDC_MARK_VERTICAL, &Section::VerticalPosition, IDS_MARK_VERTICAL_0, 3},
-    DropList{IDC_MARK_HORIZONTAL, &Section::HorizontalPosition, IDS_MARK_HORIZONTAL_0, 3},
-    DropList{IDC_MARK_ORDER, &Section::ZOrder, IDS_MARK_ORDER_0, 2},
+    Text{IDC_MARK_FILE, &Section::PictureFileName},
+    DropList{IDC_MARK_VERTICAL, &Section::VerticalPosition},
+    DropList{IDC_MARK_HORIZONTAL, &Section::HorizontalPosition},
+    DropList{IDC_MARK_ORDER, &Section::ZOrder},
     CheckBox{IDC_MARK_IN_PRINT, &Section::VisibleInPrint},
     CheckBox{IDC_MARK_ON_SCREEN, &Section::VisibleInDisplay},
 };
+
+constexpr Number kTransparency{IDC_MARK_TRANSPARENCY, &Section::Transparency, IDC_MARK_TRANSPARENCY_SPIN};
 
 constexpr std::array kOfText = {IDC_MARK_TEXT_GROUP, IDC_MARK_WORDS_LABEL, IDC_MARK_WORDS,
                                 IDC_MARK_FONT_LABEL, IDC_MARK_FONT,        IDC_MARK_SIZE_LABEL,
@@ -104,13 +105,7 @@ std::optional<uint32_t> picture_scale(HWND page) {
 std::optional<uint32_t> transparency(HWND page) {
     if (!is_touched(page, IDC_MARK_TRANSPARENCY))
         return loaded_setting().watermark()->Transparency;
-    return whole_number(control_text(page, IDC_MARK_TRANSPARENCY), 0, kMostTransparency);
-}
-
-void load_number(HWND page, int control, int spin, uint32_t low, uint32_t high, uint32_t value) {
-    SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, std::to_wstring(high).size(), 0);
-    SendDlgItemMessageW(page, spin, UDM_SETRANGE32, low, static_cast<LPARAM>(high));
-    SetDlgItemTextW(page, control, std::to_wstring(value).c_str());
+    return kTransparency.find(page);
 }
 
 // The section as the controls stand. A number that cannot be stays what it was.
@@ -226,11 +221,10 @@ void dlg_init_WaterMark(HWND page) {
     helper().colour = shown_colour(section);
     const bool fits = section.PictureScale == Section::kNoPictureScale;
     set_checked(page, IDC_MARK_AUTO_SCALE, fits);
-    load_number(page, IDC_MARK_SIZE, IDC_MARK_SIZE_SPIN, 0, kMostSize, section.FontSize);
+    load_number(page, IDC_MARK_SIZE, IDC_MARK_SIZE_SPIN, 0, kMostSize, static_cast<int>(section.FontSize));
     load_number(page, IDC_MARK_SCALE, IDC_MARK_SCALE_SPIN, 1, kMostScale,
-                fits ? kFirstScale : section.PictureScale);
-    load_number(page, IDC_MARK_TRANSPARENCY, IDC_MARK_TRANSPARENCY_SPIN, 0, kMostTransparency,
-                section.Transparency);
+                fits ? kFirstScale : static_cast<int>(section.PictureScale));
+    kTransparency.load(page, section);
     load_controls(page, section, kTable);
     enable_controls(page);
 }

@@ -15,8 +15,6 @@ namespace {
 using Corvanta::Vantrix::PrintSettings::Box;
 using Corvanta::Vantrix::PrintSettings::Watermark_impl;
 
-constexpr uint32_t kTextMark = 1;
-constexpr uint32_t kPictureMark = 2;
 constexpr double kMmPerPoint = 25.4 / 72;
 constexpr size_t kMostText = 1000;  // what is beyond would be too small to be seen
 constexpr COLORREF kInk = RGB(176, 180, 186);
@@ -196,7 +194,8 @@ void draw_box(HDC dc, const PagePlace& page, const Box& margins, COLORREF colour
 
 void draw_mark(HDC dc, const PagePlace& page, const Watermark_impl& watermark, const Picture& picture) {
     const bool is_seen = watermark.VisibleInPrint || watermark.VisibleInDisplay;
-    if (!is_seen || (watermark.Style != kTextMark && watermark.Style != kPictureMark))
+    if (!is_seen ||
+        (watermark.Style != Watermark_impl::kTextMark && watermark.Style != Watermark_impl::kPictureMark))
         return;
     // Drawn opaque on a copy of the page, which is then laid over it.
     const RECT& area = page.pixels;
@@ -207,7 +206,7 @@ void draw_mark(HDC dc, const PagePlace& page, const Watermark_impl& watermark, c
         return;
     BitBlt(copy.get(), 0, 0, width, height, dc, area.left, area.top, SRCCOPY);
     const PagePlace on_copy{{0, 0, width, height}, page.size};
-    if (watermark.Style == kTextMark)
+    if (watermark.Style == Watermark_impl::kTextMark)
         draw_text(copy.get(), on_copy, watermark);
     else
         draw_picture(copy.get(), on_copy, watermark, picture);

@@ -16,8 +16,6 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::Watermark_impl;
 
-constexpr uint32_t kPictureMark = 2;
-constexpr uint32_t kUnderThePage = 1;
 constexpr COLORREF kTrimColour = RGB(0, 112, 192);
 constexpr COLORREF kBleedColour = RGB(192, 0, 0);
 
@@ -60,7 +58,8 @@ Extent page_size(const Setting& setting) {
 
 const Picture& picture_of(const Watermark_impl& watermark) {
     ViewBox& box = view_box();
-    const std::wstring wanted = watermark.Style == kPictureMark ? watermark.PictureFileName : std::wstring();
+    const std::wstring wanted =
+        watermark.Style == Watermark_impl::kPictureMark ? watermark.PictureFileName : std::wstring();
     if (box.picture_path != wanted) {
         box.picture = load_picture(wanted);
         box.picture_path = wanted;
@@ -71,10 +70,10 @@ const Picture& picture_of(const Watermark_impl& watermark) {
 void draw_parts(HDC dc, const PagePlace& page, const Setting& setting, const Watermark_impl& watermark) {
     draw_paper(dc, page);
     const Picture& picture = picture_of(watermark);
-    if (watermark.ZOrder == kUnderThePage)
+    if (watermark.ZOrder == Watermark_impl::kUnderThePage)
         draw_mark(dc, page, watermark, picture);
     draw_contents(dc, page, setting.general()->Scale);
-    if (watermark.ZOrder != kUnderThePage)
+    if (watermark.ZOrder != Watermark_impl::kUnderThePage)
         draw_mark(dc, page, watermark, picture);
     const auto& version = setting.pdfVersion();
     if (version->UseBleedBox)

@@ -11,9 +11,6 @@ namespace {
 
 using namespace Corvanta::Vantrix::PrintSettings;
 
-constexpr int kCustomPaper = 1;
-constexpr int kLandscape = 1;
-constexpr uint32_t kTextMark = 1;
 constexpr double kMarkMargin = 0.05;  // of the page's shorter side
 constexpr int kShadow = 3;            // pixels
 constexpr double kMostPixels = 30000;
@@ -41,10 +38,10 @@ int to_pixels(double value) noexcept {
 
 Extent page_extent(const General_impl& general, std::optional<Extent> form) {
     Extent page{general.PaperWidth, general.PaperHeight};
-    if (general.PaperType != kCustomPaper) {
+    if (general.PaperType != General_impl::kCustomSize) {
         page = form.value_or(page);
         // A custom size carries its own width and height; a form is turned.
-        if (general.PaperOrientation == kLandscape)
+        if (general.PaperOrientation == General_impl::kLandscape)
             std::swap(page.width, page.height);
     }
     return {usable_side(page.width), usable_side(page.height)};
@@ -62,7 +59,7 @@ RECT fit_page(const Extent& page, int width, int height) noexcept {
 PlacedMark place_mark(const Extent& mark, const Extent& page, const Watermark_impl& watermark,
                       bool fits) noexcept {
     PlacedMark placed;
-    if (watermark.Style == kTextMark && watermark.DiagonalText)
+    if (watermark.Style == Watermark_impl::kTextMark && watermark.DiagonalText)
         placed.angle = std::atan2(page.height, page.width);
     // The upright rectangle around the turned watermark.
     const double sine = std::sin(placed.angle);
