@@ -32,6 +32,7 @@ bool attach_process(HINSTANCE instance) {
     qk::trace::read_level();
     TRACE("ui:attach");
     if (!qk::load_resource_library()) {
+        TRACE_F(L"gle=%d", static_cast<int>(GetLastError()));
         OutputDebugStringA("ZRTK Error:no resource dll.");
         qk::finalize_resource_library(false);  // a copy that could not be loaded is not left behind
         return false;

@@ -97,12 +97,8 @@ bool load_resource_library() {
     HMODULE module = GetModuleHandleW(path.c_str());
     if (!module) {
         module = LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-        const DWORD error = GetLastError();
-        if (!module || module == INVALID_HANDLE_VALUE) {
-            TRACE_F(L"gle=%d", static_cast<int>(error));
-            SetLastError(error);
+        if (!module || module == INVALID_HANDLE_VALUE)
             return false;
-        }
         ++loader.load_count;
     }
     loader.module = module;
