@@ -1,89 +1,59 @@
 // Names that come from elsewhere lead to files of a disk, or to nothing.
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "UI_dll/PDFSettings/preview/picture_file.h"
-#include "common/qk/disk_file.h"
 #include "common/icc_folder.h"
 #include "common/icc_profile.h"
+#include "common/qk/disk_file.h"
 #include "common/qk/paths.h"
-#include "common/rwPDFSet_functions.h"
 #include "common/qk/text.h"
+#include "common/rwPDFSet_functions.h"
 #include "print_settings/PSAdmin.h"
-#include "support/import_patch.h"
+#include "support/intercept.h"
 #include "support/profile_folder.h"
 
 namespace {
 
 namespace ps = Corvanta::Vantrix::PrintSettings;
 
+constexpr DWORD kRead = FILE_SHARE_READ, kReadAndReplace = FILE_SHARE_READ | FILE_SHARE_DELETE,
+                kAll = kReadAndReplace | FILE_SHARE_WRITE, kNotOpened = MAXDWORD;
+
 // What takes the name of a file from elsewhere; true when it took something else for a file.
 const struct {
     const char* label;
+    DWORD share;  // what others may do meanwhile with a file that is there
     bool (*uses)(const std::wstring& name);
 } kUsers[] = {
-    {"probe", [](const std::wstring& name) { return ProbeSettingFile(name) != SettingFormat::kNone; }},
-    {"kind", [](const std::wstring& name) { return ps::Recognise(name) != ps::kUnknownKind; }},
-    {"name", [](const std::wstring& name) { return ps::ReadName(name).has_value(); }},
-    {"load", [](const std::wstring& name) { return ps::PrintSettings().Load(name, false) == ps::kLoaded; }},
-    {"load for a job", [](const std::wstring& name) { return ps::PrintSettingsAdmin().Load(name); }},
-    {"save", [](const std::wstring& name) { return ps::PrintSettings().Save(name); }},
-    {"profile", [](const std::wstring& name) { return icc::is_cmyk_profile(name); }},
-    {"profile's header", [](const std::wstring& name) { return icc::read_profile(name).has_value(); }},
-    {"description", [](const std::wstring& name) { return icc::find_description(name).has_value(); }},
-    {"picture",
-     [](const std::wstring& name) { return static_cast<bool>(pdf_settings::load_picture(name).bitmap); }},
-    {"is a file", [](const std::wstring& name) { return qk::is_file(name); }},
-    {"is a folder", [](const std::wstring& name) { return qk::is_folder(name); }},
+    {"probe", kReadAndReplace, [](auto& name) { return ProbeSettingFile(name) != SettingFormat::kNone; }},
+    {"kind", kAll, [](auto& name) { return ps::Recognise(name) != ps::kUnknownKind; }},
+    {"name", kReadAndReplace, [](auto& name) { return ps::ReadName(name).has_value(); }},
+    {"load", kReadAndReplace,
+     [](auto& name) { return ps::PrintSettings().Load(name, false) == ps::kLoaded; }},
+    {"load for a job", kReadAndReplace, [](auto& name) { return ps::PrintSettingsAdmin().Load(name); }},
+    {"save", kAll, [](auto& name) { return ps::PrintSettings().Save(name); }},
+    {"profile", kRead, [](auto& name) { return icc::is_cmyk_profile(name); }},
+    {"profile's header", kRead, [](auto& name) { return icc::read_profile(name).has_value(); }},
+    {"description", kRead, [](auto& name) { return icc::find_description(name).has_value(); }},
+    {"picture", kRead, [](auto& name) { return bool{pdf_settings::load_picture(name).bitmap}; }},
+    {"is a file", kNotOpened, [](auto& name) { return qk::is_file(name); }},
+    {"is a folder", kNotOpened, [](auto& name) { return qk::is_folder(name); }},
 };
-
-std::vector<DWORD> opened;  // the flags with which files were
-decltype(&CreateFileW) create_file;
-HANDLE WINAPI note_flags(const wchar_t* name, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
-                         DWORD how, DWORD flags, HANDLE like) {
-    if (how == OPEN_EXISTING && !std::wstring_view(name).ends_with(L".tmp"))
-        opened.push_back(flags);
-    return create_file(name, access, share, security, how, flags, like);
-}
 
 }  // namespace
 
 TEST(DiskFiles, NamesOfDevicesAreKnownByTheirLetters) {
-    const struct {
-        const wchar_t* name;
-        bool device;
-    } rows[] = {
-        {L"C:\\x.ps4", false},
-        {L"x.ps4", false},
-        {L"", false},
-        {L"\\", false},
-        {L"C:\\CON\\x.ps4", false},
-        {L"C:\\console.ps4", false},
-        {L"\\\\server\\share\\x.ps4", false},
-        {L"\\\\server\\pipes\\x.ps4", false},
-        {L"\\\\server", false},
-        {L"\\\\?\\C:\\x.ps4", false},
-        {L"\\\\.\\C:\\x.ps4", false},
-        {L"\\\\?\\UNC\\server\\share\\x.ps4", false},
-        {L"CON", true},
-        {L"C:\\x\\nul", true},
-        {L"com1", true},
-        {L"C:\\x\\LPT9", true},
-        {L"\\\\.\\pipe\\x", true},
-        {L"//./pipe/x", true},
-        {L"\\\\?\\pipe\\x", true},
-        {L"\\??\\pipe\\x", true},
-        {L"\\\\.\\mailslot\\x", true},
-        {L"\\\\.\\C:", true},
-        {L"\\\\.\\PhysicalDrive0", true},
-        {L"\\\\?\\GLOBALROOT\\Device\\NamedPipe\\x", true},
-        {L"\\\\server\\PIPE\\x", true},
-        {L"//server/mailslot/x", true},
-        {L"\\\\?\\UNC\\server\\pipe\\x", true},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(qk::names_device(row.name), row.device) << qk::to_utf8(row.name);
+    for (const std::wstring name :
+         {L"C:\\x.ps4", L"x.ps4", L"", L"\\", L"C:\\CON\\x.ps4", L"C:\\console.ps4", L"\\\\server",
+          L"\\\\server\\share\\x.ps4", L"\\\\server\\pipes\\x.ps4", L"\\\\?\\C:\\x.ps4", L"\\\\.\\C:\\x.ps4",
+          L"\\\\?\\UNC\\server\\share\\x.ps4"})
+        EXPECT_FALSE(qk::names_device(name)) << qk::to_utf8(name);
+    for (const std::wstring name :
+         {L"CON", L"C:\\x\\nul", L"com1", L"C:\\x\\LPT9", L"\\\\.\\pipe\\x", L"//./pipe/x", L"\\\\?\\pipe\\x",
+          L"\\??\\pipe\\x", L"\\\\.\\mailslot\\x", L"\\\\.\\C:", L"\\\\.\\PhysicalDrive0",
+          L"\\\\?\\GLOBALROOT\\Device\\NamedPipe\\x", L"\\\\server\\PIPE\\x", L"//server/mailslot/x",
+          L"\\\\?\\UNC\\server\\pipe\\x"})
+        EXPECT_TRUE(qk::names_device(name)) << qk::to_utf8(name);
 }
 
 // A server waits behind the name: whoever opened it would be seen, and perhaps wait for it.
@@ -93,45 +63,41 @@ TEST(DiskFiles, NobodyTurnsToAPipe) {
                                               1, 100, 100, 0, nullptr));
     ASSERT_TRUE(server);
     for (const auto& user : kUsers) {
-        EXPECT_FALSE(user.uses(pipe)) << user.label;
-        EXPECT_FALSE(user.uses(L"C:\\NUL")) << user.label;
+        EXPECT_FALSE(user.uses(pipe) || user.uses(L"C:\\NUL")) << user.label;
         ASSERT_FALSE(ConnectNamedPipe(server.get(), nullptr));
         ASSERT_EQ(GetLastError(), DWORD{ERROR_PIPE_LISTENING}) << user.label;
     }
     EXPECT_EQ(ps::PrintSettings().Load(pipe, false), ps::kUnreadable);
 }
 
-// A drive's letter may stand for anything.
-TEST(DiskFiles, WhatIsNoFileBehindItsNameIsNotRead) {
+TEST(DiskFiles, FilesAreSharedAndWhatIsNoFileBehindItsNameIsNotRead) {
+    constexpr DWORD kWhoAsksOnly = SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
     const ProfileFolder profiles;
     const std::wstring path = profiles.files.file(L"mine.ps4");
     ASSERT_TRUE(ps::PrintSettings().Save(path));
     const std::wstring profile = profiles.add(L"a.icc", "CMYK", "prtr", "description");
-    const ImportPatch pipe("GetFileType",
-                           reinterpret_cast<void*>(+[](HANDLE) -> DWORD { return FILE_TYPE_PIPE; }));
-    const ImportPatch read("ReadFile", reinterpret_cast<void*>(+[]() -> BOOL {
-                               ADD_FAILURE() << "it was read";
-                               return FALSE;
-                           }));
+    DWORD opened = 0, asked_for = 0;
+    const Intercept<decltype(CreateFileW)> open(
+        "CreateFileW",
+        [&](auto* name, DWORD, DWORD share, auto*, DWORD how, DWORD flags, HANDLE) -> std::optional<HANDLE> {
+            if (how == OPEN_EXISTING && !std::wstring_view(name).ends_with(L".tmp")) {
+                opened = share;
+                EXPECT_EQ(flags & SECURITY_VALID_SQOS_FLAGS, kWhoAsksOnly);
+            }
+            return {};
+        });
+    for (const auto& user : kUsers) {
+        SCOPED_TRACE(user.label);
+        opened = kNotOpened;
+        static_cast<void>(user.uses(path));
+        EXPECT_EQ(opened, user.share);
+    }
+    // A drive's letter may stand for anything.
+    const ImportPatch pipe("GetFileType", always<DWORD{FILE_TYPE_PIPE}>());
+    const Intercept<decltype(ReadFile)> read("ReadFile", [&](auto...) { return ++asked_for, FALSE; });
     for (const auto& user : kUsers)
         if (user.label != std::string_view("is a file")) {
-            EXPECT_FALSE(user.uses(path)) << user.label;
-            EXPECT_FALSE(user.uses(profile)) << user.label;
+            EXPECT_FALSE(user.uses(path) || user.uses(profile)) << user.label;
         }
-}
-
-TEST(DiskFiles, ServersOfNamesLearnOnlyWhoAsks) {
-    constexpr DWORD kWanted = SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
-    const ProfileFolder profiles;
-    const std::wstring path = profiles.files.file(L"mine.ps4");
-    ASSERT_TRUE(ps::PrintSettings().Save(path));
-    const ImportPatch open("CreateFileW", reinterpret_cast<void*>(&note_flags));
-    create_file = reinterpret_cast<decltype(&CreateFileW)>(open.original());
-    for (const auto& user : kUsers) {
-        opened.clear();
-        static_cast<void>(user.uses(path));
-        EXPECT_EQ(opened.empty(), std::string_view(user.label).starts_with("is a ")) << user.label;
-        for (const DWORD flags : opened)
-            EXPECT_EQ(flags & (SECURITY_VALID_SQOS_FLAGS), kWanted) << user.label;
-    }
+    EXPECT_EQ(asked_for, 0u) << "it was read";
 }

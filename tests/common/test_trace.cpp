@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cwchar>
 #include <functional>
 
 #include "UI_dll/cpsui.h"
@@ -8,81 +9,67 @@
 #include "common/qk/registry.h"
 #include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
-#include "common/teskel_custom_2021.h"
 #include "common/threadprop.h"
 #include "companions/thread.h"
-#include "job/output_name.h"
 #include "lib/devmode.h"
 #include "print_settings/display.h"
 #include "support/installation.h"
+#include "support/intercept.h"
 #include "support/trace_capture.h"
 #include "support/trace_switch.h"
 
-TEST(Trace, RecordsNameThreadFileAndLine) {
-    const std::wstring thread = L"." + std::to_wstring(GetCurrentThreadId()) + L" ";
-    struct {
+TEST(Trace, RecordsNameThreadFileAndLineAndAreCut) {
+    const std::wstring thread = L"." + std::to_wstring(GetCurrentThreadId()) + L" ", text(5000, L'x');
+    const struct {
         const char* source;
         unsigned line;
         const wchar_t* wanted;
-    } const rows[] = {
-        {"C:\\a\\b\\file.cpp", 12, L"file.cpp(12)  text\r\n"},
-        {"file.cpp", 12, L"file.cpp(12)  text\r\n"},
-        {"C:\\a\\file.cpp", 0, L"file.cpp  text\r\n"},
-        {"a/b.cpp", 7, L"a/b.cpp(7)  text\r\n"},
-        {"C:\\a\\", 1, L"(1)  text\r\n"},
-    };
-    const TraceCapture trace;
+    } rows[] = {{"C:\\a\\b\\file.cpp", 12, L"file.cpp(12)  text\r\n"},
+                {"file.cpp", 12, L"file.cpp(12)  text\r\n"},
+                {"C:\\a\\file.cpp", 0, L"file.cpp  text\r\n"},
+                {"a/b.cpp", 7, L"a/b.cpp(7)  text\r\n"},
+                {"C:\\a\\", 1, L"(1)  text\r\n"}};
     for (const auto& row : rows) {
+        const TraceCapture trace;
         SetLastError(77);
         qk::trace::write("text", row.source, row.line);
-        qk::trace::write(L"text", row.source, row.line);
         qk::trace::write(std::wstring(L"text"), row.source, row.line);
         EXPECT_EQ(GetLastError(), 77u);
+        EXPECT_EQ(trace.records(), std::vector(2, thread + row.wanted));
     }
-    const auto records = TraceCapture::records();
-    ASSERT_EQ(records.size(), std::size(rows) * 3);
-    for (size_t i = 0; i < records.size(); ++i)
-        EXPECT_EQ(records[i], thread + rows[i / 3].wanted);
-}
-
-TEST(Trace, OverlongRecordsAreCut) {
     const TraceCapture trace;
-    const std::wstring text(5000, L'x');
-    const std::string source = "C:\\" + std::string(400, 's');
     qk::trace::write(text, "f.cpp", 1);
-    qk::trace::write(std::string(5000, 'x').c_str(), "f.cpp", 1);
-    qk::trace::write(L"short", source.c_str(), 1);
-    qk::trace::debug_output(L"%s", text.c_str());
     TRACE_F(L"%s", text.c_str());
-    for (const std::wstring& record : TraceCapture::records())
-        EXPECT_LT(record.size(), 1000u);
-    EXPECT_EQ(TraceCapture::records().size(), 5u);
-    EXPECT_EQ(TraceCapture::records()[0].size(), 999u);
-    EXPECT_EQ(TraceCapture::records()[4].size(), 999u);
+    qk::trace::write(std::string(5000, 'x').c_str(), "f.cpp", 1);
+    qk::trace::debug_output(L"%s", text.c_str());
+    qk::trace::write(L"short", std::string(400, 's').c_str(), 1);
+    ASSERT_EQ(trace.records().size(), 5u);
+    for (size_t i = 0; i < 4; ++i)
+        EXPECT_EQ(trace.records()[i].size(), 999u) << i;
 }
 
 TEST(Trace, LevelDecidesWhatIsWritten) {
-    struct {
+    const struct {
         DWORD level;
         bool scope, plain;
-    } const rows[] = {
+    } rows[] = {
         {0, false, false}, {1, true, false}, {4, true, false}, {5, true, true}, {UINT32_MAX, true, true}};
     for (const auto& row : rows) {
         const TraceCapture trace(row.level);
         int computed = 0;
         {
             TRACE_SCOPE("Entry");
-            TRACE("narrow");
-            TRACE((++computed, L"wide"));
+            TRACE((++computed, "text"));
             TRACE_F(L"n=%d", ++computed + 1);
         }
         EXPECT_EQ(computed, row.plain ? 2 : 0) << row.level;
-        EXPECT_EQ(trace.records().size(), (row.scope ? 2u : 0u) + (row.plain ? 3u : 0u)) << row.level;
+        const auto records = trace.records();
+        ASSERT_EQ(records.size(), (row.scope ? 2u : 0u) + (row.plain ? 2u : 0u)) << row.level;
         EXPECT_EQ(trace.holds(L"n=3"), row.plain) << row.level;
         if (row.scope) {
             EXPECT_TRUE(trace.holds(L">>Entry"));
-            EXPECT_NE(TraceCapture::records().front().find(L"test_trace.cpp("), std::wstring::npos);
-            EXPECT_NE(TraceCapture::records().back().find(L"test_trace.cpp  <<Entry"), std::wstring::npos);
+            EXPECT_NE(records.front().find(L"test_trace.cpp("), std::wstring::npos);
+            EXPECT_NE(records.back().find(L"test_trace.cpp  <<Entry"), std::wstring::npos);
         }
     }
 }
@@ -90,53 +77,43 @@ TEST(Trace, LevelDecidesWhatIsWritten) {
 TEST(Trace, LevelComesFromTheSwitch) {
     TraceSwitch trace_switch;
     const TraceCapture trace(3);
-    qk::trace::read_level();
-    EXPECT_EQ(qk::trace::level, 0u);
-    for (const bool global : {false, true}) {
-        trace_switch.set(5, global);
+    const auto read = [] {
+        SetLastError(66);
         qk::trace::read_level();
-        EXPECT_EQ(qk::trace::level, 5u) << global;
-    }
+        EXPECT_EQ(GetLastError(), 66u);
+        return qk::trace::level;
+    };
+    EXPECT_EQ(read(), 0u);
+    trace_switch.set(6, true);
+    EXPECT_EQ(read(), 6u);
+    trace_switch.set(5);
+    EXPECT_EQ(read(), 5u);
     trace_switch.set(7);
-    static DWORD seen_meanwhile = 0;
-    static void* unmap = nullptr;
     {
-        const ImportPatch slow("UnmapViewOfFile", reinterpret_cast<void*>(+[](const void* view) -> BOOL {
-                                   seen_meanwhile = qk::trace::level;
-                                   return reinterpret_cast<decltype(&UnmapViewOfFile)>(unmap)(view);
-                               }));
-        unmap = slow.original();
-        qk::trace::read_level();
-        EXPECT_EQ(seen_meanwhile, 5u) << "other threads are not silenced while the level is read";
-        EXPECT_EQ(qk::trace::level, 7u);
+        DWORD meanwhile = 0;
+        const Intercept<decltype(UnmapViewOfFile)> slow(
+            "UnmapViewOfFile", [&](auto) { return meanwhile = qk::trace::level, std::nullopt; });
+        EXPECT_EQ(read(), 7u);
+        EXPECT_EQ(meanwhile, 5u) << "other threads are not silenced while the level is read";
     }
     trace_switch.set_without_memory();
-    qk::trace::read_level();
-    EXPECT_EQ(qk::trace::level, 0u);
+    EXPECT_EQ(read(), 0u);
     const ImportPatch no_view("MapViewOfFile",
-                              reinterpret_cast<void*>(+[](HANDLE, DWORD, DWORD, DWORD, SIZE_T) -> void* {
-                                  SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-                                  return nullptr;
-                              }));
-    SetLastError(66);
-    qk::trace::read_level();
-    EXPECT_EQ(GetLastError(), 66u);
-    EXPECT_EQ(qk::trace::level, 0u);
+                              always<static_cast<void*>(nullptr), ERROR_NOT_ENOUGH_MEMORY>());
+    EXPECT_EQ(read(), 0u);
     EXPECT_TRUE(trace.holds(L"Error@qk::MMF MapViewOfFile:gle=8"));
 }
 
 TEST(Trace, NeedsNoMemory) {
     const TraceCapture trace;
     static wchar_t record[1000];
-    const ImportPatch output("OutputDebugStringW",
-                             reinterpret_cast<void*>(+[](const wchar_t* text) { wcscpy(record, text); }));
     static bool asked;
     asked = false;
+    const ImportPatch output("OutputDebugStringW",
+                             reinterpret_cast<void*>(+[](const wchar_t* text) { wcscpy(record, text); }));
     {
-        const ImportPatch memory("malloc", reinterpret_cast<void*>(+[](size_t) -> void* {
-                                     asked = true;
-                                     return nullptr;
-                                 }));
+        const ImportPatch memory(
+            "malloc", reinterpret_cast<void*>(+[](size_t) -> void* { return asked = true, nullptr; }));
         TRACE_F(L"more than any text %s", L"holds in itself");
     }
     EXPECT_FALSE(asked);
@@ -149,23 +126,19 @@ TEST(ThreadProp, EntriesQueueUpPerThreadAndKey) {
         GetThreadProp(key, value);
         return value;
     };
-    EXPECT_EQ(get(L"A"), 0u);
-    EXPECT_EQ(FreeThreadProp(L"A"), 0u);
-    EXPECT_EQ(SetThreadProp(L"A", 1), 0u);
-    EXPECT_EQ(SetThreadProp(L"A", 2), 0u);
-    EXPECT_EQ(SetThreadProp(L"a", 3), 0u);
-    EXPECT_EQ(SetThreadProp(L"AB", UINTPTR_MAX), 0u);
-    ULONG_PTR elsewhere = 99;
+    EXPECT_EQ(get(L"A") + FreeThreadProp(L"A"), 0u);
+    for (const ULONG_PTR value : {1u, 2u})
+        EXPECT_EQ(SetThreadProp(L"A", value), 0u);
+    SetThreadProp(L"a", 3);
+    SetThreadProp(L"AB", UINTPTR_MAX);
     companions::Thread([&] {
-        elsewhere = get(L"A") + FreeThreadProp(L"A");
+        EXPECT_EQ(get(L"A") + FreeThreadProp(L"A"), 0u);
         SetThreadProp(L"A", 50);  // outlives the thread
     }).join();
-    EXPECT_EQ(elsewhere, 0u);
-    EXPECT_EQ(get(L"A"), 1u);
-    EXPECT_EQ(FreeThreadProp(L"A"), 1u);
-    EXPECT_EQ(get(L"A"), 2u);
-    EXPECT_EQ(FreeThreadProp(L"A"), 2u);
-    EXPECT_EQ(get(L"A"), 0u);
+    for (const ULONG_PTR value : {1u, 2u, 0u}) {
+        EXPECT_EQ(get(L"A"), value);
+        EXPECT_EQ(FreeThreadProp(L"A"), value);
+    }
     EXPECT_EQ(get(L"a"), 3u);
     EXPECT_EQ(get(L"AB"), UINTPTR_MAX);
     for (const bool process_ends : {true, false}) {
@@ -175,49 +148,50 @@ TEST(ThreadProp, EntriesQueueUpPerThreadAndKey) {
     }
 }
 
+TEST(ThreadProp, ThreadsDoNotMeetInTheStore) {
+    const auto work = [] {
+        for (ULONG_PTR i = 1; i <= 10'000; ++i) {
+            ULONG_PTR value = 0;
+            SetThreadProp(L"A", i);
+            GetThreadProp(L"A", value);
+            if (value != i || ExchangeThreadProp(L"A", ~i) != i || FreeThreadProp(L"A") != ~i)
+                return ADD_FAILURE() << "another's value in round " << i;
+        }
+    };
+    companions::Thread first(work), second(work);
+}
+
 TEST(Trace, FunctionsSayThatTheyAreEntered) {
     const Installation here;
-    using Corvanta::Vantrix::PrintSettings::PrintSettings;
-    const PrintSettings settings;
-    const pd_tk::TeskelCustom2021 calls(L"", L"");
+    const Corvanta::Vantrix::PrintSettings::PrintSettings settings;
     DEVMODEW devmode = {};
     DWORD size = 0;
     const std::wstring folder = here.folder.file(L"out");
-    struct {
-        const wchar_t* record;
+    const struct {
+        std::wstring record;
         std::function<void()> call;
-    } const rows[] = {
+    } rows[] = {
         {L"resource_library_path", [] { (void)qk::resource_library_path(true); }},
         {L"load_string 19", [] { (void)qk::load_string(19); }},
         {L"ConvertDevmode", [&] { ConvertDevmode(&devmode, nullptr); }},
         {L"ConvertDevmodeOut", [&] { ConvertDevmodeOut(nullptr, nullptr, nullptr); }},
         {L"CommonDrvConvertDevmode", [&] { (void)CommonDrvConvertDevmode(nullptr, nullptr, &size, 1); }},
         {L"NSETCallBack", [] { NSETCallBack(nullptr); }},
-        {L"CleanJobTitle", [] { (void)CleanJobTitle(L""); }},
         {L"ForceDirectories", [&] { ForceDirectories(folder); }},
-        {folder.c_str(), [&] { ForceDirectories(folder); }},
-        {L"ResolveSettingFilePath", [] { (void)ResolveSettingFilePath(L"x"); }},
-        {L"ProbeSettingFile", [] { (void)ProbeSettingFile(L""); }},
+        {folder, [&] { ForceDirectories(folder); }},
         {L"GetAppDataPath", [] { (void)GetAppDataPath(false); }},
         {L"DiffStr", [&] { (void)settings.general().DiffStr(settings.general()); }},
         {L"Changed2Str", [&] { (void)Changed2Str(settings, settings); }},
         {L"Types2Str", [&] { (void)Types2Str(settings); }},
-        {L"pd_tk::TeskelCustom2021::IsActive", [&] { (void)calls.IsActive(); }},
-        {L"pd_tk::TeskelCustom2021::HasExe", [&] { (void)calls.HasExe(0); }},
-        {L"pd_tk::TeskelCustom2021::HasAnyExe", [&] { (void)calls.HasAnyExe(); }},
-        {L"pd_tk::TeskelCustom2021::GetOutputFolder", [&] { (void)calls.GetOutputFolder(); }},
         {L"err:RegOpenKeyExW 2 zr none", [] { (void)qk::registry::open(HKEY_CURRENT_USER, L"zr none"); }},
         {L"err:RegCreateKeyExW 5 zr none",
          [] {
-             const ImportPatch refused("RegCreateKeyExW", reinterpret_cast<void*>(+[]() -> LSTATUS {
-                                           return ERROR_ACCESS_DENIED;
-                                       }));
+             const ImportPatch refused("RegCreateKeyExW", always<LSTATUS{ERROR_ACCESS_DENIED}>());
              (void)qk::registry::create(HKEY_CURRENT_USER, L"zr none", KEY_READ);
          }},
         {L"err:SetSettingFileName 5",
          [] {
-             const ImportPatch refused(
-                 "RegSetValueExW", reinterpret_cast<void*>(+[]() -> LSTATUS { return ERROR_ACCESS_DENIED; }));
+             const ImportPatch refused("RegSetValueExW", always<LSTATUS{ERROR_ACCESS_DENIED}>());
              SetSettingFileName(L"x.ps4", L"printer");
          }},
     };

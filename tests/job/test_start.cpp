@@ -7,53 +7,100 @@
 #include "job/job_fixture.h"
 #include "support/guarded_buffer.h"
 #include "support/handle_count.h"
+#include "support/intercept.h"
 #include "support/trace_capture.h"
 
 namespace {
 
-void put_bytes(std::string& record, size_t offset, const void* bytes, size_t size) {
-    record.replace(offset, size, static_cast<const char*>(bytes), size);
-}
+using Record = dialog_library::WorkingRecord;
+
 void put_text(std::string& record, size_t offset, std::wstring_view text) {
-    put_bytes(record, offset, text.data(), text.size() * sizeof(wchar_t));
+    text = text.substr(0, 259);
+    record.replace(offset, text.size() * 2, reinterpret_cast<const char*>(text.data()), text.size() * 2);
 }
 void put_number(std::string& record, size_t offset, uint64_t number) {
-    put_bytes(record, offset, &number, 8);
+    record.replace(offset, 8, reinterpret_cast<const char*>(&number), 8);
 }
-
-using Record = dialog_library::WorkingRecord;
 
 }  // namespace
 
+TEST_F(JobTest, TracesTellEveryStepInOrder) {
+    use_settings();
+    here.write_external_calls("[DocEnd]\r\nApp=" + qk::to_utf8(here.folder.write(L"app.exe", "")) +
+                              "\r\n[Output]\r\nOutputFolder=C:\\start\\\r\n");
+    script->expects_start_folder = true;
+    const std::vector<std::wstring> start = {L">>5",
+                                             L"internal_DrvDocumentEvent",
+                                             L"DOCUMENTEVENT_STARTDOCPRE",
+                                             L"sd1",
+                                             L"LoadInstallDll",
+                                             L"call GetSettingFN@Tessalo",
+                                             L"sd2",
+                                             L"PrintSettingsAdmin::Load",
+                                             L"sd3",
+                                             L"SetPDFname",
+                                             L"Visio-x",
+                                             L"Visio-x.pdf",
+                                             L"CleanJobTitle",
+                                             L"jobname is ",
+                                             L"Visio-x",
+                                             L"pd_tk::TeskelCustom2021::IsActive",
+                                             L"pd_tk::TeskelCustom2021::HasAnyExe",
+                                             L"pd_tk::TeskelCustom2021::HasExe",
+                                             L"pd_tk::TeskelCustom2021::getExeName",
+                                             L"pd_tk::TeskelCustom2021::GetOutputFolder"};
+    const std::vector<std::wstring> confirmed = {L"ret=0", L"C.1", L"fdlg_GetMMFJobMode", L"no GetMMFJobMode",
+                                                 L"<<sd!"},
+                                    resumed = {L"ret=555", L"C.2...", L"resume"};
+    const std::vector<std::wstring> end = {L">>12",
+                                           L"internal_DrvDocumentEvent",
+                                           L"DOCUMENTEVENT_ENDDOCPOST",
+                                           L"FreeThreadProp",
+                                           L"pd_tk::TeskelCustom2021::remove_fn_from_mmf",
+                                           L"delete",
+                                           path,
+                                           L"ZRTKPrintInfo@end of document"};
+    for (const bool resumes : {false, true}) {
+        meddle = [&](Record& record) { record.hand_over = resumes; };
+        const TraceCapture trace;
+        EXPECT_EQ(start_job(L"Visio-x"), kGood);
+        EXPECT_EQ(end_job(), kGood);
+        std::vector<std::wstring> wanted = start;
+        for (const auto& steps :
+             {resumes ? resumed : confirmed, end, std::vector<std::wstring>(resumes, L"404")})
+            wanted.insert(wanted.end(), steps.begin(), steps.end());
+        size_t seen = 0;
+        for (const std::wstring& record : trace.records())
+            seen += seen < wanted.size() && record.ends_with(L"  " + wanted[seen] + L"\r\n");
+        EXPECT_EQ(seen, wanted.size()) << "no " << qk::to_utf8(wanted[std::min(seen, wanted.size() - 1)]);
+        for (const auto& absent : resumes ? confirmed : resumed)
+            EXPECT_FALSE(trace.holds(absent)) << qk::to_utf8(absent);
+        EXPECT_EQ(trace.holds(L"404"), resumes);
+    }
+}
+
 TEST_F(JobTest, StartRecordIsRightToTheByte) {
-    const std::wstring long_name(300, L'n');
     const std::wstring pair_at_the_cut = std::wstring(258, L'p') + L"\U0001F5A8";
-    struct {
+    const struct {
         const char* label;
-        std::wstring document, title;
-        std::wstring path, third;
-        How how;
-        uint8_t hand_over;
-        int result;
-        bool resumes;
-    } const rows[] = {
-        {"assigned", L"Report", L"Report", L"C:\\out\\Report.pdf", L"third text", How::kAssigned, 0, 0,
-         false},
-        {"by the library's address", L"Microsoft Word - a", L"a", L"C:\\out\\a longer path.pdf",
-         L"a longer text", How::kByOwnAddress, 0, 0, false},
-        {"in the field itself", L"Visio-", L"", L"a.pdf", L"1234567", How::kInTheField, 0, 0, false},
-        {"title as long as a field", L"1234567", L"1234567", L"b.pdf", L"", How::kInTheField, 0, 0, false},
-        {"title cut", long_name, long_name.substr(0, 259), L"C:\\c.pdf", L"", How::kAssigned, 0, 0, false},
-        {"pair at the cut", pair_at_the_cut, pair_at_the_cut.substr(0, 259), L"C:\\d.pdf", L"",
-         How::kAssigned, 0, 0, false},
-        {"path and third cut", L"x", L"x", std::wstring(400, L'p'), std::wstring(1000, L't'), How::kAssigned,
-         0, 0, false},
-        {"other result", L"x", L"x", L"C:\\e.pdf", L"3", How::kAssigned, 0, 1, true},
-        {"flag", L"x", L"x", L"", L"", How::kAssigned, 200, 0, true},
-        {"flag and negative result", L"x", L"x", L"C:\\f.pdf", L"", How::kAssigned, 1, -1, true},
+        std::wstring document, title, path, third;
+        How how = How::kAssigned;
+        uint8_t hand_over = 0;
+        int result = 0;
+    } rows[] = {
+        {"assigned", L"Report", L"Report", L"C:\\out\\Report.pdf", L"third text"},
+        {"by the library's address", L"Visio-a", L"a", L"C:\\out\\a longer path.pdf", L"a longer text",
+         How::kByOwnAddress},
+        {"in the field itself", L"Visio-", L"", L"a.pdf", L"1234567", How::kInTheField},
+        {"title as long as a field", L"1234567", L"1234567", L"b.pdf", L"", How::kInTheField},
+        {"all cut", pair_at_the_cut, pair_at_the_cut, std::wstring(400, L'p'), std::wstring(1000, L't')},
+        {"other result", L"x", L"x", L"C:\\e.pdf", L"3", How::kAssigned, 0, 1},
+        {"flag", L"x", L"x", L"", L"", How::kAssigned, 200},
+        {"flag and negative result", L"x", L"x", L"C:\\f.pdf", L"", How::kAssigned, 1, -1},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
+        const bool resumes = row.hand_over || row.result;
         path = row.path;
         third = row.third;
         how = row.how;
@@ -64,27 +111,21 @@ TEST_F(JobTest, StartRecordIsRightToTheByte) {
             record.second_value = 2;
             record.third_value = UINT64_MAX;
         };
-        const TraceCapture trace;
         ASSERT_EQ(start_job(row.document.c_str()), kGood);
         std::string expected(1608, '\0');
-        expected[0] = row.resumes ? 1 : 0;
+        expected[0] = resumes ? 1 : 0;
         put_text(expected, 2, row.title);
-        put_text(expected, 522, std::wstring_view(row.path).substr(0, 259));
-        put_text(expected, 1042, std::wstring_view(row.third).substr(0, 259));
+        put_text(expected, 522, row.path);
+        put_text(expected, 1042, row.third);
         put_number(expected, 1576, 0x1122334455667788);
         put_number(expected, 1584, 2);
         put_number(expected, 1600, UINT64_MAX);
         EXPECT_EQ(start_record_bytes(), expected);
-
         const ResultRecord record(block_name(kResultBlockName));
-        EXPECT_EQ(static_cast<bool>(record), !row.resumes);
+        EXPECT_EQ(static_cast<bool>(record), !resumes);
         if (record) {
             EXPECT_EQ(std::string(reinterpret_cast<const char*>(&*record), 104), std::string(104, '\0'));
         }
-        EXPECT_EQ(trace.holds(L"resume"), row.resumes);
-        EXPECT_EQ(trace.holds(L"C.1"), !row.resumes);
-        EXPECT_EQ(TraceCapture::records().back().find(L"  <<sd!") != std::wstring::npos, !row.resumes);
-        EXPECT_TRUE(trace.holds(row.hand_over ? L"ret=555" : qk::format(L"ret=%d", row.result)));
         EXPECT_EQ(end_job(), kGood);
     }
     EXPECT_FALSE(has_state());
@@ -164,10 +205,10 @@ TEST_F(JobTest, OverrideFileSetsTheFolderWhileItsVersionCounts) {
         folder = static_cast<const Settings*>(record.settings)->general()->OutputFolder;
     };
     use_settings([](Settings& settings) { settings.general()->OutputFolder = L"C:\\own\\"; });
-    struct {
+    const struct {
         const char *version, *lines;
         const wchar_t* folder;
-    } const rows[] = {
+    } rows[] = {
         {"2.0", "PDFFileName=C:\\a\\b\\c.pdf", L"C:\\a\\b\\"},
         {"3.0", "PDFFileName=C:\\c.pdf", L"C:\\"},
         {"2.99", "PDFFileName=c.pdf", L"C:\\own\\"},
@@ -186,51 +227,53 @@ TEST_F(JobTest, OverrideFileSetsTheFolderWhileItsVersionCounts) {
 }
 
 TEST_F(JobTest, ChosenFileIsCheckedUnlessTheJobModeForbids) {
-    here.folder.write(L"out\\report.pdf", "old");
     constexpr uint32_t kValid = ZRTK_COMMON_MMF::kJobModeValid;
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     constexpr Left kCancelled = {DOCUMENTEVENT_FAILURE, 2153};
-    struct {
+    const struct {
         const char* label;
-        bool has_block;
         uint32_t flags, mode;
-        Left when_locked, when_empty;
-    } const rows[] = {
-        {"no block", false, 0, 0, kCancelled, kCancelled},
-        {"mode 0", true, kValid, 0, kCancelled, kCancelled},
-        {"mode 1", true, kValid, 1, kCancelled, kCancelled},
-        {"mode 2", true, kValid | 3, 2, kGood, kGood},
-        {"mode 3", true, kValid, 3, kGood, kGood},
-        {"mode 4", true, kValid, 4, kCancelled, kCancelled},
-        {"mode 2, not valid", true, ~kValid, 2, kCancelled, kCancelled},
+        Left left;
+    } rows[] = {
+        {"no block", 0, 0, kCancelled},
+        {"mode 0", kValid, 0, kCancelled},
+        {"mode 1", kValid, 1, kCancelled},
+        {"mode 2", kValid | 3, 2, kGood},
+        {"mode 3", kValid, 3, kGood},
+        {"mode 4", kValid, 4, kCancelled},
+        {"mode 2, not valid", ~kValid, 2, kCancelled},
     };
-    const std::wstring chosen = path;
+    const std::wstring chosen = here.folder.write(L"out\\report.pdf", "old");
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
-        wchar_t user[100] = {};
-        DWORD units = 100;
-        GetUserNameW(user, &units);
         std::optional<OtherSide<ZRTK_COMMON_MMF>> block;
-        if (row.has_block) {
-            block.emplace(qk::format(kCommonBlockName, here.printer.name.c_str(), user), DWORD{4120});
+        if (row.flags) {
+            block.emplace(qk::format(kCommonBlockName, here.printer.name.c_str(), user_name().c_str()),
+                          DWORD{4120});
             (*block)->flags = row.flags;
             (*block)->job_mode = row.mode;
         }
+        const auto start = [&](const Left& wanted) {
+            EXPECT_EQ(start_job(L"x"), wanted);
+            EXPECT_EQ(has_state(), wanted == kGood);
+            end_job();
+        };
         path = chosen;
-        EXPECT_EQ(start_job(L"free"), kGood);
-        end_job();
+        start(kGood);
         {
             const TraceCapture trace;
-            const qk::FileObj lock(CreateFileW(chosen.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                               OPEN_EXISTING, 0, nullptr));
-            EXPECT_EQ(start_job(L"locked"), row.when_locked);
-            EXPECT_EQ(trace.holds(L"sd5.2"), row.when_locked == kCancelled);
-            EXPECT_EQ(has_state(), row.when_locked == kGood);
-            end_job();
+            const qk::FileObj reader(
+                CreateFileW(chosen.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+            const Intercept<decltype(CreateFileW)> open(
+                "CreateFileW", [&](auto* name, DWORD access, auto...) {
+                    EXPECT_TRUE(name != chosen || access == GENERIC_WRITE);
+                    return std::nullopt;
+                });
+            start(row.left);
+            EXPECT_EQ(trace.holds(L"sd5.2"), row.left == kCancelled);
         }
         path.clear();
-        EXPECT_EQ(start_job(L"cancelled"), row.when_empty);
-        EXPECT_EQ(has_state(), row.when_empty == kGood);
-        end_job();
+        start(row.left);
     }
     EXPECT_EQ(TempFolder::read(chosen), "old");
     EXPECT_TRUE(Outbox::boxes.empty());
@@ -240,11 +283,10 @@ TEST_F(JobTest, SecondStartReplacesTheFirstAndLeaksNothing) {
     start_job(L"warm");
     end_job();
     const unsigned handles = handle_count(), views = view_count();
-    for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(start_job(L"never ended"), kGood);
-    path = L"C:\\second.pdf";
-    EXPECT_EQ(start_job(L"second"), kGood);
-    EXPECT_STREQ(StartRecord(block_name(kStartBlockName))->title, L"second");
+    for (const wchar_t* title : {L"never ended", L"nor this", L"second"}) {
+        EXPECT_EQ(start_job(title), kGood);
+        EXPECT_STREQ(StartRecord(block_name(kStartBlockName))->title, title);
+    }
     EXPECT_EQ(end_job(), kGood);
     EXPECT_FALSE(has_state());
 
@@ -292,41 +334,38 @@ TEST_F(JobTest, BlocksWithoutMemoryBehindThemCountAsAbsent) {
                               "\r\n[Output]\r\nOutputFolder=C:\\\r\n");
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
-        const OtherSide<char> reserved(row.name, 200'000, SEC_RESERVE);
-        ASSERT_TRUE(reserved);
-        EXPECT_EQ(start_job(L"title"), row.left);
-        EXPECT_EQ(end_job(), kGood);
-    }
-    for (const auto& row : rows) {  // a file that is cut short once it is mapped
-        SCOPED_TRACE(row.label);
-        const qk::FileObj file(CreateFileW(here.folder.file(L"backing").c_str(), GENERIC_READ | GENERIC_WRITE,
-                                           0, nullptr, CREATE_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+        const auto run = [&](const OtherSide<char>& block) {
+            ASSERT_TRUE(block);
+            EXPECT_EQ(start_job(L"title"), row.left);
+            EXPECT_EQ(end_job(), kGood);
+        };
+        run(OtherSide<char>(row.name, 200'000, SEC_RESERVE));
+        // A file that is cut short once it is mapped: Windows refuses to, the system below Wine does not.
+        const std::wstring backing = here.folder.file(L"backing");
+        const qk::FileObj file(CreateFileW(backing.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                           CREATE_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
         const OtherSide<char> block(row.name, 200'000, SEC_COMMIT, file.get());
-        ASSERT_TRUE(block);
-        // Windows refuses to cut a file that is mapped; the system below Wine does not.
-        const std::vector<std::string> cut = {
-            "truncate", "-s", "0",
-            companions::wine::find_unix_path(here.folder.file(L"backing")).value_or("")};
+        const std::vector<std::string> cut = {"truncate", "-s", "0",
+                                              companions::wine::find_unix_path(backing).value_or("")};
         ASSERT_EQ(companions::wine::run_unix_program(cut), 0);
-        EXPECT_EQ(start_job(L"title"), row.left);
-        EXPECT_EQ(end_job(), kGood);
+        run(block);
     }
 }
 
 TEST_F(JobTest, LiesOfTheDialogLibraryAreReadAsFarAsTheyAreTrue) {
     static const GuardedBuffer four_units(8, L"abcd");
-    struct {
+    constexpr Left kCancelled = {DOCUMENTEVENT_FAILURE, 2153};
+    const struct {
         const char* label;
         void (*lie)(Record&);
         Left left;
-        const wchar_t* path;
-    } const rows[] = {
-        {"length above capacity", [](Record& record) { record.output_path.length = 5000; }, kGood, nullptr},
+        std::wstring path;
+    } rows[] = {
+        {"length above capacity", [](Record& record) { record.output_path.length = 5000; }, kGood, path},
         {"address nowhere",
-         [](Record& record) { record.output_path.address = reinterpret_cast<wchar_t*>(64); },
-         {DOCUMENTEVENT_FAILURE, 2153},
-         nullptr},
-        {"all zero", [](Record& record) { record.output_path = {}; }, {DOCUMENTEVENT_FAILURE, 2153}, nullptr},
+         [](Record& record) { record.output_path.address = reinterpret_cast<wchar_t*>(64); }, kCancelled,
+         L""},
+        {"all zero", [](Record& record) { record.output_path = {}; }, kCancelled, L""},
         {"past the end of its memory",
          [](Record& record) {
              record.output_path.address = four_units.as<wchar_t>();
@@ -335,15 +374,14 @@ TEST_F(JobTest, LiesOfTheDialogLibraryAreReadAsFarAsTheyAreTrue) {
          kGood, L"abcd"},
         {"third text nowhere",
          [](Record& record) { record.third_text.length = 99, record.third_text.address = nullptr; }, kGood,
-         nullptr},
+         path},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
         meddle = row.lie;
         EXPECT_EQ(start_job(L"x"), row.left);
         if (row.left == kGood) {
-            EXPECT_EQ(std::wstring(StartRecord(block_name(kStartBlockName))->output_path),
-                      row.path ? row.path : path);
+            EXPECT_EQ(StartRecord(block_name(kStartBlockName))->output_path, row.path);
         }
         end_job();
     }
