@@ -5,10 +5,9 @@ add_executable(zr_template_check
     template_check/keyboard.cpp
     template_check/known_pages.cpp
     template_check/layout.cpp
-    template_check/library.cpp
     template_check/main.cpp
     template_check/measure.cpp
     template_check/self_test.cpp)
-target_link_libraries(zr_template_check PRIVATE zr_options gdi32)
+target_link_libraries(zr_template_check PRIVATE zr_ui_core)
 target_link_options(zr_template_check PRIVATE -municode)
 set_target_properties(zr_template_check PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/checks)

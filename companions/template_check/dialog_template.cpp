@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include <cstdint>
 #include <cstring>
 #include <stdexcept>
 
@@ -9,64 +10,61 @@ namespace template_check {
 
 namespace {
 
-struct Truncated : std::runtime_error {
-    Truncated() : std::runtime_error("the template ends too early") {}
-};
-
-// Takes one value after another from a resource; throws Truncated at its end.
+// Takes one value after another from a resource; throws at its end.
 class Reader {
 public:
     explicit Reader(std::span<const std::byte> bytes) : bytes_(bytes) {}
 
-    template <class Value>
-    Value take() {
-        if (bytes_.size() - at_ < sizeof(Value))
-            throw Truncated();
-        Value value;
-        std::memcpy(&value, bytes_.data() + at_, sizeof(value));
-        at_ += sizeof(value);
-        return value;
-    }
-
-    std::wstring take_text() {
-        std::wstring text;
-        while (const auto unit = take<uint16_t>())
-            text.push_back(static_cast<wchar_t>(unit));
-        return text;
-    }
-
-    // A text, or 0xFFFF and a number.
-    std::wstring take_text_or_number(unsigned& number) {
-        number = 0;
-        const size_t start = at_;
-        if (take<uint16_t>() == 0xFFFF) {
-            number = take<uint16_t>();
-            return {};
-        }
-        at_ = start;
-        return take_text();
-    }
-
     void skip(size_t count) {
         if (bytes_.size() - at_ < count)
-            throw Truncated();
+            throw std::runtime_error("the template ends too early");
         at_ += count;
     }
 
     // Each control starts at a multiple of four.
     void align() { skip((4 - at_ % 4) % 4); }
 
+    template <class Value>
+    Value take() {
+        Value value;
+        skip(sizeof(value));
+        std::memcpy(&value, bytes_.data() + at_ - sizeof(value), sizeof(value));
+        return value;
+    }
+
+    // A text, or 0xFFFF and a number in its place.
+    std::wstring take_text(unsigned* number = nullptr) {
+        std::wstring text;
+        auto unit = take<uint16_t>();
+        if (unit == 0xFFFF) {
+            const unsigned found = take<uint16_t>();
+            if (number)
+                *number = found;
+            return text;
+        }
+        for (; unit; unit = take<uint16_t>())
+            text.push_back(static_cast<wchar_t>(unit));
+        return text;
+    }
+
 private:
     std::span<const std::byte> bytes_;
     size_t at_ = 0;
 };
 
+constexpr struct {
+    unsigned number;
+    const wchar_t* name;
+    Kind kind;
+} kClasses[] = {{0x80, WC_BUTTONW, Kind::kButton},      {0x81, WC_EDITW, Kind::kEdit},
+                {0x82, WC_STATICW, Kind::kStatic},      {0x83, WC_LISTBOXW, Kind::kList},
+                {0x85, WC_COMBOBOXW, Kind::kCombo},     {0xFFFF, WC_LISTVIEWW, Kind::kList},
+                {0xFFFF, WC_COMBOBOXEXW, Kind::kCombo}, {0xFFFF, UPDOWN_CLASSW, Kind::kSpin}};
+
 Kind kind_of_button(DWORD style) {
     switch (style & BS_TYPEMASK) {
         case BS_CHECKBOX:
         case BS_AUTOCHECKBOX:
-        case BS_3STATE:
-        case BS_AUTO3STATE:
             return Kind::kCheck;
         case BS_RADIOBUTTON:
         case BS_AUTORADIOBUTTON:
@@ -78,34 +76,20 @@ Kind kind_of_button(DWORD style) {
     }
 }
 
-Kind kind_of_static(DWORD style) {
-    switch (style & SS_TYPEMASK) {
-        case SS_LEFT:
-        case SS_CENTER:
-        case SS_RIGHT:
-        case SS_SIMPLE:
-        case SS_LEFTNOWORDWRAP:
-            return Kind::kStatic;
-        default:
-            return Kind::kPicture;
-    }
+bool shows_text(DWORD style) {
+    const DWORD type = style & SS_TYPEMASK;
+    return type <= SS_RIGHT || type == SS_SIMPLE || type == SS_LEFTNOWORDWRAP;
 }
 
-Kind kind_of(unsigned atom, const std::wstring& name, DWORD style) {
-    const auto is = [&](unsigned number, const wchar_t* text) {
-        return atom == number || (atom == 0 && lstrcmpiW(name.c_str(), text) == 0);
-    };
-    if (is(0x80, WC_BUTTONW))
-        return kind_of_button(style);
-    if (is(0x81, WC_EDITW))
-        return Kind::kEdit;
-    if (is(0x82, WC_STATICW))
-        return kind_of_static(style);
-    if (is(0x83, WC_LISTBOXW) || is(0xFFFF, WC_LISTVIEWW))
-        return Kind::kList;
-    if (is(0x85, WC_COMBOBOXW) || is(0xFFFF, WC_COMBOBOXEXW))
-        return Kind::kCombo;
-    return is(0xFFFF, UPDOWN_CLASSW) ? Kind::kSpin : Kind::kOther;
+Kind kind_of(unsigned number, const std::wstring& name, DWORD style) {
+    for (const auto& known : kClasses) {
+        if (number != known.number && lstrcmpiW(name.c_str(), known.name) != 0)
+            continue;
+        if (known.kind == Kind::kButton)
+            return kind_of_button(style);
+        return known.kind == Kind::kStatic && !shows_text(style) ? Kind::kPicture : known.kind;
+    }
+    return Kind::kOther;
 }
 
 Control take_control(Reader& reader) {
@@ -118,10 +102,10 @@ Control take_control(Reader& reader) {
     control.box.right = control.box.left + reader.take<int16_t>();
     control.box.bottom = control.box.top + reader.take<int16_t>();
     control.id = reader.take<DWORD>();
-    unsigned atom = 0;
-    const std::wstring name = reader.take_text_or_number(atom);
-    control.kind = kind_of(atom, name, control.style);
-    control.text = reader.take_text_or_number(atom);
+    unsigned number = 0;
+    const std::wstring name = reader.take_text(&number);
+    control.kind = kind_of(number, name, control.style);
+    control.text = reader.take_text();
     reader.skip(reader.take<uint16_t>());  // creation data
     return control;
 }
@@ -137,15 +121,11 @@ DialogTemplate take_template(Reader& reader) {
     reader.skip(2 * sizeof(int16_t));  // its place
     result.width = reader.take<int16_t>();
     result.height = reader.take<int16_t>();
-    unsigned number = 0;
-    (void)reader.take_text_or_number(number);  // menu
-    (void)reader.take_text_or_number(number);  // class
-    result.title = reader.take_text();
-    result.font.points = reader.take<uint16_t>();
-    result.font.weight = reader.take<uint16_t>();
-    result.font.italic = reader.take<uint8_t>() != 0;
-    reader.skip(1);  // character set
-    result.font.face = reader.take_text();
+    for (int i = 0; i < 3; ++i)
+        (void)reader.take_text();  // menu, class, title
+    result.points = reader.take<uint16_t>();
+    reader.skip(sizeof(WORD) + 2);  // weight, slant and character set: Windows' own for these faces
+    result.face = reader.take_text();
     for (unsigned i = 0; i < count; ++i)
         result.controls.push_back(take_control(reader));
     return result;
@@ -160,24 +140,6 @@ std::optional<DialogTemplate> find_template(std::span<const std::byte> bytes) {
     } catch (const std::runtime_error&) {
         return std::nullopt;
     }
-}
-
-bool takes_focus(Kind kind) noexcept {
-    switch (kind) {
-        case Kind::kButton:
-        case Kind::kCheck:
-        case Kind::kRadio:
-        case Kind::kEdit:
-        case Kind::kCombo:
-        case Kind::kList:
-            return true;
-        default:
-            return false;
-    }
-}
-
-bool needs_label(Kind kind) noexcept {
-    return kind == Kind::kEdit || kind == Kind::kCombo || kind == Kind::kList;
 }
 
 wchar_t mnemonic_of(const std::wstring& text) noexcept {

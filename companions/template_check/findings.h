@@ -14,23 +14,19 @@ public:
     // What is reported from now on belongs to that library, and to that template unless its number is 0.
     void set_place(const std::wstring& library, unsigned template_id);
 
-    void add(const std::wstring& what);
-    // The same finding at several resolutions becomes one line, with the largest shortage in dialog units.
-    void add_at(int dpi, const std::wstring& what, int shortage);
+    // The same finding at several resolutions becomes one line, with the largest shortage in dialog units;
+    // `dpi` and `shortage` are 0 where nothing is measured.
+    void add(const std::wstring& what, int dpi = 0, int shortage = 0);
 
-    [[nodiscard]] size_t count() const noexcept { return entries_.size(); }
-    [[nodiscard]] bool mentions(const std::wstring& text) const;
     // One line per finding, in the order of their discovery.
     [[nodiscard]] std::vector<std::wstring> lines() const;
 
 private:
     struct Entry {
-        std::wstring place;
-        std::wstring what;
-        std::set<int> resolutions;  // empty: whatever the resolution
-        int shortage = 0;           // in dialog units; 0 where nothing is measured
+        std::wstring what;  // with its place
+        std::set<int> resolutions;
+        int shortage = 0;
     };
-    Entry& entry(const std::wstring& what);
 
     std::wstring place_;
     std::vector<Entry> entries_;

@@ -1,4 +1,4 @@
-#include "companions/template_check/keyboard.h"
+#include "companions/template_check/checks.h"
 
 #include <algorithm>
 
@@ -73,17 +73,12 @@ private:
                 findings_.add(name(i) + L" has the mnemonic of " + name(j));
     }
 
-    [[nodiscard]] bool is_named_later(unsigned control) const noexcept {
-        const Strings strings = strings_of(id_, control);
-        return strings.first <= strings.last;
-    }
-
     void check_label(size_t i) {
         const Control& control = controls_[i];
         if (!needs_label(control.kind))
             return;
         const bool has_label = i > 0 && controls_[i - 1].kind == Kind::kStatic;
-        if (has_label && is_named_later(controls_[i - 1].id))
+        if (has_label && strings_of(id_, controls_[i - 1].id).last)
             return;  // the texts of the property-sheet service's items have no mnemonics
         if (!has_label || !mnemonic_of(controls_[i - 1].text))
             return findings_.add(name(i) + L" has no label with a mnemonic directly before it");

@@ -1,29 +1,31 @@
 #include "companions/template_check/known_pages.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
+#include <stdexcept>
 
+#include "print_settings/field_tables.h"
 #include "resources/ids.h"
 
 namespace template_check {
 
 namespace {
 
-constexpr std::array<unsigned, 9> kEditPages{IDD_GENERAL,   IDD_PDF_VERSION, IDD_COLOR,
-                                             IDD_COMPRESS,  IDD_FONT,        IDD_SECURITIES,
-                                             IDD_WATERMARK, IDD_OPEN_ACTION, IDD_INFO};
+namespace ps = Corvanta::Vantrix::PrintSettings;
 
-// A control of the one range is never shown together with a control of the other.
-struct Alternatives {
-    unsigned template_id;
-    unsigned first_from, first_to;
-    unsigned second_from, second_to;
-};
+constexpr unsigned kEditPages[] = {IDD_GENERAL, IDD_PDF_VERSION, IDD_COLOR,     IDD_COMPRESS,   IDD_FONT,
+                                   IDD_INFO,    IDD_SECURITIES,  IDD_WATERMARK, IDD_OPEN_ACTION};
 
-constexpr Alternatives kAlternatives[] = {
-    // The permissions of the low and of the high encryption level.
-    {IDD_SECURITIES, IDC_SEC_NO_PRINT, IDC_SEC_NO_ANNOTATE, IDC_SEC_COPY, IDC_SEC_PRINT},
-};
+// The names of the codes of one of the section's fields, from the first on.
+template <class Section>
+consteval Strings values(UINT first) {
+    Strings found;
+    ps::for_each_field<Section>([&](const ps::FieldInfo& field) {
+        if (field.first_value == first)
+            found = {first, first + field.value_count - 1};
+    });
+    return found.last ? found : throw std::logic_error("no field has these values");
+}
 
 struct Shown {
     unsigned template_id;
@@ -34,47 +36,46 @@ struct Shown {
 constexpr Shown kShown[] = {
     {IDD_OPTIONS, IDC_OPTION_TITLE, {IDS_SETTING_IN_FORCE, IDS_MODULE_VERSION}},
     {IDD_GENERAL, IDC_SAVE_STYLE, {IDS_SAVE_STYLE_ASK, IDS_SAVE_STYLE_FOLDER}},
-    {IDD_PDF_VERSION, IDC_PV_VERSION, {IDS_PS_VERSION_0, IDS_PS_VERSION_12}},
+    {IDD_PDF_VERSION, IDC_PV_VERSION, values<ps::PDFVersion_impl>(IDS_PS_VERSION_0)},
     {IDD_PDF_VERSION, IDC_PV_NOTE, {IDS_PV_NOTE_LOW, IDS_PV_NOTE_NEWEST}},
-    {IDD_COLOR, IDC_GRAY_METHOD, {IDS_GRAY_METHOD_0, IDS_GRAY_METHOD_2}},
-    {IDD_COLOR, IDC_MONO_METHOD, {IDS_MONO_METHOD_0, IDS_MONO_METHOD_1}},
-    {IDD_COLOR, IDC_MONO_FILTER, {IDS_MONO_FILTER_0, IDS_MONO_FILTER_4}},
-    {IDD_COMPRESS, IDC_CMP_COLOUR + CMP_METHOD, {IDS_CMP_METHOD_0, IDS_CMP_METHOD_4}},
-    {IDD_COMPRESS, IDC_CMP_COLOUR + CMP_SAMPLING, {IDS_CMP_SAMPLING_0, IDS_CMP_SAMPLING_3}},
-    {IDD_COMPRESS, IDC_CMP_MONO + CMP_METHOD, {IDS_CMP_MONO_METHOD_0, IDS_CMP_MONO_METHOD_4}},
+    {IDD_COLOR, IDC_GRAY_METHOD, values<ps::Color_impl>(IDS_GRAY_METHOD_0)},
+    {IDD_COLOR, IDC_MONO_METHOD, values<ps::Color_impl>(IDS_MONO_METHOD_0)},
+    {IDD_COLOR, IDC_MONO_FILTER, values<ps::Color_impl>(IDS_MONO_FILTER_0)},
+    {IDD_COMPRESS, IDC_CMP_COLOUR + CMP_METHOD, values<ps::ColorImage_impl>(IDS_CMP_METHOD_0)},
+    {IDD_COMPRESS, IDC_CMP_COLOUR + CMP_SAMPLING, values<ps::ColorImage_impl>(IDS_CMP_SAMPLING_0)},
+    {IDD_COMPRESS, IDC_CMP_MONO + CMP_METHOD, values<ps::MonoImage_impl>(IDS_CMP_MONO_METHOD_0)},
     {IDD_COMPRESS, IDC_CMP_NOTE, {IDS_CMP_NOTE_COLOUR, IDS_CMP_NOTE_MONO}},
-    {IDD_FONT, IDC_FONT_FAILED, {IDS_FONT_FAILED_0, IDS_FONT_FAILED_1}},
+    {IDD_FONT, IDC_FONT_FAILED, values<ps::Font_impl>(IDS_FONT_FAILED_0)},
     {IDD_FONT, IDC_FONT_NOTE, {IDS_FONT_HINT, IDS_FONT_NONE_LISTED}},
-    {IDD_SECURITIES, IDC_SEC_EDIT, {IDS_SEC_EDIT_0, IDS_SEC_EDIT_5}},
-    {IDD_SECURITIES, IDC_SEC_PRINT, {IDS_SEC_PRINT_0, IDS_SEC_PRINT_2}},
+    {IDD_SECURITIES, IDC_SEC_EDIT, values<ps::Security_impl>(IDS_SEC_EDIT_0)},
+    {IDD_SECURITIES, IDC_SEC_PRINT, values<ps::Security_impl>(IDS_SEC_PRINT_0)},
     {IDD_SECURITIES, IDC_SEC_NOTE, {IDS_SEC_NOTE_LOW, IDS_SEC_NOTE_NONE}},
-    {IDD_WATERMARK, IDC_MARK_ORDER, {IDS_MARK_ORDER_0, IDS_MARK_ORDER_1}},
-    {IDD_WATERMARK, IDC_MARK_VERTICAL, {IDS_MARK_VERTICAL_0, IDS_MARK_VERTICAL_2}},
-    {IDD_WATERMARK, IDC_MARK_HORIZONTAL, {IDS_MARK_HORIZONTAL_0, IDS_MARK_HORIZONTAL_2}},
-    {IDD_OPEN_ACTION, IDC_OPEN_LAYOUT, {IDS_OPEN_LAYOUT_0, IDS_OPEN_LAYOUT_4}},
-    {IDD_OPEN_ACTION, IDC_OPEN_BINDING, {IDS_OPEN_BINDING_0, IDS_OPEN_BINDING_2}},
-    {IDD_OPEN_ACTION, IDC_OPEN_ADJUST, {IDS_OPEN_ADJUST_0, IDS_OPEN_ADJUST_4}},
-    {IDD_OPEN_ACTION, IDC_OPEN_MODE, {IDS_OPEN_MODE_0, IDS_OPEN_MODE_3}},
+    {IDD_WATERMARK, IDC_MARK_ORDER, values<ps::Watermark_impl>(IDS_MARK_ORDER_0)},
+    {IDD_WATERMARK, IDC_MARK_VERTICAL, values<ps::Watermark_impl>(IDS_MARK_VERTICAL_0)},
+    {IDD_WATERMARK, IDC_MARK_HORIZONTAL, values<ps::Watermark_impl>(IDS_MARK_HORIZONTAL_0)},
+    {IDD_OPEN_ACTION, IDC_OPEN_LAYOUT, values<ps::OpenAction_impl>(IDS_OPEN_LAYOUT_0)},
+    {IDD_OPEN_ACTION, IDC_OPEN_BINDING, values<ps::OpenAction_impl>(IDS_OPEN_BINDING_0)},
+    {IDD_OPEN_ACTION, IDC_OPEN_ADJUST, values<ps::OpenAction_impl>(IDS_OPEN_ADJUST_0)},
+    {IDD_OPEN_ACTION, IDC_OPEN_MODE, values<ps::OpenAction_impl>(IDS_OPEN_MODE_0)},
 };
 
 bool within(unsigned id, unsigned from, unsigned to) {
     return id >= from && id <= to;
 }
 
+// The permissions of the low and of the high encryption level.
+bool are_two_levels(unsigned low, unsigned high) {
+    return within(low, IDC_SEC_NO_PRINT, IDC_SEC_NO_ANNOTATE) && within(high, IDC_SEC_COPY, IDC_SEC_PRINT);
+}
+
 }  // namespace
 
 bool is_edit_page(unsigned template_id) noexcept {
-    return std::find(kEditPages.begin(), kEditPages.end(), template_id) != kEditPages.end();
+    return std::find(std::begin(kEditPages), std::end(kEditPages), template_id) != std::end(kEditPages);
 }
 
 bool are_alternatives(unsigned template_id, unsigned first, unsigned second) noexcept {
-    return std::any_of(std::begin(kAlternatives), std::end(kAlternatives), [=](const Alternatives& pair) {
-        const auto apart = [&](unsigned one, unsigned other) {
-            return within(one, pair.first_from, pair.first_to) &&
-                   within(other, pair.second_from, pair.second_to);
-        };
-        return pair.template_id == template_id && (apart(first, second) || apart(second, first));
-    });
+    return template_id == IDD_SECURITIES && (are_two_levels(first, second) || are_two_levels(second, first));
 }
 
 Strings strings_of(unsigned template_id, unsigned control) noexcept {

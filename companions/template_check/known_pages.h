@@ -13,8 +13,7 @@ namespace template_check {
 // Whether two controls of a template stand for each other and are never shown together.
 [[nodiscard]] bool are_alternatives(unsigned template_id, unsigned first, unsigned second) noexcept;
 
-// Numbers of strings that a page puts into a control when it is shown; `first` is above `last` when there are
-// none.
+// Numbers of strings that a page puts into a control when it is shown; `last` is 0 when there are none.
 struct Strings {
     unsigned first = 1;
     unsigned last = 0;

@@ -1,4 +1,4 @@
-#include "companions/template_check/layout.h"
+#include "companions/template_check/checks.h"
 
 #include <algorithm>
 
@@ -61,7 +61,7 @@ private:
         }
     }
 
-    void report(const std::wstring& what, int units) { findings_.add_at(measure_.dpi(), what, units); }
+    void report(const std::wstring& what, int units) { findings_.add(what, measure_.dpi(), units); }
 
     // How far a box leaves another one that is smaller on each side by so many dialog units, or 0.
     int outside(const Box& inner, const Box& outer, int side, int top, int bottom) const {

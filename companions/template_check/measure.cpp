@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <stdexcept>
 #include <string_view>
 
@@ -14,25 +13,12 @@ constexpr std::wstring_view kLetters = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklm
 // A line does not start with these.
 constexpr std::wstring_view kNeverFirst = L"、。，．・：；？！ー）］｝」』】〉》〕”’,.:;?!)]}%";
 
-qk::Font make_font(const FontOfTemplate& font, int dpi) {
+qk::Font make_font(const DialogTemplate& page, int dpi) {
     LOGFONTW wanted{};
-    wanted.lfHeight = -MulDiv(font.points, dpi, 72);
-    wanted.lfWeight = font.weight;
-    wanted.lfItalic = font.italic;
+    wanted.lfHeight = -MulDiv(page.points, dpi, 72);
     wanted.lfCharSet = DEFAULT_CHARSET;
-    font.face.copy(wanted.lfFaceName, LF_FACESIZE - 1);
+    page.face.copy(wanted.lfFaceName, LF_FACESIZE - 1);
     return qk::Font(CreateFontIndirectW(&wanted));
-}
-
-// GetTextFace would tell the name that was asked for, although another font stands in for it.
-std::wstring chosen_face(HDC context) {
-    std::vector<std::byte> bytes(GetOutlineTextMetricsW(context, 0, nullptr));
-    auto* metrics = reinterpret_cast<OUTLINETEXTMETRICW*>(bytes.data());
-    if (bytes.size() < sizeof(*metrics) ||
-        !GetOutlineTextMetricsW(context, static_cast<UINT>(bytes.size()), metrics))
-        return L"a bitmap font";
-    return reinterpret_cast<const wchar_t*>(bytes.data() +
-                                            reinterpret_cast<uintptr_t>(metrics->otmpFamilyName));
 }
 
 bool is_far_eastern(wchar_t unit) {
@@ -49,14 +35,13 @@ bool may_break(wchar_t before, wchar_t after) {
 
 }  // namespace
 
-Measure::Measure(const FontOfTemplate& font, int dpi)
-    : dpi_(dpi), font_(make_font(font, dpi)), context_(CreateCompatibleDC(nullptr)) {
+Measure::Measure(const DialogTemplate& page, int dpi)
+    : dpi_(dpi), font_(make_font(page, dpi)), context_(CreateCompatibleDC(nullptr)) {
     if (!font_ || !context_)
         throw std::runtime_error("there is no device context or font to measure texts with");
     SelectObject(context_.get(), font_.get());
     TEXTMETRICW metrics{};
     GetTextMetricsW(context_.get(), &metrics);
-    face_ = chosen_face(context_.get());
     base_width_ = (width_of(std::wstring(kLetters)) / 26 + 1) / 2;
     base_height_ = metrics.tmHeight;
     if (base_width_ <= 0 || base_height_ <= 0)

@@ -14,13 +14,10 @@ namespace template_check {
 class Measure {
 public:
     // Throws std::runtime_error when the font cannot be made.
-    Measure(const FontOfTemplate& font, int dpi);
+    Measure(const DialogTemplate& page, int dpi);
 
     [[nodiscard]] int dpi() const noexcept { return dpi_; }
     [[nodiscard]] int line_height() const noexcept { return base_height_; }
-    [[nodiscard]] int base_width() const noexcept { return base_width_; }
-    // The face that the system has chosen.
-    [[nodiscard]] const std::wstring& face() const noexcept { return face_; }
 
     // A box of a template as the dialog manager places it.
     [[nodiscard]] Box pixels(const Box& units) const noexcept;
@@ -41,7 +38,6 @@ private:
     int dpi_;
     qk::Font font_;
     qk::DeviceContext context_;
-    std::wstring face_;
     int base_width_ = 0;
     int base_height_ = 0;
 };

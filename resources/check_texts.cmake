@@ -1,0 +1,38 @@
+# Run by the build: each language has one text for each id, and no two ids are one number. The resource compiler lets
+# both pass. IDS: the headers that define the ids; TEXTS: the files of the languages.
+cmake_minimum_required(VERSION 3.25)
+
+function(complain_of_twins what)  # complain_of_twins WHAT ITEM...
+    set(seen)
+    foreach(item IN LISTS ARGN)
+        if(item IN_LIST seen)
+            message(SEND_ERROR "${what} ${item} twice")
+        endif()
+        list(APPEND seen ${item})
+    endforeach()
+endfunction()
+
+set(ids)
+set(numbers)
+foreach(header IN LISTS IDS)
+    file(STRINGS ${header} lines REGEX "^#define IDS_")
+    foreach(line IN LISTS lines)
+        string(REGEX MATCH "(IDS_[A-Z0-9_]+) +([0-9]+)" line "${line}")
+        list(APPEND ids ${CMAKE_MATCH_1})
+        list(APPEND numbers ${CMAKE_MATCH_2})
+    endforeach()
+endforeach()
+complain_of_twins("the ids have" ${ids})
+complain_of_twins("the ids have the number" ${numbers})
+
+foreach(language IN LISTS TEXTS)
+    file(READ ${language} text)
+    string(REGEX MATCHALL "\n *IDS_[A-Z0-9_]+" rows "${text}")
+    list(TRANSFORM rows STRIP)
+    complain_of_twins("${language} has" ${rows})
+    set(missing ${ids})
+    list(REMOVE_ITEM missing ${rows})
+    foreach(id IN LISTS missing)
+        message(SEND_ERROR "${language} has no text for ${id}")
+    endforeach()
+endforeach()
