@@ -1,0 +1,140 @@
+// Shared blocks, memory that may go, what a thread keeps, texts in records.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+#include <tuple>
+#include <utility>
+
+#include "common/qk/MMF.h"
+#include "common/job_records.h"
+#include "common/qk/memory_probe.h"
+#include "common/qk/text.h"
+#include "support/guarded_buffer.h"
+#include "support/handle_count.h"
+#include "support/import_patch.h"
+#include "support/trace_capture.h"
+
+TEST(SharedBlocks, OnlyNewOnesAreZeroed) {
+    const std::wstring name = L"zr_test_block_" + std::to_wstring(GetCurrentProcessId());
+    const TraceCapture trace(0);
+    qk::MMF<ZRTKPrintInfo> none;
+    none.open(name);
+    EXPECT_EQ(none.view(), nullptr);
+    const unsigned handles = handle_count(), views = view_count();
+    {
+        const qk::MMF<ZRTKPrintInfo> first(name);
+        qk::MMF<ZRTKPrintInfo> second;
+        ASSERT_TRUE(first.view() && first.created());
+        EXPECT_EQ(std::exchange(first.view()->error_code, 7u), 0u);
+        for (int round = 0; round < 2; ++round) {  // the block stays as long as somebody holds it
+            second.init(name);
+            EXPECT_FALSE(second.created());
+            EXPECT_EQ(second.view()->error_code, 7u);
+        }
+    }
+    EXPECT_EQ(qk::MMF<ZRTKPrintInfo>(name).view()->error_code, 0u);
+    const qk::HandleObj event(CreateEventW(nullptr, FALSE, FALSE, (name + L"e").c_str()));
+    const qk::HandleObj small(
+        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str()));
+    const qk::MMF<ZRTK_COMMON_MMF> large(name), taken(name + L"e");  // 4,120 bytes do not fit
+    EXPECT_FALSE(large.view() || large.created() || taken.view() || taken.created());
+    EXPECT_TRUE(trace.holds(L"failed to create mmf. gle=6") && trace.holds(L"no mmf"));
+    EXPECT_EQ(handle_count(), handles + 2);
+    EXPECT_EQ(view_count(), views);
+}
+
+TEST(MemoryProbe, EndsWhereTheMemoryEnds) {
+    GuardedBuffer buffer(8192, std::string(8192, 'x').data());
+    std::byte *const end = buffer.as<>() + 8192, bytes[8192];
+    const struct {
+        size_t from_end, size;
+        bool there;
+    } rows[] = {{5000, 5000, true}, {5000, 5001, false}, {0, 1, false}, {1, SIZE_MAX, false}};
+    for (const auto& [from_end, size, there] : rows) {
+        EXPECT_EQ(qk::is_readable(end - from_end, size), there) << from_end;
+        EXPECT_EQ(qk::is_writable(end - from_end, size), there) << from_end;
+        EXPECT_EQ(qk::try_copy(bytes, end - from_end, std::min(size, sizeof bytes)), there) << from_end;
+    }
+    EXPECT_FALSE(qk::is_readable(nullptr, 1));
+    const auto* text = reinterpret_cast<const wchar_t*>(end - 6000);
+    EXPECT_EQ(qk::text_at(text).size(), 3000u);
+    EXPECT_EQ(qk::text_at(text, 10).size(), 10u);
+    EXPECT_EQ(qk::text_at(nullptr), L"");
+    buffer.make_read_only();
+    EXPECT_TRUE(qk::is_readable(end - 8, 8) && !qk::is_writable(end - 8, 8));
+    DWORD before = 0;
+    VirtualProtect(end - 4096, 4096, PAGE_READWRITE | PAGE_GUARD, &before);  // as the end of a stack is
+    EXPECT_FALSE(qk::is_readable(end - 8, 8) || qk::is_writable(end - 8, 8));
+    VirtualProtect(end - 4096, 4096, PAGE_READWRITE, &before);
+    EXPECT_EQ(before, DWORD{PAGE_READWRITE | PAGE_GUARD}) << "a look has used it up";
+}
+
+TEST(MemoryProbe, MemoryThatGoesWhileItIsReadIsNoFault) {
+    static std::byte bytes[4096];
+    static std::atomic<int> rounds;
+    auto* page = static_cast<std::byte*>(VirtualAlloc(nullptr, sizeof bytes, MEM_RESERVE, PAGE_READWRITE));
+    const auto come_and_go = [](void* memory) -> DWORD {
+        for (; rounds < 20'000; ++rounds) {
+            VirtualAlloc(memory, sizeof bytes, MEM_COMMIT, PAGE_READWRITE);
+            VirtualFree(memory, sizeof bytes, MEM_DECOMMIT);
+        }
+        return 0;
+    };
+    const qk::HandleObj thread(CreateThread(nullptr, 0, come_and_go, page, 0, nullptr));
+    while (rounds < 20'000) {
+        (void)qk::try_copy(bytes, page, sizeof bytes);
+        (void)qk::try_copy(page, bytes, sizeof bytes);
+    }
+    WaitForSingleObject(thread.get(), INFINITE);
+    VirtualFree(page, 0, MEM_RELEASE);
+}
+
+// The run-time library keeps a record of each thread's exceptions, made at the first of them.
+TEST(ThreadStorage, FirstExceptionOfAThreadNeedsNoMemory) {
+    static std::atomic<int> caught;
+    const auto throw_and_catch = [](void*) -> DWORD {
+        thread_local int count = 40;
+        try {
+            throw std::runtime_error("no memory");
+        } catch (const std::exception&) {
+            count += 2;
+        }
+        SetLastError(77);
+        count += 0;
+        caught += count == 42 && GetLastError() == 77 ? 1 : 0;
+        return 0;
+    };
+    for (int round = 0; round < 20; ++round) {  // the reserve comes back with each thread that ends
+        const ImportPatch heap(
+            "HeapAlloc", reinterpret_cast<void*>(+[](HANDLE, DWORD, SIZE_T) -> void* { return nullptr; }));
+        HANDLE threads[10];
+        for (HANDLE& thread : threads)
+            thread = CreateThread(nullptr, 0, throw_and_catch, nullptr, 0, nullptr);
+        WaitForMultipleObjects(10, threads, TRUE, INFINITE);
+        for (const HANDLE thread : threads)
+            CloseHandle(thread);
+    }
+    EXPECT_EQ(caught, 200);
+}
+
+TEST(Texts, CopiesAreTerminatedAndPaddedAndKeepPairsWhole) {
+    const std::tuple<std::wstring, size_t, std::wstring> rows[] = {{L"abc", 1, L""},
+                                                                   {L"abc", 4, L"abc"},
+                                                                   {L"a\U0001F5A8", 3, L"a"},
+                                                                   {L"a\U0001F5A8", 4, L"a\U0001F5A8"},
+                                                                   {L"a", 6, L"a"}};
+    for (const auto& [text, capacity, kept] : rows) {
+        const GuardedBuffer buffer(capacity * sizeof(wchar_t), std::wstring(capacity, L'#').data());
+        qk::copy_zero_padded(buffer.as<wchar_t>(), capacity, text);
+        EXPECT_EQ(std::wstring(buffer.as<wchar_t>(), capacity),
+                  kept + std::wstring(capacity - kept.size(), L'\0'));
+    }
+    const std::pair<const wchar_t*, std::optional<double>> numbers[] = {
+        {L" \t3", 3}, {L"2,5", 2}, {L"2.5x", 2.5}, {L"", {}}, {L"nan", {}}, {L"1e999", {}}, {L"-0.5e1", -5}};
+    for (const auto& [text, number] : numbers)
+        EXPECT_EQ(qk::find_number(text), number) << qk::to_utf8(text);
+}
