@@ -32,6 +32,8 @@ bool attach_process(HINSTANCE instance) {
     qk::trace::read_level();
     TRACE("ui:attach");
     if (!qk::load_resource_library()) {
+        const DWORD error = GetLastError();
+        TRACE_F(L"gle=%d", static_cast<int>(error));
         OutputDebugStringA("ZRTK Error:no resource dll.");
         qk::finalize_resource_library(false);  // a copy that could not be loaded is not left behind
         return false;

@@ -99,7 +99,6 @@ bool load_resource_library() {
         module = LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
         const DWORD error = GetLastError();
         if (!module || module == INVALID_HANDLE_VALUE) {
-            TRACE_F(L"gle=%d", static_cast<int>(error));
             SetLastError(error);
             return false;
         }
