@@ -6,12 +6,9 @@ target_sources(zr_tests PRIVATE
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_fonts.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_list_rules.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_module.cpp
-    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_color.cpp
-    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_compress.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_general.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_pdf_version.cpp
-    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_securities.cpp
-    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_values.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_pages.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_settings_page.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_sheets.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_untouched.cpp

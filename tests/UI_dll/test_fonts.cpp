@@ -49,8 +49,7 @@ TEST(FontStates, TableHoldsEachFontOnceWithItsOwnLicence) {
 }
 
 TEST(FontStates, NoFontsMakeAnEmptyTable) {
-    const ImportPatch none("EnumFontFamiliesExW", reinterpret_cast<void*>(+[](HDC, LOGFONTW*, FONTENUMPROCW,
-                                                                              LPARAM, DWORD) { return 1; }));
+    const ImportPatch none("EnumFontFamiliesExW", [] { return 1; });
     build_font_states();
     EXPECT_TRUE(font_states().empty());
     EXPECT_EQ(find_embedding(L"Arial"), Embedding::kNotInstalled);
@@ -77,11 +76,7 @@ protected:
     }
     static std::wstring cell(int id, int row, int column) {
         wchar_t cell_text[100] = {};
-        LVITEMW item = {};
-        item.iSubItem = column;
-        item.pszText = cell_text;
-        item.cchTextMax = 100;
-        SendMessageW(list(id), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        ListView_GetItemText(list(id), row, column, cell_text, 100);
         return cell_text;
     }
 };

@@ -11,25 +11,22 @@ namespace {
 using namespace pdf_settings;
 
 TEST(ListRules, CopiesGetTheFirstFreeName) {
-    struct Row {
+    const struct {
         const wchar_t* name;
         std::set<std::wstring> taken;
         const wchar_t* copy;
-    };
-    const Row kRows[] = {{L"Report(12)", {}, L"Report"},
-                         {L"Report(12)", {L"Report"}, L"Report(1)"},
-                         {L"Report", {L"Report", L"Report(1)"}, L"Report(2)"},
-                         {L"Report(1a)", {L"Report(1a)"}, L"Report(1a)(1)"},
-                         {L"Report(3) x", {}, L"Report(3) x"},
-                         {L"Report()", {}, L"Report"},
-                         {L"Report(\xFF11)", {}, L"Report(\xFF11)"},  // a digit, but not 0 to 9
-                         {L"Report 1)", {}, L"Report 1)"},
-                         {L"", {}, L""}};
-    for (const Row& row : kRows)
-        EXPECT_EQ(free_name(base_name(row.name),
-                            [&](const std::wstring& name) { return row.taken.contains(name); }),
-                  row.copy)
-            << row.name;
+    } rows[] = {{L"Report(12)", {}, L"Report"},
+                {L"Report(12)", {L"Report"}, L"Report(1)"},
+                {L"Report", {L"Report", L"Report(1)"}, L"Report(2)"},
+                {L"Report(1a)", {L"Report(1a)"}, L"Report(1a)(1)"},
+                {L"Report(3) x", {}, L"Report(3) x"},
+                {L"Report()", {}, L"Report"},
+                {L"Report(\xFF11)", {}, L"Report(\xFF11)"},  // a digit, but not 0 to 9
+                {L"Report 1)", {}, L"Report 1)"},
+                {L"", {}, L""}};
+    for (const auto& [name, taken, copy] : rows)
+        EXPECT_EQ(free_name(base_name(name), [&taken](const auto& other) { return taken.contains(other); }),
+                  copy);
 }
 
 TEST(ListRules, RowsSortByKindThenByCodeUnits) {

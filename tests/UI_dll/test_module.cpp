@@ -2,7 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <functional>
 #include <string>
+#include <type_traits>
 
 #include "UI_dll/ddi.h"
 #include "UI_dll/plotui.h"
@@ -17,18 +20,11 @@
 
 namespace {
 
-size_t private_copies() {
-    const std::wstring pattern =
-        ZRTK_TempRoot() + L"\\zrtk_res_" + std::to_wstring(GetCurrentProcessId()) + L"*";
-    WIN32_FIND_DATAW found;
-    const qk::FindObj search(FindFirstFileW(pattern.c_str(), &found));
-    size_t copies = 0;
-    if (search) {
-        do
-            ++copies;
-        while (FindNextFileW(search.get(), &found));
-    }
-    return copies;
+auto private_copies() {
+    const std::wstring name = L"zrtk_res_" + std::to_wstring(GetCurrentProcessId());
+    return std::ranges::count_if(
+        std::filesystem::directory_iterator(ZRTK_TempRoot()),
+        [&](const auto& entry) { return entry.path().filename().wstring().starts_with(name); });
 }
 
 }  // namespace
@@ -47,7 +43,7 @@ TEST(Module, WithoutALanguageLibraryItDoesNotLoad) {
         trace_switch.remove();
         if (row.level)
             trace_switch.set(row.level, row.global);
-        const size_t copies = private_copies();
+        const auto copies = private_copies();
         const DebugOutput output;
         SetLastError(0);
         const HMODULE module = LoadLibraryW(lonely.c_str());
@@ -69,7 +65,6 @@ TEST(Module, WithoutALanguageLibraryItDoesNotLoad) {
 
 TEST(Module, SaysSoWhenItCannotStayLoaded) {
     const Installation here;
-    static void* module_file_name = nullptr;
     const auto attach = [](const wchar_t* record) {
         TraceSwitch trace_switch;
         trace_switch.set(qk::trace::kPlainLevel);
@@ -81,21 +76,15 @@ TEST(Module, SaysSoWhenItCannotStayLoaded) {
         });
     };
     {
-        const ImportPatch too_long(
-            "GetModuleFileNameW",
-            reinterpret_cast<void*>(+[](HMODULE module, wchar_t* buffer, DWORD units) -> DWORD {
-                if (units == 292)
-                    return units;  // cut
-                return reinterpret_cast<decltype(&GetModuleFileNameW)>(module_file_name)(module, buffer,
-                                                                                         units);
-            }));
-        module_file_name = too_long.original();
+        const CallHook<decltype(GetModuleFileNameW)> too_long(
+            "GetModuleFileNameW", [](auto original, HMODULE module, wchar_t* buffer, DWORD units) {
+                return units == 292 ? units : original(module, buffer, units);  // cut
+            });
         EXPECT_TRUE(attach(L"  ui:no module path"));
     }
-    const ImportPatch no_context("CreateActCtxW", reinterpret_cast<void*>(+[](const ACTCTXW*) -> HANDLE {
-                                     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-                                     return INVALID_HANDLE_VALUE;
-                                 }));
+    const ImportPatch no_context("CreateActCtxW", [](const ACTCTXW*) {
+        return SetLastError(ERROR_NOT_ENOUGH_MEMORY), INVALID_HANDLE_VALUE;
+    });
     EXPECT_TRUE(attach(L"  ui:not pinned gle=8"));
 }
 
@@ -103,7 +92,7 @@ TEST(Module, StaysLoadedAndAnswersThroughItsExports) {
     const std::wstring path = Installation::built(L"ZR_UI80.dll");
     HMODULE module = LoadLibraryW(path.c_str());
     ASSERT_NE(module, nullptr);
-    EXPECT_GE(private_copies(), 1u);
+    EXPECT_GE(private_copies(), 1);
     EXPECT_NE(FindResourceW(module, MAKEINTRESOURCEW(2), RT_MANIFEST), nullptr);
     EXPECT_NE(FindResourceW(module, MAKEINTRESOURCEW(1), RT_VERSION), nullptr);
 
@@ -131,46 +120,63 @@ TEST(Module, LevelIsReadAgainBySomeEntryPointsOnly) {
     TraceSwitch trace_switch;
     const HMODULE module = LoadLibraryW(Installation::built(L"ZR_UI80.dll").c_str());
     ASSERT_NE(module, nullptr);
-    auto* sheets = qk::find_export<decltype(DrvDocumentPropertySheets)>(module, "DrvDocumentPropertySheets");
-    auto* printer_event = qk::find_export<decltype(DrvPrinterEvent)>(module, "DrvPrinterEvent");
-    auto* document_event = qk::find_export<decltype(DrvDocumentEvent)>(module, "DrvDocumentEvent");
-    struct {
-        DWORD level;
-        bool scope, plain;
-    } const rows[] = {{5, true, true}, {3, true, false}, {0, false, false}};
+    const ImportPatch no_service(
+        "LoadLibraryExW", []() -> HMODULE { return nullptr; }, module);
+    const auto of_module = [&](auto& linked, const char* name) {
+        return qk::find_export<std::remove_reference_t<decltype(linked)>>(module, name);
+    };
+    auto* const event = of_module(DrvDocumentEvent, "DrvDocumentEvent");
+    auto* const sheets = of_module(DrvDocumentPropertySheets, "DrvDocumentPropertySheets");
+    auto* const properties = of_module(DrvDocumentProperties, "DrvDocumentProperties");
+    auto* const advanced = of_module(DrvAdvancedDocumentProperties, "DrvAdvancedDocumentProperties");
+    auto* const printer_event = of_module(DrvPrinterEvent, "DrvPrinterEvent");
+    auto* const printer = of_module(PrinterProperties, "PrinterProperties");
+    auto* const capabilities = of_module(DrvDeviceCapabilities, "DrvDeviceCapabilities");
     DocumentPropertyHeader header = {sizeof header};
     wchar_t name[] = L"printer";
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.level);
-        trace_switch.set(row.level);
-        const DebugOutput output;
-        document_event(nullptr, nullptr, 99, 0, nullptr, 0, nullptr);
-        EXPECT_EQ(output.holds(L"Unknown:99"), row.level == 3) << "the level read before still holds";
-        sheets(nullptr, reinterpret_cast<LPARAM>(&header));
-        EXPECT_EQ(output.holds(L">>DrvDocumentPropertySheets"), row.scope);
-        EXPECT_EQ(output.holds(L"<<DrvDocumentPropertySheets"), row.scope);
-        EXPECT_EQ(output.holds(L"  c.1"), row.plain);
-        EXPECT_EQ(printer_event(name, 99, 0, 0), TRUE);
-        EXPECT_EQ(output.holds(L"    default"), row.plain);
-        EXPECT_EQ(output.holds(L"  ret=1"), row.plain);
-    }
+    const struct {
+        const wchar_t* scope;  // none: it has none
+        const wchar_t* plain;  // one of its plain traces
+        std::function<void()> call;
+        bool reads = true;
+    } rows[] = {
+        {L"DrvDocumentPropertySheets", L"  c.1", [&] { sheets(nullptr, reinterpret_cast<LPARAM>(&header)); }},
+        {L"DrvDocumentProperties", L"  c.1",
+         [&] { properties(nullptr, nullptr, name, nullptr, nullptr, 0); }},
+        {L"DrvAdvancedDocumentProperties", L"  no compstui.dll",
+         [&] { advanced(nullptr, nullptr, name, nullptr, nullptr); }},
+        {nullptr, L"    default", [&] { printer_event(name, 99, 0, 0); }},
+        {L"PrinterProperties", L"  no compstui.dll", [&] { printer(nullptr, nullptr); }},
+        {nullptr, L"  DrvDeviceCapabilities", [&] { capabilities(nullptr, name, 18, nullptr, nullptr); },
+         false},
+    };
+    for (const auto& row : rows)
+        for (const DWORD level : {5, 3, 0}) {
+            SCOPED_TRACE(std::to_string(&row - rows) + " at " + std::to_string(level));
+            trace_switch.set(level);
+            const DebugOutput output;
+            row.call();
+            const DWORD read = row.reads ? level : 0;  // what the row before has left
+            EXPECT_EQ(output.holds(row.plain), read == 5);
+            for (const wchar_t* mark : {L">>", L"<<"})
+                EXPECT_EQ(row.scope && output.holds(std::wstring(mark) + row.scope), row.scope && read > 0);
+            event(nullptr, nullptr, 99, 0, nullptr, 0, nullptr);
+            EXPECT_EQ(output.holds(L"Unknown:99"), read == 5) << "the level that was read last";
+        }
 }
 
 TEST(Module, EndingThreadsRemoveTheirEmptyScratchFolders) {
     const HMODULE module = LoadLibraryW(Installation::built(L"ZR_UI80.dll").c_str());
     ASSERT_NE(module, nullptr);
-    struct {
-        bool has_file;
-    } const rows[] = {{false}, {true}};
-    for (const auto& row : rows) {
+    for (const bool has_file : {false, true}) {
         std::wstring scratch;
         companions::Thread([&] {
             scratch = ZRTK_TempPath();
-            if (row.has_file)
+            if (has_file)
                 CreateDirectoryW((scratch + L"\\left").c_str(), nullptr);
         }).join();
         ASSERT_FALSE(scratch.empty());
-        EXPECT_EQ(qk::is_folder(scratch), row.has_file);
+        EXPECT_EQ(qk::is_folder(scratch), has_file);
         RemoveDirectoryW((scratch + L"\\left").c_str());
         RemoveDirectoryW(scratch.c_str());
     }

@@ -48,38 +48,41 @@ protected:
             list(CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(description));
         choose(kPDFVersionPage, IDC_PV_PROFILE, static_cast<int>(position));
     }
+    static std::wstring profile_read() { return read_PDFVersion(page(kColorPage)).ICCFileName; }
     static std::wstring condition() { return text(kPDFVersionPage, IDC_PV_CONDITION); }
 
     ProfileFolder profiles;
 };
 
-TEST_F(PDFVersionPage, ListsTheProfilesThatFitTheVersion) {
-    using Names = std::vector<std::wstring>;
+TEST_F(PDFVersionPage, ListsTheProfilesThatFitTheVersionAndTellsOfIt) {
+    using Names = std::vector<std::wstring>;  // in the folder's order, .icc files first
+    const Names none, all = {L"Coated FOGRA39", L"Photo printer", L"Plates", L"Screen", kCoated},
+                      cmyk = {L"Coated FOGRA39", kCoated},
+                      printers = {L"Coated FOGRA39", L"Photo printer", kCoated};
     struct {
         uint32_t version;
-        Names listed;  // in the folder's order, .icc files first
-    } const rows[] = {
-        {0, {}},
-        {4, {}},
-        {5, {L"Coated FOGRA39", L"Photo printer", L"Plates", L"Screen", kCoated}},
-        {11, {L"Coated FOGRA39", L"Photo printer", L"Plates", L"Screen", kCoated}},
-        {6, {L"Coated FOGRA39", kCoated}},
-        {7, {L"Coated FOGRA39", kCoated}},
-        {8, {L"Coated FOGRA39", L"Photo printer", kCoated}},
-        {10, {L"Coated FOGRA39", L"Photo printer", kCoated}},
-        {12, {}},
-    };
+        UINT note;
+        const Names& listed;
+    } const rows[] = {{0, IDS_PV_NOTE_LOW, none},        {1, IDS_PV_NOTE_PLAIN, none},
+                      {2, IDS_PV_NOTE_PLAIN, none},      {3, IDS_PV_NOTE_PLAIN, none},
+                      {4, IDS_PV_NOTE_PLAIN, none},      {5, IDS_PV_NOTE_ARCHIVE, all},
+                      {6, IDS_PV_NOTE_PRESS_CMYK, cmyk}, {7, IDS_PV_NOTE_PRESS_CMYK, cmyk},
+                      {8, IDS_PV_NOTE_PRESS, printers},  {9, IDS_PV_NOTE_PRESS, printers},
+                      {10, IDS_PV_NOTE_PRESS, printers}, {11, IDS_PV_NOTE_ARCHIVE, all},
+                      {12, IDS_PV_NOTE_NEWEST, none}};
     show([&] {
         for (const auto& row : rows) {
+            SCOPED_TRACE(row.version);
             const TraceCapture trace;
             choose_version(row.version);
             EXPECT_TRUE(trace.holds(L"dlg_callback_PDFVersion.WM_COMMAND.IDC_PV_VERSION"));
+            EXPECT_EQ(text(kPDFVersionPage, IDC_PV_NOTE), dialog_text(row.note));
             Names listed;
             for (LRESULT i = 0; i < list(CB_GETCOUNT); ++i)
                 listed.push_back(item(i));
             std::sort(listed.begin(), listed.end() - (listed.empty() ? 0 : 1));
-            EXPECT_EQ(listed, row.listed) << row.version;
-            EXPECT_EQ(enabled(kPDFVersionPage, IDC_PV_PROFILE), !listed.empty()) << row.version;
+            EXPECT_EQ(listed, row.listed);
+            EXPECT_EQ(enabled(kPDFVersionPage, IDC_PV_PROFILE), !listed.empty());
             EXPECT_EQ(enabled(kPDFVersionPage, IDC_PV_USE_TRIM), row.version >= 6 && row.version <= 10);
         }
     });
@@ -88,7 +91,7 @@ TEST_F(PDFVersionPage, ListsTheProfilesThatFitTheVersion) {
 TEST_F(PDFVersionPage, ChoiceOfProfileSurvivesTheRefill) {
     setting().pdfVersion()->ICCFileName = L"photo.icc";
     show([] {
-        EXPECT_EQ(read_PDFVersion(page(kColorPage)).ICCFileName, L"photo.icc");  // kept while none is listed
+        EXPECT_EQ(profile_read(), L"photo.icc");  // kept while none is listed
         const struct {
             uint32_t version;
             const wchar_t *chosen, *file, *condition;
@@ -100,9 +103,8 @@ TEST_F(PDFVersionPage, ChoiceOfProfileSurvivesTheRefill) {
             choose_version(row.version);
             EXPECT_EQ(chosen(), row.chosen) << row.version;
             EXPECT_EQ(condition(), row.condition) << row.version;
-            const auto read = read_PDFVersion(page(kColorPage));
-            EXPECT_EQ(read.Version, row.version);
-            EXPECT_EQ(read.ICCFileName, row.file) << row.version;
+            EXPECT_EQ(read_PDFVersion(page(kColorPage)).Version, row.version);
+            EXPECT_EQ(profile_read(), row.file) << row.version;
         }
         choose_profile(L"Coated FOGRA39");
         EXPECT_EQ(condition(), L"FOGRA39");
@@ -116,9 +118,9 @@ TEST_F(PDFVersionPage, ProfileThatIsOfferedInAnothersPlaceIsTakenWhenChosen) {
     setting().pdfVersion()->Version = 6;
     show([] {
         EXPECT_EQ(chosen(), kCoated);
-        EXPECT_EQ(read_PDFVersion(page(kColorPage)).ICCFileName, L"gone.icc");
+        EXPECT_EQ(profile_read(), L"gone.icc");
         notify(kPDFVersionPage, IDC_PV_PROFILE, CBN_SELENDOK);
-        EXPECT_EQ(read_PDFVersion(page(kColorPage)).ICCFileName, L"coated.icm");
+        EXPECT_EQ(profile_read(), L"coated.icm");
     });
 }
 
@@ -130,9 +132,9 @@ TEST_F(PDFVersionPage, ProfileOutsideTheFolderStays) {
     show([&] {
         EXPECT_EQ(chosen(), L"Our press");
         choose_version(5);
-        EXPECT_EQ(read_PDFVersion(page(kColorPage)).ICCFileName, path);
+        EXPECT_EQ(profile_read(), path);
         choose_version(12);
-        EXPECT_EQ(read_PDFVersion(page(kColorPage)).ICCFileName, path);
+        EXPECT_EQ(profile_read(), path);
     });
 }
 
@@ -156,6 +158,7 @@ TEST_F(PDFVersionPage, RefusesWhatTheJobWouldRefuse) {
     show([&] {
         go_to(kPDFVersionPage);
         for (const auto& row : rows) {
+            SCOPED_TRACE(&row - rows);
             choose_version(row.version);
             row.profile ? choose_profile(row.profile) : choose(kPDFVersionPage, IDC_PV_PROFILE, -1);
             type(kPDFVersionPage, IDC_PV_CONDITION, row.condition);
@@ -163,45 +166,7 @@ TEST_F(PDFVersionPage, RefusesWhatTheJobWouldRefuse) {
             set_check(kPDFVersionPage, IDC_PV_USE_BLEED, true);
             type(kPDFVersionPage, IDC_PV_TRIM_RIGHT, row.trim);
             type(kPDFVersionPage, IDC_PV_BLEED_RIGHT, row.bleed);
-            SCOPED_TRACE(&row - rows);
             expect_check(kPDFVersionPage, row.message, row.focus);
-            go_to(kPDFVersionPage);
-        }
-    });
-}
-
-// Those that come with the renderer's engine: both kinds of description, display and printer profiles.
-TEST_F(PDFVersionPage, RealProfilesAreListedByTheirHeaders) {
-    const std::wstring folder = L"Z:\\usr\\share\\color\\icc\\ghostscript\\";
-    const ProfileFolder real;
-    size_t rgb = 0, cmyk = 0, cmyk_printers = 0, printers = 0;
-    WIN32_FIND_DATAW file;
-    const qk::FindObj search(FindFirstFileW((folder + L"*.icc").c_str(), &file));
-    if (!search)
-        GTEST_SKIP() << "this system has none";
-    do {
-        const std::string bytes = TempFolder::read(folder + file.cFileName);
-        real.files.write(L"color\\" + std::wstring(file.cFileName), bytes);
-        const bool is_rgb = bytes.compare(16, 4, "RGB ") == 0, is_cmyk = bytes.compare(16, 4, "CMYK") == 0;
-        const bool prints = (is_rgb || is_cmyk) && bytes.compare(12, 4, "prtr") == 0;
-        rgb += is_rgb, cmyk += is_cmyk, printers += prints, cmyk_printers += prints && is_cmyk;
-    } while (FindNextFileW(search.get(), &file));
-    ASSERT_TRUE(rgb > 0 && cmyk_printers > 0);
-    const struct {
-        uint32_t version;
-        size_t listed;
-    } rows[] = {{0, 0}, {5, rgb + cmyk}, {6, cmyk_printers}, {8, printers}, {11, rgb + cmyk}, {12, 0}};
-    show([&] {
-        for (const auto& row : rows) {
-            choose_version(row.version);
-            const LRESULT count = list(CB_GETCOUNT);
-            EXPECT_EQ(static_cast<size_t>(count), row.listed) << row.version;
-            std::printf("version %u:", row.version);
-            for (LRESULT i = 0; i < count; ++i) {
-                EXPECT_FALSE(item(i).empty());
-                std::printf(" [%s]", qk::to_utf8(item(i)).c_str());
-            }
-            std::printf("\n");
         }
     });
 }

@@ -4,11 +4,16 @@
 
 #include <commctrl.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <functional>
+#include <numeric>
+#include <tuple>
 
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/PDFSettings/list/setting_rows.h"
 #include "UI_dll/PDFSettings/list/settings_page.h"
+#include "common/qk/gdi_handle.h"
 #include "common/qk/resource_dll.h"
 #include "common/qk/registry.h"
 #include "common/rwPDFSet_functions.h"
@@ -20,12 +25,15 @@ namespace {
 using namespace pdf_settings;
 using Corvanta::Vantrix::PrintSettings::ReadName;
 
+constexpr wchar_t kOwnFolder[] = L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\";
+
 class SettingsPage : public EditSheet {
 protected:
     SettingsPage() {
         SetThreadProp(threadprop::kPrinterName, reinterpret_cast<ULONG_PTR>(&here.printer.name));
         add(L"Settings\\standard.ps4", L"Standard");
         add(L"CustomSettings\\office.ps4", L"Office");
+        ForceDirectories(here.folder.file(kOwnFolder));
         add_own(L"zeta");
         add_own(L"alpha");
     }
@@ -34,17 +42,14 @@ protected:
         FreeThreadProp(threadprop::kPrinterName);
     }
 
-    void add(const std::wstring& path, const wchar_t* name) const {
+    void add(const std::wstring& path, const std::wstring& name) const {
         Setting setting;
         setting->PSName = name;
         EXPECT_TRUE(setting.Save(here.folder.file(path)));
     }
-    static std::wstring add_own(const std::wstring& name) {
-        Setting setting;
-        setting->PSName = name;
-        std::wstring path = GetAppDataPath(true) + name + L".ps4";
-        EXPECT_TRUE(setting.Save(path));
-        return path;
+    void add_own(const std::wstring& name) const { add(kOwnFolder + name + L".ps4", name); }
+    [[nodiscard]] std::wstring own(const wchar_t* name) const {
+        return here.folder.file(kOwnFolder) + name + L".ps4";
     }
 
     void open() {
@@ -75,9 +80,15 @@ protected:
     }
     [[nodiscard]] bool can_delete() const { return IsWindowEnabled(GetDlgItem(window, IDC_SETTINGS_DELETE)); }
     void press(int button) const { SendMessageW(GetDlgItem(window, button), BM_CLICK, 0, 0); }
-    void end(UINT code) const {
+    void press_delete(int answer) const {
+        Outbox::answer = answer;
+        press(IDC_SETTINGS_DELETE);
+    }
+    // Ends the sheet, and what the page says to it.
+    LONG_PTR end(UINT code) const {
         const PSHNOTIFY notification = {{parent, 0, code}, TRUE};
         SendMessageW(window, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notification));
+        return GetWindowLongPtrW(window, DWLP_MSGRESULT);
     }
     // Presses a button that opens the edit sheet, and runs the script there.
     void in_sheet(int button, const std::function<void()>& script) const {
@@ -88,9 +99,13 @@ protected:
                           });
         press(button);
     }
+    static void name_it(const wchar_t* name) {
+        SetWindowTextW(control(kGeneralPage, IDC_NAME), name);
+        press_ok();
+    }
+    [[nodiscard]] std::wstring printers_setting() const { return GetSettingFileName(here.printer.name); }
 
-    HWND parent = nullptr;
-    HWND window = nullptr;
+    HWND parent = nullptr, window = nullptr;
 };
 
 TEST_F(SettingsPage, ListsAllFoldersAndSelectsThePrintersSetting) {
@@ -107,22 +122,16 @@ TEST_F(SettingsPage, ListsAllFoldersAndSelectsThePrintersSetting) {
 }
 
 TEST_F(SettingsPage, FolderThatCannotBeReadHidesItsOwnFilesOnly) {
-    const ImportPatch denied(
-        "FindFirstFileExW",
-        reinterpret_cast<void*>(+[](const wchar_t* pattern, FINDEX_INFO_LEVELS level, void* data,
-                                    FINDEX_SEARCH_OPS op, void* filter, DWORD flags) -> HANDLE {
-            using Function = decltype(FindFirstFileExW);
+    const CallHook<decltype(FindFirstFileExW)> denied(
+        "FindFirstFileExW", [](auto original, const wchar_t* pattern, auto... rest) -> HANDLE {
             if (!std::wcsstr(pattern, L"Roaming"))
-                return qk::find_export<Function>(GetModuleHandleW(L"kernel32.dll"), "FindFirstFileExW")(
-                    pattern, level, data, op, filter, flags);
-            SetLastError(ERROR_ACCESS_DENIED);
-            return INVALID_HANDLE_VALUE;
-        }));
-    ASSERT_TRUE(denied.found());
+                return original(pattern, rest...);
+            return SetLastError(ERROR_ACCESS_DENIED), INVALID_HANDLE_VALUE;
+        });
     open();
     EXPECT_EQ(rows(), L"Office [Standard]");
     in_sheet(IDC_SETTINGS_NEW, [] { press_ok(); });  // written all the same; its row comes with the folder
-    EXPECT_EQ(ReadName(GetAppDataPath(false) + L"Standard(1).ps4"), L"Standard(1)");
+    EXPECT_EQ(ReadName(own(L"Standard(1)")), L"Standard(1)");
     EXPECT_TRUE(Outbox::boxes.empty());
 }
 
@@ -130,24 +139,21 @@ TEST_F(SettingsPage, WithoutAnInstallationTheHostsFolderIsNotListed) {
     const CurrentFolder host(here.folder.path());  // has folders of the very names
     here.machine.set_text(qk::registry::kRoot, L"PdfDllPath", L"");
     open();
-    EXPECT_EQ(ListView_GetItemCount(GetDlgItem(window, IDC_SETTINGS_LIST)), 2) << qk::to_utf8(rows());
+    EXPECT_EQ(ListView_GetItemCount(list()), 2) << qk::to_utf8(rows());
 }
 
 TEST_F(SettingsPage, OwnFileWithoutANameGoesByItsFilesAndIsTheUsers) {
-    here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\beta.ps4", "\xEF\xBB\xBF{}");
-    here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\torn.ps4", "\xEF\xBB\xBF{");
+    here.folder.write(kOwnFolder + std::wstring(L"beta.ps4"), "\xEF\xBB\xBF{}");
+    here.folder.write(kOwnFolder + std::wstring(L"torn.ps4"), "\xEF\xBB\xBF{");
     open();
     EXPECT_EQ(rows(), L"alpha beta torn zeta Office [Standard]");
     select(2);
     in_sheet(IDC_SETTINGS_EDIT, [] { press_ok(); });  // of what cannot be read, a copy
-    EXPECT_EQ(TempFolder::read(GetAppDataPath(false) + L"torn.ps4"), "\xEF\xBB\xBF{");
+    EXPECT_EQ(TempFolder::read(own(L"torn")), "\xEF\xBB\xBF{");
     EXPECT_EQ(rows(), L"alpha beta torn [torn(1)] zeta Office Standard");
-    Outbox::boxes.clear();
     for (const wchar_t* name : {L"beta", L"torn"}) {  // what else should be asked for by name
         select(1);
-        Outbox::answer = IDYES;
-        press(IDC_SETTINGS_DELETE);
-        ASSERT_FALSE(Outbox::boxes.empty());
+        press_delete(IDYES);
         EXPECT_NE(Outbox::boxes.back().text.find(L'"' + std::wstring(name) + L'"'), std::wstring::npos);
     }
     EXPECT_EQ(rows(), L"alpha [torn(1)] zeta Office Standard");
@@ -157,10 +163,17 @@ TEST_F(SettingsPage, ChosenSettingBecomesThePrintersOnOkOnly) {
     open();
     select(2);
     end(PSN_QUERYCANCEL);
-    EXPECT_EQ(GetSettingFileName(here.printer.name), L"standard.ps4");
+    EXPECT_EQ(printers_setting(), L"standard.ps4");
     EXPECT_EQ(rows(), L"alpha zeta [Office] Standard");
-    end(PSN_APPLY);
-    EXPECT_EQ(GetSettingFileName(here.printer.name), L"office.ps4");
+    {
+        const ImportPatch store("RegSetValueExW", []() -> LSTATUS { throw std::bad_alloc(); });
+        EXPECT_EQ(end(PSN_APPLY), PSNRET_INVALID_NOCHANGEPAGE);
+    }
+    ASSERT_EQ(Outbox::boxes.size(), 1u);
+    EXPECT_EQ(Outbox::boxes[0].text, dialog_text(IDS_FAILED));
+    EXPECT_EQ(printers_setting(), L"standard.ps4");
+    EXPECT_EQ(end(PSN_APPLY), PSNRET_NOERROR);
+    EXPECT_EQ(printers_setting(), L"office.ps4");
     close();
     open();
     EXPECT_EQ(rows(), L"alpha zeta [Office] Standard");
@@ -169,56 +182,36 @@ TEST_F(SettingsPage, ChosenSettingBecomesThePrintersOnOkOnly) {
 TEST_F(SettingsPage, CancelGivesAPrinterWithoutItsFileTheStandardOne) {
     SetSettingFileName(L"gone.ps4", here.printer.name);
     here.folder.write(L"gone.ps4", "");  // beside a document, say
-    wchar_t before[MAX_PATH] = {};
-    GetCurrentDirectoryW(MAX_PATH, before);
-    SetCurrentDirectoryW(here.folder.path().c_str());
+    const CurrentFolder documents(here.folder.path());
     open();
     end(PSN_QUERYCANCEL);
-    SetCurrentDirectoryW(before);
     EXPECT_EQ(ReadDriverRegString(L"PDFSettingFileName", here.printer.name.c_str()), L"standard.ps4");
-}
-
-TEST_F(SettingsPage, ChoiceThatCannotBeStoredKeepsTheSheetOpen) {
-    open();
-    select(2);
-    {
-        const ImportPatch store("RegSetValueExW",
-                                reinterpret_cast<void*>(+[]() -> LSTATUS { throw std::bad_alloc(); }));
-        end(PSN_APPLY);
-    }
-    EXPECT_EQ(GetWindowLongPtrW(window, DWLP_MSGRESULT), PSNRET_INVALID_NOCHANGEPAGE);
-    ASSERT_EQ(Outbox::boxes.size(), 1u);
-    EXPECT_EQ(Outbox::boxes[0].text, dialog_text(IDS_FAILED));
-    end(PSN_APPLY);
-    EXPECT_EQ(GetWindowLongPtrW(window, DWLP_MSGRESULT), PSNRET_NOERROR);
-    EXPECT_EQ(GetSettingFileName(here.printer.name), L"office.ps4");
 }
 
 TEST_F(SettingsPage, OwnSettingIsDeletedWhenTheUserAgrees) {
     open();
     select(1);
-    Outbox::answer = IDNO;
-    press(IDC_SETTINGS_DELETE);
+    press_delete(IDNO);
     EXPECT_EQ(rows(), L"alpha [zeta] Office Standard");
-    Outbox::answer = IDYES;
-    press(IDC_SETTINGS_DELETE);
+    press_delete(IDYES);
     EXPECT_EQ(rows(), L"alpha [Office] Standard");
     ASSERT_EQ(Outbox::boxes.size(), 2u);
     EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_YESNO | MB_ICONQUESTION});
     EXPECT_NE(Outbox::boxes[0].text.find(L"zeta.ps4"), std::wstring::npos);
     SendMessageW(window, WM_COMMAND, IDC_SETTINGS_DELETE, 0);  // not the user's: a greyed button's command
     EXPECT_EQ(Outbox::boxes.size(), 2u);
+    select(0);
+    DeleteFileW(own(L"alpha").c_str());
+    press_delete(IDYES);
+    EXPECT_EQ(Outbox::boxes.size(), 2u) << "it is gone already";
 }
 
 TEST_F(SettingsPage, ListOfNothingSelectsNothing) {
     for (const wchar_t* file : {L"Settings\\standard.ps4", L"CustomSettings\\office.ps4"})
         DeleteFileW(here.folder.file(file).c_str());
-    for (const wchar_t* name : {L"alpha", L"zeta"})
-        DeleteFileW((GetAppDataPath(false) + name + L".ps4").c_str());
-    add_own(L"only");
+    DeleteFileW(own(L"zeta").c_str());
     open();
-    Outbox::answer = IDYES;
-    press(IDC_SETTINGS_DELETE);
+    press_delete(IDYES);
     EXPECT_EQ(rows(), L"");
     EXPECT_FALSE(can_delete());
     static int changes;
@@ -236,6 +229,32 @@ TEST_F(SettingsPage, ListOfNothingSelectsNothing) {
     EXPECT_EQ(ReadDriverRegString(L"PDFSettingFileName", here.printer.name.c_str()), L"");
 }
 
+TEST_F(SettingsPage, RowsThatGoLeaveNoMemoryBehind) {
+    constexpr int kRows = 100;
+    const auto delete_all = [&] {
+        for (int i = 0; i < kRows; ++i)
+            CopyFileW(own(L"alpha").c_str(), own(std::to_wstring(i).c_str()).c_str(), FALSE);
+        open();
+        for (int i = 0; i < kRows; ++i) {
+            select(0);
+            press_delete(IDYES);
+            std::vector<Outbox::Box>().swap(Outbox::boxes);
+        }
+        close();
+        add_own(L"alpha");
+    };
+    delete_all();
+    long blocks = 0;
+    {
+        const CallHook<void*(size_t)> made(
+            "malloc", [&](auto original, size_t size) { return ++blocks, original(size); });
+        const CallHook<void(void*)> freed(
+            "free", [&](auto original, void* block) { blocks -= block != nullptr, original(block); });
+        delete_all();
+    }
+    EXPECT_LT(blocks, kRows / 2);
+}
+
 TEST_F(SettingsPage, NewAndReadOnlySettingsAreCopiesAndOwnOnesAreEditedInPlace) {
     open();
     in_sheet(IDC_SETTINGS_EDIT, [] {
@@ -246,32 +265,19 @@ TEST_F(SettingsPage, NewAndReadOnlySettingsAreCopiesAndOwnOnesAreEditedInPlace) 
     in_sheet(IDC_SETTINGS_NEW, [] { EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Standard(2)"); });
     EXPECT_EQ(rows(), L"[Standard(1)] alpha zeta Office Standard");
     select(1);
+    ListView_SetItemState(list(), -1, 0, LVIS_SELECTED | LVIS_FOCUSED);  // the row of before is taken
     Outbox::answer = IDYES;
-    in_sheet(IDC_SETTINGS_EDIT, [] {
-        SetWindowTextW(control(kGeneralPage, IDC_NAME), L"beta");
-        press_ok();
-    });
+    in_sheet(IDC_SETTINGS_EDIT, [] { name_it(L"beta"); });
     EXPECT_EQ(rows(), L"Standard(1) [beta] zeta Office Standard");
-    EXPECT_EQ(ReadName(GetAppDataPath(false) + L"alpha.ps4"), L"beta");
-}
-
-TEST_F(SettingsPage, EditWithNothingSelectedTakesTheRowOfBefore) {
-    open();
-    select(0);
-    ListView_SetItemState(list(), -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
-    in_sheet(IDC_SETTINGS_EDIT, [] { EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"alpha"); });
-    EXPECT_EQ(rows(), L"[alpha] zeta Office Standard");
+    EXPECT_EQ(ReadName(own(L"alpha")), L"beta");
 }
 
 TEST_F(SettingsPage, FileOfANewSettingHasANameThatNoFolderHas) {
     open();
-    in_sheet(IDC_SETTINGS_NEW, [] {
-        SetWindowTextW(control(kGeneralPage, IDC_NAME), L"office");  // the administrator's is "Office"
-        press_ok();
-    });
+    in_sheet(IDC_SETTINGS_NEW, [] { name_it(L"office"); });  // the administrator's is "Office"
     EXPECT_EQ(rows(), L"alpha [office] zeta Office Standard");
     end(PSN_APPLY);
-    EXPECT_EQ(ReadName(ResolveSettingFilePath(GetSettingFileName(here.printer.name))), L"office");
+    EXPECT_EQ(ReadName(ResolveSettingFilePath(printers_setting())), L"office");
 }
 
 TEST_F(SettingsPage, NameForACopyIsFoundReadingEachFileOnce) {
@@ -280,17 +286,12 @@ TEST_F(SettingsPage, NameForACopyIsFoundReadingEachFileOnce) {
     for (int i = 1; i < kCopies; ++i)
         add_own(L"Standard(" + std::to_wstring(i) + L")");
     open();
-    static int opened;
-    opened = 0;
-    const ImportPatch count(
-        "CreateFileW", reinterpret_cast<void*>(+[](const wchar_t* path, DWORD access, DWORD share,
-                                                   SECURITY_ATTRIBUTES* security, DWORD creation, DWORD flags,
-                                                   HANDLE original) -> HANDLE {
-            opened += std::wcsstr(path, L".ps4") != nullptr;
-            return qk::find_export<decltype(CreateFileW)>(GetModuleHandleW(L"kernel32.dll"), "CreateFileW")(
-                path, access, share, security, creation, flags, original);
-        }));
-    int opened_for_name = 0;
+    int opened = 0, opened_for_name = 0;
+    const CallHook<decltype(CreateFileW)> count("CreateFileW",
+                                                [&](auto original, const wchar_t* path, auto... rest) {
+                                                    opened += std::wcsstr(path, L".ps4") != nullptr;
+                                                    return original(path, rest...);
+                                                });
     in_sheet(IDC_SETTINGS_NEW, [&] {
         opened_for_name = opened;
         EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Standard(30)");
@@ -343,19 +344,13 @@ TEST_F(SettingsPage, PageOpenedFromAnotherLeavesItAsItWas) {
     }
 }
 
-TEST_F(SettingsPage, FileThatVanishesOrBreaksWhileListedCostsNothing) {
+TEST_F(SettingsPage, FileThatBreaksWhileListedBecomesACopy) {
     open();
-    const std::wstring zeta = GetAppDataPath(false) + L"zeta.ps4";
-    DeleteFileW(zeta.c_str());
-    select(1);  // "zeta", gone
-    press(IDC_SETTINGS_DELETE);
-    EXPECT_TRUE(Outbox::boxes.empty());
-    const std::wstring alpha = GetAppDataPath(false) + L"alpha.ps4";
-    here.folder.write(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\alpha.ps4", "no setting");
+    here.folder.write(kOwnFolder + std::wstring(L"alpha.ps4"), "no setting");
     select(0);
     in_sheet(IDC_SETTINGS_EDIT, [] { press_ok(); });  // a new one from standard values
     ASSERT_EQ(Outbox::boxes.size(), 1u);
-    EXPECT_EQ(TempFolder::read(alpha), "no setting");
+    EXPECT_EQ(TempFolder::read(own(L"alpha")), "no setting");
     EXPECT_NE(rows().find(L"[alpha"), std::wstring::npos);
 }
 
@@ -366,29 +361,81 @@ TEST_F(SettingsPage, PicturesAreLoadedOnceAfterManyMoves) {
         SendMessageW(parent, WM_MOVE, 0, 0);
     EXPECT_EQ(dialog_state().list.icons.images.get(), before);
     SendMessageW(parent, WM_TIMER, 1234, 0);
-    EXPECT_NE(dialog_state().list.icons.images.get(), nullptr);
+    EXPECT_NE(dialog_state().list.icons.images.get(), before);
     EXPECT_FALSE(KillTimer(parent, 1234));  // no second time
 }
 
-TEST_F(SettingsPage, SettingsOfAnOlderVersionComeInOnce) {
-    const std::wstring old = here.folder.file(L"Roaming\\Corvanta\\Vantrix\\7.0\\CustomSettings\\");
-    ForceDirectories(old);
-    Setting setting;
-    setting->PSName = L"from old";
-    EXPECT_TRUE(setting.Save(old + L"zeta.ps4"));  // one of that file is there already
-    EXPECT_TRUE(setting.Save(old + L"fresh.ps4"));
-    setting->PSName = L"old standard";  // a job would find the installed one under that name
-    EXPECT_TRUE(setting.Save(old + L"Standard.ps4"));
-    setting->PSName = L"older";
-    EXPECT_TRUE(setting.Save(old + L"standard(1).ps4"));
+TEST_F(SettingsPage, RowsHaveThePictureOfTheirKind) {
+    open();
+    const auto pixels = [](HICON icon) {
+        const qk::DeviceContext dc(CreateCompatibleDC(nullptr));
+        BITMAPINFO info = {};
+        info.bmiHeader = {sizeof info.bmiHeader, 16, -16, 1, 32, BI_RGB};
+        uint32_t* bits = nullptr;
+        const qk::Bitmap bitmap(
+            CreateDIBSection(dc.get(), &info, DIB_RGB_COLORS, reinterpret_cast<void**>(&bits), nullptr, 0));
+        const qk::Selected selected(dc.get(), bitmap.get());
+        DrawIconEx(dc.get(), 0, 0, icon, 16, 16, 0, nullptr, DI_NORMAL);
+        DestroyIcon(icon);
+        GdiFlush();
+        return std::vector<uint32_t>(bits, bits + 256);
+    };
+    const auto differing = [&](HICON shown, WORD id) {
+        const auto loaded = pixels(static_cast<HICON>(
+            LoadImageW(qk::resource_module(), MAKEINTRESOURCEW(id), IMAGE_ICON, 16, 16, LR_DEFAULTCOLOR)));
+        return std::inner_product(loaded.begin(), loaded.end(), pixels(shown).begin(), 0, std::plus(),
+                                  std::not_equal_to());
+    };
+    const std::tuple<int, WORD, WORD> kinds[] = {{2, IDI_CUSTOM_SETTING, IDI_INSTALLED_SETTING},
+                                                 {3, IDI_INSTALLED_SETTING, IDI_CUSTOM_SETTING}};
+    for (const auto& [row, icon, other] : kinds) {
+        LVITEMW item = {.mask = LVIF_IMAGE, .iItem = row};
+        ListView_GetItem(list(), &item);
+        const auto shown = [&] {
+            return ImageList_GetIcon(ListView_GetImageList(list(), LVSIL_SMALL), item.iImage, ILD_NORMAL);
+        };
+        EXPECT_LT(differing(shown(), icon), differing(shown(), other)) << row;
+    }
+}
+
+TEST_F(SettingsPage, ThreadHasItsDpiAwarenessBackAfterwards) {
+    static std::vector<HANDLE> set;
+    set.clear();
+    const CallHook<decltype(GetProcAddress)> system(
+        "GetProcAddress", [](auto original, HMODULE module, const char* name) -> FARPROC {
+            if (std::strcmp(name, "SetThreadDpiAwarenessContext") != 0)
+                return original(module, name);
+            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(+[](HANDLE context) {
+                return set.push_back(context), reinterpret_cast<HANDLE>(INT_PTR{7});
+            }));
+        });
+    open();
+    close();
+    EXPECT_EQ(set, (std::vector{reinterpret_cast<HANDLE>(INT_PTR{2}), reinterpret_cast<HANDLE>(INT_PTR{7})}));
+}
+
+TEST_F(SettingsPage, SettingsOfOlderVersionsComeInOnceTheNewestFirst) {
+    const std::wstring versions = L"Roaming\\Corvanta\\Vantrix\\", folder = L".0\\CustomSettings\\";
+    const struct {
+        wchar_t version;
+        const wchar_t *file, *name;
+    } old[] = {
+        {L'7', L"zeta.ps4", L"from old"},  // one of that file is there already
+        {L'7', L"fresh.ps4", L"from old"},
+        {L'6', L"fresh.ps4", L"from older"},
+        {L'7', L"Standard.ps4", L"old standard"},  // a job would find the installed one under that name
+        {L'7', L"standard(1).ps4", L"older"}};
+    for (const auto& [version, file, name] : old) {
+        ForceDirectories(here.folder.file(versions + version + folder));
+        add(versions + version + folder + file, name);
+    }
     open();
     EXPECT_EQ(rows(), L"alpha from old old standard older zeta Office [Standard]");
     close();
-    const std::wstring own = GetAppDataPath(false);
-    EXPECT_EQ(ReadName(own + L"Standard(2).ps4"), L"old standard");
-    EXPECT_FALSE(qk::is_file(own + L"standard.ps4"));
-    for (const wchar_t* name : {L"fresh.ps4", L"Standard(2).ps4", L"standard(1).ps4"})
-        DeleteFileW((own + name).c_str());
+    EXPECT_EQ(ReadName(own(L"Standard(2)")), L"old standard");
+    EXPECT_FALSE(qk::is_file(own(L"standard")));
+    for (const wchar_t* name : {L"fresh", L"Standard(2)", L"standard(1)"})
+        DeleteFileW(own(name).c_str());
     open();
     EXPECT_EQ(rows(), L"alpha zeta Office [Standard]");
 }

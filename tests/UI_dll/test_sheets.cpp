@@ -7,6 +7,8 @@
 
 #include <atomic>
 #include <cstdint>
+#include <cstdlib>
+#include <optional>
 #include <vector>
 
 #include "UI_dll/PDFSettings/list/settings_page.h"
@@ -68,29 +70,7 @@ protected:
     PROPSHEETUI_INFO info;
 };
 
-TEST_F(Sheet, LivesFromInitToDestroyAndGivesTheJobItsHandleBack) {
-    SetThreadProp(threadprop::kPrinter, 123);  // of a job on this thread
-    EXPECT_EQ(send(PROPSHEETUI_REASON_INIT), 1);
-    EXPECT_EQ(added, (std::vector<UINT>{CPSFUNC_ADD_PCOMPROPSHEETUIW, CPSFUNC_ADD_PROPSHEETPAGEW}));
-    EXPECT_EQ(added_sheet.cbSize, sizeof(COMPROPSHEETUI));
-    EXPECT_EQ(added_sheet.Flags, CPSUIF_UPDATE_PERMISSION);
-    EXPECT_EQ(added_sheet.cOptItem, 1);
-    EXPECT_EQ(added_sheet.pDlgPage->DlgTemplateID, 7100);
-    ULONG_PTR printer = 0;
-    GetThreadProp(threadprop::kPrinter, printer);
-    EXPECT_EQ(printer, reinterpret_cast<ULONG_PTR>(FakePrinter::handle()));
-    PROPSHEETUI_INFO_HEADER sheet_header = {};
-    EXPECT_EQ(send(PROPSHEETUI_REASON_GET_INFO_HEADER, &sheet_header), 1);
-    EXPECT_EQ(sheet_header.Flags, 6);
-    EXPECT_STREQ(sheet_header.pTitle, here.printer.name.c_str());
-    EXPECT_EQ(end_with(CPSUI_OK), 1);
-    EXPECT_EQ(info.Result, ULONG_PTR{CPSUI_OK});
-    EXPECT_EQ(output.dm.dmSize, 220);
-    EXPECT_EQ(send(PROPSHEETUI_REASON_DESTROY), 1);
-    EXPECT_EQ(FreeThreadProp(threadprop::kPrinter), 123u);
-}
-
-TEST_F(Sheet, PrinterSheetInsideGivesBackWhatItHid) {
+TEST_F(Sheet, LivesFromInitToDestroyAndGivesBackWhatItHid) {
     const auto thread_has = [](HANDLE handle, const wchar_t* name) {
         ULONG_PTR printer = 0, kept = 0;
         GetThreadProp(threadprop::kPrinter, printer);
@@ -101,8 +81,20 @@ TEST_F(Sheet, PrinterSheetInsideGivesBackWhatItHid) {
     const HANDLE job = reinterpret_cast<HANDLE>(INT_PTR{123}), nobody = reinterpret_cast<HANDLE>(INT_PTR{77});
     SetThreadProp(threadprop::kPrinter, reinterpret_cast<ULONG_PTR>(job));
     EXPECT_EQ(send(PROPSHEETUI_REASON_INIT), 1);
+    EXPECT_EQ(added, (std::vector<UINT>{CPSFUNC_ADD_PCOMPROPSHEETUIW, CPSFUNC_ADD_PROPSHEETPAGEW}));
+    EXPECT_EQ(added_sheet.cbSize, sizeof(COMPROPSHEETUI));
+    EXPECT_EQ(added_sheet.Flags, CPSUIF_UPDATE_PERMISSION);
+    EXPECT_EQ(added_sheet.cOptItem, 1);
+    EXPECT_EQ(added_sheet.pDlgPage->DlgTemplateID, 7100);
+    thread_has(FakePrinter::handle(), here.printer.name.c_str());
+    PROPSHEETUI_INFO_HEADER sheet_header = {};
+    EXPECT_EQ(send(PROPSHEETUI_REASON_GET_INFO_HEADER, &sheet_header), 1);
+    EXPECT_EQ(sheet_header.Flags, 6);
+    EXPECT_STREQ(sheet_header.pTitle, here.printer.name.c_str());
+
     DevicePropertyHeader inner_header = {.cbSize = sizeof inner_header, .hPrinter = nobody};
     PROPSHEETUI_INFO inner = info;
+    inner.Reason = PROPSHEETUI_REASON_INIT;
     inner.UserData = 0;
     inner.lParamInit = reinterpret_cast<LPARAM>(&inner_header);
     EXPECT_EQ(DrvDevicePropertySheets(&inner, 0), 1);
@@ -111,6 +103,10 @@ TEST_F(Sheet, PrinterSheetInsideGivesBackWhatItHid) {
     EXPECT_EQ(DrvDevicePropertySheets(&inner, 0), 1);
     EXPECT_EQ(DrvDevicePropertySheets(&inner, 0), -1);  // once only
     thread_has(FakePrinter::handle(), here.printer.name.c_str());
+
+    EXPECT_EQ(end_with(CPSUI_OK), 1);
+    EXPECT_EQ(info.Result, ULONG_PTR{CPSUI_OK});
+    EXPECT_EQ(output.dm.dmSize, 220);
     EXPECT_EQ(send(PROPSHEETUI_REASON_DESTROY), 1);
     thread_has(job, nullptr);
     EXPECT_EQ(FreeThreadProp(threadprop::kPrinter), 123u);
@@ -140,48 +136,35 @@ TEST_F(Sheet, OnlyCancelAndTheNoPermissionFlagWriteNothing) {
 }
 
 TEST_F(Sheet, PrinterSheetHasNoCallbackAndAlwaysATitle) {
-    EXPECT_TRUE(plotui::attach_process(GetModuleHandleW(nullptr)));
     here.printer.name.clear();
     DevicePropertyHeader device = {.cbSize = sizeof device, .hPrinter = FakePrinter::handle()};
     info.lParamInit = reinterpret_cast<LPARAM>(&device);
-    static int other_levels;
-    static decltype(&GetPrinterW) get_printer;
-    other_levels = 0;
+    const auto tell = [&](WORD reason, const void* parameter = nullptr) {
+        info.Reason = reason;
+        EXPECT_EQ(DrvDevicePropertySheets(&info, reinterpret_cast<LPARAM>(parameter)), 1);
+    };
     {
-        const ImportPatch count(
-            "GetPrinterW", reinterpret_cast<void*>(+[](HANDLE printer, DWORD level, BYTE* buffer, DWORD size,
-                                                       DWORD* needed) -> BOOL {
-                other_levels += level != 2;
-                return get_printer(printer, level, buffer, size, needed);
-            }));
-        get_printer = reinterpret_cast<decltype(get_printer)>(count.original());
-        EXPECT_EQ(DrvDevicePropertySheets(&info, 0), 1);
+        const CallHook<decltype(GetPrinterW)> by_info_2(
+            "GetPrinterW", [](auto original, HANDLE printer, DWORD level, auto... rest) {
+                EXPECT_EQ(level, 2u) << "the name is that of PRINTER_INFO_2W";
+                return original(printer, level, rest...);
+            });
+        tell(PROPSHEETUI_REASON_INIT);
     }
-    EXPECT_EQ(other_levels, 0) << "the name is that of PRINTER_INFO_2W";
     EXPECT_EQ(added_sheet.pfnCallBack, nullptr);
     ASSERT_EQ(added_sheet.cOptItem, 1);
     EXPECT_EQ(added_sheet.pOptItem->Flags & OPTIF_CALLBACK, 0u);
     PROPSHEETUI_INFO_HEADER sheet_header = {};
-    info.Reason = PROPSHEETUI_REASON_GET_INFO_HEADER;
-    EXPECT_EQ(DrvDevicePropertySheets(&info, reinterpret_cast<LPARAM>(&sheet_header)), 1);
+    tell(PROPSHEETUI_REASON_GET_INFO_HEADER, &sheet_header);
     EXPECT_STREQ(sheet_header.pTitle, qk::load_string(IDS_SETTINGS_TAB).c_str());
-    info.Reason = PROPSHEETUI_REASON_DESTROY;
-    EXPECT_EQ(DrvDevicePropertySheets(&info, 0), 1);
-    plotui::detach_process(false);
-}
-
-// Which of the allocations from now on fails; 0: none.
-std::atomic<int> failing_allocation;
-void* (*real_malloc)(size_t);
-
-void* failing_malloc(size_t size) {
-    return failing_allocation > 0 && --failing_allocation == 0 ? nullptr : real_malloc(size);
+    tell(PROPSHEETUI_REASON_DESTROY);
 }
 
 TEST_F(Sheet, WithoutMemoryTheThreadKeepsWhatItHad) {
-    const ImportPatch patch("malloc", reinterpret_cast<void*>(&failing_malloc));
-    ASSERT_TRUE(patch.found());
-    real_malloc = reinterpret_cast<decltype(real_malloc)>(patch.original());
+    std::atomic<int> failing_allocation = 0;  // which of those from now on; 0: none
+    const CallHook<void*(size_t)> allocations("malloc", [&](auto original, size_t size) {
+        return failing_allocation > 0 && --failing_allocation == 0 ? nullptr : original(size);
+    });
     std::wstring name = L"the job's";
     int refused = 0;
     for (int nth = 1, started = 0; started < 3; ++nth) {
@@ -209,20 +192,19 @@ TEST_F(Sheet, ServiceGetsAHeaderThatIsNotOnTheStack) {
     static LONG answer;
     static DWORD result;
     static std::wstring loaded;  // not what the program has beside it
-    const ImportPatch load("LoadLibraryExW", reinterpret_cast<void*>(+[](const wchar_t* path, HANDLE, DWORD) {
-                               loaded = path;
-                               return GetModuleHandleW(nullptr);
-                           }));
+    const ImportPatch load("LoadLibraryExW", [](const wchar_t* path, HANDLE, DWORD) {
+        loaded = path;
+        return GetModuleHandleW(nullptr);
+    });
     wchar_t system[MAX_PATH] = {};
     GetSystemDirectoryW(system, MAX_PATH);
-    const ImportPatch find(
-        "GetProcAddress", reinterpret_cast<void*>(+[]() -> void* {
-            return reinterpret_cast<void*>(+[](HWND, PFNPROPSHEETUI, LPARAM parameter, DWORD* ended) -> LONG {
-                given = parameter;
-                *ended = result;
-                return answer;
-            });
-        }));
+    const ImportPatch find("GetProcAddress", []() -> void* {
+        return reinterpret_cast<void*>(+[](HWND, PFNPROPSHEETUI, LPARAM parameter, DWORD* ended) -> LONG {
+            given = parameter;
+            *ended = result;
+            return answer;
+        });
+    });
     const auto on_stack = [](LPARAM address) {
         const auto* block = reinterpret_cast<const NT_TIB*>(NtCurrentTeb());
         const auto at = reinterpret_cast<const void*>(address);
@@ -239,37 +221,35 @@ TEST_F(Sheet, ServiceGetsAHeaderThatIsNotOnTheStack) {
                 {-1, CPSUI_OK, IDCANCEL, FALSE}};
     for (const auto& row : rows) {
         answer = row.answer, result = row.result;
-        given = 0;
-        EXPECT_EQ(DrvDocumentProperties(nullptr, header.hPrinter, nullptr, &output.dm, nullptr, DM_PROMPT),
-                  row.document);
-        EXPECT_TRUE(given && !on_stack(given));
-        given = 0;
-        EXPECT_EQ(PrinterProperties(nullptr, header.hPrinter), row.printer);
-        EXPECT_TRUE(given && !on_stack(given));
+        for (const bool document : {true, false}) {
+            given = 0;
+            EXPECT_EQ(document ? DrvDocumentProperties(nullptr, header.hPrinter, nullptr, &output.dm, nullptr,
+                                                       DM_PROMPT)
+                               : PrinterProperties(nullptr, header.hPrinter),
+                      document ? row.document : row.printer);
+            EXPECT_TRUE(given && !on_stack(given));
+        }
         EXPECT_EQ(loaded, system + std::wstring(L"\\compstui.dll"));
     }
 }
 
 TEST_F(Sheet, HiddenTabLeavesTheSettingsPageAlone) {
-    struct Row {
+    const struct {
         const char* label;
-        int user, machine;  // -1: not set
+        std::optional<DWORD> user, machine;
         size_t pages;
         WORD dialog;
-    };
-    constexpr Row kRows[] = {{"nothing set", -1, -1, 2, 7100},
-                             {"by the user", 1, -1, 1, 370},
-                             {"the machine replaces it", 1, 0, 2, 7100},
-                             {"by the machine", -1, 1, 1, 370}};
-    for (const Row& row : kRows) {
+    } rows[] = {{"nothing set", {}, {}, 2, 7100},
+                {"by the user", 1, {}, 1, 370},
+                {"the machine replaces it", 1, 0, 2, 7100},
+                {"by the machine", {}, 1, 1, 370}};
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
-        Installation fresh;
-        if (row.user >= 0)
-            fresh.set_number(HKEY_CURRENT_USER, L"\\Special", L"HideSettingTab",
-                             static_cast<DWORD>(row.user));
-        if (row.machine >= 0)
-            fresh.set_number(HKEY_LOCAL_MACHINE, L"\\Special", L"HideSettingTab",
-                             static_cast<DWORD>(row.machine));
+        const Installation fresh;
+        if (row.user)
+            fresh.set_number(HKEY_CURRENT_USER, L"\\Special", L"HideSettingTab", *row.user);
+        if (row.machine)
+            fresh.set_number(HKEY_LOCAL_MACHINE, L"\\Special", L"HideSettingTab", *row.machine);
         added.clear();
         EXPECT_EQ(send(PROPSHEETUI_REASON_INIT), 1);
         EXPECT_EQ(added.size(), row.pages);
@@ -348,8 +328,7 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
     const std::wstring library = here.folder.file(dialog_library::kFileName);
     CopyFileW(Installation::built(dialog_library::kFileName).c_str(), library.c_str(), TRUE);
     const qk::DLL dialogs(LoadLibraryW(library.c_str()));
-    const ImportPatch hive("RegOpenCurrentUser", reinterpret_cast<void*>(&UserRegistry::open_hive),
-                           dialogs.get());
+    const ImportPatch hive("RegOpenCurrentUser", &UserRegistry::open_hive, dialogs.get());
     PrintSettings custom, office;
     custom->PSName = L"Standard";
     custom.general()->PaperType = 1;
@@ -372,14 +351,12 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
         output = {};
         const auto sheet = [] {
             HWND found = nullptr;
-            EnumThreadWindows(
-                GetCurrentThreadId(),
-                [](HWND window, LPARAM result) {
-                    if (SendMessageW(window, PSM_GETCURRENTPAGEHWND, 0, 0))
-                        *reinterpret_cast<HWND*>(result) = window;
-                    return TRUE;
-                },
-                reinterpret_cast<LPARAM>(&found));
+            const auto visit = [](HWND window, LPARAM result) -> BOOL {
+                if (SendMessageW(window, PSM_GETCURRENTPAGEHWND, 0, 0))
+                    *reinterpret_cast<HWND*>(result) = window;
+                return TRUE;
+            };
+            EnumThreadWindows(GetCurrentThreadId(), visit, reinterpret_cast<LPARAM>(&found));
             return found;
         };
         const Later later(
@@ -416,7 +393,7 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
 
 TEST_F(Sheet, WorldInDisorderStillGivesASheet) {
     ForceDirectories(here.folder.file(L"Settings\\standard.ps4"));  // a folder where a setting is expected
-    const ImportPatch texts("LoadStringW", reinterpret_cast<void*>(+[]() -> int { return 0; }));
+    const ImportPatch texts("LoadStringW", [] { return 0; });
     here.printer.fails_to_tell = true;
     EXPECT_EQ(send(PROPSHEETUI_REASON_INIT), 1);
     PROPSHEETUI_INFO_HEADER sheet_header = {};
@@ -428,7 +405,7 @@ TEST_F(Sheet, WorldInDisorderStillGivesASheet) {
 }
 
 TEST_F(Sheet, WithoutTheServiceItCountsAsCancelled) {
-    const ImportPatch load("LoadLibraryExW", reinterpret_cast<void*>(+[]() -> HMODULE { return nullptr; }));
+    const ImportPatch load("LoadLibraryExW", []() -> HMODULE { return nullptr; });
     EXPECT_EQ(DrvDocumentProperties(nullptr, header.hPrinter, header.pszPrinterName, &output.dm, nullptr,
                                     DM_COPY | DM_PROMPT),
               IDCANCEL);
@@ -461,14 +438,15 @@ TEST_F(Sheet, ThoseOfTwoThreadsDoNotMeet) {
         sheet.pfnComPropSheet = [](HANDLE, UINT, LPARAM, LPARAM) -> LONG_PTR { return 77; };
         sheet.lParamInit = reinterpret_cast<LPARAM>(&mine);
         const SETRESULT_INFO set = {sizeof set, 0, reinterpret_cast<HANDLE>(INT_PTR{77}), CPSUI_OK};
-        sheet.Reason = PROPSHEETUI_REASON_INIT;
-        EXPECT_EQ(DrvDocumentPropertySheets(&sheet, 0), 1);
+        const auto tell = [&](WORD reason) {
+            sheet.Reason = reason;
+            EXPECT_EQ(DrvDocumentPropertySheets(&sheet, reinterpret_cast<LPARAM>(&set)), 1);
+        };
+        tell(PROPSHEETUI_REASON_INIT);
         for (++standing; standing < 2;)
             Sleep(0);
-        sheet.Reason = PROPSHEETUI_REASON_SET_RESULT;
-        EXPECT_EQ(DrvDocumentPropertySheets(&sheet, reinterpret_cast<LPARAM>(&set)), 1);
-        sheet.Reason = PROPSHEETUI_REASON_DESTROY;
-        EXPECT_EQ(DrvDocumentPropertySheets(&sheet, 0), 1);
+        tell(PROPSHEETUI_REASON_SET_RESULT);
+        tell(PROPSHEETUI_REASON_DESTROY);
         EXPECT_EQ(out.dm.dmScale, scale);
         EXPECT_EQ(FreeThreadProp(threadprop::kPrinter), job);
     };
@@ -481,17 +459,9 @@ TEST(OptionItem, EachTypeHasItsParameters) {
     constexpr size_t kCounts[] = {2, 3, 2, 3, 3, 4, 4, 2, 1, 1, 0};
     for (BYTE type = 0; type < std::size(kCounts); ++type) {
         SCOPED_TRACE(int{type});
-        const OptionDescriptor descriptor = {.flags = 0,
-                                             .level = 1,
-                                             .public_id = 101,
-                                             .name_id = 19,
-                                             .type = type,
-                                             .count = 4,
-                                             .style = 0,
-                                             .icon_id = 10,
-                                             .build = OptionDescriptor::kExtended |
-                                                      OptionDescriptor::kIconsCountUp |
-                                                      OptionDescriptor::kDataAdvances};
+        using D = OptionDescriptor;
+        const D descriptor = {
+            0, 1, 101, 19, type, 4, 0, 10, D::kExtended | D::kIconsCountUp | D::kDataAdvances};
         OptionItem item;
         ASSERT_EQ(CreateOPTTYPE(descriptor, {L"a", L"b"}, 5000, item), kCounts[type] != 0);
         if (kCounts[type] == 0)

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <numeric>
 #include <random>
@@ -25,21 +26,14 @@ protected:
     ProfileFolder profiles;
 };
 
-// How many settings: the environment variable ZR_UNTOUCHED, for a longer look than a run of all tests has
-// time for.
-unsigned settings_to_try() {
-    wchar_t number[10] = {};
-    GetEnvironmentVariableW(L"ZR_UNTOUCHED", number, static_cast<DWORD>(std::size(number)));
-    return number[0] ? static_cast<unsigned>(_wtoi(number)) : 40;
-}
-
 TEST_F(Untouched, SettingsThatAreLookedAtAreNotWritten) {
-    const unsigned settings = settings_to_try();
-    constexpr DWORD kOld = 0x01C00000;
+    // For a longer look than a run of all tests has time for.
+    const char* const wanted = std::getenv("ZR_UNTOUCHED");
+    const int settings = wanted ? std::atoi(wanted) : 40;
     const std::wstring path = GetAppDataPath(true) + L"random.ps4";
     RandomSettings random(9);
     std::mt19937 engine(9);
-    for (unsigned i = 0; i < settings && !HasFailure(); ++i) {
+    for (int i = 0; i < settings && !HasFailure(); ++i) {
         SCOPED_TRACE(i);
         Setting made = random.next();
         made->PSName.insert(0, std::to_wstring(i));  // a name is asked for
@@ -49,11 +43,7 @@ TEST_F(Untouched, SettingsThatAreLookedAtAreNotWritten) {
             made.general()->PaperName = DMPAPER_A4;
         ASSERT_TRUE(made.Save(path));
         ASSERT_TRUE(LoadSettingFile(path));
-        const qk::FileObj file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES,
-                                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                           OPEN_EXISTING, 0, nullptr));
-        const FILETIME old = {0, kOld};
-        ASSERT_TRUE(SetFileTime(file.get(), nullptr, nullptr, &old));
+        make_old(path);
         std::array<size_t, kPageCount> order;
         std::iota(order.begin(), order.end(), size_t{0});
         std::shuffle(order.begin(), order.end(), engine);
@@ -67,91 +57,76 @@ TEST_F(Untouched, SettingsThatAreLookedAtAreNotWritten) {
         EXPECT_FALSE(stayed_open());
         for (const Outbox::Box& box : Outbox::boxes)
             ADD_FAILURE() << qk::to_utf8(box.text);
-        WIN32_FILE_ATTRIBUTE_DATA now = {};
-        GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &now);
-        EXPECT_EQ(now.ftLastWriteTime.dwHighDateTime, kOld);
+        EXPECT_TRUE(is_old(path));
     }
 }
 
 TEST_F(Untouched, WhatDoesNotGoTogetherStaysUntilItIsChanged) {
-    using Fill = std::function<void(Setting&)>;
-    struct {
-        const char* label;
-        Fill fill;
-        PageIndex page;
-        std::function<void()> change;
-        UINT message;
-        int focus;
-    } const rows[] = {
-        {"target above threshold", [](auto& s) { s.compression()->Mono->ResolutionTarget = 2000; },
-         kCompressPage, [] { type(kCompressPage, IDC_CMP_MONO + CMP_THRESHOLD, L"1700"); },
-         IDS_CMP_TARGET_ABOVE, IDC_CMP_MONO + CMP_TARGET},
-        {"watermark without text",
-         [](auto& s) {
-             s.watermark()->Style = 1;
-             s.watermark()->Text = L"";
-         },
-         kWaterMarkPage, [] { type(kWaterMarkPage, IDC_MARK_WORDS, L" "); }, IDS_MARK_NO_WORDS,
-         IDC_MARK_WORDS},
-        {"watermark without a picture", [](auto& s) { s.watermark()->Style = 2; }, kWaterMarkPage,
-         [] { type(kWaterMarkPage, IDC_MARK_FILE, L"Q:\\x.png"); }, IDS_MARK_LOST_FILE, IDC_MARK_FILE},
-        {"folder of another computer",
-         [](auto& s) {
-             s.general()->SaveStyle = 1;
-             s.general()->OutputFolder = L"Q:\\there";
-         },
-         kGeneralPage, [] { type(kGeneralPage, IDC_OUTPUT_FOLDER, L"Q:\\"); }, IDS_NO_OUTPUT_FOLDER,
-         IDC_OUTPUT_FOLDER},
-        {"links for the press",
-         [](auto& s) {
-             s.general()->URLLink = true;
-             s.pdfVersion()->Version = 6;
-             s.pdfVersion()->ICCFileName = L"press.icc";
-         },
-         kGeneralPage, [] { choose_version(7); }, IDS_NO_LINKS, IDC_URL_LINK},
-        {"profile of another computer",
-         [](auto& s) {
-             s.pdfVersion()->Version = 6;
-             s.pdfVersion()->ICCFileName = L"gone.icc";
-         },
-         kPDFVersionPage, [] { choose_version(7); }, IDS_PV_NO_PROFILE, IDC_PV_PROFILE},
-        {"boxes",
-         [](auto& s) {
-             s.pdfVersion()->Version = 6;
-             s.pdfVersion()->ICCFileName = L"gone.icc";
-             s.pdfVersion()->UseTrimBox = s.pdfVersion()->UseBleedBox = true;
-             s.pdfVersion()->TrimBox.left = 3;
-             s.pdfVersion()->BleedBox.left = 5;
-         },
-         kPDFVersionPage, [] { type(kPDFVersionPage, IDC_PV_TRIM_LEFT, L"4"); }, IDS_PV_BAD_BOXES,
-         IDC_PV_BLEED_LEFT},
-        {"same passwords",
-         [](auto& s) { s.security()->MasterPassword = s.security()->UserPassword = L"x y"; }, kSecuritiesPage,
-         [] { choose_version(12); }, IDS_SEC_SAME_PASSWORDS, IDC_SEC_OPEN_PASSWORD},
-        {"character of another version", [](auto& s) { s.security()->UserPassword = L"x y"; },
-         kSecuritiesPage, [] { type(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD, L"x  y"); },
-         IDS_SEC_BAD_CHARACTER, IDC_SEC_OPEN_PASSWORD},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
+    // A file with what `fill` puts into it is left alone, until `change` makes the page say so.
+    const auto expect = [&](const char* label, PageIndex page, const std::function<void(Setting&)>& fill,
+                            const std::function<void()>& change, UINT message, int focus) {
+        SCOPED_TRACE(label);
         Setting filled;
-        filled->PSName = qk::to_wide(row.label);
-        row.fill(filled);
+        filled->PSName = qk::to_wide(label);
+        fill(filled);
         setting() = filled;
         show([&] {
-            go_to(row.page);
-            expect_check(row.page, 0);
+            go_to(page);
+            expect_check(page, 0);
             press_ok();  // under a new name
         });
         EXPECT_FALSE(stayed_open());
         setting() = filled;
         setting()->PSName += L"(1)";
         show([&] {
-            go_to(row.page);
-            row.change();
-            expect_check(row.page, row.message, row.focus);
+            go_to(page);
+            change();
+            expect_check(page, message, focus);
         });
-    }
+    };
+    const auto press = [](auto& s, const wchar_t* profile) {
+        s.pdfVersion()->Version = 6;
+        s.pdfVersion()->ICCFileName = profile;
+    };
+    expect(
+        "target above threshold", kCompressPage,
+        [](auto& s) { s.compression()->Mono->ResolutionTarget = 2000; },
+        [] { type(kCompressPage, IDC_CMP_MONO + CMP_THRESHOLD, L"1700"); }, IDS_CMP_TARGET_ABOVE,
+        IDC_CMP_MONO + CMP_TARGET);
+    expect(
+        "watermark without text", kWaterMarkPage,
+        [](auto& s) { s.watermark()->Style = 1, s.watermark()->Text = L""; },
+        [] { type(kWaterMarkPage, IDC_MARK_WORDS, L" "); }, IDS_MARK_NO_WORDS, IDC_MARK_WORDS);
+    expect(
+        "watermark without a picture", kWaterMarkPage, [](auto& s) { s.watermark()->Style = 2; },
+        [] { type(kWaterMarkPage, IDC_MARK_FILE, L"Q:\\x.png"); }, IDS_MARK_LOST_FILE, IDC_MARK_FILE);
+    expect(
+        "folder of another computer", kGeneralPage,
+        [](auto& s) { s.general()->SaveStyle = 1, s.general()->OutputFolder = L"Q:\\there"; },
+        [] { type(kGeneralPage, IDC_OUTPUT_FOLDER, L"Q:\\"); }, IDS_NO_OUTPUT_FOLDER, IDC_OUTPUT_FOLDER);
+    expect(
+        "links for the press", kGeneralPage,
+        [&](auto& s) { s.general()->URLLink = true, press(s, L"press.icc"); }, [] { choose_version(7); },
+        IDS_NO_LINKS, IDC_URL_LINK);
+    expect(
+        "profile of another computer", kPDFVersionPage, [&](auto& s) { press(s, L"gone.icc"); },
+        [] { choose_version(7); }, IDS_PV_NO_PROFILE, IDC_PV_PROFILE);
+    expect(
+        "boxes", kPDFVersionPage,
+        [&](auto& s) {
+            press(s, L"gone.icc");
+            s.pdfVersion()->UseTrimBox = s.pdfVersion()->UseBleedBox = true;
+            s.pdfVersion()->TrimBox.left = 3, s.pdfVersion()->BleedBox.left = 5;
+        },
+        [] { type(kPDFVersionPage, IDC_PV_TRIM_LEFT, L"4"); }, IDS_PV_BAD_BOXES, IDC_PV_BLEED_LEFT);
+    expect(
+        "same passwords", kSecuritiesPage,
+        [](auto& s) { s.security()->MasterPassword = s.security()->UserPassword = L"x y"; },
+        [] { choose_version(12); }, IDS_SEC_SAME_PASSWORDS, IDC_SEC_OPEN_PASSWORD);
+    expect(
+        "character of another version", kSecuritiesPage, [](auto& s) { s.security()->UserPassword = L"x y"; },
+        [] { type(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD, L"x  y"); }, IDS_SEC_BAD_CHARACTER,
+        IDC_SEC_OPEN_PASSWORD);
 }
 
 }  // namespace

@@ -16,27 +16,26 @@ using Corvanta::Vantrix::PrintSettings::General_impl;
 using Corvanta::Vantrix::PrintSettings::Watermark_impl;
 
 TEST(ViewBoxRules, PageFollowsPaperAndOrientation) {
-    struct {
+    constexpr Extent kA3 = {297, 420};
+    const struct {
         const char* label;
         int32_t type, orientation;
         std::optional<Extent> form;
         float width;
         Extent wanted;
-    } const rows[] = {
-        {"own size", 0, 0, {}, 100, {100, 297}},
-        {"the form's size", 0, 0, Extent{297, 420}, 100, {297, 420}},
-        {"turned form", 0, 1, Extent{297, 420}, 100, {420, 297}},
-        {"a custom size is not turned", 1, 1, Extent{297, 420}, 100, {100, 297}},
-        {"no number", 1, 0, {}, NAN, {1, 297}},
-    };
+    } rows[] = {{"own size", 0, 0, {}, 100, {100, 297}},
+                {"the form's size", 0, 0, kA3, 100, kA3},
+                {"turned form", 0, 1, kA3, 100, {420, 297}},
+                {"a custom size is not turned", 1, 1, kA3, 100, {100, 297}},
+                {"no number", 1, 0, {}, NAN, {1, 297}}};
     for (const auto& row : rows) {
         General_impl general;
         general.PaperType = row.type;
         general.PaperOrientation = row.orientation;
         general.PaperWidth = row.width;
         const Extent page = page_extent(general, row.form);
-        EXPECT_EQ(page.width, row.wanted.width) << row.label;
-        EXPECT_EQ(page.height, row.wanted.height) << row.label;
+        EXPECT_EQ(std::pair(page.width, page.height), std::pair(row.wanted.width, row.wanted.height))
+            << row.label;
     }
     for (const auto& [width, height] : {std::pair{0, 0}, {3, 500}, {101, 160}}) {
         const RECT place = fit_page({210, 297}, width, height);
@@ -66,9 +65,11 @@ protected:
     }
     // Where the drawing has the watermark's red, and how red it is at most.
     struct Red {
-        int count = 0;
         RECT around = {kWidth, kHeight, 0, 0};
         int strength = 0;
+        [[nodiscard]] bool is_none() const { return around.right == 0; }
+        [[nodiscard]] LONG width() const { return around.right - around.left; }
+        [[nodiscard]] LONG height() const { return around.bottom - around.top; }
     };
     Red draw() {
         const qk::Selected selected(dc.get(), bitmap.get());
@@ -80,11 +81,9 @@ protected:
                 const uint32_t pixel = bits[y * kWidth + x];
                 const int strength = static_cast<int>(pixel >> 16 & 0xFF) - static_cast<int>(pixel & 0xFF);
                 red.strength = std::max(red.strength, strength);
-                if (strength < 32)
-                    continue;
-                ++red.count;
-                red.around = {std::min(red.around.left, x), std::min(red.around.top, y),
-                              std::max(red.around.right, x), std::max(red.around.bottom, y)};
+                if (strength >= 32)
+                    red.around = {std::min(red.around.left, x), std::min(red.around.top, y),
+                                  std::max(red.around.right, x), std::max(red.around.bottom, y)};
             }
         return red;
     }
@@ -99,30 +98,27 @@ TEST_F(PageDrawing, WatermarkLiesWhereItIsAsked) {
     mark.DiagonalText = false;
     mark.FontSize = 30;
     mark.Text = L"MM";
-    for (uint32_t horizontal = 0; horizontal < 3; ++horizontal)
-        for (uint32_t vertical = 0; vertical < 3; ++vertical) {
-            mark.HorizontalPosition = horizontal;
-            mark.VerticalPosition = vertical;
-            const Red red = draw();
-            ASSERT_GT(red.count, 0);
-            const auto third = [](LONG first, LONG last, int side) { return (first + last) / 2 * 3 / side; };
-            EXPECT_EQ(third(red.around.left, red.around.right, kWidth), static_cast<LONG>(horizontal));
-            EXPECT_EQ(third(red.around.top, red.around.bottom, kHeight), static_cast<LONG>(vertical));
-        }
+    for (uint32_t place = 0; place < 9; ++place) {
+        mark.HorizontalPosition = place % 3;
+        mark.VerticalPosition = place / 3;
+        const Red red = draw();
+        ASSERT_FALSE(red.is_none());
+        const auto third = [](LONG first, LONG last, int side) { return (first + last) / 2 * 3 / side; };
+        EXPECT_EQ(third(red.around.left, red.around.right, kWidth), static_cast<LONG>(place % 3));
+        EXPECT_EQ(third(red.around.top, red.around.bottom, kHeight), static_cast<LONG>(place / 3));
+    }
 }
 
 TEST_F(PageDrawing, WatermarkThatFitsFillsThePageAndNoMore) {
-    mark.DiagonalText = true;
-    const Red red = draw();
-    EXPECT_GT(red.around.right - red.around.left, kWidth / 2);
-    EXPECT_GT(red.around.bottom - red.around.top, kHeight / 2);
-    EXPECT_GT(red.around.left, 6);
-    EXPECT_LT(red.around.right, kWidth - 6);
-    mark.Text = L"WWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWW";
-    mark.DiagonalText = false;
-    const Red longer = draw();
-    EXPECT_GT(longer.around.left, 6);
-    EXPECT_LT(longer.around.right, kWidth - 6);
+    for (const bool diagonal : {true, false}) {
+        mark.DiagonalText = diagonal;
+        mark.Text = std::wstring(diagonal ? 12 : 44, L'W');
+        const Red red = draw();
+        EXPECT_GT(red.width(), kWidth / 2);
+        EXPECT_EQ(red.height() > kHeight / 2, diagonal);
+        EXPECT_GT(red.around.left, 6);
+        EXPECT_LT(red.around.right, kWidth - 6);
+    }
 }
 
 TEST_F(PageDrawing, TransparencyAndVisibilityAreSeen) {
@@ -151,15 +147,19 @@ TEST_F(PageDrawing, PictureIsDrawnInItsOwnColoursAndSize) {
         "\x4f\0\0\0\x4f\0\0\0\0\0\0\0\0\0\0\0\0\0\xff\0\0\xff\0\0\0\0\xff\0\0\xff\0\0",
         70);
     mark.Style = 2;
-    mark.PictureFileName = here.folder.write(L"red.bmp", file);
     mark.PictureScale = 200;
-    const Red red = draw();
-    EXPECT_NEAR(red.around.right - red.around.left, 51, 3);
-    EXPECT_NEAR(red.around.bottom - red.around.top, 51, 3);
+    for (const char pixels_per_metre :
+         {'\x4f', '\x9e'}) {  // in height: as many as in width, and twice as many
+        file[42] = pixels_per_metre;
+        mark.PictureFileName = here.folder.write(std::to_wstring(pixels_per_metre) + L".bmp", file);
+        const Red red = draw();
+        EXPECT_NEAR(red.width(), 51, 3);
+        EXPECT_NEAR(red.height(), pixels_per_metre == '\x4f' ? 51 : 25, 3);
+    }
     mark.PictureScale = Watermark_impl::kNoPictureScale;
-    EXPECT_NEAR(draw().around.right - red.around.left, 189 / 2 + 25, 4);
+    EXPECT_NEAR(draw().width(), 189, 4);
     mark.PictureFileName = here.folder.write(L"broken.bmp", file.substr(0, 20));
-    EXPECT_EQ(draw().count, 0);
+    EXPECT_TRUE(draw().is_none());
 }
 
 }  // namespace

@@ -18,7 +18,6 @@
 #include "common/qk/override_ini.h"
 #include "common/teskel_custom_2021.h"
 #include "common/qk/text.h"
-#include "companions/host/options.h"
 #include "companions/host/setting_check.h"
 #include "lib/devmode.h"
 #include "print_settings/PSAdmin.h"
@@ -54,8 +53,7 @@ struct World {
     }
 
     Installation here;
-    qk::DLL library;
-    qk::DLL colours{LoadLibraryW(L"mscms.dll")};  // not loaded anew for each profile
+    qk::DLL library, colours{LoadLibraryW(L"mscms.dll")};  // not loaded anew for each profile
 };
 
 void expect(bool fulfilled, const char* what) {
@@ -68,9 +66,10 @@ std::string bytes_of(const T& value) {
     return std::string(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
-int send(int event, const void* in = nullptr, size_t size = 0) {
-    return DrvDocumentEvent(FakePrinter::handle(), nullptr, event, static_cast<ULONG>(size),
-                            const_cast<void*>(in), 0, nullptr);
+void send(int event, const char* what, const void* in = nullptr, size_t size = 0) {
+    expect(DrvDocumentEvent(FakePrinter::handle(), nullptr, event, static_cast<ULONG>(size),
+                            const_cast<void*>(in), 0, nullptr) == DOCUMENTEVENT_SUCCESS,
+           what);
 }
 
 // --- Settings ---
@@ -164,11 +163,11 @@ void with_record(const wchar_t* pattern, Use use) {
 }
 
 bool feed_result(std::string_view bytes) {
-    expect(send(DOCUMENTEVENT_STARTDOCPRE) == DOCUMENTEVENT_SUCCESS, "the job did not start");
+    send(DOCUMENTEVENT_STARTDOCPRE, "the job did not start");
     with_record<ZRTKPrintInfo>(kResultBlockName, [&](ZRTKPrintInfo& record) {
         std::memcpy(&record, bytes.data(), std::min(bytes.size(), sizeof record));
     });
-    expect(send(DOCUMENTEVENT_ENDDOCPOST) == DOCUMENTEVENT_SUCCESS, "the job did not end");
+    send(DOCUMENTEVENT_ENDDOCPOST, "the job did not end");
     return std::exchange(Outbox::boxes, {}).size() == 1;
 }
 
@@ -176,13 +175,12 @@ constexpr wchar_t kDocument[] = L"A document's name";
 
 bool feed_docinfo(std::string_view bytes) {
     const GuardedBuffer guarded(bytes.size() & ~size_t{7}, bytes.data());
-    expect(send(DOCUMENTEVENT_STARTDOCPRE, guarded.as<>(), guarded.size()) == DOCUMENTEVENT_SUCCESS,
-           "the job did not start");
+    send(DOCUMENTEVENT_STARTDOCPRE, "the job did not start", guarded.as<>(), guarded.size());
     bool named = false;
     with_record<ZRTKPrintStartInfoC>(kStartBlockName, [&](const ZRTKPrintStartInfoC& record) {
         named = std::wstring_view(record.title) == kDocument;
     });
-    send(DOCUMENTEVENT_ENDDOCPOST);
+    send(DOCUMENTEVENT_ENDDOCPOST, "the job did not end");
     return named;
 }
 
@@ -209,20 +207,6 @@ bool feed_ini(const World& world, std::string_view bytes) {
     const pd_tk::TeskelCustom2021 calls(L"A document");
     (void)calls.HasAnyExe(), (void)calls.GetOutputFolder();
     return ini.valid();
-}
-
-// The words of a line, a bar between them.
-bool feed_options(std::string_view bytes) {
-    std::vector<std::wstring> words(1);
-    for (const wchar_t unit : qk::to_wide(bytes))
-        if (unit == L'|')
-            words.emplace_back();
-        else
-            words.back() += unit;
-    std::vector<const wchar_t*> pointers;
-    for (const std::wstring& word : words)
-        pointers.push_back(word.c_str());
-    return host::parse_options(pointers).fault.empty();
 }
 
 }  // namespace
@@ -261,11 +245,6 @@ std::vector<Kind> make_kinds() {
           "1\r\n"
           "[DocEnd]\r\nApp=C:\\windows\\notepad.exe\r\n[Output]\r\nOutputFolder=C:\\start\\\r\n"},
          [&](auto bytes) { return feed_ini(world, bytes); }},
-        {"options",
-         {"print|--trace|5|--title|A title|--output|C:\\x.pdf|--abort-after-page|2|a b.txt",
-          "diff|a.ps4|b.ps4|--json", "print|--threads|8|--jobs|20|--json", "properties|--press|ok",
-          "install|--from|C:\\stage|--default"},
-         &feed_options},
     };
 }
 

@@ -125,16 +125,14 @@ int main(int count, char** words) {
     const unsigned long seconds = number("--seconds", rounds == ULONG_MAX ? 10 : 1'000'000);
     std::printf("seed %u\n", seed);
     SetUnhandledExceptionFilter(&on_fault);
-    std::signal(
-        SIGABRT, +[](int) { give_up("abort"); });
-    const qk::HandleObj watch(CreateThread(
-        nullptr, 0,
-        [](void*) -> DWORD {
-            for (;; Sleep(500))
-                if (const ULONGLONG since = fed_at; since != 0 && GetTickCount64() - since > kHangMs)
-                    give_up("no answer");
-        },
-        nullptr, 0, nullptr));
+    const auto on_abort = [](int) { give_up("abort"); };
+    std::signal(SIGABRT, on_abort);
+    const auto watch = [](void*) -> DWORD {
+        for (;; Sleep(500))
+            if (const ULONGLONG since = fed_at; since != 0 && GetTickCount64() - since > kHangMs)
+                give_up("no answer");
+    };
+    const qk::HandleObj watcher(CreateThread(nullptr, 0, watch, nullptr, 0, nullptr));
 
     std::vector<fuzz::Kind> kinds = fuzz::make_kinds();
     if (options.contains("--kind"))

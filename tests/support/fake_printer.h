@@ -12,7 +12,6 @@
 #include <cstring>
 #include <cwchar>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,15 +26,7 @@ public:
         SIZEL size = {100000, 200000};
     };
 
-    FakePrinter()
-        : open_("OpenPrinterW", reinterpret_cast<void*>(&on_open)),
-          close_("ClosePrinter", reinterpret_cast<void*>(&on_close)),
-          get_("GetPrinterW", reinterpret_cast<void*>(&on_get)),
-          forms_("EnumFormsW", reinterpret_cast<void*>(&on_forms)),
-          get_data_("GetPrinterDataW", reinterpret_cast<void*>(&on_get_data)),
-          set_data_("SetPrinterDataW", reinterpret_cast<void*>(&on_set_data)) {
-        self_ = this;
-    }
+    FakePrinter() { self_ = this; }
     ~FakePrinter() { self_ = nullptr; }
     FakePrinter(const FakePrinter&) = delete;
     FakePrinter& operator=(const FakePrinter&) = delete;
@@ -49,11 +40,8 @@ public:
     std::atomic<DWORD> grows_by = 0;  // PRINTER_INFO_2W is larger (or, wrapped, smaller) at the second call
     bool fails_to_tell = false;       // PRINTER_INFO_2W has a size, but cannot be read
     std::function<void()> while_telling;
-    std::atomic<int> get_calls = 0;
-    std::atomic<int> forms_calls = 0;
+    std::atomic<int> get_calls = 0, forms_calls = 0, open_calls = 0, open_handles = 0;
     bool forms_buffer_was_clear = true;
-    std::atomic<int> open_calls = 0;
-    std::atomic<int> open_handles = 0;
     DWORD open_access = 0;
     bool can_open = true;
     std::optional<std::vector<BYTE>> model;  // the printer data "Model", as bytes
@@ -118,28 +106,21 @@ private:
 
     static BOOL WINAPI on_forms(HANDLE, DWORD, BYTE* buffer, DWORD size, DWORD* needed, DWORD* count) {
         ++self_->forms_calls;
-        const auto& forms = self_->forms;
+        auto& forms = self_->forms;
         *needed = static_cast<DWORD>(forms.size() * sizeof(FORM_INFO_1W) + 8);
         if (!buffer && self_->failing_forms_call == 1)
             return fail(ERROR_INVALID_HANDLE);
         if (size < *needed) {
-            const std::unique_ptr<BYTE[]> used(
-                new BYTE[*needed]);  // what the next one of that size is made of
-            std::fill_n(static_cast<volatile BYTE*>(used.get()), *needed, BYTE{0xEE});
+            std::vector<BYTE> used(*needed);  // what the next one of that size is made of
+            std::fill_n(static_cast<volatile BYTE*>(used.data()), *needed, BYTE{0xEE});
             return fail(ERROR_INSUFFICIENT_BUFFER);
         }
-        self_->forms_buffer_was_clear &=
-            std::all_of(buffer, buffer + size, [](BYTE value) { return value == 0; });
+        self_->forms_buffer_was_clear &= std::count(buffer, buffer + size, 0) == std::ptrdiff_t{size};
         if (self_->failing_forms_call == 2)
             return fail(ERROR_NOT_READY);
         auto* form = reinterpret_cast<FORM_INFO_1W*>(buffer);
-        for (const Form& given : forms) {
-            form->Flags = given.flags;
-            form->pName = const_cast<wchar_t*>(given.name.c_str());
-            form->Size = given.size;
-            form->ImageableArea = {0, 0, given.size.cx, given.size.cy};
-            ++form;
-        }
+        for (Form& given : forms)
+            *form++ = {given.flags, given.name.data(), given.size, {0, 0, given.size.cx, given.size.cy}};
         *count = static_cast<DWORD>(forms.size());
         return TRUE;
     }
@@ -162,11 +143,7 @@ private:
     }
 
     static inline FakePrinter* self_ = nullptr;
-
-    ImportPatch open_;
-    ImportPatch close_;
-    ImportPatch get_;
-    ImportPatch forms_;
-    ImportPatch get_data_;
-    ImportPatch set_data_;
+    ImportPatch open_{"OpenPrinterW", &on_open}, close_{"ClosePrinter", &on_close},
+        get_{"GetPrinterW", &on_get}, forms_{"EnumFormsW", &on_forms},
+        get_data_{"GetPrinterDataW", &on_get_data}, set_data_{"SetPrinterDataW", &on_set_data};
 };

@@ -1,7 +1,6 @@
 #include "support/fake_tessalo.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdio>
 #include <cwchar>
 
@@ -16,27 +15,24 @@ void expect(bool fulfilled, const char* what) {
         std::snprintf(script.misuse, sizeof script.misuse, "%s", what);
 }
 
-void check_text(const qk::MsWString& text, const char* name) {
-    const wchar_t* units = text.capacity > qk::MsWString::kInPlace ? text.address : text.text;
-    expect(text.length <= text.capacity && units && units[text.length] == L'\0', name);
+bool is_clear(const void* place, size_t size) {
+    const auto* bytes = static_cast<const char*>(place);
+    return bytes && std::all_of(bytes, bytes + size, [](char byte) { return !byte; });
 }
 
-void check_empty(const qk::MsWString& text, const char* name) {
-    const auto* bytes = reinterpret_cast<const char*>(&text);
-    expect(std::all_of(bytes, bytes + sizeof text, [](char byte) { return !byte; }), name);
+bool is_terminated(const qk::MsWString& text) {
+    const wchar_t* units = text.capacity > qk::MsWString::kInPlace ? text.address : text.text;
+    return text.length <= text.capacity && units && units[text.length] == L'\0';
 }
 
 void check(const WorkingRecord& record) {
     expect(record.hand_over == 0, "hand-over flag not clear");
-    expect(
-        std::all_of(std::begin(record.padding), std::end(record.padding), [](uint8_t byte) { return !byte; }),
-        "padding not clear");
-    check_text(record.title, "title not terminated");
-    if (script.expects_start_folder)
-        check_text(record.output_path, "start folder not terminated");
-    else
-        check_empty(record.output_path, "path not clear");
-    check_empty(record.third_text, "third text not clear");
+    expect(is_clear(record.padding, sizeof record.padding), "padding not clear");
+    expect(is_terminated(record.title), "title not terminated");
+    expect(script.expects_start_folder ? is_terminated(record.output_path)
+                                       : is_clear(&record.output_path, sizeof record.output_path),
+           "start folder not terminated, or path not clear");
+    expect(is_clear(&record.third_text, sizeof record.third_text), "third text not clear");
     expect(record.settings != nullptr, "no settings");
     expect(record.first_value == 0 && record.second_value == 0 && record.third_value == 0,
            "values not clear");
@@ -54,12 +50,9 @@ __declspec(dllexport) FakeTessaloScript* Script() {
 __declspec(dllexport) int WINAPI
     GetSettingFN(wchar_t* buffer, int capacity, const wchar_t* printer, void* scratch) {
     InterlockedIncrement(&script.setting_calls);
-    const auto* bytes = static_cast<const char*>(scratch);
     expect(buffer && capacity == 512 && *buffer == L'\0', "setting buffer");
     expect(printer && *printer, "setting printer");
-    expect(
-        bytes && std::all_of(bytes, bytes + dialog_library::kScratchBytes, [](char byte) { return !byte; }),
-        "scratch");
+    expect(is_clear(scratch, dialog_library::kScratchBytes), "scratch");
     std::copy(std::begin(script.setting), std::end(script.setting), buffer);
     return script.setting_result;
 }
@@ -72,7 +65,7 @@ __declspec(dllexport) int WINAPI GetFile2(WorkingRecord* record, const wchar_t* 
 }
 
 __declspec(dllexport) int WINAPI GetBrowsePath(wchar_t* buffer, const wchar_t* current) {
-    expect(buffer && std::all_of(buffer, buffer + 512, [](wchar_t unit) { return !unit; }), "browse buffer");
+    expect(is_clear(buffer, 512 * sizeof *buffer), "browse buffer");
     expect(current && wcslen(current) < 512, "browse start");
     wcscpy(script.browsed_from, current);
     std::copy(std::begin(script.folder), std::end(script.folder), buffer);

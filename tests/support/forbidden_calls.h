@@ -12,14 +12,10 @@ public:
 
 private:
     // Whatever the arguments are: the caller removes them.
-    static INT_PTR WINAPI count() {
-        ++made_;
-        return 0;
-    }
-    static void* counter() { return reinterpret_cast<void*>(&count); }
+    static INT_PTR WINAPI count() { return made_++, 0; }
 
     static inline int made_ = 0;
-    ImportPatch set_value_{"RegSetValueExW", counter()}, create_key_{"RegCreateKeyExW", counter()};
-    ImportPatch create_file_{"CreateFileW", counter()}, write_file_{"WriteFile", counter()};
-    ImportPatch load_{"LoadLibraryW", counter()}, load_ex_{"LoadLibraryExW", counter()};
+    ImportPatch set_value_{"RegSetValueExW", &count}, create_key_{"RegCreateKeyExW", &count},
+        create_file_{"CreateFileW", &count}, write_file_{"WriteFile", &count}, load_{"LoadLibraryW", &count},
+        load_ex_{"LoadLibraryExW", &count};
 };

@@ -6,7 +6,9 @@
 
 #include <cstddef>
 #include <cstring>
+#include <functional>
 #include <string_view>
+#include <utility>
 
 // Some linkers lay the tables of imports anywhere, so that none of their entries is read in place.
 template <class T>
@@ -28,11 +30,9 @@ void for_each_import(HMODULE module, Visit visit) {
         const auto library = read_at<IMAGE_IMPORT_DESCRIPTOR>(row);
         if (!library.Name)
             return;
+        BYTE* slot = base + library.FirstThunk;
         const BYTE* names = base + library.OriginalFirstThunk;
-        for (BYTE* slot = base + library.FirstThunk;; slot += sizeof(void*), names += sizeof(void*)) {
-            const auto name = read_at<ULONGLONG>(names);
-            if (name == 0)
-                break;
+        for (; const auto name = read_at<ULONGLONG>(names); slot += sizeof(void*), names += sizeof(void*)) {
             const auto* text = base + name + offsetof(IMAGE_IMPORT_BY_NAME, Name);
             if (!IMAGE_SNAP_BY_ORDINAL(name) && visit(reinterpret_cast<const char*>(text), slot))
                 return;
@@ -52,14 +52,15 @@ inline void* exchange_import(BYTE* slot, void* function) {
 
 class ImportPatch {
 public:
-    // Every call of `function` (a name of any imported library) goes to `replacement` while this object
-    // lives.
-    ImportPatch(std::string_view function, void* replacement, HMODULE module = nullptr) {
+    // Every call of `function` (a name of any imported library) goes to `replacement`, an address or a lambda
+    // without captures, while this object lives.
+    template <class Replacement>
+    ImportPatch(std::string_view function, Replacement replacement, HMODULE module = nullptr) {
         for_each_import(module ? module : GetModuleHandleW(nullptr), [&](const char* name, BYTE* slot) {
             return function == name && (slot_ = slot) != nullptr;
         });
         if (slot_)
-            original_ = exchange_import(slot_, replacement);
+            original_ = exchange_import(slot_, reinterpret_cast<void*>(+replacement));
     }
     ~ImportPatch() {
         if (slot_)
@@ -69,9 +70,33 @@ public:
     ImportPatch& operator=(const ImportPatch&) = delete;
 
     [[nodiscard]] bool found() const { return slot_ != nullptr; }
-    [[nodiscard]] void* original() const { return original_; }
+    template <class Function = void>
+    [[nodiscard]] Function* original() const {
+        return reinterpret_cast<Function*>(original_);
+    }
 
 private:
     BYTE* slot_ = nullptr;
     void* original_ = nullptr;
+};
+
+// The same with what it stands for at hand: act(original, arguments of the call...). One for each kind of
+// function (CallHook<decltype(CreateFileW)>) at a time.
+template <class Function>
+class CallHook;
+template <class Result, class... Arguments>
+class CallHook<Result(Arguments...)> {
+public:
+    using Original = Result (*)(Arguments...);
+
+    CallHook(std::string_view function, std::function<Result(Original, Arguments...)> act)
+        : patch_(function, [](Arguments... arguments) { return act_(original_, arguments...); }) {
+        original_ = patch_.template original<Result(Arguments...)>();
+        act_ = std::move(act);
+    }
+
+private:
+    static inline Original original_ = nullptr;
+    static inline std::function<Result(Original, Arguments...)> act_;
+    ImportPatch patch_;
 };

@@ -35,11 +35,8 @@ public:
         LPARAM lparam;
     };
 
-    Outbox()
-        : box_("MessageBoxW", reinterpret_cast<void*>(&on_box)),
-          post_("PostMessageW", reinterpret_cast<void*>(&on_post)),
-          event_("ReportEventW", reinterpret_cast<void*>(&on_event)) {
-        original_post_ = post_.original();
+    Outbox() {
+        original_post_ = post_.original<decltype(PostMessageW)>();
         boxes.clear();
         posted.clear();
         events.clear();
@@ -59,7 +56,7 @@ private:
     }
     static BOOL WINAPI on_post(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
         if (window != HWND_BROADCAST && IsWindow(window))  // a page's message to itself
-            return reinterpret_cast<decltype(&PostMessageW)>(original_post_)(window, message, wparam, lparam);
+            return original_post_(window, message, wparam, lparam);
         const std::scoped_lock lock(mutex_);
         posted.push_back({window, message, wparam, lparam});
         return TRUE;
@@ -73,25 +70,18 @@ private:
     }
 
     static inline qk::Lock mutex_;
-    static inline void* original_post_ = nullptr;
-    ImportPatch box_, post_, event_;
+    static inline decltype(&PostMessageW) original_post_ = nullptr;
+    ImportPatch box_{"MessageBoxW", &on_box}, post_{"PostMessageW", &on_post},
+        event_{"ReportEventW", &on_event};
 };
 
 struct Installation {
     static constexpr wchar_t kExternalCalls[] = L"Profile\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini";
     static constexpr wchar_t kKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0";
 
-    Installation()
-        : user_name("GetUserNameW", reinterpret_cast<void*>(+[](wchar_t* buffer, DWORD* units) -> BOOL {
-                        // One for each test program: shared lists are named by the user.
-                        qk::copy_zero_padded(buffer, *units,
-                                             L"tester " + std::to_wstring(GetCurrentProcessId()));
-                        *units = static_cast<DWORD>(wcslen(buffer)) + 1;
-                        return TRUE;
-                    })),
-          default_folder("SHGetFolderPathW", reinterpret_cast<void*>(&on_folder)) {
+    Installation() {
         profile_folder = folder.file(L"Profile");
-        original_folder = default_folder.original();
+        original_folder = default_folder.original<decltype(SHGetFolderPathW)>();
         for (const wchar_t* sub : {L"Settings\\legacy", L"CustomSettings", L"Dunmere\\Vantrix2", L"Roaming",
                                    L"Profile\\Corvanta\\Vantrix\\8.0", L"out"})
             ForceDirectories(folder.file(sub));
@@ -113,7 +103,7 @@ struct Installation {
     void write_external_calls(std::string_view lines) const {
         folder.write(kExternalCalls, std::string(lines));
     }
-    // A file of the build beside the test program.
+    // A file of the build, beside the test program.
     static std::wstring built(std::wstring_view name) {
         const std::wstring program = qk::module_path(nullptr);
         return program.substr(0, program.rfind(L'\\') + 1) + std::wstring(name);
@@ -128,18 +118,24 @@ struct Installation {
     TempFolder folder;
     FakePrinter printer;
     Outbox outbox;
-    ImportPatch user_name;
-    ImportPatch default_folder;
 
 private:
+    // One for each test program: shared lists are named by the user.
+    ImportPatch user_name{"GetUserNameW", [](wchar_t* buffer, DWORD* units) -> BOOL {
+                              const auto name = L"tester " + std::to_wstring(GetCurrentProcessId());
+                              qk::copy_zero_padded(buffer, *units, name);
+                              *units = static_cast<DWORD>(name.size() + 1);
+                              return TRUE;
+                          }};
+    ImportPatch default_folder{"SHGetFolderPathW", &on_folder};
+
     // The roaming folder by default, which no registry moves; the user's own is "Roaming".
     static HRESULT WINAPI on_folder(HWND window, int id, HANDLE token, DWORD type, wchar_t* path) {
         if (id != CSIDL_APPDATA || type != SHGFP_TYPE_DEFAULT)
-            return reinterpret_cast<decltype(&SHGetFolderPathW)>(original_folder)(window, id, token, type,
-                                                                                  path);
+            return original_folder(window, id, token, type, path);
         qk::copy_zero_padded(path, MAX_PATH, profile_folder);
         return S_OK;
     }
     static inline std::wstring profile_folder;
-    static inline void* original_folder = nullptr;
+    static inline decltype(&SHGetFolderPathW) original_folder = nullptr;
 };

@@ -1,110 +1,48 @@
 #include "support/module_calls.h"
 
-#include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <map>
+#include <optional>
 #include <sstream>
+#include <string>
 #include <string_view>
 #include <utility>
+
+#include "support/installation.h"
 
 namespace {
 
 ModuleCalls* current = nullptr;
 
-// What a call returns when it fails, and its last error (0: it has none).
 struct Failure {
     intptr_t result;
-    DWORD error;
-    std::string_view functions;  // between blanks
-};
-constexpr Failure kFailures[] = {
-    {0, ERROR_NOT_ENOUGH_MEMORY,
-     " malloc calloc realloc _strdup HeapAlloc CreateFileMappingW MapViewOfFile OpenFileMappingW"
-     " ActivateActCtx CreateCompatibleBitmap CreateCompatibleDC CreateFontIndirectW CreatePen "
-     "CreateSolidBrush"
-     " EnumFontFamiliesExW GdiAlphaBlend GetDC GetTextExtentPoint32W ImageList_Create InitCommonControlsEx"
-     " LoadIconW LoadImageW LoadStringW SetPropW SetTimer SetWindowTextW SetDlgItemTextW SetWindowPos"
-     " FormatMessageA FormatMessageW RegisterEventSourceW ReportEventW MessageBoxW"
-     " RegisterWindowMessageW CreateEventA CreateSemaphoreA CreateSemaphoreW CreateThread _beginthreadex"
-     " GetProcessWindowStation GetUserObjectInformationW SystemFunction036 "},
-    {0, ERROR_ACCESS_DENIED,
-     " CopyFileW CreateDirectoryW CreateMutexW OpenMutexW DeleteFileW RemoveDirectoryW FindNextFileW"
-     " FlushFileBuffers GetFileInformationByHandle GetFileSizeEx GetFileType GetFinalPathNameByHandleW"
-     " GetHandleInformation GetKernelObjectSecurity SetKernelObjectSecurity GetSecurityDescriptorSacl"
-     " ConvertStringSecurityDescriptorToSecurityDescriptorW InitializeSecurityDescriptor"
-     " SetSecurityDescriptorDacl SetSecurityDescriptorSacl OpenProcess OpenThreadToken GetUserNameW"
-     " ReadFile WriteFile SetEndOfFile SetFileInformationByHandle SetFilePointerEx GetTempPathW PostMessageW"
-     " SHGetSpecialFolderPathW GetPrinterW OpenPrinterW EnumFormsW DeleteFormW GetPrinterDriverDirectoryW"
-     " VirtualProtect GetDriveTypeW GetFullPathNameW GetSystemDirectoryW LockFileEx "},
-    {0, ERROR_MOD_NOT_FOUND,
-     " LoadLibraryExW LoadLibraryW GetModuleFileNameW GetModuleHandleExW GetModuleHandleW GetProcAddress"
-     " FindResourceW "},
-    {0, ERROR_INVALID_PARAMETER, " GetPrivateProfileStringW GetPrivateProfileIntW GetUserDefaultUILanguage "},
-    {-1, ERROR_ACCESS_DENIED,
-     " CreateFileW FindFirstFileExW FindFirstFileW CreateActCtxW GetFileSize GetFileAttributesW"
-     " WaitForSingleObject WaitForMultipleObjects PropertySheetW DialogBoxParamW ImageList_ReplaceIcon"
-     " FindNLSStringEx GetFontData TlsAlloc "},
-    {ERROR_ACCESS_DENIED, 0,
-     " RegCreateKeyExW RegDeleteValueW RegOpenCurrentUser RegOpenKeyExW RegQueryValueExW RegSetValueExW"
-     " GetPrinterDataW SetPrinterDataW "},
-    {static_cast<intptr_t>(0x80004005), 0, " SHGetFolderPathW SHGetKnownFolderPath "},
+    DWORD error;  // 0: it sets none
 };
 
-// What does not fail when it is given what is sound: what compares and converts texts, asks the system or a
-// window that stands, draws into a context that is there, or waits; what gives something back, whose failure
-// would be a leak by nature; and the run-time library's own.
-constexpr std::string_view kNeverFail =
-    " BitBlt CallWindowProcW CheckDlgButton DefWindowProcW DispatchMessageW EnableWindow EndDialog FillRect"
-    " FindWindowExW FrameRect GetClassNameW GetClientRect GetDeviceCaps GetDlgItem GetFocus GetMessageW "
-    "GetParent"
-    " GetPropW GetWindowTextW CharLowerBuffW CompareStringOrdinal CompareStringW MultiByteToWideChar"
-    " WideCharToMultiByte GetStockObject GetSysColorBrush GetSystemMetrics GetWindow GetWindowLongPtrW "
-    "GetWindowRect"
-    " GetWindowTextLengthW IntersectClipRect IntersectRect InvalidateRect IsDlgButtonChecked IsWindow LineTo"
-    " MapWindowPoints MessageBeep MoveToEx MulDiv OffsetRect PeekMessageW PostThreadMessageW Rectangle "
-    "RestoreDC"
-    " SaveDC SelectObject SendDlgItemMessageW SendMessageW SetBkMode SetFocus SetTextAlign SetTextColor"
-    " SetWindowLongPtrW ShowWindow TextOutW"
-    " GetCurrentProcess GetCurrentProcessId GetCurrentThread GetCurrentThreadId GetLastError GetLocalTime"
-    " GetProcessHeap GetSystemInfo GetSystemTimeAsFileTime GetTickCount GetTickCount64 OutputDebugStringA "
-    "OutputDebugStringW"
-    " SetLastError Sleep VirtualQuery"
-    " CloseHandle ClosePrinter DeactivateActCtx DeleteDC DeleteObject DeregisterEventSource DestroyIcon "
-    "FindClose"
-    " FreeLibrary HeapFree ImageList_Destroy KillTimer LocalFree RegCloseKey ReleaseActCtx ReleaseDC "
-    "ReleaseMutex"
-    " RemovePropW UnmapViewOfFile"
-    " AcquireSRWLockExclusive AddVectoredExceptionHandler DeleteCriticalSection DuplicateHandle"
-    " EnterCriticalSection GetProcessAffinityMask GetThreadContext GetThreadId GetThreadPriority "
-    "InitializeConditionVariable InitializeCriticalSection SleepConditionVariableCS WakeAllConditionVariable"
-    " WakeConditionVariable"
-    " IsDBCSLeadByteEx IsDebuggerPresent LeaveCriticalSection RaiseException ReleaseSRWLockExclusive"
-    " ReleaseSemaphore RemoveVectoredExceptionHandler ResetEvent ResumeThread RtlCaptureContext"
-    " RtlLookupFunctionEntry RtlUnwindEx RtlVirtualUnwind SetEvent SetProcessAffinityMask SetThreadContext"
-    " SetThreadPriority SuspendThread TlsFree TlsGetValue TlsSetValue UnlockFileEx "
-    "TryAcquireSRWLockExclusive "
-    "TryEnterCriticalSection"
-    " __C_specific_handler ___lc_codepage_func ___mb_cur_max_func __iob_func __setusermatherr _amsg_exit "
-    "_close"
-    " _endthreadex _errno _initterm _lock _read _setjmp _ultoa _unlock _vscwprintf _vsnwprintf abort exit "
-    "getenv "
-    "fclose"
-    " fflush fprintf fputc fputs fputwc free fwprintf fwrite iswctype iswspace iswxdigit localeconv longjmp "
-    "memchr "
-    "memcmp"
-    " memcpy memmove memset printf signal strchr strcmp strerror strlen strncmp strrchr strtoul vfprintf "
-    "wcslen wcstoul ";
-
-bool lists(std::string_view names, const char* name) {
-    return names.find(' ' + std::string(name) + ' ') != std::string_view::npos;
+// module_imports.txt: how the functions fail that can.
+std::map<std::string, std::optional<Failure>> known_imports() {
+    std::istringstream file(TempFolder::read(Installation::built(L"..\\test_data\\module_imports.txt")));
+    std::map<std::string, std::optional<Failure>> known;
+    std::optional<Failure> group;
+    for (std::string line, word; std::getline(file, line);) {
+        std::istringstream words(line);
+        if (line.starts_with("fails"))
+            words >> word >> group.emplace().result >> group->error;
+        else if (line == "sound")
+            group.reset();
+        else if (!line.starts_with("#"))
+            while (words >> word)
+                known[word] = group;
+    }
+    return known;
 }
 
 // What a function does to the count of blocks: gives one ('+', 'r': unless it has one already) or takes one.
-char block_kind(const char* name) {
-    constexpr std::pair<std::string_view, char> kKinds[] = {
-        {" malloc calloc _strdup HeapAlloc ", '+'}, {" realloc ", 'r'}, {" free ", 'f'}, {" HeapFree ", 'h'}};
-    const auto kind = std::ranges::find_if(kKinds, [&](const auto& row) { return lists(row.first, name); });
-    return kind != std::end(kKinds) ? kind->second : 0;
+char block_kind(std::string_view name) {
+    if (name == "malloc" || name == "calloc" || name == "_strdup" || name == "HeapAlloc")
+        return '+';
+    return name == "realloc" ? 'r' : name == "free" ? 'f' : name == "HeapFree" ? 'h' : '\0';
 }
 
 constexpr size_t kGateBytes = 24;
@@ -128,34 +66,15 @@ void zr_call_gate();
 // Every replaced function comes here with its number in r11: the arguments stay as they are, and the jump
 // leaves the stack as the caller made it.
 asm(R"(
-    .text
-    .globl zr_call_gate
-    .seh_proc zr_call_gate
+    .text; .globl zr_call_gate; .seh_proc zr_call_gate
 zr_call_gate:
-    subq $0x98, %rsp
-    .seh_stackalloc 0x98
-    .seh_endprologue
-    movq %rcx, 0xA0(%rsp)
-    movq %rdx, 0xA8(%rsp)
-    movq %r8, 0xB0(%rsp)
-    movq %r9, 0xB8(%rsp)
-    movups %xmm0, 0x20(%rsp)
-    movups %xmm1, 0x30(%rsp)
-    movups %xmm2, 0x40(%rsp)
-    movups %xmm3, 0x50(%rsp)
-    movl %r11d, %ecx
-    leaq 0xA0(%rsp), %rdx
-    call zr_decide
-    movups 0x20(%rsp), %xmm0
-    movups 0x30(%rsp), %xmm1
-    movups 0x40(%rsp), %xmm2
-    movups 0x50(%rsp), %xmm3
-    movq 0xA0(%rsp), %rcx
-    movq 0xA8(%rsp), %rdx
-    movq 0xB0(%rsp), %r8
-    movq 0xB8(%rsp), %r9
-    addq $0x98, %rsp
-    jmp *%rax
+    subq $0x98, %rsp; .seh_stackalloc 0x98; .seh_endprologue
+    movq %rcx, 0xA0(%rsp); movq %rdx, 0xA8(%rsp); movq %r8, 0xB0(%rsp); movq %r9, 0xB8(%rsp)
+    movups %xmm0, 0x20(%rsp); movups %xmm1, 0x30(%rsp); movups %xmm2, 0x40(%rsp); movups %xmm3, 0x50(%rsp)
+    movl %r11d, %ecx; leaq 0xA0(%rsp), %rdx; call zr_decide
+    movups 0x20(%rsp), %xmm0; movups 0x30(%rsp), %xmm1; movups 0x40(%rsp), %xmm2; movups 0x50(%rsp), %xmm3
+    movq 0xA0(%rsp), %rcx; movq 0xA8(%rsp), %rdx; movq 0xB0(%rsp), %r8; movq 0xB8(%rsp), %r9
+    addq $0x98, %rsp; jmp *%rax
     .seh_endproc
 )");
 
@@ -168,18 +87,18 @@ ModuleCalls::ModuleCalls(HMODULE module) : module_(module) {
         here.emplace(name, read_at<void*>(slot));
         return false;
     });
+    const auto known = known_imports();
     for_each_import(module, [&](const char* name, BYTE* slot) {
-        const auto failure =
-            std::ranges::find_if(kFailures, [&](const Failure& row) { return lists(row.functions, name); });
-        const bool can_fail = failure != std::end(kFailures);
-        if (!can_fail && !lists(kNeverFail, name))
+        const auto entry = known.find(name);
+        if (entry == known.end())
             unknown_.emplace_back(name);
+        const bool can_fail = entry != known.end() && entry->second;
         if (can_fail || block_kind(name)) {
             void* const own = read_at<void*>(slot);
             const auto replaced = here.find(name);
-            functions_.push_back({name, slot, own, replaced != here.end() ? replaced->second : own,
-                                  can_fail ? failure->result : 0, can_fail ? failure->error : 0, can_fail,
-                                  block_kind(name)});
+            const auto [result, error] = can_fail ? *entry->second : Failure{};
+            functions_.push_back({name, slot, own, replaced != here.end() ? replaced->second : own, result,
+                                  error, can_fail, block_kind(name)});
         }
         return false;
     });

@@ -4,8 +4,10 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "common/qk/text.h"
 #include "support/import_patch.h"
@@ -13,7 +15,7 @@
 
 class ProfileFolder {
 public:
-    ProfileFolder() : directory_("GetPrinterDriverDirectoryW", reinterpret_cast<void*>(&on_directory)) {
+    ProfileFolder() {
         CreateDirectoryW(files.file(L"color").c_str(), nullptr);
         driver_folder_ = files.file(L"x64");
     }
@@ -31,19 +33,20 @@ public:
         const auto tag_bytes = static_cast<uint32_t>(tag.size());
         constexpr uint32_t kTagOffset = 128 + 4 + 12;
         std::string bytes(128, '\0');
-        bytes.replace(0, 4, number(kTagOffset + tag_bytes));
-        bytes.replace(8, 4, number(0x02400000));
-        bytes.replace(12, 4, device);
-        bytes.replace(16, 4, space);
-        bytes.replace(20, 4, "Lab ");
-        bytes.replace(36, 4, "acsp");
+        for (const auto& [at, field] : {std::pair{0, number(kTagOffset + tag_bytes)},
+                                        {8, number(0x02400000)},
+                                        {12, device},
+                                        {16, space},
+                                        {20, "Lab "},
+                                        {36, "acsp"}})
+            bytes.replace(static_cast<size_t>(at), 4, field);
         return bytes + number(1) + "desc" + number(kTagOffset) + number(tag_bytes) + tag;
     }
 
     // As profiles hold it: the highest byte first.
     static std::string number(uint32_t value) {
-        return {static_cast<char>(value >> 24), static_cast<char>(value >> 16), static_cast<char>(value >> 8),
-                static_cast<char>(value)};
+        value = _byteswap_ulong(value);
+        return {reinterpret_cast<const char*>(&value), sizeof value};
     }
 
     TempFolder files;  // the profile folder is its "color"
@@ -60,5 +63,5 @@ private:
     }
 
     static inline std::wstring driver_folder_;
-    ImportPatch directory_;
+    ImportPatch directory_{"GetPrinterDriverDirectoryW", &on_directory};
 };

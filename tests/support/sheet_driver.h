@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <source_location>
 #include <string>
 #include <utility>
 
@@ -110,11 +111,18 @@ protected:
     // Turns to a page, as its tab does; false when the current one does not let go.
     static bool go_to(PageIndex index) {
         SendMessageW(sheet(), PSM_SETCURSEL, index, 0);
+        return is_in_front(index);
+    }
+    static bool is_in_front(PageIndex index) {
         return reinterpret_cast<HWND>(SendMessageW(sheet(), PSM_GETCURRENTPAGEHWND, 0, 0)) == page(index);
     }
-    // Leaves the page in front, which lets go when `message` is 0, and else stays with that message and the
-    // focus on the control at fault.
-    static void expect_check(PageIndex index, UINT message, int focus = 0) {
+    // Leaves the page, which lets go when `message` is 0, and else stays with that message and the focus on
+    // the control at fault.
+    static void expect_check(PageIndex index, UINT message, int focus = 0, UINT icon = MB_ICONERROR,
+                             const std::source_location& where = std::source_location::current()) {
+        const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "");
+        if (!is_in_front(index))  // a page in front would be asked whether it lets go
+            go_to(index);
         Outbox::boxes.clear();
         const PageIndex other =
             index == pdf_settings::kGeneralPage ? pdf_settings::kColorPage : pdf_settings::kGeneralPage;
@@ -123,6 +131,8 @@ protected:
         if (message == 0)
             return;
         EXPECT_EQ(Outbox::boxes[0].text, pdf_settings::dialog_text(message));
+        EXPECT_EQ(Outbox::boxes[0].caption, pdf_settings::dialog_text(4396));
+        EXPECT_EQ(Outbox::boxes[0].style & MB_ICONMASK, icon);
         const HWND wanted = control(index, focus);
         EXPECT_TRUE(GetFocus() == wanted || IsChild(wanted, GetFocus()));
     }
@@ -168,5 +178,19 @@ protected:
         return (GetWindowLongPtrW(control(index, id), GWL_STYLE) & WS_VISIBLE) != 0;
     }
 
+    // Gives a file an old time stamp, so that any writing shows.
+    static void make_old(const std::wstring& path) {
+        const qk::FileObj file(
+            CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        const FILETIME old = {0, kOld};
+        EXPECT_TRUE(SetFileTime(file.get(), nullptr, nullptr, &old));
+    }
+    static bool is_old(const std::wstring& path) {
+        WIN32_FILE_ATTRIBUTE_DATA data = {};
+        GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data);
+        return data.ftLastWriteTime.dwHighDateTime == kOld;
+    }
+
+    static constexpr DWORD kOld = 0x01C00000;
     Installation here;
 };

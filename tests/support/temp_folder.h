@@ -3,23 +3,37 @@
 
 #include <windows.h>
 
-#include <atomic>
 #include <cstddef>
+#include <filesystem>
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <vector>
 
 class TempFolder {
 public:
     TempFolder() {
-        static std::atomic<unsigned> count = 0;
         wchar_t temp[MAX_PATH + 1] = {};
         GetTempPathW(MAX_PATH, temp);
-        path_ =
-            temp + (L"zr_test_" + std::to_wstring(GetCurrentProcessId()) + L"_" + std::to_wstring(++count));
-        CreateDirectoryW(path_.c_str(), nullptr);
+        const std::wstring name = temp + (L"zr_test_" + std::to_wstring(GetCurrentProcessId()) + L"_");
+        // The first that is free: what the module looks up once in a process is there for every test.
+        unsigned number = 0;
+        do
+            path_ = name + std::to_wstring(++number);
+        while (!CreateDirectoryW(path_.c_str(), nullptr) && GetLastError() == ERROR_ALREADY_EXISTS);
     }
-    ~TempFolder() { remove(path_); }
+    ~TempFolder() {
+        std::vector<std::wstring> entries = {path_};  // each folder before what is in it
+        std::error_code error;
+        for (std::filesystem::recursive_directory_iterator at(path_, error), end; !error && at != end;
+             at.increment(error))
+            entries.push_back(at->path());
+        for (; !entries.empty(); entries.pop_back()) {
+            SetFileAttributesW(entries.back().c_str(), FILE_ATTRIBUTE_NORMAL);
+            if (!DeleteFileW(entries.back().c_str()))
+                RemoveDirectoryW(entries.back().c_str());
+        }
+    }
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
@@ -42,7 +56,8 @@ public:
     // The bytes of a file, or "<missing>".
     [[nodiscard]] static std::string read(const std::wstring& path) {
         const HANDLE handle =
-            CreateFileW(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr);
+            CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                        nullptr, OPEN_EXISTING, 0, nullptr);
         if (handle == INVALID_HANDLE_VALUE)
             return "<missing>";
         std::string bytes(GetFileSize(handle, nullptr), '\0');
@@ -55,37 +70,10 @@ public:
 
     // How many files and folders lie in it.
     [[nodiscard]] size_t count() const {
-        size_t entries = 0;
-        for_each(path_, [&](const std::wstring&, bool) { ++entries; });
-        return entries;
+        return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(path_), {}));
     }
 
 private:
-    static constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-    template <class Visit>
-    static void for_each(const std::wstring& folder, Visit visit) {
-        WIN32_FIND_DATAW found;
-        const HANDLE search = FindFirstFileW((folder + L"\\*").c_str(), &found);
-        if (search == INVALID_HANDLE_VALUE)
-            return;
-        do {
-            const std::wstring_view name = found.cFileName;
-            if (name != L"." && name != L"..")
-                visit(folder + L"\\" + found.cFileName,
-                      (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0);
-        } while (FindNextFileW(search, &found));
-        FindClose(search);
-    }
-
-    static void remove(const std::wstring& folder) {
-        for_each(folder, [](const std::wstring& entry, bool is_folder) {
-            SetFileAttributesW(entry.c_str(), FILE_ATTRIBUTE_NORMAL);
-            is_folder ? remove(entry) : static_cast<void>(DeleteFileW(entry.c_str()));
-        });
-        RemoveDirectoryW(folder.c_str());
-    }
-
     std::wstring path_;
 };
 

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -16,10 +17,7 @@
 
 class TraceCapture {
 public:
-    explicit TraceCapture(DWORD level = qk::trace::kPlainLevel)
-        : narrow_("OutputDebugStringA", reinterpret_cast<void*>(&take_narrow)),
-          wide_("OutputDebugStringW", reinterpret_cast<void*>(&take_wide)),
-          level_(qk::trace::level) {
+    explicit TraceCapture(DWORD level = qk::trace::kPlainLevel) {
         const std::scoped_lock lock(mutex_);
         records_.clear();
         qk::trace::level = level;
@@ -32,22 +30,16 @@ public:
         const std::scoped_lock lock(mutex_);
         return records_;
     }
-
     // How many records end in `text` (a trace record's line break does not count).
     [[nodiscard]] static size_t count(std::wstring_view text) {
-        size_t found = 0;
-        for (std::wstring record : records()) {
-            if (record.ends_with(L"\r\n"))
-                record.resize(record.size() - 2);
-            found += record == text || record.ends_with(L"  " + std::wstring(text));
-        }
-        return found;
+        return static_cast<size_t>(std::ranges::count_if(records(), [&](std::wstring_view record) {
+            record.remove_suffix(record.ends_with(L"\r\n") ? 2 : 0);
+            return record == text || record.ends_with(L"  " + std::wstring(text));
+        }));
     }
     [[nodiscard]] static bool holds(std::wstring_view text) { return count(text) > 0; }
 
 private:
-    static void WINAPI take_narrow(const char* text) { take(qk::to_wide(text)); }
-    static void WINAPI take_wide(const wchar_t* text) { take(text); }
     static void take(std::wstring text) {
         const std::scoped_lock lock(mutex_);
         records_.push_back(std::move(text));
@@ -56,7 +48,7 @@ private:
     static inline qk::Lock mutex_;
     static inline std::vector<std::wstring> records_;
 
-    ImportPatch narrow_;
-    ImportPatch wide_;
-    DWORD level_;
+    ImportPatch narrow_{"OutputDebugStringA", [](const char* text) { take(qk::to_wide(text)); }};
+    ImportPatch wide_{"OutputDebugStringW", [](const wchar_t* text) { take(text); }};
+    DWORD level_ = qk::trace::level;
 };

@@ -1,5 +1,4 @@
-// The current user's hive, replaced by an empty key of the test's own. Where both are replaced, make the
-// machine's first.
+// The hives of the registry, replaced by empty keys of the test's own.
 #pragma once
 
 #include <windows.h>
@@ -10,42 +9,50 @@
 
 #include "support/import_patch.h"
 
-class UserRegistry {
+class RegistryOverride {
 public:
-    UserRegistry()
-        : name_(L"Software\\zr_user_" + std::to_wstring(GetCurrentProcessId())),
-          open_user_("RegOpenCurrentUser", reinterpret_cast<void*>(&open_hive)) {
+    RegistryOverride(HKEY hive, const wchar_t* name)
+        : hive_(hive), name_(name + std::to_wstring(GetCurrentProcessId())) {
         RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
         // Not volatile: the shell makes keys of its own below, which would have to be volatile too.
         RegCreateKeyExW(HKEY_CURRENT_USER, name_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
                         nullptr, &key_, nullptr);
-        RegOverridePredefKey(HKEY_CURRENT_USER, key_);
-        hive_ = key_;
+        RegOverridePredefKey(hive_, key_);
     }
-    ~UserRegistry() {
-        RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+    ~RegistryOverride() {
+        RegOverridePredefKey(hive_, nullptr);
         RegDeleteTreeW(key_, nullptr);
         RegCloseKey(key_);
         RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
     }
-    UserRegistry(const UserRegistry&) = delete;
-    UserRegistry& operator=(const UserRegistry&) = delete;
+    RegistryOverride(const RegistryOverride&) = delete;
+    RegistryOverride& operator=(const RegistryOverride&) = delete;
 
     void set(const std::wstring& path, const std::wstring& value, DWORD type, const void* data,
              size_t bytes) const {
-        set_below(HKEY_CURRENT_USER, path, value, type, data, bytes);
+        set_below(key_, path, value, type, data, bytes);
     }
     void set_text(const std::wstring& path, const std::wstring& value, const std::wstring& text) const {
         set(path, value, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
     }
     static void set_below(HKEY hive, const std::wstring& path, const std::wstring& value, DWORD type,
                           const void* data, size_t bytes) {
-        HKEY key = nullptr;
-        RegCreateKeyExW(hive, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                        &key, nullptr);
-        RegSetValueExW(key, value.c_str(), 0, type, static_cast<const BYTE*>(data),
-                       static_cast<DWORD>(bytes));
-        RegCloseKey(key);
+        RegSetKeyValueW(hive, path.c_str(), value.c_str(), type, data, static_cast<DWORD>(bytes));
+    }
+
+protected:
+    HKEY hive_;
+    std::wstring name_;
+    HKEY key_ = nullptr;
+};
+
+// The current user's. Where both are replaced, make the machine's first.
+class UserRegistry : public RegistryOverride {
+public:
+    UserRegistry()
+        : RegistryOverride(HKEY_CURRENT_USER, L"Software\\zr_user_"),
+          open_user_("RegOpenCurrentUser", &open_hive) {
+        own_ = key_;
     }
 
     // The bytes of a value as they stand there, nothing when it is missing.
@@ -63,12 +70,10 @@ public:
     // Stands in for RegOpenCurrentUser, which goes past the override. A library that a test loads needs a
     // patch of its own.
     static LSTATUS WINAPI open_hive(REGSAM access, HKEY* key) {
-        return RegOpenKeyExW(hive_, L"", 0, access, key);
+        return RegOpenKeyExW(own_, L"", 0, access, key);
     }
 
 private:
-    static inline HKEY hive_ = nullptr;
-    std::wstring name_;
+    static inline HKEY own_ = nullptr;
     ImportPatch open_user_;
-    HKEY key_ = nullptr;
 };

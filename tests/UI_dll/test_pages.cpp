@@ -1,0 +1,343 @@
+// What the pages offer, refuse and keep.
+#include <gtest/gtest.h>
+
+#include <commctrl.h>
+
+#include <cstdint>
+#include <optional>
+#include <source_location>
+
+#include "UI_dll/PDFSettings/pages/page_securities_rules.h"
+#include "resources/ids.h"
+#include "support/profile_folder.h"
+#include "support/sheet_driver.h"
+
+namespace {
+
+using namespace pdf_settings;
+
+class Pages : public EditSheet {
+protected:
+    Pages() {
+        profiles.add(L"press.icc", "CMYK", "prtr", "Press");
+        profiles.add(L"photo.icc", "RGB ", "prtr", "Photo");
+    }
+    static constexpr int kModeOfColour = 4902, kModeOfGrey = 4903, kModeOfMono = 4904;
+
+    // What a page shows and has not greyed, and what not.
+    static void expect_offer(PageIndex index, const std::vector<int>& on, const std::vector<int>& off,
+                             const std::source_location& where = std::source_location::current()) {
+        const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "");
+        EXPECT_TRUE(go_to(index));
+        for (const int id : on)
+            EXPECT_TRUE(enabled(index, id) && shown(index, id)) << id;
+        for (const int id : off)
+            EXPECT_FALSE(enabled(index, id) && shown(index, id)) << id;
+    }
+    static void set_version(uint32_t version) {
+        go_to(kPDFVersionPage);  // so that the page in question looks again
+        choose_version(version);
+    }
+    static void set_image(int kind, int method, int sampling) {
+        choose(kCompressPage, kind + CMP_METHOD, method);
+        choose(kCompressPage, kind + CMP_SAMPLING, sampling);
+    }
+    static void set_color(int mode, int method) {
+        click(kColorPage, mode);
+        choose(kColorPage, 4907, method);
+        go_to(kColorPage);
+    }
+    static void type_passwords(const wchar_t* open, const wchar_t* permissions) {
+        type(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD, open);
+        type(kSecuritiesPage, IDC_SEC_PASSWORD, permissions);
+    }
+
+    ProfileFolder profiles;
+};
+
+TEST_F(Pages, OfferWhatTheChoicesUse) {
+    setting().color()->ColorMode = 2;
+    setting().color()->MonoDecreasingMethod = 1;
+    setting().color()->BlackToK100 = true;
+    setting().pdfVersion()->ICCFileName = L"press.icc";
+    setting().security()->MasterPassword = L"master";
+    show([] {
+        expect_offer(kColorPage, {4906, 4912}, {4905, 4908, 4909});  // as stored
+        set_color(kModeOfColour, 0);
+        expect_offer(kColorPage, {4908, 4909}, {4906, 4907, 4910, 4911, 4912});
+        set_color(kModeOfColour, 1);
+        expect_offer(kColorPage, {}, {4906, 4908, 4909});
+        set_color(kModeOfGrey, 0);
+        expect_offer(kColorPage, {4906, 4908, 4909}, {4907, 4910, 4911, 4912});
+        set_color(kModeOfMono, 0);
+        expect_offer(kColorPage, {4906, 4907, 4908, 4909, 4910, 4911, 4912}, {});
+        set_color(kModeOfMono, 1);
+        expect_offer(kColorPage, {4906, 4907, 4910, 4911, 4912}, {4908, 4909});
+        for (const uint32_t version : {5u, 10u, 12u}) {  // the last with the profile as it is stored
+            set_version(version);
+            expect_offer(kColorPage, {4901, 4905}, {});
+        }
+        set_version(4);
+        expect_offer(kColorPage, {}, {4901, 4905});
+        set_version(10);
+        const LRESULT photo = SendMessageW(control(kPDFVersionPage, IDC_PV_PROFILE), CB_FINDSTRINGEXACT,
+                                           static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(L"Photo"));
+        choose(kPDFVersionPage, IDC_PV_PROFILE, static_cast<int>(photo));
+        expect_offer(kColorPage, {}, {4901, 4905});
+
+        constexpr int kColour = IDC_CMP_COLOUR, kGrey = IDC_CMP_GREY + CMP_METHOD;
+        constexpr int kMono = IDC_CMP_MONO + CMP_METHOD;
+        constexpr int kMethod = kColour + CMP_METHOD, kQuality = kColour + CMP_QUALITY;
+        constexpr int kThreshold = kColour + CMP_THRESHOLD, kTarget = kColour + CMP_TARGET;
+        set_image(kColour, 1, 1);
+        expect_offer(kCompressPage, {kMono}, {kMethod, kQuality, kTarget, kGrey});
+        set_color(kModeOfGrey, 0);
+        expect_offer(kCompressPage, {kMono, kGrey}, {kMethod, kThreshold});
+        set_color(kModeOfColour, 0);
+        expect_offer(kCompressPage, {kMono, kGrey, kMethod, kQuality, kThreshold, kTarget}, {});
+        set_image(kColour, 0, 2);  // JPEG where it suits the image
+        expect_offer(kCompressPage, {kQuality, kThreshold, kTarget}, {});
+        set_image(kColour, 2, 1);
+        expect_offer(kCompressPage, {kThreshold, kTarget}, {kQuality});
+        set_image(kColour, 1, 0);
+        expect_offer(kCompressPage, {kQuality}, {kThreshold, kTarget});
+
+        const std::vector<int> low = {IDC_SEC_NO_PRINT, IDC_SEC_NO_MODIFY, IDC_SEC_NO_COPY,
+                                      IDC_SEC_NO_ANNOTATE};
+        const std::vector<int> high = {IDC_SEC_COPY,       IDC_SEC_READER, IDC_SEC_EDIT,
+                                       IDC_SEC_EDIT_LABEL, IDC_SEC_PRINT,  IDC_SEC_PRINT_LABEL};
+        const std::vector<int> uses = {IDC_SEC_USE_OPEN, IDC_SEC_USE_PERMISSIONS};
+        set_version(0);
+        expect_offer(kSecuritiesPage, low, high);
+        for (const uint32_t version : {1u, 12u}) {
+            set_version(version);
+            expect_offer(kSecuritiesPage, high, low);
+            expect_offer(kSecuritiesPage, uses, {});
+        }
+        set_check(kSecuritiesPage, IDC_SEC_COPY, true);
+        expect_offer(kSecuritiesPage, {IDC_SEC_COPY}, {IDC_SEC_READER});
+        for (const uint32_t version : {5u, 11u}) {
+            set_version(version);
+            expect_offer(kSecuritiesPage, {}, high);
+            expect_offer(kSecuritiesPage, {}, uses);
+            expect_offer(kFontPage, {}, {IDC_FONT_ONLY});
+        }
+        for (const uint32_t version : {4u, 12u}) {
+            set_version(version);
+            expect_offer(kFontPage, {IDC_FONT_ONLY}, {});
+        }
+
+        click(kWaterMarkPage, IDC_MARK_NONE);
+        expect_offer(kWaterMarkPage, {}, {IDC_MARK_FONT, IDC_MARK_BROWSE, IDC_MARK_ORDER, IDC_MARK_SCALE});
+        click(kWaterMarkPage, IDC_MARK_TEXT);
+        expect_offer(kWaterMarkPage, {IDC_MARK_FONT, IDC_MARK_ORDER}, {IDC_MARK_BROWSE, IDC_MARK_SCALE});
+        click(kWaterMarkPage, IDC_MARK_PICTURE);
+        expect_offer(kWaterMarkPage, {IDC_MARK_BROWSE, IDC_MARK_ORDER}, {IDC_MARK_FONT, IDC_MARK_SCALE});
+        click(kWaterMarkPage, IDC_MARK_AUTO_SCALE);
+        expect_offer(kWaterMarkPage, {IDC_MARK_SCALE}, {});
+        click(kWaterMarkPage, IDC_MARK_NONE);
+
+        for (int layout = 0; layout < 5; ++layout) {
+            choose(kOpenActionPage, IDC_OPEN_LAYOUT, layout);
+            EXPECT_EQ(enabled(kOpenActionPage, IDC_OPEN_BINDING), layout != 1 && layout != 2);
+        }
+        expect_offer(kOpenActionPage, {IDC_OPEN_PAGE}, {});
+        click(kOpenActionPage, IDC_OPEN_AT_PAGE);
+        expect_offer(kOpenActionPage, {}, {IDC_OPEN_PAGE});
+        set_version(4);
+        go_to(kGeneralPage);
+        press_apply();
+    });
+    EXPECT_TRUE(setting().color()->BlackToK100);  // greyed as it is
+}
+
+TEST_F(Pages, WhatCannotBeIsRefusedAndWhatItIsAboutIsTold) {
+    show([] {
+        for (const wchar_t* bad : {L"0", L"1000001", L"x"}) {
+            type(kOpenActionPage, IDC_OPEN_PAGE, bad);
+            expect_check(kOpenActionPage, IDS_OPEN_BAD_PAGE, IDC_OPEN_PAGE);
+        }
+        type(kOpenActionPage, IDC_OPEN_PAGE, L"1000000");
+        expect_check(kOpenActionPage, 0);
+        type(kOpenActionPage, IDC_OPEN_PAGE, L"0");
+        click(kOpenActionPage, IDC_OPEN_AT_PAGE);  // none at all
+        expect_check(kOpenActionPage, 0);
+
+        click(kFontPage, IDC_FONT_ONLY);
+        expect_check(kFontPage, IDS_FONT_NONE_LISTED, IDC_FONT_INSTALLED);
+        click(kFontPage, IDC_FONT_ALL_BUT);
+        expect_check(kFontPage, 0);
+
+        type(kWaterMarkPage, IDC_MARK_SIZE, L"7");
+        expect_check(kWaterMarkPage, 0);  // there is no watermark
+        click(kWaterMarkPage, IDC_MARK_TEXT);
+        expect_check(kWaterMarkPage, IDS_MARK_BAD_SIZE, IDC_MARK_SIZE);
+        type(kWaterMarkPage, IDC_MARK_SIZE, L"501");
+        expect_check(kWaterMarkPage, IDS_MARK_BAD_SIZE, IDC_MARK_SIZE);
+        type(kWaterMarkPage, IDC_MARK_SIZE, L"8");
+        type(kWaterMarkPage, IDC_MARK_TRANSPARENCY, L"101");
+        expect_check(kWaterMarkPage, IDS_MARK_BAD_TRANSPARENCY, IDC_MARK_TRANSPARENCY);
+        type(kWaterMarkPage, IDC_MARK_WORDS, L"  ");
+        expect_check(kWaterMarkPage, IDS_MARK_NO_WORDS, IDC_MARK_WORDS);
+        click(kWaterMarkPage, IDC_MARK_PICTURE);
+        expect_check(kWaterMarkPage, IDS_MARK_NO_FILE, IDC_MARK_FILE);
+        type(kWaterMarkPage, IDC_MARK_FILE, L"Q:\\x.png");
+        expect_check(kWaterMarkPage, IDS_MARK_LOST_FILE, IDC_MARK_FILE);
+        type(kWaterMarkPage, IDC_MARK_FILE, L"C:\\windows\\win.ini");
+        click(kWaterMarkPage, IDC_MARK_AUTO_SCALE);
+        for (const wchar_t* bad : {L"0", L"6401"}) {
+            type(kWaterMarkPage, IDC_MARK_SCALE, bad);
+            expect_check(kWaterMarkPage, IDS_MARK_BAD_SCALE, IDC_MARK_SCALE);
+        }
+        type(kWaterMarkPage, IDC_MARK_SCALE, L"6400");
+        type(kWaterMarkPage, IDC_MARK_TRANSPARENCY, L"100");
+        expect_check(kWaterMarkPage, 0);
+
+        click(kSecuritiesPage, IDC_SEC_USE_OPEN);
+        click(kSecuritiesPage, IDC_SEC_USE_PERMISSIONS);
+        type_passwords(L"x", L"x");
+        expect_check(kSecuritiesPage, IDS_SEC_SAME_PASSWORDS, IDC_SEC_OPEN_PASSWORD);
+        type_passwords(L"x", L"y z");
+        expect_check(kSecuritiesPage, IDS_SEC_BAD_CHARACTER, IDC_SEC_PASSWORD);
+        type_passwords(L"y z", L"x");
+        expect_check(kSecuritiesPage, IDS_SEC_BAD_CHARACTER, IDC_SEC_OPEN_PASSWORD);
+        type_passwords(L"", L"x");
+        expect_check(kSecuritiesPage, IDS_SEC_NO_OPEN_PASSWORD, IDC_SEC_OPEN_PASSWORD, MB_ICONEXCLAMATION);
+        type_passwords(L"x", L"");
+        expect_check(kSecuritiesPage, IDS_SEC_NO_PASSWORD, IDC_SEC_PASSWORD, MB_ICONEXCLAMATION);
+        type_passwords(L"x", L"y");
+        expect_check(kSecuritiesPage, 0);
+
+        const struct {
+            int method, sampling;
+            const wchar_t *quality, *threshold, *target;
+            UINT message;  // 0: accepted
+            int focus;
+        } images[] = {
+            {1, 2, L"100", L"150", L"150", 0, 0},
+            {1, 2, L"100", L"149", L"150", IDS_CMP_TARGET_ABOVE, CMP_TARGET},
+            {1, 2, L"101", L"150", L"150", IDS_CMP_BAD_QUALITY, CMP_QUALITY},
+            {1, 2, L"", L"150", L"150", IDS_CMP_BAD_QUALITY, CMP_QUALITY},
+            {2, 2, L"101", L"24000", L"10", 0, 0},
+            {2, 2, L"0", L"24001", L"10", IDS_CMP_BAD_RESOLUTION, CMP_THRESHOLD},
+            {2, 2, L"0", L"100", L"9", IDS_CMP_BAD_RESOLUTION, CMP_TARGET},
+            {2, 0, L"0", L"9", L"x", 0, 0},
+        };
+        for (const auto& row : images) {
+            SCOPED_TRACE(&row - images);
+            set_image(IDC_CMP_GREY, row.method, row.sampling);
+            type(kCompressPage, IDC_CMP_GREY + CMP_QUALITY, row.quality);
+            type(kCompressPage, IDC_CMP_GREY + CMP_THRESHOLD, row.threshold);
+            type(kCompressPage, IDC_CMP_GREY + CMP_TARGET, row.target);
+            expect_check(kCompressPage, row.message, IDC_CMP_GREY + row.focus);
+        }
+    });
+}
+
+TEST_F(Pages, NumbersKeepToTheirRange) {
+    const struct {
+        PageIndex page;
+        int up_down;
+        int low, high;
+        LRESULT units;
+    } rows[] = {{kColorPage, IDC_IMAGE_THRESHOLD_SPIN, 0, 255, 3},
+                {kColorPage, IDC_TEXT_THRESHOLD_SPIN, 0, 255, 3},
+                {kCompressPage, IDC_CMP_COLOUR + CMP_QUALITY_SPIN, 0, 100, 3},
+                {kCompressPage, IDC_CMP_GREY + CMP_QUALITY_SPIN, 0, 100, 3},
+                {kOpenActionPage, IDC_OPEN_PAGE_SPIN, 1, 1000000, 7},
+                {kWaterMarkPage, IDC_MARK_SIZE_SPIN, 0, 500, 3},
+                {kWaterMarkPage, IDC_MARK_SCALE_SPIN, 1, 6400, 4},
+                {kWaterMarkPage, IDC_MARK_TRANSPARENCY_SPIN, 0, 100, 3}};
+    show([&] {
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row.up_down);
+            const HWND spin = control(row.page, row.up_down);
+            int low = -1, high = -1;
+            SendMessageW(spin, UDM_GETRANGE32, reinterpret_cast<WPARAM>(&low),
+                         reinterpret_cast<LPARAM>(&high));
+            EXPECT_EQ(low, row.low);
+            EXPECT_EQ(high, row.high);
+            const auto edit = reinterpret_cast<HWND>(SendMessageW(spin, UDM_GETBUDDY, 0, 0));
+            EXPECT_EQ(SendMessageW(edit, EM_GETLIMITTEXT, 0, 0), row.units);
+        }
+        click(kColorPage, 4904);
+        type(kColorPage, 4911, L"300");
+        EXPECT_EQ(text(kColorPage, 4911), L"255");
+        for (const wchar_t* none : {L"-5", L"", L"x"}) {
+            type(kColorPage, 4909, L"7");
+            type(kColorPage, 4909, none);
+            EXPECT_EQ(text(kColorPage, 4909), L"0");
+        }
+        press_apply();
+    });
+    EXPECT_EQ(setting().color()->MonoImageThreshold, 0);
+    EXPECT_EQ(setting().color()->MonoTextAndPassThreshold, 255);
+}
+
+TEST_F(Pages, PasswordGoesAndComesWithItsCheckBox) {
+    setting().security()->UserPassword = L"open";
+    show([] {
+        EXPECT_TRUE(checked(kSecuritiesPage, IDC_SEC_USE_OPEN));
+        EXPECT_FALSE(checked(kSecuritiesPage, IDC_SEC_USE_PERMISSIONS));
+        click(kSecuritiesPage, IDC_SEC_USE_OPEN);
+        EXPECT_EQ(text(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD), L"");
+        EXPECT_FALSE(enabled(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD));
+        click(kSecuritiesPage, IDC_SEC_USE_OPEN);
+        EXPECT_EQ(text(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD), L"open");
+    });
+}
+
+TEST_F(Pages, DocumentPageKeepsWhatItHasNotLoadedAndWhatWasTyped) {
+    setting().summary()->Title = L"Kept";
+    show([] {
+        const HWND info = page(kInfoPage);
+        SendMessageW(info, WM_APP + 44, 0, 0);
+        EXPECT_EQ(text(kInfoPage, IDC_INFO_TITLE), L"Kept");
+        EXPECT_EQ(text(kInfoPage, IDC_NAME), L"Tested");
+        type(kInfoPage, IDC_INFO_TITLE, L"Typed");
+        SendMessageW(info, WM_APP + 44, 0, 0);
+        EXPECT_EQ(text(kInfoPage, IDC_INFO_TITLE), L"Typed");
+
+        kInfo.init(info);  // its message is still to come
+        kInfo.apply(info);
+        EXPECT_EQ(setting().summary()->Title, L"Kept");
+    });
+}
+
+TEST(PasswordRules, FirstFaultCounts) {
+    using Fault = PasswordFault;
+    const std::wstring fits(127, L'a'), accents(64, L'é');  // 128 bytes
+    struct {
+        uint32_t version;
+        std::wstring open, permissions;
+        std::optional<Fault> fault;
+        bool needs_open = true, needs_permissions = true, is_open_new = true, is_permissions_new = true;
+    } const rows[] = {
+        {4, L"", L"", {}, false, false},
+        {4, L"one", L"two", {}},
+        {4, L"one", L"one", Fault::kSame, false, false},
+        {4, L"", L"", Fault::kNoOpen},
+        {4, L"", L"", Fault::kNoPermissions, false},
+        {4, L"a b", L"a\x7F\xFE!", Fault::kOpenCharacter},
+        {0, L"a b", L"\xFF", Fault::kPermissionsCharacter},
+        {12, L"a b", L"\x3042\xFF", {}},
+        {4, fits, fits + L"b", Fault::kPermissionsTooLong},
+        {4, accents, fits, Fault::kOpenTooLong},
+        {12, L"a", std::wstring(42, L'\x3042'), {}},
+        {12, L"a", std::wstring(43, L'\x3042'), Fault::kPermissionsTooLong},
+        {5, L"one", L"one", {}},
+        {11, L"", L"", {}},
+        {4, L"a b", L"a b", {}, true, true, false, false},  // as the file has them
+        {4, L"", fits + L"b", Fault::kNoOpen, true, true, true, false},
+        {4, L"a b", L"c d", Fault::kOpenCharacter, true, true, true, false},
+        {4, L"a", L"a", Fault::kSame, true, true, false, true},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(find_password_fault(row.version,
+                                      {row.open, row.permissions, row.needs_open, row.needs_permissions,
+                                       row.is_open_new, row.is_permissions_new}),
+                  row.fault)
+            << &row - rows;
+}
+
+}  // namespace
