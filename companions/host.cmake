@@ -21,7 +21,6 @@ add_library(zr_host_core STATIC
     host/report_parts.cpp
     host/setting_check.cpp
     host/setting_choice.cpp
-    host/setting_walk.cpp
     host/sheet_host.cpp
     host/sheet_watch.cpp
     host/stage_files.cpp
