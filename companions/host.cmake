@@ -3,10 +3,8 @@ add_library(zr_host_core STATIC
     host/console.cpp
     host/driver_module.cpp
     host/event_player.cpp
-    host/held.cpp
     host/host_error.cpp
     host/install.cpp
-    host/instant_jobs.cpp
     host/job.cpp
     host/job_report.cpp
     host/options.cpp
