@@ -2,6 +2,7 @@
 // grows.
 //
 //   zr_soak.exe [seconds]            60 by default, shared by the scenes
+//   zr_soak.exe --jobs THREADS JOBS  so many jobs on each thread, and nothing else
 //
 // Exit code 1 when something was wrong or has grown. Its own programs call it with other arguments.
 #include "bench/soak.h"
@@ -102,6 +103,13 @@ int wmain(int count, wchar_t** words) {
         return bench::save_and_load(words[2], std::wcstoul(words[3], nullptr, 10));
     if (count > 2 && std::wcscmp(words[1], L"--fail-jobs") == 0)
         return bench::fail_jobs(words[2]);
+    if (count > 3 && std::wcscmp(words[1], L"--jobs") == 0) {
+        const unsigned long threads = std::wcstoul(words[2], nullptr, 10);
+        const unsigned long jobs = std::wcstoul(words[3], nullptr, 10);
+        if (threads == 0 || threads > 64 || jobs == 0)
+            bench::fail("--jobs takes 1 to 64 threads and the jobs of each");
+        return bench::count_jobs(threads, jobs);
+    }
     const unsigned long seconds = count > 1 ? std::wcstoul(words[1], nullptr, 10) : 60;
     return bench::soak(seconds ? seconds : 60);
 }

@@ -45,6 +45,11 @@ struct Played {
 using Scene = void(const World& world, ULONGLONG end, Played& played);
 Scene play_jobs, play_failing_jobs, play_sheets, play_list, play_savers, play_kills;
 
+// So many jobs on each of so many threads, with the dialog library that is delivered and nobody watching:
+// what is wrong, and what the process holds before and after, the first thousand jobs apart. The program's
+// exit code.
+int count_jobs(unsigned threads, unsigned jobs);
+
 // What a program of the soak's own does; its exit code, 1 when something was wrong.
 int save_and_load(const std::wstring& path, ULONGLONG milliseconds);
 int fail_jobs(const std::wstring& documents);

@@ -12,6 +12,7 @@
 
 #include "UI_dll/ddi.h"
 #include "UI_dll/plotui.h"
+#include "bench/objects.h"
 #include "bench/program.h"
 #include "bench/soak.h"
 #include "common/job_records.h"
@@ -28,6 +29,8 @@ namespace {
 
 constexpr wchar_t kKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0";
 constexpr size_t kThreads = 16;
+constexpr unsigned kWarmUpJobs = 1000;  // of all threads
+constexpr unsigned kLocks = 8;          // of the system, which make an event when threads first meet at them
 constexpr size_t kFailingPrograms = 4, kFailingThreads = 8, kFailingJobs = 50;
 
 BOOL WINAPI post(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -61,12 +64,16 @@ bool with_record(const wchar_t* pattern, const std::function<bool(Record&)>& use
     return view && use(*static_cast<Record*>(view.get()));
 }
 
-// Whether the records of a job are its own and its status comes back.
-bool is_right(const std::wstring& title, DWORD status) {
+// Whether the records of a job are its own and its status comes back. With a folder its PDF has to go there,
+// and the empty file that keeps its name is taken away.
+bool is_right(const std::wstring& title, DWORD status, const std::wstring& folder = {}) {
     const bool started = start(title).result == DOCUMENTEVENT_SUCCESS;
     const bool named =
         with_record<ZRTKPrintStartInfoC>(kStartBlockName, [&](const ZRTKPrintStartInfoC& record) {
-            return title == record.title && record.output_path[0] != L'\0';
+            DeleteFileW(folder.empty() ? L"" : record.output_path);
+            return title == record.title &&
+                   (folder.empty() ? record.output_path[0] != L'\0'
+                                   : qk::equal_no_case(record.output_path, folder + title + L".pdf"));
         });
     const bool filled = with_record<ZRTKPrintInfo>(kResultBlockName, [&](ZRTKPrintInfo& record) {
         const bool empty = record.error_code == 0 && record.win32_error == 0;
@@ -98,13 +105,17 @@ size_t wrong_records(std::wstring_view log, size_t wanted) {
     return std::max(least, std::max(whole, wanted) - std::min(whole, wanted));
 }
 
+std::wstring program_folder() {
+    const std::wstring program = qk::module_path(nullptr);
+    return program.substr(0, program.rfind(L'\\') + 1);
+}
+
 }  // namespace
 
 World::World(const std::wstring& documents)
     : documents_folder(documents.empty() ? folder.path() : documents),
       post_("PostMessageW", reinterpret_cast<void*>(&post)) {
-    const std::wstring program = qk::module_path(nullptr);
-    const std::wstring here = program.substr(0, program.rfind(L'\\') + 1);
+    const std::wstring here = program_folder();
     machine.set_text(kKey, L"PdfDllPath", here + L"..\\stage\\");
     if (!plotui::attach_process(GetModuleHandleW(nullptr)))
         fail("there is no language library in the built tree");
@@ -145,6 +156,37 @@ void play_jobs(const World& /*world*/, ULONGLONG end, Played& played) {
             ++played.done;
         } while (GetTickCount64() < end);
     });
+}
+
+int count_jobs(unsigned threads, unsigned jobs) {
+    World world;
+    const std::wstring folder = world.folder.path() + L'\\';
+    world.machine.set_text(kKey, L"PdfDllPath", program_folder() + L"..\\stage\\");
+    SetEnvironmentVariableW(L"ZR_UNATTENDED", L"1");
+    SetEnvironmentVariableW(L"ZR_OUTPUT_FOLDER", world.folder.path().c_str());
+    Played played;
+    const auto play = [&](unsigned jobs_each) {
+        on_threads(threads, [&](size_t thread) {
+            for (unsigned job = 1; job <= jobs_each; ++job, ++played.done)
+                played.wrong += !is_right(
+                    qk::format(L"Job %u of thread %u", job, static_cast<unsigned>(thread)), 0, folder);
+        });
+    };
+    play(std::min(jobs, kWarmUpJobs / threads + 1));
+    played.done = 0;
+    Objects before = count_objects();
+    const ULONGLONG start_time = GetTickCount64();
+    play(jobs);
+    const ULONGLONG milliseconds = GetTickCount64() - start_time;
+    const Objects after = count_objects();
+    std::printf(
+        "%llu jobs, %llu wrong; handles %u before, %u after; mapped views %u, %u; private KiB %llu, "
+        "%llu; %llu ms\n",
+        played.done.load(), played.wrong.load(), before.handles, after.handles, before.views, after.views,
+        static_cast<unsigned long long>(before.bytes / 1024),
+        static_cast<unsigned long long>(after.bytes / 1024), milliseconds);
+    before.handles += kLocks;
+    return played.wrong == 0 && !has_grown(before, after) ? 0 : 1;
 }
 
 int fail_jobs(const std::wstring& documents) {

@@ -1,5 +1,9 @@
 #include "companions/command_line.h"
 
+#include <CLI/CLI.hpp>
+
+#include "common/qk/text.h"
+
 namespace companions {
 
 namespace {
@@ -28,6 +32,36 @@ std::wstring command_line(const std::vector<std::wstring>& words) {
         append_quoted(line, word);
     }
     return line;
+}
+
+void prepare(CLI::App& app) {
+    app.allow_windows_style_options(false);
+    app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+CLI::Option* add_text(CLI::App& app, const std::string& name, std::wstring& target, const std::string& help) {
+    return app
+        .add_option_function<std::string>(
+            name, [&target](const std::string& text) { target = qk::to_wide(text); }, help)
+        ->check([](const std::string& text) { return std::string(text.empty() ? "is empty" : ""); });
+}
+
+std::string above_zero(const std::string& number) {
+    return number.find_first_not_of("0xX") == std::string::npos ? "has to be above 0" : "";
+}
+
+ReadWords read_words(CLI::App& app, std::span<const wchar_t* const> words) {
+    std::vector<std::string> reversed;  // as the library takes them
+    for (size_t at = words.size(); at-- > 0;)
+        reversed.push_back(qk::to_utf8(words[at]));
+    try {
+        app.parse(std::move(reversed));
+    } catch (const CLI::CallForHelp&) {
+        return {{}, qk::to_wide(app.help("", CLI::AppFormatMode::All))};
+    } catch (const CLI::ParseError& error) {
+        return {qk::to_wide(error.what()), {}};
+    }
+    return {};
 }
 
 }  // namespace companions

@@ -3,10 +3,7 @@ add_library(zr_compstui_core STATIC
     compstui/group.cpp
     compstui/node.cpp
     compstui/option_item.cpp
-    compstui/option_list.cpp
-    compstui/option_view.cpp
     compstui/page.cpp
-    compstui/page_template.cpp
     compstui/sheet.cpp
     compstui/sheet_functions.cpp
     compstui/sheet_size.cpp

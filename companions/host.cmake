@@ -3,10 +3,8 @@ add_library(zr_host_core STATIC
     host/console.cpp
     host/driver_module.cpp
     host/event_player.cpp
-    host/held.cpp
     host/host_error.cpp
     host/install.cpp
-    host/instant_jobs.cpp
     host/job.cpp
     host/job_report.cpp
     host/options.cpp
@@ -21,7 +19,6 @@ add_library(zr_host_core STATIC
     host/report_parts.cpp
     host/setting_check.cpp
     host/setting_choice.cpp
-    host/setting_walk.cpp
     host/sheet_host.cpp
     host/sheet_watch.cpp
     host/stage_files.cpp

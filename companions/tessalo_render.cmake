@@ -2,7 +2,6 @@
 add_library(zr_companions STATIC
     command_line.cpp
     render/arguments.cpp
-    render/console.cpp
     render/engine.cpp
     render/engine_arguments.cpp
     render/engine_log.cpp

@@ -6,7 +6,6 @@
 #include "common/qk/memory_probe.h"
 #include "companions/compstui/option_item.h"
 #include "companions/compstui/page.h"
-#include "companions/compstui/page_template.h"
 #include "companions/compstui/sheet.h"
 #include "companions/compstui/strings.h"
 
@@ -14,16 +13,10 @@ namespace compstui {
 
 namespace {
 
-bool is_standard(const DLGPAGE& page) noexcept {
-    return !(page.Flags & DPF_USE_HDLGTEMPLATE) && page.DlgTemplateID >= DP_STD_RESERVED_START;
-}
-
 // The dialog template that a caller's page means; null when its library has none of that number.
 const DLGTEMPLATE* find_page_template(const DLGPAGE& page, HINSTANCE instance) noexcept {
     if (page.Flags & DPF_USE_HDLGTEMPLATE)
         return static_cast<const DLGTEMPLATE*>(page.hDlgTemplate ? LockResource(page.hDlgTemplate) : nullptr);
-    if (is_standard(page))
-        return plain_page_template();
     return find_template(instance, MAKEINTRESOURCEW(page.DlgTemplateID));
 }
 
@@ -33,39 +26,23 @@ std::span<OPTITEM> GroupNode::items() const noexcept {
     return {description_.pOptItem, description_.cOptItem};
 }
 
-CPSUICBPARAM GroupNode::callback_parameter(HWND page, WORD reason) const {
-    CPSUICBPARAM told = {};
-    told.cbSize = sizeof told;
-    told.Reason = reason;
-    told.hDlg = page;
-    told.pOptItem = told.pCurItem = description_.pOptItem;
-    told.cOptItem = description_.cOptItem;
-    told.Flags = description_.Flags;
-    told.UserData = description_.UserData;
-    told.Result = CPSUI_OK;
-    return told;
-}
-
-LONG GroupNode::notify(HWND page, WORD reason, OPTITEM* item, LONG old) {
-    if (!description_.pfnCallBack)
-        return CPSUICB_ACTION_NONE;
-    CPSUICBPARAM told = callback_parameter(page, reason);
-    told.pCurItem = item;
-    told.OldSel = old;
-    return description_.pfnCallBack(&told);
-}
-
-void GroupNode::notify_activity(HWND page, WORD reason) {
-    if (!description_.pfnCallBack)
-        return;
-    CPSUICBPARAM told = callback_parameter(page, reason);
-    told.pOldSel = reinterpret_cast<wchar_t*>(&description_);
-    description_.pfnCallBack(&told);
+void GroupNode::show_items(HWND page, size_t index) const {
+    for (const OPTITEM& item : items())
+        if (!(item.Flags & OPTIF_HIDE) && item.DlgPageIdx == index)
+            show_item(page, item, description_.hInstCaller);
 }
 
 bool GroupNode::apply(HWND page) {
-    CPSUICBPARAM told = callback_parameter(page, CPSUICB_REASON_APPLYNOW);
+    CPSUICBPARAM told = {};
+    told.cbSize = sizeof told;
+    told.Reason = CPSUICB_REASON_APPLYNOW;
+    told.hDlg = page;
+    told.pOptItem = told.pCurItem = description_.pOptItem;
+    told.cOptItem = description_.cOptItem;
     told.OldSel = -1;
+    told.Flags = description_.Flags;
+    told.UserData = description_.UserData;
+    told.Result = CPSUI_OK;
     if (description_.pfnCallBack && description_.pfnCallBack(&told) == CPSUICB_ACTION_NO_APPLY_EXIT)
         return false;
     sheet.hand_up(*this, static_cast<LRESULT>(told.Result));
@@ -125,7 +102,6 @@ LONG GroupNode::make_page(const DLGPAGE& page, size_t index) {
     auto made = std::make_unique<PageNode>(sheet, this);
     made->group = this;
     made->index = index;
-    made->is_standard = is_standard(page);
     if (!made->try_create(shown, text_of(page.pTabName, instance)))
         return ERR_CPSUI_CREATEPROPPAGE_FAILED;
     children.push_back(std::move(made));

@@ -16,22 +16,8 @@ public:
     // 0.
     [[nodiscard]] LONG make_pages(const COMPROPSHEETUI& description);
 
-    [[nodiscard]] std::span<OPTITEM> items() const noexcept;
-    [[nodiscard]] bool may_update() const noexcept { return description_.Flags & CPSUIF_UPDATE_PERMISSION; }
-
-    [[nodiscard]] HINSTANCE instance() const noexcept { return description_.hInstCaller; }
-
-    // Whether the page `index` lists `item`.
-    [[nodiscard]] static bool lists(size_t index, const OPTITEM& item) noexcept {
-        return !(item.Flags & OPTIF_HIDE) && item.DlgPageIdx == index;
-    }
-
-    // Tells the group's callback of something; what it asks for (CPSUICB_ACTION_*). `item` is the one it is
-    // about and `old` its value before.
-    LONG notify(HWND page, WORD reason, OPTITEM* item, LONG old);
-
-    // A page becomes the active one or is left.
-    void notify_activity(HWND page, WORD reason);
+    // Shows the items of the page `index`, which is `page`.
+    void show_items(HWND page, size_t index) const;
 
     // The user pressed OK or Apply: the callback may change what the functions above are told. False when it
     // keeps the sheet open.
@@ -40,8 +26,8 @@ public:
     HWND lead = nullptr;  // the first page shown: it speaks for the group
 
 private:
+    [[nodiscard]] std::span<OPTITEM> items() const noexcept;
     [[nodiscard]] LONG check() const;
-    [[nodiscard]] CPSUICBPARAM callback_parameter(HWND page, WORD reason) const;
     [[nodiscard]] LONG make_page(const DLGPAGE& page, size_t index);
 
     COMPROPSHEETUI description_ = {};

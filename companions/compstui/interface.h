@@ -20,12 +20,13 @@ inline constexpr WORD kReasonBeforeInit = 5;  // PROPSHEETUI_REASON_BEFORE_INIT
 inline constexpr DWORD kLargestPage = 104;    // PROPSHEETPAGEW with the header's bitmap
 inline constexpr LPARAM kLeftByButton = 1;    // DESTROY's parameter after OK and Cancel; else 0
 
-// Controls of the host's own page: a tree view of the items, and the chosen one's list below it.
-inline constexpr int kOptionTree = 8000;
-inline constexpr int kOptionList = 8001;
-
 // What a list-box item needs on a page, by number from OPTTYPE's BegCtrlID on.
 enum ListControl { kListFrame, kListTitle, kListBox, kListIcon };
+
+// What callers reach through pfnComPropSheet: answers CPSFUNC_*; 0, or a number below 0 from functions that
+// count, when the handle or parameter is wrong or the function is not served (last error 120). Called on the
+// sheet's thread.
+LONG_PTR CALLBACK com_prop_sheet(HANDLE handle, UINT function, LPARAM first, LPARAM second) noexcept;
 
 // Calls `inner`; an exception becomes `failure` and last error 14 (no memory) or 31 (anything else).
 template <class Result, class Inner>

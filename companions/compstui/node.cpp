@@ -4,7 +4,6 @@
 
 #include "common/qk/memory_probe.h"
 #include "companions/compstui/page.h"
-#include "companions/compstui/sheet_functions.h"
 
 namespace compstui {
 

@@ -1,5 +1,7 @@
 #include "companions/compstui/option_item.h"
 
+#include <string>
+
 #include "common/qk/memory_probe.h"
 #include "companions/compstui/strings.h"
 
@@ -49,26 +51,25 @@ LONG check_items(std::span<const OPTITEM> items, size_t pages) noexcept {
     return 0;
 }
 
-std::span<const OPTPARAM> parameters_of(const OPTITEM& item) noexcept {
-    if (!item.pOptType || item.pOptType->Type != TVOT_LISTBOX)
-        return {};
-    return {item.pOptType->pOptParam, item.pOptType->Count};
-}
-
-std::wstring item_text(const OPTITEM& item, HINSTANCE instance) {
-    std::wstring text = text_of(item.pName, instance);
-    const auto parameters = parameters_of(item);
-    if (parameters.empty())
-        return text;
-    text += own_string(IDS_CPSUI_COLON_SEP);
-    const bool chosen = item.Sel >= 0 && static_cast<size_t>(item.Sel) < parameters.size();
-    return chosen ? text + text_of(parameters[static_cast<size_t>(item.Sel)].pData, instance)
-                  : text.append(own_string(IDS_CPSUI_LBCB_NOSEL));
-}
-
-bool may_change(const OPTITEM& item, bool may_update) noexcept {
-    const bool type_off = item.pOptType && (item.pOptType->Flags & OPTTF_TYPE_DISABLED);
-    return may_update && !(item.Flags & OPTIF_DISABLED) && !type_off;
+void show_item(HWND page, const OPTITEM& item, HINSTANCE instance) {
+    if (!item.pOptType || item.pOptType->Type != TVOT_LISTBOX || item.pOptType->BegCtrlID == 0)
+        return;
+    const int first = item.pOptType->BegCtrlID;
+    const std::span parameters(item.pOptType->pOptParam, item.pOptType->Count);
+    const std::wstring name = text_of(item.pName, instance);
+    SetDlgItemTextW(page, first + kListTitle, name.c_str());
+    if (!(item.Flags & OPTIF_NO_GROUPBOX_NAME))
+        SetDlgItemTextW(page, first + kListFrame, name.c_str());
+    const HWND list = GetDlgItem(page, first + kListBox);
+    for (const OPTPARAM& parameter : parameters)
+        SendMessageW(list, LB_ADDSTRING, 0,
+                     reinterpret_cast<LPARAM>(text_of(parameter.pData, instance).c_str()));
+    SendMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(item.Sel), 0);
+    const auto chosen = static_cast<size_t>(item.Sel);
+    const ULONG_PTR icon = chosen < parameters.size() ? parameters[chosen].IconID : 0;
+    if (has_icon(instance, icon))
+        SendDlgItemMessageW(page, first + kListIcon, STM_SETICON,
+                            reinterpret_cast<WPARAM>(LoadIconW(instance, MAKEINTRESOURCEW(icon))), 0);
 }
 
 }  // namespace compstui

@@ -1,9 +1,8 @@
-// Rules of option items: what a caller may hand over, what a value reads as, what the user may do to it.
-// Items are list boxes, or headings without a value. Nothing here touches a window.
+// Option items: list boxes that tell what is chosen, or headings without a value. A user may look at the
+// list, but changes nothing with it.
 #pragma once
 
 #include <span>
-#include <string>
 
 #include "companions/compstui/interface.h"
 
@@ -13,13 +12,7 @@ namespace compstui {
 // that is wrong.
 [[nodiscard]] LONG check_items(std::span<const OPTITEM> items, size_t pages) noexcept;
 
-// The texts to choose from; none for a heading.
-[[nodiscard]] std::span<const OPTPARAM> parameters_of(const OPTITEM& item) noexcept;
-
-// What stands in the tree: "name: value", or the name alone. Numbers of texts mean `instance`'s strings.
-[[nodiscard]] std::wstring item_text(const OPTITEM& item, HINSTANCE instance);
-
-// Whether the user may change the item's value, given the sheet's permission.
-[[nodiscard]] bool may_change(const OPTITEM& item, bool may_update) noexcept;
+// Shows the item in the controls of `page` that its type numbers (ListControl), as far as the page has them.
+void show_item(HWND page, const OPTITEM& item, HINSTANCE instance);
 
 }  // namespace compstui

@@ -4,10 +4,7 @@
 #include <cstring>
 
 #include "companions/compstui/group.h"
-#include "companions/compstui/option_view.h"
-#include "companions/compstui/page_template.h"
 #include "companions/compstui/sheet.h"
-#include "companions/compstui/sheet_functions.h"
 
 namespace compstui {
 
@@ -97,45 +94,30 @@ INT_PTR PageNode::initialise(HWND window, WPARAM focus) {
     if (procedure_)
         handled = procedure_(window, WM_INITDIALOG, focus, reinterpret_cast<LPARAM>(seen_));
     if (group && !handled)
-        options_ = std::make_unique<OptionView>(window, *group, index, is_standard);
+        group->show_items(window, index);
     return procedure_ ? handled : TRUE;
 }
 
+// What the caller's procedure has handled is the caller's alone.
 INT_PTR PageNode::answer(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    INT_PTR handled = procedure_ ? procedure_(window, message, wparam, lparam) : FALSE;
-    if (message == WM_NOTIFY)
-        return answer_notification(window, *reinterpret_cast<const NMHDR*>(lparam), handled);
+    const INT_PTR handled = procedure_ ? procedure_(window, message, wparam, lparam) : FALSE;
     if (message == WM_NCDESTROY) {
-        options_.reset();
         RemovePropW(window, kProperty);
         if (group && group->lead == window)
             group->lead = nullptr;
-        return handled;
+    } else if (!handled && group && message == WM_NOTIFY &&
+               reinterpret_cast<const NMHDR*>(lparam)->code == PSN_APPLY) {
+        const bool good = group->lead != window || group->apply(window);
+        SetWindowLongPtrW(window, DWLP_MSGRESULT, good ? PSNRET_NOERROR : PSNRET_INVALID_NOCHANGEPAGE);
+        return TRUE;
     }
-    return !handled && options_ ? options_->answer(message, wparam, lparam) : handled;
+    return handled;
 }
 
-// What the caller's procedure has handled is the caller's alone.
-INT_PTR PageNode::answer_notification(HWND window, const NMHDR& notification, INT_PTR handled) {
-    if (handled || !group)
-        return handled;
-    if (options_ && options_->answer_notification(notification))
-        return TRUE;
-    switch (notification.code) {
-        case PSN_APPLY: {
-            const bool good = group->lead != window || group->apply(window);
-            SetWindowLongPtrW(window, DWLP_MSGRESULT, good ? PSNRET_NOERROR : PSNRET_INVALID_NOCHANGEPAGE);
-            return TRUE;
-        }
-        case PSN_SETACTIVE:
-            group->notify_activity(window, CPSUICB_REASON_SETACTIVE);
-            return FALSE;
-        case PSN_KILLACTIVE:
-            group->notify_activity(window, CPSUICB_REASON_KILLACTIVE);
-            return FALSE;
-        default:
-            return FALSE;
-    }
+const DLGTEMPLATE* find_template(HINSTANCE instance, const wchar_t* name) noexcept {
+    const HRSRC found = FindResourceW(instance, name, RT_DIALOG);
+    const HGLOBAL loaded = found ? LoadResource(instance, found) : nullptr;
+    return static_cast<const DLGTEMPLATE*>(loaded ? LockResource(loaded) : nullptr);
 }
 
 ULONG_PTR page_user_data(HWND window) noexcept {

@@ -1,7 +1,6 @@
 // A page of the sheet: the caller's own page or one of a group's, and what the host keeps about it.
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "companions/compstui/node.h"
@@ -9,7 +8,6 @@
 namespace compstui {
 
 class GroupNode;
-class OptionView;
 
 class PageNode : public Node {
 public:
@@ -32,7 +30,6 @@ public:
 
     ULONG_PTR user_data = 0;
     size_t index = 0;            // of a group's page: its place in the group
-    bool is_standard = false;    // of a group's page: the host's own, with a tree of the items
     GroupNode* group = nullptr;  // of a group's page
 
 private:
@@ -45,7 +42,6 @@ private:
 
     INT_PTR initialise(HWND window, WPARAM focus);
     INT_PTR answer(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
-    INT_PTR answer_notification(HWND window, const NMHDR& notification, INT_PTR handled);
 
     // The caller's page as its procedure gets to see it, PSPINFO behind its last byte.
     alignas(8) BYTE seen_[kLargestPage + sizeof(PSPINFO)] = {};
@@ -53,8 +49,11 @@ private:
     DLGPROC procedure_ = nullptr;
     LPFNPSPCALLBACKW callback_ = nullptr;
     HPROPSHEETPAGE property_page_ = nullptr;
-    std::unique_ptr<OptionView> options_;
 };
+
+// The dialog template `name` (a text or a number) of `instance`; null when it has none. Lives as long as
+// `instance` is loaded.
+[[nodiscard]] const DLGTEMPLATE* find_template(HINSTANCE instance, const wchar_t* name) noexcept;
 
 // GetCPSUIUserData and SetCPSUIUserData: a number that each page of the sheet keeps. 0 and FALSE, last error
 // 1400, for a window that is no page of this host.

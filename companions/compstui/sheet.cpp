@@ -45,13 +45,6 @@ bool try_fill_header(FunctionNode& function, PROPSHEETUI_INFO_HEADER& header) {
     return true;
 }
 
-std::wstring sheet_title(const PROPSHEETUI_INFO_HEADER& header) {
-    std::wstring title = text_of(header.pTitle, header.hInst);
-    if ((header.Flags & PSUIHDRF_DEFTITLE) && !(header.Flags & PSUIHDRF_EXACT_PTITLE))
-        title += L" " + std::wstring(own_string(IDS_CPSUI_DEFAULT));
-    return title;
-}
-
 DWORD sheet_flags(const PROPSHEETUI_INFO_HEADER& header) noexcept {
     DWORD flags = PSH_NOCONTEXTHELP;
     if (header.Flags & PSUIHDRF_NOAPPLYNOW)
@@ -106,8 +99,7 @@ LONG Sheet::show_pages(const PROPSHEETUI_INFO_HEADER& header) {
     std::vector<HPROPSHEETPAGE> handles;
     for (PageNode* page : pages)
         handles.push_back(page->property_page());
-    const std::wstring title = sheet_title(header);
-    const auto first = std::find(pages.begin(), pages.end(), start_page);
+    const std::wstring title = text_of(header.pTitle, header.hInst);
     PROPSHEETHEADERW sheet = {};
     sheet.dwSize = sizeof sheet;
     sheet.dwFlags = sheet_flags(header) | PSH_USECALLBACK;
@@ -119,7 +111,6 @@ LONG Sheet::show_pages(const PROPSHEETUI_INFO_HEADER& header) {
         sheet.pszIcon = MAKEINTRESOURCEW(header.IconID);
     sheet.pszCaption = title.c_str();
     sheet.nPages = static_cast<UINT>(handles.size());
-    sheet.nStartPage = first == pages.end() ? 0 : static_cast<UINT>(first - pages.begin());
     sheet.phpage = handles.data();
     const SheetSize size(pages);
     sheet.pfnCallback = &SheetSize::callback;
@@ -144,13 +135,11 @@ FunctionNode* Sheet::add_function(FunctionNode& parent, PFNPROPSHEETUI function,
     if (added->call(PROPSHEETUI_REASON_INIT, parameter) > 0)
         return added;
     qk::LastErrorKeeper keep;
-    static_cast<void>(try_remove(*added));
+    take_out(*added);
     return nullptr;
 }
 
-bool Sheet::try_remove(Node& node) {
-    if (!node.parent || !can_change())
-        return false;
+void Sheet::take_out(FunctionNode& node) {
     destroying_ = true;
     destroy(node, 0);
     destroying_ = false;
@@ -161,7 +150,6 @@ bool Sheet::try_remove(Node& node) {
     removed_.push_back(std::move(*at));
     siblings.erase(at);
     node.retire();
-    return true;
 }
 
 bool Sheet::has_room() const {
@@ -198,8 +186,7 @@ LONG show_sheet(HWND owner, PFNPROPSHEETUI function, LPARAM parameter, DWORD* re
     if (!function)
         return failed<LONG>(ERROR_INVALID_PARAMETER, ERR_CPSUI_INVALID_PDATA);
     return guarded<LONG>(ERR_CPSUI_ALLOCMEM_FAILED, [&] {
-        constexpr INITCOMMONCONTROLSEX kControls = {
-            sizeof kControls, ICC_TREEVIEW_CLASSES | ICC_TAB_CLASSES | ICC_STANDARD_CLASSES};
+        constexpr INITCOMMONCONTROLSEX kControls = {sizeof kControls, ICC_TAB_CLASSES | ICC_STANDARD_CLASSES};
         InitCommonControlsEx(&kControls);
         return Sheet().run(owner, function, parameter, result);
     });

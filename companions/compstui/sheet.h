@@ -18,24 +18,19 @@ public:
     // Adds a function below `parent` and initialises it; null when it refuses or the tree is too deep.
     [[nodiscard]] FunctionNode* add_function(FunctionNode& parent, PFNPROPSHEETUI function, LPARAM parameter);
 
-    // Takes `node` and what is below it out of the sheet; functions are told. The root stays.
-    [[nodiscard]] bool try_remove(Node& node);
-
     // Hands `result` for the page or group `from` to the function that it belongs to and to those above, as
     // long as they take it; each may change what the next one gets. The number of functions asked.
     int hand_up(Node& from, LRESULT result);
 
-    // Pages can be added and taken out only before the sheet is shown.
+    // Pages can be added only before the sheet is shown.
     [[nodiscard]] bool can_change() const noexcept { return !shown_ && !destroying_; }
     [[nodiscard]] bool has_room() const;
-
-    // The page that the sheet opens with; the first one when null.
-    PageNode* start_page = nullptr;
 
 private:
     LONG show(HWND owner);
     LONG show_pages(const PROPSHEETUI_INFO_HEADER& header);
     void destroy(Node& node, LPARAM how_left);
+    void take_out(FunctionNode& node);  // and what is below it; functions are told
 
     std::unique_ptr<FunctionNode> root_;
     std::vector<std::unique_ptr<Node>> removed_;

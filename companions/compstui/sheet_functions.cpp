@@ -1,5 +1,4 @@
-#include "companions/compstui/sheet_functions.h"
-
+// What callers reach through pfnComPropSheet.
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -75,26 +74,6 @@ Node* find_in_sheet(Node& node, LPARAM handle) noexcept {
     return found && &found->sheet == &node.sheet ? found : nullptr;
 }
 
-// The number of pages taken out.
-LONG_PTR remove(Node& node, LPARAM handle, LPARAM) {
-    Node* removed = find_in_sheet(node, handle);
-    const size_t pages = removed ? pages_of(*removed).size() : 0;
-    return removed && node.sheet.try_remove(*removed) ? static_cast<LONG_PTR>(pages) : 0;
-}
-
-// A page is named by its handle, one of several by theirs and its number from 0; answers the handle.
-LONG_PTR set_start_page(Node& node, LPARAM handle, LPARAM number) {
-    Node* from = find_in_sheet(node, handle);
-    if (!from)
-        return 0;
-    const auto pages = pages_of(*from);
-    const auto chosen = static_cast<size_t>(from->kind == NodeKind::page ? 0 : number);
-    if (chosen >= pages.size())
-        return 0;
-    node.sheet.start_page = pages[chosen];
-    return handle;
-}
-
 LONG_PTR count_pages(Node& node, LPARAM, LPARAM) {
     return static_cast<LONG_PTR>(pages_of(node).size());
 }
@@ -113,8 +92,6 @@ struct Entry {
 constexpr Entry kEntries[] = {{CPSFUNC_ADD_PROPSHEETPAGEW, add_page},
                               {CPSFUNC_ADD_PCOMPROPSHEETUIW, add_group},
                               {CPSFUNC_ADD_PFNPROPSHEETUIW, add_function},
-                              {CPSFUNC_DELETE_HCOMPROPSHEET, remove},
-                              {CPSFUNC_SET_HSTARTPAGE, set_start_page},
                               {CPSFUNC_GET_PAGECOUNT, count_pages},
                               {CPSFUNC_SET_RESULT, set_result}};
 

@@ -1,17 +1,13 @@
-// Texts and icons that callers give as a pointer or as the number of a resource, and the host's own texts.
+// Texts and icons that callers give as a pointer or as the number of a resource.
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "companions/compstui/interface.h"
 
 namespace compstui {
 
-// The host's own text for an IDS_CPSUI_* number; empty for a number that it has none for.
-[[nodiscard]] std::wstring_view own_string(UINT id) noexcept;
-
-// What the caller means by `text`: the text itself, or by its number a string of the host or of `instance`.
+// What the caller means by `text`: the text itself, or by its number a string of `instance`.
 // Empty for null, for a number without string and for memory that cannot be read.
 [[nodiscard]] std::wstring text_of(const wchar_t* text, HINSTANCE instance);
 

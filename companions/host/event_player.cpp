@@ -71,40 +71,25 @@ LONG EventPlayer::create_dc_pre(const wchar_t* device, DEVMODEW* mode) {
     wchar_t driver[] = L"winspool";
     const DOCEVENT_CREATEDCPRE about = {driver, const_cast<wchar_t*>(device), mode, FALSE};
     DEVMODEW* replacement = nullptr;  // a module may answer with a DEVMODE of its own; this one's does not
-    return send(DOCUMENTEVENT_CREATEDCPRE, {&about, sizeof about, &replacement, sizeof replacement});
+    return send(DOCUMENTEVENT_CREATEDCPRE, {&about, sizeof about, &replacement, sizeof replacement}, 0);
 }
 
 LONG EventPlayer::create_dc_post(DEVMODEW* mode) {
-    return send(DOCUMENTEVENT_CREATEDCPOST, {&mode, sizeof mode});
+    return send(DOCUMENTEVENT_CREATEDCPOST, {&mode, sizeof mode}, 0);
 }
 
 // The module reads the DOCINFOW right where the input points.
 LONG EventPlayer::start_doc_pre(const DOCINFOW& document) {
-    return send(DOCUMENTEVENT_STARTDOCPRE, {&document, sizeof document});
+    return send(DOCUMENTEVENT_STARTDOCPRE, {&document, sizeof document}, 0);
 }
 
 LONG EventPlayer::start_doc_post(int job) {
     const LONG id = job;
-    return send(DOCUMENTEVENT_STARTDOCPOST, {&id, sizeof id});
+    return send(DOCUMENTEVENT_STARTDOCPOST, {&id, sizeof id}, 0);
 }
 
-LONG EventPlayer::start_page(size_t page) {
-    return send(DOCUMENTEVENT_STARTPAGE, {}, page);
-}
-LONG EventPlayer::end_page(size_t page) {
-    return send(DOCUMENTEVENT_ENDPAGE, {}, page);
-}
-LONG EventPlayer::end_doc_pre() {
-    return send(DOCUMENTEVENT_ENDDOCPRE, {});
-}
-LONG EventPlayer::end_doc_post() {
-    return send(DOCUMENTEVENT_ENDDOCPOST, {});
-}
-LONG EventPlayer::abort_doc() {
-    return send(DOCUMENTEVENT_ABORTDOC, {});
-}
-LONG EventPlayer::delete_dc() {
-    return send(DOCUMENTEVENT_DELETEDC, {});
+LONG EventPlayer::send(int event, size_t page) {
+    return send(event, Data{}, page);
 }
 
 }  // namespace host

@@ -42,12 +42,7 @@ public:
     LONG create_dc_post(DEVMODEW* mode);
     LONG start_doc_pre(const DOCINFOW& document);
     LONG start_doc_post(int job);
-    LONG start_page(size_t page);
-    LONG end_page(size_t page);
-    LONG end_doc_pre();
-    LONG end_doc_post();
-    LONG abort_doc();
-    LONG delete_dc();
+    LONG send(int event, size_t page = 0);  // one that carries no data
 
     // The device context that the later events are about.
     void set_context(HDC context) noexcept { context_ = context; }
@@ -63,7 +58,7 @@ private:
         size_t out_size = 0;
     };
 
-    LONG send(int event, const Data& data, size_t page = 0);
+    LONG send(int event, const Data& data, size_t page);
     LONG call(int event, const Data& data, size_t page);
 
     static constexpr size_t kEvents = 16;  // 0 stands for none

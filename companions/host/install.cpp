@@ -13,6 +13,7 @@
 #include "companions/host/print_processor.h"
 #include "companions/host/printer_setup.h"
 #include "companions/host/sheet_host.h"
+#include "companions/host/turn.h"
 
 namespace host {
 
@@ -25,21 +26,11 @@ constexpr wchar_t kProcessor[] = L"print processor";
 constexpr wchar_t kOneAtATime[] = L"zr_print_installation";
 constexpr DWORD kMostWait = 120000;  // milliseconds
 
-// Held while the installation changes.
-class InstallationLock {
-public:
-    InstallationLock() : mutex_(CreateMutexW(nullptr, FALSE, kOneAtATime)) {
-        const DWORD waited = WaitForSingleObject(mutex_.get(), kMostWait);
-        if (waited != WAIT_OBJECT_0 && waited != WAIT_ABANDONED)
-            throw HostError{ExitCode::kInstallation, L"another installation does not come to its end"};
-    }
-    ~InstallationLock() { ReleaseMutex(mutex_.get()); }
-    InstallationLock(const InstallationLock&) = delete;
-    InstallationLock& operator=(const InstallationLock&) = delete;
-
-private:
-    qk::HandleObj mutex_;
-};
+// An installation changes only while no other does.
+void demand(const Turn& turn) {
+    if (!turn.came())
+        throw HostError{ExitCode::kInstallation, L"another installation does not come to its end"};
+}
 
 // Collects the steps and shows each at once.
 class Steps {
@@ -145,7 +136,8 @@ InstallPlaces install_places() {
 }
 
 InstallSteps install(const std::wstring& stage, const StepSeen& seen) {
-    const InstallationLock lock;
+    const Turn turn(kOneAtATime, kMostWait);
+    demand(turn);
     const InstallPlaces places = install_places();
     Steps steps(seen);
     copy_files(stage, places, steps);
@@ -160,7 +152,8 @@ InstallSteps install(const std::wstring& stage, const StepSeen& seen) {
 }
 
 InstallSteps uninstall(const StepSeen& seen) {
-    const InstallationLock lock;
+    const Turn turn(kOneAtATime, kMostWait);
+    demand(turn);
     const InstallPlaces places = install_places();
     Steps steps(seen);
     steps.add(std::wstring(L"printer ") + qk::kProductName, remove_printer() ? L"removed" : L"was not there");

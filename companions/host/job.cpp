@@ -1,5 +1,7 @@
 #include "companions/host/job.h"
 
+#include <winddiui.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
@@ -18,8 +20,9 @@
 #include "companions/host/printer_setup.h"
 #include "companions/host/renderer.h"
 #include "companions/host/setting_choice.h"
-#include "companions/host/spool_turn.h"
 #include "companions/host/text_file.h"
+#include "companions/host/turn.h"
+#include "companions/system_texts.h"
 
 namespace host {
 
@@ -27,6 +30,7 @@ namespace {
 
 constexpr LONG kFailure = -1;
 constexpr std::chrono::milliseconds kProgressEvery{500};
+constexpr DWORD kMostSpoolWait = 600000;  // then the print system may refuse the job itself
 
 // A job that ends early; the report has been told why.
 struct JobOver {};
@@ -34,8 +38,7 @@ struct JobOver {};
 // The path of a new, empty file in the temporary folder. The print system writes into what is there without
 // cutting it, so a file that an ended job has left is never taken.
 std::wstring make_spool() {
-    const std::wstring folder =
-        qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
+    const std::wstring folder = companions::temporary_folder();
     for (unsigned attempt = 0;; ++attempt) {
         std::wstring path =
             qk::format(L"%szr_spool_%u_%u.ps", folder.c_str(), GetCurrentProcessId(), attempt);
@@ -85,7 +88,7 @@ private:
     void print_pages(const PagePrinter& page_printer);
     void print_page(const PagePrinter& page_printer, size_t number);
     void end();
-    void render(const TextArena& arena);
+    void render(std::span<wchar_t> arena);
     void judge(DWORD error);
     [[noreturn]] void abort(Outcome outcome, DWORD error, const std::wstring& fault);
     void close_context();
@@ -98,7 +101,9 @@ private:
     EventPlayer events_;
     std::wstring spool_;  // path of the print data, once the document starts
     qk::DeviceContext context_;
-    std::optional<SpoolTurn> spool_turn_;
+    // From the document's start to its end: some print systems name their spool files by a number that each
+    // process counts for itself, so that jobs of two processes would take each other's file.
+    std::optional<Turn> spool_turn_;
     std::vector<Page> pages_;
 };
 
@@ -169,7 +174,7 @@ void JobRun::start() {
     }
     spool_ = make_spool();
     document.lpszOutput = spool_.c_str();
-    spool_turn_.emplace();
+    spool_turn_.emplace(L"zr_print_spool", kMostSpoolWait);
     report_.job = StartDocW(context_.get(), &document);
     if (report_.job <= 0)
         abort(Outcome::kFailed, GetLastError(), L"the print system refuses the job");
@@ -177,12 +182,12 @@ void JobRun::start() {
 }
 
 void JobRun::print_page(const PagePrinter& page_printer, size_t number) {
-    if (events_.start_page(number) == kFailure)
+    if (events_.send(DOCUMENTEVENT_STARTPAGE, number) == kFailure)
         abort(Outcome::kFailed, events_.last_error(), L"the module refuses a page");
     if (StartPage(context_.get()) <= 0)
         abort(Outcome::kFailed, GetLastError(), L"a page cannot be started");
     page_printer.draw(pages_[number - 1], number, pages_.size());
-    events_.end_page(number);
+    events_.send(DOCUMENTEVENT_ENDPAGE, number);
     if (EndPage(context_.get()) <= 0)
         abort(Outcome::kFailed, GetLastError(), L"a page cannot be ended");
     report_.printed_pages = number;
@@ -202,7 +207,7 @@ void JobRun::print_pages(const PagePrinter& page_printer) {
     }
 }
 
-void JobRun::render(const TextArena& arena) {
+void JobRun::render(std::span<wchar_t> arena) {
     if (!options_.render) {
         discard_reserved_file(report_.thread);
         return;
@@ -218,11 +223,11 @@ void JobRun::render(const TextArena& arena) {
 }
 
 void JobRun::end() {
-    events_.end_doc_pre();
+    events_.send(DOCUMENTEVENT_ENDDOCPRE);
     if (EndDoc(context_.get()) <= 0)
         abort(Outcome::kFailed, GetLastError(), L"the job cannot be ended");
     spool_turn_.reset();
-    const TextArena arena;
+    std::vector<wchar_t> arena(32 * 1024);  // for the texts of the result
     render(arena);
     uint32_t error_code = 0;
     if (const auto record = find_result_record(report_.thread)) {
@@ -233,7 +238,7 @@ void JobRun::end() {
     }
     {
         const SettingTurn turn;  // the module removes the choice of a setting, which may be another job's
-        events_.end_doc_post();
+        events_.send(DOCUMENTEVENT_ENDDOCPOST);
     }
     report_.last_error = events_.last_error();
     judge(error_code);
@@ -259,7 +264,7 @@ void JobRun::judge(DWORD error) {
 
 void JobRun::abort(Outcome outcome, DWORD error, const std::wstring& fault) {
     discard_reserved_file(report_.thread);
-    events_.abort_doc();
+    events_.send(DOCUMENTEVENT_ABORTDOC);
     AbortDoc(context_.get());
     spool_turn_.reset();
     DeleteFileW(spool_.c_str());
@@ -270,7 +275,7 @@ void JobRun::abort(Outcome outcome, DWORD error, const std::wstring& fault) {
 void JobRun::close_context() {
     if (!context_)
         return;
-    events_.delete_dc();
+    events_.send(DOCUMENTEVENT_DELETEDC);
     context_.reset();
 }
 
@@ -288,7 +293,7 @@ JobReport print_file(const Options& options, const DriverModule& module) {
     JobReport report;
     const std::string bytes = read_text_file(options.file);
     const DecodedText decoded = decode_text(bytes);
-    report.file = absolute_path(options.file);
+    report.file = companions::absolute_path(options.file);
     report.encoding = encoding_name(decoded.encoding);
     if (bytes.empty())
         report.notes.push_back(L"the file is empty: one page without text is printed");

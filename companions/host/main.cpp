@@ -12,7 +12,6 @@
 #include "companions/host/console.h"
 #include "companions/host/host_error.h"
 #include "companions/host/install.h"
-#include "companions/host/instant_jobs.h"
 #include "companions/host/job.h"
 #include "companions/host/options.h"
 #include "companions/host/printer_setup.h"
@@ -20,6 +19,7 @@
 #include "companions/host/report_parts.h"
 #include "companions/host/setting_check.h"
 #include "companions/host/trace_output.h"
+#include "companions/system_texts.h"
 
 namespace host {
 
@@ -60,9 +60,8 @@ ExitCode finish(const Options& options, const InstallSteps& steps) {
 
 std::wstring stage_folder(const Options& options) {
     if (!options.from.empty())
-        return absolute_path(options.from) + L"\\";
-    const std::wstring program = qk::module_path(nullptr);
-    return program.substr(0, program.size() - qk::file_part(program).size());
+        return companions::absolute_path(options.from) + L"\\";
+    return companions::folder_part(qk::module_path(nullptr));
 }
 
 ExitCode run_install(const Options& options) {
@@ -79,14 +78,6 @@ ExitCode run_status(const Options& options) {
     for (const InstallStep& step : steps)
         show_step(step);
     return finish(options, steps);
-}
-
-ExitCode run_instant(const Options& options) {
-    const InstantReport report = run_instant_jobs(options, load_driver_module());
-    print_lines(report_lines(report));
-    if (options.json)
-        print_document(qk::to_wide(report_json(report)));
-    return succeeded(report) ? ExitCode::kDone : ExitCode::kJobFailed;
 }
 
 // Switches the trace on where a level is given, shows each of its lines at once and keeps it for the JSON
@@ -118,8 +109,6 @@ ExitCode run_print(const Options& options) {
     if (options.notify_channels)
         set_notify_channels(*options.notify_channels);
     TraceLines trace(options.trace_level);
-    if (options.threads != 0)
-        return run_instant(options);
     JobReport report = print_file(options, load_driver_module());
     report.trace = trace.take();
     print_lines(report_lines(report));
@@ -170,9 +159,6 @@ ExitCode run(const Options& options) {
     if (options.json)
         keep_output_for_json();
     switch (options.command) {
-        case Command::kHelp:
-            print_document(kUsageText);
-            return ExitCode::kDone;
         case Command::kInstall:
             return run_install(options);
         case Command::kUninstall:
@@ -204,6 +190,10 @@ ExitCode fault(const Options& options, const HostError& error) {
 
 ExitCode run_words(std::span<const wchar_t* const> words) {
     const ParsedOptions parsed = parse_options(words);
+    if (!parsed.help.empty()) {
+        print_document(parsed.help);
+        return ExitCode::kDone;
+    }
     if (!parsed.fault.empty()) {
         report_progress(L"zr_print: " + parsed.fault);
         report_progress(L"zr_print help tells what there is");

@@ -6,15 +6,14 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace host {
 
-enum class Command { kHelp, kInstall, kUninstall, kStatus, kPrint, kProperties, kCheck, kDiff };
+enum class Command { kInstall, kUninstall, kStatus, kPrint, kProperties, kCheck, kDiff };
 
 struct Options {
-    Command command = Command::kHelp;
+    Command command = Command::kStatus;
     bool json = false;
 
     // install
@@ -40,18 +39,15 @@ struct Options {
     std::optional<size_t> abort_after_page;
     bool render = true;
     bool keep_spool = false;
-    size_t threads = 0;  // 0: one real job
-    size_t jobs = 1;     // of each thread
 };
 
 struct ParsedOptions {
     Options options;
-    std::wstring fault;  // one sentence; empty when nothing is wrong
+    std::wstring fault;  // what is wrong, in one sentence; empty when nothing is
+    std::wstring help;   // when the words ask for that
 };
 
 // What the words behind the program's name ask for.
 [[nodiscard]] ParsedOptions parse_options(std::span<const wchar_t* const> words);
-
-extern const wchar_t kUsageText[];
 
 }  // namespace host

@@ -5,27 +5,16 @@
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
+#include "companions/system_texts.h"
+#include "companions/tessalo/safe_name.h"
 
 namespace host {
-
-std::wstring absolute_path(const std::wstring& path) {
-    std::wstring full = qk::grow_until_it_fits([&path](wchar_t* buffer, DWORD units) {
-        return GetFullPathNameW(path.c_str(), units, buffer, nullptr);
-    });
-    return full.empty() ? path : full;
-}
-
-bool names_pdf(std::wstring_view path) noexcept {
-    constexpr std::wstring_view kEnding = L".pdf";
-    return path.size() > kEnding.size() &&
-           qk::equal_no_case(path.substr(path.size() - kEnding.size()), kEnding);
-}
 
 OutputTarget::OutputTarget(const std::wstring& output) {
     if (output.empty())
         return;
-    folder_ = absolute_path(output);
-    if (names_pdf(folder_) && !qk::is_folder(folder_)) {
+    folder_ = companions::absolute_path(output);
+    if (companions::ends_in_pdf(folder_) && !qk::is_folder(folder_)) {
         file_ = folder_;
         folder_ = qk::format(L"%s.job%u", file_.c_str(), GetCurrentProcessId());
     }

@@ -2,12 +2,8 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 namespace host {
-
-// The full path; the text itself when the system makes nothing of it.
-[[nodiscard]] std::wstring absolute_path(const std::wstring& path);
 
 // Tells the dialog library, through its environment variables, to ask nobody and where to put the PDF. A
 // folder takes PDFs under the names that the library gives them. For a PDF of a given name the library works
@@ -32,8 +28,5 @@ private:
     std::wstring folder_;  // that the dialog library works in
     std::wstring file_;    // the PDF's final path; empty: the library's name stands
 };
-
-// Whether a path names a PDF rather than a folder.
-[[nodiscard]] bool names_pdf(std::wstring_view path) noexcept;
 
 }  // namespace host

@@ -1,8 +1,8 @@
 #include "companions/host/page_layout.h"
 
-#include <algorithm>
+#include <windows.h>
 
-#include "common/qk/text.h"
+#include <algorithm>
 
 namespace host {
 
@@ -13,9 +13,6 @@ constexpr wchar_t kFormFeed = L'\f';
 bool is_control(wchar_t unit) noexcept {
     return unit < L' ' || (unit >= 0x7F && unit < 0xA0);
 }
-bool is_low_surrogate(wchar_t unit) noexcept {
-    return unit >= 0xDC00 && unit < 0xE000;
-}
 
 // Where to break a line of which `fits` units fit.
 size_t break_position(std::wstring_view line, size_t fits) noexcept {
@@ -24,7 +21,7 @@ size_t break_position(std::wstring_view line, size_t fits) noexcept {
     const bool only_indent = blank == std::wstring_view::npos || line.find_first_not_of(L' ') > blank;
     if (!only_indent)
         return blank + 1;
-    if (is_low_surrogate(line[fits]))  // line[fits] is there: a line that fits whole is not broken
+    if (IS_LOW_SURROGATE(line[fits]))  // line[fits] is there: a line that fits whole is not broken
         return fits > 1 ? fits - 1 : fits + 1;
     return fits;
 }
@@ -104,10 +101,6 @@ std::vector<Page> paginate(std::wstring_view text, const PageLayout& layout) {
         pages.end_page();
         text.remove_prefix(feed + 1);
     }
-}
-
-std::wstring page_number_text(size_t page, size_t pages) {
-    return qk::format(L"Page %llu of %llu", page, pages);
 }
 
 }  // namespace host

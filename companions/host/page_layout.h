@@ -31,7 +31,4 @@ inline constexpr size_t kTabColumns = 8;
 // the end of the text; an empty text is one empty page.
 [[nodiscard]] std::vector<Page> paginate(std::wstring_view text, const PageLayout& layout);
 
-// "Page 2 of 12".
-[[nodiscard]] std::wstring page_number_text(size_t page, size_t pages);
-
 }  // namespace host

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "common/qk/text.h"
+
 namespace host {
 
 namespace {
@@ -108,7 +110,7 @@ void PagePrinter::draw(const Page& page, size_t number, size_t pages) const {
             draw_text(context_, area_.left, y, line);
         y += line_height_;
     }
-    const std::wstring footer = page_number_text(number, pages);
+    const std::wstring footer = qk::format(L"Page %llu of %llu", number, pages);
     SIZE size = {};
     GetTextExtentPoint32W(context_, footer.c_str(), static_cast<int>(footer.size()), &size);
     draw_text(context_, (area_.left + area_.right - size.cx) / 2, footer_top_, footer);

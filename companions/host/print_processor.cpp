@@ -4,10 +4,6 @@
 
 #include <winspool.h>
 
-#include <algorithm>
-#include <cstddef>
-#include <vector>
-
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
 
@@ -29,31 +25,12 @@ std::wstring processor_folder() {
     return told ? folder : std::wstring();
 }
 
-using EnumDatatypes = decltype(&EnumPrintProcessorDatatypesW);
-
-// Asks the processor itself, since Wine's spooler does not pass the question on.
-bool takes(EnumDatatypes enumerate, std::wstring name, const std::wstring& datatype) {
-    DWORD needed = 0;
-    DWORD count = 0;
-    enumerate(nullptr, name.data(), 1, nullptr, 0, &needed, &count);
-    std::vector<std::byte> bytes(needed);
-    if (bytes.empty() ||
-        !enumerate(nullptr, name.data(), 1, reinterpret_cast<BYTE*>(bytes.data()), needed, &needed, &count))
-        return false;
-    const auto* types = reinterpret_cast<const DATATYPES_INFO_1W*>(bytes.data());
-    return std::any_of(types, types + count,
-                       [&datatype](const auto& type) { return qk::equal_no_case(type.pName, datatype); });
-}
-
 // Where the library still serves the GDI as a driver, the GDI draws through it and spools what it wrote.
 bool spools_emf() {
     const std::wstring folder = processor_folder();
     const qk::DLL library(folder.empty() ? nullptr : LoadLibraryW((folder + L'\\' + kEmfLibrary).c_str()));
-    if (!library || GetProcAddress(library.get(), "wine_get_gdi_driver"))
-        return false;
-    const auto enumerate = reinterpret_cast<EnumDatatypes>(
-        reinterpret_cast<void*>(GetProcAddress(library.get(), "EnumPrintProcessorDatatypesW")));
-    return enumerate && takes(enumerate, kEmf.name, kEmf.datatype);
+    return library && !GetProcAddress(library.get(), "wine_get_gdi_driver") &&
+           GetProcAddress(library.get(), "EnumPrintProcessorDatatypesW");
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "companions/host/host_error.h"
 #include "companions/host/print_processor.h"
 #include "companions/host/resource.h"
+#include "companions/host/stage_files.h"
 
 namespace host {
 
@@ -37,17 +38,6 @@ std::string_view data_file_bytes() {
     return {static_cast<const char*>(LockResource(loaded)), SizeofResource(nullptr, found)};
 }
 
-bool holds_bytes(const std::wstring& path, std::string_view wanted) {
-    const qk::FileObj file(
-        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-    if (!file)
-        return false;
-    std::string bytes(wanted.size() + 1, '\0');
-    DWORD read = 0;
-    return ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr) &&
-           std::string_view(bytes.data(), read) == wanted;
-}
-
 std::vector<std::byte> installed_drivers(DWORD& count) {
     DWORD needed = 0;
     EnumPrinterDriversW(nullptr, writable(kEnvironment), 3, nullptr, 0, &needed, &count);
@@ -73,7 +63,7 @@ std::wstring driver_folder() {
 bool provide_data_file(const std::wstring& folder) {
     const std::wstring path = folder + kDataFile;
     const std::string_view bytes = data_file_bytes();
-    if (holds_bytes(path, bytes))
+    if (find_bytes(path) == bytes)
         return false;
     const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
     DWORD written = 0;

@@ -36,15 +36,9 @@ DEVMODEW* mode_in(std::vector<std::byte>& bytes) noexcept {
 }
 
 const wchar_t* document_result_name(LONG result) noexcept {
-    switch (result) {
-        case IDOK:
-            return L"OK";
-        case CPSUI_CANCEL:  // as Wine's print system tells it
-        case IDCANCEL:
-            return L"cancelled";
-        default:
-            return L"failed";
-    }
+    if (result == CPSUI_CANCEL || result == IDCANCEL)  // the former as Wine's print system tells it
+        return L"cancelled";
+    return result == IDOK ? L"OK" : L"failed";
 }
 
 void show_document(const Options& options, const DriverModule& module, HANDLE printer, SheetReport& report) {

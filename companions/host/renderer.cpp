@@ -13,7 +13,6 @@ namespace host {
 namespace {
 
 constexpr wchar_t kProgram[] = L"zr_render.exe";
-constexpr size_t kArenaBytes = 64 * 1024;
 
 // The renderer's progress must not get between the lines of a JSON report.
 HANDLE inheritable_error_stream() noexcept {
@@ -48,29 +47,20 @@ std::wstring program() {
 
 }  // namespace
 
-TextArena::TextArena()
-    : memory_(VirtualAlloc(nullptr, kArenaBytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)) {}
-
-TextArena::~TextArena() {
-    if (memory_)
-        VirtualFree(memory_, 0, MEM_RELEASE);
-}
-
-std::wstring TextArena::argument() const {
-    if (!memory_)
-        return {};
-    return qk::format(L"%u:%llu:%llu", GetCurrentProcessId(), reinterpret_cast<uintptr_t>(memory_),
-                      kArenaBytes);
-}
-
-DWORD run_renderer(const RenderJob& job, const TextArena& arena) {
-    std::vector<std::wstring> words = {program(),    L"--thread", qk::format(L"%u", job.thread),
-                                       L"--printer", job.printer, L"--spool",
-                                       job.spool};
+DWORD run_renderer(const RenderJob& job, std::span<wchar_t> arena) {
+    std::vector<std::wstring> words = {
+        program(),
+        L"--thread",
+        qk::format(L"%u", job.thread),
+        L"--printer",
+        job.printer,
+        L"--spool",
+        job.spool,
+        L"--notify",
+        qk::format(L"%u:%llu:%llu", GetCurrentProcessId(), reinterpret_cast<uintptr_t>(arena.data()),
+                   arena.size_bytes())};
     if (!job.setting.empty())
         words.insert(words.end(), {L"--setting", job.setting});
-    if (const std::wstring notify = arena.argument(); !notify.empty())
-        words.insert(words.end(), {L"--notify", notify});
     if (job.keep_spool)
         words.push_back(L"--keep-spool");
     return run(words);

@@ -3,26 +3,10 @@
 
 #include <windows.h>
 
+#include <span>
 #include <string>
-#include <vector>
 
 namespace host {
-
-// Memory of this process that the renderer writes the result record's long texts into. Must live until the
-// module has read the record.
-class TextArena {
-public:
-    TextArena();
-    ~TextArena();
-    TextArena(const TextArena&) = delete;
-    TextArena& operator=(const TextArena&) = delete;
-
-    // "<process id>:<address>:<bytes>", as the renderer takes it; empty when there is no memory.
-    [[nodiscard]] std::wstring argument() const;
-
-private:
-    void* memory_;
-};
 
 struct RenderJob {
     DWORD thread;  // that prints
@@ -33,8 +17,9 @@ struct RenderJob {
 };
 
 // Runs the renderer of the installation folder to its end; its streams are this program's standard error
-// stream. Returns its exit code. Throws HostError (installation) when it cannot be started.
-[[nodiscard]] DWORD run_renderer(const RenderJob& job, const TextArena& arena);
+// stream. It writes the result record's long texts into `arena`, which must live until the module has read
+// the record. Returns its exit code. Throws HostError (installation) when it cannot be started.
+[[nodiscard]] DWORD run_renderer(const RenderJob& job, std::span<wchar_t> arena);
 
 // Takes back the file that was reserved for a job which ends without a PDF. Where that cannot be done an
 // empty file stays.

@@ -11,11 +11,14 @@ namespace host {
 struct SettingFindings {
     std::wstring path;
     bool readable = true;              // its bytes could be had
-    std::vector<std::wstring> faults;  // one sentence each, in the order of the settings' field tables
+    std::vector<std::wstring> faults;  // one sentence each; what makes the whole file useless first
     std::vector<std::wstring> forced;  // of an administrator's file: what it does to every job
+
+    // Adds a fault: "<place>: <what>", or `what` alone where the whole file is meant.
+    void add(const std::wstring& place, const std::wstring& what);
 };
 
-// Checks a file by the field tables that the driver reads it with. A file whose name ends in ".ps4a" counts
+// Checks a file by what the driver, having read it, has of it. A file whose name ends in ".ps4a" counts
 // as an administrator's.
 [[nodiscard]] SettingFindings check_setting(const std::wstring& path);
 

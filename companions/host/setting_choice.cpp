@@ -4,14 +4,13 @@
 #include "common/qk/registry.h"
 #include "common/rwPDFSet_functions.h"
 #include "companions/host/host_error.h"
-#include "companions/host/output_target.h"
+#include "companions/system_texts.h"
 
 namespace host {
 
 namespace {
 
-constexpr wchar_t kTurns[] = L"zr_print_setting_choice";
-constexpr DWORD kMostWait = 30000;  // milliseconds; a program that hangs in its turn must not stop all others
+constexpr DWORD kMostWait = 30000;  // milliseconds
 
 std::wstring value_name() {
     return std::wstring(L"settingfile_for_process_") + qk::kProductName;
@@ -23,17 +22,12 @@ qk::RegKey key() {
 
 }  // namespace
 
-SettingTurn::SettingTurn() : mutex_(CreateMutexW(nullptr, FALSE, kTurns)) {
-    const DWORD waited = mutex_ ? WaitForSingleObject(mutex_.get(), kMostWait) : WAIT_FAILED;
-    has_turn_ = waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED;
-}
+SettingTurn::SettingTurn() : turn_(L"zr_print_setting_choice", kMostWait) {}
 
 SettingTurn::~SettingTurn() {
     const qk::LastErrorKeeper keep;
     if (chosen_)
         RegDeleteValueW(key().get(), value_name().c_str());
-    if (has_turn_)
-        ReleaseMutex(mutex_.get());
 }
 
 void SettingTurn::choose(const std::wstring& setting) {
@@ -48,7 +42,7 @@ void SettingTurn::choose(const std::wstring& setting) {
 
 std::wstring setting_for_module(const std::wstring& setting) {
     std::wstring name =
-        setting.find_first_of(L"\\/") == std::wstring::npos ? setting : absolute_path(setting);
+        setting.find_first_of(L"\\/") == std::wstring::npos ? setting : companions::absolute_path(setting);
     if (name.size() >= kSettingNameUnits)  // the dialog library would go on with the printer's own
         throw HostError{ExitCode::kUsage, L"the setting's path is too long"};
     return name;

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "common/qk/handle.h"
+#include "companions/host/turn.h"
 
 namespace host {
 
@@ -22,8 +22,7 @@ public:
     void choose(const std::wstring& setting);
 
 private:
-    qk::HandleObj mutex_;
-    bool has_turn_ = false;
+    Turn turn_;
     bool chosen_ = false;
 };
 

@@ -19,17 +19,12 @@ constexpr wchar_t kOverrides[] = L"Software\\Wine\\DllOverrides";
 constexpr wchar_t kLibrary[] = L"compstui";
 constexpr wchar_t kFileFirst[] = L"native,builtin";  // a file that is not Wine's goes before Wine's own
 constexpr std::string_view kWinesMark = "Wine builtin DLL";
-constexpr LONG kWinesMarkAt = 0x40;  // behind the DOS header
+constexpr size_t kWinesMarkAt = 0x40;  // behind the DOS header
 
 bool is_wines_own(const std::wstring& path) {
-    const qk::FileObj file(
-        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-    if (!file || SetFilePointer(file.get(), kWinesMarkAt, nullptr, FILE_BEGIN) != DWORD{kWinesMarkAt})
-        return false;
-    char mark[kWinesMark.size()] = {};
-    DWORD read = 0;
-    return ReadFile(file.get(), mark, sizeof mark, &read, nullptr) &&
-           std::string_view(mark, read) == kWinesMark;
+    const auto bytes = find_bytes(path);
+    return bytes && bytes->size() > kWinesMarkAt &&
+           std::string_view(*bytes).substr(kWinesMarkAt).starts_with(kWinesMark);
 }
 
 // Where Wine's own lies while the stand-in has its place.

@@ -2,14 +2,11 @@
 
 #include <windows.h>
 
-#include <array>
-#include <cstring>
-#include <span>
-
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
+#include "companions/system_texts.h"
 
 namespace host {
 
@@ -17,10 +14,6 @@ namespace {
 
 constexpr wchar_t kModule[] = L"ZR_UI80.dll";
 constexpr const wchar_t* kInstalledFiles[] = {L"Tessalo80.dll", L"zr_render.exe"};
-
-std::wstring folder_of(const std::wstring& path) {
-    return path.substr(0, path.size() - qk::file_part(path).size());
-}
 
 // The files in `folder` (with its trailing backslash) and, as relative paths, in the folders below it.
 std::vector<std::wstring> files_below(const std::wstring& folder, const std::wstring& relative = L"") {
@@ -53,16 +46,6 @@ ULONGLONG write_time(const std::wstring& path) noexcept {
     return ULONGLONG{data.ftLastWriteTime.dwHighDateTime} << 32 | data.ftLastWriteTime.dwLowDateTime;
 }
 
-qk::FileObj open_for_reading(const std::wstring& path) noexcept {
-    return qk::FileObj(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                                   OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-}
-
-size_t read_piece(HANDLE file, std::span<char> piece) noexcept {
-    DWORD read = 0;
-    return ReadFile(file, piece.data(), static_cast<DWORD>(piece.size()), &read, nullptr) ? read : 0;
-}
-
 // A program that has loaded the file keeps it from being replaced, but not from being renamed.
 void move_aside(const std::wstring& target) {
     const std::wstring aside = qk::format(L"%s.old%u", target.c_str(), GetCurrentProcessId());
@@ -75,13 +58,13 @@ void delete_moved_aside(const std::wstring& target) {
     WIN32_FIND_DATAW found = {};
     const qk::FindObj search(FindFirstFileW((target + L".old*").c_str(), &found));
     for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found) != FALSE)
-        DeleteFileW((folder_of(target) + found.cFileName).c_str());
+        DeleteFileW((companions::folder_part(target) + found.cFileName).c_str());
 }
 
 // Under a name of its own first, so that nobody ever sees half a file.
 void put_in_place(const FileCopy& copy) {
     const std::wstring fresh = qk::format(L"%s.new%u", copy.target.c_str(), GetCurrentProcessId());
-    ForceDirectories(folder_of(copy.target));
+    ForceDirectories(companions::folder_part(copy.target));
     if (!CopyFileW(copy.source.c_str(), fresh.c_str(), FALSE))
         throw HostError{ExitCode::kInstallation, with_reason(L"cannot write " + copy.target, GetLastError())};
     if (MoveFileExW(fresh.c_str(), copy.target.c_str(), MOVEFILE_REPLACE_EXISTING))
@@ -121,26 +104,24 @@ std::vector<FileCopy> plan_copies(const std::wstring& stage, const InstallPlaces
     return copies;
 }
 
-bool same_contents(const std::wstring& a, const std::wstring& b) {
-    const qk::FileObj first = open_for_reading(a);
-    const qk::FileObj second = open_for_reading(b);
-    if (!first || !second)
-        return false;
-    std::vector<char> one(1 << 16);
-    std::vector<char> other(1 << 16);
-    for (;;) {
-        const size_t read = read_piece(first.get(), one);
-        if (read != read_piece(second.get(), other) || std::memcmp(one.data(), other.data(), read) != 0)
-            return false;
-        if (read == 0)
-            return true;
-    }
+std::optional<std::string> find_bytes(const std::wstring& path) {
+    const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                       nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    LARGE_INTEGER size = {};
+    if (!file || !GetFileSizeEx(file.get(), &size))
+        return std::nullopt;
+    std::string bytes(static_cast<size_t>(size.QuadPart), '\0');
+    DWORD read = 0;
+    const bool whole = ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr) &&
+                       read == bytes.size();
+    return whole ? std::optional(std::move(bytes)) : std::nullopt;
 }
 
 CopyOutcome bring_up_to_date(const FileCopy& copy) {
     delete_moved_aside(copy.target);
     const bool there = qk::is_file(copy.target);
-    if (there && same_contents(copy.source, copy.target))
+    const auto source = find_bytes(copy.source);
+    if (there && source && source == find_bytes(copy.target))
         return CopyOutcome::kUpToDate;
     if (there && copy.keep_newer && write_time(copy.target) > write_time(copy.source))
         return CopyOutcome::kKept;

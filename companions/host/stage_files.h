@@ -1,6 +1,7 @@
 // The built tree and where its files are installed to.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,7 +32,7 @@ enum class CopyOutcome { kCopied, kReplaced, kUpToDate, kKept };
 // program holds open is moved aside first. Throws HostError (installation) when that fails.
 CopyOutcome bring_up_to_date(const FileCopy& copy);
 
-// Whether both files can be read and hold the same bytes.
-[[nodiscard]] bool same_contents(const std::wstring& a, const std::wstring& b);
+// What a file holds; nothing when it cannot be read.
+[[nodiscard]] std::optional<std::string> find_bytes(const std::wstring& path);
 
 }  // namespace host

@@ -17,13 +17,6 @@ namespace {
 constexpr UINT kWindows1252 = 1252;
 constexpr wchar_t kReplacement = L'\xFFFD';
 
-bool is_high(wchar_t unit) noexcept {
-    return unit >= 0xD800 && unit < 0xDC00;
-}
-bool is_low(wchar_t unit) noexcept {
-    return unit >= 0xDC00 && unit < 0xE000;
-}
-
 bool is_valid_utf8(std::string_view bytes) noexcept {
     return bytes.empty() || MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(),
                                                 static_cast<int>(bytes.size()), nullptr, 0) > 0;
@@ -52,15 +45,6 @@ std::wstring from_utf16(std::string_view bytes, bool little_endian) {
     return text;
 }
 
-void replace_lone_surrogates(std::wstring& text) noexcept {
-    for (size_t at = 0; at < text.size(); ++at) {
-        if (is_high(text[at]) && at + 1 < text.size() && is_low(text[at + 1]))
-            ++at;
-        else if (is_high(text[at]) || is_low(text[at]))
-            text[at] = kReplacement;
-    }
-}
-
 }  // namespace
 
 const wchar_t* encoding_name(Encoding encoding) noexcept {
@@ -72,9 +56,8 @@ const wchar_t* encoding_name(Encoding encoding) noexcept {
 DecodedText decode_text(std::string_view bytes) {
     if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
         const bool little_endian = bytes[0] == '\xFF';
-        std::wstring text = from_utf16(bytes.substr(2), little_endian);
-        replace_lone_surrogates(text);
-        return {std::move(text), little_endian ? Encoding::kUtf16Le : Encoding::kUtf16Be};
+        const std::wstring text = from_utf16(bytes.substr(2), little_endian);
+        return {qk::to_wide(qk::to_utf8(text)), little_endian ? Encoding::kUtf16Le : Encoding::kUtf16Be};
     }
     if (bytes.starts_with(
             "\xEF\xBB\xBF"))  // the mark says UTF-8, so bad bytes are damage, not another encoding

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "common/qk/memory_probe.h"
+#include "common/qk/text.h"
 
 namespace host {
 
@@ -31,16 +32,9 @@ std::wstring wide_text(const EXCEPTION_RECORD& record) {
 }
 
 std::wstring narrow_text(const EXCEPTION_RECORD& record) {
-    const size_t length = std::min<size_t>(record.ExceptionInformation[0], kMostBytes);
-    std::string bytes(length, '\0');
+    std::string bytes(std::min<size_t>(record.ExceptionInformation[0], kMostBytes), '\0');
     const auto* address = reinterpret_cast<const void*>(record.ExceptionInformation[1]);
-    if (length == 0 || !qk::try_copy(bytes.data(), address, length))
-        return {};
-    std::wstring text(length, L'\0');
-    const int units = MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(length), text.data(),
-                                          static_cast<int>(text.size()));
-    text.resize(static_cast<size_t>(units));
-    return text;
+    return qk::try_copy(bytes.data(), address, bytes.size()) ? qk::to_wide(bytes) : std::wstring();
 }
 
 // A debugger would be told of the output by this exception; here the handler takes its place.

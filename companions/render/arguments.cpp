@@ -1,108 +1,56 @@
 #include "companions/render/arguments.h"
 
-#include <algorithm>
-#include <charconv>
+#include <CLI/CLI.hpp>
 
-#include "common/qk/text.h"
+#include <algorithm>
+
+#include "companions/command_line.h"
 
 namespace companions::render {
 
 namespace {
 
-std::optional<uint64_t> find_unsigned(std::wstring_view text) {
-    const bool hexadecimal = text.starts_with(L"0x") || text.starts_with(L"0X");
-    const std::string digits = qk::to_utf8(hexadecimal ? text.substr(2) : text);
-    uint64_t number = 0;
-    const char* end = digits.data() + digits.size();
-    const auto [stopped, error] = std::from_chars(digits.data(), end, number, hexadecimal ? 16 : 10);
-    if (digits.empty() || error != std::errc{} || stopped != end)
-        return std::nullopt;
-    return number;
-}
-
-std::optional<DWORD> find_id(std::wstring_view text) {
-    const auto number = find_unsigned(text);
-    if (!number || *number == 0 || *number > MAXDWORD)
-        return std::nullopt;
-    return static_cast<DWORD>(*number);
-}
-
-std::optional<TextArena> find_arena(std::wstring_view text) {
-    const size_t first = text.find(L':');
-    const size_t second = first == std::wstring_view::npos ? first : text.find(L':', first + 1);
-    if (second == std::wstring_view::npos)
-        return std::nullopt;
-    const auto process = find_id(text.substr(0, first));
-    const auto address = find_unsigned(text.substr(first + 1, second - first - 1));
-    const auto bytes = find_unsigned(text.substr(second + 1));
-    if (!process || !address || *address == 0 || !bytes)
-        return std::nullopt;
-    return TextArena{*process, *address, static_cast<size_t>(std::min<uint64_t>(*bytes, kMostArenaBytes))};
-}
-
-// True when `value` was wanted for the option and is in order.
-bool try_take(Arguments& arguments, std::wstring_view option, std::wstring_view value) {
-    if (option == L"--thread") {
-        arguments.thread = find_id(value).value_or(0);
-        return arguments.thread != 0;
-    }
-    if (option == L"--notify") {
-        arguments.arena = find_arena(value);
-        return arguments.arena.has_value();
-    }
-    const struct {
-        std::wstring_view option;
-        std::wstring& target;
-    } texts[] = {
-        {L"--printer", arguments.printer}, {L"--spool", arguments.spool}, {L"--setting", arguments.setting}};
-    const auto* found =
-        std::ranges::find_if(texts, [option](const auto& text) { return text.option == option; });
-    if (found == std::end(texts) || value.empty())
-        return false;
-    found->target = value;
-    return true;
-}
-
-bool takes_value(std::wstring_view option) noexcept {
-    constexpr std::wstring_view kOptions[] = {L"--thread", L"--printer", L"--spool", L"--setting",
-                                              L"--notify"};
-    return std::ranges::find(kOptions, option) != std::end(kOptions);
-}
-
-std::wstring missing(const Arguments& arguments) {
-    if (arguments.thread == 0)
-        return L"--thread is missing";
-    if (arguments.discard)
-        return {};
-    if (arguments.printer.empty())
-        return L"--printer is missing";
-    return arguments.spool.empty() ? L"--spool is missing" : L"";
+void add_options(CLI::App& app, Arguments& to, std::vector<uint64_t>& arena) {
+    app.add_option("--thread", to.thread, "thread of the printing process, which names the job's records")
+        ->required()
+        ->check(above_zero);
+    auto* discard = app.add_flag("--discard", to.discard,
+                                 "only remove the empty file that was reserved for a job which is aborted");
+    const CLI::Option* needed[] = {
+        add_text(app, "--printer", to.printer, "printer whose setting applies when --setting names none"),
+        add_text(app, "--spool", to.spool, "PostScript of the job; deleted after success")};
+    add_text(app, "--setting", to.setting,
+             "setting file of the job: a path, or a name to look up in the settings folders");
+    app.add_option("--notify", arena,
+                   "memory of the printing process for the texts of the result record: PID:ADDRESS:BYTES")
+        ->delimiter(':')
+        ->expected(3)
+        ->multi_option_policy(CLI::MultiOptionPolicy::Throw)
+        ->check(above_zero);
+    app.add_flag("--keep-spool", to.keep_spool, "leave the spooled file where it is");
+    app.callback([discard, printer = needed[0], spool = needed[1]] {
+        for (const CLI::Option* option : {printer, spool})
+            if (discard->count() == 0 && option->count() == 0)
+                throw CLI::RequiredError(option->get_name());
+    });
 }
 
 }  // namespace
 
 ParsedArguments parse_arguments(std::span<const wchar_t* const> words) {
     ParsedArguments parsed;
-    for (size_t i = 0; i < words.size(); ++i) {
-        const std::wstring option = words[i];
-        if (option == L"--help" || option == L"-h") {
-            parsed.help = true;
-            return parsed;
-        }
-        if (option == L"--keep-spool" || option == L"--discard") {
-            (option == L"--discard" ? parsed.arguments.discard : parsed.arguments.keep_spool) = true;
-        } else if (!takes_value(option)) {
-            parsed.fault = L"unknown argument " + option;
-            return parsed;
-        } else if (i + 1 == words.size()) {
-            parsed.fault = option + L" needs a value";
-            return parsed;
-        } else if (!try_take(parsed.arguments, option, words[++i])) {
-            parsed.fault = option + L" cannot be " + (words[i][0] ? words[i] : L"empty");
-            return parsed;
-        }
-    }
-    parsed.fault = missing(parsed.arguments);
+    std::vector<uint64_t> arena;
+    CLI::App app("Turns the spooled PostScript of a job into the PDF that the job's start record names.",
+                 "zr_render");
+    app.footer("exit codes: 0 done, 1 failed (see the result record), 2 wrong arguments, 3 no such job");
+    prepare(app);
+    add_options(app, parsed.arguments, arena);
+    ReadWords read = read_words(app, words);
+    parsed.help = std::move(read.help);
+    parsed.fault = std::move(read.fault);
+    if (parsed.fault.empty() && arena.size() == 3)
+        parsed.arguments.arena = {static_cast<DWORD>(arena[0]), arena[1],
+                                  static_cast<size_t>(std::min<uint64_t>(arena[2], kMostArenaBytes))};
     return parsed;
 }
 

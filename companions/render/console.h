@@ -1,12 +1,21 @@
-// What the renderer tells whoever watches it.
+// What the renderer tells whoever watches it: lines of UTF-8 behind the program's name. Flushed line by line,
+// since the host shows the progress as it comes.
 #pragma once
 
+#include <cstdio>
 #include <string>
 
 namespace companions::render {
 
-// A line of UTF-8 behind the program's name, to the standard output or the standard error stream.
-void say(const std::string& line);
-void warn(const std::string& line);
+inline void tell(std::FILE* stream, const std::string& line) {
+    std::fprintf(stream, "zr_render: %s\n", line.c_str());
+    std::fflush(stream);
+}
+inline void say(const std::string& line) {
+    tell(stdout, line);
+}
+inline void warn(const std::string& line) {
+    tell(stderr, line);
+}
 
 }  // namespace companions::render

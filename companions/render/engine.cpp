@@ -7,6 +7,7 @@
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
 #include "companions/command_line.h"
+#include "companions/system_texts.h"
 #include "companions/thread.h"
 #include "companions/wine_layer.h"
 
@@ -26,20 +27,15 @@ constexpr int kShellNotStarted = 126;  // 126 not a program, 127 not found
 constexpr int kShellNotFound = 127;
 constexpr int kSignalled = 255;
 
-std::wstring environment(const wchar_t* name) {
-    return qk::grow_until_it_fits(
-        [name](wchar_t* buffer, DWORD units) { return GetEnvironmentVariableW(name, buffer, units); });
-}
-
-std::wstring chosen_program(const wchar_t* variable, const wchar_t* unix_name, const wchar_t* windows_name) {
-    std::wstring program = environment(variable);
+std::wstring chosen_program(const wchar_t* setting, const wchar_t* unix_name, const wchar_t* windows_name) {
+    std::wstring program = variable(setting);
     if (!program.empty())
         return program;
     return wine::present() ? unix_name : windows_name;
 }
 
 unsigned time_limit() {
-    const double seconds = qk::find_number(environment(L"ZR_RENDER_SECONDS")).value_or(0);
+    const double seconds = qk::find_number(variable(L"ZR_RENDER_SECONDS")).value_or(0);
     return seconds >= 1 && seconds <= 1e6 ? static_cast<unsigned>(seconds) : Engine::kUsualSeconds;
 }
 
@@ -158,9 +154,7 @@ Engine::Engine(std::wstring program)
     : program_(std::move(program)), unix_(wine::present() && !program_.ends_with(L".exe")) {}
 
 std::optional<std::string> Engine::find_path(const std::wstring& path) const {
-    const std::wstring full = qk::grow_until_it_fits([&path](wchar_t* buffer, DWORD units) {
-        return GetFullPathNameW(path.c_str(), units, buffer, nullptr);
-    });
+    const std::wstring full = absolute_path(path);
     return unix_ ? wine::find_unix_path(full) : qk::to_utf8(full);
 }
 

@@ -83,22 +83,17 @@ int32_t pdf13_permission_bits(const Security_impl& security) noexcept {
 }  // namespace
 
 std::string_view compatibility_level(uint32_t version_code) noexcept {
-    switch (Corvanta::Vantrix::PrintSettings::pdf_ver(version_code)) {
-        case PDFVer::_13:
-            return "1.3";
-        case PDFVer::_14:
-            return "1.4";
-        case PDFVer::_15:
-            return "1.5";
-        case PDFVer::_16:
-            return "1.6";
-        case PDFVer::_20:
-            return "2.0";
-        case PDFVer::_17:
-        case PDFVer::Unknown:
-            break;
-    }
-    return "1.7";
+    constexpr struct {
+        PDFVer version;
+        std::string_view level;
+    } kLevels[] = {{PDFVer::_13, "1.3"},
+                   {PDFVer::_14, "1.4"},
+                   {PDFVer::_15, "1.5"},
+                   {PDFVer::_16, "1.6"},
+                   {PDFVer::_20, "2.0"}};
+    const PDFVer version = Corvanta::Vantrix::PrintSettings::pdf_ver(version_code);
+    const auto* found = std::ranges::find(kLevels, version, [](const auto& row) { return row.version; });
+    return found == std::end(kLevels) ? "1.7" : found->level;
 }
 
 std::vector<std::string> engine_arguments(const PrintSettings& settings, const EngineFiles& files) {

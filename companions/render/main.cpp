@@ -44,13 +44,12 @@ int report(const Rendered& rendered, const Arguments& arguments, ZRTKPrintInfo* 
 
 int run(std::span<const wchar_t* const> words) {
     const ParsedArguments parsed = parse_arguments(words);
-    if (parsed.help) {
-        std::fwrite(kUsage.data(), 1, kUsage.size(), stdout);
+    if (!parsed.help.empty()) {
+        std::fputs(qk::to_utf8(parsed.help).c_str(), stdout);
         return kExitDone;
     }
     if (!parsed.fault.empty()) {
-        warn(qk::to_utf8(parsed.fault));
-        std::fwrite(kUsage.data(), 1, kUsage.size(), stderr);
+        warn(qk::to_utf8(parsed.fault) + " (zr_render --help tells what there is)");
         return kExitUsage;
     }
     const JobBlock<ZRTKPrintStartInfoC> start_block(kStartBlockName, parsed.arguments.thread);

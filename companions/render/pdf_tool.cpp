@@ -11,7 +11,6 @@
 
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
-#include "companions/render/pdfmark.h"
 
 namespace companions::render {
 
@@ -140,7 +139,7 @@ std::optional<std::string> PdfTool::find_fault(const std::wstring& path, const E
     if (count != std::to_string(expected.pages))
         return "it has " + count + " pages, not " + std::to_string(expected.pages);
     const std::string title = objects.entry(described_name(information), "/Title").to_str();
-    if (!expected.title.empty() && title != "u:" + qk::to_utf8(well_formed(expected.title)))
+    if (!expected.title.empty() && title != "u:" + qk::to_utf8(expected.title))
         return "its title is \"" + title + "\"";
     return std::nullopt;
 }

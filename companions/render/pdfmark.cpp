@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "common/qk/text.h"
+
 namespace companions::render {
 
 namespace {
@@ -45,23 +47,9 @@ DocumentInfo document_info(const Corvanta::Vantrix::PrintSettings::PrintSettings
             summary.EmbedPSFileName ? settings->PSName : std::wstring()};
 }
 
-std::wstring well_formed(std::wstring_view text) {
-    const auto is = [text](size_t at, unsigned half) {
-        return at < text.size() && (static_cast<uint16_t>(text[at]) & 0xFC00) == half;
-    };
-    std::wstring whole(text);
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (is(i, 0xD800) && is(i + 1, 0xDC00))
-            ++i;
-        else if (is(i, 0xD800) || is(i, 0xDC00))
-            whole[i] = L'\uFFFD';
-    }
-    return whole;
-}
-
 std::string postscript_text(std::wstring_view text) {
     std::string hex = "<FEFF";
-    for (const wchar_t unit : well_formed(text))
+    for (const wchar_t unit : qk::to_wide(qk::to_utf8(text)))  // whole pairs only
         append_unit(hex, static_cast<uint16_t>(unit));
     return hex + '>';
 }

@@ -22,11 +22,8 @@ struct DocumentInfo {
 [[nodiscard]] DocumentInfo document_info(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings,
                                          std::wstring_view job_title);
 
-// The text with U+FFFD in the place of each surrogate without its other half.
-[[nodiscard]] std::wstring well_formed(std::wstring_view text);
-
-// A text, made well-formed, as a hexadecimal PostScript string in UTF-16BE with its byte-order mark, which
-// every language fits into.
+// A text as a hexadecimal PostScript string in UTF-16BE with its byte-order mark, which every language fits
+// into; U+FFFD stands in the place of each surrogate without its other half.
 [[nodiscard]] std::string postscript_text(std::wstring_view text);
 
 // The PostScript that runs before the spooled document and the one that runs after it. The engine takes the

@@ -7,12 +7,13 @@
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
-#include "companions/render/failure.h"
+#include "companions/render/result_codes.h"
+#include "companions/system_texts.h"
 
 namespace companions::render {
 
 PendingPdf::PendingPdf(const std::wstring& target) : target_(target) {
-    const std::wstring folder = target.substr(0, target.size() - qk::file_part(target).size());
+    const std::wstring folder = folder_part(target);
     DWORD error = ERROR_FILE_EXISTS;
     for (unsigned attempt = 0; attempt < 100 && error == ERROR_FILE_EXISTS; ++attempt) {
         std::wstring path = qk::format(L"%szr_%lu_%u.tmp", folder.c_str(), GetCurrentProcessId(), attempt);

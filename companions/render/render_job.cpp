@@ -13,7 +13,6 @@
 #include "companions/render/engine.h"
 #include "companions/render/engine_arguments.h"
 #include "companions/render/engine_log.h"
-#include "companions/render/failure.h"
 #include "companions/render/pdf_tool.h"
 #include "companions/render/pdfmark.h"
 #include "companions/render/pending_pdf.h"
@@ -200,7 +199,9 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
 Result failed(Result result, const Failure& failure) {
     result.code = failure.code;
     result.win32_error = failure.win32_error;
-    result.message = message_of(failure.code);
+    for (const auto& row : kMessages)
+        if (row.code == failure.code)
+            result.message = row.text;
     if (!failure.detail.empty())
         result.message += L"\n" + failure.detail;
     result.caption = qk::kProductName;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace companions::render {
@@ -23,39 +24,34 @@ enum class ResultCode : uint32_t {
     kPdfUnreadable = 1012,
 };
 
-// One sentence, without the details of the case; empty for kDone.
-[[nodiscard]] constexpr std::wstring_view message_of(ResultCode code) noexcept {
-    switch (code) {
-        case ResultCode::kDone:
-            break;
-        case ResultCode::kSettingUnreadable:
-            return L"The print setting could not be read.";
-        case ResultCode::kSpoolUnreadable:
-            return L"The print data could not be read.";
-        case ResultCode::kNoPages:
-            return L"The document has no pages, so no PDF was made.";
-        case ResultCode::kSpoolDamaged:
-            return L"The print data is damaged, so no PDF was made.";
-        case ResultCode::kTargetUnwritable:
-            return L"The PDF file could not be written.";
-        case ResultCode::kEngineMissing:
-            return L"Ghostscript, which makes the PDF, was not found. Install it or name it in "
-                   L"ZR_GHOSTSCRIPT.";
-        case ResultCode::kEngineStopped:
-            return L"Ghostscript stopped before the PDF was complete.";
-        case ResultCode::kPasswordUnusable:
-            return L"The setting's password holds characters that the PDF's encryption cannot take.";
-        case ResultCode::kCannotJoin:
-            return L"This renderer cannot add a document to one that is still open.";
-        case ResultCode::kNoTarget:
-            return L"The job names no PDF file.";
-        case ResultCode::kPdfUnreadable:
-            return L"The PDF was made, but opening it again found it damaged, so it was not kept.";
-        case ResultCode::kInternal:
-            return L"The renderer failed unexpectedly.";
-    }
-    return {};
-}
+// What each tells, in one sentence, without the details of the case.
+inline constexpr struct {
+    ResultCode code;
+    std::wstring_view text;
+} kMessages[] = {
+    {ResultCode::kSettingUnreadable, L"The print setting could not be read."},
+    {ResultCode::kSpoolUnreadable, L"The print data could not be read."},
+    {ResultCode::kNoPages, L"The document has no pages, so no PDF was made."},
+    {ResultCode::kSpoolDamaged, L"The print data is damaged, so no PDF was made."},
+    {ResultCode::kTargetUnwritable, L"The PDF file could not be written."},
+    {ResultCode::kEngineMissing,
+     L"Ghostscript, which makes the PDF, was not found. Install it or name it in ZR_GHOSTSCRIPT."},
+    {ResultCode::kEngineStopped, L"Ghostscript stopped before the PDF was complete."},
+    {ResultCode::kPasswordUnusable,
+     L"The setting's password holds characters that the PDF's encryption cannot take."},
+    {ResultCode::kCannotJoin, L"This renderer cannot add a document to one that is still open."},
+    {ResultCode::kNoTarget, L"The job names no PDF file."},
+    {ResultCode::kInternal, L"The renderer failed unexpectedly."},
+    {ResultCode::kPdfUnreadable,
+     L"The PDF was made, but opening it again found it damaged, so it was not kept."},
+};
+
+// Thrown within the renderer; becomes the job's result record.
+struct Failure {
+    ResultCode code;
+    uint32_t win32_error;
+    std::wstring detail;  // a path, or what a program said; may be empty
+};
 
 // What zr_render.exe returns to its caller.
 enum ExitCode : int {

@@ -11,10 +11,6 @@ namespace companions::render {
 
 namespace {
 
-constexpr bool is_high_surrogate(wchar_t unit) noexcept {
-    return unit >= 0xD800 && unit <= 0xDBFF;
-}
-
 class Placer {
 public:
     explicit Placer(const std::optional<TextArena>& arena) {
@@ -44,7 +40,7 @@ public:
 
 private:
     static std::wstring_view cut(std::wstring_view text, size_t most) noexcept {
-        if (most < text.size() && most > 0 && is_high_surrogate(text[most - 1]))
+        if (most < text.size() && most > 0 && IS_HIGH_SURROGATE(text[most - 1]))
             --most;
         return text.substr(0, most);
     }

@@ -11,6 +11,7 @@
 
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
+#include "companions/system_texts.h"
 
 namespace companions::render {
 
@@ -78,8 +79,7 @@ void remove_leftovers(const std::wstring& root) {
 }  // namespace
 
 ScratchFolder::ScratchFolder() {
-    const std::wstring root =
-        qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
+    const std::wstring root = temporary_folder();
     remove_leftovers(root);
     // A crashed run may have left a folder under this process's id.
     for (unsigned attempt = 0; attempt < 100; ++attempt) {

@@ -12,6 +12,7 @@
 #include "common/qk/paths.h"
 #include "common/qk/registry.h"
 #include "common/qk/text.h"
+#include "companions/system_texts.h"
 
 namespace companions {
 
@@ -19,11 +20,6 @@ namespace {
 
 constexpr wchar_t kSection[] = L"Dialog";
 constexpr int32_t kFixedFolder = 1;  // SaveStyle
-
-std::wstring environment(const wchar_t* name) {
-    return qk::grow_until_it_fits(
-        [name](wchar_t* buffer, DWORD units) { return GetEnvironmentVariableW(name, buffer, units); });
-}
 
 std::wstring ini_text(const std::wstring& ini_path, const wchar_t* key) {
     return qk::grow_until_it_fits([&](wchar_t* buffer, DWORD units) {
@@ -37,17 +33,10 @@ std::wstring documents_folder() {
                                                                           : std::wstring();
 }
 
-// The renderer has a current folder of its own, so what it is told must not depend on this process's.
-std::wstring absolute(const std::wstring& folder) {
-    return qk::grow_until_it_fits([&folder](wchar_t* buffer, DWORD units) {
-        return GetFullPathNameW(folder.c_str(), units, buffer, nullptr);
-    });
-}
-
 }  // namespace
 
 bool unattended(const std::wstring& ini_path) {
-    std::wstring choice = environment(L"ZR_UNATTENDED");
+    std::wstring choice = variable(L"ZR_UNATTENDED");
     if (choice.empty())
         choice = ini_text(ini_path, L"Unattended");
     return qk::find_number(choice).value_or(0) != 0;
@@ -56,22 +45,23 @@ bool unattended(const std::wstring& ini_path) {
 std::wstring unattended_folder(const std::wstring& record_folder,
                                const Corvanta::Vantrix::PrintSettings::General_impl& general,
                                const std::wstring& ini_path) {
+    // The renderer has a current folder of its own, so what it is told must not depend on this process's.
     if (!record_folder.empty())
-        return absolute(record_folder);
+        return absolute_path(record_folder);
     if (!general.OutputFolder.empty())
-        return absolute(general.OutputFolder);
-    std::wstring folder = environment(L"ZR_OUTPUT_FOLDER");
+        return absolute_path(general.OutputFolder);
+    std::wstring folder = variable(L"ZR_OUTPUT_FOLDER");
     if (folder.empty())
         folder = ini_text(ini_path, L"OutputFolder");
-    return folder.empty() ? documents_folder() : absolute(folder);
+    return folder.empty() ? documents_folder() : absolute_path(folder);
 }
 
 std::wstring dialog_folder(const std::wstring& record_folder,
                            const Corvanta::Vantrix::PrintSettings::General_impl& general) {
     if (!record_folder.empty())
-        return absolute(record_folder);
+        return absolute_path(record_folder);
     if (general.SaveStyle == kFixedFolder && !general.OutputFolder.empty())
-        return absolute(general.OutputFolder);
+        return absolute_path(general.OutputFolder);
     return documents_folder();
 }
 

@@ -5,6 +5,7 @@
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
+#include "companions/system_texts.h"
 
 namespace companions {
 
@@ -12,15 +13,6 @@ namespace {
 
 constexpr unsigned kMostNumbers = 9999;
 constexpr std::wstring_view kExtension = L".pdf";
-
-std::wstring folder_part(const std::wstring& path) {
-    return path.substr(0, path.size() - qk::file_part(path).size());
-}
-
-bool ends_in_pdf(std::wstring_view path) noexcept {
-    return path.size() > kExtension.size() &&
-           qk::equal_no_case(path.substr(path.size() - kExtension.size()), kExtension);
-}
 
 // One answer of the dialog, settled under the rule; nothing, after the user was told, when it cannot be
 // taken.

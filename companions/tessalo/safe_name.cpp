@@ -1,7 +1,10 @@
 #include "companions/tessalo/safe_name.h"
 
+#include <windows.h>
+
 #include <algorithm>
 
+#include "common/qk/file_name.h"
 #include "common/qk/text.h"
 #include "companions/wine_layer.h"
 
@@ -10,70 +13,14 @@ namespace companions {
 namespace {
 
 constexpr std::wstring_view kExtension = L".pdf";
-constexpr std::wstring_view kNoName = L"no_name";
-constexpr std::wstring_view kDevices[] = {L"CON", L"PRN", L"AUX", L"NUL", L"CLOCK$", L"CONIN$", L"CONOUT$"};
-constexpr std::wstring_view kPorts[] = {L"COM", L"LPT"};
-constexpr std::wstring_view kPortNumbers = L"0123456789\u00B9\u00B2\u00B3";
 
-constexpr bool is_high(wchar_t unit) noexcept {
-    return unit >= 0xD800 && unit <= 0xDBFF;
-}
-constexpr bool is_low(wchar_t unit) noexcept {
-    return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
-constexpr bool is_control(wchar_t unit) noexcept {
-    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
-}
-
-constexpr bool is_forbidden(wchar_t unit) noexcept {
-    return std::wstring_view(L"<>:\"/\\|?*").find(unit) != std::wstring_view::npos;
-}
-
-void trim(std::wstring& text) {
-    text.erase(0, std::min(text.find_first_not_of(L' '), text.size()));
-    text.erase(text.find_last_not_of(L" .") + 1);
-}
-
-bool ends_in_pdf(std::wstring_view text) noexcept {
-    return text.size() >= kExtension.size() &&
-           qk::equal_no_case(text.substr(text.size() - kExtension.size()), kExtension);
-}
-
-// Windows takes a device's name for the device whatever extension stands behind it.
-bool is_device(std::wstring_view stem) noexcept {
-    std::wstring_view base = stem.substr(0, stem.find(L'.'));
-    base = base.substr(0, base.find_last_not_of(L' ') + 1);
-    const auto same = [base](std::wstring_view name) { return qk::equal_no_case(base, name); };
-    if (std::ranges::any_of(kDevices, same))
-        return true;
-    return base.size() == 4 && kPortNumbers.find(base[3]) != std::wstring_view::npos &&
-           std::ranges::any_of(
-               kPorts, [base](std::wstring_view port) { return qk::equal_no_case(base.substr(0, 3), port); });
-}
-
-std::wstring without_bad_units(std::wstring_view title) {
-    std::wstring text(title);
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (is_high(text[i]) && i + 1 < text.size() && is_low(text[i + 1]))
-            ++i;  // a whole pair
-        else if (is_high(text[i]) || is_low(text[i]) || is_forbidden(text[i]))
-            text[i] = L'_';
-        else if (is_control(text[i]))
-            text[i] = L' ';
-    }
-    return text;
-}
-
-std::wstring finished(std::wstring stem) {
-    trim(stem);
-    if (stem.empty())
-        return std::wstring(kNoName);
-    return is_device(stem) ? L'_' + stem : stem;
+std::wstring finished(std::wstring_view stem) {
+    const std::wstring safe = qk::safe_file_name(stem, L' ');
+    return safe.empty() ? L"no_name" : safe;
 }
 
 size_t utf8_bytes(wchar_t unit) noexcept {
-    if (is_high(unit) || is_low(unit))
+    if (IS_HIGH_SURROGATE(unit) || IS_LOW_SURROGATE(unit))
         return 2;  // a pair takes four
     return unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3;
 }
@@ -85,7 +32,7 @@ std::wstring_view cut(std::wstring_view stem, size_t units, size_t bytes) noexce
         if (used > bytes)
             break;
     }
-    if (kept > 0 && kept < stem.size() && is_high(stem[kept - 1]))
+    if (kept > 0 && kept < stem.size() && IS_HIGH_SURROGATE(stem[kept - 1]))
         --kept;
     return stem.substr(0, kept);
 }
@@ -99,12 +46,15 @@ NameLimits system_name_limits() noexcept {
     return limits;
 }
 
+bool ends_in_pdf(std::wstring_view path) noexcept {
+    return path.size() >= kExtension.size() &&
+           qk::equal_no_case(path.substr(path.size() - kExtension.size()), kExtension);
+}
+
 std::wstring safe_stem(std::wstring_view title) {
-    std::wstring stem = without_bad_units(title);
-    trim(stem);
-    if (ends_in_pdf(stem))
-        stem.resize(stem.size() - kExtension.size());
-    return finished(std::move(stem));
+    const std::wstring safe = qk::safe_file_name(title, L' ');
+    return finished(
+        std::wstring_view(safe).substr(0, safe.size() - (ends_in_pdf(safe) ? kExtension.size() : 0)));
 }
 
 std::optional<std::wstring> find_safe_path(std::wstring_view folder, std::wstring_view title, unsigned number,

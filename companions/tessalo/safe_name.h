@@ -18,10 +18,12 @@ struct NameLimits {
 // The limits of the running system.
 [[nodiscard]] NameLimits system_name_limits() noexcept;
 
-// The stem of a file name (without ".pdf") that every Windows file system takes, of any length. A ".pdf" at
-// the title's end is dropped, whatever its case. Control characters become blanks, <>:"/\|?* and surrogates
-// without their other half become underscores; blanks at both ends and full stops at the end go; a device's
-// name gets an underscore in front; what is left empty becomes "no_name".
+// Whether a path names a PDF by its extension, of any case.
+[[nodiscard]] bool ends_in_pdf(std::wstring_view path) noexcept;
+
+// The stem of a file name (without ".pdf") that every Windows file system takes, of any length (see
+// qk::safe_file_name). A ".pdf" at the title's end is dropped, control characters become blanks, and what is
+// left empty becomes "no_name".
 [[nodiscard]] std::wstring safe_stem(std::wstring_view title);
 
 // "<folder>\<safe stem>.pdf", or "<folder>\<safe stem>(<number>).pdf" for a number above 0. The stem is cut,

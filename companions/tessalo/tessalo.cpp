@@ -14,6 +14,7 @@
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "companions/reservation.h"
+#include "companions/system_texts.h"
 #include "companions/tessalo/dialogs.h"
 #include "companions/tessalo/options.h"
 #include "companions/tessalo/output_choice.h"
@@ -31,9 +32,7 @@ constexpr int kAnswered = 0;  // the user confirmed a file or cancelled; a job i
 constexpr size_t kBrowseUnits = 512;
 
 std::wstring ini_path() {
-    const std::wstring library = qk::module_path(qk::module_instance());
-    const std::wstring_view name = qk::file_part(library);
-    return library.substr(0, library.size() - name.size()) + L"Tessalo80.ini";
+    return companions::folder_part(qk::module_path(qk::module_instance())) + L"Tessalo80.ini";
 }
 
 // The texts that stand in the records of this library's callers, one for each thread. They stay until the

@@ -48,21 +48,21 @@ void read_integer(const picojson::object& from, const FieldInfo& field, Integer&
 }
 
 void from_json(const picojson::value& value, bool& target) {
-    target = value.get<bool>();
+    target = json::get<bool>(value);
 }
 void from_json(const picojson::value& value, double& target) {
-    target = value.get<double>();
+    target = json::get<double>(value);
 }
 void from_json(const picojson::value& value, int32_t& target) {
-    target = in_range<int32_t>(value.get<double>(), {});
+    target = in_range<int32_t>(json::get<double>(value), {});
 }
 void from_json(const picojson::value& value, std::wstring& target) {
-    target = qk::to_wide(value.get<std::string>());
+    target = qk::to_wide(json::get<std::string>(value));
 }
 template <class Element>
 void from_json(const picojson::value& value, std::vector<Element>& target) {
     target.clear();
-    for (const picojson::value& item : value.get<picojson::array>()) {
+    for (const picojson::value& item : json::get<picojson::array>(value)) {
         Element element{};
         from_json(item, element);
         target.push_back(std::move(element));
@@ -110,11 +110,11 @@ void read_value(const picojson::object& from, const FieldInfo& field, std::vecto
 }
 
 void read_value(const picojson::object& from, const FieldInfo& field, PrintSettings_impl::Comment& target) {
-    const picojson::value
-        none;  // a setting without comments is no setting: it fails as one of a wrong type does
     const picojson::value* member = json::find(from, field.read_key);
-    for (const picojson::value& item : (member ? *member : none).get<picojson::array>()) {
-        const auto& pair = item.get<picojson::array>();
+    if (!member)  // a setting without comments is no setting: it fails as one of a wrong type does
+        throw json::WrongKind(nullptr, picojson::array_type);
+    for (const picojson::value& item : json::get<picojson::array>(*member)) {
+        const auto& pair = json::get<picojson::array>(item);
         if (pair.size() != 2)
             continue;
         int32_t key = 0;
@@ -130,7 +130,7 @@ void read_value(const picojson::object& from, const FieldInfo& field, std::map<s
     const picojson::value* member = json::find(from, field.read_key);
     if (!member)
         return;
-    for (const auto& [name, item] : member->get<picojson::object>()) {
+    for (const auto& [name, item] : json::get<picojson::object>(*member)) {
         Value value{};
         from_json(item, value);
         target[qk::to_wide(name)] = std::move(value);

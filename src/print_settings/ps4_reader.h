@@ -11,8 +11,8 @@
 
 namespace Corvanta::Vantrix::PrintSettings {
 
-// Reads a whole setting. Throws std::exception for an object or array that has another type; the sections
-// read before it are then replaced.
+// Reads a whole setting. Throws json::WrongKind for an object or array that has another type, and for what
+// has one inside them; the sections read before it are then replaced.
 void read_setting(const picojson::value& document, PrintSettings_impl& setting, bool keepCurrent);
 
 // Overwrites the passwords in the document of a setting as it goes out of scope. The document has to live
@@ -39,7 +39,7 @@ void read_value(const picojson::object& from, const FieldInfo& field, uint32_t& 
 void read_value(const picojson::object& from, const FieldInfo& field, float& target);
 void read_value(const picojson::object& from, const FieldInfo& field, std::wstring& target);
 
-// A member that is missing leaves the target alone; one of another type throws.
+// A member that is missing leaves the target alone; one of another type throws json::WrongKind.
 void read_value(const picojson::object& from, const FieldInfo& field, std::vector<std::wstring>& target);
 template <class Value>
 void read_value(const picojson::object& from, const FieldInfo& field, std::map<std::wstring, Value>& target);
@@ -54,11 +54,11 @@ void read_fields(const picojson::object& from, Section& target);
 template <SectionHandle Handle>
 void read_value(const picojson::object& from, const FieldInfo& field, Handle& target) {
     if (const picojson::value* nested = json::find(from, field.read_key))
-        read_fields(nested->get<picojson::object>(), *target);
+        read_fields(json::get<picojson::object>(*nested), *target);
 }
 inline void read_value(const picojson::object& from, const FieldInfo& field, Box& target) {
     if (const picojson::value* nested = json::find(from, field.read_key))
-        read_fields(nested->get<picojson::object>(), target);
+        read_fields(json::get<picojson::object>(*nested), target);
 }
 
 template <class Section>

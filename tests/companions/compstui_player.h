@@ -6,22 +6,25 @@
 #include <string>
 #include <vector>
 
+#include "common/qk/resource_dll.h"
 #include "companions/compstui/page.h"
-#include "companions/compstui/page_template.h"
 #include "companions/compstui/sheet.h"
 #include "resources/ids.h"
+
+// The module's page with an option item, in English.
+inline const DLGTEMPLATE* page_template() {
+    return compstui::find_template(qk::resource_module(), MAKEINTRESOURCEW(IDD_OPTIONS));
+}
 
 struct Player {
     std::function<void(PROPSHEETUI_INFO&)> add;  // at INIT
     std::function<void(HWND page)> script;       // once a page of `page_proc` stands; it must end the sheet
     LONG init_answer = 1;
     LONG header_answer = 1;
-    LRESULT passed_on = -1;     // what a parent gets in place of the result; -1: the result
     bool page_applies = false;  // the page's procedure answers PSN_APPLY itself
 
     std::string reasons;  // one digit each
     std::vector<HANDLE> spoke;
-    WORD header_flags = 0;  // as the host has set them
     LPARAM destroyed = -1;
     LONG answer = 0;
     DWORD result = 99;
@@ -42,31 +45,26 @@ struct Player {
     static LONG function(PROPSHEETUI_INFO* info, LPARAM parameter) {
         auto& player = *reinterpret_cast<Player*>(info->lParamInit);
         player.reasons += static_cast<char>('0' + info->Reason);
-        switch (info->Reason) {
-            case PROPSHEETUI_REASON_INIT:
-                if (player.add)
-                    player.add(*info);
-                return player.init_answer;
-            case PROPSHEETUI_REASON_GET_INFO_HEADER: {
-                auto& header = *reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter);
-                header.pTitle = const_cast<wchar_t*>(L"Sheet");
-                player.header_flags = header.Flags;
-                return player.header_answer;
-            }
-            case PROPSHEETUI_REASON_SET_RESULT: {
-                auto& taken = *reinterpret_cast<SETRESULT_INFO*>(parameter);
-                player.spoke.push_back(taken.hSetResult);
-                info->Result = static_cast<ULONG_PTR>(taken.Result);
-                if (player.passed_on >= 0)
-                    taken.Result = player.passed_on;
-                return 1;
-            }
-            case PROPSHEETUI_REASON_DESTROY:
-                player.destroyed = parameter;
-                return 1;
-            default:
-                return -1;
+        if (info->Reason == PROPSHEETUI_REASON_INIT) {
+            if (player.add)
+                player.add(*info);
+            return player.init_answer;
         }
+        if (info->Reason == PROPSHEETUI_REASON_GET_INFO_HEADER) {
+            auto& header = *reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter);
+            header.pTitle = const_cast<wchar_t*>(L"Sheet");
+            return player.header_answer;
+        }
+        if (info->Reason == PROPSHEETUI_REASON_SET_RESULT) {
+            const auto& taken = *reinterpret_cast<const SETRESULT_INFO*>(parameter);
+            player.spoke.push_back(taken.hSetResult);
+            info->Result = static_cast<ULONG_PTR>(taken.Result);
+            return 1;
+        }
+        if (info->Reason != PROPSHEETUI_REASON_DESTROY)
+            return -1;
+        player.destroyed = parameter;
+        return 1;
     }
 
     // Leaves every message to the host, as the pages of option items do, PSN_APPLY only when it is not told
@@ -94,57 +92,38 @@ inline LONG_PTR call(const PROPSHEETUI_INFO& info, UINT function, const void* fi
 }
 
 inline PROPSHEETPAGEW plain_page() {
-    PROPSHEETPAGEW page = {};
-    page.dwSize = sizeof page;
-    page.dwFlags = PSP_DLGINDIRECT | PSP_USETITLE;
-    page.pResource = compstui::plain_page_template();
-    page.pszTitle = L"Page";
-    page.pfnDlgProc = &Player::page_proc;
-    return page;
+    return {.dwSize = sizeof(PROPSHEETPAGEW),
+            .dwFlags = PSP_DLGINDIRECT | PSP_USETITLE,
+            .pResource = page_template(),
+            .pszTitle = L"Page",
+            .pfnDlgProc = &Player::page_proc};
 }
 
-// A group of one page.
+// A group of one page with one option item, a list box that has its second text chosen.
 struct Group {
-    DLGPAGE page = {};
+    OPTPARAM parameters[2] = {{.cbSize = sizeof(OPTPARAM), .pData = const_cast<wchar_t*>(L"zero")},
+                              {.cbSize = sizeof(OPTPARAM), .pData = const_cast<wchar_t*>(L"one")}};
+    OPTTYPE type = {.cbSize = sizeof(OPTTYPE),
+                    .Type = TVOT_LISTBOX,
+                    .Count = 2,
+                    .BegCtrlID = IDC_OPTION_ITEM,
+                    .pOptParam = parameters};
+    OPTITEM item = {.cbSize = sizeof(OPTITEM), .pName = const_cast<wchar_t*>(L"Item"), .pOptType = &type};
+    DLGPAGE page = {.cbSize = sizeof(DLGPAGE), .DlgProc = &Player::page_proc};
     COMPROPSHEETUI sheet = {};
 
     Group() {
-        page.cbSize = sizeof page;
-        page.Flags = DPF_USE_HDLGTEMPLATE;
-        page.hDlgTemplate = const_cast<DLGTEMPLATE*>(compstui::plain_page_template());
-        page.DlgProc = &Player::page_proc;
+        item.Sel = 1;
         page.pTabName = const_cast<wchar_t*>(L"Options");
+        page.DlgTemplateID = IDD_OPTIONS;
         sheet.cbSize = sizeof sheet;
-        sheet.Flags = CPSUIF_UPDATE_PERMISSION;
-        sheet.hInstCaller = GetModuleHandleW(nullptr);
+        sheet.hInstCaller = qk::resource_module();
         sheet.pCallerName = const_cast<wchar_t*>(L"Printer");
         sheet.pDlgPage = &page;
         sheet.cDlgPage = 1;
-    }
-    Group(const Group&) = delete;
-    Group& operator=(const Group&) = delete;
-};
-
-// The same with one option item, a list box that has its second text chosen.
-struct OneItem : Group {
-    OPTPARAM parameters[2] = {};
-    OPTTYPE type = {};
-    OPTITEM item = {};
-
-    OneItem() {
-        parameters[0].cbSize = parameters[1].cbSize = sizeof(OPTPARAM);
-        parameters[0].pData = const_cast<wchar_t*>(L"zero");
-        parameters[1].pData = const_cast<wchar_t*>(L"one");
-        type.cbSize = sizeof type;
-        type.Type = TVOT_LISTBOX;
-        type.BegCtrlID = IDC_OPTION_ITEM;
-        type.Count = 2;
-        type.pOptParam = parameters;
-        item.cbSize = sizeof item;
-        item.pName = const_cast<wchar_t*>(L"Item");
-        item.pOptType = &type;
-        item.Sel = 1;
         sheet.pOptItem = &item;
         sheet.cOptItem = 1;
     }
+    Group(const Group&) = delete;
+    Group& operator=(const Group&) = delete;
 };

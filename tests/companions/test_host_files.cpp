@@ -1,3 +1,4 @@
+// Files that the host program reads, copies and replaces.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -32,29 +33,22 @@ ExitCode fault_of(Action action) {
 void set_age(const std::wstring& path, unsigned days) {
     const qk::FileObj file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ, nullptr,
                                        OPEN_EXISTING, 0, nullptr));
-    constexpr uint64_t kDay = 864'000'000'000;
-    constexpr uint64_t kNow = 134'000'000'000'000'000;  // in 2025
-    const uint64_t time = kNow - days * kDay;
+    const uint64_t time = 134'000'000'000'000'000 - days * 864'000'000'000;  // before a day in 2025
     const FILETIME written = {static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
     ASSERT_TRUE(SetFileTime(file.get(), nullptr, nullptr, &written));
 }
 
 TEST(HostFiles, TargetsAreBroughtUpToDate) {
     const struct {
-        const char* label;
-        const char* target;  // null: not there
-        unsigned target_days;
+        const char* target;    // null: not there
+        unsigned target_days;  // the source has 5
         bool keep_newer;
         CopyOutcome outcome;
         const char* after;
     } rows[] = {
-        {"missing", nullptr, 0, false, CopyOutcome::kCopied, "new"},
-        {"the same, of any age", "new", 9, false, CopyOutcome::kUpToDate, "new"},
-        {"older", "old", 9, false, CopyOutcome::kReplaced, "new"},
-        {"as long, newer", "odd", 1, false, CopyOutcome::kReplaced, "new"},
-        {"edited", "edited", 1, true, CopyOutcome::kKept, "edited"},
-        {"an older setting", "old", 9, true, CopyOutcome::kReplaced, "new"},
-    };
+        {nullptr, 0, false, CopyOutcome::kCopied, "new"}, {"new", 9, false, CopyOutcome::kUpToDate, "new"},
+        {"old", 9, false, CopyOutcome::kReplaced, "new"}, {"odd", 1, false, CopyOutcome::kReplaced, "new"},
+        {"mine", 1, true, CopyOutcome::kKept, "mine"},    {"old", 9, true, CopyOutcome::kReplaced, "new"}};
     for (const auto& row : rows) {
         const TempFolder folder;
         const host::FileCopy copy = {folder.write(L"source", "new"), folder.file(L"deep\\er\\target"),
@@ -62,11 +56,10 @@ TEST(HostFiles, TargetsAreBroughtUpToDate) {
         set_age(copy.source, 5);
         if (row.target) {
             ASSERT_TRUE(ForceDirectories(folder.file(L"deep\\er")));
-            folder.write(L"deep\\er\\target", row.target);
-            set_age(copy.target, row.target_days);
+            set_age(folder.write(L"deep\\er\\target", row.target), row.target_days);
         }
-        EXPECT_EQ(host::bring_up_to_date(copy), row.outcome) << row.label;
-        EXPECT_EQ(TempFolder::read(copy.target), row.after) << row.label;
+        EXPECT_EQ(host::bring_up_to_date(copy), row.outcome);
+        EXPECT_EQ(TempFolder::read(copy.target), row.after);
     }
 }
 
@@ -77,7 +70,6 @@ TEST(HostFiles, TargetInUseIsMovedAsideOrStays) {
         const host::FileCopy copy = {folder.write(L"source", "new"), folder.write(L"target", "old"), false};
         qk::FileObj user(
             CreateFileW(copy.target.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr));
-        ASSERT_TRUE(user);
         EXPECT_EQ(fault_of([&] { host::bring_up_to_date(copy); }),
                   share ? ExitCode::kDone : ExitCode::kInstallation);
         user.reset();
@@ -90,16 +82,10 @@ TEST(HostFiles, TargetInUseIsMovedAsideOrStays) {
 TEST(HostFiles, SheetHostTakesTheSystemsPlaceAndGivesItBack) {
     const std::string wines = std::string(0x40, 'M') + "Wine builtin DLL";
     const struct {
-        const char* label;
         std::string target, kept;  // empty: not there
-        std::string after;
-        bool taken_back;
+        bool taken;
     } rows[] = {
-        {"Wine's own", wines, "", "ours", true},
-        {"an earlier one of ours", "earlier", wines, "ours", true},
-        {"Wine's own, after an update of it", wines, "old", "ours", true},
-        {"somebody else's", "another", "", "another", false},
-    };
+        {wines, "", true}, {"earlier", wines, true}, {wines, "old", true}, {"somebody else's", "", false}};
     for (const auto& row : rows) {
         const UserRegistry registry;
         const TempFolder folder;
@@ -110,54 +96,42 @@ TEST(HostFiles, SheetHostTakesTheSystemsPlaceAndGivesItBack) {
         const auto preference = [] {
             return qk::registry::find_text(HKEY_CURRENT_USER, L"Software\\Wine\\DllOverrides", L"compstui");
         };
-        EXPECT_FALSE(host::install_sheet_host(source, target).empty()) << row.label;
-        EXPECT_EQ(TempFolder::read(target), row.after) << row.label;
-        EXPECT_EQ(preference().has_value(), row.taken_back) << row.label;
-        EXPECT_EQ(host::remove_sheet_host(target), row.taken_back) << row.label;
-        EXPECT_EQ(TempFolder::read(target), row.taken_back ? wines : row.target) << row.label;
-        EXPECT_FALSE(qk::is_file(target + L".wine")) << row.label;
-        EXPECT_FALSE(preference()) << row.label;
+        EXPECT_FALSE(host::install_sheet_host(source, target).empty());
+        EXPECT_EQ(TempFolder::read(target), row.taken ? "ours" : row.target);
+        EXPECT_EQ(preference().has_value(), row.taken);
+        EXPECT_EQ(host::remove_sheet_host(target), row.taken);
+        EXPECT_EQ(TempFolder::read(target), row.taken ? wines : row.target);
+        EXPECT_FALSE(qk::is_file(target + L".wine") || preference());
     }
 }
 
 TEST(HostFiles, PlanKeepsEditedSettings) {
     const TempFolder folder;
-    const std::wstring stage = folder.path() + L"\\";
+    const auto plan = [&] { return host::plan_copies(folder.path() + L"\\", {L"I\\", L"D\\"}); };
     ASSERT_TRUE(ForceDirectories(folder.file(L"Language")) && ForceDirectories(folder.file(L"Settings")));
     for (const wchar_t* name : {L"ZR_UI80.dll", L"Language\\zrtk_res_en.dll", L"Settings\\standard.ps4",
                                 L"Tessalo80.dll", L"zr_render.exe"}) {
-        EXPECT_EQ(fault_of([&] {
-                      static_cast<void>(host::plan_copies(stage, {L"I\\", L"D\\"}));
-                  }),
-                  ExitCode::kInstallation)
-            << "without " << name;
+        EXPECT_EQ(fault_of(plan), ExitCode::kInstallation) << "without " << name;
         folder.write(name, "x");
     }
-    const auto copies = host::plan_copies(stage, {L"I\\", L"D\\"});
-    EXPECT_EQ(copies.size(), 6u) << "the language library goes to both places";
-    for (const host::FileCopy& copy : copies)
+    EXPECT_EQ(plan().size(), 6u) << "the language library goes to both places";
+    for (const host::FileCopy& copy : plan())
         EXPECT_EQ(copy.keep_newer, copy.target == L"I\\Settings\\standard.ps4");
 }
 
-TEST(HostFiles, SettingThatTheDialogLibraryHasNoRoomForIsRefused) {
+TEST(HostFiles, WhatCannotBeUsedIsRefused) {
+    const TempFolder folder;
+    const std::wstring locked = folder.write(L"locked.txt", "x"), large = folder.write(L"large.txt", "");
+    const qk::FileObj user(CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    qk::FileObj file(CreateFileW(large.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    SetFilePointer(file.get(), (64 << 20) + 1, nullptr, FILE_BEGIN);
+    ASSERT_TRUE(SetEndOfFile(file.get()));
+    file.reset();
+    for (const std::wstring& path : {folder.path(), locked, large})
+        EXPECT_EQ(fault_of([&] { static_cast<void>(host::read_text_file(path)); }), ExitCode::kUsage);
     EXPECT_EQ(host::setting_for_module(std::wstring(511, L'x')), std::wstring(511, L'x'));
     EXPECT_THROW((void)host::setting_for_module(std::wstring(512, L'x')), host::HostError);
     EXPECT_THROW((void)host::setting_for_module(L"C:\\" + std::wstring(512, L'x')), host::HostError);
-}
-
-TEST(HostFiles, TextFilesThatCannotBeReadAreNamed) {
-    const TempFolder folder;
-    const std::wstring locked = folder.write(L"locked.txt", "x");
-    const qk::FileObj user(CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    const std::wstring large = folder.write(L"large.txt", "");
-    {
-        const qk::FileObj file(
-            CreateFileW(large.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-        SetFilePointer(file.get(), static_cast<LONG>(host::kMostTextBytes + 1), nullptr, FILE_BEGIN);
-        ASSERT_TRUE(SetEndOfFile(file.get()));
-    }
-    for (const std::wstring& path : {folder.path(), locked, large})
-        EXPECT_EQ(fault_of([&] { static_cast<void>(host::read_text_file(path)); }), ExitCode::kUsage);
 }
 
 }  // namespace

@@ -3,41 +3,26 @@
 
 #include <picojson.h>
 
-#include "common/qk/handle.h"
 #include "common/qk/paths.h"
+#include "companions/host/turn.h"
 #include "print_settings/PrintSettings.h"
 #include "support/child_process.h"
 
 namespace {
 
-// The one printer, whose setting for the next job is taken back by whichever job ends: its tests take turns,
-// also when they run at once in processes of their own.
-class Turn {
-public:
-    Turn() : mutex_(CreateMutexW(nullptr, FALSE, L"zr_tests.HostProcess")) {
-        WaitForSingleObject(mutex_.get(), INFINITE);
-    }
-    ~Turn() { ReleaseMutex(mutex_.get()); }
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
-
-private:
-    qk::HandleObj mutex_;
-};
+using Corvanta::Vantrix::PrintSettings::PrintSettings;
 
 class HostProcess : public testing::Test {
 protected:
-    HostProcess() {
-        EXPECT_EQ(run(L"install --notify-channels 8"), 0);
-        text_ = folder_.write(L"text.txt", "Some words.\n\fMore words.\n\fThe end.\n");
-    }
+    HostProcess() { EXPECT_EQ(run(L"install --notify-channels 8"), 0); }
 
     // Runs the program with --json; what it reports is in `report_`.
     int run(const std::wstring& words) {
         const std::wstring output = folder_.file(L"report.json");
         SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-        qk::FileObj stream(
-            CreateFileW(output.c_str(), GENERIC_WRITE, kShareAll, &inherited, CREATE_ALWAYS, 0, nullptr));
+        qk::FileObj stream(CreateFileW(output.c_str(), GENERIC_WRITE,
+                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, &inherited,
+                                       CREATE_ALWAYS, 0, nullptr));
         const int code = run_built(L"zr_print.exe", L"zr_print " + words + L" --json", stream.get());
         stream.reset();
         const std::string bytes = TempFolder::read(output);
@@ -46,84 +31,84 @@ protected:
         return code;
     }
 
-    int print(const std::wstring& more) { return run(L"print \"" + text_ + L"\" " + more); }
+    int print(const std::wstring& more) {
+        return run(L"print \"" + text_ + L"\" --output \"" + pdf_ + L"\" " + more);
+    }
 
     [[nodiscard]] std::string text(const char* key) const { return report_.get(key).to_str(); }
     [[nodiscard]] double number(const char* key) const { return report_.get(key).get<double>(); }
-    [[nodiscard]] std::vector<int> sent_events() const {
-        std::vector<int> numbers;
+    [[nodiscard]] std::string sent_events() const {
+        std::string numbers;
         for (const picojson::value& event : report_.get("events").get<picojson::array>())
             if (event.get("sent").get<bool>())
-                numbers.push_back(static_cast<int>(event.get("event").get<double>()));
+                numbers += event.get("event").to_str() + ' ';
         return numbers;
     }
 
-    static constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-    const Turn turn_;
+    // The one printer, whose setting for the next job is taken back by whichever job ends: its tests take
+    // turns, also when they run at once in processes of their own.
+    const host::Turn turn_{L"zr_tests.HostProcess", INFINITE};
     const TempFolder folder_;
-    std::wstring text_;
+    std::wstring text_ = folder_.write(L"text.txt", "Some words.\n\fMore words.\n\fThe end.\n");
+    std::wstring pdf_ = folder_.file(L"\u65e5\u672c.pdf");
     picojson::value report_;
 };
 
 TEST_F(HostProcess, TextBecomesAPdf) {
-    const std::wstring pdf = folder_.write(L"\u65e5\u672c.pdf", "older");
-    ASSERT_EQ(print(L"--title \"R\u00e9sum\u00e9 1/2\" --output \"" + pdf + L"\""), 0) << text("fault");
+    folder_.write(L"\u65e5\u672c.pdf", "older");
+    ASSERT_EQ(print(L"--title \"R\u00e9sum\u00e9 1/2\""), 0) << text("fault");
     EXPECT_EQ(text("outcome"), "printed");
     EXPECT_EQ(number("pages"), 3);
-    EXPECT_EQ(sent_events(), (std::vector<int>{14, 1, 2, 5, 13, 6, 7, 6, 7, 6, 7, 8, 12, 10}));
+    EXPECT_EQ(sent_events(), "14 1 2 5 13 6 7 6 7 6 7 8 12 10 ");
     EXPECT_EQ(report_.get("start_record").get("title").to_str(), "R\xC3\xA9sum\xC3\xA9 1/2");
     EXPECT_EQ(report_.get("result_record").get("error_code").get<double>(), 0);
-    EXPECT_EQ(text("pdf"), qk::to_utf8(pdf));
-    const std::string bytes = TempFolder::read(pdf);
+    EXPECT_EQ(text("pdf"), qk::to_utf8(pdf_));
+    const std::string bytes = TempFolder::read(pdf_);
     EXPECT_TRUE(bytes.starts_with("%PDF-")) << bytes.substr(0, 20);
     EXPECT_NE(bytes.find("/Count 3"), std::string::npos);
     EXPECT_EQ(folder_.count(), 3u) << "the text, the report and the PDF; the job's own folder is gone";
+    text_ = folder_.write(L"empty.txt", "");
+    ASSERT_EQ(print(L""), 0) << text("fault");
+    EXPECT_EQ(number("pages"), 1);
+    EXPECT_EQ(report_.get("notes").get<picojson::array>().size(), 1u);
+    text_ = folder_.file(L"missing.txt");
+    EXPECT_EQ(print(L""), 2);
+    EXPECT_EQ(number("exit_code"), 2);
 }
 
 TEST_F(HostProcess, AbortedJobLeavesNothing) {
-    EXPECT_EQ(print(L"--abort-after-page 2 --output \"" + folder_.file(L"out") + L"\""), 0);
+    pdf_ = folder_.file(L"out");
+    EXPECT_EQ(print(L"--abort-after-page 2"), 0);
     EXPECT_EQ(text("outcome"), "aborted");
     EXPECT_EQ(number("printed_pages"), 2);
-    EXPECT_EQ(sent_events(), (std::vector<int>{14, 1, 2, 5, 13, 6, 7, 6, 7, 9, 10}));
-    EXPECT_TRUE(RemoveDirectoryW(folder_.file(L"out").c_str())) << "no file is left in the folder";
+    EXPECT_EQ(sent_events(), "14 1 2 5 13 6 7 6 7 9 10 ");
+    EXPECT_TRUE(RemoveDirectoryW(pdf_.c_str())) << "no file is left in the folder";
 }
 
 TEST_F(HostProcess, RefusedJobSaysWhy) {
-    Corvanta::Vantrix::PrintSettings::PrintSettings settings;
+    PrintSettings settings;
     settings.pdfVersion()->Version = 6;  // needs a colour profile
     settings.pdfVersion()->ICCFileName = L"there is no such profile";
     settings.security()->MasterPassword = L"s3cret";
     const std::wstring setting = folder_.file(L"setting.ps4");
-    const std::wstring words =
-        L"--trace 5 --output \"" + folder_.file(L"x.pdf") + L"\" --setting \"" + setting + L"\"";
+    const std::wstring words = L"--trace 5 --setting \"" + setting + L"\"";
     ASSERT_TRUE(settings.Save(setting));
     EXPECT_EQ(print(words), 1);
     EXPECT_EQ(text("outcome"), "refused");
     EXPECT_EQ(number("last_error"), 0);
-    EXPECT_EQ(sent_events(), (std::vector<int>{14, 1, 2, 5, 10}));
+    EXPECT_EQ(sent_events(), "14 1 2 5 10 ");
     EXPECT_NE(text("fault").find("log file"), std::string::npos) << text("fault");
     EXPECT_TRUE(report_.get("start_record").is<picojson::null>());
-    EXPECT_FALSE(qk::is_file(folder_.file(L"x.pdf")));
-    ASSERT_EQ(print(L"--output \"" + folder_.file(L"x.pdf") + L"\""), 0) << "the choice ended with its job";
+    EXPECT_FALSE(qk::is_file(pdf_));
+    ASSERT_EQ(print(L""), 0) << "the choice ended with its job";
     settings.pdfVersion()->Version = 4;
-    ASSERT_TRUE(settings.Save(setting) && DeleteFileW(folder_.file(L"x.pdf").c_str()));
+    ASSERT_TRUE(settings.Save(setting) && DeleteFileW(pdf_.c_str()));
     EXPECT_EQ(print(words), 0) << text("fault");
     EXPECT_GT(report_.get("trace").get<picojson::array>().size(), 50u);
 }
 
-TEST_F(HostProcess, EmptyFileIsOnePage) {
-    text_ = folder_.write(L"empty.txt", "");
-    ASSERT_EQ(print(L"--output \"" + folder_.file(L"x.pdf") + L"\""), 0) << text("fault");
-    EXPECT_EQ(number("pages"), 1);
-    EXPECT_EQ(report_.get("notes").get<picojson::array>().size(), 1u);
-    text_ = folder_.file(L"missing.txt");
-    EXPECT_EQ(print(L"--output \"" + folder_.file(L"x.pdf") + L"\""), 2);
-    EXPECT_EQ(number("exit_code"), 2);
-}
-
 TEST_F(HostProcess, SheetGivesBackTheSettingOnOkOnly) {
-    Corvanta::Vantrix::PrintSettings::PrintSettings settings;
+    PrintSettings settings;
     settings.general()->PaperType = 1;
     settings.general()->PaperWidth = 123.4F;
     settings.general()->PaperHeight = 234.5F;
@@ -133,28 +118,20 @@ TEST_F(HostProcess, SheetGivesBackTheSettingOnOkOnly) {
     ASSERT_TRUE(settings.Save(setting));
     const struct {
         const wchar_t* words;
-        const char* result;
-        double scale, paper, width, length;
-        const char* form;
-    } rows[] = {
-        {L"--press ok", "OK", 77, 256, 1234, 2345, "custom"},
-        {L"--press cancel", "cancelled", 100, 9, 2100, 2970, "A4"},
-        {L"--press ok --no-permission", "OK", 100, 9, 2100, 2970, "A4"},
-        {L"--press ok --direct", "OK", 77, 256, 1234, 2345, "custom"},
-        {L"--press cancel --direct", "cancelled", 100, 9, 2100, 2970, "A4"},
-    };
+        const char *result, *after;
+    } rows[] = {{L"--press ok", "OK", "77 1 256 1234 2345 custom "},  // portrait, whatever the setting says
+                {L"--press cancel", "cancelled", "100 1 9 2100 2970 A4 "},
+                {L"--press ok --no-permission", "OK", "100 1 9 2100 2970 A4 "},
+                {L"--press ok --direct", "OK", "77 1 256 1234 2345 custom "},
+                {L"--press cancel --direct", "cancelled", "100 1 9 2100 2970 A4 "}};
     for (const auto& row : rows) {
         ASSERT_EQ(run(L"properties " + (row.words + (L" --setting \"" + setting + L"\""))), 0);
         EXPECT_EQ(text("result_name"), row.result);
-        const picojson::value after = report_.get("after");
-        EXPECT_EQ(after.get("scale").get<double>(), row.scale);
-        EXPECT_EQ(after.get("orientation").get<double>(), 1)
-            << "of a custom paper, whatever the setting says";
-        EXPECT_EQ(after.get("paper").get<double>(), row.paper);
-        EXPECT_EQ(after.get("paper_width").get<double>(), row.width);
-        EXPECT_EQ(after.get("paper_length").get<double>(), row.length);
-        EXPECT_EQ(after.get("form_name").to_str(), row.form);
-        const auto sheets = report_.get("sheets").get<picojson::array>();
+        std::string after;
+        for (const char* key : {"scale", "orientation", "paper", "paper_width", "paper_length", "form_name"})
+            after += report_.get("after").get(key).to_str() + ' ';
+        EXPECT_EQ(after, row.after);
+        const auto& sheets = report_.get("sheets").get<picojson::array>();
         ASSERT_EQ(sheets.size(), 1u);
         EXPECT_NE(sheets[0].get("title").to_str().find("Corvanta Vantrix 8.0"), std::string::npos);
         EXPECT_EQ(sheets[0].get("pages").get<picojson::array>().size(), 2u);
@@ -163,33 +140,29 @@ TEST_F(HostProcess, SheetGivesBackTheSettingOnOkOnly) {
     EXPECT_EQ(text("result_name"), "cancelled");
 }
 
-TEST_F(HostProcess, ThreadsDoNotMeet) {
-    EXPECT_EQ(run(L"print --threads 8 --jobs 10"), 0);
-    EXPECT_EQ(number("right_records"), 80);
-    EXPECT_EQ(number("handles_after"), number("handles_before"));
-}
-
 TEST_F(HostProcess, SettingsAreCheckedAndCompared) {
-    const std::string start = "\xEF\xBB\xBF{\"PSComment\": [], \"General\": {\"Scale\": ";
-    const auto file = [&](const wchar_t* name, const char* scale) {
-        return L" \"" + folder_.write(name, start + scale + "}}") + L"\"";
+    const auto file = [&](const wchar_t* name, const std::string& scale) {
+        return L" \"" +
+               folder_.write(name,
+                             "\xEF\xBB\xBF{\"PSComment\": [], \"General\": {\"Scale\": " + scale + "}}") +
+               L"\"";
     };
-    const std::wstring good = file(L"good.ps4", "100");
-    const std::wstring other = file(L"other.ps4", "50");
-    const std::wstring bad = file(L"bad.ps4", "500");
-    EXPECT_EQ(run(L"check" + good + other), 0);
-    EXPECT_EQ(run(L"check" + good + bad), 1);
-    EXPECT_EQ(report_.get("files").get(1).get("faults").get(0).to_str(),
-              "General.Scale: 500 is out of its range; 400 is used");
-    EXPECT_EQ(run(L"check nowhere.ps4" + bad), 2);
-    EXPECT_EQ(run(L"diff" + good + good), 0);
-    EXPECT_EQ(run(L"diff" + good + other), 1);
-    EXPECT_EQ(report_.get("changes").get<picojson::array>().size(), 1u);
-    EXPECT_NE(report_.get("changes").get(0).to_str().find("50"), std::string::npos);
-    EXPECT_EQ(run(L"diff nowhere.ps4" + good), 2);
-}
-
-TEST_F(HostProcess, InstallationIsWhole) {
+    const std::wstring good = file(L"good.ps4", "100"), other = file(L"other.ps4", "50"),
+                       bad = file(L"bad.ps4", "500");
+    const struct {
+        std::wstring words;
+        int code;
+        const char* told;
+    } rows[] = {{L"check" + good + other, 0, "\"faults\":[]"},
+                {L"check" + good + bad, 1, "General.Scale: 500 is out of its range; 400 is used"},
+                {L"check nowhere.ps4" + bad, 2, "there is no such file"},
+                {L"diff" + good + good, 0, "\"changes\":[]"},
+                {L"diff" + good + other, 1, "50"},
+                {L"diff nowhere.ps4" + good, 2, "cannot be loaded"}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(run(row.words), row.code);
+        EXPECT_NE(report_.serialize().find(row.told), std::string::npos) << report_.serialize();
+    }
     EXPECT_EQ(run(L"status"), 0);
     EXPECT_TRUE(report_.get("good").get<bool>());
     EXPECT_EQ(run(L"install --from \"" + folder_.path() + L"\""), 3) << "an empty folder";

@@ -21,17 +21,14 @@ TEST(HostText, EncodingsAreTold) {
     } rows[] = {
         {"empty", "", L"", Encoding::kUtf8},
         {"UTF-8", "Gr\xC3\xBC\xC3\x9F", L"Gr\u00fc\u00df", Encoding::kUtf8},
-        {"UTF-8 beyond the first plane", "\xF0\x9F\x96\xA8", L"\U0001F5A8", Encoding::kUtf8},
         {"damaged UTF-8 with mark", "\xEF\xBB\xBFx\xFF", L"x\uFFFD", Encoding::kUtf8},
         {"Windows-1252", "caf\xE9 \x80 \x93q\x94", L"caf\u00e9 \u20ac \u201cq\u201d", Encoding::kWindows1252},
         {"cut UTF-8", "caf\xC3", L"caf\u00c3", Encoding::kWindows1252},
         {"surrogate in UTF-8", "\xED\xA0\x80", L"\u00ed\u00a0\u20ac", Encoding::kWindows1252},
         {"UTF-16 little-endian", "\xFF\xFE\xE9\0x\0"s, L"\u00e9x", Encoding::kUtf16Le},
         {"UTF-16 with half a unit", "\xFF\xFEx\0y"s, L"x\uFFFD", Encoding::kUtf16Le},
-        {"UTF-16 pair", "\xFF\xFE\x3D\xD8\xA8\xDD", L"\U0001F5A8", Encoding::kUtf16Le},
         {"UTF-16 lone halves", "\xFF\xFE\xA8\xDDx\0\x3D\xD8"s, L"\uFFFDx\uFFFD", Encoding::kUtf16Le},
-        {"only a mark", "\xFE\xFF", L"", Encoding::kUtf16Be},
-    };
+        {"only a mark", "\xFE\xFF", L"", Encoding::kUtf16Be}};
     for (const auto& row : rows) {
         const host::DecodedText decoded = host::decode_text(row.bytes);
         EXPECT_EQ(decoded.text, row.text) << row.label;
@@ -49,10 +46,7 @@ TEST(HostText, PagesAreFilled) {
     } rows[] = {
         {"empty text is one empty page", 4, L"", {{}}},
         {"a full page opens nothing", 4, L"a\r\nb\r\n", {{L"a", L"b"}}},
-        {"third line", 4, L"a\rb\rc", {{L"a", L"b"}, {L"c"}}},
-        {"empty lines", 4, L"\n\na", {{L"", L""}, {L"a"}}},
         {"CR LF is one end, LF CR are two", 4, L"a\r\nb\n\rc", {{L"a", L"b"}, {L"", L"c"}}},
-        {"form feed behind a line end", 4, L"a\n\fb", {{L"a"}, {L"b"}}},
         {"form feed at the end", 4, L"a\f", {{L"a"}}},
         {"two form feeds", 4, L"a\f\fb", {{L"a"}, {}, {L"b"}}},
         {"form feed first", 4, L"\fa", {{}, {L"a"}}},
@@ -60,13 +54,11 @@ TEST(HostText, PagesAreFilled) {
         {"a wrapped line goes over the edge", 4, L"a\nbbbbcccc", {{L"a", L"bbbb"}, {L"cccc"}}},
         {"tabs", 20, L"abc\tx\n12345678\tx", {{L"abc     x", L"12345678        x"}}},
         {"zeros and control characters", 20, L"a\0b\x1b\x7f\x85"s + L"c\u00a0d", {{L"a b   c\u00a0d"}}},
-        {"broken behind a blank", 8, L"one two three", {{L"one two ", L"three"}}},
         {"the blank hangs over the edge", 7, L"one two three", {{L"one two ", L"three"}}},
         {"an indent alone is no place to break", 6, L"    abcdefgh", {{L"    ab", L"cdefgh"}}},
         {"never inside a pair", 3, L"ab\U0001F5A8x", {{L"ab", L"\U0001F5A8x"}}},
         {"too narrow for a pair", 1, L"\U0001F5A8x", {{L"\U0001F5A8", L"x"}}},
-        {"too narrow for anything", 0, L"ab", {{L"a", L"b"}}},
-    };
+        {"too narrow for anything", 0, L"ab", {{L"a", L"b"}}}};
     for (const auto& row : rows) {
         const host::FittingUnits fits = [&row](std::wstring_view line) {
             return std::min(row.width, line.size());

@@ -39,25 +39,26 @@ public:  // the tables of the tests change jobs
     }
 
     // Runs the renderer and returns its exit code.
-    int run(const std::wstring& more = L"", bool with_arena = true) {
+    int run(const std::wstring& more = L"") {
         if (setting_ == folder_.file(L"setting.ps4")) {
             EXPECT_TRUE(settings_.Save(setting_));
         }
         qk::copy_zero_padded(start_.view()->title, kRecordTextUnits, L"\u00C9t\u00E9 \U0001F5A8");
         qk::copy_zero_padded(start_.view()->output_path, kRecordTextUnits, target_);
         *result_.view() = {};
-        std::wstring line = L"zr_render --thread " + std::to_wstring(GetCurrentThreadId()) +
-                            L" --printer Printer --spool \"" + spool_ + L"\" --setting \"" + setting_ +
-                            L"\" " + more;
-        if (with_arena)
-            line += qk::format(L" --notify %lu:%llu:%u", GetCurrentProcessId(),
-                               reinterpret_cast<unsigned long long>(arena_),
-                               static_cast<unsigned>(sizeof arena_));
+        const std::wstring line =
+            L"zr_render --thread " + std::to_wstring(GetCurrentThreadId()) +
+            L" --printer Printer --spool \"" + spool_ + L"\" --setting \"" + setting_ + L"\" " + more +
+            qk::format(L" --notify %lu:%llu:%u", GetCurrentProcessId(),
+                       reinterpret_cast<unsigned long long>(arena_), unsigned{sizeof arena_});
         return run_built(kProgram, line);
     }
 
     [[nodiscard]] std::string pdf() const { return TempFolder::read(target_); }
     [[nodiscard]] uint32_t error() const { return result_.view()->error_code; }
+    [[nodiscard]] std::wstring message() const {
+        return result_.view()->message.find_text().value_or(L"<unreadable>");
+    }
 
     const TempFolder folder_;
     std::wstring target_, spool_, setting_;
@@ -74,50 +75,39 @@ TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     settings_.summary()->Author = L"\u65E5\u672C";
     settings_.pdfVersion()->Version = 1;
     folder_.write(L"\u65E5\u672C 100%d.pdf", "old");
-    ASSERT_EQ(run(), kDone);
+    ASSERT_EQ(run(L"--keep-spool"), kDone);
     EXPECT_EQ(error(), 0u);
     EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
     EXPECT_TRUE(pdf().starts_with("%PDF-1.4"));
     EXPECT_NE(pdf().find("/Count 2"), std::string::npos);
     EXPECT_EQ(pdf().find("own title"), std::string::npos)
         << "the job's is there, which the renderer looked for";
-    EXPECT_EQ(folder_.count(), 2u) << "the PDF and the setting; the spool is gone";
-}
-
-TEST_F(RenderProcess, PasswordsEncrypt) {
-    settings_.security()->MasterPassword = L"own\" er";
-    settings_.security()->UserPassword = L"us\u00E9r";
-    ASSERT_EQ(run(L"--keep-spool"), kDone);
-    EXPECT_NE(pdf().find("/Encrypt"), std::string::npos);
-    EXPECT_TRUE(qk::is_file(spool_));
+    EXPECT_TRUE(DeleteFileW(spool_.c_str())) << "it was to be kept";
 }
 
 // Old engines leave a hole where a title has characters beyond the first plane, and end early when they
 // linearize.
 TEST_F(RenderProcess, WhatIsKeptHasBeenOpenedAgain) {
     const struct {
-        const char* label;
-        const wchar_t* title;
-        const wchar_t* password;
+        const wchar_t *title, *password;
         bool linearized;
         uint32_t version;
-    } rows[] = {
-        {"emoji", L"A \U0001F600 day", L"", true, 4},
-        {"emoji, not linearized", L"A \U0001F600 day", L"", false, 4},
-        {"emoji, protected", L"\U0001F600", L"us\u00E9r", true, 1},
-        {"half a pair", L"a\xD83D", L"", true, 12},
-        {"line end and parentheses", L"(a\\\r\n", L"", true, 0},
-    };
+    } rows[] = {{L"A \U0001F600 day", L"", true, 4},
+                {L"A \U0001F600 day", L"", false, 4},
+                {L"\U0001F600", L"us\u00E9r", true, 1},
+                {L"a\xD83D", L"", true, 12},
+                {L"(a\\\r\n", L"", true, 0}};
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        settings_.summary()->Title = row.title;
-        settings_.summary()->Author = row.title;
+        SCOPED_TRACE(&row - rows);
+        settings_.summary()->Title = settings_.summary()->Author = row.title;
         settings_.general()->Linearize = row.linearized;
+        settings_.security()->MasterPassword = *row.password ? L"own\" er" : L"";
         settings_.security()->UserPassword = row.password;
         settings_.pdfVersion()->Version = row.version;
         folder_.write(L"job.ps", kTwoPages);
         EXPECT_EQ(run(), kDone);
         EXPECT_EQ(pdf().find("/Linearized") != std::string::npos, row.linearized);
+        EXPECT_EQ(pdf().find("/Encrypt") != std::string::npos, *row.password != L'\0');
         EXPECT_EQ(folder_.count(), 2u) << "the PDF and the setting";
     }
 }
@@ -129,19 +119,14 @@ TEST_F(RenderProcess, DamagedPdfIsNoSuccess) {
     if (!program)
         GTEST_SKIP() << "needs the Unix system below Wine";
     settings_.pdfVersion()->Version = 1;  // its objects lie open in the file
+    constexpr char kCut[] = "head -c 700 \"$out\" >\"$out.x\"; mv \"$out.x\" \"$out\"";
     const struct {
-        const char* label;
         const char* after;  // what becomes of the engine's PDF, in $out
-        const wchar_t* qpdf;
-        const wchar_t* message;
-    } rows[] = {
-        {"cut", "head -c 700 \"$out\" >\"$out.x\"; mv \"$out.x\" \"$out\"", L"qpdf", L"opening it again"},
-        {"another document's", "sed -i 's/(\\\\376\\\\377/(xxxxxxxx/' \"$out\"", L"qpdf", L"title"},
-        {"cut, no qpdf", "head -c 700 \"$out\" >\"$out.x\"; mv \"$out.x\" \"$out\"", L"/none/qpdf",
-         L"end is missing"},
-    };
+        const wchar_t *qpdf, *message;
+    } rows[] = {{kCut, L"qpdf", L"opening it again"},
+                {"sed -i 's/(\\\\376\\\\377/(xxxxxxxx/' \"$out\"", L"qpdf", L"title"},
+                {kCut, L"/none/qpdf", L"end is missing"}};
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
         folder_.write(L"gs",
                       std::string("#!/bin/sh\nfor a; do case $a in -sOutputFile=*) out=${a#*=};; esac; done\n"
                                   "out=$(printf %s \"$out\" | sed 's/%%/%/g')\ngs \"$@\" || exit\n") +
@@ -152,95 +137,85 @@ TEST_F(RenderProcess, DamagedPdfIsNoSuccess) {
         folder_.write(L"job.ps", kTwoPages);
         EXPECT_EQ(run(), kFailed);
         EXPECT_EQ(error(), 1012u);
-        const std::wstring message = result_.view()->message.find_text().value_or(L"<unreadable>");
-        EXPECT_NE(message.find(row.message), std::wstring::npos) << qk::to_utf8(message);
+        EXPECT_NE(message().find(row.message), std::wstring::npos) << qk::to_utf8(message());
         EXPECT_EQ(TempFolder::read(old), "old");
     }
 }
 
 TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
+    using Job = RenderProcess;
+    const auto nothing = [](Job&) {};
     const struct {
-        const char* label;
         const char* spool;  // null: missing
-        void (*change)(RenderProcess&);
-        uint32_t error;
-        uint32_t win32_error;
+        void (*change)(Job&);
+        uint32_t error, win32_error;
         const wchar_t* message;
     } rows[] = {
-        {"missing spool", nullptr, [](RenderProcess&) {}, 1002, ERROR_FILE_NOT_FOUND, L"print data"},
-        {"empty spool", "", [](RenderProcess&) {}, 1003, ERROR_INVALID_DATA, L"no pages"},
-        {"no page", "%!PS\n1 1 add pop\n", [](RenderProcess&) {}, 1003, ERROR_INVALID_DATA, L"no pages"},
-        {"document that quits", "%!PS\nquit\n", [](RenderProcess&) {}, 1003, ERROR_INVALID_DATA, L"no pages"},
-        {"damaged", "%!PS\nshowpage bogus", [](RenderProcess&) {}, 1004, ERROR_INVALID_DATA,
-         L"/undefined in bogus"},
-        {"not PostScript", "\x01\x02 rubbish \xFF)", [](RenderProcess&) {}, 1004, ERROR_INVALID_DATA,
-         L"damaged"},
-        {"setting missing", kTwoPages, [](RenderProcess& job) { job.setting_ = L"C:\\none\\x.ps4"; }, 1001,
-         ERROR_FILE_NOT_FOUND, L"C:\\none\\x.ps4"},
-        {"password of another script", kTwoPages,
-         [](RenderProcess& job) { job.settings_.security()->UserPassword = L"\u65E5"; }, 1008,
+        {nullptr, nothing, 1002, ERROR_FILE_NOT_FOUND, L"print data"},
+        {"", nothing, 1003, ERROR_INVALID_DATA, L"no pages"},
+        {"%!PS\n1 1 add pop\n", nothing, 1003, ERROR_INVALID_DATA, L"no pages"},
+        {"%!PS\nquit\n", nothing, 1003, ERROR_INVALID_DATA, L"no pages"},
+        {"%!PS\nshowpage bogus", nothing, 1004, ERROR_INVALID_DATA, L"/undefined in bogus"},
+        {"\x01\x02 rubbish \xFF)", nothing, 1004, ERROR_INVALID_DATA, L"damaged"},
+        {kTwoPages, [](Job& job) { job.setting_ = L"C:\\none\\x.ps4"; }, 1001, ERROR_FILE_NOT_FOUND,
+         L"C:\\none\\x.ps4"},
+        {kTwoPages, [](Job& job) { job.settings_.security()->UserPassword = L"\u65E5"; }, 1008,
          ERROR_INVALID_PASSWORD, L"password"},
-        {"job to be joined", kTwoPages, [](RenderProcess& job) { job.start_.view()->resume = 1; }, 1009,
-         ERROR_NOT_SUPPORTED, L"add a document"},
-        {"no target", kTwoPages, [](RenderProcess& job) { job.target_.clear(); }, 1010,
-         ERROR_INVALID_PARAMETER, L"names no PDF"},
-        {"folder of the target missing", kTwoPages,
-         [](RenderProcess& job) { job.target_ = job.folder_.file(L"none\\x.pdf"); }, 1005,
+        {kTwoPages, [](Job& job) { job.start_.view()->resume = 1; }, 1009, ERROR_NOT_SUPPORTED,
+         L"add a document"},
+        {kTwoPages, [](Job& job) { job.target_.clear(); }, 1010, ERROR_INVALID_PARAMETER, L"names no PDF"},
+        {kTwoPages, [](Job& job) { job.target_ = job.folder_.file(L"none\\x.pdf"); }, 1005,
          ERROR_PATH_NOT_FOUND, L"none\\x.pdf"},
-        {"target in use", kTwoPages,
-         [](RenderProcess& job) {
+        {kTwoPages,
+         [](Job& job) {
              job.lock_.reset(CreateFileW(job.target_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                          OPEN_EXISTING, 0, nullptr));
          },
          1005, ERROR_ACCESS_DENIED, L"100%d.pdf"},
-        {"engine missing", kTwoPages,
-         [](RenderProcess&) { SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", L"/none/gs"); }, 1006,
-         ERROR_FILE_NOT_FOUND, L"Ghostscript"},
-    };
+        {kTwoPages, [](Job&) { SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", L"/none/gs"); }, 1006,
+         ERROR_FILE_NOT_FOUND, L"Ghostscript"}};
     const std::wstring old = folder_.write(L"\u65E5\u672C 100%d.pdf", "old");
     const std::wstring kept_setting = setting_;
     ASSERT_TRUE(settings_.Save(kept_setting));
     for (const auto& row : rows) {
-        row.spool ? static_cast<void>(folder_.write(L"job.ps", row.spool))
-                  : static_cast<void>(DeleteFileW(spool_.c_str()));
+        SCOPED_TRACE(&row - rows);
+        if (row.spool)
+            folder_.write(L"job.ps", row.spool);
+        else
+            DeleteFileW(spool_.c_str());
         settings_ = PrintSettings();
         target_ = old;
         setting_ = kept_setting;
         *start_.view() = {};
         row.change(*this);
         const size_t files = folder_.count();
-        EXPECT_EQ(run(), kFailed) << row.label;
+        EXPECT_EQ(run(), kFailed);
         lock_.reset();
         SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", nullptr);
-        EXPECT_EQ(error(), row.error) << row.label;
-        EXPECT_EQ(result_.view()->win32_error, row.win32_error) << row.label;
-        const std::wstring message = result_.view()->message.find_text().value_or(L"<unreadable>");
-        EXPECT_NE(message.find(row.message), std::wstring::npos) << row.label << ": " << qk::to_utf8(message);
-        EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_) << row.label;
-        EXPECT_EQ(result_.view()->caption.find_text(), L"Corvanta Vantrix 8.0") << row.label;
-        EXPECT_EQ(TempFolder::read(old), "old") << row.label;
-        EXPECT_EQ(folder_.count(), files) << row.label << ": nothing half-written stays";
+        EXPECT_EQ(error(), row.error);
+        EXPECT_EQ(result_.view()->win32_error, row.win32_error);
+        EXPECT_NE(message().find(row.message), std::wstring::npos) << qk::to_utf8(message());
+        EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
+        EXPECT_EQ(result_.view()->caption.find_text(), L"Corvanta Vantrix 8.0");
+        EXPECT_EQ(TempFolder::read(old), "old");
+        EXPECT_EQ(folder_.count(), files) << "nothing half-written stays";
     }
 }
 
 TEST_F(RenderProcess, ReservedNameGoesWithTheJobThatFails) {
     const struct {
-        const char* label;
         uint64_t first_value;
         const char* bytes;
         bool stays;
     } rows[] = {
-        {"reserved", companions::kFileReserved, "", false},
-        {"the user's own empty file", 0, "", true},
-        {"written meanwhile", companions::kFileReserved, "x", true},
-    };
+        {companions::kFileReserved, "", false}, {0, "", true}, {companions::kFileReserved, "x", true}};
     for (const auto& row : rows) {
         for (const bool discards : {false, true}) {
             folder_.write(L"\u65E5\u672C 100%d.pdf", row.bytes);
             folder_.write(L"job.ps", "");
             start_.view()->first_value = row.first_value;
-            EXPECT_EQ(run(discards ? L"--discard" : L""), discards ? kDone : kFailed) << row.label;
-            EXPECT_EQ(qk::is_file(target_), row.stays) << row.label;
+            EXPECT_EQ(run(discards ? L"--discard" : L""), discards ? kDone : kFailed);
+            EXPECT_EQ(qk::is_file(target_), row.stays);
         }
     }
 }

@@ -1,16 +1,18 @@
-// The save-file dialog library as the module loads it, with nobody watching.
+// The save-file dialog library: names, the choice of a file, and the library as the module loads it, with
+// nobody watching.
 #include <gtest/gtest.h>
 
 #include <windows.h>
 
+#include <atomic>
 #include <string>
 
 #include "common/dialog_library.h"
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/registry.h"
-#include "common/qk/text.h"
 #include "companions/tessalo/options.h"
+#include "companions/tessalo/output_choice.h"
 #include "companions/thread.h"
 #include "print_settings/PrintSettings.h"
 #include "support/installation.h"
@@ -18,78 +20,186 @@
 
 namespace {
 
+using companions::choose_unattended;
+using companions::choose_with_dialog;
+using companions::find_safe_path;
+using companions::NameLimits;
+using companions::SameName;
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
+
+// What becomes of bad characters and devices is seen where settings get their names.
+TEST(SafeName, TitlesBecomeFileNames) {
+    const wchar_t* const rows[][2] = {{L"Report.PDF", L"Report"}, {L"a.pdf.pdf", L"a.pdf"},
+                                      {L" . .. ", L"no_name"},    {L".pdf", L"no_name"},
+                                      {L"PRN.pdf", L"_PRN"},      {L"\ta\r\nb\x7f\x85", L"a  b"}};
+    for (const auto& [title, stem] : rows)
+        EXPECT_EQ(companions::safe_stem(title), stem);
+}
+
+TEST(SafeName, LimitsCutTheStemOnly) {
+    const auto repeated = [](std::wstring_view text, int times) {
+        std::wstring all;
+        for (int i = 0; i < times; ++i)
+            all += text;
+        return all;
+    };
+    const std::wstring_view pair = L"\U0001F5A8", kanji = L"\u65E5", x = L"x";
+    const std::wstring deep = L"C:\\" + repeated(L"d", 240), deeper = deep + repeated(L"d", 10);
+    const NameLimits units, bytes = {255, 255, 259}, few = {7, SIZE_MAX, 259};
+    const struct {
+        std::wstring folder, title;
+        unsigned number;
+        NameLimits limits;
+        std::wstring name;  // empty: no path
+    } rows[] = {{L"C:", repeated(x, 252), 0, units, repeated(x, 251) + L".pdf"},
+                {L"C:", repeated(x, 300), 9999, units, repeated(x, 245) + L"(9999).pdf"},
+                {L"C:", repeated(kanji, 300), 0, bytes, repeated(kanji, 83) + L".pdf"},
+                {L"C:", repeated(pair, 200), 1, bytes, repeated(pair, 62) + L"(1).pdf"},
+                {deep, L"a long title of thirty letters", 0, units, L"a long titl.pdf"},
+                {deeper + L"d", L"Report", 0, units, L""},
+                {deeper, L"\U0001F5A8 x", 0, units, L"n.pdf"},
+                {L"C:", L"CONTENTS", 0, few, L"_CO.pdf"},
+                {L"C:", L"Mr. Brown", 0, few, L"Mr.pdf"}};
+    for (const auto& row : rows)
+        EXPECT_EQ(find_safe_path(row.folder, row.title, row.number, row.limits).value_or(L""),
+                  row.name.empty() ? L"" : row.folder + L"\\" + row.name);
+}
+
+TEST(OutputChoice, SameNameRulesWithNobodyWatching) {
+    const struct {
+        int32_t code;
+        bool exists;
+        const wchar_t* name;  // null: refused
+        bool reserved;
+    } rows[] = {{0, true, L"a.pdf", false},   {1, true, L"a(1).pdf", true}, {2, false, L"a.pdf", true},
+                {2, true, L"a(1).pdf", true}, {3, true, nullptr, false},    {7, true, L"a(1).pdf", true}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.code);
+        const TempFolder folder;
+        if (row.exists)
+            folder.write(L"a.pdf", "old");
+        const auto file = choose_unattended(folder.path(), L"a", companions::same_name_rule(row.code), {});
+        EXPECT_EQ(file ? file->path : L"", row.name ? folder.file(row.name) : L"");
+        EXPECT_EQ(file && file->reserved, row.reserved);
+        EXPECT_EQ(TempFolder::read(folder.file(L"a.pdf")), row.exists ? "old" : "");
+        EXPECT_EQ(folder.count(), size_t{row.exists} + row.reserved);
+    }
+}
+
+TEST(OutputChoice, JobsOfOneTitleAtOnceGetNamesOfTheirOwn) {
+    const TempFolder folder;
+    std::atomic<int> reserved = 0;
+    std::vector<companions::Thread> threads;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back([&] {
+            for (int job = 0; job < 25; ++job) {
+                const auto file = choose_unattended(folder.path(), L"Same title", SameName::kNumber, {});
+                reserved += file && file->reserved;
+            }
+        });
+    threads.clear();  // waits for them
+    EXPECT_EQ(reserved, 200);
+    EXPECT_EQ(folder.count(), 200u);
+    EXPECT_TRUE(qk::is_file(folder.file(L"Same title(199).pdf"))) << "no number is left out";
+}
+
+// Answers as a user would, and notes what the dialog was asked to do.
+class ScriptedDialog final : public companions::SaveDialog {
+public:
+    std::optional<std::wstring> ask(const std::wstring& folder, const std::wstring& name,
+                                    bool confirms) override {
+        if (offered.empty())
+            offered = folder + L'|' + name;
+        confirmed = confirms;
+        return asked == answers.size() ? std::nullopt : std::optional(answers[asked++]);
+    }
+    void refuse(const std::wstring&, std::wstring_view) override { ++refusals; }
+
+    std::vector<std::wstring> answers;
+    size_t asked = 0;
+    std::wstring offered;
+    bool confirmed = false;
+    int refusals = 0;
+};
+
+TEST(OutputChoice, DialogAnswersFollowTheRule) {
+    const std::wstring too_long(250, L'x');
+    const struct {
+        SameName rule;
+        std::vector<std::wstring> answers;  // file names; "old.pdf" and "old.txt.pdf" exist
+        std::wstring name;                  // empty: cancelled
+        bool reserved;
+        int refusals;
+    } rows[] = {{SameName::kAsk, {}, L"", false, 0},
+                {SameName::kAsk, {L"new"}, L"new.pdf", true, 0},
+                {SameName::kAsk, {L"old.pdf"}, L"old.pdf", false, 0},  // the dialog has asked
+                {SameName::kAsk, {L"old.txt"}, L"", false, 1},         // about another name
+                {SameName::kNumber, {L"old.PDF"}, L"old(1).pdf", true, 0},
+                {SameName::kRefuse, {L"old.pdf", L"old.pdf", L"x.pdf"}, L"x.pdf", true, 2},
+                {SameName::kOverwrite, {too_long, L"x.pdf"}, L"x.pdf", false, 1},
+                {SameName::kNumber, {L"none\\x.pdf", L"x.pdf"}, L"x.pdf", true, 1}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        const TempFolder folder;
+        folder.write(L"old.pdf", "old");
+        folder.write(L"old.txt.pdf", "old");
+        ScriptedDialog dialog;
+        for (const std::wstring& name : row.answers)
+            dialog.answers.push_back(folder.file(name));
+        const auto file = choose_with_dialog(dialog, folder.path(), L"Ti:tle.pdf", row.rule, {});
+        EXPECT_EQ(file ? file->path : L"", row.name.empty() ? L"" : folder.file(row.name));
+        EXPECT_EQ(file && file->reserved, row.reserved);
+        EXPECT_EQ(dialog.refusals, row.refusals);
+        EXPECT_EQ(dialog.offered, folder.path() + L"|Ti_tle.pdf");
+        EXPECT_EQ(dialog.confirmed, row.rule == SameName::kAsk);
+        EXPECT_EQ(TempFolder::read(folder.file(L"old.pdf")), "old");
+    }
+}
 
 class Tessalo : public testing::Test {
 protected:
-    Tessalo() : library_(LoadLibraryW(Installation::built(dialog_library::kFileName).c_str())) {
-        get_file_ = qk::find_export<dialog_library::GetFile2>(library_.get(), "GetFile2");
-        get_setting_ = qk::find_export<dialog_library::GetSettingFN>(library_.get(), "GetSettingFN");
+    Tessalo() {
         record_.title.set_in_place(L"Title");
-    }
-
-    void ask_to_start_in(const std::wstring& folder) {
-        path_ = folder;
-        path_.resize(1024);
-        record_.output_path.lend(path_, folder.size());
-    }
-
-    std::wstring ask() {
         record_.settings = &settings_;
+    }
+
+    std::wstring ask(const std::wstring& folder) {
+        std::wstring path = folder;
+        path.resize(1024);
+        record_.output_path.lend(path, folder.size());
         EXPECT_EQ(get_file_(&record_, L"Printer"), 0) << "anything else hands the job over";
         return record_.output_path.find_text().value_or(L"<unreadable>");
     }
 
     const Variable unattended_{L"ZR_UNATTENDED", L"1"};
-    const qk::DLL library_;
-    dialog_library::GetFile2* get_file_ = nullptr;
-    dialog_library::GetSettingFN* get_setting_ = nullptr;
-    std::wstring path_;
-    dialog_library::WorkingRecord record_ = {};
+    const qk::DLL library_{LoadLibraryW(Installation::built(dialog_library::kFileName).c_str())};
+    const ImportPatch hive_{"RegOpenCurrentUser", reinterpret_cast<void*>(&UserRegistry::open_hive),
+                            library_.get()};
+    dialog_library::GetFile2* const get_file_ =
+        qk::find_export<dialog_library::GetFile2>(library_.get(), "GetFile2");
+    const Installation here_;
     PrintSettings settings_;
+    dialog_library::WorkingRecord record_ = {};
 };
 
-TEST_F(Tessalo, AdministratorsNameTakesTheTitlesPlace) {
-    const Installation here;
-    const TempFolder folder;
-    here.folder.write(L"administrator.ps4a",
-                      "\xEF\xBB\xBF{\"Administrator\": {\"PDFFileName\": \"C:\\\\x\\\\Fixed.pdf\"}}");
-    ask_to_start_in(folder.path());
-    EXPECT_EQ(ask(), folder.file(L"Fixed.pdf"));
-}
-
 TEST_F(Tessalo, FolderComesFromTheFirstThatGivesOne) {
-    const TempFolder record;
-    const TempFolder setting;
-    const TempFolder variable;
+    const TempFolder record, setting, variable;
     const struct {
-        const char* label;
-        std::wstring record;
-        std::wstring setting;
-        std::wstring variable;
-        std::wstring path;
-    } rows[] = {
-        {"record", record.path(), setting.path(), variable.path(), record.file(L"Title.pdf")},
-        {"setting", L"", setting.path() + L"\\", variable.path(), setting.file(L"Title.pdf")},
-        {"variable", L"", L"", variable.path(), variable.file(L"Title.pdf")},
-        {"made when missing", setting.file(L"new\\deep"), L"", L"", setting.file(L"new\\deep\\Title.pdf")},
-    };
+        std::wstring record, setting, variable, path;
+    } rows[] = {{record.path(), setting.path(), variable.path(), record.file(L"Title.pdf")},
+                {L"", setting.path() + L"\\", variable.path(), setting.file(L"Title.pdf")},
+                {L"", L"", variable.path(), variable.file(L"Title.pdf")},
+                {setting.file(L"new\\deep"), L"", L"", setting.file(L"new\\deep\\Title.pdf")}};
     for (const auto& row : rows) {
         const Variable folder(L"ZR_OUTPUT_FOLDER", row.variable);
         settings_.general()->OutputFolder = row.setting;
-        ask_to_start_in(row.record);
-        EXPECT_EQ(ask(), row.path) << row.label;
-        EXPECT_TRUE(qk::is_folder(row.path.substr(0, row.path.rfind(L'\\')))) << row.label;
+        EXPECT_EQ(ask(row.record), row.path);
+        EXPECT_TRUE(qk::is_folder(row.path.substr(0, row.path.rfind(L'\\'))));
     }
-}
-
-TEST_F(Tessalo, RefusedNameReadsAsACancel) {
-    const TempFolder folder;
-    folder.write(L"Title.pdf", "old");
+    record.write(L"Title.pdf", "old");
     settings_.general()->WhenSameName = 3;
-    ask_to_start_in(folder.path());
     record_.hand_over = 1;
-    EXPECT_EQ(ask(), L"");
+    EXPECT_EQ(ask(record.path()), L"") << "a refused name reads as a cancel";
     EXPECT_EQ(record_.hand_over, 0);
 }
 
@@ -98,93 +208,70 @@ TEST_F(Tessalo, PathStandsWhereAStringOfARunTimeLibraryWould) {
     settings_.general()->OutputFolder = folder.path();
     settings_.general()->WhenSameName = 0;
     const std::wstring path = folder.file(L"Title.pdf");
-    for (const size_t room : {path.size() - 1, path.size()}) {
+    for (const size_t room : {size_t{0}, path.size() - 1, path.size()}) {
         std::wstring found(room + 8, L'#');
-        record_.output_path.lend({found.data(), room + 1}, 0);
+        record_.output_path = {};
+        if (room != 0)
+            record_.output_path.lend({found.data(), room + 1}, 0);
         found[room] = L'\0';
-        EXPECT_EQ(ask(), path);
+        EXPECT_EQ(get_file_(&record_, L"Printer"), 0);
+        companions::Thread([&, other = record_]() mutable { get_file_(&other, L"Printer"); }).join();
+        EXPECT_EQ(record_.output_path.find_text(), path) << "another thread's call leaves it alone";
         EXPECT_EQ(record_.output_path.address == found.data(), room == path.size());
         EXPECT_EQ(found.substr(room + 1), L"#######");
     }
-    record_.output_path = {};
-    EXPECT_EQ(ask(), path);
-    const wchar_t* const first = record_.output_path.address;
-    companions::Thread([&] {
-        dialog_library::WorkingRecord other = {};
-        other.title.set_in_place(L"Other");
-        other.settings = &settings_;
-        EXPECT_EQ(get_file_(&other, L"Printer"), 0);
-        EXPECT_EQ(other.output_path.find_text(), folder.file(L"Other.pdf"));
-    }).join();
-    EXPECT_EQ(first, path) << "another thread's call leaves it alone";
 }
 
 TEST_F(Tessalo, NameIsTheDocumentsDefaultOneMadeSafe) {
     struct {
         DWORD cut_off_by_period;
-        const wchar_t *title, *file;
-    } const rows[] = {
-        {0, L"Report.docx", L"Report.docx.pdf"},
-        {1, L"Report.docx", L"Report.pdf"},
-        {0, L"x.pdf", L"x.pdf.pdf"},
-        {1, L"x.pdf", L"x.pdf"},
-        {0, L"a:b?", L"a_b_.pdf"},
-        {1, L"C:\\docs\\a:b.txt", L"a_b.pdf"},
-        {0, L"", L"no_name.pdf"},
-    };
-    const ImportPatch hive("RegOpenCurrentUser", reinterpret_cast<void*>(&UserRegistry::open_hive),
-                           library_.get());
-    for (const auto& row : rows) {
-        const Installation here;
-        here.set_number(HKEY_CURRENT_USER, L"\\Special", L"Cutoff_by_period", row.cut_off_by_period);
-        ask_to_start_in(here.folder.path());
-        std::wstring title = row.title;
-        title.resize(100);
-        record_.title.lend(title, wcslen(row.title));
-        EXPECT_EQ(ask(), here.folder.file(row.file));
+        std::wstring title;
+        const wchar_t* file;
+    } rows[] = {{0, L"Report.docx", L"Report.docx.pdf"},
+                {1, L"Report.docx", L"Report.pdf"},
+                {0, L"x.pdf", L"x.pdf.pdf"},
+                {1, L"x.pdf", L"x.pdf"},
+                {1, L"C:\\docs\\a:b.txt", L"a_b.pdf"},
+                {0, L"", L"no_name.pdf"}};
+    for (auto& row : rows) {
+        const TempFolder folder;
+        here_.set_number(HKEY_CURRENT_USER, L"\\Special", L"Cutoff_by_period", row.cut_off_by_period);
+        const size_t units = row.title.size();
+        row.title.resize(100);
+        record_.title.lend(row.title, units);
+        EXPECT_EQ(ask(folder.path()), folder.file(row.file));
     }
+    here_.folder.write(L"administrator.ps4a",
+                       "\xEF\xBB\xBF{\"Administrator\": {\"PDFFileName\": \"C:\\\\x\\\\Fixed.pdf\"}}");
+    EXPECT_EQ(ask(here_.folder.path()), here_.folder.file(L"Fixed.pdf"));
 }
 
 TEST_F(Tessalo, SettingOfTheProcessGoesBeforeThePrinters) {
-    const MachineRegistry machine;
-    const UserRegistry user;
-    const ImportPatch hive("RegOpenCurrentUser", reinterpret_cast<void*>(&UserRegistry::open_hive),
-                           library_.get());
     const std::wstring key = qk::registry::kRoot;
-    user.set_text(key + L"Printer", L"PDFSettingFileName", L"gone.ps4");
-    EXPECT_EQ(companions::setting_name_for(L"Printer"), L"standard.ps4");
-    user.set_text(key, L"settingfile_for_process_Printer", L"C:\\chosen.ps4");
-    user.set_text(key, L"settingfile_for_process_Other", L"");
-    EXPECT_EQ(companions::setting_name_for(L"Printer"), L"C:\\chosen.ps4");
-    EXPECT_EQ(companions::setting_name_for(L"Other"), L"standard.ps4");
-    wchar_t name[32] = {};
-    EXPECT_EQ(get_setting_(name, 14, L"Printer", nullptr), 0);
-    EXPECT_STREQ(name, L"C:\\chosen.ps4");
-    EXPECT_EQ(get_setting_(name, 13, L"Printer", nullptr), 0);
-    EXPECT_STREQ(name, L"standard.ps4") << "a choice that has no room leaves the printer's own";
-    EXPECT_NE(get_setting_(name, 12, L"Printer", nullptr), 0) << "no room for the terminating zero";
-    user.set_text(key, L"settingfile_for_process_Printer", std::wstring(600, L'x'));
-    EXPECT_EQ(companions::setting_name_for(L"Printer"), L"standard.ps4");
+    const auto setting = [&](int units, const wchar_t* printer = L"Printer") {
+        wchar_t name[512] = {};
+        const int error = qk::find_export<dialog_library::GetSettingFN>(library_.get(), "GetSettingFN")(
+            name, units, printer, nullptr);
+        return error ? L"error" : std::wstring(name);
+    };
+    here_.user.set_text(key + L"Printer", L"PDFSettingFileName", L"gone.ps4");
+    EXPECT_EQ(setting(512), L"standard.ps4");
+    here_.user.set_text(key, L"settingfile_for_process_Printer", L"C:\\chosen.ps4");
+    here_.user.set_text(key, L"settingfile_for_process_Other", L"");
+    EXPECT_EQ(setting(14), L"C:\\chosen.ps4");
+    EXPECT_EQ(setting(512, L"Other"), L"standard.ps4");
+    EXPECT_EQ(setting(13), L"standard.ps4") << "a choice that has no room leaves the printer's own";
+    EXPECT_EQ(setting(12), L"error") << "no room for the terminating zero";
 }
 
-TEST(TessaloOptions, VariableGoesBeforeTheIni) {
-    const TempFolder folder;
-    const struct {
-        const char* label;
-        const wchar_t* variable;
-        const char* ini;
-        bool unattended;
-    } rows[] = {
-        {"nothing", L"", "", false},
-        {"ini", L"", "[Dialog]\r\nUnattended=1\r\n", true},
-        {"variable against ini", L"0", "[Dialog]\r\nUnattended=1\r\n", false},
-        {"rubbish", L"", "[Dialog]\r\nUnattended=yes\r\n", false},
-    };
-    int file = 0;  // the profile functions may keep a file in memory
-    for (const auto& row : rows) {
-        const Variable variable(L"ZR_UNATTENDED", row.variable);
-        const std::wstring ini = folder.write(std::to_wstring(++file) + L".ini", row.ini);
-        EXPECT_EQ(companions::unattended(ini), row.unattended) << row.label;
+TEST_F(Tessalo, VariableGoesBeforeTheIni) {
+    for (const char* code : {"yes", "1"}) {  // a file each: the profile functions keep one in memory
+        const std::wstring ini = here_.folder.write(L"ini" + std::to_wstring(*code),
+                                                    std::string("[Dialog]\r\nUnattended=") + code);
+        const Variable zero(L"ZR_UNATTENDED", L"0");
+        EXPECT_FALSE(companions::unattended(ini));
+        SetEnvironmentVariableW(L"ZR_UNATTENDED", nullptr);
+        EXPECT_EQ(companions::unattended(ini), *code == '1');
     }
 }
 

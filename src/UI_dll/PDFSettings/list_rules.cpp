@@ -5,8 +5,8 @@
 #include <commctrl.h>
 
 #include <algorithm>
-#include <array>
 
+#include "common/qk/file_name.h"
 #include "common/qk/text.h"
 
 namespace pdf_settings {
@@ -19,16 +19,6 @@ bool is_digit(wchar_t unit) noexcept {
 
 void lower(std::wstring& text) noexcept {
     CharLowerBuffW(text.data(), static_cast<DWORD>(text.size()));
-}
-
-// "con", "con.txt": devices, whatever their extension.
-bool is_device(std::wstring_view name) noexcept {
-    constexpr std::array<std::wstring_view, 4> kDevices = {L"CON", L"PRN", L"AUX", L"NUL"};
-    const std::wstring_view stem = name.substr(0, name.find(L'.'));
-    if (stem.size() == 4 && is_digit(stem[3]))
-        return qk::starts_with_no_case(stem, L"COM") || qk::starts_with_no_case(stem, L"LPT");
-    return std::any_of(kDevices.begin(), kDevices.end(),
-                       [&](std::wstring_view device) { return qk::equal_no_case(stem, device); });
 }
 
 }  // namespace
@@ -75,23 +65,8 @@ std::wstring free_name(std::wstring_view base, const std::function<bool(const st
 }
 
 std::wstring file_name_of(std::wstring_view name) {
-    constexpr std::wstring_view kForbidden = L"<>:\"/\\|?*";
-    std::wstring safe(qk::cut(name, kNameUnits));
-    for (size_t i = 0; i < safe.size(); ++i) {
-        const bool paired =
-            (IS_HIGH_SURROGATE(safe[i]) && i + 1 < safe.size() && IS_LOW_SURROGATE(safe[i + 1])) ||
-            (IS_LOW_SURROGATE(safe[i]) && i > 0 && IS_HIGH_SURROGATE(safe[i - 1]));
-        const bool lone = (IS_HIGH_SURROGATE(safe[i]) || IS_LOW_SURROGATE(safe[i])) && !paired;
-        if (safe[i] < L' ' || lone || kForbidden.find(safe[i]) != std::wstring_view::npos)
-            safe[i] = L'_';
-    }
-    while (safe.ends_with(L' ') || safe.ends_with(L'.'))
-        safe.pop_back();
-    while (safe.starts_with(L' '))
-        safe.erase(0, 1);
-    if (safe.empty() || is_device(safe))
-        safe.insert(0, L"_");
-    return safe;
+    const std::wstring safe = qk::safe_file_name(qk::cut(name, kNameUnits), L'_');
+    return safe.empty() ? L"_" : safe;
 }
 
 }  // namespace pdf_settings

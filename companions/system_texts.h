@@ -1,0 +1,35 @@
+// Texts that the system gives, and parts of paths. Each is empty where the system has none.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "common/qk/text.h"
+
+namespace companions {
+
+// A variable of the environment.
+[[nodiscard]] inline std::wstring variable(const wchar_t* name) {
+    return qk::grow_until_it_fits(
+        [name](wchar_t* buffer, DWORD units) { return GetEnvironmentVariableW(name, buffer, units); });
+}
+
+// With its trailing backslash.
+[[nodiscard]] inline std::wstring temporary_folder() {
+    return qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
+}
+
+// The path whatever the current folder is.
+[[nodiscard]] inline std::wstring absolute_path(const std::wstring& path) {
+    return qk::grow_until_it_fits([&path](wchar_t* buffer, DWORD units) {
+        return GetFullPathNameW(path.c_str(), units, buffer, nullptr);
+    });
+}
+
+// What stands before the file's name, with its trailing backslash.
+[[nodiscard]] inline std::wstring folder_part(const std::wstring& path) {
+    return path.substr(0, path.size() - qk::file_part(path).size());
+}
+
+}  // namespace companions

@@ -1,0 +1,81 @@
+// The command lines of the host program and the renderer.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include "common/qk/handle.h"
+#include "common/qk/text.h"
+#include "companions/command_line.h"
+#include "companions/host/options.h"
+#include "companions/render/arguments.h"
+
+namespace {
+
+using Words = std::vector<const wchar_t*>;
+
+TEST(CommandLines, OrderIsFreeAndTheLastOfTwoCounts) {
+    const Words words = {L"print", L"--trace",     L"1",      L"--trace",
+                         L"5",     L"--no-render", L"--json", L"/a \u65e5.txt"};
+    const auto [options, fault, help] = host::parse_options(words);
+    EXPECT_EQ(fault + help, L"");
+    EXPECT_EQ(options.command, host::Command::kPrint);
+    EXPECT_EQ(options.file, L"/a \u65e5.txt");
+    EXPECT_EQ(options.trace_level, 5u);
+    EXPECT_FALSE(options.render);
+    EXPECT_TRUE(options.json);
+    EXPECT_NE(host::parse_options(Words{L"print", L"f", L"--help"}).help.find(L"--abort-after-page"),
+              std::wstring::npos);
+    EXPECT_NE(host::parse_options(Words{L"help"}).help.find(L"--no-permission"), std::wstring::npos);
+}
+
+TEST(CommandLines, WrongWordsAreNamed) {
+    const struct {
+        Words words;  // of the renderer when the first has dashes
+        const wchar_t *option, *why;
+    } rows[] = {{{}, L"command", L"no"},
+                {{L"prnt"}, L"\"prnt\"", L"unknown"},
+                {{L"print"}, L"FILE", L"required"},
+                {{L"print", L"a", L"b"}, L"b", L"not expected"},
+                {{L"print", L"a", L"--from", L"x"}, L"--from", L"not expected"},
+                {{L"print", L"a", L"--title"}, L"--title", L"required"},
+                {{L"print", L"a", L"--title", L""}, L"--title", L"empty"},
+                {{L"print", L"a", L"--trace", L"4294967296"}, L"--trace", L"4294967296"},
+                {{L"print", L"a", L"--abort-after-page", L"0"}, L"--abort-after-page", L"above 0"},
+                {{L"properties", L"--press", L"apply"}, L"--press", L"apply"},
+                {{L"diff", L"a"}, L"FILE", L"2"},
+                {{L"diff", L"a", L"b", L"c"}, L"FILE", L"2"},
+                {{L"--thread", L"0"}, L"--thread", L"above 0"},
+                {{L"--thread", L"12x"}, L"--thread", L"12x"},
+                {{L"--thread", L"4294967296"}, L"--thread", L"4294967296"},
+                {{L"--thread", L"7", L"--spool", L"s"}, L"--printer", L"required"},
+                {{L"--thread", L"7", L"--discard", L"--notify", L"7:65536"}, L"--notify", L"required"},
+                {{L"--thread", L"7", L"--notify", L"7:0:64"}, L"--notify", L"above 0"}};
+    for (const auto& row : rows) {
+        const bool renders = !row.words.empty() && row.words[0][0] == L'-';
+        const std::wstring fault = renders ? companions::render::parse_arguments(row.words).fault
+                                           : host::parse_options(row.words).fault;
+        EXPECT_NE(fault.find(row.option), std::wstring::npos) << qk::to_utf8(fault);
+        EXPECT_NE(fault.find(row.why), std::wstring::npos) << qk::to_utf8(fault);
+    }
+    const auto [good, fault, help] = companions::render::parse_arguments(Words{
+        L"--thread", L"0x10", L"--printer", L"P", L"--spool", L"/s", L"--notify", L"7:0x10000:9999999"});
+    EXPECT_EQ(fault, L"");
+    EXPECT_EQ(good.thread, 16u);
+    EXPECT_EQ(good.arena->address, 0x10000u);
+    EXPECT_EQ(good.arena->bytes, companions::render::kMostArenaBytes);
+}
+
+// What the renderer's run-time library does with the line, done by the system's own function.
+TEST(CommandLines, AreReadBackWordForWord) {
+    const std::vector<std::wstring> words = {
+        L"C:\\Program Files\\x.exe", L"", L"a b", L"C:\\folder\\", L"say \"hi\"", L"\\\\\"", L"tab\there"};
+    int count = 0;
+    const qk::LocalMemory memory(CommandLineToArgvW(companions::command_line(words).c_str(), &count));
+    auto* const* read = static_cast<wchar_t**>(memory.get());
+    ASSERT_NE(read, nullptr);
+    EXPECT_EQ(std::vector<std::wstring>(read, read + count), words);
+}
+
+}  // namespace
