@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdint>
 #include <cwchar>
 #include <functional>
@@ -149,7 +150,10 @@ TEST(ThreadProp, EntriesQueueUpPerThreadAndKey) {
 }
 
 TEST(ThreadProp, ThreadsDoNotMeetInTheStore) {
-    const auto work = [] {
+    std::atomic<int> ready = 0;
+    const auto work = [&] {
+        for (++ready; ready < 4;)
+            Sleep(0);
         for (ULONG_PTR i = 1; i <= 10'000; ++i) {
             ULONG_PTR value = 0;
             SetThreadProp(L"A", i);
@@ -158,7 +162,8 @@ TEST(ThreadProp, ThreadsDoNotMeetInTheStore) {
                 return ADD_FAILURE() << "another's value in round " << i;
         }
     };
-    companions::Thread first(work), second(work);
+    companions::Thread threads[] = {companions::Thread(work), companions::Thread(work),
+                                    companions::Thread(work), companions::Thread(work)};
 }
 
 TEST(Trace, FunctionsSayThatTheyAreEntered) {

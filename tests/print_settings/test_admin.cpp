@@ -7,6 +7,7 @@
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "print_settings/PSAdmin.h"
+#include "support/random_settings.h"
 #include "support/registry_override.h"
 #include "support/temp_folder.h"
 #include "support/user_registry.h"
@@ -50,13 +51,24 @@ protected:
 }  // namespace
 
 TEST_F(PrintSettingsAdmin, NamedValuesAreForcedAndTheOthersStay) {
+    user_ = RandomSettings(3).next();
+    user_.font()->Fonts = {L"one", L"two"};
+    user_.addition()->Int = {{L"a", 1}, {L"b", 2}};
+    user_.notification()->V6->PrintError = user_.notification()->V6->PrintEnd;
+    user_->PSComment = {{1, L"user"}};
+    ASSERT_TRUE(user_.Save(user_path_));
     ps::PrintSettings expected = user_;
-    expected.watermark()->Style = 1;
+    EXPECT_EQ(load("{}"), expected);
     expected.watermark()->Text = L"DRAFT";
-    EXPECT_EQ(load(R"({"Watermark": {"Style": 1, "Text": "DRAFT", "Transparency": "none"}})"), expected);
-    expected = user_;
+    expected.compression()->Gray->JpegQuality = 50;
+    expected.font()->Fonts = {L"three"};
+    expected.addition()->Int[L"b"] = 3;
     expected->PSComment[2] = L"admin";
-    EXPECT_EQ(load(R"({"PSComment": [[2, "admin"]]})"), expected);
+    EXPECT_EQ(
+        load(R"({"Watermark": {"Text": "DRAFT", "Style": "x"}, "Compression": {"Gray": {"JpegQuality": 50}},
+                       "Font": {"Fonts": ["three"]}, "Addition": {"Int": {"b": 3}}, "PSName": 1,
+                       "PSComment": [[2, "admin"]], "Notification": {"V6": {}}})"),
+        expected);
     EXPECT_EQ(restricted_to(), L"|");
 }
 

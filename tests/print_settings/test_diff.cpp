@@ -51,25 +51,10 @@ TEST(SettingDifferences, AreSentencesForAPerson) {
           L"Watermark \u2013 Size (pt): automatic \u2192 12"}},
         {[](Settings s) {
              s.openAction()->StartPage = ps::OpenAction_impl::kNoStartPage;
-             s.openAction()->HideMenu = true;
-         },
-         {L"Opening \u2013 Start at a certain page: 1 \u2192 no",
-          L"Opening \u2013 Parts of the viewer that are hidden: Menu bar: no \u2192 yes"}},
-        {[](Settings s) {
              s.font()->Fonts = {L"A", L"B"};
          },
-         {L"Fonts \u2013 Listed fonts: \"\" \u2192 \"A\", \"B\""}},
-        {[](Settings s) {
-             s.color()->GrayDecreasingMethod = 1;
-             s.color()->MonoDecreasingMethod = 1;
-             s.color()->MonoImageFilter = 2;
-         },
-         {L"Colour \u2013 Brightness from colours: Luminance, as the eye sees it \u2192 Average of red, "
-          L"green and blue",
-          L"Colour \u2013 Conversion to black and white: Method: Threshold \u2192 Dither (error diffusion)",
-          L"Colour \u2013 Image filter: None \u2192 Sharpen"}},
-        {[](Settings s) { s.security()->Level = 1; },
-         {L"Security \u2013 Encryption level: level 4 \u2192 level 1"}},
+         {L"Fonts \u2013 Listed fonts: \"\" \u2192 \"A\", \"B\"",
+          L"Opening \u2013 Start at a certain page: 1 \u2192 no"}},
         {[](Settings s) {
              s.security()->MasterPassword = L"secret1";
              s.security()->UserPassword = L"secret2";

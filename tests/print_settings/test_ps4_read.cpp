@@ -152,27 +152,6 @@ TEST(Ps4Read, WhatIsMissingTakesItsDefault) {
     EXPECT_EQ(settings, expected);
 }
 
-TEST(Ps4Read, KeptValuesYieldOnlyToWhatTheFileNames) {
-    ps::PrintSettings settings = RandomSettings(3).next();
-    settings.font()->Fonts = {L"one", L"two"};
-    settings.addition()->Int = {{L"a", 1}, {L"b", 2}};
-    settings.notification()->V6->PrintError = L"error";
-    ps::PrintSettings expected = settings;
-    EXPECT_EQ(settings.LoadPS4("{}", true), ps::kLoaded);
-    EXPECT_EQ(settings, expected);
-    expected.watermark()->Text = L"forced";
-    expected.compression()->Gray->JpegQuality = 50;
-    expected.font()->Fonts = {L"three"};
-    expected.addition()->Int[L"b"] = 3;
-    EXPECT_EQ(
-        settings.LoadPS4(R"({"Watermark": {"Text": "forced", "Style": "x"}, "Font": {"Fonts": ["three"]},
-                                   "Compression": {"Gray": {"JpegQuality": 50}}, "PSName": 1,
-                                   "Addition": {"Int": {"b": 3}}, "Notification": {"V6": {}}})",
-                         true),
-        ps::kLoaded);
-    EXPECT_EQ(settings, expected);
-}
-
 TEST(Ps4Read, AFailureLeavesThePartsAfterIt) {
     ps::PrintSettings settings, expected;
     settings.general()->Scale = 50;
