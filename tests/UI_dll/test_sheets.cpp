@@ -22,7 +22,7 @@
 #include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
 #include "companions/compstui/sheet.h"
-#include "companions/compstui/sheet_functions.h"
+#include "companions/compstui/interface.h"
 #include "companions/thread.h"
 #include "resources/ids.h"
 #include "support/fake_printer.h"

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "UI_dll/plotui.h"
 #include "common/qk/resource_dll.h"
 #include "companions/compstui/page.h"
 #include "companions/compstui/sheet.h"
