@@ -46,4 +46,17 @@ void EngineLog::take_line(std::string_view line) {
     error_ = line.substr(0, kMostError);
 }
 
+ResultCode engine_result(Engine::End end, const EngineLog& log) noexcept {
+    if (end == Engine::End::kMissing)
+        return ResultCode::kEngineMissing;
+    if (end == Engine::End::kDone)  // without a page the engine writes an empty one of its own
+        return log.pages() == 0 ? ResultCode::kNoPages : ResultCode::kDone;
+    // A full disk makes the engine fail or crash, as it comes.
+    const bool unwritten = log.error().find("ioerror") != std::string::npos ||
+                           log.error().find("Could not open the file") != std::string::npos;
+    if (unwritten)
+        return ResultCode::kTargetUnwritable;
+    return end == Engine::End::kStopped ? ResultCode::kEngineStopped : ResultCode::kSpoolDamaged;
+}
+
 }  // namespace companions::render

@@ -21,6 +21,8 @@ enum class ResultCode : uint32_t {
     kNoTarget = 1010,
     kInternal = 1011,
     kPdfUnreadable = 1012,
+    kStandardUnmet = 1013,
+    kFontMissing = 1014,
 };
 
 // One sentence, without the details of the case; empty for kDone.
@@ -49,6 +51,10 @@ enum class ResultCode : uint32_t {
             return L"This renderer cannot add a document to one that is still open.";
         case ResultCode::kNoTarget:
             return L"The job names no PDF file.";
+        case ResultCode::kStandardUnmet:
+            return L"The document cannot be made the PDF/A or PDF/X that the setting asks for.";
+        case ResultCode::kFontMissing:
+            return L"A font could not be put into the PDF, so no PDF was made.";
         case ResultCode::kPdfUnreadable:
             return L"The PDF was made, but opening it again found it damaged, so it was not kept.";
         case ResultCode::kInternal:

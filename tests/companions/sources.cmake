@@ -2,6 +2,7 @@ target_sources(zr_tests PRIVATE
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_engine.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_output_choice.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_render_arguments.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_render_fields.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_render_process.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_safe_name.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_tessalo.cpp)

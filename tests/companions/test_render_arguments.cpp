@@ -63,10 +63,13 @@ TEST(RenderEngineArguments, SettingsReadAsArguments) {
         {"mono is never averaged", [](PrintSettings&) {}, "-dMonoImageDownsampleType=/Subsample"},
         {"no downsampling", [](PrintSettings& s) { s.compression()->Color->DownSamplingMethod = 0; },
          "-dDownsampleColorImages=false"},
-        {"grey", [](PrintSettings& s) { s.color()->ColorMode = 1; }, "-sColorConversionStrategy=Gray"},
+        {"ASCII crashes where pages are not compressed",
+         [](PrintSettings& s) { s.compression()->ASCIIFormat = true; }, "-dCompressPages=true"},
+        {"PDF 2.0 by qpdf", [](PrintSettings& s) { s.pdfVersion()->Version = 12; },
+         "-dCompatibilityLevel=1.7"},
         {"percent signs are no page numbers", [](PrintSettings&) {}, "-sOutputFile=/100%%/a%%d.pdf"},
     };
-    const EngineFiles files{"", "/100%/a%d.pdf", "p.ps", "/100%/s.ps", "e.ps"};
+    const EngineFiles files{"", "/100%/a%d.pdf", "p.ps", "/100%/s.ps", "e.ps", {}, true};
     for (const auto& row : rows) {
         PrintSettings settings;
         row.change(settings);
