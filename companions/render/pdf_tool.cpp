@@ -117,8 +117,8 @@ void PdfTool::rewrite(const std::wstring& from, const std::wstring& to, const Re
         job["linearize"] = yes;
     if (how.small) {
         job["objectStreams"] = picojson::value("generate");
-        job["recompressFlate"] = yes;
         job["compressionLevel"] = picojson::value("9");
+        job["decodeLevel"] = picojson::value("none");  // what is compressed already would only grow
     } else {
         job["streamData"] = picojson::value("preserve");
     }

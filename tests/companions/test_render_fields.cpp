@@ -8,8 +8,10 @@
 #include <vector>
 
 #include "companions/render/ascii85.h"
+#include "companions/render/fonts.h"
 #include "companions/wine_layer.h"
 #include "support/render_process.h"
+#include "support/variable.h"
 
 namespace {
 
@@ -39,11 +41,11 @@ std::string document() {
     constexpr char kText[] =
         "/Courier findfont 12 scalefont setfont 0 0 0 setrgbcolor\n"
         "72 700 moveto (see https://example.org/a?b=1, or www.test.net.) show\n"
-        "0.8 0.1 0.1 setrgbcolor 72 660 moveto (red) show 72 640 100 5 rectfill\n";
+        "0.8 0.1 0.1 setrgbcolor 72 660 moveto (red) show 72 610 100 30 rectfill\n";
     const auto colour = [](size_t i) { return static_cast<uint8_t>(i % 3 == 0 ? i / 192 * 3 : i % 192); };
     const auto grey = [](size_t i) { return static_cast<uint8_t>(i % 192 / 3 * 4); };
     const auto bits = [](size_t i) { return static_cast<uint8_t>(i / 32 % 2 == 0 ? 0xF0 : 0x0F); };
-    return std::string("%!PS-Adobe-3.0\n%%EndComments\n") + kText +
+    return std::string("%!PS-Adobe-3.0\n%%EndComments\n<< /PageSize [612 792] >> setpagedevice\n") + kText +
            picture(72, "[0 1 0 1 0 1]", "image", 192, colour) +
            picture(200, "[0 1 0 1 0 1]", "image", 192, grey) + "0 0 0 setrgbcolor\n" +
            picture(330, "[0 1]", "imagemask", 8, bits) + "showpage\nshowpage\n" + kText + "showpage\n";
@@ -53,10 +55,12 @@ std::string document() {
 constexpr char kInfo[] = "pdfinfo \"$1\" 2>/dev/null | sed -n 's/^PDF version: *//p; s/^Pages: */pages /p'";
 constexpr char kImages[] = "pdfimages -list \"$1\" | awk 'NR > 2 { print $6 \":\" $8 \":\" $9 }'";
 constexpr char kFonts[] = "pdffonts \"$1\" | awk 'NR > 2 { print $1, $(NF - 4) }' | sed 's/^.*+//'";
+// The catalogue's entries, where the PDF is as the engine has written it.
 constexpr char kCatalogue[] =
-    "qpdf --json=2 --json-key=qpdf \"$1\" | tr -d ' \\n' | grep -o "
-    "'\"/\\(PageLayout\\|PageMode\\|OpenAction\\|ViewerPreferences\\)\":[^]}]*[]}]\\?' | sed "
-    "'s/\"//g;s/:\\[[0-9]*0R,/:[/;s/,\\/.*MediaBox.*//;s/,\\/Pages.*//'";
+    "qpdf --show-object=1 \"$1\" | sed 's/ [0-9]* 0 R//g; s/ .Metadata//; s/ .Pages.*.Type .Catalog//'";
+constexpr char kFirstPage[] =
+    "n=$(qpdf --show-object=1 \"$1\" | sed 's/.*OpenAction . \\([0-9]*\\) .*/\\1/'); "
+    "qpdf --show-pages \"$1\" | sed -n \"s/: $n 0 R//p\"";
 constexpr char kLinks[] = "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -o '/URI (.*)'";
 constexpr char kSecurity[] =
     "printf 'usr' >\"$2/pw\"; qpdf --password-file=\"$2/pw\" --show-encryption \"$1\" | sed -n "
@@ -67,11 +71,14 @@ constexpr char kSecurityOther[] =
 constexpr char kBoxes[] = "pdfinfo -box \"$1\" | awk '/TrimBox|BleedBox/ { print $1, $2, $3, $4, $5 }'";
 constexpr char kIdentity[] =
     "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -o -E "
-    "\"/S /GTS_PDF[AX]1?|GTS_PDFXVersion.*[0-9]|pdfaid:part='[0-9]|/N [34]\" | sort -u";
+    "\"/S /GTS_PDF[AX]1?|GTS_PDFXVersion[ =].PDF/X-[0-9a:]+|pdfaid:part='[0-9]|/N [34]\" | sort -u";
+// How light the grey picture is.
+constexpr char kMean[] =
+    "pdfimages -png \"$1\" \"$2/x\" && printf %.1f $(identify -format '%[fx:mean]' \"$2/x-001.png\")";
 // Colours of a page at 20 dpi; $3 is a place of the picture.
 constexpr char kPixel[] =
     "pdftoppm -r 20 -f 1 -l 1 \"$1\" | convert - -crop 1x1+$PLACE -depth 8 txt:- | "
-    "sed -n 's/.*\\(#[0-9A-F]*\\).*/\\1/p'";
+    "grep -o '#[0-9A-F][0-9A-F]*'";
 
 std::string pixel(const char* place) {
     std::string question = kPixel;
@@ -137,8 +144,8 @@ const std::vector<Row> kRows = {
      "      2 /URI (http://www.test.net)       2 /URI (https://example.org/a?b=1)"},
 
     {"ASCIIFormat", [](Settings& s) { s.compression()->ASCIIFormat = true; },
-     "grep -a -c 'Filter.*ASCII85Decode' \"$1\"", "5"},
-    {"TextAndLineArt off", [](Settings&) {}, "grep -a -c ' Tf$' \"$1\"", "2"},
+     "grep -a -c 'Filter.*ASCII85Decode' \"$1\"", "6"},
+    {"TextAndLineArt off", [](Settings&) {}, "grep -a -c ' Tf$' \"$1\"", "4"},
     {"TextAndLineArt", [](Settings& s) { s.compression()->TextAndLineArt = true; },
      "grep -a -c ' Tf$' \"$1\"", "0"},
     {"HighCompress", [](Settings& s) { s.compression()->HighCompress = true; },
@@ -148,14 +155,14 @@ const std::vector<Row> kRows = {
          s.compression()->Color->CompressionMethod = ps::CompressImage_impl::kJpeg;
          s.compression()->Gray->CompressionMethod = 2;
      },
-     kImages, "rgb:8:jpeg gray:8:image stencil:1:ccitt"},
+     kImages, "rgb:8:jpeg gray:8:image -:1:ccitt"},
     {"methods: ZIP, JPEG, ZIP",
      [](Settings& s) {
          s.compression()->Color->CompressionMethod = 2;
          s.compression()->Gray->CompressionMethod = ps::CompressImage_impl::kJpeg;
          s.compression()->Mono->MonoCompressionMethod = 3;
      },
-     kImages, "rgb:8:image gray:8:jpeg stencil:1:image"},
+     kImages, "rgb:8:image gray:8:jpeg -:1:image"},
     {"MonoCompressionMethod: group 3", [](Settings& s) { s.compression()->Mono->MonoCompressionMethod = 1; },
      "grep -a -o '/K -*[0-9]*' \"$1\"; grep -a -c CCF \"$1\"", "1"},
     {"MonoCompressionMethod: group 4", [](Settings&) {}, "grep -a -o '/K -*[0-9]*' \"$1\"", "/K -1"},
@@ -216,6 +223,7 @@ const std::vector<Row> kRows = {
 
     {"OpenAction",
      [](Settings& s) {
+         s.general()->Linearize = false;
          auto& open = *s.openAction();
          open.PageLayout = ps::OpenAction_impl::kTwoPages;
          open.Binding = ps::OpenAction_impl::kRightBinding;
@@ -225,17 +233,22 @@ const std::vector<Row> kRows = {
          open.FullScreen = open.ShowDocumentTitle = open.HideMenu = open.HideToolBar = true;
          open.HideWindowControl = open.FitToPage = open.CenterWindow = true;
      },
-     kCatalogue, ""},
+     kCatalogue,
+     "<< /OpenAction [ /Fit ] /PageLayout /TwoPageLeft /PageMode /FullScreen /ViewerPreferences << "
+     "/CenterWindow true "
+     "/Direction /R2L /DisplayDocTitle true /FitWindow true /HideMenubar true /HideToolbar true "
+     "/HideWindowUI true "
+     "/NonFullScreenPageMode /UseThumbs >> >>"},
     {"OpenAction without blank pages",
      [](Settings& s) {
+         s.general()->Linearize = false;
          s.general()->NoOutputBlankPage = true;
          s.openAction()->StartPage = 3;
      },
-     "qpdf --json --json-key=pages \"$1\" >\"$2/p\"; qpdf --show-object=1 \"$1\" | grep -a -c OpenAction",
-     "1"},
+     kFirstPage, "page 2"},
 
-    {"PDF 1.3: 40 bits", [](Settings& s) { secret(s, ps::kPDF13, L"usr"); }, kSecurity, "2 -32 RC4"},
-    {"PDF 1.5: RC4", [](Settings& s) { secret(s, ps::kPDF15, L"usr"); }, kSecurity, "3 -3132 RC4"},
+    {"PDF 1.3: 40 bits", [](Settings& s) { secret(s, ps::kPDF13, L"usr"); }, kSecurity, "2 -32"},
+    {"PDF 1.5: RC4", [](Settings& s) { secret(s, ps::kPDF15, L"usr"); }, kSecurity, "3 -3132"},
     {"PDF 1.7: AES", [](Settings& s) { secret(s, ps::kPDF17, L"usr"); }, kSecurity, "4 -3132 AESv2"},
     {"PDF 1.7, level 5",
      [](Settings& s) {
@@ -271,7 +284,7 @@ const std::vector<Row> kRows = {
      "/N 4 /S /GTS_PDFX GTS_PDFXVersion='PDF/X-4"},
 
     {"watermark over, top left, solid", [](Settings& s) { mark(s, 0, 0, 0); }, pixel("20+20"), "#FF0000"},
-    {"watermark bottom right, half", [](Settings& s) { mark(s, 2, 2, 50); }, pixel("145+205"), "#FF8080"},
+    {"watermark bottom right, half", [](Settings& s) { mark(s, 2, 2, 50); }, pixel("145+205"), "#FF7F7F"},
     {"watermark nowhere else", [](Settings& s) { mark(s, 2, 2, 50); }, pixel("20+20"), "#FFFFFF"},
     {"watermark before transparency",
      [](Settings& s) {
@@ -284,25 +297,41 @@ const std::vector<Row> kRows = {
          mark(s, 0, 0, 0);
          s.watermark()->VisibleInPrint = false;
      },
-     "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -A1 -E '/(Print|View)State' | grep -a State",
+     "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -A1 -E '/(Print|View)State' | grep -a -o "
+     "'/[A-Z].*'",
      "/PrintState /OFF /ViewState /ON"},
 
     {"ColorMode: grey", [](Settings& s) { s.color()->ColorMode = ps::Color_impl::kGrey; }, kImages,
-     "gray:8:image gray:8:image stencil:1:ccitt"},
+     "gray:8:image gray:8:image -:1:ccitt"},
     {"GrayDecreasingMethod",
      [](Settings& s) {
          s.color()->ColorMode = ps::Color_impl::kGrey;
          s.color()->GrayDecreasingMethod = 2;
      },
-     pixel("30+42"), "#737373"},
+     pixel("30+46") + " | cut -c1-2", "#7"},
     {"ColorMode: black and white", [](Settings& s) { s.color()->ColorMode = ps::Color_impl::kMonochrome; },
-     kImages, "gray:1:ccitt gray:1:ccitt stencil:1:ccitt"},
+     kImages, "gray:1:ccitt gray:1:ccitt -:1:ccitt"},
+    {"text and lines in black and white",
+     [](Settings& s) { s.color()->ColorMode = ps::Color_impl::kMonochrome; }, pixel("30+46"), "#000000"},
     {"MonoTextAndPassThreshold",
      [](Settings& s) {
          s.color()->ColorMode = ps::Color_impl::kMonochrome;
          s.color()->MonoTextAndPassThreshold = 20;
      },
-     pixel("30+42"), "#FFFFFF"},
+     pixel("30+46"), "#FFFFFF"},
+    {"MonoImageThreshold",
+     [](Settings& s) {
+         s.color()->ColorMode = ps::Color_impl::kMonochrome;
+         s.color()->MonoImageThreshold = 0;
+     },
+     kMean, "1.0"},
+    {"MonoDecreasingMethod: dither, which has no threshold",
+     [](Settings& s) {
+         s.color()->ColorMode = ps::Color_impl::kMonochrome;
+         s.color()->MonoDecreasingMethod = 1;
+         s.color()->MonoImageThreshold = 0;
+     },
+     kMean, "0.5"},
     {"BlackToK100",
      [](Settings& s) {
          standard(s, ps::kPDFX1a2001, kCmyk);
@@ -321,6 +350,57 @@ TEST_F(RenderFields, EveryRow) {
         EXPECT_EQ(run(), kDone) << qk::to_utf8(result_.view()->message.find_text().value_or(L""));
         EXPECT_EQ(ask(row.question), row.answer);
     }
+}
+
+TEST_F(RenderFields, PictureOfTheWatermark) {
+    // Four pixels, green and, turned upside down as the format has it, blue above.
+    const std::string green("\0\xFF\0\0\xFF\0\0\0", 8), blue("\xFF\0\0\xFF\0\0\0\0", 8);
+    std::string bmp("BM\x46\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\2\0\0\0\1\0\x18\0", 30);
+    bmp += std::string("\0\0\0\0\x10\0\0\0\x13\x0B\0\0\x13\x0B\0\0\0\0\0\0\0\0\0\0", 24) + green + blue;
+    auto& watermark = *settings_.watermark();
+    watermark.Style = ps::Watermark_impl::kPictureMark;
+    watermark.PictureFileName = folder_.write(L"mark.bmp", bmp);
+    watermark.Transparency = 0;
+    ASSERT_EQ(run(), kDone);
+    EXPECT_EQ(ask(pixel("85+90")), "#0000FF");
+    EXPECT_EQ(ask(pixel("85+140")), "#00FF00");
+}
+
+TEST_F(RenderFields, ProgramsOfOthers) {
+    folder_.write(L"view.bat", "@echo %~nx1>\"" + qk::to_utf8(folder_.file(L"seen.txt")) + "\"\r\n");
+    const Variable viewer(L"ZR_VIEWER", folder_.file(L"view.bat"));
+    target_ = folder_.file(L"made.pdf");
+    settings_.general()->OpenPDF = ps::General_impl::kOpen;
+    ASSERT_EQ(run(), kDone);
+    for (int wait = 0; wait < 100 && !TempFolder::read(folder_.file(L"seen.txt")).starts_with("made.pdf");
+         ++wait)
+        Sleep(50);
+    EXPECT_TRUE(TempFolder::read(folder_.file(L"seen.txt")).starts_with("made.pdf"));
+}
+
+TEST(RenderFonts, WhatThePdfLacks) {
+    const std::string kept =
+        R"(,"obj:2 0 R":{"value":{"/Type":"/FontDescriptor","/FontName":"/B","/FontFile2":"3 0 R"}})";
+    const struct {
+        const char* label;
+        const char* object;
+        const char* parameters;
+        const char* missing;
+    } rows[] = {
+        {"without its file", R"("/Type":"/FontDescriptor","/FontName":"/A")", "/NeverEmbed [ ]", "A"},
+        {"not wanted", R"("/Type":"/FontDescriptor","/FontName":"/A")", "/NeverEmbed [ /A ]", ""},
+        {"not listed", R"("/Type":"/FontDescriptor","/FontName":"/A")",
+         "/EmbedAllFonts false /AlwaysEmbed [ /B ]", ""},
+        {"without a description", R"("/Type":"/Font","/Subtype":"/Type1","/BaseFont":"/C")",
+         "/NeverEmbed [ ]", "C"},
+        {"drawn in the PDF", R"("/Type":"/Font","/Subtype":"/Type3")", "/NeverEmbed [ ]", ""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(companions::render::missing_font(std::string(R"({"qpdf":[{},{"obj:1 0 R":{"value":{)") +
+                                                       row.object + "}}" + kept + "}]}",
+                                                   row.parameters),
+                  row.missing)
+            << row.label;
 }
 
 }  // namespace
