@@ -11,6 +11,7 @@ namespace {
 
 constexpr size_t kMostLine = 4096;  // what is longer is no line that matters
 constexpr size_t kMostError = 200;
+constexpr std::string_view kAborting = "aborting conversion";  // PDF/A or PDF/X cannot be kept
 
 unsigned number_at(std::string_view text) noexcept {
     unsigned number = 0;
@@ -38,7 +39,8 @@ void EngineLog::take_line(std::string_view line) {
     for (const std::string_view mark : {kPageMark, kPagesMark})
         if (const size_t at = line.find(mark); at != std::string_view::npos)
             pages_ = std::max(pages_, number_at(line.substr(at + mark.size())));
-    const bool names_error = line.find("Error:") != std::string_view::npos || line.find("****") == 0;
+    const bool names_error = line.find("Error:") != std::string_view::npos || line.find("****") == 0 ||
+                             line.find(kAborting) != std::string_view::npos;
     if (!names_error || !error_.empty())
         return;
     while (!line.empty() && (line.back() == '\r' || line.back() == ' '))
@@ -56,6 +58,8 @@ ResultCode engine_result(Engine::End end, const EngineLog& log) noexcept {
                            log.error().find("Could not open the file") != std::string::npos;
     if (unwritten)
         return ResultCode::kTargetUnwritable;
+    if (log.error().find(kAborting) != std::string::npos)
+        return ResultCode::kStandardUnmet;
     return end == Engine::End::kStopped ? ResultCode::kEngineStopped : ResultCode::kSpoolDamaged;
 }
 

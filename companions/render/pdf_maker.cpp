@@ -226,6 +226,7 @@ void PdfMaker::check(Engine::End end) const {
         {ResultCode::kEngineStopped, ERROR_PROCESS_ABORTED},
         {ResultCode::kSpoolDamaged, ERROR_INVALID_DATA},
         {ResultCode::kNoPages, ERROR_INVALID_DATA},
+        {ResultCode::kStandardUnmet, ERROR_NOT_SUPPORTED},
     };
     const ResultCode code = engine_result(end, log_);
     for (const auto& row : kErrors)

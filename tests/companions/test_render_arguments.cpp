@@ -167,6 +167,8 @@ TEST(RenderEngineLog, EndsAreNotAllTheDocumentsFault) {
         {End::kStopped, "zr:page 1\nError: /ioerror in --showpage--\n", ResultCode::kTargetUnwritable},
         {End::kFailed, "**** Could not open the file /x.tmp .\n", ResultCode::kTargetUnwritable},
         {End::kStopped, "zr:page 1\n", ResultCode::kEngineStopped},
+        {End::kFailed, "GS: Movie not permitted in PDF/A, aborting conversion\nError: /unknownerror\n",
+         ResultCode::kStandardUnmet},
     };
     for (const auto& row : rows) {
         EngineLog log;

@@ -284,6 +284,13 @@ const std::vector<Row> kRows = {
      "/N 4 /S /GTS_PDFX GTS_PDFXVersion='PDF/X-4"},
 
     {"watermark over, top left, solid", [](Settings& s) { mark(s, 0, 0, 0); }, pixel("20+20"), "#FF0000"},
+    {"watermark under the page",
+     [](Settings& s) {
+         mark(s, 0, 0, 0);
+         s.watermark()->FontSize = 150;
+         s.watermark()->ZOrder = ps::Watermark_impl::kUnderThePage;
+     },
+     pixel("30+46") + " | cut -c1-2", "#C"},
     {"watermark bottom right, half", [](Settings& s) { mark(s, 2, 2, 50); }, pixel("145+205"), "#FF7F7F"},
     {"watermark nowhere else", [](Settings& s) { mark(s, 2, 2, 50); }, pixel("20+20"), "#FFFFFF"},
     {"watermark before transparency",
@@ -350,6 +357,23 @@ TEST_F(RenderFields, EveryRow) {
         EXPECT_EQ(run(), kDone) << qk::to_utf8(result_.view()->message.find_text().value_or(L""));
         EXPECT_EQ(ask(row.question), row.answer);
     }
+}
+
+TEST_F(RenderFields, StandardThatCannotBeMet) {
+    constexpr char kMovie[] = "%!PS\n[ /Rect [0 0 9 9] /Subtype /Movie /ANN pdfmark showpage\n";
+    standard(settings_, ps::kPDFA1b, kRgb);
+    for (const bool stops : {true, false}) {
+        folder_.write(L"job.ps", kMovie);
+        settings_.pdfVersion()->WhenErroredPDFAX =
+            stops ? ps::PDFVersion_impl::kStop : ps::PDFVersion_impl::kContinue;
+        EXPECT_EQ(run(), stops ? kFailed : kDone);
+        EXPECT_EQ(error(), stops ? 1013u : 0u);
+    }
+    EXPECT_EQ(ask("grep -a -c pdfaid \"$1\""), "0") << "an ordinary PDF";
+    folder_.write(L"job.ps", kMovie);
+    settings_.pdfVersion()->ICCFileName = L"C:\\none.icc";
+    EXPECT_EQ(run(), kFailed);
+    EXPECT_EQ(error(), 1013u) << "no profile";
 }
 
 TEST_F(RenderFields, PictureOfTheWatermark) {
