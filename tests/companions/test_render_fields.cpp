@@ -3,12 +3,14 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "companions/render/ascii85.h"
 #include "companions/render/fonts.h"
+#include "companions/render/spool_pictures.h"
 #include "companions/wine_layer.h"
 #include "support/render_process.h"
 #include "support/variable.h"
@@ -425,6 +427,24 @@ TEST(RenderFonts, WhatThePdfLacks) {
                                                    row.parameters),
                   row.missing)
             << row.label;
+}
+
+// One darker pixel in the middle of light ones: what it becomes.
+TEST(RenderPictures, FiltersComeBeforeTheThreshold) {
+    using namespace companions::render;
+    const struct {
+        uint32_t filter;
+        uint8_t middle;
+        int black;
+    } rows[] = {{0, 100, 1}, {0, 150, 0}, {1, 100, 0}, {2, 150, 1}, {2, 170, 0}, {3, 170, 1}, {4, 100, 0}};
+    for (const auto& row : rows) {
+        GreyPicture picture{5, 5, std::vector<uint8_t>(25, 200)};
+        picture.pixels[12] = row.middle;
+        PictureWork work;
+        work.filter = row.filter;
+        make_black_and_white(picture, work);
+        EXPECT_EQ(std::ranges::count(picture.pixels, 0), row.black) << row.filter << ' ' << int{row.middle};
+    }
 }
 
 }  // namespace
