@@ -2,16 +2,27 @@
 add_library(zr_companions STATIC
     command_line.cpp
     render/arguments.cpp
+    render/ascii85.cpp
     render/engine.cpp
     render/engine_arguments.cpp
     render/engine_log.cpp
+    render/fonts.cpp
+    render/mark_drawing.cpp
+    render/outside.cpp
+    render/page_work.cpp
+    render/pdf_maker.cpp
     render/pdf_tool.cpp
     render/pdfmark.cpp
     render/pending_pdf.cpp
+    render/protection.cpp
     render/render_job.cpp
     render/result_record.cpp
     render/scratch_folder.cpp
+    render/spool_pictures.cpp
+    render/standards.cpp
     render/unsupported.cpp
+    render/viewer.cpp
+    render/web_links.cpp
     tessalo/options.cpp
     tessalo/output_choice.cpp
     tessalo/safe_name.cpp

@@ -179,6 +179,7 @@ std::vector<std::string> Engine::unix_command(const std::vector<std::string>& ar
 Engine::End Engine::run(const std::vector<std::string>& arguments, const std::wstring& scratch,
                         const std::function<void(std::string_view)>& output) const {
     const std::wstring log = scratch + L'\\' + kLogName;
+    DeleteFileW(log.c_str());  // a program that starts slowly would leave the one before to be read
     Tail tail(log, output);
     if (unix_)
         return run_unix(unix_command(arguments, scratch, log), tail);

@@ -8,20 +8,13 @@ namespace companions::render {
 
 namespace {
 
+namespace ps = Corvanta::Vantrix::PrintSettings;
 using Corvanta::Vantrix::PrintSettings::CompressImage;
 using Corvanta::Vantrix::PrintSettings::PDFVer;
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
 using Corvanta::Vantrix::PrintSettings::Security_impl;
 
-constexpr uint32_t kPdf13 = 0;
-constexpr uint32_t kFirstStandard = 5;  // 5 to 11 are PDF/A and PDF/X
-constexpr uint32_t kLastStandard = 11;
-constexpr uint32_t kGrey = 1;  // ColorMode
 constexpr size_t kMostPassword = 32;
-
-constexpr bool is_standard(uint32_t version_code) noexcept {
-    return version_code >= kFirstStandard && version_code <= kLastStandard;
-}
 
 std::string flag(std::string_view name, bool value) {
     return "-d" + std::string(name) + (value ? "=true" : "=false");
@@ -46,7 +39,24 @@ std::string threshold(const CompressImage& image) {
     return text;
 }
 
+// How the engine writes the images of a kind; null: as the engine finds best.
+const char* filter_of(const std::string& kind, const CompressImage& image) {
+    constexpr const char* kColour[] = {nullptr, "/DCTEncode", "/FlateEncode", "/FlateEncode", ""};
+    constexpr const char* kMono[] = {"", "/CCITTFaxEncode", "/CCITTFaxEncode", "/FlateEncode",
+                                     "/RunLengthEncode"};
+    const bool mono = kind == "Mono";
+    const uint32_t method = mono ? image.MonoCompressionMethod() : image.CompressionMethod();
+    return method < std::size(kColour) ? (mono ? kMono : kColour)[method] : nullptr;
+}
+
 void add_image(std::vector<std::string>& arguments, const std::string& kind, const CompressImage& image) {
+    const char* const filter = filter_of(kind, image);
+    if (filter) {
+        arguments.push_back(flag("AutoFilter" + kind + "Images", false));
+        arguments.push_back(flag("Encode" + kind + "Images", *filter != 0));
+        if (*filter)
+            arguments.push_back("-d" + kind + "ImageFilter=" + filter);
+    }
     constexpr const char* kMethods[] = {nullptr, "/Subsample", "/Average", "/Bicubic"};
     const uint32_t method = image.DownSamplingMethod();
     const bool downsample = method > 0 && method < std::size(kMethods);
@@ -96,20 +106,27 @@ std::string_view compatibility_level(uint32_t version_code) noexcept {
     return found == std::end(kLevels) ? "1.7" : found->level;
 }
 
+std::vector<std::string> quiet_arguments(const char* device) {
+    return {"-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", std::string("-sDEVICE=") + device};
+}
+
 std::vector<std::string> engine_arguments(const PrintSettings& settings, const EngineFiles& files) {
     // Pages stay as they were printed: the engine would turn them to the direction of their text.
-    std::vector<std::string> arguments = {"-q",        "-dSAFER",           "-dBATCH",
-                                          "-dNOPAUSE", "-sDEVICE=pdfwrite", "-dAutoRotatePages=/None"};
+    std::vector<std::string> arguments = quiet_arguments("pdfwrite");
+    arguments.insert(arguments.end(), {"-dAutoRotatePages=/None", "-dALLOWPSTRANSPARENCY"});
+    const uint32_t version = settings.pdfVersion()->Version;
+    // A PDF 2.0 of the engine's own has no document information; qpdf makes one of 1.7 instead.
+    const bool later = version == ps::kPDF20 && files.rewritten;
     arguments.push_back("-dCompatibilityLevel=" +
-                        std::string(compatibility_level(settings.pdfVersion()->Version)));
+                        std::string(compatibility_level(later ? ps::kPDF17 : version)));
     const auto& compression = *settings.compression();
-    arguments.push_back(flag("CompressPages", compression.TextAndLineArt));
+    // The engine crashes over pages in ASCII that are not compressed.
+    arguments.push_back(flag("CompressPages", compression.TextAndLineArt || compression.ASCIIFormat));
     arguments.push_back(flag("ASCII85EncodePages", compression.ASCIIFormat));
     add_image(arguments, "Color", compression.Color);
     add_image(arguments, "Gray", compression.Gray);
     add_image(arguments, "Mono", compression.Mono);
-    if (settings.color()->ColorMode == kGrey)
-        arguments.push_back("-sColorConversionStrategy=Gray");
+    arguments.insert(arguments.end(), files.more.begin(), files.more.end());
     if (!files.options.empty())
         arguments.push_back('@' + files.options);
     arguments.push_back(output_argument(files.output));
@@ -119,15 +136,32 @@ std::vector<std::string> engine_arguments(const PrintSettings& settings, const E
     return arguments;
 }
 
+std::string image_parameters(const PrintSettings& settings) {
+    const auto& compression = *settings.compression();
+    const auto quality = [](const char* kind, const CompressImage& image) {
+        const double percent = std::clamp<double>(image.JpegQuality(), 1, 99.5);
+        const double factor = percent >= 50 ? 2 - percent / 50 : 50 / percent;
+        char dictionary[100];
+        std::snprintf(dictionary, sizeof dictionary,
+                      "<< /QFactor %.3f /Blend 1 /HSamples [1 1 1 1] /VSamples [1 1 1 1] >>\n", factor);
+        const std::string name = std::string("/") + kind;
+        return name + "ImageDict " + dictionary + name + "ACSImageDict " + dictionary;
+    };
+    constexpr uint32_t kGroup3 = 1;
+    const bool group3 = compression.Mono.MonoCompressionMethod() == kGroup3;
+    return "<<\n" + quality("Color", compression.Color) + quality("Gray", compression.Gray) +
+           "/MonoImageDict << /K " + (group3 ? "0" : "-1") + " >>\n>> setdistillerparams\n";
+}
+
 bool wants_password(const PrintSettings& settings) noexcept {
     const auto& security = *settings.security();
-    return !is_standard(settings.pdfVersion()->Version) &&
+    return !ps::is_standard(settings.pdfVersion()->Version) &&
            !(security.MasterPassword.empty() && security.UserPassword.empty());
 }
 
 std::optional<std::string> find_password_options(const PrintSettings& settings) {
     const auto& security = *settings.security();
-    const bool pdf13 = settings.pdfVersion()->Version == kPdf13;
+    const bool pdf13 = ps::has_low_level(settings.pdfVersion()->Version);
     // Without a master password the user's stands for it, as the format has it.
     const auto owner =
         find_hex_password(security.MasterPassword.empty() ? security.UserPassword : security.MasterPassword);

@@ -18,6 +18,8 @@ struct EngineFiles {
     std::string prologue;
     std::string spool;
     std::string epilogue;
+    std::vector<std::string> more = {};  // arguments of other parts of the setting
+    bool rewritten = false;              // whether qpdf writes the PDF anew afterwards
 };
 
 // The version of PDF to write, "1.3" to "2.0", for a setting's version code; codes of PDF/A and PDF/X give
@@ -27,6 +29,12 @@ struct EngineFiles {
 // The arguments behind the program's name, in the engine's order.
 [[nodiscard]] std::vector<std::string> engine_arguments(
     const Corvanta::Vantrix::PrintSettings::PrintSettings& settings, const EngineFiles& files);
+
+// Arguments for a run with another of the engine's devices.
+[[nodiscard]] std::vector<std::string> quiet_arguments(const char* device);
+
+// PostScript: what an image's compression needs beyond arguments.
+[[nodiscard]] std::string image_parameters(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
 
 // Whether the setting asks for a password and its version of PDF allows one.
 [[nodiscard]] bool wants_password(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings) noexcept;

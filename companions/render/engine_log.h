@@ -4,6 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "companions/render/engine.h"
+#include "companions/render/result_codes.h"
+
 namespace companions::render {
 
 // Reads the engine's output as it comes, in pieces of any size.
@@ -24,5 +27,8 @@ private:
     std::string error_;
     unsigned pages_ = 0;
 };
+
+// What the end of the engine and its output mean for the job.
+[[nodiscard]] ResultCode engine_result(Engine::End end, const EngineLog& log) noexcept;
 
 }  // namespace companions::render

@@ -106,12 +106,38 @@ Engine::End PdfTool::run(std::vector<std::string> arguments, std::string& output
     return program_.run(arguments, scratch_.path(), [&output](std::string_view bytes) { output += bytes; });
 }
 
-void PdfTool::rewrite(const std::wstring& from, const std::wstring& to, bool linearized) {
-    std::vector<std::string> arguments = {path_for_tool(from), path_for_tool(to)};
-    if (linearized)
-        arguments.insert(arguments.begin(), "--linearize");
+void PdfTool::rewrite(const std::wstring& from, const std::wstring& to, const Rewriting& how) {
+    // In a file, since passwords stand in it. The engine's compression is the setting's and stays.
+    picojson::object job;
+    job["inputFile"] = picojson::value(path_for_tool(from));
+    job["outputFile"] = picojson::value(path_for_tool(to));
+    const picojson::value yes("");
+    if (how.linearized)
+        job["linearize"] = yes;
+    if (how.small) {
+        job["objectStreams"] = picojson::value("generate");
+        job["compressionLevel"] = picojson::value("9");
+        job["decodeLevel"] = picojson::value("none");  // what is compressed already would only grow
+    } else {
+        job["streamData"] = picojson::value("preserve");
+    }
+    if (how.version)
+        job["forceVersion"] = picojson::value(how.version);
+    if (!how.encrypt.is<picojson::null>()) {
+        job["encrypt"] = how.encrypt;
+        job["allowWeakCrypto"] = yes;
+    }
+    const std::wstring file = scratch_.write(kJobFile, picojson::value(job).serialize());
     std::string output;
-    static_cast<void>(run(std::move(arguments), output));  // warnings count as failures; the new file shows
+    // Warnings count as failures; the new file shows.
+    static_cast<void>(run({"--job-json-file=" + path_for_tool(file)}, output));
+}
+
+std::string PdfTool::describe(const std::wstring& path) {
+    std::string output;
+    if (run({"--json=2", "--json-key=qpdf", path_for_tool(path)}, output) != Engine::End::kDone)
+        output.clear();
+    return output;
 }
 
 std::optional<std::string> PdfTool::find_fault(const std::wstring& path, const ExpectedPdf& expected) {

@@ -1,6 +1,8 @@
 // qpdf: the finished PDF is opened again, put right where it is damaged, and linearized.
 #pragma once
 
+#include <picojson.h>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +21,14 @@ struct ExpectedPdf {
 // What the last bytes of a PDF alone tell, where there is no qpdf: what is wrong with them, in one line.
 [[nodiscard]] std::optional<std::string> find_fault_of_end(const std::wstring& path);
 
+// How a PDF is written anew.
+struct Rewriting {
+    bool linearized = false;
+    bool small = false;             // its objects packed together
+    const char* version = nullptr;  // that it says it has; null: as it says
+    picojson::value encrypt;        // see encryption_job; null: as it is
+};
+
 class PdfTool {
 public:
     // `password` opens the PDF, UTF-16; empty when it has none. `scratch` has to live longer.
@@ -27,14 +37,17 @@ public:
     // Whether qpdf can be run: ZR_QPDF names it, as ZR_GHOSTSCRIPT names the engine, else it is looked up.
     [[nodiscard]] bool present() const noexcept { return present_; }
 
-    // Writes the PDF `from` anew as `to`, linearized or as it was, protected as it was; what qpdf can mend is
-    // mended. find_fault tells whether it came out well.
-    void rewrite(const std::wstring& from, const std::wstring& to, bool linearized);
+    // Writes the PDF `from` anew as `to`; what qpdf can mend is mended. A PDF that is protected stays so.
+    // find_fault tells whether it came out well.
+    void rewrite(const std::wstring& from, const std::wstring& to, const Rewriting& how);
 
     // Opens the PDF, from its end to its first page: what is wrong with it in one line, nothing when it is
     // whole and has the pages and the title that it should have.
     [[nodiscard]] std::optional<std::string> find_fault(const std::wstring& path,
                                                         const ExpectedPdf& expected);
+
+    // What the PDF says of its fonts in JSON; empty when it cannot be read.
+    [[nodiscard]] std::string describe(const std::wstring& path);
 
 private:
     [[nodiscard]] Engine::End run(std::vector<std::string> arguments, std::string& output);

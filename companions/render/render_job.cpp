@@ -10,13 +10,12 @@
 #include "common/rwPDFSet_functions.h"
 #include "common/qk/text.h"
 #include "companions/render/console.h"
-#include "companions/render/engine.h"
 #include "companions/render/engine_arguments.h"
 #include "companions/render/engine_log.h"
-#include "companions/render/pdf_tool.h"
+#include "companions/render/outside.h"
+#include "companions/render/pdf_maker.h"
 #include "companions/render/pdfmark.h"
 #include "companions/render/pending_pdf.h"
-#include "companions/render/scratch_folder.h"
 #include "companions/reservation.h"
 #include "companions/tessalo/options.h"
 #include "print_settings/PSAdmin.h"
@@ -25,7 +24,7 @@ namespace companions::render {
 
 namespace {
 
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
+using Corvanta::Vantrix::PrintSettings::General_impl;
 using Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin;
 
 template <size_t Size>
@@ -71,110 +70,6 @@ bool check_spool(const std::wstring& path) {
     return is_landscape({head, read});
 }
 
-class Run {
-public:
-    Run(const PrintSettings& settings, std::wstring_view title) : settings_(settings) {
-        info_ = document_info(settings, title);
-        if (scratch_.path().empty())
-            throw Failure{ResultCode::kInternal, GetLastError(), L"no temporary folder"};
-    }
-
-    // The pages of the PDF that the engine has written.
-    unsigned make(const std::wstring& spool, bool landscape, const std::wstring& output) {
-        EngineFiles files;
-        if (wants_password(settings_)) {
-            const auto options = find_password_options(settings_);
-            if (!options)
-                throw Failure{ResultCode::kPasswordUnusable, ERROR_INVALID_PASSWORD, {}};
-            files.options = written(kOptionsFile, *options);
-        }
-        files.prologue = written(kPrologueFile, prologue(info_, landscape));
-        files.epilogue = written(kEpilogueFile, epilogue(info_));
-        files.spool = engine_path(spool);
-        files.output = engine_path(output);
-        check(engine_.run(engine_arguments(settings_, files), scratch_.path(),
-                          [this](std::string_view bytes) { follow(bytes); }));
-        return log_.pages();
-    }
-
-    // Linearizes the PDF that the engine has written where the setting says so, and opens what a reader will
-    // open. The file that is to be kept, one of the two.
-    PendingPdf& finish(PendingPdf& made, PendingPdf& rewritten) {
-        const auto& security = *settings_.security();
-        const std::wstring& secret =
-            security.MasterPassword.empty() ? security.UserPassword : security.MasterPassword;
-        PdfTool tool(scratch_, wants_password(settings_) ? secret : std::wstring());
-        const bool linearize = settings_.general()->Linearize;
-        if (!tool.present()) {
-            warn("qpdf was not found: the PDF's end is looked at, not its title" +
-                 std::string(linearize ? ", and it is not linearized" : ""));
-            keep_if(find_fault_of_end(made.path()));
-            return made;
-        }
-        // Of PDF 2.0 the engine puts the title into the metadata alone.
-        const bool pdf20 = compatibility_level(settings_.pdfVersion()->Version) == "2.0";
-        const ExpectedPdf expected = {log_.pages(), pdf20 ? std::wstring() : info_.title};
-        if (!linearize && !tool.find_fault(made.path(), expected))
-            return made;
-        tool.rewrite(made.path(), rewritten.path(), linearize);  // mends what some engines leave damaged
-        keep_if(tool.find_fault(rewritten.path(), expected));
-        return rewritten;
-    }
-
-private:
-    // Nothing is kept of a PDF that has a fault.
-    static void keep_if(const std::optional<std::string>& fault) {
-        if (fault)
-            throw Failure{ResultCode::kPdfUnreadable, ERROR_INVALID_DATA, qk::to_wide(*fault)};
-    }
-
-    std::string written(const wchar_t* name, const std::string& text) {
-        const std::wstring path = scratch_.write(name, text);
-        if (path.empty())
-            throw Failure{ResultCode::kInternal, GetLastError(), L"the temporary folder cannot be written"};
-        return engine_path(path);
-    }
-
-    std::string engine_path(const std::wstring& path) const {
-        auto found = engine_.find_path(path);
-        if (!found)
-            throw Failure{ResultCode::kEngineMissing, ERROR_PATH_NOT_FOUND, path};
-        return std::move(*found);
-    }
-
-    void follow(std::string_view bytes) {
-        log_.feed(bytes);
-        if (log_.pages() == told_)
-            return;
-        told_ = log_.pages();
-        say("page " + std::to_string(told_));
-    }
-
-    void check(Engine::End end) const {
-        constexpr struct {
-            ResultCode code;
-            DWORD win32_error;
-        } kErrors[] = {
-            {ResultCode::kEngineMissing, ERROR_FILE_NOT_FOUND},
-            {ResultCode::kTargetUnwritable, ERROR_WRITE_FAULT},
-            {ResultCode::kEngineStopped, ERROR_PROCESS_ABORTED},
-            {ResultCode::kSpoolDamaged, ERROR_INVALID_DATA},
-            {ResultCode::kNoPages, ERROR_INVALID_DATA},
-        };
-        const ResultCode code = engine_result(end, log_);
-        for (const auto& row : kErrors)
-            if (row.code == code)
-                throw Failure{code, row.win32_error, qk::to_wide(log_.error())};
-    }
-
-    const PrintSettings& settings_;
-    DocumentInfo info_;
-    ScratchFolder scratch_;
-    Engine engine_;
-    EngineLog log_;
-    unsigned told_ = 0;
-};
-
 void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rendered& rendered) {
     const std::wstring& target = rendered.result.pdf_file_name;
     if (start.resume != 0)
@@ -185,13 +80,25 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
     for (const std::string& wish : unsupported_wishes(settings))
         warn("not done by this renderer: " + wish);
     const bool landscape = check_spool(arguments.spool);
-    PendingPdf made(target);
+    PendingPdf drawn(target);
     PendingPdf rewritten(target);
-    Run run(settings, text_of(start.title));
-    rendered.pages = run.make(arguments.spool, landscape, made.path());
-    PendingPdf& pdf = run.finish(made, rewritten);
+    using pd_tk::TeskelCustom2021;
+    const std::wstring title = text_of(start.title);
+    const StagePrograms programs(title, target);
+    programs.run(TeskelCustom2021::kDocStart);
+    PdfMaker maker(settings, title, [&](unsigned page) {
+        say("page " + std::to_string(page));
+        programs.run(TeskelCustom2021::kPageStart, page);
+        programs.run(TeskelCustom2021::kPageEnd, page);
+    });
+    rendered.pages = maker.draw(arguments.spool, landscape, drawn);
+    PendingPdf& pdf = maker.finish(drawn, rewritten);
     rendered.bytes = pdf.size();
     pdf.take_its_place();
+    programs.run(TeskelCustom2021::kDocEnd);
+    if (settings.general()->OpenPDF != General_impl::kLeaveClosed &&
+        !unattended(qk::install_folder() + L"Tessalo80.ini"))
+        open_with_viewer(target);
     if (!arguments.keep_spool && !DeleteFileW(arguments.spool.c_str()))
         warn("the print data could not be deleted: " + qk::to_utf8(arguments.spool));
 }
@@ -209,19 +116,6 @@ Result failed(Result result, const Failure& failure) {
 }
 
 }  // namespace
-
-ResultCode engine_result(Engine::End end, const EngineLog& log) noexcept {
-    if (end == Engine::End::kMissing)
-        return ResultCode::kEngineMissing;
-    if (end == Engine::End::kDone)  // without a page the engine writes an empty one of its own
-        return log.pages() == 0 ? ResultCode::kNoPages : ResultCode::kDone;
-    // A full disk makes the engine fail or crash, as it comes.
-    const bool unwritten = log.error().find("ioerror") != std::string::npos ||
-                           log.error().find("Could not open the file") != std::string::npos;
-    if (unwritten)
-        return ResultCode::kTargetUnwritable;
-    return end == Engine::End::kStopped ? ResultCode::kEngineStopped : ResultCode::kSpoolDamaged;
-}
 
 Rendered render(const Arguments& arguments, const ZRTKPrintStartInfoC& start) {
     Rendered rendered;

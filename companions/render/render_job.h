@@ -6,8 +6,6 @@
 
 #include "common/job_records.h"
 #include "companions/render/arguments.h"
-#include "companions/render/engine.h"
-#include "companions/render/engine_log.h"
 #include "companions/render/result_record.h"
 
 namespace companions::render {
@@ -21,9 +19,6 @@ struct Rendered {
 // Turns the spooled PostScript into the PDF of the job, telling its progress on the standard streams.
 // Failures are in the result; an old file at the path is then unharmed.
 [[nodiscard]] Rendered render(const Arguments& arguments, const ZRTKPrintStartInfoC& start);
-
-// What the end of the engine and its output mean for the job.
-[[nodiscard]] ResultCode engine_result(Engine::End end, const EngineLog& log) noexcept;
 
 // Removes the empty file that the dialog library reserved for the job, if it is still empty.
 void discard_reserved(const ZRTKPrintStartInfoC& start);

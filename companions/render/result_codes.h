@@ -22,6 +22,8 @@ enum class ResultCode : uint32_t {
     kNoTarget = 1010,
     kInternal = 1011,
     kPdfUnreadable = 1012,
+    kStandardUnmet = 1013,
+    kFontMissing = 1014,
 };
 
 // What each tells, in one sentence, without the details of the case.
@@ -41,6 +43,9 @@ inline constexpr struct {
      L"The setting's password holds characters that the PDF's encryption cannot take."},
     {ResultCode::kCannotJoin, L"This renderer cannot add a document to one that is still open."},
     {ResultCode::kNoTarget, L"The job names no PDF file."},
+    {ResultCode::kStandardUnmet,
+     L"The document cannot be made the PDF/A or PDF/X that the setting asks for."},
+    {ResultCode::kFontMissing, L"A font could not be put into the PDF, so no PDF was made."},
     {ResultCode::kInternal, L"The renderer failed unexpectedly."},
     {ResultCode::kPdfUnreadable,
      L"The PDF was made, but opening it again found it damaged, so it was not kept."},

@@ -6,9 +6,12 @@
 
 namespace companions::render {
 
-// The files of a run; passwords stand in the first two.
+// The files of a run; passwords stand in the first three, and the fourth is the PDF before it is protected.
 inline constexpr wchar_t kOptionsFile[] = L"options.txt";
 inline constexpr wchar_t kPasswordFile[] = L"password.txt";
+inline constexpr wchar_t kJobFile[] = L"job.json";
+inline constexpr wchar_t kBareFile[] = L"bare.pdf";
+inline constexpr wchar_t kSpoolFile[] = L"spool.ps";  // with its pictures changed
 inline constexpr wchar_t kPrologueFile[] = L"prologue.ps";
 inline constexpr wchar_t kEpilogueFile[] = L"epilogue.ps";
 

@@ -2,33 +2,21 @@
 #include <cstdint>
 
 #include "companions/render/engine_arguments.h"
+#include "companions/render/page_work.h"
 
 namespace companions::render {
 
 namespace {
 
-using Corvanta::Vantrix::PrintSettings::Color;
+namespace ps = Corvanta::Vantrix::PrintSettings;
 using Corvanta::Vantrix::PrintSettings::CompressImage;
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
+using Corvanta::Vantrix::PrintSettings::Watermark_impl;
 
-bool same_compression(const CompressImage& a, const CompressImage& b) {
-    return a.CompressionMethod() == b.CompressionMethod() && a.JpegQuality() == b.JpegQuality() &&
-           a.MonoCompressionMethod() == b.MonoCompressionMethod();
-}
-
-bool asks_for_image_compression(const PrintSettings& settings, const PrintSettings& defaults) {
-    const auto& asked = *settings.compression();
-    const auto& usual = *defaults.compression();
-    return asked.HighCompress || !same_compression(asked.Color, usual.Color) ||
-           !same_compression(asked.Gray, usual.Gray) || !same_compression(asked.Mono, usual.Mono);
-}
-
-bool asks_for_colour_work(const PrintSettings& settings, const PrintSettings& defaults) {
-    constexpr uint32_t kMonochrome = 2;
-    Color rest = settings.color();
-    if (rest->ColorMode < kMonochrome)
-        rest->ColorMode = 0;  // colour and grey are done
-    return !(rest == defaults.color());
+// Run length is offered for images of two colours only.
+bool wants_run_length(const CompressImage& image) {
+    constexpr uint32_t kRunLength = 3;
+    return image.CompressionMethod() == kRunLength;
 }
 
 }  // namespace
@@ -36,21 +24,23 @@ bool asks_for_colour_work(const PrintSettings& settings, const PrintSettings& de
 std::vector<std::string> unsupported_wishes(const PrintSettings& settings) {
     const PrintSettings defaults;
     const uint32_t version = settings.pdfVersion()->Version;
-    const bool protects = wants_password(settings);
+    const auto& mark = *settings.watermark();
+    const auto& compression = *settings.compression();
+    const bool packed = compression.HighCompress;
+    const bool has_mark = mark.Style != Watermark_impl::kNoMark;
     const struct {
         bool asked;
         const char* wish;
     } wishes[] = {
-        {version >= 5 && version <= 11, "PDF/A and PDF/X (a plain PDF is written)"},
-        {settings.watermark()->Style != 0, "the watermark"},
-        {!(settings.openAction() == defaults.openAction()), "the way a viewer opens the PDF"},
-        {!(settings.font() == defaults.font()), "the choice of embedded fonts (all are embedded)"},
-        {asks_for_image_compression(settings, defaults), "the kind and quality of image compression"},
-        {asks_for_colour_work(settings, defaults), "colour conversion other than to grey"},
-        {settings.general()->NoOutputBlankPage, "dropping blank pages"},
-        {settings.general()->URLLink, "links from URLs in the text"},
+        {wants_run_length(compression.Color) || wants_run_length(compression.Gray),
+         "run length for colour and grey images (ZIP is used)"},
+        {packed && (compression.ASCIIFormat || compatibility_level(version) < "1.5"),
+         "high compression in ASCII format or before PDF 1.5"},
+        {has_mark && mark.VisibleInPrint != mark.VisibleInDisplay && !allows_layers(version),
+         "a watermark for the screen or the printer only in this version (it is always visible)"},
+        {settings.general()->URLLink && ps::is_press_standard(version), "links in PDF/X, which has none"},
+        {settings.color()->BlackToK100 && !ps::is_standard(version), "pure black without a CMYK profile"},
         {!(settings.notification() == defaults.notification()), "messages to other programs"},
-        {protects && version != 0, "encryption other than RC4 with 128 bits"},
     };
     std::vector<std::string> asked;
     for (const auto& row : wishes)

@@ -1,4 +1,5 @@
 target_sources(zr_tests PRIVATE
+    ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_render_fields.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_render_parts.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_render_process.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/companions/test_tessalo.cpp)

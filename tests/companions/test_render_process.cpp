@@ -6,70 +6,17 @@
 #include <cstdint>
 #include <string>
 
-#include "common/qk/MMF.h"
-#include "common/job_records.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/reservation.h"
 #include "companions/wine_layer.h"
 #include "print_settings/PrintSettings.h"
-#include "support/child_process.h"
+#include "support/render_process.h"
 #include "support/variable.h"
 
 namespace {
 
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
-
-constexpr char kTwoPages[] =
-    "%!PS-Adobe-3.0\n%%Title: the spool's own title\n%%EndComments\n"
-    "/Courier findfont 20 scalefont setfont\n"
-    "72 700 moveto (one) show showpage 72 700 moveto (two) show showpage\n";
-constexpr wchar_t kProgram[] = L"zr_render.exe";
-constexpr int kDone = 0;
-constexpr int kFailed = 1;
-
-// A job of this thread, as the module leaves it for the renderer.
-class RenderProcess : public testing::Test {
-public:  // the tables of the tests change jobs
-    RenderProcess() {
-        target_ = folder_.file(L"\u65E5\u672C 100%d.pdf");
-        spool_ = folder_.write(L"job.ps", kTwoPages);
-        setting_ = folder_.file(L"setting.ps4");
-        settings_.general()->Linearize = false;
-    }
-
-    // Runs the renderer and returns its exit code.
-    int run(const std::wstring& more = L"") {
-        if (setting_ == folder_.file(L"setting.ps4")) {
-            EXPECT_TRUE(settings_.Save(setting_));
-        }
-        qk::copy_zero_padded(start_.view()->title, kRecordTextUnits, L"\u00C9t\u00E9 \U0001F5A8");
-        qk::copy_zero_padded(start_.view()->output_path, kRecordTextUnits, target_);
-        *result_.view() = {};
-        const std::wstring line =
-            L"zr_render --thread " + std::to_wstring(GetCurrentThreadId()) +
-            L" --printer Printer --spool \"" + spool_ + L"\" --setting \"" + setting_ + L"\" " + more +
-            qk::format(L" --notify %lu:%llu:%u", GetCurrentProcessId(),
-                       reinterpret_cast<unsigned long long>(arena_), unsigned{sizeof arena_});
-        return run_built(kProgram, line);
-    }
-
-    [[nodiscard]] std::string pdf() const { return TempFolder::read(target_); }
-    [[nodiscard]] uint32_t error() const { return result_.view()->error_code; }
-    [[nodiscard]] std::wstring message() const {
-        return result_.view()->message.find_text().value_or(L"<unreadable>");
-    }
-
-    const TempFolder folder_;
-    std::wstring target_, spool_, setting_;
-    PrintSettings settings_;
-    qk::FileObj lock_;
-    wchar_t arena_[2048] = {};
-    const qk::MMF<ZRTKPrintStartInfoC> start_{
-        qk::format(kStartBlockName, static_cast<int>(GetCurrentThreadId()))};
-    const qk::MMF<ZRTKPrintInfo> result_{
-        qk::format(kResultBlockName, static_cast<int>(GetCurrentThreadId()))};
-};
 
 TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     settings_.summary()->Author = L"\u65E5\u672C";
@@ -159,8 +106,12 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
         {"\x01\x02 rubbish \xFF)", nothing, 1004, ERROR_INVALID_DATA, L"damaged"},
         {kTwoPages, [](Job& job) { job.setting_ = L"C:\\none\\x.ps4"; }, 1001, ERROR_FILE_NOT_FOUND,
          L"C:\\none\\x.ps4"},
-        {kTwoPages, [](Job& job) { job.settings_.security()->UserPassword = L"\u65E5"; }, 1008,
-         ERROR_INVALID_PASSWORD, L"password"},
+        {kTwoPages,
+         [](Job& job) {
+             job.settings_.security()->UserPassword = L"\u65E5";
+             job.settings_.pdfVersion()->Version = 3;
+         },
+         1008, ERROR_INVALID_PASSWORD, L"password"},
         {kTwoPages, [](Job& job) { job.start_.view()->resume = 1; }, 1009, ERROR_NOT_SUPPORTED,
          L"add a document"},
         {kTwoPages, [](Job& job) { job.target_.clear(); }, 1010, ERROR_INVALID_PARAMETER, L"names no PDF"},
@@ -221,8 +172,8 @@ TEST_F(RenderProcess, ReservedNameGoesWithTheJobThatFails) {
 }
 
 TEST_F(RenderProcess, WrongCallsTouchNothing) {
-    EXPECT_EQ(run_built(kProgram, L"zr_render"), 2);
-    EXPECT_EQ(run_built(kProgram, L"zr_render --thread 4294967295 --printer P --spool s"), 3);
+    EXPECT_EQ(run_built(kRenderer, L"zr_render"), 2);
+    EXPECT_EQ(run_built(kRenderer, L"zr_render --thread 4294967295 --printer P --spool s"), 3);
     EXPECT_EQ(error(), 0u);
 }
 

@@ -30,7 +30,6 @@ using Delete = int WINAPI(void* object);
 using ToHandle = int WINAPI(void* bitmap, HBITMAP* handle, DWORD background);
 
 constexpr int kPremultiplied32 = 0xE200B;  // PixelFormat32bppPARGB
-constexpr UINT kMostSide = 512;            // of a preview, pixels
 constexpr uint64_t kMostPixels = 100'000'000;
 constexpr double kMmPerInch = 25.4;
 
@@ -96,12 +95,12 @@ bool is_local(const std::wstring& path) noexcept {
     return GetDriveTypeW(root) != DRIVE_REMOTE;
 }
 
-SIZE preview_size(UINT width, UINT height) noexcept {
+SIZE preview_size(UINT width, UINT height, UINT most_side) noexcept {
     const UINT longer = std::max(width, height);
-    if (longer <= kMostSide)
+    if (longer <= most_side)
         return {static_cast<LONG>(width), static_cast<LONG>(height)};
     const auto scaled = [&](UINT side) {
-        return std::max<LONG>(1, static_cast<LONG>(uint64_t{side} * kMostSide / longer));
+        return std::max<LONG>(1, static_cast<LONG>(uint64_t{side} * most_side / longer));
     };
     return {scaled(width), scaled(height)};
 }
@@ -128,7 +127,7 @@ qk::Bitmap draw_small(const Library& library, void* image, SIZE size) noexcept {
 
 }  // namespace
 
-Picture load_picture(const std::wstring& path) {
+Picture load_picture(const std::wstring& path, UINT most_side) {
     TRACE("load_picture");
     Picture picture;
     // The library opens whatever has the name; nobody puts something else in its place meanwhile.
@@ -147,7 +146,7 @@ Picture load_picture(const std::wstring& path) {
         !library.call<GetLength>("GdipGetImageHeight", image.get(), &height) || width == 0 || height == 0 ||
         uint64_t{width} * height > kMostPixels)
         return picture;
-    picture.pixels = preview_size(width, height);
+    picture.pixels = preview_size(width, height, most_side);
     picture.width_mm = length_mm(library, "GdipGetImageHorizontalResolution", image.get(), width);
     picture.height_mm = length_mm(library, "GdipGetImageVerticalResolution", image.get(), height);
     picture.bitmap = draw_small(library, image.get(), picture.pixels);

@@ -18,6 +18,8 @@ struct Picture {
 
 // Reads a picture file (BMP, GIF, JPEG, PNG, TIFF) with what the system has for it. Empty when it is no
 // picture, too large for a preview, or on another computer, for which no dialog shall wait.
-[[nodiscard]] Picture load_picture(const std::wstring& path);
+// No side of its bitmap has more pixels than `most_side`.
+inline constexpr UINT kPreviewSide = 512;
+[[nodiscard]] Picture load_picture(const std::wstring& path, UINT most_side = kPreviewSide);
 
 }  // namespace pdf_settings

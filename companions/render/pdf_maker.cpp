@@ -1,0 +1,237 @@
+#include "companions/render/pdf_maker.h"
+
+#include <windows.h>
+
+#include <utility>
+
+#include "common/qk/handle.h"
+#include "common/qk/text.h"
+#include "companions/render/console.h"
+#include "companions/render/result_codes.h"
+#include "companions/render/fonts.h"
+#include "companions/render/mark_drawing.h"
+#include "companions/render/spool_pictures.h"
+#include "companions/render/viewer.h"
+
+namespace companions::render {
+
+namespace {
+
+namespace ps = Corvanta::Vantrix::PrintSettings;
+
+// Nothing is kept of a PDF that has a fault.
+void keep_if(const std::optional<std::string>& fault) {
+    if (fault)
+        throw Failure{ResultCode::kPdfUnreadable, ERROR_INVALID_DATA, qk::to_wide(*fault)};
+}
+
+// A file as it lies on the disk.
+class MappedFile {
+public:
+    explicit MappedFile(const std::wstring& path)
+        : file_(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)),
+          mapping_(file_ ? CreateFileMappingW(file_.get(), nullptr, PAGE_READONLY, 0, 0, nullptr) : nullptr),
+          view_(mapping_ ? MapViewOfFile(mapping_.get(), FILE_MAP_READ, 0, 0, 0) : nullptr) {}
+    ~MappedFile() {
+        if (view_)
+            UnmapViewOfFile(view_);
+    }
+    MappedFile(const MappedFile&) = delete;
+    MappedFile& operator=(const MappedFile&) = delete;
+
+    [[nodiscard]] std::string_view bytes() const noexcept {
+        LARGE_INTEGER size = {};
+        if (!view_ || !GetFileSizeEx(file_.get(), &size))
+            return {};
+        return {static_cast<const char*>(view_), static_cast<size_t>(size.QuadPart)};
+    }
+
+private:
+    qk::FileObj file_;
+    qk::HandleObj mapping_;
+    void* view_;
+};
+
+}  // namespace
+
+PdfMaker::PdfMaker(const Settings& settings, std::wstring_view title, std::function<void(unsigned)> page_done)
+    : settings_(settings),
+      page_done_(std::move(page_done)),
+      standard_(ps::is_standard(settings.pdfVersion()->Version)) {
+    if (scratch_.path().empty())
+        throw Failure{ResultCode::kInternal, GetLastError(), L"no temporary folder"};
+    info_ = document_info(settings, title);
+    if (standard_)
+        info_ = standard_texts(info_);
+    auto rules = find_standard(settings);
+    if (!rules)
+        throw Failure{ResultCode::kStandardUnmet, ERROR_FILE_NOT_FOUND, settings.pdfVersion()->ICCFileName};
+    rules_ = std::move(*rules);
+    const auto& security = *settings.security();
+    const bool secret = wants_password(settings);
+    tool_.emplace(scratch_, !secret                           ? std::wstring()
+                            : security.MasterPassword.empty() ? security.UserPassword
+                                                              : security.MasterPassword);
+    if (secret && tool_->present())
+        encryption_ = find_encryption(settings);
+}
+
+unsigned PdfMaker::draw(const std::wstring& spool, bool landscape, PendingPdf& pdf) {
+    EngineFiles files;
+    if (wants_password(settings_) && !encryption_) {
+        const auto options = find_password_options(settings_);
+        if (!options)
+            throw Failure{ResultCode::kPasswordUnusable, ERROR_INVALID_PASSWORD, {}};
+        files.options = written(kOptionsFile, *options);
+    }
+    if (encryption_)
+        bare_ = scratch_.path() + L'\\' + kBareFile;
+    files.spool = with_pictures_changed(spool);
+    const PagesFound found = look_through(files.spool, landscape);
+    files.prologue = written(kPrologueFile, prologue_text(landscape, found));
+    files.epilogue = written(kEpilogueFile, epilogue_text(found));
+    files.output = engine_path(encryption_ ? bare_ : pdf.path());
+    files.rewritten = tool_->present();
+    files.more = rules_.arguments;
+    if (!standard_ && settings_.color()->ColorMode != ps::Color_impl::kColour)
+        files.more.emplace_back("-sColorConversionStrategy=Gray");
+    check(engine_.run(engine_arguments(settings_, files), scratch_.path(),
+                      [this](std::string_view bytes) { follow(bytes); }));
+    return log_.pages();
+}
+
+// Which pages are blank, and where web addresses stand.
+PagesFound PdfMaker::look_through(const std::string& spool, bool landscape) {
+    PagesFound found;
+    if (settings_.general()->NoOutputBlankPage) {
+        std::string rest;
+        run_pass("bbox", {}, spool, landscape, [&](std::string_view bytes) {
+            rest += bytes;
+            for (size_t end; (end = rest.find('\n')) != std::string::npos; rest.erase(0, end + 1))
+                if (rest.starts_with("%%BoundingBox:"))
+                    found.blank.push_back(rest.starts_with("%%BoundingBox: 0 0 0 0"));
+        });
+    }
+    if (settings_.general()->URLLink && !ps::is_press_standard(settings_.pdfVersion()->Version)) {
+        WebLinkReader reader;
+        run_pass("txtwrite", {"-dTextFormat=0", "-sOutputFile=-"}, spool, landscape,
+                 [&](std::string_view bytes) { reader.feed(bytes); });
+        found.links = reader.take();
+    }
+    return found;
+}
+
+void PdfMaker::run_pass(const char* device, const std::vector<std::string>& more, const std::string& spool,
+                        bool landscape, const std::function<void(std::string_view)>& output) {
+    std::vector<std::string> arguments = quiet_arguments(device);
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    if (landscape)
+        arguments.insert(arguments.end(), {"-c", "<</Orientation 3>> setpagedevice", "-f"});
+    arguments.push_back(spool);
+    // What is wrong with the document shows when it is drawn.
+    static_cast<void>(engine_.run(arguments, scratch_.path(), output));
+}
+
+std::string PdfMaker::prologue_text(bool landscape, const PagesFound& found) {
+    const auto& version = *settings_.pdfVersion();
+    const auto mark = draw_watermark(*settings_.watermark(), !allows_transparency(version.Version));
+    if (!mark)
+        warn("not done by this renderer: the watermark, whose font or picture cannot be read");
+    fonts_ = font_parameters(*settings_.font(), standard_);
+    return prologue(standard_ ? DocumentInfo() : info_, landscape) + image_parameters(settings_) + fonts_ +
+           colour_work(settings_) + rules_.definition +
+           page_work(*settings_.watermark(), version, mark.value_or(MarkDrawing()), found);
+}
+
+std::string PdfMaker::epilogue_text(const PagesFound& found) const {
+    const auto& action = *settings_.openAction();
+    const bool chosen = action.StartPage != ps::OpenAction_impl::kNoStartPage;
+    const unsigned first = page_left(chosen ? action.StartPage : 1, found.blank);
+    const std::string opens =
+        opening(action, first, compatibility_level(settings_.pdfVersion()->Version) > "1.4");
+    return epilogue(standard_ ? DocumentInfo() : info_) + (standard_ ? standard_information(info_) : "") +
+           opens;
+}
+
+std::string PdfMaker::with_pictures_changed(const std::wstring& spool) {
+    PictureWork work;
+    if (!wants_picture_work(settings_, work))
+        return engine_path(spool);
+    const MappedFile document(spool);
+    return written(kSpoolFile, change_pictures(document.bytes(), work));
+}
+
+PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
+    PdfTool& tool = *tool_;
+    const bool linearize = settings_.general()->Linearize;
+    if (!tool.present()) {
+        warn("qpdf was not found: the PDF's end is looked at, not its title" +
+             std::string(linearize ? ", and it is not linearized" : ""));
+        keep_if(find_fault_of_end(drawn.path()));
+        return drawn;
+    }
+    const uint32_t version = settings_.pdfVersion()->Version;
+    Rewriting how;
+    how.linearized = linearize;
+    how.small = settings_.compression()->HighCompress && !settings_.compression()->ASCIIFormat &&
+                compatibility_level(version) > "1.4";
+    how.version = version == ps::kPDF20 ? "2.0" : nullptr;
+    if (encryption_)
+        how.encrypt = encryption_job(*settings_.security(), *encryption_);
+    const ExpectedPdf expected = {log_.pages(), info_.title};
+    if (settings_.font()->WhenFailedToEmbed == ps::Font_impl::kNoPDF)
+        check_fonts(encryption_ ? bare_ : drawn.path());
+    const bool as_it_is = !linearize && !how.small && !how.version && !encryption_;
+    if (as_it_is && !tool.find_fault(drawn.path(), expected))
+        return drawn;
+    tool.rewrite(encryption_ ? bare_ : drawn.path(), rewritten.path(),
+                 how);  // mends what engines leave damaged
+    keep_if(tool.find_fault(rewritten.path(), expected));
+    return rewritten;
+}
+
+void PdfMaker::check_fonts(const std::wstring& pdf) {
+    const std::string name = missing_font(tool_->describe(pdf), fonts_);
+    if (!name.empty())
+        throw Failure{ResultCode::kFontMissing, ERROR_NOT_FOUND, qk::to_wide(name)};
+}
+
+std::string PdfMaker::written(const wchar_t* name, const std::string& text) {
+    const std::wstring path = scratch_.write(name, text);
+    if (path.empty())
+        throw Failure{ResultCode::kInternal, GetLastError(), L"the temporary folder cannot be written"};
+    return engine_path(path);
+}
+
+std::string PdfMaker::engine_path(const std::wstring& path) const {
+    auto found = engine_.find_path(path);
+    if (!found)
+        throw Failure{ResultCode::kEngineMissing, ERROR_PATH_NOT_FOUND, path};
+    return std::move(*found);
+}
+
+void PdfMaker::follow(std::string_view bytes) {
+    log_.feed(bytes);
+    while (told_ < log_.pages())
+        page_done_(++told_);
+}
+
+void PdfMaker::check(Engine::End end) const {
+    constexpr struct {
+        ResultCode code;
+        DWORD win32_error;
+    } kErrors[] = {
+        {ResultCode::kEngineMissing, ERROR_FILE_NOT_FOUND},
+        {ResultCode::kTargetUnwritable, ERROR_WRITE_FAULT},
+        {ResultCode::kEngineStopped, ERROR_PROCESS_ABORTED},
+        {ResultCode::kSpoolDamaged, ERROR_INVALID_DATA},
+        {ResultCode::kNoPages, ERROR_INVALID_DATA},
+        {ResultCode::kStandardUnmet, ERROR_NOT_SUPPORTED},
+    };
+    const ResultCode code = engine_result(end, log_);
+    for (const auto& row : kErrors)
+        if (row.code == code)
+            throw Failure{code, row.win32_error, qk::to_wide(log_.error())};
+}
+
+}  // namespace companions::render

@@ -1,0 +1,144 @@
+#include "companions/render/standards.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdint>
+
+#include "common/icc_folder.h"
+#include "common/qk/handle.h"
+#include "common/qk/text.h"
+#include "companions/render/ascii85.h"
+
+namespace companions::render {
+
+namespace {
+
+namespace ps = Corvanta::Vantrix::PrintSettings;
+
+constexpr LONGLONG kMostProfile = 16 << 20;  // bytes
+
+std::vector<uint8_t> read_file(const std::wstring& path) {
+    const qk::FileObj file(
+        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    LARGE_INTEGER size = {};
+    if (!file || !GetFileSizeEx(file.get(), &size) || size.QuadPart > kMostProfile)
+        return {};
+    std::vector<uint8_t> bytes(static_cast<size_t>(size.QuadPart));
+    DWORD read = 0;
+    if (!ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr) ||
+        read != bytes.size())
+        bytes.clear();
+    return bytes;
+}
+
+std::string output_intent(const ps::PrintSettings& settings, const char* kind, int parts,
+                          const std::vector<uint8_t>& profile) {
+    const auto& texts = settings.addition()->Str;
+    const auto condition = texts.find(L"OutputCondition");
+    const std::wstring name =
+        condition == texts.end() || condition->second.empty() ? L"Custom" : condition->second;
+    return "[ /_objdef {ZRprofile} /type /stream /OBJ pdfmark\n[ {ZRprofile} << /N " + std::to_string(parts) +
+           " >> /PUT pdfmark\n[ {ZRprofile} currentfile /ASCII85Decode filter /PUT pdfmark\n" +
+           to_ascii85(profile) +
+           "\n[ {ZRprofile} /CLOSE pdfmark\n[ /_objdef {ZRintent} /type /dict /OBJ pdfmark\n"
+           "[ {ZRintent} << /Type /OutputIntent /S " +
+           kind + " /DestOutputProfile {ZRprofile} /RegistryName (http://www.color.org) /Info " +
+           postscript_text(name) + " /OutputConditionIdentifier " + postscript_text(name) +
+           " >> /PUT pdfmark\n[ {Catalog} << /OutputIntents [ {ZRintent} ] >> /PUT pdfmark\n";
+}
+
+// How PDF/X files say which of them they are.
+std::string press_identification(uint32_t version) {
+    const std::string trapped = "[ /Trapped /False ";
+    switch (version) {
+        case ps::kPDFX1a2001:
+            return trapped +
+                   "/GTS_PDFXVersion (PDF/X-1:2001) /GTS_PDFXConformance (PDF/X-1a:2001) /DOCINFO pdfmark\n";
+        case ps::kPDFX1a2003:
+            return trapped + "/GTS_PDFXVersion (PDF/X-1a:2003) /DOCINFO pdfmark\n";
+        case ps::kPDFX32002:
+            return trapped + "/GTS_PDFXVersion (PDF/X-3:2002) /DOCINFO pdfmark\n";
+        case ps::kPDFX32003:
+            return trapped + "/GTS_PDFXVersion (PDF/X-3:2003) /DOCINFO pdfmark\n";
+        case ps::kPDFX4:
+            return trapped +
+                   "/DOCINFO pdfmark\n[ /XML (<rdf:Description rdf:about='' "
+                   "xmlns:pdfxid='http://www.npes.org/pdfx/ns/id/' pdfxid:GTS_PDFXVersion='PDF/X-4'/>"
+                   "<rdf:Description rdf:about='' xmlns:pdf='http://ns.adobe.com/pdf/1.3/' "
+                   "pdf:Trapped='False'/>) /Ext_Metadata pdfmark\n";
+        default:
+            return {};
+    }
+}
+
+}  // namespace
+
+std::optional<Standard> find_standard(const ps::PrintSettings& settings) {
+    Standard standard;
+    const auto& asked = *settings.pdfVersion();
+    if (!ps::is_standard(asked.Version))
+        return standard;
+    const auto path = icc::find_profile(asked.ICCFileName);
+    const auto profile = path ? icc::read_profile(*path) : std::nullopt;
+    const std::vector<uint8_t> bytes = profile ? read_file(*path) : std::vector<uint8_t>();
+    if (bytes.empty())
+        return std::nullopt;
+    const bool cmyk = profile->colour_space == icc::kCMYK;
+    const char* colours = cmyk ? "CMYK" : "RGB";
+    if (settings.color()->ColorMode != ps::Color_impl::kColour)
+        colours = "Gray";
+    // 2: the engine gives up over what cannot be kept; 0: it writes an ordinary PDF then.
+    const bool stops = asked.WhenErroredPDFAX == ps::PDFVersion_impl::kStop;
+    standard.arguments = {std::string("-sColorConversionStrategy=") + colours,
+                          std::string("-dPDFACompatibilityPolicy=") + (stops ? "2" : "0")};
+    if (ps::is_archive(asked.Version))
+        standard.arguments.push_back(asked.Version == ps::kPDFA1b ? "-dPDFA=1" : "-dPDFA=2");
+    else if (asked.Version != ps::kPDFX4)  // of that one the engine knows nothing
+        standard.arguments.push_back("-dPDFX");
+    standard.definition = output_intent(settings, ps::is_archive(asked.Version) ? "/GTS_PDFA1" : "/GTS_PDFX",
+                                        cmyk ? 4 : 3, bytes) +
+                          press_identification(asked.Version);
+    return standard;
+}
+
+DocumentInfo standard_texts(DocumentInfo info) {
+    for (std::wstring* text :
+         {&info.title, &info.author, &info.subject, &info.keywords, &info.creator, &info.setting_name}) {
+        *text = well_formed(*text);
+        std::erase_if(*text, [](wchar_t unit) { return (unit & 0xFC00) == 0xDC00; });
+        std::ranges::replace_if(
+            *text, [](wchar_t unit) { return (unit & 0xFC00) == 0xD800; }, L'\uFFFD');
+    }
+    return info;
+}
+
+std::string standard_information(const DocumentInfo& info) {
+    const struct {
+        const char* key;
+        const std::wstring& text;
+    } rows[] = {{"/Title", info.title},     {"/Author", info.author},
+                {"/Subject", info.subject}, {"/Keywords", info.keywords},
+                {"/Creator", info.creator}, {"/PrintSetting", info.setting_name}};
+    std::string entries;
+    for (const auto& row : rows) {
+        if (row.text.empty())
+            continue;
+        const bool ascii =
+            std::ranges::all_of(row.text, [](wchar_t unit) { return unit >= 0x20 && unit < 0x7F; });
+        entries += std::string(row.key) + ' ' + (ascii ? "(" : "");
+        if (!ascii) {
+            entries += postscript_text(row.text) + '\n';
+            continue;
+        }
+        for (const wchar_t unit : row.text) {
+            if (unit == L'(' || unit == L')' || unit == L'\\')
+                entries += '\\';
+            entries += static_cast<char>(unit);
+        }
+        entries += ")\n";
+    }
+    return entries.empty() ? entries : "[ {DocInfo} <<\n" + entries + ">> /PUT pdfmark\n";
+}
+
+}  // namespace companions::render

@@ -1,0 +1,29 @@
+// PDF/A and PDF/X: what the engine is told so that the PDF keeps to one of them.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "companions/render/pdfmark.h"
+#include "print_settings/PrintSettings.h"
+
+namespace companions::render {
+
+struct Standard {
+    std::vector<std::string> arguments;
+    std::string definition;  // PostScript for the start of the document: output intent and identification
+};
+
+// Empty for a plain PDF; nothing when the setting's colour profile cannot be read.
+[[nodiscard]] std::optional<Standard> find_standard(
+    const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
+
+// The document information as the standards take it: the engine leaves out what is not ASCII of its usual
+// form, and old ones break the metadata over characters beyond the first plane.
+[[nodiscard]] std::string standard_information(const DocumentInfo& info);
+
+// The texts with U+FFFD in the place of such characters.
+[[nodiscard]] DocumentInfo standard_texts(DocumentInfo info);
+
+}  // namespace companions::render

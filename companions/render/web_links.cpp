@@ -1,0 +1,113 @@
+#include "companions/render/web_links.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+namespace companions::render {
+
+namespace {
+
+constexpr size_t kMostLine = 1000;
+constexpr size_t kMostWord = 2000;
+
+// The value of an attribute, as it stands.
+std::string_view attribute(std::string_view line, std::string_view name) {
+    const size_t at = line.find(name);
+    if (at == std::string_view::npos)
+        return {};
+    line.remove_prefix(at + name.size());
+    return line.substr(0, line.find('"'));
+}
+
+// The one character of ASCII that an attribute stands for, a zero for anything else.
+char character_of(std::string_view value) {
+    constexpr std::pair<std::string_view, char> kNames[] = {
+        {"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&quot;", '"'}, {"&apos;", '\''}};
+    for (const auto& [name, character] : kNames)
+        if (value == name)
+            return character;
+    return value.size() == 1 && value[0] > ' ' && value[0] < '\x7F' ? value[0] : '\0';
+}
+
+// Where in a word an address begins and what goes before it; npos when there is none.
+size_t find_address(const std::string& word, std::string& scheme) {
+    size_t first = std::string::npos;
+    for (const char* start : {"http://", "https://", "ftp://", "mailto:", "www."}) {
+        const size_t at = word.find(start);
+        if (at >= first)
+            continue;
+        first = at;
+        scheme = std::string_view(start) == "www." ? "http://" : "";
+    }
+    return first;
+}
+
+}  // namespace
+
+void WebLinkReader::feed(std::string_view bytes) {
+    for (const char byte : bytes) {
+        if (byte != '\n') {
+            if (rest_.size() < kMostLine)
+                rest_ += byte;
+            continue;
+        }
+        take_line(rest_);
+        rest_.clear();
+    }
+}
+
+void WebLinkReader::take_line(std::string_view line) {
+    if (line.starts_with("<page")) {
+        end_word();
+        pages_.emplace_back();
+    } else if (line.starts_with("<span")) {
+        size_ = std::clamp(std::atof(std::string(attribute(line, "size=\"")).c_str()), 1.0, 1000.0);
+    } else if (line.starts_with("<char")) {
+        take_character(line);
+    }
+}
+
+void WebLinkReader::take_character(std::string_view line) {
+    double left = 0, baseline = 0, right = 0, end = 0;
+    const std::string box(attribute(line, "bbox=\""));
+    if (std::sscanf(box.c_str(), "%lf %lf %lf %lf", &left, &baseline, &right, &end) != 4)
+        return;
+    // Boxes are whole points: a word goes on where the last letter ended, or nearly so.
+    const bool goes_on = !word_.empty() && std::fabs(baseline - baseline_) < 0.5 &&
+                         std::fabs(left - word_.back().right) <= std::max(1.5, size_ / 5);
+    const char character = character_of(attribute(line, "c=\""));
+    if (!goes_on || character == 0 || word_.size() == kMostWord)
+        end_word();
+    baseline_ = baseline;
+    if (character != 0)
+        word_.push_back({left, right, character});
+}
+
+void WebLinkReader::end_word() {
+    std::string word;
+    for (const Glyph& glyph : word_)
+        word += glyph.character;
+    std::string scheme;
+    const size_t first = find_address(word, scheme);
+    if (first != std::string::npos && !pages_.empty()) {
+        size_t end = std::min(word.find_first_of("<>\"", first), word.size());
+        while (end > first && std::string_view(".,;:!?')]}").find(word[end - 1]) != std::string_view::npos)
+            --end;
+        constexpr size_t kLeast = 8;  // "www.a.de"
+        if (end - first >= kLeast)
+            pages_.back().push_back({word_[first].left, baseline_ - size_ * 0.8, word_[end - 1].right,
+                                     baseline_ + size_ * 0.2, scheme + word.substr(first, end - first)});
+    }
+    word_.clear();
+}
+
+std::vector<std::vector<WebLink>> WebLinkReader::take() {
+    take_line(rest_);
+    end_word();
+    return std::move(pages_);
+}
+
+}  // namespace companions::render

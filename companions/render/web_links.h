@@ -1,0 +1,41 @@
+// Web addresses in the text of a document.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace companions::render {
+
+// An address and where it stands: points from the page's left and top edge.
+struct WebLink {
+    double left, top, right, bottom;
+    std::string address;  // ASCII, with its scheme
+};
+
+// Reads what the engine's text device tells of a document in its form 0, in pieces of any size: an element a
+// line, a character with its box or the font's size.
+class WebLinkReader {
+public:
+    void feed(std::string_view bytes);
+
+    // The links page by page, complete when the engine has ended.
+    [[nodiscard]] std::vector<std::vector<WebLink>> take();
+
+private:
+    struct Glyph {
+        double left, right;
+        char character;
+    };
+    void take_line(std::string_view line);
+    void take_character(std::string_view line);
+    void end_word();
+
+    std::string rest_;
+    std::vector<std::vector<WebLink>> pages_;
+    std::vector<Glyph> word_;
+    double baseline_ = 0;
+    double size_ = 10;
+};
+
+}  // namespace companions::render
