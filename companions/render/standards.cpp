@@ -105,7 +105,7 @@ std::optional<Standard> find_standard(const ps::PrintSettings& settings) {
 DocumentInfo standard_texts(DocumentInfo info) {
     for (std::wstring* text :
          {&info.title, &info.author, &info.subject, &info.keywords, &info.creator, &info.setting_name}) {
-        *text = well_formed(*text);
+        *text = qk::to_wide(qk::to_utf8(*text));  // whole pairs only
         std::erase_if(*text, [](wchar_t unit) { return (unit & 0xFC00) == 0xDC00; });
         std::ranges::replace_if(
             *text, [](wchar_t unit) { return (unit & 0xFC00) == 0xD800; }, L'\uFFFD');
