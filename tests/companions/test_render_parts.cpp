@@ -36,7 +36,6 @@ TEST(RenderRules, SettingsReadAsArguments) {
                 {"-dMonoImageDownsampleType=/Subsample", [](PrintSettings&) {}},
                 {"-dDownsampleColorImages=false",
                  [](PrintSettings& s) { s.compression()->Color->DownSamplingMethod = 0; }},
-                {"-sColorConversionStrategy=Gray", [](PrintSettings& s) { s.color()->ColorMode = 1; }},
                 {"-sOutputFile=/100%%/a%%d.pdf", [](PrintSettings&) {}},  // percent signs are no page numbers
                 {"@o.txt", [](PrintSettings&) {}}};
     for (const auto& row : rows) {
