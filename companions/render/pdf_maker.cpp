@@ -32,24 +32,17 @@ public:
         : file_(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)),
           mapping_(file_ ? CreateFileMappingW(file_.get(), nullptr, PAGE_READONLY, 0, 0, nullptr) : nullptr),
           view_(mapping_ ? MapViewOfFile(mapping_.get(), FILE_MAP_READ, 0, 0, 0) : nullptr) {}
-    ~MappedFile() {
-        if (view_)
-            UnmapViewOfFile(view_);
-    }
-    MappedFile(const MappedFile&) = delete;
-    MappedFile& operator=(const MappedFile&) = delete;
-
     [[nodiscard]] std::string_view bytes() const noexcept {
         LARGE_INTEGER size = {};
         if (!view_ || !GetFileSizeEx(file_.get(), &size))
             return {};
-        return {static_cast<const char*>(view_), static_cast<size_t>(size.QuadPart)};
+        return {static_cast<const char*>(view_.get()), static_cast<size_t>(size.QuadPart)};
     }
 
 private:
     qk::FileObj file_;
     qk::HandleObj mapping_;
-    void* view_;
+    qk::View view_;
 };
 
 }  // namespace

@@ -81,7 +81,7 @@ std::optional<std::string> find_fault_of_end(const std::wstring& path) {
     const size_t at = end.rfind(kStart);
     if (at == std::string_view::npos || end.find("%%EOF", at) == std::string_view::npos)
         return "its end is missing";
-    const LONGLONG table = std::atoll(std::string(end.substr(at + kStart.size())).c_str());
+    const LONGLONG table = std::strtoll(std::string(end.substr(at + kStart.size())).c_str(), nullptr, 10);
     if (table <= 0 || table >= size.QuadPart)
         return "its table of objects is not there";
     return std::nullopt;

@@ -51,8 +51,8 @@ size_t number_after(std::string_view head, std::string_view key) {
     const size_t at = head.find(key);
     return at == std::string_view::npos
                ? 0
-               : static_cast<size_t>(
-                     std::max(0, std::atoi(std::string(head.substr(at + key.size(), 12)).c_str())));
+               : static_cast<size_t>(std::max(
+                     0L, std::strtol(std::string(head.substr(at + key.size(), 12)).c_str(), nullptr, 10)));
 }
 
 // The palette of the colour space that a picture's block follows; empty when that is none of red, green,
@@ -269,8 +269,8 @@ std::string colour_work(const ps::PrintSettings& settings) {
     const bool mono = colour.ColorMode == ps::Color_impl::kMonochrome;
     constexpr const char* kMethods[] = {
         ".114 mul exch .587 mul add exch .299 mul add", "add add 3 div",
-        "3 copy 2 copy lt { exch } if pop 2 copy lt { exch } if pop 4 1 roll\n"
-        "2 copy gt { exch } if pop 2 copy gt { exch } if pop add 2 div"};
+        ("3 copy 2 copy lt { exch } if pop 2 copy lt { exch } if pop 4 1 roll\n"
+         "2 copy gt { exch } if pop 2 copy gt { exch } if pop add 2 div")};
     if (mono || (colour.ColorMode == ps::Color_impl::kGrey && colour.GrayDecreasingMethod != 0)) {
         const std::string grey = kMethods[std::min(colour.GrayDecreasingMethod, 2u)];
         std::string step;

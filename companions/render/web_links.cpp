@@ -1,8 +1,8 @@
 #include "companions/render/web_links.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <utility>
 
@@ -64,17 +64,25 @@ void WebLinkReader::take_line(std::string_view line) {
         end_word();
         pages_.emplace_back();
     } else if (line.starts_with("<span")) {
-        size_ = std::clamp(std::atof(std::string(attribute(line, "size=\"")).c_str()), 1.0, 1000.0);
+        size_ =
+            std::clamp(std::strtod(std::string(attribute(line, "size=\"")).c_str(), nullptr), 1.0, 1000.0);
     } else if (line.starts_with("<char")) {
         take_character(line);
     }
 }
 
 void WebLinkReader::take_character(std::string_view line) {
-    double left = 0, baseline = 0, right = 0, end = 0;
+    std::array<double, 4> corners = {};  // left, baseline, right, and where the box ends
     const std::string box(attribute(line, "bbox=\""));
-    if (std::sscanf(box.c_str(), "%lf %lf %lf %lf", &left, &baseline, &right, &end) != 4)
-        return;
+    const char* at = box.c_str();
+    for (double& corner : corners) {
+        char* after = nullptr;
+        corner = std::strtod(at, &after);
+        if (after == at)
+            return;
+        at = after;
+    }
+    const auto [left, baseline, right, end] = corners;
     // Boxes are whole points: a word goes on where the last letter ended, or nearly so.
     const bool goes_on = !word_.empty() && std::fabs(baseline - baseline_) < 0.5 &&
                          std::fabs(left - word_.back().right) <= std::max(1.5, size_ / 5);

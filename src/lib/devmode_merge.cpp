@@ -195,7 +195,7 @@ std::vector<std::byte> devmode_of(const qk::SizedAnswer& info) {
     const auto at = reinterpret_cast<uintptr_t>(devmode);
     if (at < start || at - start > info.size)
         return {};
-    const std::vector<std::byte> copy(info.bytes.get() + (at - start), info.bytes.get() + info.size);
+    std::vector<std::byte> copy(info.bytes.get() + (at - start), info.bytes.get() + info.size);
     const auto* header = reinterpret_cast<const DEVMODEW*>(copy.data());
     if (copy.size() < offsetof(DEVMODEW, dmFields) ||
         copy.size() < size_t{header->dmSize} + header->dmDriverExtra)

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
-#include <ranges>
 #include <set>
 #include <span>
 #include <utility>
@@ -54,8 +53,8 @@ std::vector<std::wstring> setting_files(const std::wstring& folder) {
         }
     } while (FindNextFileW(search.get(), &file));
     std::vector<std::wstring> files;
-    for (auto& kind : std::views::reverse(by_extension))
-        std::ranges::move(kind, std::back_inserter(files));
+    for (auto kind = by_extension.rbegin(); kind != by_extension.rend(); ++kind)
+        std::ranges::move(*kind, std::back_inserter(files));
     return files;
 }
 

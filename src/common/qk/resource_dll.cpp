@@ -154,7 +154,7 @@ std::wstring load_string(UINT id) {
     }
     if (auto text = find_string(resource_module(), id))
         return *std::move(text);
-    const std::wstring text = format(L"ERROR! no resource string id=%ud", id);
+    std::wstring text = format(L"ERROR! no resource string id=%ud", id);
     trace::debug_output(L"%s", text.c_str());
     return text;
 }

@@ -206,7 +206,7 @@ void dlg_apply_Securities(HWND page) {
     if (is_touched(page, std::array{IDC_SEC_COPY, IDC_SEC_READER}))
         read.AllowAccessFromScreenReader = read.AllowCopyContent || is_checked(page, IDC_SEC_READER);
     read.Level = kLevel;
-    *edited_setting().security() = std::move(read);
+    *edited_setting().security() = read;
 }
 
 }  // namespace
