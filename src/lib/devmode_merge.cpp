@@ -188,7 +188,8 @@ private:
 // A copy of the printer's own DEVMODE inside its information block, empty when it has none that fits into the
 // block. A copy, since the spooler places it behind texts, at an address that need not suit a DEVMODEW.
 std::vector<std::byte> devmode_of(const qk::SizedAnswer& info) {
-    if (!info.bytes)
+    // One that has just been changed does not count: the default serves better than half of it.
+    if (!info.bytes || info.stored != info.size)
         return {};
     const auto* devmode = reinterpret_cast<const PRINTER_INFO_2W*>(info.bytes.get())->pDevMode;
     const auto start = reinterpret_cast<uintptr_t>(info.bytes.get());
@@ -226,7 +227,6 @@ qk::SizedAnswer read_printer_info(HANDLE printer) {
     const AskingOnce first;
     if (!first)
         return {};
-    // One that has just been changed does not count: the default serves better than half of it.
     return qk::read_sized([&](BYTE* buffer, DWORD bytes,
                               DWORD* needed) { return GetPrinterW(printer, 2, buffer, bytes, needed); },
                           sizeof(PRINTER_INFO_2W));

@@ -12,7 +12,9 @@ std::wstring dialog_text(UINT id) {
     // Strings lie in blocks of sixteen; an id whose block is there has an empty text, at least.
     if (!library || !FindResourceW(library, MAKEINTRESOURCEW(id / 16 + 1), RT_STRING))
         return qk::format(L"(no id{%u})", id);
-    return qk::find_string(library, id).value_or(qk::format(L"(no string{%u})", id));
+    if (auto text = qk::find_string(library, id))
+        return *std::move(text);
+    return qk::format(L"(no string{%u})", id);
 }
 
 int show_message(HWND owner, const std::wstring& text, UINT caption_id, UINT style) {

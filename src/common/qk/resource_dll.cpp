@@ -182,7 +182,9 @@ std::wstring ResourceDLL::load_string(UINT id) const {
     TRACE_F(L"ResourceDLL::load_string %u", id);
     if (!library_)
         return L"(no resource dll)";
-    return find_string(library_.get(), id, units_ - 1).value_or(format(L"(no resource string:ID=%u)", id));
+    if (auto text = find_string(library_.get(), id, units_ - 1))
+        return *std::move(text);
+    return format(L"(no resource string:ID=%u)", id);
 }
 
 }  // namespace qk

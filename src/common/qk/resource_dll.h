@@ -22,7 +22,7 @@ namespace qk {
 
 // Loads the library as data for the whole module, on the first call. False, with the last error of the
 // attempt, when there is none. Any thread.
-bool load_resource_library();
+[[nodiscard]] bool load_resource_library();
 
 // The library that load_resource_library has loaded, for dialogs and icons; null before and after.
 [[nodiscard]] HMODULE resource_module() noexcept;

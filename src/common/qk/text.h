@@ -71,21 +71,20 @@ template <class Fill>
 // What a function tells that first says how large its answer is.
 struct SizedAnswer {
     std::unique_ptr<std::byte[]> bytes;  // null: no answer, or no memory for it
-    DWORD size = 0;
+    DWORD size = 0;                      // as it was told first, which `bytes` has room for
+    DWORD stored = 0;  // as it was told with the answer; both agree unless it has just changed
 };
 
-// Calls `ask(buffer, bytes, needed)`, a nonzero result being success, without a buffer and again with one; no
-// answer when it is below `least` bytes or has changed its size in between.
+// Calls `ask(buffer, bytes, told)`, a nonzero result being success, without a buffer and again with one; no
+// answer when it is below `least` bytes.
 template <class Ask>
 [[nodiscard]] SizedAnswer read_sized(Ask ask, size_t least = 1) {
     SizedAnswer answer;
-    DWORD again = 0;
     ask(nullptr, DWORD{0}, &answer.size);
     if (answer.size < least)
         return {};
     answer.bytes.reset(new (std::nothrow) std::byte[answer.size]());
-    if (!answer.bytes || !ask(reinterpret_cast<BYTE*>(answer.bytes.get()), answer.size, &again) ||
-        again != answer.size)
+    if (!answer.bytes || !ask(reinterpret_cast<BYTE*>(answer.bytes.get()), answer.size, &answer.stored))
         return {};
     return answer;
 }
