@@ -22,6 +22,7 @@ add_library(zr_host_core STATIC
     host/setting_check.cpp
     host/setting_choice.cpp
     host/setting_walk.cpp
+    host/spool_file.cpp
     host/sheet_host.cpp
     host/sheet_watch.cpp
     host/stage_files.cpp

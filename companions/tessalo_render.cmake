@@ -13,6 +13,7 @@ add_library(zr_companions STATIC
     render/result_record.cpp
     render/scratch_folder.cpp
     render/unsupported.cpp
+    reservation.cpp
     tessalo/options.cpp
     tessalo/output_choice.cpp
     tessalo/safe_name.cpp

@@ -18,6 +18,7 @@
 #include "companions/host/printer_setup.h"
 #include "companions/host/renderer.h"
 #include "companions/host/setting_choice.h"
+#include "companions/host/spool_file.h"
 #include "companions/host/spool_turn.h"
 #include "companions/host/text_file.h"
 
@@ -30,23 +31,6 @@ constexpr std::chrono::milliseconds kProgressEvery{500};
 
 // A job that ends early; the report has been told why.
 struct JobOver {};
-
-// The path of a new, empty file in the temporary folder. The print system writes into what is there without
-// cutting it, so a file that an ended job has left is never taken.
-std::wstring make_spool() {
-    const std::wstring folder =
-        qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
-    for (unsigned attempt = 0;; ++attempt) {
-        std::wstring path =
-            qk::format(L"%szr_spool_%u_%u.ps", folder.c_str(), GetCurrentProcessId(), attempt);
-        const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
-        if (file)
-            return path;
-        if (const DWORD error = GetLastError(); error != ERROR_FILE_EXISTS)
-            throw HostError{ExitCode::kJobFailed,
-                            with_reason(L"the print data cannot be stored in " + folder, error)};
-    }
-}
 
 class JobRun {
 public:
@@ -167,7 +151,7 @@ void JobRun::start() {
         report_.start_record = fields_of(*record);
         report_.pdf = record_text(record->output_path);
     }
-    spool_ = make_spool();
+    spool_ = make_spool_file();
     document.lpszOutput = spool_.c_str();
     spool_turn_.emplace();
     report_.job = StartDocW(context_.get(), &document);

@@ -3,8 +3,8 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <string>
-#include <vector>
 
 namespace host {
 
@@ -30,14 +30,16 @@ struct RenderJob {
     std::wstring spool;    // path of the spooled PostScript
     std::wstring setting;  // empty: the printer's
     bool keep_spool;
+    // Returns when the process has ended. Empty: this thread just waits, and the renderer's streams are this
+    // program's standard error stream; else the renderer has neither streams nor a window.
+    std::function<void(HANDLE process)> wait = {};
 };
 
-// Runs the renderer of the installation folder to its end; its streams are this program's standard error
-// stream. Returns its exit code. Throws HostError (installation) when it cannot be started.
+// Runs the renderer of the installation folder to its end. Returns its exit code. Throws HostError
+// (installation) when it cannot be started.
 [[nodiscard]] DWORD run_renderer(const RenderJob& job, const TextArena& arena);
 
-// Takes back the file that was reserved for a job which ends without a PDF. Where that cannot be done an
-// empty file stays.
+// Takes back the file that was reserved for a job of this process which ends without a PDF.
 void discard_reserved_file(DWORD thread);
 
 }  // namespace host

@@ -18,7 +18,6 @@
 #include "companions/render/pdfmark.h"
 #include "companions/render/pending_pdf.h"
 #include "companions/render/scratch_folder.h"
-#include "companions/reservation.h"
 #include "companions/tessalo/options.h"
 #include "print_settings/PSAdmin.h"
 
@@ -239,15 +238,6 @@ Rendered render(const Arguments& arguments, const ZRTKPrintStartInfoC& start) {
     if (rendered.result.code != ResultCode::kDone)
         discard_reserved(start);
     return rendered;
-}
-
-void discard_reserved(const ZRTKPrintStartInfoC& start) {
-    const std::wstring path = text_of(start.output_path);
-    WIN32_FILE_ATTRIBUTE_DATA data = {};
-    const bool empty = !path.empty() && GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) &&
-                       data.nFileSizeHigh == 0 && data.nFileSizeLow == 0;
-    if (start.first_value == kFileReserved && empty)
-        DeleteFileW(path.c_str());
 }
 
 }  // namespace companions::render

@@ -9,6 +9,7 @@
 #include "companions/render/engine.h"
 #include "companions/render/engine_log.h"
 #include "companions/render/result_record.h"
+#include "companions/reservation.h"
 
 namespace companions::render {
 
@@ -24,8 +25,5 @@ struct Rendered {
 
 // What the end of the engine and its output mean for the job.
 [[nodiscard]] ResultCode engine_result(Engine::End end, const EngineLog& log) noexcept;
-
-// Removes the empty file that the dialog library reserved for the job, if it is still empty.
-void discard_reserved(const ZRTKPrintStartInfoC& start);
 
 }  // namespace companions::render
