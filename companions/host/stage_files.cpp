@@ -10,6 +10,7 @@
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
+#include "companions/print_processor/names.h"
 
 namespace host {
 
@@ -107,6 +108,10 @@ std::vector<FileCopy> plan_copies(const std::wstring& stage, const InstallPlaces
     demand(stage + L"Language\\zrtk_res_en.dll");
     demand(stage + L"Settings\\standard.ps4");
     copies.push_back({stage + kModule, places.drivers + kModule, false});
+    if (!places.processors.empty()) {
+        demand(stage + processor::kLibrary);
+        copies.push_back({stage + processor::kLibrary, places.processors + processor::kLibrary, false});
+    }
     for (const std::wstring& name : files_below(stage + L"Language\\")) {
         copies.push_back({stage + L"Language\\" + name, places.drivers + L"Language\\" + name, false});
         copies.push_back({stage + L"Language\\" + name, places.installation + L"Language\\" + name, false});

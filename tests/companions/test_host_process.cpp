@@ -7,23 +7,9 @@
 #include "common/qk/paths.h"
 #include "print_settings/PrintSettings.h"
 #include "support/child_process.h"
+#include "support/printer_turn.h"
 
 namespace {
-
-// The one printer, whose setting for the next job is taken back by whichever job ends: its tests take turns,
-// also when they run at once in processes of their own.
-class Turn {
-public:
-    Turn() : mutex_(CreateMutexW(nullptr, FALSE, L"zr_tests.HostProcess")) {
-        WaitForSingleObject(mutex_.get(), INFINITE);
-    }
-    ~Turn() { ReleaseMutex(mutex_.get()); }
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
-
-private:
-    qk::HandleObj mutex_;
-};
 
 class HostProcess : public testing::Test {
 protected:
@@ -60,7 +46,7 @@ protected:
 
     static constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-    const Turn turn_;
+    const PrinterTurn turn_;
     const TempFolder folder_;
     std::wstring text_;
     picojson::value report_;
