@@ -79,17 +79,9 @@ private:
     std::wstring path_;
 };
 
-bool print_to_file(const SpooledJob& job) {
-    if (processor::write_postscript(job, job.output))
-        return true;
-    const qk::LastErrorKeeper keep;
-    DeleteFileW(job.output.c_str());
-    return false;
-}
-
 bool print(const SpooledJob& job) {
     if (!processor::goes_to_port(job))
-        return print_to_file(job);
+        return processor::write_postscript(job, job.output);
     // The number that the print system names its own file by begins at 1 in every program: another program's
     // job may soon have that file.
     const SpoolFile spool;

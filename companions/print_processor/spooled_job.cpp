@@ -40,27 +40,41 @@ bool write(HANDLE file, const void* bytes, DWORD size) noexcept {
     return written == size;
 }
 
+// Cuts the file and removes it again, with the last error kept, unless the work on it succeeds; a file that
+// cannot be opened for it stays as it is.
+template <class Work>
+bool fill_file(const std::wstring& target, Work work) {
+    qk::FileObj file(
+        CreateFileW(target.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr));
+    if (!file)
+        return false;
+    const bool filled = work(file);
+    file.reset();
+    const qk::LastErrorKeeper keep;
+    if (!filled)
+        DeleteFileW(target.c_str());
+    return filled;
+}
+
 bool copy_data(const SpooledJob& job, const std::wstring& target) {
     qk::PrinterHandleObj data;
     if (!OpenPrinterW(const_cast<wchar_t*>(job.name.c_str()), data.put(), nullptr))
         return false;
-    const qk::FileObj file(
-        CreateFileW(target.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr));
-    if (!file)
-        return false;
-    if (qk::equal_no_case(job.datatype, kText) &&
-        !write(file.get(), kTextProgram.data(), static_cast<DWORD>(kTextProgram.size())))
-        return false;
-    std::vector<std::byte> piece(1 << 16);
-    for (;;) {
-        DWORD read = 0;
-        if (!ReadPrinter(data.get(), piece.data(), static_cast<DWORD>(piece.size()), &read))
+    return fill_file(target, [&](const qk::FileObj& file) {
+        if (qk::equal_no_case(job.datatype, kText) &&
+            !write(file.get(), kTextProgram.data(), static_cast<DWORD>(kTextProgram.size())))
             return false;
-        if (read == 0)
-            return true;
-        if (!write(file.get(), piece.data(), read))
-            return false;
-    }
+        std::vector<std::byte> piece(1 << 16);
+        for (;;) {
+            DWORD read = 0;
+            if (!ReadPrinter(data.get(), piece.data(), static_cast<DWORD>(piece.size()), &read))
+                return false;
+            if (read == 0)
+                return true;
+            if (!write(file.get(), piece.data(), read))
+                return false;
+        }
+    });
 }
 
 // The processor of the system's PostScript driver, of those releases whose driver has one.
@@ -88,8 +102,6 @@ bool draw_emf(const SpooledJob& job, const std::wstring& target) {
     if (!find(emf.open, "OpenPrintProcessor") || !find(emf.print, "PrintDocumentOnPrintProcessor") ||
         !find(emf.close, "ClosePrintProcessor"))
         return false;
-    // It writes into what is there without cutting it.
-    qk::FileObj(CreateFileW(target.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr)).reset();
     SpooledJob own = job;
     std::wstring file = target;
     wchar_t port[] = L"FILE:, Port";
@@ -100,14 +112,16 @@ bool draw_emf(const SpooledJob& job, const std::wstring& target) {
                                    own.number,
                                    file.data(),
                                    own.printer.data()};
-    const HANDLE opened = emf.open(port, &data);
-    if (!opened)
-        return false;
-    const BOOL printed = emf.print(opened, own.name.data());
-    const DWORD error = GetLastError();
-    emf.close(opened);
-    SetLastError(error);
-    return printed != FALSE;
+    return fill_file(target, [&](qk::FileObj& cut) {
+        cut.reset();  // the processor writes into what is there without cutting it
+        const HANDLE opened = emf.open(port, &data);
+        if (!opened)
+            return false;
+        const BOOL printed = emf.print(opened, own.name.data());
+        const qk::LastErrorKeeper keep;
+        emf.close(opened);
+        return printed != FALSE;
+    });
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ struct SpooledJob {
 
 // Writes the job's data as PostScript into the file `target`, which is cut first: plain text is laid out on
 // pages, EMF is drawn by the system's own processor, the rest is copied as it is. Shows nothing. False, with
-// the last error, when that fails; the file is then incomplete.
+// the last error, when that fails; a file that was cut is then gone.
 [[nodiscard]] bool write_postscript(const SpooledJob& job, const std::wstring& target);
 
 // Whether this job's data is to become a PDF: it goes to the printer's own port.
