@@ -34,8 +34,9 @@ void wait_painting(HANDLE process) {
     while (MsgWaitForMultipleObjects(1, &process, FALSE, INFINITE, QS_PAINT | QS_SENDMESSAGE) ==
            WAIT_OBJECT_0 + 1) {
         MSG message = {};
-        for (int painted = 0; painted < kMostAtOnce && PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT,
-                                                                    PM_REMOVE | (QS_PAINT << 16));
+        for (int painted = 0;
+             painted < kMostAtOnce &&
+             PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE | PM_QS_PAINT | PM_QS_SENDMESSAGE);
              ++painted)
             DispatchMessageW(&message);
         if (WaitForSingleObject(process, kBetweenPaints) != WAIT_TIMEOUT)
