@@ -21,6 +21,7 @@ add_library(zr_host_core STATIC
     host/setting_choice.cpp
     host/sheet_host.cpp
     host/sheet_watch.cpp
+    host/spool_file.cpp
     host/stage_files.cpp
     host/text_file.cpp
     host/trace_output.cpp)

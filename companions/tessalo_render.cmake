@@ -23,6 +23,7 @@ add_library(zr_companions STATIC
     render/unsupported.cpp
     render/viewer.cpp
     render/web_links.cpp
+    reservation.cpp
     tessalo/options.cpp
     tessalo/output_choice.cpp
     tessalo/safe_name.cpp

@@ -5,17 +5,21 @@
 
 namespace host {
 
+DriverModule load_module(const std::wstring& path) {
+    qk::DLL library(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    if (!library)
+        throw HostError{ExitCode::kInstallation, with_reason(L"cannot load " + path, GetLastError())};
+    auto* document_event = qk::find_export<DocumentEvent>(library.get(), "DrvDocumentEvent");
+    if (!document_event)
+        throw HostError{ExitCode::kInstallation, path + L" has no DrvDocumentEvent"};
+    return {path, std::move(library), document_event};
+}
+
 DriverModule load_driver_module() {
     const auto path = find_driver_module();
     if (!path)
         throw HostError{ExitCode::kInstallation, L"the driver is not installed; run: zr_print install"};
-    qk::DLL library(LoadLibraryExW(path->c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
-    if (!library)
-        throw HostError{ExitCode::kInstallation, with_reason(L"cannot load " + *path, GetLastError())};
-    auto* document_event = qk::find_export<DocumentEvent>(library.get(), "DrvDocumentEvent");
-    if (!document_event)
-        throw HostError{ExitCode::kInstallation, *path + L" has no DrvDocumentEvent"};
-    return {*path, std::move(library), document_event};
+    return load_module(*path);
 }
 
 }  // namespace host

@@ -14,6 +14,9 @@ struct DriverModule {
     DocumentEvent* document_event;  // valid while `library` is loaded
 };
 
+// Loads the module at `path` as the print system does. Throws HostError (installation).
+[[nodiscard]] DriverModule load_module(const std::wstring& path);
+
 // Loads the module that the spooler has registered for the printer's driver. Throws HostError (installation).
 [[nodiscard]] DriverModule load_driver_module();
 

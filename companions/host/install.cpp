@@ -14,6 +14,10 @@
 #include "companions/host/printer_setup.h"
 #include "companions/host/sheet_host.h"
 #include "companions/host/turn.h"
+#include "companions/print_processor/names.h"
+#include "companions/render/engine.h"
+#include "companions/render/scratch_folder.h"
+#include "companions/wine_layer.h"
 
 namespace host {
 
@@ -78,6 +82,7 @@ void copy_files(const std::wstring& stage, const InstallPlaces& places, Steps& s
     for (const wchar_t* folder : {L"Settings\\legacy\\", L"CustomSettings\\"})
         make_folder(places.installation + folder);
     make_folder(places.drivers);
+    make_folder(places.processors);
     make_folder(qk::shared_documents_folder());  // of the error logs, which do not make it themselves
     for (const FileCopy& copy : copies)
         steps.add(copy.target, outcome_name(bring_up_to_date(copy)));
@@ -99,11 +104,31 @@ void remove_files(const InstallPlaces& places, Steps& steps) {
             remove_file(qk::format(L"%sLanguage\\zrtk_res_%s.dll", place.c_str(), code), steps);
     remove_file(places.drivers + kConfigFile, steps);
     remove_file(places.drivers + kDataFile, steps);
-    for (const wchar_t* name : {L"Tessalo80.dll", L"zr_render.exe", L"Settings\\standard.ps4"})
+    remove_file(places.processors + processor::kLibrary, steps);
+    for (const wchar_t* name :
+         {L"Tessalo80.dll", L"Tessalo80.ini", L"zr_render.exe", L"Settings\\standard.ps4"})
         remove_file(places.installation + name, steps);
     RemoveDirectoryW((places.drivers + L"Language").c_str());
-    for (const wchar_t* folder : {L"Language", L"Settings\\legacy", L"Settings", L"CustomSettings", L""})
+    for (const wchar_t* folder :
+         {L"Language", L"Settings\\legacy", L"Settings", L"CustomSettings", L"", L".."})
         RemoveDirectoryW((places.installation + folder).c_str());
+    const std::wstring shared = qk::shared_documents_folder();
+    for (const std::wstring& folder : {shared, shared.substr(0, shared.rfind(L'\\'))})
+        RemoveDirectoryW(folder.c_str());
+    RemoveDirectoryW(ZRTK_TempRoot().c_str());
+}
+
+// The product's keys, and those that Wine has made around its printer, as far as nothing is left in them.
+void remove_empty_keys() {
+    for (const wchar_t* path :
+         {kNotificationKey, L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Corvanta Vantrix 8.0",
+          L"SOFTWARE\\Corvanta\\Vantrix\\8.0", L"SOFTWARE\\Corvanta\\Vantrix", L"SOFTWARE\\Corvanta"})
+        for (const HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
+            remove_key_if_empty(hive, path);
+    if (companions::wine::present())
+        for (const wchar_t* name : {L"Devices", L"PrinterPorts", L"Windows"})
+            remove_key_if_empty(HKEY_CURRENT_USER,
+                                std::wstring(L"Software\\Microsoft\\Windows NT\\CurrentVersion\\") + name);
 }
 
 std::wstring log_folder() {
@@ -116,14 +141,32 @@ void look_for_file(const std::wstring& path, Steps& steps) {
     steps.add(path, there ? L"there" : L"missing", there);
 }
 
-// A printer that was made before the system below was renewed names a processor that no longer fits.
-void add_processor(HANDLE printer, Steps& steps) {
-    const std::wstring name = printer_processor(printer);
-    const PrintProcessor wanted = needed_print_processor();
-    const bool fits = qk::equal_no_case(name, wanted.name);
-    steps.add(kProcessor,
-              print_processor_text(name) + (fits ? L"" : L"; " + wanted.name + L" is needed: install again"),
-              fits);
+// A printer that was made before the system below was renewed takes a way that no longer leads anywhere.
+void add_way(HANDLE printer, Steps& steps) {
+    const PrinterWay way = printer_way(printer);
+    const bool fits = leads_to_pdf(way);
+    const std::wstring advice = fits ? L"" : L"; install again: programs' documents do not become PDFs";
+    steps.add(kProcessor, print_processor_text(way.processor) + advice, fits);
+    steps.add(L"port", way.port, qk::equal_no_case(way.port, processor::kPort));
+}
+
+void look_for_processor(Steps& steps) {
+    const std::wstring library = find_processor_library();
+    if (library.empty())
+        steps.add(processor::kLibrary, L"not registered", false);
+    else
+        look_for_file(library, steps);
+}
+
+// Asks Ghostscript for its version.
+void look_for_engine(Steps& steps) {
+    const companions::render::ScratchFolder scratch;
+    std::string version;
+    const auto end = companions::render::Engine().run(
+        {"--version"}, scratch.path(), [&version](std::string_view piece) { version += piece; });
+    const bool there = end == companions::render::Engine::End::kDone;
+    version = version.substr(0, version.find_first_of("\r\n"));
+    steps.add(L"engine", there ? L"Ghostscript " + qk::to_wide(version) : L"Ghostscript is missing", there);
 }
 
 }  // namespace
@@ -132,7 +175,7 @@ InstallPlaces install_places() {
     wchar_t programs[MAX_PATH + 1] = {};
     if (!SHGetSpecialFolderPathW(nullptr, programs, CSIDL_PROGRAM_FILES, TRUE))
         throw HostError{ExitCode::kInstallation, L"the system names no folder for programs"};
-    return {std::wstring(programs) + L"\\Corvanta\\Vantrix\\", driver_folder()};
+    return {std::wstring(programs) + L"\\Corvanta\\Vantrix\\", driver_folder(), processor_folder()};
 }
 
 InstallSteps install(const std::wstring& stage, const StepSeen& seen) {
@@ -146,8 +189,9 @@ InstallSteps install(const std::wstring& stage, const StepSeen& seen) {
     const bool changed = set_text(root.get(), kFolderValue, places.installation);
     steps.add(kFolderValue, changed ? L"set to " + places.installation : L"up to date");
     steps.add(L"driver", ensure_driver() ? L"installed" : L"there");
+    steps.add(kProcessor, ensure_print_processor() ? L"installed" : L"there");
     steps.add(std::wstring(L"printer ") + qk::kProductName, ensure_printer() ? L"installed" : L"there");
-    steps.add(kProcessor, print_processor_text(printer_processor(open_printer().get())));
+    add_way(open_printer().get(), steps);
     return steps.take();
 }
 
@@ -157,12 +201,16 @@ InstallSteps uninstall(const StepSeen& seen) {
     const InstallPlaces places = install_places();
     Steps steps(seen);
     steps.add(std::wstring(L"printer ") + qk::kProductName, remove_printer() ? L"removed" : L"was not there");
+    if (const std::wstring former = restore_default_printer(); !former.empty())
+        steps.add(L"default printer", former + L" again");
+    steps.add(kProcessor, remove_print_processor() ? L"removed" : L"was not there");
     steps.add(L"driver", remove_driver() ? L"removed" : L"was not there");
     remove_files(places, steps);
     if (const std::wstring sheet_host = sheet_host_path(); remove_sheet_host(sheet_host))
         steps.add(sheet_host, L"the system's own again");
-    const qk::RegKey root = machine_key(qk::registry::kRoot);
-    RegDeleteValueW(root.get(), kFolderValue);
+    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, qk::registry::kRoot, kFolderValue);
+    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kNotificationKey, kChannelsValue);
+    remove_empty_keys();
     steps.add(kFolderValue, L"removed");
     return steps.take();
 }
@@ -174,7 +222,8 @@ InstallSteps installation_status() {
     const bool there = static_cast<bool>(printer);
     steps.add(std::wstring(L"printer ") + qk::kProductName, there ? L"there" : L"missing", there);
     if (there)
-        add_processor(printer.get(), steps);
+        add_way(printer.get(), steps);
+    look_for_processor(steps);
     const auto module = find_driver_module();
     steps.add(L"driver", module ? L"there" : L"missing", module.has_value());
     if (module)
@@ -184,6 +233,7 @@ InstallSteps installation_status() {
     steps.add(kFolderValue, folder.empty() ? L"missing" : folder, !folder.empty());
     for (const wchar_t* name : {L"Tessalo80.dll", L"zr_render.exe", L"Settings\\standard.ps4"})
         look_for_file(folder + name, steps);
+    look_for_engine(steps);
     steps.add(sheet_host_path(), sheet_host_state(sheet_host_path()));
     steps.add(L"failed jobs are told through", notify_channels_text());
     return steps.take();

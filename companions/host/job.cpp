@@ -20,6 +20,7 @@
 #include "companions/host/printer_setup.h"
 #include "companions/host/renderer.h"
 #include "companions/host/setting_choice.h"
+#include "companions/host/spool_file.h"
 #include "companions/host/text_file.h"
 #include "companions/host/turn.h"
 #include "companions/system_texts.h"
@@ -34,22 +35,6 @@ constexpr DWORD kMostSpoolWait = 600000;  // then the print system may refuse th
 
 // A job that ends early; the report has been told why.
 struct JobOver {};
-
-// The path of a new, empty file in the temporary folder. The print system writes into what is there without
-// cutting it, so a file that an ended job has left is never taken.
-std::wstring make_spool() {
-    const std::wstring folder = companions::temporary_folder();
-    for (unsigned attempt = 0;; ++attempt) {
-        std::wstring path =
-            qk::format(L"%szr_spool_%u_%u.ps", folder.c_str(), GetCurrentProcessId(), attempt);
-        const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
-        if (file)
-            return path;
-        if (const DWORD error = GetLastError(); error != ERROR_FILE_EXISTS)
-            throw HostError{ExitCode::kJobFailed,
-                            with_reason(L"the print data cannot be stored in " + folder, error)};
-    }
-}
 
 class JobRun {
 public:
@@ -172,7 +157,7 @@ void JobRun::start() {
         report_.start_record = fields_of(*record);
         report_.pdf = record_text(record->output_path);
     }
-    spool_ = make_spool();
+    spool_ = make_spool_file();
     document.lpszOutput = spool_.c_str();
     spool_turn_.emplace(L"zr_print_spool", kMostSpoolWait);
     report_.job = StartDocW(context_.get(), &document);

@@ -5,30 +5,34 @@
 #include <winspool.h>
 
 #include "common/qk/handle.h"
+#include "common/qk/registry.h"
 #include "common/qk/text.h"
+#include "companions/host/host_error.h"
+#include "companions/print_processor/names.h"
 
 namespace host {
 
 namespace {
 
 constexpr wchar_t kEmfLibrary[] = L"wineps.drv";
-const PrintProcessor kEmf = {L"wineps", L"NT EMF 1.003", L"documents are spooled as EMF"};
-const PrintProcessor kRaw = {L"WinPrint", L"RAW", L"documents are spooled as PostScript"};
+const PrintProcessor kEmf = {processor::kName, processor::kEmf, L"documents are spooled as EMF"};
+const PrintProcessor kRaw = {processor::kName, processor::kRaw, L"documents are spooled as PostScript"};
 
-// The folder of the print processors' libraries, without a trailing backslash; empty when the spooler does
-// not tell.
-std::wstring processor_folder() {
-    wchar_t folder[MAX_PATH] = {};
-    DWORD needed = 0;
-    const bool told = GetPrintProcessorDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(folder),
-                                                  sizeof folder, &needed);
-    return told ? folder : std::wstring();
+constexpr wchar_t kEnvironment[] = L"Windows x64";
+
+std::wstring processor_key(const wchar_t* name) {
+    return std::wstring(L"SYSTEM\\CurrentControlSet\\Control\\Print\\Environments\\") + kEnvironment +
+           L"\\Print Processors" + name;
+}
+
+// The interfaces of the spooler take texts that they do not change through pointers to writable ones.
+wchar_t* writable(const wchar_t* text) noexcept {
+    return const_cast<wchar_t*>(text);
 }
 
 // Where the library still serves the GDI as a driver, the GDI draws through it and spools what it wrote.
 bool spools_emf() {
-    const std::wstring folder = processor_folder();
-    const qk::DLL library(folder.empty() ? nullptr : LoadLibraryW((folder + L'\\' + kEmfLibrary).c_str()));
+    const qk::DLL library(LoadLibraryW((processor_folder() + kEmfLibrary).c_str()));
     return library && !GetProcAddress(library.get(), "wine_get_gdi_driver") &&
            GetProcAddress(library.get(), "EnumPrintProcessorDatatypesW");
 }
@@ -40,10 +44,61 @@ PrintProcessor needed_print_processor() {
 }
 
 std::wstring print_processor_text(const std::wstring& name) {
-    for (const PrintProcessor* known : {&kEmf, &kRaw})
-        if (qk::equal_no_case(name, known->name))
-            return known->name + L", " + known->meaning;
-    return name;
+    const PrintProcessor own = needed_print_processor();
+    return qk::equal_no_case(name, own.name) ? own.name + L", " + own.meaning : name;
+}
+
+std::wstring processor_folder() {
+    wchar_t folder[MAX_PATH] = {};
+    DWORD needed = 0;
+    if (!GetPrintProcessorDirectoryW(nullptr, writable(kEnvironment), 1, reinterpret_cast<BYTE*>(folder),
+                                     sizeof folder, &needed))
+        throw HostError{ExitCode::kInstallation,
+                        with_reason(L"the spooler names no folder of print processors", GetLastError())};
+    return std::wstring(folder) + L'\\';
+}
+
+std::wstring find_processor_library() {
+    const std::wstring key = processor_key(L"\\") + processor::kName;
+    const auto library = qk::registry::find_text(HKEY_LOCAL_MACHINE, key, L"Driver");
+    return library ? processor_folder() + *library : std::wstring();
+}
+
+bool ensure_print_processor() {
+    const std::wstring wanted = processor_folder() + processor::kLibrary;
+    if (qk::equal_no_case(find_processor_library(), wanted))
+        return false;
+    if (!AddPrintProcessorW(nullptr, writable(kEnvironment), writable(processor::kLibrary),
+                            writable(processor::kName)))
+        throw HostError{ExitCode::kInstallation,
+                        with_reason(L"the print processor cannot be installed", GetLastError())};
+    return true;
+}
+
+void remove_key_if_empty(HKEY hive, const std::wstring& path) {
+    DWORD keys = 1;
+    DWORD values = 1;
+    qk::RegKey key = qk::registry::open(hive, path);
+    if (key)
+        RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr,
+                         nullptr, nullptr, nullptr);
+    key.reset();
+    if (keys == 0 && values == 0)
+        RegDeleteKeyW(hive, path.c_str());
+}
+
+bool remove_print_processor() {
+    if (find_processor_library().empty())
+        return false;
+    DeletePrintProcessorW(nullptr, writable(kEnvironment), writable(processor::kName));
+    // Wine's does nothing.
+    const std::wstring key = processor_key(L"\\") + processor::kName;
+    const LSTATUS error = RegDeleteKeyW(HKEY_LOCAL_MACHINE, key.c_str());
+    if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND)
+        throw HostError{ExitCode::kInstallation,
+                        with_reason(L"the print processor cannot be removed", static_cast<DWORD>(error))};
+    remove_key_if_empty(HKEY_LOCAL_MACHINE, processor_key(L""));
+    return true;
 }
 
 }  // namespace host

@@ -1,6 +1,8 @@
 // The part of the print system that takes the spooled document to the printer's port.
 #pragma once
 
+#include <windows.h>
+
 #include <string>
 
 namespace host {
@@ -11,12 +13,28 @@ struct PrintProcessor {
     std::wstring meaning;   // in words, for the installation's report
 };
 
-// The print processor that a printer has to name on this print system so that documents arrive as
-// PostScript. Wine from version 10 on spools documents as EMF, and a processor of its own turns them into
-// PostScript; earlier ones spool PostScript, which is handed on as it is.
+// The print processor that the printer has to name, which is the product's own, and what it gets on this
+// print system: Wine from version 10 on spools documents as EMF, earlier ones as PostScript.
 [[nodiscard]] PrintProcessor needed_print_processor();
 
 // What the name of a printer's processor means; the name alone where it is none of ours.
 [[nodiscard]] std::wstring print_processor_text(const std::wstring& name);
+
+// The folder of the print processors' libraries, with its trailing backslash. Throws HostError (installation)
+// when the spooler does not tell.
+[[nodiscard]] std::wstring processor_folder();
+
+// The path of the processor's library as the spooler has it registered; empty when it is not.
+[[nodiscard]] std::wstring find_processor_library();
+
+// Registers the processor, whose library has to lie in its folder; true when it was not. No printer may name
+// one that is not registered: programs that print to it would hang. Throws HostError (installation).
+bool ensure_print_processor();
+
+// Removes a key that holds neither keys nor values.
+void remove_key_if_empty(HKEY hive, const std::wstring& path);
+
+// Takes the processor's registration away; true when there was one. Throws HostError (installation).
+bool remove_print_processor();
 
 }  // namespace host

@@ -5,20 +5,21 @@
 #include <string_view>
 
 #include "common/qk/module.h"
+#include "common/qk/registry.h"
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
 #include "companions/host/print_processor.h"
 #include "companions/host/resource.h"
 #include "companions/host/stage_files.h"
+#include "companions/print_processor/names.h"
 
 namespace host {
 
 namespace {
 
 constexpr wchar_t kEnvironment[] = L"Windows x64";
-constexpr wchar_t kDriverFile[] = L"wineps.drv";  // draws the pages as PostScript
-// Where programs print to; each job of the host names a file of its own.
-constexpr wchar_t kPort[] = L"C:\\vantrix.ps";
+constexpr wchar_t kDriverFile[] = L"wineps.drv";               // draws the pages as PostScript
+constexpr wchar_t kFormerDefault[] = L"FormerDefaultPrinter";  // of the user's product key
 constexpr DWORD kDriverVersion = 3;
 
 HostError installation_fault(const std::wstring& what, DWORD error) {
@@ -36,6 +37,12 @@ std::string_view data_file_bytes() {
     if (!loaded)
         throw HostError{ExitCode::kInternal, L"the printer's data file is missing in this program"};
     return {static_cast<const char*>(LockResource(loaded)), SizeofResource(nullptr, found)};
+}
+
+std::wstring default_printer() {
+    wchar_t name[MAX_PATH] = {};
+    DWORD units = static_cast<DWORD>(std::size(name));
+    return GetDefaultPrinterW(name, &units) ? name : std::wstring();
 }
 
 std::vector<std::byte> installed_drivers(DWORD& count) {
@@ -101,33 +108,38 @@ bool ensure_driver() {
     return true;
 }
 
-std::wstring printer_processor(HANDLE printer) {
-    DWORD needed = 0;
-    GetPrinterW(printer, 2, nullptr, 0, &needed);
-    std::vector<std::byte> bytes(needed);
-    if (needed < sizeof(PRINTER_INFO_2W) ||
-        !GetPrinterW(printer, 2, reinterpret_cast<BYTE*>(bytes.data()), needed, &needed))
-        return {};
-    const wchar_t* name = reinterpret_cast<const PRINTER_INFO_2W*>(bytes.data())->pPrintProcessor;
-    return name ? name : std::wstring();
+PrinterWay printer_way(HANDLE printer) {
+    const qk::SizedAnswer answer =
+        qk::read_sized([printer](BYTE* buffer, DWORD size,
+                                 DWORD* needed) { return GetPrinterW(printer, 2, buffer, size, needed); },
+                       sizeof(PRINTER_INFO_2W));
+    const auto* info = reinterpret_cast<const PRINTER_INFO_2W*>(answer.bytes.get());
+    const auto text = [](const wchar_t* told) { return told ? std::wstring(told) : std::wstring(); };
+    return info ? PrinterWay{text(info->pPrintProcessor), text(info->pPortName), text(info->pDatatype)}
+                : PrinterWay{};
+}
+
+bool leads_to_pdf(const PrinterWay& way) {
+    const PrintProcessor wanted = needed_print_processor();
+    return qk::equal_no_case(way.processor, wanted.name) && qk::equal_no_case(way.port, processor::kPort) &&
+           way.datatype == wanted.datatype;  // which the print system compares as it stands
 }
 
 bool ensure_printer() {
-    PrintProcessor processor = needed_print_processor();
+    PrintProcessor needed = needed_print_processor();
     if (qk::PrinterHandleObj there = open_printer()) {
-        if (qk::equal_no_case(printer_processor(there.get()), processor.name))
+        if (leads_to_pdf(printer_way(there.get())))
             return false;
-        // Not every spooler changes the processor of a printer; each makes one with the processor that is
-        // named.
+        // Not every spooler changes a printer's processor; each makes a printer with the one that is named.
         there.reset();
         remove_printer();
     }
     PRINTER_INFO_2W printer = {};
     printer.pPrinterName = writable(qk::kProductName);
     printer.pDriverName = writable(qk::kProductName);
-    printer.pPortName = writable(kPort);
-    printer.pPrintProcessor = processor.name.data();
-    printer.pDatatype = processor.datatype.data();
+    printer.pPortName = writable(processor::kPort);
+    printer.pPrintProcessor = needed.name.data();
+    printer.pDatatype = needed.datatype.data();
     printer.pComment = writable(L"Makes PDF files");
     const qk::PrinterHandleObj made(AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&printer)));
     if (!made && GetLastError() != ERROR_PRINTER_ALREADY_EXISTS)
@@ -170,8 +182,31 @@ std::vector<std::byte> default_mode(HANDLE printer) {
 }
 
 void make_default_printer() {
+    const std::wstring former = default_printer();
+    if (qk::equal_no_case(former, qk::kProductName))
+        return;
     if (!SetDefaultPrinterW(qk::kProductName))
         throw installation_fault(L"the printer cannot be made the default", GetLastError());
+    if (former.empty())
+        return;
+    const qk::RegKey key = qk::registry::create(HKEY_CURRENT_USER, qk::registry::kRoot, KEY_WRITE);
+    if (key)
+        RegSetValueExW(key.get(), kFormerDefault, 0, REG_SZ, reinterpret_cast<const BYTE*>(former.c_str()),
+                       static_cast<DWORD>((former.size() + 1) * sizeof(wchar_t)));
+}
+
+std::wstring restore_default_printer() {
+    constexpr wchar_t kUsersDevice[] = L"Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows";
+    const auto now = qk::registry::find_text(HKEY_CURRENT_USER, kUsersDevice, L"Device").value_or(L"");
+    const bool dangling = qk::starts_with_no_case(now, std::wstring(qk::kProductName) + L',');
+    if (dangling)  // not every spooler forgets the default printer with the printer
+        RegDeleteKeyValueW(HKEY_CURRENT_USER, kUsersDevice, L"Device");
+    const auto former = qk::registry::find_text(HKEY_CURRENT_USER, qk::registry::kRoot, kFormerDefault);
+    if (!former)
+        return {};
+    RegDeleteKeyValueW(HKEY_CURRENT_USER, qk::registry::kRoot, kFormerDefault);
+    const bool chosen_since = !now.empty() && !dangling;
+    return !chosen_since && SetDefaultPrinterW(former->c_str()) ? *former : std::wstring();
 }
 
 }  // namespace host

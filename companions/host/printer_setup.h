@@ -29,10 +29,20 @@ bool provide_data_file(const std::wstring& folder);
 
 // Each makes what is missing; true when it did. Throws HostError (installation) when that fails.
 bool ensure_driver();
-bool ensure_printer();  // also one whose print processor is not the one that this print system needs
+bool ensure_printer();  // also anew, where it does not go through the product's print processor to its port
 
-// The name of the print processor that takes the printer's documents; empty when the spooler does not tell.
-[[nodiscard]] std::wstring printer_processor(HANDLE printer);
+// Which way the printer's documents go.
+struct PrinterWay {
+    std::wstring processor;
+    std::wstring port;
+    std::wstring datatype;
+};
+
+// Empty texts when the spooler does not tell.
+[[nodiscard]] PrinterWay printer_way(HANDLE printer);
+
+// Whether that is the way on which programs' documents become PDFs.
+[[nodiscard]] bool leads_to_pdf(const PrinterWay& way);
 
 // Each is true when there was something to remove.
 bool remove_printer();
@@ -46,5 +56,9 @@ bool remove_driver();
 
 // Makes the printer the current user's default. Throws HostError (installation).
 void make_default_printer();
+
+// Makes the printer that was the user's default before this one so again, where it still is there; its name,
+// empty when there is none. To be called when this printer is gone.
+std::wstring restore_default_printer();
 
 }  // namespace host

@@ -1,12 +1,15 @@
 #include "companions/host/renderer.h"
 
 #include <cstdint>
+#include <vector>
 
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/command_line.h"
 #include "companions/host/host_error.h"
+#include "companions/host/record_fields.h"
+#include "companions/reservation.h"
 
 namespace host {
 
@@ -21,20 +24,24 @@ HANDLE inheritable_error_stream() noexcept {
     return stream;
 }
 
-DWORD run(const std::vector<std::wstring>& words) {
+DWORD run(const std::vector<std::wstring>& words, const std::function<void(HANDLE)>& wait) {
     std::wstring line = companions::command_line(words);
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
-    startup.hStdOutput = inheritable_error_stream();
-    startup.hStdError = startup.hStdOutput;
+    if (!wait) {
+        startup.dwFlags = STARTF_USESTDHANDLES;
+        startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
+        startup.hStdOutput = inheritable_error_stream();
+        startup.hStdError = startup.hStdOutput;
+    }
     PROCESS_INFORMATION started = {};
-    if (!CreateProcessW(words[0].c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                        &started))
+    if (!CreateProcessW(words[0].c_str(), line.data(), nullptr, nullptr, wait ? FALSE : TRUE,
+                        wait ? CREATE_NO_WINDOW : 0, nullptr, nullptr, &startup, &started))
         throw HostError{ExitCode::kInstallation, with_reason(L"cannot start " + words[0], GetLastError())};
     const qk::HandleObj process(started.hProcess);
     const qk::HandleObj thread(started.hThread);
+    if (wait)
+        wait(process.get());
     WaitForSingleObject(process.get(), INFINITE);  // the renderer keeps its own time limit
     DWORD exit_code = 0;
     GetExitCodeProcess(process.get(), &exit_code);
@@ -63,14 +70,12 @@ DWORD run_renderer(const RenderJob& job, std::span<wchar_t> arena) {
         words.insert(words.end(), {L"--setting", job.setting});
     if (job.keep_spool)
         words.push_back(L"--keep-spool");
-    return run(words);
+    return run(words, job.wait);
 }
 
 void discard_reserved_file(DWORD thread) {
-    try {
-        run({program(), L"--thread", qk::format(L"%u", thread), L"--discard"});
-    } catch (const HostError&) {  // no renderer: the job's own fault is the one to tell
-    }
+    if (const auto start = find_start_record(thread))
+        companions::discard_reserved(*start);
 }
 
 }  // namespace host

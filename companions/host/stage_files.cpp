@@ -6,6 +6,7 @@
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
+#include "companions/print_processor/names.h"
 #include "companions/system_texts.h"
 
 namespace host {
@@ -90,6 +91,10 @@ std::vector<FileCopy> plan_copies(const std::wstring& stage, const InstallPlaces
     demand(stage + L"Language\\zrtk_res_en.dll");
     demand(stage + L"Settings\\standard.ps4");
     copies.push_back({stage + kModule, places.drivers + kModule, false});
+    if (!places.processors.empty()) {
+        demand(stage + processor::kLibrary);
+        copies.push_back({stage + processor::kLibrary, places.processors + processor::kLibrary, false});
+    }
     for (const std::wstring& name : files_below(stage + L"Language\\")) {
         copies.push_back({stage + L"Language\\" + name, places.drivers + L"Language\\" + name, false});
         copies.push_back({stage + L"Language\\" + name, places.installation + L"Language\\" + name, false});

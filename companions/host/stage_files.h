@@ -7,10 +7,11 @@
 
 namespace host {
 
-// The two places of an installation, each with its trailing backslash.
+// The places of an installation, each with its trailing backslash.
 struct InstallPlaces {
-    std::wstring installation;  // "…\Corvanta\Vantrix\"
-    std::wstring drivers;       // the spooler's folder for this system's drivers
+    std::wstring installation;     // "…\Corvanta\Vantrix\"
+    std::wstring drivers;          // the spooler's folder for this system's drivers
+    std::wstring processors = {};  // and for print processors; empty: none is installed
 };
 
 struct FileCopy {
@@ -24,8 +25,9 @@ enum class CopyOutcome { kCopied, kReplaced, kUpToDate, kKept };
 [[nodiscard]] const wchar_t* outcome_name(CopyOutcome outcome) noexcept;
 
 // Which file of the built tree `stage` (with its trailing backslash) goes where: the module and its language
-// libraries to the drivers; language libraries, dialog library, renderer and settings to the installation.
-// Throws HostError (installation) when a file is missing that the driver does not work without.
+// libraries to the drivers; the print processor to its folder; language libraries, dialog library, renderer
+// and settings to the installation. Throws HostError (installation) when a file is missing that the driver
+// does not work without.
 [[nodiscard]] std::vector<FileCopy> plan_copies(const std::wstring& stage, const InstallPlaces& places);
 
 // Brings one target up to date with its source: contents are compared, folders made. A target that a running

@@ -13,6 +13,7 @@
 #include "common/qk/text.h"
 #include "companions/render/console.h"
 #include "companions/render/render_job.h"
+#include "companions/reservation.h"
 
 namespace companions::render {
 

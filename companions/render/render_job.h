@@ -20,7 +20,4 @@ struct Rendered {
 // Failures are in the result; an old file at the path is then unharmed.
 [[nodiscard]] Rendered render(const Arguments& arguments, const ZRTKPrintStartInfoC& start);
 
-// Removes the empty file that the dialog library reserved for the job, if it is still empty.
-void discard_reserved(const ZRTKPrintStartInfoC& start);
-
 }  // namespace companions::render

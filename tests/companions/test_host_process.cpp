@@ -4,9 +4,9 @@
 #include <picojson.h>
 
 #include "common/qk/paths.h"
-#include "companions/host/turn.h"
 #include "print_settings/PrintSettings.h"
 #include "support/child_process.h"
+#include "support/printer_turn.h"
 
 namespace {
 
@@ -45,9 +45,7 @@ protected:
         return numbers;
     }
 
-    // The one printer, whose setting for the next job is taken back by whichever job ends: its tests take
-    // turns, also when they run at once in processes of their own.
-    const host::Turn turn_{L"zr_tests.HostProcess", INFINITE};
+    const PrinterTurn turn_;
     const TempFolder folder_;
     std::wstring text_ = folder_.write(L"text.txt", "Some words.\n\fMore words.\n\fThe end.\n");
     std::wstring pdf_ = folder_.file(L"\u65e5\u672c.pdf");

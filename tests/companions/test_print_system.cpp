@@ -50,7 +50,7 @@ qk::DeviceContext print_dialogs_context() {
 TEST(PrintSystem, DocumentOfThePrintDialogBecomesPostScript) {
     const InstalledPrinter printer;
     const DefaultPrinter chosen(printer.name);
-    EXPECT_EQ(host::printer_processor(printer.handle.get()), host::needed_print_processor().name);
+    EXPECT_EQ(host::printer_way(printer.handle.get()).processor, host::needed_print_processor().name);
     const qk::DeviceContext context = print_dialogs_context();
     ASSERT_TRUE(context);
     const TempFolder folder;

@@ -1,0 +1,19 @@
+#include "companions/reservation.h"
+
+#include <windows.h>
+
+#include <cwchar>
+#include <string>
+
+namespace companions {
+
+void discard_reserved(const ZRTKPrintStartInfoC& start) {
+    const std::wstring path(start.output_path, wcsnlen(start.output_path, kRecordTextUnits));
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    const bool empty = !path.empty() && GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) &&
+                       data.nFileSizeHigh == 0 && data.nFileSizeLow == 0;
+    if (start.first_value == kFileReserved && empty)
+        DeleteFileW(path.c_str());
+}
+
+}  // namespace companions
