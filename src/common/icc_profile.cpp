@@ -175,8 +175,6 @@ constexpr Condition kConditions[] = {
     {L"U.S. Web Coated (SWOP) v2", "CGART TR 001"},
 };
 
-constexpr size_t kMostIdChars = 19;
-
 constexpr bool is_digit(wchar_t unit) noexcept {
     return unit >= L'0' && unit <= L'9';
 }
@@ -186,12 +184,13 @@ bool is_one_line(std::wstring_view text) noexcept {
     return text.find_first_of(L"\n\r\x2028\x2029") == std::wstring_view::npos;
 }
 
-// Digits read as a decimal number: leading zeros go, a number too large becomes the largest.
+// Digits read as a decimal number: leading zeros go, a number too large becomes the largest. So an identifier
+// has at most fifteen characters, of nineteen that are allowed.
 std::string id_of(const char* prefix, std::wstring_view digits) {
     int64_t number = 0;
     for (const wchar_t digit : digits)
         number = std::min<int64_t>(number * 10 + (digit - L'0'), INT_MAX);
-    return (prefix + std::to_string(number)).substr(0, kMostIdChars);
+    return prefix + std::to_string(number);
 }
 
 // ".*FOGRA([0-9]+).*": greedy, so the last FOGRA that digits follow counts.
