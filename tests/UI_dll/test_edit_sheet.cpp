@@ -1,14 +1,12 @@
-#include <gtest/gtest.h>
-
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "common/rwPDFSet_functions.h"
-#include "resources/ids.h"
+#include "print_settings/display.h"
 #include "support/sheet_driver.h"
 
 namespace {
 
 using namespace pdf_settings;
-using Corvanta::Vantrix::PrintSettings::ReadName;
+using namespace Corvanta::Vantrix::PrintSettings;
 
 constexpr int kCheckButton = 12321;
 
@@ -66,19 +64,19 @@ TEST_F(Saving, ChangesAreListedAndSavedWhenTheUserAgrees) {
     EXPECT_TRUE(stayed_open());
     ASSERT_EQ(Outbox::boxes.size(), 1u);
     EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_YESNO | MB_ICONEXCLAMATION});
+    EXPECT_EQ(Outbox::boxes[0].caption, dialog_text(IDS_CONFIRM_CAPTION));
     EXPECT_NE(Outbox::boxes[0].text.find(L"After"), std::wstring::npos);
     EXPECT_TRUE(is_old(path));
 
     Outbox::answer = IDYES;
     LoadSettingFile(path);
-    show(
-        [] {
-            rename(L"After");
-            press_ok();
-        },
-        path);
+    show(edit, path);
     EXPECT_EQ(ReadName(path), L"After");
     EXPECT_FALSE(is_old(path));
+
+    Setting unknown = setting();  // a code without a name is shown as its number
+    unknown.color()->ColorMode = 3;
+    EXPECT_NE(Changed2Str(setting(), unknown).at(0).find(L'3'), std::wstring::npos);
 }
 
 TEST_F(Saving, CheckButtonSavesNothing) {
@@ -111,30 +109,28 @@ TEST_F(Saving, EditsSurviveAFolderThatTakesNoFile) {
     bool denies = false;
     const CallHook<decltype(CreateFileW)> denied(
         "CreateFileW",
-        [&](auto original, const wchar_t* path, DWORD access, DWORD share, auto* security, DWORD creation,
+        [&](auto original, auto path, DWORD access, DWORD share, auto* security, DWORD creation,
             auto... rest) -> HANDLE {
             if (!denies || creation != CREATE_NEW)
                 return original(path, access, share, security, creation, rest...);
             return SetLastError(ERROR_ACCESS_DENIED), INVALID_HANDLE_VALUE;
         });
-    const std::wstring obstacle =
-        here.folder.write(L"Roaming\\Corvanta", "");  // no folder can be made either
+    const std::wstring obstacle = here.folder.write(L"Roaming\\Corvanta", "");  // for the folder itself
     show([&] {
         rename(L"Kept");
         press_ok();
         DeleteFileW(obstacle.c_str());
         denies = true;
         press_ok();
+        denies = false;
         EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Kept");
         EXPECT_FALSE(is_name_taken(L"Kept", {}));
-        denies = false;
         press_ok();
     });
     EXPECT_FALSE(stayed_open());
     ASSERT_EQ(Outbox::boxes.size(), 2u);
     for (const Outbox::Box& box : Outbox::boxes)
-        EXPECT_NE(box.text.find(dialog_text(IDS_NO_USER_FOLDER)), std::wstring::npos)
-            << qk::to_utf8(box.text);
+        EXPECT_NE(box.text.find(dialog_text(IDS_NO_USER_FOLDER)), std::wstring::npos);
     EXPECT_NE(Outbox::boxes[0].text, Outbox::boxes[1].text);  // each with its reason
     EXPECT_EQ(ReadName(GetAppDataPath(false) + L"Kept.ps4"), L"Kept");
 }
@@ -160,7 +156,6 @@ TEST_F(Saving, FailureOnAPageKeepsTheSheetOpenAndItsEdits) {
             EXPECT_EQ(box.text, dialog_text(IDS_FAILED));
         press_ok();
     });
-    EXPECT_FALSE(stayed_open());
     EXPECT_EQ(ReadName(GetAppDataPath(false) + L"Typed.ps4"), L"Typed");
 }
 

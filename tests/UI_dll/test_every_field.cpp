@@ -1,15 +1,11 @@
 // Every field that the edit sheet edits: set on its page, saved, read by another instance, shown again.
-#include <gtest/gtest.h>
 
-#include <algorithm>
-#include <iterator>
 #include <set>
 #include <type_traits>
 
 #include "UI_dll/PDFSettings/pages/font_states.h"
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "print_settings/field_tables.h"
-#include "resources/ids.h"
 #include "support/profile_folder.h"
 #include "support/sheet_driver.h"
 
@@ -34,18 +30,16 @@ protected:
                    std::initializer_list<std::pair<int, int>> choices = {},
                    std::initializer_list<std::pair<int, const wchar_t*>> texts = {}) {
         turn_to(page);
-        for (const int control : clicks) {
+        const auto use = [&](int control) {
             EXPECT_TRUE(enabled(page, control)) << control;
-            control == IDC_MARK_COLOUR ? choose_colour() : click(page, control);
-        }
-        for (const auto& [control, position] : choices) {
-            EXPECT_TRUE(enabled(page, control)) << control;
-            choose(page, control, position);
-        }
-        for (const auto& [control, words] : texts) {
-            EXPECT_TRUE(enabled(page, control)) << control;
-            type(page, control, words);
-        }
+            return control;
+        };
+        for (const int control : clicks)
+            use(control) == IDC_MARK_COLOUR ? choose_colour() : click(page, control);
+        for (const auto& [control, position] : choices)
+            choose(page, use(control), position);
+        for (const auto& [control, words] : texts)
+            type(page, use(control), words);
     }
 
     // The colour dialog, which the system has to show on this machine as on any other.
@@ -206,8 +200,7 @@ TEST_F(EveryField, SetOnItsPageIsInTheFileAndOnThePageAgain) {
          [] {
              on(kGeneralPage, {}, {}, {{IDC_NAME, L"Silent"}});
              on(kSecuritiesPage, {IDC_SEC_USE_PERMISSIONS, IDC_SEC_READER}, {}, {{IDC_SEC_PASSWORD, L"m"}});
-         }},
-    };
+         }}};
     std::set<std::string> never_set;
     for (const Scenario& scenario : kScenarios) {
         setting() = {};

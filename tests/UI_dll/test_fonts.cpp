@@ -1,13 +1,8 @@
 // The table of installed fonts, and the page that lists them.
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <vector>
 
 #include "UI_dll/PDFSettings/pages/font_states.h"
 #include "UI_dll/PDFSettings/pages/page_font_rules.h"
 #include "common/qk/gdi_handle.h"
-#include "resources/ids.h"
 #include "support/sheet_driver.h"
 
 namespace {
@@ -16,14 +11,12 @@ using namespace pdf_settings;
 
 TEST(FontStates, LicenceBitsGiveTheLeastStrictPermission) {
     using enum Embedding;
-    struct {
-        uint16_t bits;
-        Embedding wanted;
-    } const rows[] = {{0, kInstallable},    {2, kRestricted},     {4, kPreview},        {8, kEditable},
-                      {0xE, kEditable},     {6, kPreview},        {1, kInstallable},    {0x108, kEditable},
-                      {0x200, kRestricted}, {0x208, kRestricted}, {0x100, kInstallable}};
-    for (const auto& row : rows)
-        EXPECT_EQ(embedding_of(row.bits), row.wanted) << row.bits;
+    const std::pair<uint16_t, Embedding> rows[] = {
+        {0, kInstallable},    {2, kRestricted},     {4, kPreview},        {8, kEditable},
+        {0xE, kEditable},     {6, kPreview},        {1, kInstallable},    {0x108, kEditable},
+        {0x200, kRestricted}, {0x208, kRestricted}, {0x100, kInstallable}};
+    for (const auto& [bits, wanted] : rows)
+        EXPECT_EQ(embedding_of(bits), wanted) << bits;
 }
 
 // What another function of the system says of each font.

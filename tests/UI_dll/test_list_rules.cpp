@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <set>
-#include <vector>
 
 #include "UI_dll/PDFSettings/list_rules.h"
+#include "support/prelude.h"
 
 namespace {
 

@@ -1,14 +1,8 @@
 // Colour profiles as the PDF version page finds and lists them, and the page itself.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
 
 #include "UI_dll/PDFSettings/pages/page_pdf_version.h"
-#include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
 #include "common/icc_folder.h"
 #include "common/icc_profile.h"
-#include "resources/ids.h"
 #include "support/profile_folder.h"
 #include "support/sheet_driver.h"
 #include "support/trace_capture.h"
@@ -113,7 +107,18 @@ TEST_F(PDFVersionPage, ChoiceOfProfileSurvivesTheRefill) {
     });
 }
 
-TEST_F(PDFVersionPage, ProfileThatIsOfferedInAnothersPlaceIsTakenWhenChosen) {
+TEST_F(PDFVersionPage, ProfileThatIsNotListedStaysUntilAnotherIsChosen) {
+    const std::wstring path =
+        profiles.files.write(L"own.icc", ProfileFolder::profile("CMYK", "prtr", "Our press"));
+    setting().pdfVersion()->ICCFileName = path;
+    setting().pdfVersion()->Version = 6;
+    show([&] {
+        EXPECT_EQ(chosen(), L"Our press");
+        for (const uint32_t version : {5u, 12u}) {
+            choose_version(version);
+            EXPECT_EQ(profile_read(), path);
+        }
+    });
     setting().pdfVersion()->ICCFileName = L"gone.icc";
     setting().pdfVersion()->Version = 6;
     show([] {
@@ -124,37 +129,21 @@ TEST_F(PDFVersionPage, ProfileThatIsOfferedInAnothersPlaceIsTakenWhenChosen) {
     });
 }
 
-TEST_F(PDFVersionPage, ProfileOutsideTheFolderStays) {
-    const std::wstring path =
-        profiles.files.write(L"own.icc", ProfileFolder::profile("CMYK", "prtr", "Our press"));
-    setting().pdfVersion()->ICCFileName = path;
-    setting().pdfVersion()->Version = 6;
-    show([&] {
-        EXPECT_EQ(chosen(), L"Our press");
-        choose_version(5);
-        EXPECT_EQ(profile_read(), path);
-        choose_version(12);
-        EXPECT_EQ(profile_read(), path);
-    });
-}
-
 TEST_F(PDFVersionPage, RefusesWhatTheJobWouldRefuse) {
     struct {
         uint32_t version;
         const wchar_t *profile, *condition, *trim, *bleed;
         UINT message;  // 0: accepted
         int focus;
-    } const rows[] = {
-        {6, kCoated, L"X", L"3", L"3", 0, 0},
-        {6, nullptr, L"X", L"3", L"3", IDS_PV_NO_PROFILE, IDC_PV_PROFILE},
-        {11, nullptr, L"X", L"3", L"3", IDS_PV_NO_PROFILE, IDC_PV_PROFILE},
-        {6, kCoated, L"", L"3", L"3", IDS_PV_NO_CONDITION, IDC_PV_CONDITION},
-        {5, kCoated, L"", L"3", L"9", 0, 0},
-        {10, kCoated, L"X", L"3", L"3.5", IDS_PV_BAD_BOXES, IDC_PV_BLEED_RIGHT},
-        {10, kCoated, L"X", L"", L"3", IDS_PV_BAD_MARGIN, IDC_PV_TRIM_RIGHT},
-        {10, kCoated, L"X", L"4", L"3276.8", IDS_PV_BAD_MARGIN, IDC_PV_BLEED_RIGHT},
-        {4, nullptr, L"", L"-", L"9", 0, 0},
-    };
+    } const rows[] = {{6, kCoated, L"X", L"3", L"3", 0, 0},
+                      {6, nullptr, L"X", L"3", L"3", IDS_PV_NO_PROFILE, IDC_PV_PROFILE},
+                      {11, nullptr, L"X", L"3", L"3", IDS_PV_NO_PROFILE, IDC_PV_PROFILE},
+                      {6, kCoated, L"", L"3", L"3", IDS_PV_NO_CONDITION, IDC_PV_CONDITION},
+                      {5, kCoated, L"", L"3", L"9", 0, 0},
+                      {10, kCoated, L"X", L"3", L"3.5", IDS_PV_BAD_BOXES, IDC_PV_BLEED_RIGHT},
+                      {10, kCoated, L"X", L"", L"3", IDS_PV_BAD_MARGIN, IDC_PV_TRIM_RIGHT},
+                      {10, kCoated, L"X", L"4", L"3276.8", IDS_PV_BAD_MARGIN, IDC_PV_BLEED_RIGHT},
+                      {4, nullptr, L"", L"-", L"9", 0, 0}};
     show([&] {
         go_to(kPDFVersionPage);
         for (const auto& row : rows) {
@@ -189,14 +178,11 @@ TEST_F(PDFVersionPage, FileNameIsFoundByTheWholeDescription) {
 
 TEST_F(PDFVersionPage, CMYKProfilesAreToldFromOthers) {
     const std::wstring own = profiles.files.write(L"own.icc", ProfileFolder::profile("CMYK", "prtr", "Own"));
-    struct {
-        std::wstring name;
-        bool cmyk;
-    } const rows[] = {
+    const std::pair<std::wstring, bool> rows[] = {
         {L"coated.icm", true},  {own, true},          {L"C:\\gone\\coated.icm", true}, {L"photo.icc", false},
         {L"broken.icc", false}, {L"none.icc", false}, {L"folder.icc", false},          {L"", false}};
-    for (const auto& row : rows)
-        EXPECT_EQ(icc::is_cmyk_profile(row.name), row.cmyk) << qk::to_utf8(row.name);
+    for (const auto& [name, cmyk] : rows)
+        EXPECT_EQ(icc::is_cmyk_profile(name), cmyk) << qk::to_utf8(name);
 }
 
 }  // namespace

@@ -1,16 +1,11 @@
 // What nobody touches stays: a setting that is only looked at is not written, whatever it holds, and what
 // does not go together in a file is no obstacle until a person changes it.
-#include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdlib>
-#include <functional>
 #include <numeric>
 #include <random>
 
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "common/rwPDFSet_functions.h"
-#include "resources/ids.h"
 #include "support/profile_folder.h"
 #include "support/random_settings.h"
 #include "support/sheet_driver.h"
@@ -61,72 +56,64 @@ TEST_F(Untouched, SettingsThatAreLookedAtAreNotWritten) {
     }
 }
 
+// A file with what `fill` puts into it is left alone, until `change` makes the page say so.
 TEST_F(Untouched, WhatDoesNotGoTogetherStaysUntilItIsChanged) {
-    // A file with what `fill` puts into it is left alone, until `change` makes the page say so.
-    const auto expect = [&](const char* label, PageIndex page, const std::function<void(Setting&)>& fill,
-                            const std::function<void()>& change, UINT message, int focus) {
-        SCOPED_TRACE(label);
-        Setting filled;
-        filled->PSName = qk::to_wide(label);
-        fill(filled);
-        setting() = filled;
-        show([&] {
-            go_to(page);
-            expect_check(page, 0);
-            press_ok();  // under a new name
-        });
-        EXPECT_FALSE(stayed_open());
-        setting() = filled;
-        setting()->PSName += L"(1)";
-        show([&] {
-            go_to(page);
-            change();
-            expect_check(page, message, focus);
-        });
-    };
-    const auto press = [](auto& s, const wchar_t* profile) {
+    using S = Setting;
+    static const auto press = [](S& s, const wchar_t* profile) {
         s.pdfVersion()->Version = 6;
         s.pdfVersion()->ICCFileName = profile;
     };
-    expect(
-        "target above threshold", kCompressPage,
-        [](auto& s) { s.compression()->Mono->ResolutionTarget = 2000; },
-        [] { type(kCompressPage, IDC_CMP_MONO + CMP_THRESHOLD, L"1700"); }, IDS_CMP_TARGET_ABOVE,
-        IDC_CMP_MONO + CMP_TARGET);
-    expect(
-        "watermark without text", kWaterMarkPage,
-        [](auto& s) { s.watermark()->Style = 1, s.watermark()->Text = L""; },
-        [] { type(kWaterMarkPage, IDC_MARK_WORDS, L" "); }, IDS_MARK_NO_WORDS, IDC_MARK_WORDS);
-    expect(
-        "watermark without a picture", kWaterMarkPage, [](auto& s) { s.watermark()->Style = 2; },
-        [] { type(kWaterMarkPage, IDC_MARK_FILE, L"Q:\\x.png"); }, IDS_MARK_LOST_FILE, IDC_MARK_FILE);
-    expect(
-        "folder of another computer", kGeneralPage,
-        [](auto& s) { s.general()->SaveStyle = 1, s.general()->OutputFolder = L"Q:\\there"; },
-        [] { type(kGeneralPage, IDC_OUTPUT_FOLDER, L"Q:\\"); }, IDS_NO_OUTPUT_FOLDER, IDC_OUTPUT_FOLDER);
-    expect(
-        "links for the press", kGeneralPage,
-        [&](auto& s) { s.general()->URLLink = true, press(s, L"press.icc"); }, [] { choose_version(7); },
-        IDS_NO_LINKS, IDC_URL_LINK);
-    expect(
-        "profile of another computer", kPDFVersionPage, [&](auto& s) { press(s, L"gone.icc"); },
-        [] { choose_version(7); }, IDS_PV_NO_PROFILE, IDC_PV_PROFILE);
-    expect(
-        "boxes", kPDFVersionPage,
-        [&](auto& s) {
-            press(s, L"gone.icc");
-            s.pdfVersion()->UseTrimBox = s.pdfVersion()->UseBleedBox = true;
-            s.pdfVersion()->TrimBox.left = 3, s.pdfVersion()->BleedBox.left = 5;
-        },
-        [] { type(kPDFVersionPage, IDC_PV_TRIM_LEFT, L"4"); }, IDS_PV_BAD_BOXES, IDC_PV_BLEED_LEFT);
-    expect(
-        "same passwords", kSecuritiesPage,
-        [](auto& s) { s.security()->MasterPassword = s.security()->UserPassword = L"x y"; },
-        [] { choose_version(12); }, IDS_SEC_SAME_PASSWORDS, IDC_SEC_OPEN_PASSWORD);
-    expect(
-        "character of another version", kSecuritiesPage, [](auto& s) { s.security()->UserPassword = L"x y"; },
-        [] { type(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD, L"x  y"); }, IDS_SEC_BAD_CHARACTER,
-        IDC_SEC_OPEN_PASSWORD);
+    const struct {
+        const wchar_t* label;
+        PageIndex page;
+        UINT message;
+        int focus;
+        void (*fill)(S& s);
+        void (*change)();
+    } rows[] = {
+        {L"target above threshold", kCompressPage, IDS_CMP_TARGET_ABOVE, IDC_CMP_MONO + CMP_TARGET,
+         [](S& s) { s.compression()->Mono->ResolutionTarget = 2000; },
+         [] { type(kCompressPage, IDC_CMP_MONO + CMP_THRESHOLD, L"1700"); }},
+        {L"watermark without text", kWaterMarkPage, IDS_MARK_NO_WORDS, IDC_MARK_WORDS,
+         [](S& s) { s.watermark()->Style = 1, s.watermark()->Text = L""; },
+         [] { type(kWaterMarkPage, IDC_MARK_WORDS, L" "); }},
+        {L"watermark without a picture", kWaterMarkPage, IDS_MARK_LOST_FILE, IDC_MARK_FILE,
+         [](S& s) { s.watermark()->Style = 2; }, [] { type(kWaterMarkPage, IDC_MARK_FILE, L"Q:\\x.png"); }},
+        {L"folder of another computer", kGeneralPage, IDS_NO_OUTPUT_FOLDER, IDC_OUTPUT_FOLDER,
+         [](S& s) { s.general()->SaveStyle = 1, s.general()->OutputFolder = L"Q:\\there"; },
+         [] { type(kGeneralPage, IDC_OUTPUT_FOLDER, L"Q:\\"); }},
+        {L"links for the press", kGeneralPage, IDS_NO_LINKS, IDC_URL_LINK,
+         [](S& s) { s.general()->URLLink = true, press(s, L"press.icc"); }, [] { choose_version(7); }},
+        {L"profile of another computer", kPDFVersionPage, IDS_PV_NO_PROFILE, IDC_PV_PROFILE,
+         [](S& s) { press(s, L"gone.icc"); }, [] { choose_version(7); }},
+        {L"boxes", kPDFVersionPage, IDS_PV_BAD_BOXES, IDC_PV_BLEED_LEFT,
+         [](S& s) {
+             press(s, L"gone.icc");
+             s.pdfVersion()->UseTrimBox = s.pdfVersion()->UseBleedBox = true;
+             s.pdfVersion()->TrimBox.left = 3, s.pdfVersion()->BleedBox.left = 5;
+         },
+         [] { type(kPDFVersionPage, IDC_PV_TRIM_LEFT, L"4"); }},
+        {L"same passwords", kSecuritiesPage, IDS_SEC_SAME_PASSWORDS, IDC_SEC_OPEN_PASSWORD,
+         [](S& s) { s.security()->MasterPassword = s.security()->UserPassword = L"x y"; },
+         [] { choose_version(12); }},
+        {L"character of another version", kSecuritiesPage, IDS_SEC_BAD_CHARACTER, IDC_SEC_OPEN_PASSWORD,
+         [](S& s) { s.security()->UserPassword = L"x y"; },
+         [] { type(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD, L"x  y"); }}};
+    for (const auto& row : rows)
+        for (const bool changes : {false, true}) {
+            SCOPED_TRACE(qk::to_utf8(row.label) + (changes ? " changed" : ""));
+            setting() = {};
+            setting()->PSName = row.label + std::wstring(changes ? L"(1)" : L"");
+            row.fill(setting());
+            show([&] {
+                go_to(row.page);
+                if (changes)
+                    row.change();
+                expect_check(row.page, changes ? row.message : 0, row.focus);
+                press_ok();  // under a new name
+            });
+            EXPECT_EQ(stayed_open(), changes);
+        }
 }
 
 }  // namespace

@@ -1,9 +1,6 @@
 // The drawing of the page that a setting makes.
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
-#include <cstdint>
 
 #include "UI_dll/PDFSettings/preview/page_drawing.h"
 #include "UI_dll/PDFSettings/preview/view_box.h"

@@ -1,6 +1,4 @@
 // Every example of docs/for-administrators.md does what its section says.
-#include <cstdlib>
-#include <functional>
 #include <regex>
 #include <sstream>
 

@@ -1,10 +1,7 @@
 // What the print system gets to hear for each capability index, written out.
 #pragma once
 
-#include <windows.h>
-#include <wingdi.h>
-
-#include <cstddef>
+#include "support/prelude.h"
 
 struct CapabilityRow {
     enum Kind { kConstant, kPapers, kFields };

@@ -2,11 +2,9 @@
 // wrong place, a piece of it once more elsewhere.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <random>
-#include <string>
-#include <string_view>
+
+#include "support/prelude.h"
 
 // The same engine gives the same damage. Nothing is left of no bytes.
 inline std::string damaged(std::string bytes, std::mt19937& engine) {

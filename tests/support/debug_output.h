@@ -1,14 +1,9 @@
 // What any module of the process writes to the debug output, heard the way a debugger would: as an exception.
 #pragma once
 
-#include <windows.h>
-
-#include <mutex>
-#include <string>
-#include <string_view>
-
 #include "common/qk/lock.h"
 #include "common/qk/text.h"
+#include "support/prelude.h"
 
 class DebugOutput {
 public:
@@ -17,8 +12,7 @@ public:
         text_.clear();
     }
     ~DebugOutput() { RemoveVectoredExceptionHandler(handler_); }
-    DebugOutput(const DebugOutput&) = delete;
-    DebugOutput& operator=(const DebugOutput&) = delete;
+    DebugOutput(DebugOutput&&) = delete;
 
     [[nodiscard]] static bool holds(std::wstring_view part) {
         const std::scoped_lock lock(mutex_);

@@ -5,17 +5,6 @@
 #include <windows.h>
 #include <winspool.h>
 
-#include <algorithm>
-#include <atomic>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
-#include <cwchar>
-#include <functional>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "support/import_patch.h"
 
 class FakePrinter {
@@ -28,8 +17,6 @@ public:
 
     FakePrinter() { self_ = this; }
     ~FakePrinter() { self_ = nullptr; }
-    FakePrinter(const FakePrinter&) = delete;
-    FakePrinter& operator=(const FakePrinter&) = delete;
 
     static HANDLE handle() { return reinterpret_cast<HANDLE>(uintptr_t{0x5A5A0}); }
 
@@ -63,16 +50,12 @@ private:
     static BOOL WINAPI on_open(LPWSTR printer, HANDLE* opened, PRINTER_DEFAULTSW* defaults) {
         if (!self_->can_open || (printer && self_->name != printer))  // no name: the print server
             return fail(ERROR_INVALID_PRINTER_NAME);
-        ++self_->open_calls;
+        ++self_->open_calls, ++self_->open_handles;
         self_->open_access = defaults ? defaults->DesiredAccess : 0;
-        ++self_->open_handles;
         *opened = handle();
         return TRUE;
     }
-    static BOOL WINAPI on_close(HANDLE) {
-        --self_->open_handles;
-        return TRUE;
-    }
+    static BOOL WINAPI on_close(HANDLE) { return --self_->open_handles, TRUE; }
 
     static BOOL WINAPI on_get(HANDLE printer, DWORD level, BYTE* buffer, DWORD size, DWORD* needed) {
         ++self_->get_calls;
@@ -83,23 +66,20 @@ private:
         if (buffer && self_->fails_to_tell)
             return fail(ERROR_NOT_READY);
         const size_t record = level == 4 ? sizeof(PRINTER_INFO_4W) : sizeof(PRINTER_INFO_2W);
-        const size_t name_bytes = (self_->name.size() + 1) * sizeof(wchar_t);
-        *needed = static_cast<DWORD>(record + name_bytes + self_->devmode.size()) +
-                  (buffer ? self_->grows_by.load() : 0);
+        const size_t name_bytes = (self_->name.size() + 1) * sizeof(wchar_t), own = self_->devmode.size();
+        *needed = static_cast<DWORD>(record + own + name_bytes) + (buffer ? self_->grows_by.load() : 0);
         if (!buffer || (size < *needed && self_->grows_by == 0))
             return fail(ERROR_INSUFFICIENT_BUFFER);
         std::memset(buffer, 0, record);
-        auto* text = reinterpret_cast<wchar_t*>(buffer + record + self_->devmode.size());
+        std::copy_n(self_->devmode.data(), own, reinterpret_cast<std::byte*>(buffer + record));
+        auto* text = reinterpret_cast<wchar_t*>(buffer + record + own);
         std::memcpy(text, self_->name.c_str(), name_bytes);
         if (level == 4) {
             reinterpret_cast<PRINTER_INFO_4W*>(buffer)->pPrinterName = text;
-            return TRUE;
-        }
-        auto& info = *reinterpret_cast<PRINTER_INFO_2W*>(buffer);
-        info.pPrinterName = text;
-        if (!self_->devmode.empty()) {
-            std::memcpy(buffer + record, self_->devmode.data(), self_->devmode.size());
-            info.pDevMode = reinterpret_cast<DEVMODEW*>(buffer + record);
+        } else {
+            auto& info = *reinterpret_cast<PRINTER_INFO_2W*>(buffer);
+            info.pPrinterName = text;
+            info.pDevMode = own ? reinterpret_cast<DEVMODEW*>(buffer + record) : nullptr;
         }
         return TRUE;
     }

@@ -1,8 +1,6 @@
 #include "support/fake_tessalo.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <cwchar>
 
 using dialog_library::WorkingRecord;
 
@@ -26,17 +24,15 @@ bool is_terminated(const qk::MsWString& text) {
 }
 
 void check(const WorkingRecord& record) {
-    expect(record.hand_over == 0, "hand-over flag not clear");
-    expect(is_clear(record.padding, sizeof record.padding), "padding not clear");
+    const bool starts = script.expects_start_folder;
+    expect(!record.hand_over && is_clear(record.padding, sizeof record.padding), "flag or padding not clear");
     expect(is_terminated(record.title), "title not terminated");
-    expect(script.expects_start_folder ? is_terminated(record.output_path)
-                                       : is_clear(&record.output_path, sizeof record.output_path),
+    expect(starts ? is_terminated(record.output_path) : is_clear(&record.output_path, sizeof record.title),
            "start folder not terminated, or path not clear");
     expect(is_clear(&record.third_text, sizeof record.third_text), "third text not clear");
     expect(record.settings != nullptr, "no settings");
-    expect(record.first_value == 0 && record.second_value == 0 && record.third_value == 0,
-           "values not clear");
-    expect((record.external_record != 0) == script.expects_start_folder, "external-call record");
+    expect(!record.first_value && !record.second_value && !record.third_value, "values not clear");
+    expect((record.external_record != 0) == starts, "external-call record");
 }
 
 }  // namespace

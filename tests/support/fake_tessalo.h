@@ -2,9 +2,8 @@
 // library exports as "Script", and keeps it loaded: the library that the module loads is then the same one.
 #pragma once
 
-#include <windows.h>
-
 #include "common/dialog_library.h"
+#include "support/prelude.h"
 
 struct FakeTessaloScript {
     // What "GetSettingFN" answers.

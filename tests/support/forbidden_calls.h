@@ -1,8 +1,6 @@
 // What no query may do: write the registry or a file, load a library. Such a call fails and is counted.
 #pragma once
 
-#include <windows.h>
-
 #include "support/import_patch.h"
 
 class ForbiddenCalls {

@@ -1,10 +1,7 @@
 // Memory whose last byte touches a page without access: one byte too far is a fault.
 #pragma once
 
-#include <windows.h>
-
-#include <cstddef>
-#include <cstring>
+#include "support/prelude.h"
 
 class GuardedBuffer {
 public:
@@ -18,8 +15,7 @@ public:
             std::memcpy(data_, contents, size);
     }
     ~GuardedBuffer() { VirtualFree(block_, 0, MEM_RELEASE); }
-    GuardedBuffer(const GuardedBuffer&) = delete;
-    GuardedBuffer& operator=(const GuardedBuffer&) = delete;
+    GuardedBuffer(GuardedBuffer&&) = delete;
 
     template <class T = std::byte>
     [[nodiscard]] T* as() const noexcept {

@@ -1,9 +1,7 @@
 // What the process holds: counted before and after, it tells whether something leaks.
 #pragma once
 
-#include <windows.h>
-
-#include <cstdint>
+#include "support/prelude.h"
 
 // Open kernel handles. Asked one by one: the system's own counter is not kept by every Windows layer.
 [[nodiscard]] inline unsigned handle_count() {

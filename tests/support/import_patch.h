@@ -2,13 +2,7 @@
 // test fails on demand or is counted.
 #pragma once
 
-#include <windows.h>
-
-#include <cstddef>
-#include <cstring>
-#include <functional>
-#include <string_view>
-#include <utility>
+#include "support/prelude.h"
 
 // Some linkers lay the tables of imports anywhere, so that none of their entries is read in place.
 template <class T>
@@ -66,8 +60,7 @@ public:
         if (slot_)
             exchange_import(slot_, original_);
     }
-    ImportPatch(const ImportPatch&) = delete;
-    ImportPatch& operator=(const ImportPatch&) = delete;
+    ImportPatch(ImportPatch&&) = delete;
 
     [[nodiscard]] bool found() const { return slot_ != nullptr; }
     template <class Function = void>

@@ -6,11 +6,6 @@
 
 #include <shlobj.h>
 
-#include <mutex>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "common/qk/handle.h"
 #include "common/qk/lock.h"
 #include "common/qk/paths.h"

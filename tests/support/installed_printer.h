@@ -5,8 +5,6 @@
 
 #include <process.h>
 
-#include <string>
-
 #include "common/printer_handle.h"
 #include "common/qk/module.h"
 #include "support/installation.h"

@@ -1,13 +1,6 @@
 #include "support/module_calls.h"
 
-#include <cstring>
-#include <iterator>
-#include <map>
-#include <optional>
 #include <sstream>
-#include <string>
-#include <string_view>
-#include <utility>
 
 #include "support/installation.h"
 
@@ -15,16 +8,11 @@ namespace {
 
 ModuleCalls* current = nullptr;
 
-struct Failure {
-    intptr_t result;
-    DWORD error;  // 0: it sets none
-};
-
 // module_imports.txt: how the functions fail that can.
-std::map<std::string, std::optional<Failure>> known_imports() {
+std::map<std::string, std::optional<ModuleCalls::Failure>> known_imports() {
     std::istringstream file(TempFolder::read(Installation::built(L"..\\test_data\\module_imports.txt")));
-    std::map<std::string, std::optional<Failure>> known;
-    std::optional<Failure> group;
+    std::map<std::string, std::optional<ModuleCalls::Failure>> known;
+    std::optional<ModuleCalls::Failure> group;
     for (std::string line, word; std::getline(file, line);) {
         std::istringstream words(line);
         if (line.starts_with("fails"))
@@ -78,27 +66,22 @@ zr_call_gate:
     .seh_endproc
 )");
 
-ModuleCalls::ModuleCalls(HMODULE module) : module_(module) {
-    auto* base = reinterpret_cast<BYTE*>(module);
-    module_bytes_ =
-        read_at<IMAGE_NT_HEADERS>(base + read_at<IMAGE_DOS_HEADER>(base).e_lfanew).OptionalHeader.SizeOfImage;
+ModuleCalls::ModuleCalls(HMODULE module) {
     std::map<std::string_view, void*> here;  // what the test program has
     for_each_import(GetModuleHandleW(nullptr), [&](const char* name, const BYTE* slot) {
         here.emplace(name, read_at<void*>(slot));
         return false;
     });
-    const auto known = known_imports();
+    auto known = known_imports();
     for_each_import(module, [&](const char* name, BYTE* slot) {
-        const auto entry = known.find(name);
-        if (entry == known.end())
+        if (!known.contains(name))
             unknown_.emplace_back(name);
-        const bool can_fail = entry != known.end() && entry->second;
-        if (can_fail || block_kind(name)) {
+        const auto failure = known[name];
+        if (failure || block_kind(name)) {
             void* const own = read_at<void*>(slot);
             const auto replaced = here.find(name);
-            const auto [result, error] = can_fail ? *entry->second : Failure{};
-            functions_.push_back({name, slot, own, replaced != here.end() ? replaced->second : own, result,
-                                  error, can_fail, block_kind(name)});
+            void* const target = replaced == here.end() ? own : replaced->second;
+            functions_.push_back({name, slot, own, target, failure, block_kind(name)});
         }
         return false;
     });
@@ -122,75 +105,30 @@ ModuleCalls::~ModuleCalls() {
     VirtualFree(gates_, 0, MEM_RELEASE);
 }
 
-void ModuleCalls::note() {
+void ModuleCalls::start(size_t nth) {
     noted_.clear();
-    calls_left_ = 0;
+    failing_ = nth;
     thread_ = GetCurrentThreadId();
-}
-
-void ModuleCalls::fail(const Place& place, unsigned nth) {
-    failing_ = place;
-    calls_left_ = nth;
-    failed_ = false;
-    thread_ = GetCurrentThreadId();
-}
-
-bool ModuleCalls::stop() {
-    thread_ = 0;
-    return std::exchange(failed_, false);
-}
-
-std::vector<ModuleCalls::Place> ModuleCalls::places() const {
-    std::vector<Place> all;
-    for (const auto& [key, place] : noted_)
-        all.push_back(place);
-    return all;
-}
-
-std::string ModuleCalls::describe(const Place& place) const {
-    std::ostringstream text;
-    text << functions_[place.function].name << std::hex;
-    for (const uintptr_t frame : place.frames)
-        text << ' ' << frame;
-    return text.str();
-}
-
-std::vector<uintptr_t> ModuleCalls::frames_here() const {
-    constexpr size_t kMostFrames = 12;
-    void* addresses[62];
-    const USHORT count = RtlCaptureStackBackTrace(0, DWORD{std::size(addresses)}, addresses, nullptr);
-    std::vector<uintptr_t> frames;
-    for (USHORT i = 0; i < count && frames.size() < kMostFrames; ++i)
-        if (const uintptr_t offset =
-                reinterpret_cast<uintptr_t>(addresses[i]) - reinterpret_cast<uintptr_t>(module_);
-            offset < module_bytes_)
-            frames.push_back(offset);
-    return frames;
 }
 
 void* ModuleCalls::decide(size_t index, const uintptr_t* arguments) {
     const DWORD error = GetLastError();
     const Function& function = functions_[index];
-    bool fails = false;
-    if (function.can_fail && GetCurrentThreadId() == thread_) {
-        if (calls_left_ == 0 && !failed_) {
-            auto frames = frames_here();
-            ++noted_.try_emplace({index, frames}, Place{index, frames}).first->second.calls;
-        } else if (index == failing_.function && !failed_ && frames_here() == failing_.frames) {
-            fails = failed_ = --calls_left_ == 0;
+    if (function.failure && GetCurrentThreadId() == thread_) {
+        noted_.push_back(function.name);
+        if (noted_.size() == failing_) {
+            failed_ = &function;
+            return reinterpret_cast<void*>(&zr_fail_now);
         }
     }
-    if (!fails) {
-        blocks_ += function.block == '+' || (function.block == 'r' && !arguments[0]);
-        blocks_ -= (function.block == 'f' && arguments[0]) || (function.block == 'h' && arguments[2]);
-    }
+    blocks_ += function.block == '+' || (function.block == 'r' && !arguments[0]);
+    blocks_ -= (function.block == 'f' && arguments[0]) || (function.block == 'h' && arguments[2]);
     SetLastError(error);
-    return fails ? reinterpret_cast<void*>(&zr_fail_now) : function.target;
+    return function.target;
 }
 
 intptr_t ModuleCalls::fail_now() const {
-    const Function& function = functions_[failing_.function];
-    if (function.error)
-        SetLastError(function.error);
-    return function.result;
+    if (failed_->failure->error)
+        SetLastError(failed_->failure->error);
+    return failed_->failure->result;
 }

@@ -1,14 +1,6 @@
 // A profile folder of a test's own in the place of the machine's, and small colour profiles to put into it.
 #pragma once
 
-#include <windows.h>
-
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-#include <string_view>
-#include <utility>
-
 #include "common/qk/text.h"
 #include "support/import_patch.h"
 #include "support/temp_folder.h"

@@ -2,19 +2,13 @@
 #pragma once
 
 #include <cmath>
-#include <cstdint>
-#include <iterator>
 #include <limits>
-#include <map>
 #include <random>
-#include <string>
-#include <string_view>
 #include <type_traits>
-#include <utility>
-#include <vector>
 
 #include "print_settings/PrintSettings.h"
 #include "print_settings/field_tables.h"
+#include "support/prelude.h"
 
 namespace random_settings {
 

@@ -3,11 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
-#include <cstdint>
-#include <string>
-
 #include "common/job_records.h"
 #include "common/qk/MMF.h"
 #include "common/qk/handle.h"

@@ -7,15 +7,10 @@
 
 #include <windows.h>
 
-#include <prsht.h>
+#include <commctrl.h>
 
-#include <algorithm>
-#include <cstdint>
-#include <functional>
 #include <memory>
 #include <source_location>
-#include <string>
-#include <utility>
 
 #include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/PDFSettings/edit/edit_sheet.h"
@@ -32,36 +27,29 @@
 class Later {
 public:
     Later(std::function<bool()> ready, std::function<void()> script)
-        : ready_(std::move(ready)), script_(std::move(script)), before_(current_) {
-        current_ = this;
-        timer_ = SetTimer(nullptr, 0, 10, &on_timer);
+        : ready_(std::move(ready)), script_(std::move(script)), timer_(SetTimer(nullptr, 0, 10, &on_timer)) {
+        waiting_[timer_] = this;
     }
     ~Later() {
         KillTimer(nullptr, timer_);
-        current_ = before_;
-        EXPECT_TRUE(ran_) << "the script did not run";
+        EXPECT_EQ(waiting_.erase(timer_), 0u) << "the script did not run";
     }
-    Later(const Later&) = delete;
-    Later& operator=(const Later&) = delete;
+    Later(Later&&) = delete;
 
 private:
     static void CALLBACK on_timer(HWND, UINT, UINT_PTR timer, DWORD) {
-        Later* self = current_;
-        while (self && self->timer_ != timer)
-            self = self->before_;
-        if (!self || self->ran_ || !self->ready_())
+        const auto self = waiting_.find(timer);
+        if (self == waiting_.end() || !self->second->ready_())
             return;
-        self->ran_ = true;
-        KillTimer(nullptr, timer);
-        self->script_();
+        const auto script = self->second->script_;
+        waiting_.erase(self);
+        script();
     }
 
-    static inline Later* current_ = nullptr;
-    std::function<bool()> ready_;
-    std::function<void()> script_;
-    Later* before_;
-    UINT_PTR timer_ = 0;
-    bool ran_ = false;
+    static inline std::map<UINT_PTR, Later*> waiting_;
+    const std::function<bool()> ready_;
+    const std::function<void()> script_;
+    const UINT_PTR timer_;
 };
 
 // The edit sheet for one setting.

@@ -1,14 +1,7 @@
 // A folder of a test's own, removed with what is in it.
 #pragma once
 
-#include <windows.h>
-
-#include <cstddef>
-#include <filesystem>
-#include <iterator>
-#include <string>
-#include <string_view>
-#include <vector>
+#include "support/prelude.h"
 
 class TempFolder {
 public:
@@ -34,8 +27,7 @@ public:
                 RemoveDirectoryW(entries.back().c_str());
         }
     }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
+    TempFolder(TempFolder&&) = delete;
 
     [[nodiscard]] const std::wstring& path() const { return path_; }  // no trailing backslash
     [[nodiscard]] std::wstring file(std::wstring_view name) const {
@@ -44,28 +36,14 @@ public:
 
     // Writes a file of the folder and returns its path.
     std::wstring write(std::wstring_view name, std::string_view bytes) const {
-        const std::wstring target = file(name);
-        const HANDLE handle =
-            CreateFileW(target.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-        DWORD written = 0;
-        WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-        CloseHandle(handle);
-        return target;
+        std::ofstream(std::filesystem::path(file(name)), std::ios::binary) << bytes;
+        return file(name);
     }
 
     // The bytes of a file, or "<missing>".
     [[nodiscard]] static std::string read(const std::wstring& path) {
-        const HANDLE handle =
-            CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                        nullptr, OPEN_EXISTING, 0, nullptr);
-        if (handle == INVALID_HANDLE_VALUE)
-            return "<missing>";
-        std::string bytes(GetFileSize(handle, nullptr), '\0');
-        DWORD got = 0;
-        ReadFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &got, nullptr);
-        CloseHandle(handle);
-        bytes.resize(got);
-        return bytes;
+        std::ifstream file(std::filesystem::path(path), std::ios::binary);
+        return file ? std::string(std::istreambuf_iterator<char>(file), {}) : "<missing>";
     }
 
     // How many files and folders lie in it.
@@ -85,8 +63,7 @@ public:
         SetCurrentDirectoryW(folder.c_str());
     }
     ~CurrentFolder() { SetCurrentDirectoryW(before_); }
-    CurrentFolder(const CurrentFolder&) = delete;
-    CurrentFolder& operator=(const CurrentFolder&) = delete;
+    CurrentFolder(CurrentFolder&&) = delete;
 
 private:
     wchar_t before_[MAX_PATH] = {};

@@ -1,15 +1,6 @@
 // Takes what the code under test writes to the debug output while it lives, at a trace level of its own.
 #pragma once
 
-#include <windows.h>
-
-#include <algorithm>
-#include <mutex>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
-
 #include "common/qk/lock.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
@@ -23,8 +14,6 @@ public:
         qk::trace::level = level;
     }
     ~TraceCapture() { qk::trace::level = level_; }
-    TraceCapture(const TraceCapture&) = delete;
-    TraceCapture& operator=(const TraceCapture&) = delete;
 
     [[nodiscard]] static std::vector<std::wstring> records() {
         const std::scoped_lock lock(mutex_);

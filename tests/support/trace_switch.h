@@ -1,11 +1,8 @@
 // The product's trace switch. One test of the machine has it at a time.
 #pragma once
 
-#include <windows.h>
-
-#include <string>
-
 #include "common/qk/handle.h"
+#include "support/prelude.h"
 
 class TraceSwitch {
 public:
@@ -16,8 +13,7 @@ public:
         block_.reset();
         ReleaseMutex(turn_.get());
     }
-    TraceSwitch(const TraceSwitch&) = delete;
-    TraceSwitch& operator=(const TraceSwitch&) = delete;
+    TraceSwitch(TraceSwitch&&) = delete;
 
     void set(DWORD level, bool global = false) {
         make((global ? L"Global\\" : L"") + std::wstring(kName), SEC_COMMIT);

@@ -1,11 +1,8 @@
 // An environment variable of the process for the time of a scope.
 #pragma once
 
-#include <windows.h>
-
-#include <string>
-
 #include "common/qk/text.h"
+#include "support/prelude.h"
 
 class Variable {
 public:
@@ -17,8 +14,7 @@ public:
         set(value);
     }
     ~Variable() { set(before_); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
+    Variable(Variable&&) = delete;
 
 private:
     void set(const std::wstring& value) const {
