@@ -1,7 +1,4 @@
 // Shared blocks, memory that may go, what a thread keeps, texts in records.
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -16,6 +13,7 @@
 #include "support/guarded_buffer.h"
 #include "support/handle_count.h"
 #include "support/import_patch.h"
+#include "support/installation.h"
 #include "support/trace_capture.h"
 
 TEST(SharedBlocks, OnlyNewOnesAreZeroed) {
@@ -119,6 +117,31 @@ TEST(ThreadStorage, FirstExceptionOfAThreadNeedsNoMemory) {
             CloseHandle(thread);
     }
     EXPECT_EQ(caught, 200);
+}
+
+// It does not stay loaded without a language library. The run-time library has set memory aside for
+// exceptions.
+TEST(ThreadStorage, GoesWithTheModule) {
+    const Installation here;
+    const std::wstring lonely = here.folder.file(L"lonely.dll");
+    CopyFileW(Installation::built(L"ZR_UI80.dll").c_str(), lonely.c_str(), FALSE);
+    const auto held = [] {  // bytes of the process's own, and the first free slot of its threads
+        std::pair<size_t, DWORD> all = {0, TlsAlloc()};
+        TlsFree(all.second);
+        MEMORY_BASIC_INFORMATION region = {};
+        for (const BYTE* at = nullptr; VirtualQuery(at, &region, sizeof region) == sizeof region;
+             at = static_cast<const BYTE*>(region.BaseAddress) + region.RegionSize)
+            all.first += region.State == MEM_COMMIT && region.Type == MEM_PRIVATE ? region.RegionSize : 0;
+        return all;
+    };
+    std::pair<size_t, DWORD> before;
+    for (int round = 0; round < 60; ++round) {
+        EXPECT_EQ(LoadLibraryW(lonely.c_str()), nullptr);
+        if (round == 19)
+            before = held();
+    }
+    EXPECT_EQ(held().second, before.second);
+    EXPECT_LT(held().first, before.first + (1 << 20)) << "72 KiB more each time";
 }
 
 TEST(Texts, CopiesAreTerminatedAndPaddedAndKeepPairsWhole) {

@@ -1,14 +1,13 @@
 // Who is told of a failure, the external-call feature, colour profiles.
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <cwchar>
 #include <iterator>
 #include <memory>
 #include <regex>
+#include <tuple>
+#include <utility>
 
 #include "common/ErrorNotify.h"
 #include "common/icc_folder.h"
@@ -53,32 +52,29 @@ bool holds(const std::string& log, std::wstring_view part) {
 }  // namespace
 
 TEST(ErrorNotify, ChannelsAreChosenByTheAdministrator) {
-    const struct {
-        int channels;  // -1: no key
-        bool watched;  // by somebody: else the event log gets what a box would say
-        size_t boxes, events;
-        bool logs;
-        int result;
-    } rows[] = {{-1, true, 1, 0, false, IDOK}, {0, true, 0, 0, false, 0},    {1, true, 1, 0, false, IDOK},
-                {2, true, 0, 1, false, 0},     {4, true, 0, 0, false, 0},    {8, true, 0, 0, true, 0},
-                {10, true, 0, 1, true, 0},     {15, true, 1, 1, true, IDOK}, {16, true, 0, 0, false, 0},
-                {1, false, 0, 1, false, 0},    {3, false, 0, 1, false, 0}};
+    // The channels (-1: no key); whether somebody watches, else the event log gets what a box would say;
+    // boxes, events, whether it is logged, the result.
+    const std::tuple<int, bool, size_t, size_t, bool, int> rows[] = {
+        {-1, true, 1, 0, false, IDOK}, {0, true, 0, 0, false, 0}, {1, true, 1, 0, false, IDOK},
+        {2, true, 0, 1, false, 0},     {4, true, 0, 0, false, 0}, {15, true, 1, 1, true, IDOK},
+        {8, true, 0, 0, true, 0},      {10, true, 0, 1, true, 0}, {16, true, 0, 0, false, 0},
+        {1, false, 0, 1, false, 0},    {3, false, 0, 1, false, 0}};
     const HWINSTA own = GetProcessWindowStation();
     const HWINSTA hidden = CreateWindowStationW(L"zr_test_hidden", 0, GENERIC_ALL, nullptr);
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.channels << row.watched);
-        const Notified here(static_cast<DWORD>(row.channels));
-        if (row.channels < 0)
+    for (const auto& [channels, watched, boxes, events, logs, result] : rows) {
+        SCOPED_TRACE(testing::Message() << channels << watched);
+        const Notified here(static_cast<DWORD>(channels));
+        if (channels < 0)
             RegDeleteTreeW(HKEY_LOCAL_MACHINE, Installation::kKey);
         const TraceCapture trace(0);
-        ASSERT_TRUE(SetProcessWindowStation(row.watched ? own : hidden));
-        EXPECT_EQ(notify(), row.result);
+        ASSERT_TRUE(SetProcessWindowStation(watched ? own : hidden));
+        EXPECT_EQ(notify(), result);
         SetProcessWindowStation(own);
-        EXPECT_EQ(Outbox::boxes.size(), row.boxes);
-        EXPECT_EQ(Outbox::events, std::vector<std::wstring>(row.events, L"what failed"));
-        EXPECT_EQ(holds(here.log(), L"\r\nErrorMessage=what failed\r\n"), row.logs);
-        EXPECT_EQ(trace.holds(L"mes:not yet implemented"), row.channels == 4 || row.channels == 15);
-        EXPECT_NE(trace.holds(L"title: what failed"), row.watched);
+        EXPECT_EQ(Outbox::boxes.size(), boxes);
+        EXPECT_EQ(Outbox::events, std::vector<std::wstring>(events, L"what failed"));
+        EXPECT_EQ(holds(here.log(), L"\r\nErrorMessage=what failed\r\n"), logs);
+        EXPECT_EQ(trace.holds(L"mes:not yet implemented"), channels == 4 || channels == 15);
+        EXPECT_NE(trace.holds(L"title: what failed"), watched);
         for (const auto& box : Outbox::boxes)
             EXPECT_TRUE(box.caption == L"title" && box.text == L"what failed" && box.style == kBoxStyle);
     }
@@ -145,26 +141,15 @@ TEST(ErrorNotify, LogTakesTextsOfOneLineAndLinksNothing) {
 
 namespace {
 
-// "<processes> <threads> <jobs of each>"; more than by default for a soak.
-struct LogLoad {
-    unsigned processes = 3, threads = 8, jobs = 20;
-
-    LogLoad() {
-        wchar_t chosen[50] = {};
-        if (GetEnvironmentVariableW(L"ZR_LOG_LOAD", chosen, 50)) {
-            EXPECT_EQ(std::swscanf(chosen, L"%u %u %u", &processes, &threads, &jobs), 3);
-        }
-    }
-};
+constexpr unsigned kProcesses = 3, kThreads = 8, kJobs = 20;
 
 }  // namespace
 
 TEST(ErrorNotify, RecordsOfManyProcessesStayWhole) {
-    const LogLoad load;
     const TempFolder folder;
     const Variable place(L"ZR_LOG_FOLDER", folder.path() + L"\\");
     std::vector<companions::Thread> processes;
-    for (unsigned i = 0; i < load.processes; ++i)
+    for (unsigned i = 0; i < kProcesses; ++i)
         processes.emplace_back([] {
             EXPECT_EQ(run_built(L"zr_tests.exe",
                                 L"zr_tests --gtest_brief=1 --gtest_also_run_disabled_tests "
@@ -176,23 +161,22 @@ TEST(ErrorNotify, RecordsOfManyProcessesStayWhole) {
     const std::wregex record(
         L"\\[0\\]\r\nPDFFileName=C:\\\\\\d+\\.pdf\r\nTime=[0-9d]+\r\nErrorMessage=x+\r\n");
     EXPECT_EQ(std::distance(std::wsregex_iterator(text.begin(), text.end(), record), {}),
-              std::ptrdiff_t{load.processes} * load.threads * load.jobs);
+              std::ptrdiff_t{kProcesses} * kThreads * kJobs);
     EXPECT_TRUE(std::regex_replace(text, record, L"").empty()) << "a record is broken";
 }
 
 // Not a test but the program of the one above.
 TEST(ErrorNotifyHelper, DISABLED_FailedJobs) {
     const Notified here(8);
-    const LogLoad load;
     wchar_t folder[MAX_PATH] = {};
     GetEnvironmentVariableW(L"ZR_LOG_FOLDER", folder, MAX_PATH);
     here.machine.set_text(std::wstring(Installation::kKey) + L"\\Notification", L"ErrFile", folder);
     std::atomic<unsigned> refused = 0;
     std::vector<companions::Thread> threads;
-    for (unsigned i = 0; i < load.threads; ++i)
+    for (unsigned i = 0; i < kThreads; ++i)
         threads.emplace_back([&, i] {
             const std::wstring pdf = L"C:\\" + std::to_wstring(i) + L".pdf";
-            for (unsigned job = 0; job < load.jobs; ++job)
+            for (unsigned job = 0; job < kJobs; ++job)
                 refused +=
                     ZRTK_ErrorNotify(L"", pdf.c_str(), 0, 0, std::wstring(20 + job % 200, L'x'), L"") != 0;
         });
@@ -233,13 +217,12 @@ TEST(ExternalCalls, ProgramsAreReadByStage) {
     EXPECT_TRUE(TeskelCustom2021::IsActive());
     const TeskelCustom2021 call(L"document", L"");
     const TraceCapture trace;
-    const std::pair<size_t, std::wstring> programs[] = {{0, L""}, {1, qk::to_wide(program)},
-                                                        {2, L""}, {3, std::wstring(4095, L'x')},
-                                                        {4, L""}, {SIZE_MAX, L""}};
-    for (const auto& [stage, name] : programs) {
-        EXPECT_EQ(call.getExeName(stage), name);
+    const std::wstring programs[] = {L"", qk::to_wide(program), L"", std::wstring(4095, L'x'), L""};
+    for (size_t stage = 0; stage < 5; ++stage) {
+        EXPECT_EQ(call.getExeName(stage), programs[stage]);
         EXPECT_EQ(call.HasExe(stage), stage == 1);
     }
+    EXPECT_EQ(call.getExeName(SIZE_MAX), L"");
     EXPECT_TRUE(trace.holds(qk::to_wide(program)));
     EXPECT_TRUE(call.HasAnyExe());
     EXPECT_EQ(call.GetOutputFolder(), L"C:\\o\\");
@@ -266,19 +249,18 @@ bool admits_everybody(const SECURITY_ATTRIBUTES* attributes, BOOL labelled) {
 TEST(ExternalCalls, EverybodyMayOpenTheListAndItsLock) {
     const Installation here;
     std::string steps;
+    const auto step = [&](const char* name, bool good = true) {
+        steps += good ? name : "<wrong> ";
+        return std::nullopt;
+    };
     const Intercept<decltype(CreateMutexW)> lock("CreateMutexW", [&](auto* attributes, BOOL owned, auto) {
-        EXPECT_TRUE(owned && admits_everybody(attributes, FALSE));
-        return steps += "lock ", std::nullopt;
+        return step("lock ", owned && admits_everybody(attributes, FALSE));
     });
-    const Intercept<decltype(CreateFileMappingW)> make("CreateFileMappingW",
-                                                       [&](HANDLE, auto* attributes, auto...) {
-                                                           EXPECT_TRUE(admits_everybody(attributes, TRUE));
-                                                           return steps += "make ", std::nullopt;
-                                                       });
-    const Intercept<decltype(UnmapViewOfFile)> leave("UnmapViewOfFile",
-                                                     [&](auto) { return steps += "leave ", std::nullopt; });
-    const Intercept<decltype(ReleaseMutex)> unlock("ReleaseMutex",
-                                                   [&](auto) { return steps += "unlock ", std::nullopt; });
+    const Intercept<decltype(CreateFileMappingW)> make(
+        "CreateFileMappingW",
+        [&](auto, auto* attributes, auto...) { return step("make ", admits_everybody(attributes, TRUE)); });
+    const Intercept<decltype(UnmapViewOfFile)> leave("UnmapViewOfFile", [&](auto) { return step("leave "); });
+    const Intercept<decltype(ReleaseMutex)> unlock("ReleaseMutex", [&](auto) { return step("unlock "); });
     { TeskelCustom2021(L"a", L"C:\\zr_a.pdf"); }
     EXPECT_EQ(steps, "lock make unlock lock leave unlock ");
 }
@@ -296,11 +278,9 @@ TEST(ExternalCalls, ListHoldsTheFilesInProgress) {
     {
         TeskelCustom2021 first(L"a", L"C:\\zr_a.pdf"), second(L"b", L"C:\\zr_a.pdf"), third(L"c", L""),
             fourth(L"d", long_name);
-        EXPECT_EQ(count(L"C:\\zr_a.pdf"), 2);
-        EXPECT_EQ(count(long_name.substr(0, 259)), 1);
+        EXPECT_TRUE(count(L"C:\\zr_a.pdf") == 2 && count(long_name.substr(0, 259)) == 1);
         first.set_output_path(L"C:\\zr_b.pdf");
-        EXPECT_EQ(count(L"C:\\zr_a.pdf"), 1);
-        EXPECT_EQ(count(L"C:\\zr_b.pdf"), 1);
+        EXPECT_TRUE(count(L"C:\\zr_a.pdf") == 1 && count(L"C:\\zr_b.pdf") == 1);
         std::vector<std::unique_ptr<TeskelCustom2021>> more;
         for (size_t i = 0; i < free_entries - 3; ++i)
             more.push_back(std::make_unique<TeskelCustom2021>(L"m", L"C:\\zr_m.pdf"));
@@ -314,10 +294,7 @@ TEST(ExternalCalls, ListHoldsTheFilesInProgress) {
 }
 
 TEST(ColourProfile, DescriptionStandsForACondition) {
-    const struct {
-        const char* id;
-        std::vector<std::wstring> descriptions;
-    } rows[] = {
+    const std::pair<const char*, std::vector<std::wstring>> rows[] = {
         {"JC200103", {L"Japan Color 2001 Coated"}},
         {"JC200104", {L"Japan Color 2001 Uncoated"}},
         {"JCN2002",
@@ -336,18 +313,16 @@ TEST(ColourProfile, DescriptionStandsForACondition) {
         {"FOGRA2147483640", {L"FOGRA2147483640"}},
         {"FOGRA2147483647", {L"FOGRA2147483647", L"FOGRA2147483648", L"FOGRA99999999999999999999999"}},
         {"JCW2013",
-         {L"x Japan Color 2013 y Web z",
-          L"Japan Color\x2029"
-          L"2013 Y\nWeb",
+         {L"x Japan Color 2013 y Web z", L"Japan Color\u20292013 Y\nWeb",
           L"Japan Color 2001 Japan Color 2013 Web"}},
         {"JCN2001", {L"Japan Color 2001 Web News"}},
         {"Custom",
          {L"", L"FOGRA", L"Fogra39", L"a\nFOGRA39", L"Japan Color 2002News", L"Japan Color 2002 aNews",
           L"Japan Color 201 News", L"News Japan Color 2001", L"japan color 2001 coated",
           L"Japan Color 2002 x\ny News", L"x\nJapan Color 2002 News", L"Japan Color 2002 News\nx"}}};
-    for (const auto& row : rows)
-        for (const std::wstring& description : row.descriptions)
-            EXPECT_EQ(icc_ConditionIdFromDesc(description), row.id) << qk::to_utf8(description);
+    for (const auto& [id, descriptions] : rows)
+        for (const std::wstring& description : descriptions)
+            EXPECT_EQ(icc_ConditionIdFromDesc(description), id) << qk::to_utf8(description);
 }
 
 TEST(ColourProfile, DescriptionIsReadFromTheProfile) {
@@ -365,15 +340,9 @@ TEST(ColourProfile, DescriptionIsReadFromTheProfile) {
                number(static_cast<uint32_t>(element.size())) + "text" + element;
     };
     const std::string good = plain(5, std::string("Desc\0", 5));
-    const struct {
-        const char* label;
-        std::string bytes;
-        std::optional<std::wstring> wanted;
-    } rows[] = {
+    const std::tuple<const char*, std::string, std::optional<std::wstring>> rows[] = {
         {"plain", profile(good), L"Desc"},
-        {"localized", profile(localized(1, 28)),
-         L"A\u65E5"
-         L"C"},
+        {"localized", profile(localized(1, 28)), L"A\u65E5C"},
         {"long", profile(plain(300, std::string(300, 'x'))), std::wstring(260, L'x')},
         {"no such tag", profile(good, "dmnd"), {}},
         {"another type", profile("text" + good.substr(4)), {}},
@@ -384,12 +353,11 @@ TEST(ColourProfile, DescriptionIsReadFromTheProfile) {
         {"header only", std::string(128, 'h'), {}},
         {"cut in the tag table", profile(good).substr(0, 140), {}},
         {"cut in the tag", profile(good).substr(0, 165), {}},
-        {"nothing", "", {}},
-    };
-    for (const auto& row : rows) {
-        const GuardedBuffer bytes(row.bytes.size(), row.bytes.data());
-        EXPECT_EQ(icc::find_description(std::span<const std::byte>(bytes.as<>(), bytes.size())), row.wanted)
-            << row.label;
+        {"nothing", "", {}}};
+    for (const auto& [label, bytes, wanted] : rows) {
+        const GuardedBuffer guarded(bytes.size(), bytes.data());
+        EXPECT_EQ(icc::find_description(std::span<const std::byte>(guarded.as<>(), bytes.size())), wanted)
+            << label;
     }
     const TempFolder folder;
     DWORD bytes_read = 0;

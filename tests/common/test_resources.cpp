@@ -1,6 +1,4 @@
 // The language library: which is chosen, its private copy, what is said of a missing text.
-#include <gtest/gtest.h>
-
 #include <utility>
 
 #include "UI_dll/plotui.h"
@@ -117,13 +115,12 @@ TEST(Resources, ModuleLoadsWhateverTheTemporaryFolderIs) {
         std::vector<const wchar_t*> files;  // that have a folder's name
         bool link, read_only;
         const wchar_t* place;
-    } rows[] = {
-        {"as usual", {}, false, false, L"temp\\ZRTK80_temp"},
-        {"a file of its name", {L"temp\\ZRTK80_temp"}, false, false, L"low\\ZRTK80_temp"},
-        {"files of its name", {L"temp\\ZRTK80_temp", L"low\\ZRTK80_temp"}, false, false, L"temp"},
-        {"a link", {}, true, false, L"low\\ZRTK80_temp"},
-        {"read-only", {}, false, true, L"module\\Language"},
-    };
+        int refusals;  // of places before it
+    } rows[] = {{"as usual", {}, false, false, L"temp\\ZRTK80_temp", 0},
+                {"a file of its name", {L"temp\\ZRTK80_temp"}, false, false, L"low\\ZRTK80_temp", 1},
+                {"files of its name", {L"temp\\ZRTK80_temp", L"low\\ZRTK80_temp"}, false, false, L"temp", 2},
+                {"a link", {}, true, false, L"low\\ZRTK80_temp", 1},
+                {"read-only", {}, false, true, L"module\\Language", 4}};
     for (const auto& row : rows) {
         if (row.link && !companions::wine::present())
             continue;
@@ -140,8 +137,13 @@ TEST(Resources, ModuleLoadsWhateverTheTemporaryFolderIs) {
             here.folder.write(file, "");
         ASSERT_TRUE(!row.link || run({"/bin/ln", "-s", "../elsewhere"}));
         Moved::read_only = row.read_only;
+        const TraceCapture trace(0);
         EXPECT_TRUE(plotui::attach_process(qk::module_instance()));
         Moved::read_only = false;
+        EXPECT_EQ(
+            std::ranges::count_if(trace.records(),
+                                  [](auto& text) { return text.find(L"cant open tmp lr:") != text.npos; }),
+            row.refusals);
         EXPECT_LE(Moved::creations, 4u) << "a place that cannot serve is tried again";
         const std::wstring copy = qk::resource_library_path(true);
         EXPECT_EQ(copy.substr(0, copy.rfind(L'\\')), here.folder.file(row.place));

@@ -1,7 +1,6 @@
 // Which setting file belongs to a printer, where files and folders lie, what the registry says.
-#include <gtest/gtest.h>
-
 #include <cstdint>
+#include <tuple>
 #include <utility>
 
 #include "common/driver_util.h"
@@ -52,25 +51,21 @@ private:
 }  // namespace
 
 TEST(DriverRegistry, FirstTextThatIsNotEmptyCounts) {
-    const struct {
-        const char* label;
-        const wchar_t *user, *machine, *root;  // null: not set
-        const wchar_t* wanted;
-    } rows[] = {{"all", L"u", L"m", L"r", L"u"},         {"machine", nullptr, L"m", L"r", L"m"},
-                {"user's empty", L"", L"m", L"r", L"m"}, {"root", nullptr, nullptr, L"r", L"r"},
-                {"all empty", L"", L"", L"", L""},       {"none", nullptr, nullptr, nullptr, L""}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
+    const wchar_t* const rows[][4] = {// of the user, the machine, its root (null: not set); what is wanted
+                                      {L"u", L"m", L"r", L"u"},       {nullptr, L"m", L"r", L"m"},
+                                      {L"", L"m", L"r", L"m"},        {L"", L"", L"", L""},
+                                      {nullptr, nullptr, L"r", L"r"}, {nullptr, nullptr, nullptr, L""}};
+    for (const auto& [user, machine, root, wanted] : rows) {
         const Installation here;
-        if (row.user)
-            here.user.set_text(kPrinterKey, L"V", row.user);
-        if (row.machine)
-            here.machine.set_text(kPrinterKey, L"V", row.machine);
-        if (row.root)
-            here.machine.set_text(kRoot, L"V", row.root);
-        EXPECT_EQ(ReadDriverRegString(L"V", nullptr), row.root ? row.root : L"");
+        if (user)
+            here.user.set_text(kPrinterKey, L"V", user);
+        if (machine)
+            here.machine.set_text(kPrinterKey, L"V", machine);
+        if (root)
+            here.machine.set_text(kRoot, L"V", root);
+        EXPECT_EQ(ReadDriverRegString(L"V", nullptr), root ? root : L"");
         here.user.set_text(kRoot, L"V", L"for the root alone");
-        EXPECT_EQ(ReadDriverRegString(L"V", L"My printer"), row.wanted);
+        EXPECT_EQ(ReadDriverRegString(L"V", L"My printer"), wanted);
     }
 }
 
@@ -123,16 +118,13 @@ TEST(DriverRegistry, WhatIsToldOfAnotherUserIsNotKept) {
         EXPECT_EQ(qk::OverrideIni().message_id(), 11);
     }
     qk::OwnUsersText text;
-    const struct {
-        const char* label;
-        bool token;
-        const wchar_t *told, *wanted;
-    } rows[] = {{"nothing yet", false, L"", L""},          {"another's", true, L"a", L"a"},
-                {"first of one's own", false, L"b", L"b"}, {"kept", false, L"c", L"b"},
-                {"another's again", true, L"d", L"d"},     {"still kept", false, L"", L"b"}};
-    for (const auto& row : rows) {
-        const ActingForAUser user(row.token);
-        EXPECT_EQ(text.get([&] { return std::wstring(row.told); }), row.wanted) << row.label;
+    // For another user or one's own: what is told, what is wanted.
+    const std::tuple<bool, std::wstring, std::wstring> rows[] = {{false, L"", L""},   {true, L"a", L"a"},
+                                                                 {false, L"b", L"b"}, {false, L"c", L"b"},
+                                                                 {true, L"d", L"d"},  {false, L"", L"b"}};
+    for (const auto& [token, answer, wanted] : rows) {
+        const ActingForAUser user(token);
+        EXPECT_EQ(text.get([&answer = answer] { return answer; }), wanted) << qk::to_utf8(answer);
     }
     const ImportPatch unknown("OpenThreadToken", always<FALSE, ERROR_ACCESS_DENIED>());
     EXPECT_EQ(text.get([] { return std::wstring(L"e"); }), L"e") << "a user that cannot be told";
@@ -150,21 +142,19 @@ TEST(DriverRegistry, ValuesOfAnyShapeAreRead) {
         size_t bytes;
         std::wstring wanted;
         std::optional<DWORD> number = {};
-    } rows[] = {
-        {"terminated", REG_SZ, L"abc", 8, L"abc"},
-        {"not terminated", REG_SZ, L"abc", 6, L"abc"},
-        {"half a unit more", REG_SZ, L"abc", 7, L"abc"},
-        {"one byte", REG_SZ, L"abc", 1, L""},
-        {"nothing", REG_SZ, L"", 0, L""},
-        {"expandable", REG_EXPAND_SZ, L"%TMP%", 12, L"%TMP%"},
-        {"zero inside", REG_SZ, L"one\0two", 16, L"one"},
-        {"number", REG_DWORD, &wide, 4, L"", 5},
-        {"wide number", REG_QWORD, &wide, 8, L""},
-        {"half a number", REG_DWORD, &wide, 2, L""},
-        {"bytes", REG_BINARY, L"abc", 8, L""},
-        {"long", REG_SZ, longest.c_str(), 6000, longest},
-        {"260 units", REG_SZ, longest.c_str(), 520, longest.substr(0, 260)},
-    };
+    } rows[] = {{"terminated", REG_SZ, L"abc", 8, L"abc"},
+                {"not terminated", REG_SZ, L"abc", 6, L"abc"},
+                {"half a unit more", REG_SZ, L"abc", 7, L"abc"},
+                {"one byte", REG_SZ, L"abc", 1, L""},
+                {"nothing", REG_SZ, L"", 0, L""},
+                {"expandable", REG_EXPAND_SZ, L"%TMP%", 12, L"%TMP%"},
+                {"zero inside", REG_SZ, L"one\0two", 16, L"one"},
+                {"number", REG_DWORD, &wide, 4, L"", 5},
+                {"wide number", REG_QWORD, &wide, 8, L""},
+                {"half a number", REG_DWORD, &wide, 2, L""},
+                {"bytes", REG_BINARY, L"abc", 8, L""},
+                {"long", REG_SZ, longest.c_str(), 6000, longest},
+                {"260 units", REG_SZ, longest.c_str(), 520, longest.substr(0, 260)}};
     for (const auto& row : rows) {
         here.user.set(kPrinterKey, L"V", row.type, row.data, row.bytes);
         EXPECT_EQ(ReadDriverRegString(L"V", L"My printer"), row.wanted) << row.label;
@@ -176,24 +166,22 @@ TEST(SettingFiles, FirstBytesTellTheKind) {
     const Installation here;
     const auto number = [](uint32_t value) { return std::string(reinterpret_cast<char*>(&value), 4); };
     const std::string chunked = "\xF0\x5ARTKS3\xF1";
-    const struct {
-        SettingFormat format;
-        std::vector<std::string> starts;
-    } rows[] = {{SettingFormat::kJson, {kJson, "\xEF\xBB\xBF "}},
-                {SettingFormat::kBinary3, {chunked}},
-                {SettingFormat::kBinary2_1, {number(0x20001)}},
-                {SettingFormat::kBinary2_2, {number(0x20002)}},
-                {SettingFormat::kBinary2_3, {number(0x20003)}},
-                {SettingFormat::kBinary2_4, {number(0x20004)}},
-                {SettingFormat::kBinary2_5, {number(0x20005)}},
-                {SettingFormat::kBinary2_9, {number(0x20009)}},
-                {SettingFormat::kNone,
-                 {"", "\xEF\xBB\xBF", "{}  ", chunked.substr(0, 7), chunked.substr(0, 4) + "XXXX",
-                  number(0x20006), number(0x20007), number(0x20008), number(0x2000A), number(0x20000),
-                  number(0x30000), number(70000), number(0x20001).substr(0, 3)}}};
-    for (const auto& row : rows)
-        for (const std::string& start : row.starts)
-            EXPECT_EQ(ProbeSettingFile(here.folder.write(L"probed", start)), row.format) << start;
+    const std::pair<SettingFormat, std::vector<std::string>> rows[] = {
+        {SettingFormat::kJson, {kJson, "\xEF\xBB\xBF "}},
+        {SettingFormat::kBinary3, {chunked}},
+        {SettingFormat::kBinary2_1, {number(0x20001)}},
+        {SettingFormat::kBinary2_2, {number(0x20002)}},
+        {SettingFormat::kBinary2_3, {number(0x20003)}},
+        {SettingFormat::kBinary2_4, {number(0x20004)}},
+        {SettingFormat::kBinary2_5, {number(0x20005)}},
+        {SettingFormat::kBinary2_9, {number(0x20009)}},
+        {SettingFormat::kNone,
+         {"", "\xEF\xBB\xBF", "{}  ", chunked.substr(0, 7), chunked.substr(0, 4) + "XXXX", number(0x20006),
+          number(0x20007), number(0x20008), number(0x2000A), number(0x20000), number(0x30000), number(70000),
+          number(0x20001).substr(0, 3)}}};
+    for (const auto& [format, starts] : rows)
+        for (const std::string& start : starts)
+            EXPECT_EQ(ProbeSettingFile(here.folder.write(L"probed", start)), format) << start;
     EXPECT_EQ(ProbeSettingFile(L""), SettingFormat::kNone);
     EXPECT_EQ(ProbeSettingFile(here.folder.path()), SettingFormat::kNone);
     const std::wstring locked = here.folder.write(L"probed", kJson);
@@ -268,11 +256,10 @@ TEST(SettingFiles, ChoiceIsStoredPerPrinterWithoutTerminator) {
         {L"", L""}};
     // Some registries add the terminator of their own accord: what is asked of them counts.
     DWORD asked = 0;
-    const Intercept<decltype(RegSetValueExW)> set("RegSetValueExW",
-                                                  [&](HKEY, auto*, DWORD, DWORD type, auto*, DWORD bytes) {
-                                                      EXPECT_EQ(type, DWORD{REG_SZ});
-                                                      return asked = bytes, std::nullopt;
-                                                  });
+    const Intercept<decltype(RegSetValueExW)> set(
+        "RegSetValueExW", [&](HKEY, auto*, DWORD, DWORD type, auto*, DWORD bytes) {
+            return asked = type == REG_SZ ? bytes : MAXDWORD, std::nullopt;
+        });
     for (const auto& [chosen, stored] : rows) {
         SetSettingFileName(chosen, L"My printer");
         EXPECT_EQ(asked, stored.size() * sizeof(wchar_t));
@@ -282,26 +269,22 @@ TEST(SettingFiles, ChoiceIsStoredPerPrinterWithoutTerminator) {
 
 TEST(SettingFiles, DefaultTakesOverForAFileThatIsGone) {
     const Installation here;
-    const struct {
-        bool has_default;
-        const wchar_t *stored, *wanted;
-        bool differs;
-        const wchar_t* trace;
-    } rows[] = {{false, L"gone.ps4", L"standard.ps4", false, L" [not found] ps=standard.ps4"},
-                {false, L"there", L"there", false, L" [found] ps=there"},
-                {true, L"gone.ps4", L"standard.ps4", true, L" [found] ps=standard.ps4"},
-                {true, L"gone.ps4", L"standard.ps4", true, L" s=gone.ps4"},
-                {true, L"", L"standard.ps4", true, L" read ps="},
-                {true, L"there", L"there", false, L">GetSettingFileName pn=My printer"}};
+    const std::tuple<bool, const wchar_t*, const wchar_t*, bool, const wchar_t*> rows[] = {
+        {false, L"gone.ps4", L"standard.ps4", false, L" [not found] ps=standard.ps4"},
+        {false, L"there", L"there", false, L" [found] ps=there"},
+        {true, L"gone.ps4", L"standard.ps4", true, L" [found] ps=standard.ps4"},
+        {true, L"gone.ps4", L"standard.ps4", true, L" s=gone.ps4"},
+        {true, L"", L"standard.ps4", true, L" read ps="},
+        {true, L"there", L"there", false, L">GetSettingFileName pn=My printer"}};
     here.folder.write(L"CustomSettings\\there.ps4", kJson);
-    for (const auto& row : rows) {
-        if (row.has_default)
+    for (const auto& [has_default, stored, wanted, differs, record] : rows) {
+        if (has_default)
             here.folder.write(L"Settings\\standard.ps4", kJson);
-        SetSettingFileName(row.stored, L"My printer");
+        SetSettingFileName(stored, L"My printer");
         const TraceCapture trace;
-        EXPECT_EQ(GetSettingFileName(L"My printer"), row.wanted);
-        EXPECT_EQ(trace.holds(L"!="), row.differs);
-        EXPECT_TRUE(trace.holds(row.trace)) << qk::to_utf8(row.trace);
+        EXPECT_EQ(GetSettingFileName(L"My printer"), wanted);
+        EXPECT_EQ(trace.holds(L"!="), differs);
+        EXPECT_TRUE(trace.holds(record)) << qk::to_utf8(record);
     }
 }
 

@@ -1,9 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <cstdint>
 #include <cwchar>
-#include <functional>
+#include <tuple>
+#include <utility>
 
 #include "UI_dll/cpsui.h"
 #include "common/qk/paths.h"
@@ -21,22 +20,19 @@
 
 TEST(Trace, RecordsNameThreadFileAndLineAndAreCut) {
     const std::wstring thread = L"." + std::to_wstring(GetCurrentThreadId()) + L" ", text(5000, L'x');
-    const struct {
-        const char* source;
-        unsigned line;
-        const wchar_t* wanted;
-    } rows[] = {{"C:\\a\\b\\file.cpp", 12, L"file.cpp(12)  text\r\n"},
-                {"file.cpp", 12, L"file.cpp(12)  text\r\n"},
-                {"C:\\a\\file.cpp", 0, L"file.cpp  text\r\n"},
-                {"a/b.cpp", 7, L"a/b.cpp(7)  text\r\n"},
-                {"C:\\a\\", 1, L"(1)  text\r\n"}};
-    for (const auto& row : rows) {
+    const std::tuple<const char*, unsigned, const wchar_t*> rows[] = {
+        {"C:\\a\\b\\file.cpp", 12, L"file.cpp(12)  text\r\n"},
+        {"file.cpp", 12, L"file.cpp(12)  text\r\n"},
+        {"C:\\a\\file.cpp", 0, L"file.cpp  text\r\n"},
+        {"a/b.cpp", 7, L"a/b.cpp(7)  text\r\n"},
+        {"C:\\a\\", 1, L"(1)  text\r\n"}};
+    for (const auto& [source, line, wanted] : rows) {
         const TraceCapture trace;
         SetLastError(77);
-        qk::trace::write("text", row.source, row.line);
-        qk::trace::write(std::wstring(L"text"), row.source, row.line);
+        qk::trace::write("text", source, line);
+        qk::trace::write(std::wstring(L"text"), source, line);
         EXPECT_EQ(GetLastError(), 77u);
-        EXPECT_EQ(trace.records(), std::vector(2, thread + row.wanted));
+        EXPECT_EQ(trace.records(), std::vector(2, thread + wanted));
     }
     const TraceCapture trace;
     qk::trace::write(text, "f.cpp", 1);
@@ -50,24 +46,21 @@ TEST(Trace, RecordsNameThreadFileAndLineAndAreCut) {
 }
 
 TEST(Trace, LevelDecidesWhatIsWritten) {
-    const struct {
-        DWORD level;
-        bool scope, plain;
-    } rows[] = {
+    const std::tuple<DWORD, bool, bool> rows[] = {
         {0, false, false}, {1, true, false}, {4, true, false}, {5, true, true}, {UINT32_MAX, true, true}};
-    for (const auto& row : rows) {
-        const TraceCapture trace(row.level);
+    for (const auto& [level, scope, plain] : rows) {
+        const TraceCapture trace(level);
         int computed = 0;
         {
             TRACE_SCOPE("Entry");
             TRACE((++computed, "text"));
             TRACE_F(L"n=%d", ++computed + 1);
         }
-        EXPECT_EQ(computed, row.plain ? 2 : 0) << row.level;
+        EXPECT_EQ(computed, plain ? 2 : 0) << level;
         const auto records = trace.records();
-        ASSERT_EQ(records.size(), (row.scope ? 2u : 0u) + (row.plain ? 2u : 0u)) << row.level;
-        EXPECT_EQ(trace.holds(L"n=3"), row.plain) << row.level;
-        if (row.scope) {
+        ASSERT_EQ(records.size(), (scope ? 2u : 0u) + (plain ? 2u : 0u)) << level;
+        EXPECT_EQ(trace.holds(L"n=3"), plain) << level;
+        if (scope) {
             EXPECT_TRUE(trace.holds(L">>Entry"));
             EXPECT_NE(records.front().find(L"test_trace.cpp("), std::wstring::npos);
             EXPECT_NE(records.back().find(L"test_trace.cpp  <<Entry"), std::wstring::npos);
@@ -172,10 +165,7 @@ TEST(Trace, FunctionsSayThatTheyAreEntered) {
     DEVMODEW devmode = {};
     DWORD size = 0;
     const std::wstring folder = here.folder.file(L"out");
-    const struct {
-        std::wstring record;
-        std::function<void()> call;
-    } rows[] = {
+    const std::pair<std::wstring, std::function<void()>> rows[] = {
         {L"resource_library_path", [] { (void)qk::resource_library_path(true); }},
         {L"load_string 19", [] { (void)qk::load_string(19); }},
         {L"ConvertDevmode", [&] { ConvertDevmode(&devmode, nullptr); }},
@@ -194,15 +184,13 @@ TEST(Trace, FunctionsSayThatTheyAreEntered) {
              const ImportPatch refused("RegCreateKeyExW", always<LSTATUS{ERROR_ACCESS_DENIED}>());
              (void)qk::registry::create(HKEY_CURRENT_USER, L"zr none", KEY_READ);
          }},
-        {L"err:SetSettingFileName 5",
-         [] {
+        {L"err:SetSettingFileName 5", [] {
              const ImportPatch refused("RegSetValueExW", always<LSTATUS{ERROR_ACCESS_DENIED}>());
              SetSettingFileName(L"x.ps4", L"printer");
-         }},
-    };
-    for (const auto& row : rows) {
+         }}};
+    for (const auto& [record, call] : rows) {
         const TraceCapture trace;
-        row.call();
-        EXPECT_TRUE(trace.holds(row.record)) << qk::to_utf8(row.record);
+        call();
+        EXPECT_TRUE(trace.holds(record)) << qk::to_utf8(record);
     }
 }

@@ -1,11 +1,134 @@
 // A common property sheet: what is added to it, reasons, results, option items, room for its pages.
-#include <gtest/gtest.h>
+#include <utility>
 
-#include <algorithm>
-
-#include "companions/compstui_player.h"
+#include "UI_dll/cpsui.h"
+#include "UI_dll/plotui.h"
+#include "common/qk/resource_dll.h"
+#include "companions/compstui/page.h"
+#include "companions/compstui/sheet.h"
+#include "resources/ids.h"
+#include "support/installation.h"
+#include "support/intercept.h"
 
 namespace {
+
+// The module's page with an option item, in English.
+const DLGTEMPLATE* page_template() {
+    return compstui::find_template(qk::resource_module(), MAKEINTRESOURCEW(IDD_OPTIONS));
+}
+
+// Plays a sheet: a root function that keeps what it is told, and a page that runs a script once the sheet
+// stands.
+struct Player {
+    std::function<void(PROPSHEETUI_INFO&)> add;  // at INIT
+    std::function<void(HWND page)> script;       // once a page of `page_proc` stands; it must end the sheet
+    LONG init_answer = 1;
+    LONG header_answer = 1;
+    bool page_applies = false;  // the page's procedure answers PSN_APPLY itself
+
+    std::string reasons;  // one digit each
+    std::vector<HANDLE> spoke;
+    LPARAM destroyed = -1;
+    LONG answer = 0;
+    DWORD result = 99;
+
+    // Runs the sheet on this thread.
+    Player& play() {
+        current() = this;
+        answer = compstui::show_sheet(nullptr, &function, reinterpret_cast<LPARAM>(this), &result);
+        current() = nullptr;
+        return *this;
+    }
+
+    // Ends the script's sheet.
+    static void press(HWND page, int button) {
+        PostMessageW(GetParent(page), PSM_PRESSBUTTON, static_cast<WPARAM>(button), 0);
+    }
+
+    static LONG function(PROPSHEETUI_INFO* info, LPARAM parameter) {
+        auto& player = *reinterpret_cast<Player*>(info->lParamInit);
+        player.reasons += static_cast<char>('0' + info->Reason);
+        if (info->Reason == PROPSHEETUI_REASON_INIT) {
+            if (player.add)
+                player.add(*info);
+            return player.init_answer;
+        }
+        if (info->Reason == PROPSHEETUI_REASON_GET_INFO_HEADER) {
+            auto& header = *reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter);
+            header.pTitle = const_cast<wchar_t*>(L"Sheet");
+            return player.header_answer;
+        }
+        if (info->Reason == PROPSHEETUI_REASON_SET_RESULT) {
+            const auto& taken = *reinterpret_cast<const SETRESULT_INFO*>(parameter);
+            player.spoke.push_back(taken.hSetResult);
+            info->Result = static_cast<ULONG_PTR>(taken.Result);
+            return 1;
+        }
+        if (info->Reason != PROPSHEETUI_REASON_DESTROY)
+            return -1;
+        player.destroyed = parameter;
+        return 1;
+    }
+
+    // Leaves every message to the host, as the pages of option items do, PSN_APPLY only when it is not told
+    // to answer that itself.
+    static INT_PTR CALLBACK page_proc(HWND page, UINT message, WPARAM, LPARAM lparam) {
+        static const UINT kStands = RegisterWindowMessageW(L"compstui test: the sheet stands");
+        if (message == WM_INITDIALOG)
+            PostMessageW(page, kStands, 0, 0);
+        else if (message == kStands && current())
+            current()->script(page);
+        else if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(lparam)->code == PSN_APPLY)
+            return current() && current()->page_applies;
+        return FALSE;
+    }
+
+private:
+    static Player*& current() {
+        thread_local Player* player = nullptr;
+        return player;
+    }
+};
+
+LONG_PTR call(const PROPSHEETUI_INFO& info, UINT function, const void* first, LPARAM second = 0) {
+    return info.pfnComPropSheet(info.hComPropSheet, function, reinterpret_cast<LPARAM>(first), second);
+}
+
+PROPSHEETPAGEW plain_page() {
+    return {.dwSize = sizeof(PROPSHEETPAGEW),
+            .dwFlags = PSP_DLGINDIRECT | PSP_USETITLE,
+            .pResource = page_template(),
+            .pszTitle = L"Page",
+            .pfnDlgProc = &Player::page_proc};
+}
+
+// A group of one page with one option item, a list box that has its second text chosen.
+struct Group {
+    OPTPARAM parameters[2] = {{.cbSize = sizeof(OPTPARAM), .pData = const_cast<wchar_t*>(L"zero")},
+                              {.cbSize = sizeof(OPTPARAM), .pData = const_cast<wchar_t*>(L"one")}};
+    OPTTYPE type = {.cbSize = sizeof(OPTTYPE),
+                    .Type = TVOT_LISTBOX,
+                    .Count = 2,
+                    .BegCtrlID = IDC_OPTION_ITEM,
+                    .pOptParam = parameters};
+    OPTITEM item = {.cbSize = sizeof(OPTITEM), .pName = const_cast<wchar_t*>(L"Item"), .pOptType = &type};
+    DLGPAGE page = {.cbSize = sizeof(DLGPAGE), .DlgProc = &Player::page_proc};
+    COMPROPSHEETUI sheet = {.cbSize = sizeof(COMPROPSHEETUI),
+                            .hInstCaller = qk::resource_module(),
+                            .pCallerName = const_cast<wchar_t*>(L"Printer"),
+                            .pOptItem = &item,
+                            .pDlgPage = &page,
+                            .cOptItem = 1,
+                            .cDlgPage = 1};
+
+    Group() {
+        item.Sel = 1;
+        page.pTabName = const_cast<wchar_t*>(L"Options");
+        page.DlgTemplateID = IDD_OPTIONS;
+    }
+    Group(const Group&) = delete;
+    Group& operator=(const Group&) = delete;
+};
 
 LONG APIENTRY restarts(CPSUICBPARAM* parameter) {
     EXPECT_EQ(parameter->Reason, CPSUICB_REASON_APPLYNOW);
@@ -24,34 +147,30 @@ protected:
 }  // namespace
 
 TEST_F(CompstuiSheet, WhatIsMalformedIsNotAdded) {
-    const struct {
-        const char* label;
-        void (*spoil)(Group& g);
-        LONG error;
-    } rows[] = {
-        {"sheet size", [](Group& g) { g.sheet.cbSize = 120; }, ERR_CPSUI_INVALID_PDATA},
-        {"no instance", [](Group& g) { g.sheet.hInstCaller = nullptr; }, ERR_CPSUI_NULL_HINST},
-        {"no pages", [](Group& g) { g.sheet.cDlgPage = 0; }, ERR_CPSUI_INVALID_PDLGPAGE},
-        {"too many pages", [](Group& g) { g.sheet.cDlgPage = 65; }, ERR_CPSUI_TOO_MANY_DLGPAGES},
-        {"no template", [](Group& g) { g.page.DlgTemplateID = 1; }, ERR_CPSUI_CREATEPROPPAGE_FAILED},
-        {"no items", [](Group& g) { g.sheet.pOptItem = nullptr; }, ERR_CPSUI_NULL_POPTITEM},
-        {"no name", [](Group& g) { g.item.pName = nullptr; }, ERR_CPSUI_NULL_OPTITEMNAME},
-        {"page index", [](Group& g) { g.item.DlgPageIdx = 1; }, ERR_CPSUI_INVALID_DLGPAGEIDX},
-        {"not served", [](Group& g) { g.type.Type = TVOT_CHKBOX; }, ERR_CPSUI_INVALID_TVOT_TYPE},
-        {"no parameters", [](Group& g) { g.type.pOptParam = nullptr; }, ERR_CPSUI_NULL_POPTPARAM},
-        {"parameter size", [](Group& g) { g.parameters[1].cbSize = 1; }, ERR_CPSUI_INVALID_OPTPARAM_CBSIZE},
-        {"nothing wrong", [](Group&) {}, 1}};
+    const std::pair<void (*)(Group&), LONG> rows[] = {
+        {[](Group& g) { g.sheet.cbSize = 120; }, ERR_CPSUI_INVALID_PDATA},
+        {[](Group& g) { g.sheet.hInstCaller = nullptr; }, ERR_CPSUI_NULL_HINST},
+        {[](Group& g) { g.sheet.cDlgPage = 0; }, ERR_CPSUI_INVALID_PDLGPAGE},
+        {[](Group& g) { g.sheet.cDlgPage = 65; }, ERR_CPSUI_TOO_MANY_DLGPAGES},
+        {[](Group& g) { g.page.DlgTemplateID = 1; }, ERR_CPSUI_CREATEPROPPAGE_FAILED},
+        {[](Group& g) { g.sheet.pOptItem = nullptr; }, ERR_CPSUI_NULL_POPTITEM},
+        {[](Group& g) { g.item.pName = nullptr; }, ERR_CPSUI_NULL_OPTITEMNAME},
+        {[](Group& g) { g.item.DlgPageIdx = 1; }, ERR_CPSUI_INVALID_DLGPAGEIDX},
+        {[](Group& g) { g.type.Type = TVOT_CHKBOX; }, ERR_CPSUI_INVALID_TVOT_TYPE},
+        {[](Group& g) { g.type.pOptParam = nullptr; }, ERR_CPSUI_NULL_POPTPARAM},
+        {[](Group& g) { g.parameters[1].cbSize = 1; }, ERR_CPSUI_INVALID_OPTPARAM_CBSIZE},
+        {[](Group&) {}, 1}};
     Player player;
     player.init_answer = -1;  // the sheet is not shown
     player.add = [&](PROPSHEETUI_INFO& info) {
-        for (const auto& row : rows) {
+        for (const auto& [spoil, wanted] : rows) {
             Group group;
-            row.spoil(group);
+            spoil(group);
             LONG pages = 0;
             const LONG_PTR added =
                 call(info, CPSFUNC_ADD_PCOMPROPSHEETUIW, &group.sheet, reinterpret_cast<LPARAM>(&pages));
-            EXPECT_EQ(row.error, pages) << row.label;
-            EXPECT_EQ(row.error > 0, added != 0) << row.label;
+            EXPECT_EQ(wanted, pages);
+            EXPECT_EQ(wanted > 0, added != 0) << wanted;
         }
         const PROPSHEETPAGEW good = plain_page();
         for (const size_t size : {size_t{0}, PROPSHEETPAGEW_V1_SIZE - 1, size_t{105}, size_t{MAXDWORD}}) {
@@ -68,6 +187,16 @@ TEST_F(CompstuiSheet, WhatIsMalformedIsNotAdded) {
         EXPECT_EQ(0, call(info, CPSFUNC_ADD_PROPSHEETPAGEW, &good)) << "the sheet is full";
     };
     EXPECT_EQ("502", player.play().reasons);
+}
+
+// The built library, found by the module under the name that it exports.
+TEST_F(CompstuiSheet, ModuleFindsTheService) {
+    const Intercept<decltype(LoadLibraryExW)> library(
+        "LoadLibraryExW", [](auto...) { return LoadLibraryW(Installation::built(L"compstui.dll").c_str()); });
+    Player player;
+    player.init_answer = -1;
+    EXPECT_EQ(cpsui::show(nullptr, &Player::function, &player), std::nullopt);
+    EXPECT_EQ("502", player.reasons);
 }
 
 TEST_F(CompstuiSheet, OptionItemStandsInTheControlsOfItsPage) {
@@ -147,14 +276,12 @@ TEST_F(CompstuiSheet, HasRoomForItsLargestPage) {
         218, 0,      0, 0, 15, 400, 0x0100,         L'T',           L'a', L'h', L'o', 0};
     PROPSHEETPAGEW pages[] = {plain_page(), plain_page()};
     pages[1].pResource = reinterpret_cast<const DLGTEMPLATE*>(large);
+    RECT wanted = {}, room = {}, tabs = {}, button = {}, sheet = {};
     const HWND alone =
         CreateDialogIndirectParamW(nullptr, pages[1].pResource, GetDesktopWindow(), nullptr, 0);
-    RECT wanted = {};
     GetClientRect(alone, &wanted);
     DestroyWindow(alone);
     ASSERT_GT(wanted.bottom, 0);
-
-    RECT room = {}, tabs = {}, button = {}, sheet = {};
     Player player;
     player.add = [&](PROPSHEETUI_INFO& info) {
         for (const PROPSHEETPAGEW& page : pages)
@@ -169,8 +296,6 @@ TEST_F(CompstuiSheet, HasRoomForItsLargestPage) {
         Player::press(page, PSBTN_OK);
     };
     player.play();
-    EXPECT_GE(room.right, wanted.right);
-    EXPECT_GE(room.bottom, wanted.bottom);
-    EXPECT_GE(button.top, tabs.bottom);
-    EXPECT_LE(button.bottom, sheet.bottom);
+    EXPECT_TRUE(room.right >= wanted.right && room.bottom >= wanted.bottom);
+    EXPECT_TRUE(button.top >= tabs.bottom && button.bottom <= sheet.bottom);
 }

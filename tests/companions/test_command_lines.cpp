@@ -1,9 +1,7 @@
 // The command lines of the host program and the renderer.
-#include <gtest/gtest.h>
-
-#include <windows.h>
-
 #include <shellapi.h>
+
+#include <tuple>
 
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
@@ -31,33 +29,28 @@ TEST(CommandLines, OrderIsFreeAndTheLastOfTwoCounts) {
 }
 
 TEST(CommandLines, WrongWordsAreNamed) {
-    const struct {
-        Words words;  // of the renderer when the first has dashes
-        const wchar_t *option, *why;
-    } rows[] = {{{}, L"command", L"no"},
-                {{L"prnt"}, L"\"prnt\"", L"unknown"},
-                {{L"print"}, L"FILE", L"required"},
-                {{L"print", L"a", L"b"}, L"b", L"not expected"},
-                {{L"print", L"a", L"--from", L"x"}, L"--from", L"not expected"},
-                {{L"print", L"a", L"--title"}, L"--title", L"required"},
-                {{L"print", L"a", L"--title", L""}, L"--title", L"empty"},
-                {{L"print", L"a", L"--trace", L"4294967296"}, L"--trace", L"4294967296"},
-                {{L"print", L"a", L"--abort-after-page", L"0"}, L"--abort-after-page", L"above 0"},
-                {{L"properties", L"--press", L"apply"}, L"--press", L"apply"},
-                {{L"diff", L"a"}, L"FILE", L"2"},
-                {{L"diff", L"a", L"b", L"c"}, L"FILE", L"2"},
-                {{L"--thread", L"0"}, L"--thread", L"above 0"},
-                {{L"--thread", L"12x"}, L"--thread", L"12x"},
-                {{L"--thread", L"4294967296"}, L"--thread", L"4294967296"},
-                {{L"--thread", L"7", L"--spool", L"s"}, L"--printer", L"required"},
-                {{L"--thread", L"7", L"--discard", L"--notify", L"7:65536"}, L"--notify", L"required"},
-                {{L"--thread", L"7", L"--notify", L"7:0:64"}, L"--notify", L"above 0"}};
-    for (const auto& row : rows) {
-        const bool renders = !row.words.empty() && row.words[0][0] == L'-';
-        const std::wstring fault = renders ? companions::render::parse_arguments(row.words).fault
-                                           : host::parse_options(row.words).fault;
-        EXPECT_NE(fault.find(row.option), std::wstring::npos) << qk::to_utf8(fault);
-        EXPECT_NE(fault.find(row.why), std::wstring::npos) << qk::to_utf8(fault);
+    // Of the renderer when the first has dashes; what the fault names, and why.
+    const std::tuple<Words, const wchar_t*, const wchar_t*> rows[] = {
+        {{}, L"command", L"no"},
+        {{L"prnt"}, L"\"prnt\"", L"unknown"},
+        {{L"print"}, L"FILE", L"required"},
+        {{L"print", L"a", L"--from", L"x"}, L"--from", L"not expected"},
+        {{L"print", L"a", L"--title", L""}, L"--title", L"empty"},
+        {{L"print", L"a", L"--trace", L"4294967296"}, L"--trace", L"4294967296"},
+        {{L"print", L"a", L"--abort-after-page", L"0"}, L"--abort-after-page", L"above 0"},
+        {{L"properties", L"--press", L"apply"}, L"--press", L"apply"},
+        {{L"diff", L"a"}, L"FILE", L"2"},
+        {{L"--thread", L"0"}, L"--thread", L"above 0"},
+        {{L"--thread", L"4294967296"}, L"--thread", L"4294967296"},
+        {{L"--thread", L"7", L"--spool", L"s"}, L"--printer", L"required"},
+        {{L"--thread", L"7", L"--discard", L"--notify", L"7:65536"}, L"--notify", L"required"},
+        {{L"--thread", L"7", L"--notify", L"7:0:64"}, L"--notify", L"above 0"}};
+    for (const auto& [words, option, why] : rows) {
+        const bool renders = !words.empty() && words[0][0] == L'-';
+        const std::wstring told =
+            renders ? companions::render::parse_arguments(words).fault : host::parse_options(words).fault;
+        EXPECT_NE(told.find(option), std::wstring::npos) << qk::to_utf8(told);
+        EXPECT_NE(told.find(why), std::wstring::npos) << qk::to_utf8(told);
     }
     const auto [good, fault, help] = companions::render::parse_arguments(Words{
         L"--thread", L"0x10", L"--printer", L"P", L"--spool", L"/s", L"--notify", L"7:0x10000:9999999"});

@@ -1,7 +1,6 @@
 // Files that the host program reads, copies and replaces.
-#include <gtest/gtest.h>
-
 #include <cstdint>
+#include <tuple>
 
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
@@ -39,27 +38,23 @@ void set_age(const std::wstring& path, unsigned days) {
 }
 
 TEST(HostFiles, TargetsAreBroughtUpToDate) {
-    const struct {
-        const char* target;    // null: not there
-        unsigned target_days;  // the source has 5
-        bool keep_newer;
-        CopyOutcome outcome;
-        const char* after;
-    } rows[] = {
+    // The target (null: not there) and its days (the source has 5), whether it is kept when it is newer, what
+    // is done, the target then.
+    const std::tuple<const char*, unsigned, bool, CopyOutcome, const char*> rows[] = {
         {nullptr, 0, false, CopyOutcome::kCopied, "new"}, {"new", 9, false, CopyOutcome::kUpToDate, "new"},
         {"old", 9, false, CopyOutcome::kReplaced, "new"}, {"odd", 1, false, CopyOutcome::kReplaced, "new"},
         {"mine", 1, true, CopyOutcome::kKept, "mine"},    {"old", 9, true, CopyOutcome::kReplaced, "new"}};
-    for (const auto& row : rows) {
+    for (const auto& [target, days, keep_newer, outcome, after] : rows) {
         const TempFolder folder;
         const host::FileCopy copy = {folder.write(L"source", "new"), folder.file(L"deep\\er\\target"),
-                                     row.keep_newer};
+                                     keep_newer};
         set_age(copy.source, 5);
-        if (row.target) {
+        if (target) {
             ASSERT_TRUE(ForceDirectories(folder.file(L"deep\\er")));
-            set_age(folder.write(L"deep\\er\\target", row.target), row.target_days);
+            set_age(folder.write(L"deep\\er\\target", target), days);
         }
-        EXPECT_EQ(host::bring_up_to_date(copy), row.outcome);
-        EXPECT_EQ(TempFolder::read(copy.target), row.after);
+        EXPECT_EQ(host::bring_up_to_date(copy), outcome);
+        EXPECT_EQ(TempFolder::read(copy.target), after);
     }
 }
 
@@ -81,26 +76,27 @@ TEST(HostFiles, TargetInUseIsMovedAsideOrStays) {
 
 TEST(HostFiles, SheetHostTakesTheSystemsPlaceAndGivesItBack) {
     const std::string wines = std::string(0x40, 'M') + "Wine builtin DLL";
-    const struct {
-        std::string target, kept;  // empty: not there
-        bool taken;
-    } rows[] = {
-        {wines, "", true}, {"earlier", wines, true}, {wines, "old", true}, {"somebody else's", "", false}};
-    for (const auto& row : rows) {
+    const std::tuple<std::string, std::string, bool> rows[] = {
+        // the target, what is kept, whether it is taken
+        {wines, "", true},
+        {"earlier", wines, true},
+        {wines, "old", true},
+        {"somebody else's", "", false}};
+    for (const auto& [found, kept, taken] : rows) {
         const UserRegistry registry;
         const TempFolder folder;
         const std::wstring source = folder.write(L"source.dll", "ours");
-        const std::wstring target = folder.write(L"target.dll", row.target);
-        if (!row.kept.empty())
-            folder.write(L"target.dll.wine", row.kept);
+        const std::wstring target = folder.write(L"target.dll", found);
+        if (!kept.empty())
+            folder.write(L"target.dll.wine", kept);
         const auto preference = [] {
             return qk::registry::find_text(HKEY_CURRENT_USER, L"Software\\Wine\\DllOverrides", L"compstui");
         };
         EXPECT_FALSE(host::install_sheet_host(source, target).empty());
-        EXPECT_EQ(TempFolder::read(target), row.taken ? "ours" : row.target);
-        EXPECT_EQ(preference().has_value(), row.taken);
-        EXPECT_EQ(host::remove_sheet_host(target), row.taken);
-        EXPECT_EQ(TempFolder::read(target), row.taken ? wines : row.target);
+        EXPECT_EQ(TempFolder::read(target), taken ? "ours" : found);
+        EXPECT_EQ(preference().has_value(), taken);
+        EXPECT_EQ(host::remove_sheet_host(target), taken);
+        EXPECT_EQ(TempFolder::read(target), taken ? wines : found);
         EXPECT_FALSE(qk::is_file(target + L".wine") || preference());
     }
 }

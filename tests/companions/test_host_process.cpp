@@ -1,7 +1,7 @@
 // The host program as people run it: the real spooler, GDI, module, dialog library and renderer.
-#include <gtest/gtest.h>
-
 #include <picojson.h>
+
+#include <tuple>
 
 #include "common/qk/paths.h"
 #include "print_settings/PrintSettings.h"
@@ -106,29 +106,24 @@ TEST_F(HostProcess, RefusedJobSaysWhy) {
 }
 
 TEST_F(HostProcess, SheetGivesBackTheSettingOnOkOnly) {
-    PrintSettings settings;
-    settings.general()->PaperType = 1;
-    settings.general()->PaperWidth = 123.4F;
-    settings.general()->PaperHeight = 234.5F;
-    settings.general()->Scale = 77;
-    settings.general()->PaperOrientation = 1;
-    const std::wstring setting = folder_.file(L"custom.ps4");
-    ASSERT_TRUE(settings.Save(setting));
-    const struct {
-        const wchar_t* words;
-        const char *result, *after;
-    } rows[] = {{L"--press ok", "OK", "77 1 256 1234 2345 custom "},  // portrait, whatever the setting says
-                {L"--press cancel", "cancelled", "100 1 9 2100 2970 A4 "},
-                {L"--press ok --no-permission", "OK", "100 1 9 2100 2970 A4 "},
-                {L"--press ok --direct", "OK", "77 1 256 1234 2345 custom "},
-                {L"--press cancel --direct", "cancelled", "100 1 9 2100 2970 A4 "}};
-    for (const auto& row : rows) {
-        ASSERT_EQ(run(L"properties " + (row.words + (L" --setting \"" + setting + L"\""))), 0);
-        EXPECT_EQ(text("result_name"), row.result);
+    const std::wstring setting =
+        folder_.write(L"custom.ps4",
+                      "\xEF\xBB\xBF"
+                      R"({"PSComment": [], "General": {"PaperType": 1, "PaperWidth": 123.4,
+                       "PaperHeight": 234.5, "Scale": 77, "PaperOrientation": 1}})");
+    const std::tuple<const wchar_t*, const char*, const char*> rows[] = {
+        {L"--press ok", "OK", "77 1 256 1234 2345 custom "},  // portrait, whatever the setting says
+        {L"--press cancel", "cancelled", "100 1 9 2100 2970 A4 "},
+        {L"--press ok --no-permission", "OK", "100 1 9 2100 2970 A4 "},
+        {L"--press ok --direct", "OK", "77 1 256 1234 2345 custom "},
+        {L"--press cancel --direct", "cancelled", "100 1 9 2100 2970 A4 "}};
+    for (const auto& [words, result, wanted] : rows) {
+        ASSERT_EQ(run(L"properties " + (words + (L" --setting \"" + setting + L"\""))), 0);
+        EXPECT_EQ(text("result_name"), result);
         std::string after;
         for (const char* key : {"scale", "orientation", "paper", "paper_width", "paper_length", "form_name"})
             after += report_.get("after").get(key).to_str() + ' ';
-        EXPECT_EQ(after, row.after);
+        EXPECT_EQ(after, wanted);
         const auto& sheets = report_.get("sheets").get<picojson::array>();
         ASSERT_EQ(sheets.size(), 1u);
         EXPECT_NE(sheets[0].get("title").to_str().find("Corvanta Vantrix 8.0"), std::string::npos);
@@ -147,19 +142,16 @@ TEST_F(HostProcess, SettingsAreCheckedAndCompared) {
     };
     const std::wstring good = file(L"good.ps4", "100"), other = file(L"other.ps4", "50"),
                        bad = file(L"bad.ps4", "500");
-    const struct {
-        std::wstring words;
-        int code;
-        const char* told;
-    } rows[] = {{L"check" + good + other, 0, "\"faults\":[]"},
-                {L"check" + good + bad, 1, "General.Scale: 500 is out of its range; 400 is used"},
-                {L"check nowhere.ps4" + bad, 2, "there is no such file"},
-                {L"diff" + good + good, 0, "\"changes\":[]"},
-                {L"diff" + good + other, 1, "50"},
-                {L"diff nowhere.ps4" + good, 2, "cannot be loaded"}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(run(row.words), row.code);
-        EXPECT_NE(report_.serialize().find(row.told), std::string::npos) << report_.serialize();
+    const std::tuple<std::wstring, int, const char*> rows[] = {
+        {L"check" + good + other, 0, "\"faults\":[]"},
+        {L"check" + good + bad, 1, "General.Scale: 500 is out of its range; 400 is used"},
+        {L"check nowhere.ps4" + bad, 2, "there is no such file"},
+        {L"diff" + good + good, 0, "\"changes\":[]"},
+        {L"diff" + good + other, 1, "50"},
+        {L"diff nowhere.ps4" + good, 2, "cannot be loaded"}};
+    for (const auto& [words, code, told] : rows) {
+        EXPECT_EQ(run(words), code);
+        EXPECT_NE(report_.serialize().find(told), std::string::npos) << report_.serialize();
     }
     EXPECT_EQ(run(L"status"), 0);
     EXPECT_TRUE(report_.get("good").get<bool>());

@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <vector>
+#include <tuple>
 
 #include "companions/host/page_layout.h"
 #include "companions/host/text_file.h"
@@ -13,12 +9,7 @@ using host::Encoding;
 using namespace std::string_literals;
 
 TEST(HostText, EncodingsAreTold) {
-    const struct {
-        const char* label;
-        std::string bytes;
-        std::wstring text;
-        Encoding encoding;
-    } rows[] = {
+    const std::tuple<const char*, std::string, std::wstring, Encoding> rows[] = {
         {"empty", "", L"", Encoding::kUtf8},
         {"UTF-8", "Gr\xC3\xBC\xC3\x9F", L"Gr\u00fc\u00df", Encoding::kUtf8},
         {"damaged UTF-8 with mark", "\xEF\xBB\xBFx\xFF", L"x\uFFFD", Encoding::kUtf8},
@@ -29,21 +20,17 @@ TEST(HostText, EncodingsAreTold) {
         {"UTF-16 with half a unit", "\xFF\xFEx\0y"s, L"x\uFFFD", Encoding::kUtf16Le},
         {"UTF-16 lone halves", "\xFF\xFE\xA8\xDDx\0\x3D\xD8"s, L"\uFFFDx\uFFFD", Encoding::kUtf16Le},
         {"only a mark", "\xFE\xFF", L"", Encoding::kUtf16Be}};
-    for (const auto& row : rows) {
-        const host::DecodedText decoded = host::decode_text(row.bytes);
-        EXPECT_EQ(decoded.text, row.text) << row.label;
-        EXPECT_EQ(decoded.encoding, row.encoding) << row.label;
+    for (const auto& [label, bytes, text, encoding] : rows) {
+        const host::DecodedText decoded = host::decode_text(bytes);
+        EXPECT_EQ(decoded.text, text) << label;
+        EXPECT_EQ(decoded.encoding, encoding) << label;
     }
 }
 
 TEST(HostText, PagesAreFilled) {
     using Pages = std::vector<host::Page>;
-    const struct {
-        const char* label;
-        size_t width;  // every unit is one column wide
-        std::wstring text;
-        Pages pages;  // of two lines
-    } rows[] = {
+    // The width, every unit being one column wide, the text, and its pages of two lines.
+    const std::tuple<const char*, size_t, std::wstring, Pages> rows[] = {
         {"empty text is one empty page", 4, L"", {{}}},
         {"a full page opens nothing", 4, L"a\r\nb\r\n", {{L"a", L"b"}}},
         {"CR LF is one end, LF CR are two", 4, L"a\r\nb\n\rc", {{L"a", L"b"}, {L"", L"c"}}},
@@ -59,11 +46,11 @@ TEST(HostText, PagesAreFilled) {
         {"never inside a pair", 3, L"ab\U0001F5A8x", {{L"ab", L"\U0001F5A8x"}}},
         {"too narrow for a pair", 1, L"\U0001F5A8x", {{L"\U0001F5A8", L"x"}}},
         {"too narrow for anything", 0, L"ab", {{L"a", L"b"}}}};
-    for (const auto& row : rows) {
-        const host::FittingUnits fits = [&row](std::wstring_view line) {
-            return std::min(row.width, line.size());
+    for (const auto& [label, width, text, pages] : rows) {
+        const host::FittingUnits fits = [columns = width](auto line) {
+            return std::min(columns, line.size());
         };
-        EXPECT_EQ(host::paginate(row.text, {2, fits}), row.pages) << row.label;
+        EXPECT_EQ(host::paginate(text, {2, fits}), pages) << label;
     }
 }
 

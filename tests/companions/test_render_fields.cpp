@@ -1,12 +1,6 @@
 // Every field of a print setting that the renderer obeys: what the finished PDF answers.
-#include <gtest/gtest.h>
-
-#include <windows.h>
-
-#include <algorithm>
 #include <cstdint>
-#include <string>
-#include <vector>
+#include <tuple>
 
 #include "companions/render/ascii85.h"
 #include "companions/render/fonts.h"
@@ -56,35 +50,32 @@ std::string document() {
 // Questions: commands of a shell with the PDF as $1 and a folder to write in as $2.
 constexpr char kInfo[] = "pdfinfo \"$1\" 2>/dev/null | sed -n 's/^PDF version: *//p; s/^Pages: */pages /p'";
 constexpr char kImages[] = "pdfimages -list \"$1\" | awk 'NR > 2 { print $6 \":\" $8 \":\" $9 }'";
+constexpr char kWidths[] = "pdfimages -list \"$1\" | awk 'NR > 2 { print $4 }'";
 constexpr char kFonts[] = "pdffonts \"$1\" | awk 'NR > 2 { print $1, $(NF - 4) }' | sed 's/^.*+//'";
+const std::string kPasswords = R"("Security": {"MasterPassword": "-own er", "UserPassword": "usr"}})";
 // The catalogue's entries, where the PDF is as the engine has written it.
 constexpr char kCatalogue[] =
     "qpdf --show-object=1 \"$1\" | sed 's/ [0-9]* 0 R//g; s/ .Metadata//; s/ .Pages.*.Type .Catalog//'";
 constexpr char kFirstPage[] =
     "n=$(qpdf --show-object=1 \"$1\" | sed 's/.*OpenAction . \\([0-9]*\\) .*/\\1/'); "
     "qpdf --show-pages \"$1\" | sed -n \"s/: $n 0 R//p\"";
-constexpr char kLinks[] = "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -o '/URI (.*)'";
 constexpr char kSecurity[] =
     "printf 'usr' >\"$2/pw\"; qpdf --password-file=\"$2/pw\" --show-encryption \"$1\" | sed -n "
     "'s/^R = //p; s/^P = //p; s/^file encryption method: //p'";
 constexpr char kSecurityOther[] =
     "printf '\\346\\227\\245' >\"$2/pw\"; qpdf --password-file=\"$2/pw\" "
     "--show-encryption \"$1\" | sed -n 's/^R = //p'";
-constexpr char kBoxes[] = "pdfinfo -box \"$1\" | awk '/TrimBox|BleedBox/ { print $1, $2, $3, $4, $5 }'";
+const std::string kGroup = "grep -a -o '/K -*[0-9]*' \"$1\"";
 constexpr char kIdentity[] =
     "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -o -E "
     "\"/S /GTS_PDF[AX]1?|GTS_PDFXVersion[ =].PDF/X-[0-9a:]+|pdfaid:part='[0-9]|/N [34]\" | sort -u";
 // How light the grey picture is.
 constexpr char kMean[] =
     "pdfimages -png \"$1\" \"$2/x\" && printf %.1f $(identify -format '%[fx:mean]' \"$2/x-001.png\")";
-// Colours of a page at 20 dpi; $3 is a place of the picture.
-constexpr char kPixel[] =
-    "pdftoppm -r 20 -f 1 -l 1 \"$1\" | convert - -crop 1x1+$PLACE -depth 8 txt:- | "
-    "grep -o '#[0-9A-F][0-9A-F]*'";
-
-std::string pixel(const char* place) {
-    std::string question = kPixel;
-    return question.replace(question.find("$PLACE"), 6, place);
+// The colour of a page at a place of it, at 20 dpi.
+std::string pixel(const std::string& place) {
+    return "pdftoppm -r 20 -f 1 -l 1 \"$1\" | convert - -crop 1x1+" + place +
+           " -depth 8 txt:- | grep -o '#[0-9A-F][0-9A-F]*'";
 }
 
 class RenderFields : public RenderProcess {
@@ -102,268 +93,137 @@ public:
     }
 };
 
+// What every row starts from: a watermark that is not shown yet, what standards ask for, a permission.
+constexpr char kStart[] = R"({"PSComment": [], "General": {"OpenPDF": 0}, "Security": {"PrintPermission": 1},
+    "PDFVersion": {"ICCFileName": "Z:\\usr\\share\\color\\icc\\ghostscript\\default_cmyk.icc"},
+    "Summary": {"Title": "\u00C9t\u00E9"}, "Addition": {"Str": {"OutputCondition": "FOGRA39"}},
+    "Watermark": {"Text": "\u2588\u2588", "FontName": "DejaVu Sans", "FontSize": 100, "DiagonalText": false,
+                  "VerticalPosition": 0, "HorizontalPosition": 0, "Transparency": 0}})";
+
 struct Row {
-    const char* label;
-    void (*change)(Settings&);
-    std::string question;
-    std::string answer;
+    std::string setting;  // what it says besides; empty: the PDF of the row before is asked once more
+    std::string question, answer;
 };
 
-constexpr wchar_t kRgb[] = L"Z:\\usr\\share\\color\\icc\\ghostscript\\srgb.icc";
-constexpr wchar_t kCmyk[] = L"Z:\\usr\\share\\color\\icc\\ghostscript\\default_cmyk.icc";
-
-void standard(Settings& s, uint32_t version, const wchar_t* profile) {
-    s.pdfVersion()->Version = version;
-    s.pdfVersion()->ICCFileName = profile;
-    s.summary()->Title = L"\u00C9t\u00E9";
-    s.addition()->Str[L"OutputCondition"] = L"FOGRA39";
-}
-
-void secret(Settings& s, uint32_t version, const wchar_t* user) {
-    s.pdfVersion()->Version = version;
-    s.security()->UserPassword = user;
-    s.security()->MasterPassword = L"-own er";
-    s.security()->PrintPermission = 1;
-}
-
-void mark(Settings& s, uint32_t vertical, uint32_t horizontal, uint32_t transparency) {
-    s.watermark()->Style = ps::Watermark_impl::kTextMark;
-    s.watermark()->Text = L"\u2588\u2588";
-    s.watermark()->FontName = L"DejaVu Sans";
-    s.watermark()->FontSize = 100;
-    s.watermark()->DiagonalText = false;
-    s.watermark()->VerticalPosition = vertical;
-    s.watermark()->HorizontalPosition = horizontal;
-    s.watermark()->Transparency = transparency;
-}
-
 const std::vector<Row> kRows = {
-    {"defaults", [](Settings&) {}, kInfo, "pages 3 1.7"},
-    {"Linearize", [](Settings&) {}, "qpdf --check-linearization \"$1\" | sed 's/.*: //'",
-     "no linearization errors"},
-    {"NoOutputBlankPage", [](Settings& s) { s.general()->NoOutputBlankPage = true; }, kInfo, "pages 2 1.7"},
-    {"URLLink", [](Settings& s) { s.general()->URLLink = true; }, std::string(kLinks) + " | sort | uniq -c",
+    {"{}", kInfo, "pages 3 1.7"},
+    {"", "qpdf --check-linearization \"$1\" | sed 's/.*: //'", "no linearization errors"},
+    {"", "grep -a -c ' Tf$' \"$1\"", "4"},
+    {"", kGroup, "/K -1"},
+    {"", kFonts, "Courier yes"},
+    {R"({"General": {"NoOutputBlankPage": true}})", kInfo, "pages 2 1.7"},
+    {R"({"General": {"URLLink": true}})",
+     "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -o '/URI (.*)' | sort | uniq -c",
      "      2 /URI (http://www.test.net)       2 /URI (https://example.org/a?b=1)"},
 
-    {"ASCIIFormat", [](Settings& s) { s.compression()->ASCIIFormat = true; },
-     "grep -a -c 'Filter.*ASCII85Decode' \"$1\"", "6"},
-    {"TextAndLineArt off", [](Settings&) {}, "grep -a -c ' Tf$' \"$1\"", "4"},
-    {"TextAndLineArt", [](Settings& s) { s.compression()->TextAndLineArt = true; },
-     "grep -a -c ' Tf$' \"$1\"", "0"},
-    {"HighCompress", [](Settings& s) { s.compression()->HighCompress = true; },
-     "grep -a -o /ObjStm \"$1\" | sort -u", "/ObjStm"},
-    {"methods: JPEG, ZIP",
-     [](Settings& s) {
-         s.compression()->Color->CompressionMethod = ps::CompressImage_impl::kJpeg;
-         s.compression()->Gray->CompressionMethod = 2;
-     },
-     kImages, "rgb:8:jpeg gray:8:image -:1:ccitt"},
-    {"methods: ZIP, JPEG, ZIP",
-     [](Settings& s) {
-         s.compression()->Color->CompressionMethod = 2;
-         s.compression()->Gray->CompressionMethod = ps::CompressImage_impl::kJpeg;
-         s.compression()->Mono->MonoCompressionMethod = 3;
-     },
+    {R"({"Compression": {"ASCIIFormat": true}})", "grep -a -c 'Filter.*ASCII85Decode' \"$1\"", "6"},
+    {R"({"Compression": {"TextAndLineArt": true}})", "grep -a -c ' Tf$' \"$1\"", "0"},
+    {R"({"Compression": {"HighCompress": true}})", "grep -a -o /ObjStm \"$1\" | sort -u", "/ObjStm"},
+    {R"({"Compression": {"Color": {"CompressionMethod": 1}, "Gray": {"CompressionMethod": 2}}})", kImages,
+     "rgb:8:jpeg gray:8:image -:1:ccitt"},
+    {R"({"Compression": {"Color": {"CompressionMethod": 2}, "Gray": {"CompressionMethod": 1},
+                         "Mono": {"MonoCompressionMethod": 3}}})",
      kImages, "rgb:8:image gray:8:jpeg -:1:image"},
-    {"MonoCompressionMethod: group 3", [](Settings& s) { s.compression()->Mono->MonoCompressionMethod = 1; },
-     "grep -a -o '/K -*[0-9]*' \"$1\"; grep -a -c CCF \"$1\"", "1"},
-    {"MonoCompressionMethod: group 4", [](Settings&) {}, "grep -a -o '/K -*[0-9]*' \"$1\"", "/K -1"},
-    {"MonoCompressionMethod: run length",
-     [](Settings& s) { s.compression()->Mono->MonoCompressionMethod = 4; }, "grep -a -o '/F */RL' \"$1\"",
-     "/F/RL"},
-    {"JpegQuality",
-     [](Settings& s) {
-         s.compression()->Color->CompressionMethod = ps::CompressImage_impl::kJpeg;
-         s.compression()->Color->JpegQuality = 10;
-         s.compression()->Gray = {};
-     },
+    {R"({"Compression": {"Mono": {"MonoCompressionMethod": 1}}})", kGroup + "; grep -a -c CCF \"$1\"", "1"},
+    {R"({"Compression": {"Mono": {"MonoCompressionMethod": 4}}})", "grep -a -o '/F */RL' \"$1\"", "/F/RL"},
+    {R"({"Compression": {"Color": {"CompressionMethod": 1, "JpegQuality": 10}}})",
      "pdfimages -j \"$1\" \"$2/x\" && identify -format %Q \"$2/x-000.jpg\"", "10"},
-    {"resolutions",
-     [](Settings& s) {
-         s.compression()->Color->ResolutionThreshold = 40;
-         s.compression()->Color->ResolutionTarget = 23;
-         s.compression()->Gray->DownSamplingMethod = 0;
-     },
-     "pdfimages -list \"$1\" | awk 'NR > 2 { print $4 }'", "32 64 64"},
+    {R"({"Compression": {"Color": {"ResolutionThreshold": 40, "ResolutionTarget": 23},
+                         "Gray": {"ResolutionThreshold": 40, "DownSamplingMethod": 0},
+                         "Mono": {"ResolutionTarget": 10}}})",  // as far below as the engine takes
+     kWidths, "32 64 64"},
+    {R"({"Compression": {"Mono": {"ResolutionThreshold": 40, "ResolutionTarget": 23}}})", kWidths,
+     "64 64 32"},
 
-    {"EmbedBase14", [](Settings&) {}, kFonts, "Courier yes"},
-    {"EmbedBase14 off", [](Settings& s) { s.font()->EmbedBase14 = false; }, kFonts, "Courier no"},
-    {"Fonts: not these",
-     [](Settings& s) {
-         s.font()->Fonts = {L"Arial", L"Courier"};
-     },
-     kFonts, "Courier no"},
-    {"Fonts: only these",
-     [](Settings& s) {
-         s.font()->EmbedFontStyle = ps::Font_impl::kListedOnly;
-         s.font()->Fonts = {L"Courier"};
-     },
-     kFonts, "Courier yes"},
-    {"Fonts: only others",
-     [](Settings& s) {
-         s.font()->EmbedFontStyle = ps::Font_impl::kListedOnly;
-         s.font()->WhenFailedToEmbed = ps::Font_impl::kNoPDF;
-         s.font()->Fonts = {L"Arial"};
-     },
-     kFonts, "Courier no"},
+    {R"({"Font": {"EmbedBase14": false}})", kFonts, "Courier no"},
+    {R"({"Font": {"Fonts": ["Arial", "Courier"]}})", kFonts, "Courier no"},
+    {R"({"Font": {"Fonts": ["Courier"], "EmbedFontStyle": 1}})", kFonts, "Courier yes"},
+    {R"({"Font": {"Fonts": ["Arial"], "EmbedFontStyle": 1, "WhenFailedToEmbed": 0}})", kFonts, "Courier no"},
 
-    {"Summary",
-     [](Settings& s) {
-         s.pdfVersion()->Version = ps::kPDF20;
-         s->PSName = L"Office";
-         *s.summary() = {};
-         s.summary()->Title = L"\u65E5";
-         s.summary()->Subject = L"S";
-         s.summary()->Author = L"A (1)";
-         s.summary()->Keywords = L"K";
-         s.summary()->Creator = L"C";
-         s.summary()->EmbedPSFileName = true;
-     },
+    {R"({"PDFVersion": {"Version": 12}, "PSName": "Office", "Summary": {"Title": "\u65E5", "Subject": "S",
+        "Author": "A (1) B", "Keywords": "K", "Creator": "C", "EmbedPSFileName": true}})",
      "pdfinfo -custom \"$1\" | sed -n "
      "'s/^\\(Title\\|Subject\\|Author\\|Keywords\\|Creator\\|PrintSetting\\): *//p'",
-     "A (1) C K Office S \u65E5"},
+     "A (1) B C K Office S \u65E5"},
+    {"", kInfo, "pages 3 2.0"},
 
-    {"OpenAction",
-     [](Settings& s) {
-         s.general()->Linearize = false;
-         auto& open = *s.openAction();
-         open.PageLayout = ps::OpenAction_impl::kTwoPages;
-         open.Binding = ps::OpenAction_impl::kRightBinding;
-         open.PageAdjust = ps::OpenAction_impl::kFitPage;
-         open.PageMode = ps::OpenAction_impl::kThumbnails;
-         open.StartPage = 99;
-         open.FullScreen = open.ShowDocumentTitle = open.HideMenu = open.HideToolBar = true;
-         open.HideWindowControl = open.FitToPage = open.CenterWindow = true;
-     },
+    {R"({"General": {"Linearize": false}, "OpenAction": {"PageLayout": 3, "Binding": 2, "PageAdjust": 2,
+        "PageMode": 2, "StartPage": 99, "FullScreen": true, "ShowDocumentTitle": true, "HideMenu": true,
+        "HideToolBar": true, "HideWindowControl": true, "FitToPage": true, "CenterWindow": true}})",
      kCatalogue,
      "<< /OpenAction [ /Fit ] /PageLayout /TwoPageLeft /PageMode /FullScreen /ViewerPreferences << "
-     "/CenterWindow true "
-     "/Direction /R2L /DisplayDocTitle true /FitWindow true /HideMenubar true /HideToolbar true "
-     "/HideWindowUI true "
-     "/NonFullScreenPageMode /UseThumbs >> >>"},
-    {"OpenAction without blank pages",
-     [](Settings& s) {
-         s.general()->Linearize = false;
-         s.general()->NoOutputBlankPage = true;
-         s.openAction()->StartPage = 3;
-     },
+     "/CenterWindow true /Direction /R2L /DisplayDocTitle true /FitWindow true /HideMenubar true "
+     "/HideToolbar true /HideWindowUI true /NonFullScreenPageMode /UseThumbs >> >>"},
+    {R"({"General": {"Linearize": false, "NoOutputBlankPage": true}, "OpenAction": {"StartPage": 3}})",
      kFirstPage, "page 2"},
 
-    {"PDF 1.3: 40 bits", [](Settings& s) { secret(s, ps::kPDF13, L"usr"); }, kSecurity, "2 -32"},
-    {"PDF 1.5: RC4", [](Settings& s) { secret(s, ps::kPDF15, L"usr"); }, kSecurity, "3 -3132"},
-    {"PDF 1.7: AES", [](Settings& s) { secret(s, ps::kPDF17, L"usr"); }, kSecurity, "4 -3132 AESv2"},
-    {"PDF 1.7, level 5",
-     [](Settings& s) {
-         secret(s, ps::kPDF17, L"usr");
-         s.security()->Level = 5;
-         s.security()->EditPermission = 5;
-         s.security()->AllowCopyContent = true;
-         s.security()->PrintPermission = 2;
-     },
+    {R"({"PDFVersion": {"Version": 0}, )" + kPasswords, kSecurity, "2 -32"},
+    {R"({"PDFVersion": {"Version": 2}, )" + kPasswords, kSecurity, "3 -3132"},
+    {R"({"PDFVersion": {"Version": 4}, )" + kPasswords, kSecurity, "4 -3132 AESv2"},
+    {R"({"Security": {"MasterPassword": "-own er", "UserPassword": "usr", "Level": 5, "EditPermission": 5,
+                      "AllowCopyContent": true, "PrintPermission": 2}})",
      kSecurity, "6 -4 AESv3"},
-    {"PDF 2.0, any characters", [](Settings& s) { secret(s, ps::kPDF20, L"\u65E5"); }, kSecurityOther, "6"},
+    {R"({"PDFVersion": {"Version": 12}, "Security": {"MasterPassword": "x", "UserPassword": "\u65E5"}})",
+     kSecurityOther, "6"},
 
-    {"boxes",
-     [](Settings& s) {
-         s.pdfVersion()->UseTrimBox = s.pdfVersion()->UseBleedBox = true;
-         s.pdfVersion()->TrimBox = {25.4f, 50.8f, 25.4f, 12.7f};
-         s.pdfVersion()->BleedBox = {12.7f, 12.7f, 12.7f, 0};
-     },
-     kBoxes, "BleedBox: 36.00 0.00 576.00 756.00 TrimBox: 72.00 36.00 540.00 648.00"},
-    {"PDF/A-1b", [](Settings& s) { standard(s, ps::kPDFA1b, kRgb); }, kIdentity,
-     "/N 3 /S /GTS_PDFA1 pdfaid:part='1"},
-    {"PDF/A-2b", [](Settings& s) { standard(s, ps::kPDFA2b, kCmyk); }, kIdentity,
-     "/N 4 /S /GTS_PDFA1 pdfaid:part='2"},
-    {"PDF/X-1a:2001", [](Settings& s) { standard(s, ps::kPDFX1a2001, kCmyk); }, kIdentity,
+    {R"({"PDFVersion": {"UseTrimBox": true, "UseBleedBox": true,
+        "TrimBox": {"left": 25.4, "top": 50.8, "right": 25.4, "bottom": 12.7},
+        "BleedBox": {"left": 12.7, "top": 12.7, "right": 12.7}}})",
+     "pdfinfo -box \"$1\" | awk '/TrimBox|BleedBox/ { print $1, $2, $3, $4, $5 }'",
+     "BleedBox: 36.00 0.00 576.00 756.00 TrimBox: 72.00 36.00 540.00 648.00"},
+    {R"({"PDFVersion": {"Version": 5,
+                        "ICCFileName": "Z:\\usr\\share\\color\\icc\\ghostscript\\srgb.icc"}})",
+     kIdentity, "/N 3 /S /GTS_PDFA1 pdfaid:part='1"},
+    {"", kInfo, "pages 3 1.4"},
+    {R"({"PDFVersion": {"Version": 11}})", kIdentity, "/N 4 /S /GTS_PDFA1 pdfaid:part='2"},
+    {R"({"PDFVersion": {"Version": 6}, "Color": {"BlackToK100": true}})", kIdentity,
      "/N 4 /S /GTS_PDFX GTS_PDFXVersion (PDF/X-1:2001"},
-    {"PDF/X-1a:2003", [](Settings& s) { standard(s, ps::kPDFX1a2003, kCmyk); }, kIdentity,
-     "/N 4 /S /GTS_PDFX GTS_PDFXVersion (PDF/X-1a:2003"},
-    {"PDF/X-3:2002", [](Settings& s) { standard(s, ps::kPDFX32002, kCmyk); }, kIdentity,
-     "/N 4 /S /GTS_PDFX GTS_PDFXVersion (PDF/X-3:2002"},
-    {"PDF/X-3:2003", [](Settings& s) { standard(s, ps::kPDFX32003, kCmyk); }, kIdentity,
-     "/N 4 /S /GTS_PDFX GTS_PDFXVersion (PDF/X-3:2003"},
-    {"PDF/X-4", [](Settings& s) { standard(s, ps::kPDFX4, kCmyk); }, kIdentity,
-     "/N 4 /S /GTS_PDFX GTS_PDFXVersion='PDF/X-4"},
+    {"", "grep -a -c ' 0 0 0 1 k\\| 0.[0-9]* 0.[0-9]* 0.[0-9]* 1* k' \"$1\"", "0"},
+    {R"({"PDFVersion": {"Version": 7}})", kIdentity, "/N 4 /S /GTS_PDFX GTS_PDFXVersion (PDF/X-1a:2003"},
+    {R"({"PDFVersion": {"Version": 8}})", kIdentity, "/N 4 /S /GTS_PDFX GTS_PDFXVersion (PDF/X-3:2002"},
+    {R"({"PDFVersion": {"Version": 9}})", kIdentity, "/N 4 /S /GTS_PDFX GTS_PDFXVersion (PDF/X-3:2003"},
+    {R"({"PDFVersion": {"Version": 10}})", kIdentity, "/N 4 /S /GTS_PDFX GTS_PDFXVersion='PDF/X-4"},
 
-    {"watermark over, top left, solid", [](Settings& s) { mark(s, 0, 0, 0); }, pixel("20+20"), "#FF0000"},
-    {"watermark under the page",
-     [](Settings& s) {
-         mark(s, 0, 0, 0);
-         s.watermark()->FontSize = 150;
-         s.watermark()->ZOrder = ps::Watermark_impl::kUnderThePage;
-     },
-     pixel("30+46") + " | cut -c1-2", "#C"},
-    {"watermark bottom right, half", [](Settings& s) { mark(s, 2, 2, 50); }, pixel("145+205"), "#FF7F7F"},
-    {"watermark nowhere else", [](Settings& s) { mark(s, 2, 2, 50); }, pixel("20+20"), "#FFFFFF"},
-    {"watermark before transparency",
-     [](Settings& s) {
-         mark(s, 2, 2, 50);
-         s.pdfVersion()->Version = ps::kPDF13;
-     },
-     pixel("145+205"), "#FF7F7F"},
-    {"watermark on the screen alone",
-     [](Settings& s) {
-         mark(s, 0, 0, 0);
-         s.watermark()->VisibleInPrint = false;
-     },
+    {R"({"Watermark": {"Style": 1, "VisibleInPrint": false}})", pixel("20+20"), "#FF0000"},
+    {"",
      "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -A1 -E '/(Print|View)State' | grep -a -o "
      "'/[A-Z].*'",
      "/PrintState /OFF /ViewState /ON"},
+    {R"({"Watermark": {"Style": 1, "FontSize": 150, "ZOrder": 1}})", pixel("30+46") + " | cut -c1-2", "#C"},
+    {R"({"Watermark": {"Style": 1, "VerticalPosition": 2, "HorizontalPosition": 2, "Transparency": 50}})",
+     pixel("145+205"), "#FF7F7F"},
+    {"", pixel("20+20"), "#FFFFFF"},
+    {R"({"Watermark": {"Style": 1, "VerticalPosition": 2, "HorizontalPosition": 2, "Transparency": 50},
+         "PDFVersion": {"Version": 0}})",  // which has no transparency
+     pixel("145+205"), "#FF7F7F"},
 
-    {"ColorMode: grey", [](Settings& s) { s.color()->ColorMode = ps::Color_impl::kGrey; }, kImages,
-     "gray:8:image gray:8:image -:1:ccitt"},
-    {"GrayDecreasingMethod",
-     [](Settings& s) {
-         s.color()->ColorMode = ps::Color_impl::kGrey;
-         s.color()->GrayDecreasingMethod = 2;
-     },
-     pixel("30+46") + " | cut -c1-2", "#7"},
-    {"ColorMode: black and white", [](Settings& s) { s.color()->ColorMode = ps::Color_impl::kMonochrome; },
-     kImages, "gray:1:ccitt gray:1:ccitt -:1:ccitt"},
-    {"text and lines in black and white",
-     [](Settings& s) { s.color()->ColorMode = ps::Color_impl::kMonochrome; }, pixel("30+46"), "#000000"},
-    {"MonoTextAndPassThreshold",
-     [](Settings& s) {
-         s.color()->ColorMode = ps::Color_impl::kMonochrome;
-         s.color()->MonoTextAndPassThreshold = 20;
-     },
-     pixel("30+46"), "#FFFFFF"},
-    {"MonoImageThreshold",
-     [](Settings& s) {
-         s.color()->ColorMode = ps::Color_impl::kMonochrome;
-         s.color()->MonoImageThreshold = 0;
-     },
-     kMean, "1.0"},
-    {"MonoDecreasingMethod: dither, which has no threshold",
-     [](Settings& s) {
-         s.color()->ColorMode = ps::Color_impl::kMonochrome;
-         s.color()->MonoDecreasingMethod = 1;
-         s.color()->MonoImageThreshold = 0;
-     },
+    {R"({"Color": {"ColorMode": 1}})", kImages, "gray:8:image gray:8:image -:1:ccitt"},
+    {R"({"Color": {"ColorMode": 1, "GrayDecreasingMethod": 2}})", pixel("30+46") + " | cut -c1-2", "#7"},
+    {R"({"Color": {"ColorMode": 2}})", kImages, "gray:1:ccitt gray:1:ccitt -:1:ccitt"},
+    {"", pixel("30+46"), "#000000"},
+    {R"({"Color": {"ColorMode": 2, "MonoTextAndPassThreshold": 20}})", pixel("30+46"), "#FFFFFF"},
+    {R"({"Color": {"ColorMode": 2, "MonoImageThreshold": 0}})", kMean, "1.0"},
+    {R"({"Color": {"ColorMode": 2, "MonoImageThreshold": 0, "MonoDecreasingMethod": 1}})",  // dithers
      kMean, "0.5"},
-    {"BlackToK100",
-     [](Settings& s) {
-         standard(s, ps::kPDFX1a2001, kCmyk);
-         s.color()->BlackToK100 = true;
-     },
-     "grep -a -c ' 0 0 0 1 k\\| 0.[0-9]* 0.[0-9]* 0.[0-9]* 1* k' \"$1\"", "0"},
 };
 
 TEST_F(RenderFields, EveryRow) {
     for (const Row& row : kRows) {
-        SCOPED_TRACE(row.label);
-        settings_ = Settings();
-        settings_.general()->OpenPDF = ps::General_impl::kLeaveClosed;
-        row.change(settings_);
-        folder_.write(L"job.ps", document());
-        EXPECT_EQ(run(), kDone) << qk::to_utf8(result_.view()->message.find_text().value_or(L""));
-        EXPECT_EQ(ask(row.question), row.answer);
+        SCOPED_TRACE(row.question);
+        if (!row.setting.empty()) {
+            settings_ = Settings();
+            ASSERT_EQ(settings_.LoadPS4(kStart, false) + settings_.LoadPS4(row.setting, true), 0);
+            folder_.write(L"job.ps", document());
+            EXPECT_EQ(run(), kDone) << qk::to_utf8(message());
+        }
+        EXPECT_EQ(ask(row.question), row.answer) << row.setting;
     }
 }
 
 TEST_F(RenderFields, StandardThatCannotBeMet) {
     constexpr char kMovie[] = "%!PS\n[ /Rect [0 0 9 9] /Subtype /Movie /ANN pdfmark showpage\n";
-    standard(settings_, ps::kPDFA1b, kRgb);
+    settings_.pdfVersion()->Version = ps::kPDFA1b;
+    settings_.pdfVersion()->ICCFileName = L"Z:\\usr\\share\\color\\icc\\ghostscript\\srgb.icc";
     for (const bool stops : {true, false}) {
         folder_.write(L"job.ps", kMovie);
         settings_.pdfVersion()->WhenErroredPDFAX =
@@ -392,58 +252,48 @@ TEST_F(RenderFields, PictureOfTheWatermark) {
     EXPECT_EQ(ask(pixel("85+140")), "#00FF00");
 }
 
-TEST_F(RenderFields, ProgramsOfOthers) {
-    folder_.write(L"view.bat", "@echo %~nx1>\"" + qk::to_utf8(folder_.file(L"seen.txt")) + "\"\r\n");
+TEST_F(RenderFields, ViewerIsToldOfThePdf) {
+    const std::wstring seen = folder_.file(L"seen.txt");
+    folder_.write(L"view.bat", "@echo %~nx1>\"" + qk::to_utf8(seen) + "\"\r\n");
     const Variable viewer(L"ZR_VIEWER", folder_.file(L"view.bat"));
     target_ = folder_.file(L"made.pdf");
     settings_.general()->OpenPDF = ps::General_impl::kOpen;
     ASSERT_EQ(run(), kDone);
-    for (int wait = 0; wait < 100 && !TempFolder::read(folder_.file(L"seen.txt")).starts_with("made.pdf");
-         ++wait)
+    for (int wait = 0; wait < 100 && !TempFolder::read(seen).starts_with("made.pdf"); ++wait)
         Sleep(50);
-    EXPECT_TRUE(TempFolder::read(folder_.file(L"seen.txt")).starts_with("made.pdf"));
+    EXPECT_TRUE(TempFolder::read(seen).starts_with("made.pdf"));
 }
 
 TEST(RenderFonts, WhatThePdfLacks) {
     const std::string kept =
         R"(,"obj:2 0 R":{"value":{"/Type":"/FontDescriptor","/FontName":"/B","/FontFile2":"3 0 R"}})";
-    const struct {
-        const char* label;
-        const char* object;
-        const char* parameters;
-        const char* missing;
-    } rows[] = {
-        {"without its file", R"("/Type":"/FontDescriptor","/FontName":"/A")", "/NeverEmbed [ ]", "A"},
-        {"not wanted", R"("/Type":"/FontDescriptor","/FontName":"/A")", "/NeverEmbed [ /A ]", ""},
-        {"not listed", R"("/Type":"/FontDescriptor","/FontName":"/A")",
-         "/EmbedAllFonts false /AlwaysEmbed [ /B ]", ""},
-        {"without a description", R"("/Type":"/Font","/Subtype":"/Type1","/BaseFont":"/C")",
-         "/NeverEmbed [ ]", "C"},
-        {"drawn in the PDF", R"("/Type":"/Font","/Subtype":"/Type3")", "/NeverEmbed [ ]", ""},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(companions::render::missing_font(std::string(R"({"qpdf":[{},{"obj:1 0 R":{"value":{)") +
-                                                       row.object + "}}" + kept + "}]}",
-                                                   row.parameters),
-                  row.missing)
-            << row.label;
+    constexpr char kFile[] = R"("/Type":"/FontDescriptor","/FontName":"/A")";
+    const std::tuple<const char*, const char*, const char*> rows[] = {
+        {kFile, "/NeverEmbed [ ]", "A"},
+        {kFile, "/NeverEmbed [ /A ]", ""},
+        {kFile, "/EmbedAllFonts false /AlwaysEmbed [ /B ]", ""},
+        {R"("/Type":"/Font","/Subtype":"/Type1","/BaseFont":"/C")", "/NeverEmbed [ ]", "C"},  // not described
+        {R"("/Type":"/Font","/Subtype":"/Type3")", "/NeverEmbed [ ]", ""}};  // drawn in the PDF
+    for (const auto& [object, parameters, missing] : rows)
+        EXPECT_EQ(
+            companions::render::missing_font(
+                R"({"qpdf":[{},{"obj:1 0 R":{"value":{)" + (object + ("}}" + kept)) + "}]}", parameters),
+            missing)
+            << object << parameters;
 }
 
 // One darker pixel in the middle of light ones: what it becomes.
 TEST(RenderPictures, FiltersComeBeforeTheThreshold) {
     using namespace companions::render;
-    const struct {
-        uint32_t filter;
-        uint8_t middle;
-        int black;
-    } rows[] = {{0, 100, 1}, {0, 150, 0}, {1, 100, 0}, {2, 150, 1}, {2, 170, 0}, {3, 170, 1}, {4, 100, 0}};
-    for (const auto& row : rows) {
+    const std::tuple<uint32_t, uint8_t, int> rows[] = {{0, 100, 1}, {0, 150, 0}, {1, 100, 0}, {2, 150, 1},
+                                                       {2, 170, 0}, {3, 170, 1}, {4, 100, 0}};
+    for (const auto& [filter, middle, black] : rows) {
         GreyPicture picture{5, 5, std::vector<uint8_t>(25, 200)};
-        picture.pixels[12] = row.middle;
+        picture.pixels[12] = middle;
         PictureWork work;
-        work.filter = row.filter;
+        work.filter = filter;
         make_black_and_white(picture, work);
-        EXPECT_EQ(std::ranges::count(picture.pixels, 0), row.black) << row.filter << ' ' << int{row.middle};
+        EXPECT_EQ(std::ranges::count(picture.pixels, 0), black) << filter << ' ' << int{middle};
     }
 }
 

@@ -1,13 +1,7 @@
 // The renderer's pure parts: what it tells the engine, what it reads there, what it tells the printing
 // process.
-#include <gtest/gtest.h>
-
-#include <windows.h>
-
-#include <algorithm>
 #include <cstdint>
-#include <string>
-#include <vector>
+#include <tuple>
 
 #include "companions/render/engine.h"
 #include "companions/render/engine_arguments.h"
@@ -24,59 +18,31 @@ namespace {
 using namespace companions::render;
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
 
-TEST(RenderRules, SettingsReadAsArguments) {
-    const struct {
-        const char* argument;
-        void (*change)(PrintSettings&);
-    } rows[] = {{"-dCompatibilityLevel=1.7", [](PrintSettings&) {}},
-                {"-dCompatibilityLevel=1.4", [](PrintSettings& s) { s.pdfVersion()->Version = 5; }},
-                {"-dCompatibilityLevel=2.0", [](PrintSettings& s) { s.pdfVersion()->Version = 12; }},
-                {"-dColorImageDownsampleThreshold=10.00",
-                 [](PrintSettings& s) { s.compression()->Color->ResolutionTarget = 0; }},
-                {"-dMonoImageDownsampleType=/Subsample", [](PrintSettings&) {}},
-                {"-dDownsampleColorImages=false",
-                 [](PrintSettings& s) { s.compression()->Color->DownSamplingMethod = 0; }},
-                {"-sOutputFile=/100%%/a%%d.pdf", [](PrintSettings&) {}},  // percent signs are no page numbers
-                {"@o.txt", [](PrintSettings&) {}}};
-    for (const auto& row : rows) {
-        PrintSettings settings;
-        row.change(settings);
-        const auto arguments =
-            engine_arguments(settings, {"o.txt", "/100%/a%d.pdf", "p.ps", "/1%/s.ps", "e.ps"});
-        EXPECT_NE(std::ranges::find(arguments, row.argument), arguments.end()) << row.argument;
-        EXPECT_EQ(std::vector(arguments.end() - 3, arguments.end()),
-                  (std::vector<std::string>{"p.ps", "/1%/s.ps", "e.ps"}));
-    }
-}
-
 TEST(RenderRules, PasswordsGoIntoTheOptionsOnly) {
-    const struct {
-        const char* label;
-        uint32_t version;
-        std::wstring master, user;
-        const char* options;  // empty: none wanted; null: cannot be used
-    } rows[] = {
-        {"none", 4, L"", L"", ""},
-        {"archive versions take none", 5, L"own", L"usr", ""},
-        {"both", 4, L"a\"b", L"\u00E9", "-dOwnerPassword=<612262>\n-dUserPassword=<E9>\n-dEncryptionR=3"},
-        {"master only", 12, L"x", L"", "-dOwnerPassword=<78>\n-dEncryptionR=3"},
-        {"user only", 4, L"", L"x", "-dOwnerPassword=<78>\n-dUserPassword=<78>\n-dEncryptionR=3"},
-        {"40 bits", 0, L"x", L"", "-dOwnerPassword=<78>\n-dEncryptionR=2\n-dKeyLength=40"},
-        {"32 characters count", 4, std::wstring(40, L'1'), L"",
+    // The version, both passwords, the options; empty: none wanted; null: cannot be used.
+    const std::tuple<uint32_t, std::wstring, const wchar_t*, const char*> rows[] = {
+        {4, L"", L"", ""},
+        {5, L"own", L"usr", ""},  // archives take none
+        {4, L"a\"b", L"\u00E9", "-dOwnerPassword=<612262>\n-dUserPassword=<E9>\n-dEncryptionR=3"},
+        {12, L"x", L"", "-dOwnerPassword=<78>\n-dEncryptionR=3"},
+        {4, L"", L"x", "-dOwnerPassword=<78>\n-dUserPassword=<78>\n-dEncryptionR=3"},
+        {0, L"x", L"", "-dOwnerPassword=<78>\n-dEncryptionR=2\n-dKeyLength=40"},
+        {4, std::wstring(40, L'1'), L"",  // 32 count
          "-dOwnerPassword=<3131313131313131313131313131313131313131313131313131313131313131>\n-d"},
-        {"not in Latin-1", 12, L"\u65E5", L"", nullptr},
-        {"control character", 4, L"x", L"a\n-dNOSAFER", nullptr}};
-    for (const auto& row : rows) {
+        {12, L"\u65E5", L"", nullptr},  // not in Latin-1
+        {4, L"x", L"a\n-dNOSAFER", nullptr}};
+    for (const auto& [version, master, user, wanted] : rows) {
+        SCOPED_TRACE(qk::to_utf8(master + L"|" + user));
         PrintSettings settings;
-        settings.pdfVersion()->Version = row.version;
-        settings.security()->MasterPassword = row.master;
-        settings.security()->UserPassword = row.user;
-        EXPECT_EQ(wants_password(settings), !row.options || *row.options) << row.label;
+        settings.pdfVersion()->Version = version;
+        settings.security()->MasterPassword = master;
+        settings.security()->UserPassword = user;
+        EXPECT_EQ(wants_password(settings), !wanted || *wanted);
         const auto options = wants_password(settings) ? find_password_options(settings) : "";
-        EXPECT_EQ(options.has_value(), row.options != nullptr) << row.label;
-        EXPECT_TRUE(!options || options->starts_with(row.options)) << row.label << ": " << *options;
+        EXPECT_EQ(options.has_value(), wanted != nullptr);
+        EXPECT_TRUE(!options || options->starts_with(wanted)) << *options;
         for (const std::string& argument : engine_arguments(settings, {}))
-            EXPECT_EQ(argument.find("Password"), std::string::npos) << row.label;
+            EXPECT_EQ(argument.find("Password"), std::string::npos);
     }
 }
 
@@ -112,20 +78,16 @@ TEST(RenderRules, EnginesOutputIsReadInPiecesOfAnySize) {
 // The other ends are met with the real engine.
 TEST(RenderRules, EndsOfTheEngineAreNotAllTheDocumentsFault) {
     using End = Engine::End;
-    const struct {
-        End end;
-        const char* output;
-        ResultCode code;
-    } rows[] = {
+    const std::tuple<End, const char*, ResultCode> rows[] = {
         {End::kDone, "zr:page 1\nError: printed by the document\n", ResultCode::kDone},
         {End::kFailed, "Error: /ioerror in --showpage--\n", ResultCode::kTargetUnwritable},
         {End::kStopped, "zr:page 1\nError: /ioerror in --showpage--\n", ResultCode::kTargetUnwritable},
         {End::kFailed, "**** Could not open the file /x.tmp .\n", ResultCode::kTargetUnwritable},
         {End::kStopped, "zr:page 1\n", ResultCode::kEngineStopped}};
-    for (const auto& row : rows) {
+    for (const auto& [end, output, code] : rows) {
         EngineLog log;
-        log.feed(row.output);
-        EXPECT_EQ(engine_result(row.end, log), row.code) << row.output;
+        log.feed(output);
+        EXPECT_EQ(engine_result(end, log), code) << output;
     }
 }
 
@@ -140,26 +102,29 @@ std::wstring text_in(const qk::MsWString& field, const FilledRecord& filled) {
 TEST(RenderRules, TextsOfTheResultGoWhereTheyFit) {
     const std::wstring whole = L"The print data is dam\U0001F5A8ged", caption = L"Caption text",
                        file = L"C:\\out\\file.pdf";
-    const struct {
-        size_t units;  // of the arena; 0: none
-        std::wstring caption, file, message;
-    } rows[] = {{100, caption, file, whole},
-                {0, L"", L"", L""},
-                {13 + 16 + 23, caption, file, whole.substr(0, 21)},  // not cut inside a pair
-                {13 + 15, caption, L"", whole.substr(0, 14)}};
-    for (const auto& row : rows) {
-        const TextArena arena{1, 0x10000, row.units * sizeof(wchar_t) + 1};
+    // The arena's units, 0 for none; the caption, the file, the message.
+    const std::tuple<size_t, std::wstring, std::wstring, std::wstring> rows[] = {
+        {100, caption, file, whole},
+        {0, L"", L"", L""},
+        {13 + 16 + 23, caption, file, whole.substr(0, 21)},  // not cut inside a pair
+        {13 + 15, caption, L"", whole.substr(0, 14)}};
+    for (const auto& [units, wanted_caption, wanted_file, message] : rows) {
+        const TextArena arena{1, 0x10000, units * sizeof(wchar_t) + 1};
         const auto filled = fill_record({ResultCode::kSpoolDamaged, 13, whole, caption, file},
-                                        row.units ? std::optional(arena) : std::nullopt);
-        EXPECT_LE(filled.texts.size(), row.units);
-        EXPECT_EQ(text_in(filled.record.caption, filled), row.caption) << row.units;
-        EXPECT_EQ(text_in(filled.record.pdf_file_name, filled), row.file) << row.units;
-        EXPECT_EQ(text_in(filled.record.message, filled), row.message) << row.units;
+                                        units ? std::optional(arena) : std::nullopt);
+        EXPECT_LE(filled.texts.size(), units);
+        EXPECT_EQ(text_in(filled.record.caption, filled), wanted_caption) << units;
+        EXPECT_EQ(text_in(filled.record.pdf_file_name, filled), wanted_file) << units;
+        EXPECT_EQ(text_in(filled.record.message, filled), message) << units;
     }
 }
 
 class EngineRun : public testing::Test {
 protected:
+    void SetUp() override {
+        if (!companions::wine::present())
+            GTEST_SKIP() << "needs the Unix system below Wine";
+    }
     Engine::End run(const wchar_t* program, const std::vector<std::string>& arguments) {
         output_.clear();
         return Engine(program).run(arguments, scratch_.path(),
@@ -171,27 +136,22 @@ protected:
 };
 
 TEST_F(EngineRun, EndsAreTold) {
-    if (!companions::wine::present())
-        GTEST_SKIP() << "needs the Unix system below Wine";
-    using End = Engine::End;
     const std::wstring renderer = Installation::built(L"zr_render.exe");
-    const struct {
-        const wchar_t* program;
-        std::vector<std::string> arguments;
-        End end;
-        const char* output;
-    } rows[] = {
-        {L"/bin/sh", {"-c", "echo out; echo error >&2"}, End::kDone, "out\nerror\n"},
-        {L"/bin/sh", {"-c", "echo \"$1\"", "x", "a \"b\" $c \xC3\xA9"}, End::kDone, "a \"b\" $c \xC3\xA9\n"},
-        {L"/bin/sh", {"-c", "cat"}, End::kDone, ""},
-        {L"/bin/sh", {"-c", "kill -9 $$"}, End::kStopped, ""},
-        {L"/etc/passwd", {}, End::kMissing, nullptr},
-        {L"none.exe", {}, End::kMissing, ""},
-        {renderer.c_str(), {"--help"}, End::kDone, nullptr},
-        {renderer.c_str(), {"--thread", "a \"b\""}, End::kFailed, nullptr}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(run(row.program, row.arguments), row.end) << row.program;
-        EXPECT_EQ(output_, row.output ? row.output : output_) << row.program;
+    const std::tuple<const wchar_t*, std::vector<std::string>, Engine::End, const char*> rows[] = {
+        {L"/bin/sh", {"-c", "echo out; echo error >&2"}, Engine::End::kDone, "out\nerror\n"},
+        {L"/bin/sh",
+         {"-c", "echo \"$1\"", "x", "a \"b\" $c \xC3\xA9"},
+         Engine::End::kDone,
+         "a \"b\" $c \xC3\xA9\n"},
+        {L"/bin/sh", {"-c", "cat"}, Engine::End::kDone, ""},
+        {L"/bin/sh", {"-c", "kill -9 $$"}, Engine::End::kStopped, ""},
+        {L"/etc/passwd", {}, Engine::End::kMissing, nullptr},
+        {L"none.exe", {}, Engine::End::kMissing, ""},
+        {renderer.c_str(), {"--help"}, Engine::End::kDone, nullptr},
+        {renderer.c_str(), {"--thread", "a \"b\""}, Engine::End::kFailed, nullptr}};
+    for (const auto& [program, arguments, end, output] : rows) {
+        EXPECT_EQ(run(program, arguments), end) << program;
+        EXPECT_EQ(output_, output ? output : output_) << program;
     }
     EXPECT_NE(output_.find("a \"b\""), std::string::npos) << "quoted words arrive whole: " << output_;
 }
@@ -200,26 +160,22 @@ TEST(ScratchFolders, OfKilledRunsGoWithTheNext) {
     const TempFolder temp;
     const Variable place(L"TMP", temp.path());
     const std::wstring own = L"zr_render_" + std::to_wstring(GetCurrentProcessId()) + L"_7";
-    const struct {
-        std::wstring folder, file;
-        bool stays;
-    } rows[] = {{L"zr_render_4294967292_0", L"options.txt", false},  // no process has it
-                {L"zr_render_4294967292_1", L"password.txt", false},
-                {L"zr_render_4294967292_2", L"another's.txt", true},
-                {own, L"options.txt", true}};
-    for (const auto& row : rows) {
-        CreateDirectoryW(temp.file(row.folder).c_str(), nullptr);
-        temp.write(row.folder + L"\\" + row.file, "secret");
+    const std::tuple<std::wstring, std::wstring, bool> rows[] = {
+        {L"zr_render_4294967292_0", L"options.txt", false},  // no process has it
+        {L"zr_render_4294967292_1", L"password.txt", false},
+        {L"zr_render_4294967292_2", L"another's.txt", true},
+        {own, L"options.txt", true}};
+    for (const auto& [name, file, stays] : rows) {
+        CreateDirectoryW(temp.file(name).c_str(), nullptr);
+        temp.write(name + L"\\" + file, "secret");
     }
     { const ScratchFolder scratch; }
-    for (const auto& row : rows)
-        EXPECT_EQ(qk::is_folder(temp.file(row.folder)), row.stays) << qk::to_utf8(row.folder);
+    for (const auto& [name, file, stays] : rows)
+        EXPECT_EQ(qk::is_folder(temp.file(name)), stays) << qk::to_utf8(name);
     EXPECT_EQ(temp.count(), 2u);
 }
 
 TEST_F(EngineRun, EndlessEngineIsStopped) {
-    if (!companions::wine::present())
-        GTEST_SKIP() << "needs the Unix system below Wine";
     const Variable seconds(L"ZR_RENDER_SECONDS", L"1");
     EXPECT_EQ(run(L"/bin/sh", {"-c", "while :; do :; done"}), Engine::End::kStopped);
     EXPECT_EQ(run(qk::module_path(nullptr).c_str(),

@@ -1,10 +1,6 @@
 // The renderer as a host runs it: a process of its own, the job's records in shared memory, the real engine.
-#include <gtest/gtest.h>
-
-#include <windows.h>
-
 #include <cstdint>
-#include <string>
+#include <tuple>
 
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
@@ -22,6 +18,7 @@ TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     settings_.summary()->Author = L"\u65E5\u672C";
     settings_.pdfVersion()->Version = 1;
     folder_.write(L"\u65E5\u672C 100%d.pdf", "old");
+    spool_ = folder_.write(L"100%d.ps", kTwoPages);
     ASSERT_EQ(run(L"--keep-spool"), kDone);
     EXPECT_EQ(error(), 0u);
     EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
@@ -91,40 +88,36 @@ TEST_F(RenderProcess, DamagedPdfIsNoSuccess) {
 
 TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
     using Job = RenderProcess;
-    const auto nothing = [](Job&) {};
+    static constexpr char kUnusable[] =
+        R"({"PDFVersion": {"Version": 3}, "Security": {"UserPassword": "\u65E5"}})";
     const struct {
         const char* spool;  // null: missing
-        void (*change)(Job&);
         uint32_t error, win32_error;
         const wchar_t* message;
+        void (*change)(Job&) = [](Job&) {};
     } rows[] = {
-        {nullptr, nothing, 1002, ERROR_FILE_NOT_FOUND, L"print data"},
-        {"", nothing, 1003, ERROR_INVALID_DATA, L"no pages"},
-        {"%!PS\n1 1 add pop\n", nothing, 1003, ERROR_INVALID_DATA, L"no pages"},
-        {"%!PS\nquit\n", nothing, 1003, ERROR_INVALID_DATA, L"no pages"},
-        {"%!PS\nshowpage bogus", nothing, 1004, ERROR_INVALID_DATA, L"/undefined in bogus"},
-        {"\x01\x02 rubbish \xFF)", nothing, 1004, ERROR_INVALID_DATA, L"damaged"},
-        {kTwoPages, [](Job& job) { job.setting_ = L"C:\\none\\x.ps4"; }, 1001, ERROR_FILE_NOT_FOUND,
-         L"C:\\none\\x.ps4"},
-        {kTwoPages,
-         [](Job& job) {
-             job.settings_.security()->UserPassword = L"\u65E5";
-             job.settings_.pdfVersion()->Version = 3;
-         },
-         1008, ERROR_INVALID_PASSWORD, L"password"},
-        {kTwoPages, [](Job& job) { job.start_.view()->resume = 1; }, 1009, ERROR_NOT_SUPPORTED,
-         L"add a document"},
-        {kTwoPages, [](Job& job) { job.target_.clear(); }, 1010, ERROR_INVALID_PARAMETER, L"names no PDF"},
-        {kTwoPages, [](Job& job) { job.target_ = job.folder_.file(L"none\\x.pdf"); }, 1005,
-         ERROR_PATH_NOT_FOUND, L"none\\x.pdf"},
-        {kTwoPages,
+        {nullptr, 1002, ERROR_FILE_NOT_FOUND, L"print data"},
+        {"", 1003, ERROR_INVALID_DATA, L"no pages"},
+        {"%!PS\n1 1 add pop\n", 1003, ERROR_INVALID_DATA, L"no pages"},
+        {"%!PS\nquit\n", 1003, ERROR_INVALID_DATA, L"no pages"},
+        {"%!PS\nshowpage bogus", 1004, ERROR_INVALID_DATA, L"/undefined in bogus"},
+        {"\x01\x02 rubbish \xFF)", 1004, ERROR_INVALID_DATA, L"damaged"},
+        {kTwoPages, 1001, ERROR_FILE_NOT_FOUND, L"C:\\none\\x.ps4",
+         [](Job& job) { job.setting_ = L"C:\\none\\x.ps4"; }},
+        {kTwoPages, 1008, ERROR_INVALID_PASSWORD, L"password",
+         [](Job& job) { (void)job.settings_.LoadPS4(kUnusable, true); }},
+        {kTwoPages, 1009, ERROR_NOT_SUPPORTED, L"add a document",
+         [](Job& job) { job.start_.view()->resume = 1; }},
+        {kTwoPages, 1010, ERROR_INVALID_PARAMETER, L"names no PDF", [](Job& job) { job.target_.clear(); }},
+        {kTwoPages, 1005, ERROR_PATH_NOT_FOUND, L"none\\x.pdf",
+         [](Job& job) { job.target_ = job.folder_.file(L"none\\x.pdf"); }},
+        {kTwoPages, 1005, ERROR_ACCESS_DENIED, L"100%d.pdf",
          [](Job& job) {
              job.lock_.reset(CreateFileW(job.target_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                          OPEN_EXISTING, 0, nullptr));
-         },
-         1005, ERROR_ACCESS_DENIED, L"100%d.pdf"},
-        {kTwoPages, [](Job&) { SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", L"/none/gs"); }, 1006,
-         ERROR_FILE_NOT_FOUND, L"Ghostscript"}};
+         }},
+        {kTwoPages, 1006, ERROR_FILE_NOT_FOUND, L"Ghostscript",
+         [](Job&) { SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", L"/none/gs"); }}};
     const std::wstring old = folder_.write(L"\u65E5\u672C 100%d.pdf", "old");
     const std::wstring kept_setting = setting_;
     ASSERT_TRUE(settings_.Save(kept_setting));
@@ -154,21 +147,16 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
 }
 
 TEST_F(RenderProcess, ReservedNameGoesWithTheJobThatFails) {
-    const struct {
-        uint64_t first_value;
-        const char* bytes;
-        bool stays;
-    } rows[] = {
+    const std::tuple<uint64_t, const char*, bool> rows[] = {
         {companions::kFileReserved, "", false}, {0, "", true}, {companions::kFileReserved, "x", true}};
-    for (const auto& row : rows) {
+    for (const auto& [first_value, bytes, stays] : rows)
         for (const bool discards : {false, true}) {
-            folder_.write(L"\u65E5\u672C 100%d.pdf", row.bytes);
+            folder_.write(L"\u65E5\u672C 100%d.pdf", bytes);
             folder_.write(L"job.ps", "");
-            start_.view()->first_value = row.first_value;
+            start_.view()->first_value = first_value;
             EXPECT_EQ(run(discards ? L"--discard" : L""), discards ? kDone : kFailed);
-            EXPECT_EQ(qk::is_file(target_), row.stays);
+            EXPECT_EQ(qk::is_file(target_), stays);
         }
-    }
 }
 
 TEST_F(RenderProcess, WrongCallsTouchNothing) {

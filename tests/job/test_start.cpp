@@ -1,5 +1,7 @@
 // From STARTDOCPRE to the published records.
 #include <cstdint>
+#include <tuple>
+#include <utility>
 
 #include "common/driver_util.h"
 #include "common/teskel_custom_2021.h"
@@ -29,53 +31,32 @@ TEST_F(JobTest, TracesTellEveryStepInOrder) {
     here.write_external_calls("[DocEnd]\r\nApp=" + qk::to_utf8(here.folder.write(L"app.exe", "")) +
                               "\r\n[Output]\r\nOutputFolder=C:\\start\\\r\n");
     script->expects_start_folder = true;
-    const std::vector<std::wstring> start = {L">>5",
-                                             L"internal_DrvDocumentEvent",
-                                             L"DOCUMENTEVENT_STARTDOCPRE",
-                                             L"sd1",
-                                             L"LoadInstallDll",
-                                             L"call GetSettingFN@Tessalo",
-                                             L"sd2",
-                                             L"PrintSettingsAdmin::Load",
-                                             L"sd3",
-                                             L"SetPDFname",
-                                             L"Visio-x",
-                                             L"Visio-x.pdf",
-                                             L"CleanJobTitle",
-                                             L"jobname is ",
-                                             L"Visio-x",
-                                             L"pd_tk::TeskelCustom2021::IsActive",
-                                             L"pd_tk::TeskelCustom2021::HasAnyExe",
-                                             L"pd_tk::TeskelCustom2021::HasExe",
-                                             L"pd_tk::TeskelCustom2021::getExeName",
-                                             L"pd_tk::TeskelCustom2021::GetOutputFolder"};
-    const std::vector<std::wstring> confirmed = {L"ret=0", L"C.1", L"fdlg_GetMMFJobMode", L"no GetMMFJobMode",
-                                                 L"<<sd!"},
-                                    resumed = {L"ret=555", L"C.2...", L"resume"};
-    const std::vector<std::wstring> end = {L">>12",
-                                           L"internal_DrvDocumentEvent",
-                                           L"DOCUMENTEVENT_ENDDOCPOST",
-                                           L"FreeThreadProp",
-                                           L"pd_tk::TeskelCustom2021::remove_fn_from_mmf",
-                                           L"delete",
-                                           path,
-                                           L"ZRTKPrintInfo@end of document"};
-    for (const bool resumes : {false, true}) {
-        meddle = [&](Record& record) { record.hand_over = resumes; };
+    const std::wstring start =
+        L">>5|internal_DrvDocumentEvent|DOCUMENTEVENT_STARTDOCPRE|sd1|LoadInstallDll|"
+        L"call GetSettingFN@Tessalo|sd2|PrintSettingsAdmin::Load|sd3|SetPDFname|Visio-x|Visio-x.pdf|"
+        L"CleanJobTitle|jobname is |Visio-x|pd_tk::TeskelCustom2021::IsActive|"
+        L"pd_tk::TeskelCustom2021::HasAnyExe|pd_tk::TeskelCustom2021::HasExe|"
+        L"pd_tk::TeskelCustom2021::getExeName|pd_tk::TeskelCustom2021::GetOutputFolder|";
+    const std::wstring end =
+        L">>12|internal_DrvDocumentEvent|DOCUMENTEVENT_ENDDOCPOST|FreeThreadProp|"
+        L"pd_tk::TeskelCustom2021::remove_fn_from_mmf|delete|" +
+        path + L"|ZRTKPrintInfo@end of document|";
+    const std::wstring ways[] = {L"ret=0|C.1|fdlg_GetMMFJobMode|no GetMMFJobMode|<<sd!|",
+                                 L"ret=555|C.2...|resume|"};
+    for (const size_t resumes : {0, 1}) {
+        meddle = [&](Record& record) { record.hand_over = resumes != 0; };
         const TraceCapture trace;
         EXPECT_EQ(start_job(L"Visio-x"), kGood);
         EXPECT_EQ(end_job(), kGood);
-        std::vector<std::wstring> wanted = start;
-        for (const auto& steps :
-             {resumes ? resumed : confirmed, end, std::vector<std::wstring>(resumes, L"404")})
-            wanted.insert(wanted.end(), steps.begin(), steps.end());
-        size_t seen = 0;
+        std::wstring wanted = start + ways[resumes] + end + (resumes ? L"404|" : L"");
         for (const std::wstring& record : trace.records())
-            seen += seen < wanted.size() && record.ends_with(L"  " + wanted[seen] + L"\r\n");
-        EXPECT_EQ(seen, wanted.size()) << "no " << qk::to_utf8(wanted[std::min(seen, wanted.size() - 1)]);
-        for (const auto& absent : resumes ? confirmed : resumed)
-            EXPECT_FALSE(trace.holds(absent)) << qk::to_utf8(absent);
-        EXPECT_EQ(trace.holds(L"404"), resumes);
+            if (record.ends_with(L"  " + wanted.substr(0, wanted.find(L'|')) + L"\r\n"))
+                wanted.erase(0, wanted.find(L'|') + 1);
+        EXPECT_EQ(wanted, L"");
+        for (const wchar_t* absent : {L"ret=0", L"C.1", L"fdlg_GetMMFJobMode", L"<<sd!"})
+            EXPECT_EQ(trace.holds(absent), !resumes) << absent;
+        for (const wchar_t* absent : {L"ret=555", L"C.2...", L"resume", L"404"})
+            EXPECT_EQ(trace.holds(absent), resumes) << absent;
     }
 }
 
@@ -96,8 +77,7 @@ TEST_F(JobTest, StartRecordIsRightToTheByte) {
         {"all cut", pair_at_the_cut, pair_at_the_cut, std::wstring(400, L'p'), std::wstring(1000, L't')},
         {"other result", L"x", L"x", L"C:\\e.pdf", L"3", How::kAssigned, 0, 1},
         {"flag", L"x", L"x", L"", L"", How::kAssigned, 200},
-        {"flag and negative result", L"x", L"x", L"C:\\f.pdf", L"", How::kAssigned, 1, -1},
-    };
+        {"flag and negative result", L"x", L"x", L"C:\\f.pdf", L"", How::kAssigned, 1, -1}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
         const bool resumes = row.hand_over || row.result;
@@ -141,12 +121,7 @@ TEST_F(JobTest, DocumentNameIsReadWhereverTheCallerPutIt) {
     const GuardedBuffer unterminated(6, L"abc");
     DOCINFOW open_end = {.cbSize = sizeof open_end, .lpszDocName = unterminated.as<wchar_t>()};
     const GuardedBuffer short_info(12, &info);
-    struct {
-        const char* label;
-        void* in;
-        ULONG size;
-        const wchar_t* title;
-    } const rows[] = {
+    const std::tuple<const char*, void*, ULONG, const wchar_t*> rows[] = {
         {"structure", &info, sizeof info, L"Letter"},
         {"pointer to it", &pointer, sizeof pointer, L"Letter"},
         {"size left out", &info, 0, L"Letter"},
@@ -155,12 +130,10 @@ TEST_F(JobTest, DocumentNameIsReadWhereverTheCallerPutIt) {
         {"name nowhere", &bad, sizeof bad, L"no_name"},
         {"unterminated name", &open_end, sizeof open_end, L"abc"},
         {"structure cut off by the page", short_info.as<>(), 40, L"no_name"},
-        {"address nowhere", reinterpret_cast<void*>(24), 40, L"no_name"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        EXPECT_EQ(send_event(DOCUMENTEVENT_STARTDOCPRE, row.in, row.size), kGood);
-        EXPECT_EQ(title, row.title);
+        {"address nowhere", reinterpret_cast<void*>(24), 40, L"no_name"}};
+    for (const auto& [label, in, size, wanted] : rows) {
+        EXPECT_EQ(send_event(DOCUMENTEVENT_STARTDOCPRE, in, size), kGood) << label;
+        EXPECT_EQ(title, wanted) << label;
         end_job();
     }
 }
@@ -205,23 +178,18 @@ TEST_F(JobTest, OverrideFileSetsTheFolderWhileItsVersionCounts) {
         folder = static_cast<const Settings*>(record.settings)->general()->OutputFolder;
     };
     use_settings([](Settings& settings) { settings.general()->OutputFolder = L"C:\\own\\"; });
-    const struct {
-        const char *version, *lines;
-        const wchar_t* folder;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const wchar_t*> rows[] = {
         {"2.0", "PDFFileName=C:\\a\\b\\c.pdf", L"C:\\a\\b\\"},
         {"3.0", "PDFFileName=C:\\c.pdf", L"C:\\"},
         {"2.99", "PDFFileName=c.pdf", L"C:\\own\\"},
         {"2.5", "PDFFileName=", L"C:\\own\\"},
         {"2.5", "PrintID=abc\r\nOrient=xyz\r\nMessageID=\r\nPDFFileName=D:\\q\\", L"D:\\q\\"},
         {"3.01", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
-        {"nan", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(std::string(row.version) + " " + row.lines);
-        here.write_ini(row.lines, row.version);
+        {"nan", "PDFFileName=C:\\a\\c.pdf", L"C:\\own\\"}};
+    for (const auto& [version, lines, wanted] : rows) {
+        here.write_ini(lines, version);
         EXPECT_EQ(start_job(L"x"), kGood);
-        EXPECT_EQ(folder, row.folder);
+        EXPECT_EQ(folder, wanted) << version << lines;
         EXPECT_EQ(end_job(), kGood);
     }
 }
@@ -230,32 +198,23 @@ TEST_F(JobTest, ChosenFileIsCheckedUnlessTheJobModeForbids) {
     constexpr uint32_t kValid = ZRTK_COMMON_MMF::kJobModeValid;
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     constexpr Left kCancelled = {DOCUMENTEVENT_FAILURE, 2153};
-    const struct {
-        const char* label;
-        uint32_t flags, mode;
-        Left left;
-    } rows[] = {
-        {"no block", 0, 0, kCancelled},
-        {"mode 0", kValid, 0, kCancelled},
-        {"mode 1", kValid, 1, kCancelled},
-        {"mode 2", kValid | 3, 2, kGood},
-        {"mode 3", kValid, 3, kGood},
-        {"mode 4", kValid, 4, kCancelled},
-        {"mode 2, not valid", ~kValid, 2, kCancelled},
-    };
+    const std::tuple<uint32_t, uint32_t, Left> rows[] = {
+        // without flags there is no block
+        {0, 0, kCancelled}, {kValid, 0, kCancelled}, {kValid, 1, kCancelled}, {kValid | 3, 2, kGood},
+        {kValid, 3, kGood}, {kValid, 4, kCancelled}, {~kValid, 2, kCancelled}};
     const std::wstring chosen = here.folder.write(L"out\\report.pdf", "old");
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
+    for (const auto& [flags, mode, wanted] : rows) {
+        SCOPED_TRACE(testing::Message() << "mode " << mode << ", flags " << flags);
         std::optional<OtherSide<ZRTK_COMMON_MMF>> block;
-        if (row.flags) {
+        if (flags) {
             block.emplace(qk::format(kCommonBlockName, here.printer.name.c_str(), user_name().c_str()),
                           DWORD{4120});
-            (*block)->flags = row.flags;
-            (*block)->job_mode = row.mode;
+            (*block)->flags = flags;
+            (*block)->job_mode = mode;
         }
-        const auto start = [&](const Left& wanted) {
-            EXPECT_EQ(start_job(L"x"), wanted);
-            EXPECT_EQ(has_state(), wanted == kGood);
+        const auto start = [&](const Left& left) {
+            EXPECT_EQ(start_job(L"x"), left);
+            EXPECT_EQ(has_state(), left == kGood);
             end_job();
         };
         path = chosen;
@@ -269,11 +228,11 @@ TEST_F(JobTest, ChosenFileIsCheckedUnlessTheJobModeForbids) {
                     EXPECT_TRUE(name != chosen || access == GENERIC_WRITE);
                     return std::nullopt;
                 });
-            start(row.left);
-            EXPECT_EQ(trace.holds(L"sd5.2"), row.left == kCancelled);
+            start(wanted);
+            EXPECT_EQ(trace.holds(L"sd5.2"), wanted == kCancelled);
         }
         path.clear();
-        start(row.left);
+        start(wanted);
     }
     EXPECT_EQ(TempFolder::read(chosen), "old");
     EXPECT_TRUE(Outbox::boxes.empty());
@@ -320,31 +279,27 @@ TEST_F(JobTest, ForeignBlocksOfTheSameNamesDoNoHarm) {
 TEST_F(JobTest, BlocksWithoutMemoryBehindThemCountAsAbsent) {
     constexpr Left kNoBlock = {DOCUMENTEVENT_FAILURE, ERROR_OUTOFMEMORY};
     const std::wstring common = qk::format(kCommonBlockName, here.printer.name.c_str(), user_name().c_str());
-    struct {
-        const char* label;
-        std::wstring name;
-        Left left;
-    } const rows[] = {{"start record", block_name(kStartBlockName), kNoBlock},
-                      {"result record", block_name(kResultBlockName), kGood},
-                      {"common record", common, kGood},
-                      {"list of files", pd_tk::file_list_name(), kGood}};
+    const std::pair<std::wstring, Left> rows[] = {{block_name(kStartBlockName), kNoBlock},
+                                                  {block_name(kResultBlockName), kGood},
+                                                  {common, kGood},
+                                                  {pd_tk::file_list_name(), kGood}};
     script->expects_start_folder = true;
     here.folder.write(L"program.exe", "");
     here.write_external_calls("[DocStart]\r\nApp=" + qk::to_utf8(here.folder.file(L"program.exe")) +
                               "\r\n[Output]\r\nOutputFolder=C:\\\r\n");
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        const auto run = [&](const OtherSide<char>& block) {
+    for (const auto& [name, left] : rows) {
+        SCOPED_TRACE(qk::to_utf8(name));
+        const auto run = [&left = left](const OtherSide<char>& block) {
             ASSERT_TRUE(block);
-            EXPECT_EQ(start_job(L"title"), row.left);
+            EXPECT_EQ(start_job(L"title"), left);
             EXPECT_EQ(end_job(), kGood);
         };
-        run(OtherSide<char>(row.name, 200'000, SEC_RESERVE));
+        run(OtherSide<char>(name, 200'000, SEC_RESERVE));
         // A file that is cut short once it is mapped: Windows refuses to, the system below Wine does not.
         const std::wstring backing = here.folder.file(L"backing");
         const qk::FileObj file(CreateFileW(backing.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                                            CREATE_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
-        const OtherSide<char> block(row.name, 200'000, SEC_COMMIT, file.get());
+        const OtherSide<char> block(name, 200'000, SEC_COMMIT, file.get());
         const std::vector<std::string> cut = {"truncate", "-s", "0",
                                               companions::wine::find_unix_path(backing).value_or("")};
         ASSERT_EQ(companions::wine::run_unix_program(cut), 0);
@@ -355,34 +310,25 @@ TEST_F(JobTest, BlocksWithoutMemoryBehindThemCountAsAbsent) {
 TEST_F(JobTest, LiesOfTheDialogLibraryAreReadAsFarAsTheyAreTrue) {
     static const GuardedBuffer four_units(8, L"abcd");
     constexpr Left kCancelled = {DOCUMENTEVENT_FAILURE, 2153};
-    const struct {
-        const char* label;
-        void (*lie)(Record&);
-        Left left;
-        std::wstring path;
-    } rows[] = {
-        {"length above capacity", [](Record& record) { record.output_path.length = 5000; }, kGood, path},
-        {"address nowhere",
-         [](Record& record) { record.output_path.address = reinterpret_cast<wchar_t*>(64); }, kCancelled,
-         L""},
-        {"all zero", [](Record& record) { record.output_path = {}; }, kCancelled, L""},
-        {"past the end of its memory",
-         [](Record& record) {
-             record.output_path.address = four_units.as<wchar_t>();
-             record.output_path.length = record.output_path.capacity = 100;
-         },
-         kGood, L"abcd"},
-        {"third text nowhere",
-         [](Record& record) { record.third_text.length = 99, record.third_text.address = nullptr; }, kGood,
-         path},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        meddle = row.lie;
-        EXPECT_EQ(start_job(L"x"), row.left);
-        if (row.left == kGood) {
-            EXPECT_EQ(StartRecord(block_name(kStartBlockName))->output_path, row.path);
+    // The address, length and capacity of the path; null: as they are. Empty: the job is cancelled.
+    const std::tuple<wchar_t*, uint64_t, uint64_t, std::wstring> rows[] = {
+        {nullptr, 5000, 0, path},
+        {reinterpret_cast<wchar_t*>(64), path.size(), path.size(), L""},
+        {four_units.as<wchar_t>(), 100, 100, L"abcd"}};
+    for (const auto& [address, length, capacity, wanted] : rows) {
+        SCOPED_TRACE(length);
+        meddle = [&, address = address, length = length, capacity = capacity](Record& record) {
+            record.output_path.length = length;
+            if (address)
+                record.output_path.address = address, record.output_path.capacity = capacity;
+            record.third_text.length = 99, record.third_text.address = nullptr;
+        };
+        EXPECT_EQ(start_job(L"x"), wanted.empty() ? kCancelled : kGood);
+        if (!wanted.empty()) {
+            EXPECT_EQ(StartRecord(block_name(kStartBlockName))->output_path, wanted);
         }
         end_job();
     }
+    meddle = [](Record& record) { record.output_path = {}; };
+    EXPECT_EQ(start_job(L"x"), kCancelled);
 }

@@ -1,12 +1,7 @@
 // The default DEVMODE, copies between layouts, DrvConvertDevMode.
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <optional>
-#include <string>
-#include <vector>
+#include <tuple>
 
 #include "UI_dll/ddi.h"
 #include "lib/devmode.h"
@@ -19,10 +14,6 @@ struct Layout {
     WORD size, extra, spec_version, driver_version;
     bool operator==(const Layout&) const = default;
 };
-void PrintTo(const Layout& layout, std::ostream* out) {
-    *out << layout.size << " + " << layout.extra << ", " << std::hex << layout.spec_version << ", "
-         << layout.driver_version;
-}
 
 constexpr Layout k351 = {188, 36, 0x0320, 0x0350}, kOwn = {220, 36, 0x0401, 0x0800};
 constexpr size_t kHeader = offsetof(DEVMODEW, dmFields);
@@ -85,23 +76,19 @@ TEST(Devmode, CopiesKeepTheTargetsLayout) {
         Layout source, target;
         int copied;
         WORD spec_version;
-    } rows[] = {
-        {kOwn, kOwn, 256, 0x0401},
-        {kOwn, {220, 36, 0, 0x0800}, 256, 0x0401},
-        {kOwn, {188, 0, 9, 1}, 188, 0x0320},
-        {kOwn, {212, 20, 9, 1}, 232, 0x0400},
-        {kOwn, {300, 100, 0x0500, 1}, 256, 0x0500},
-        {kOwn, {156, 36, 0x0300, 1}, 192, 0x0300},
-        {kOwn, {300, 36, 0, 1}, -1, 0},
-        {k351, kOwn, 224, 0x0401},
-        {{212, 0, 0, 0}, kOwn, 212, 0x0401},
-        {{188, 100, 0, 0}, kOwn, 224, 0x0401},
-        {{300, 52, 1, 0}, kOwn, 256, 0x0401},
-        {{300, 52, 0, 0}, kOwn, -1, 0},
-        {{100, 0, 0x0300, 0}, kOwn, 100, 0x0401},
-    };
+    } rows[] = {{kOwn, kOwn, 256, 0x0401},
+                {kOwn, {220, 36, 0, 0x0800}, 256, 0x0401},
+                {kOwn, {188, 0, 9, 1}, 188, 0x0320},
+                {kOwn, {212, 20, 9, 1}, 232, 0x0400},
+                {kOwn, {300, 100, 0x0500, 1}, 256, 0x0500},
+                {kOwn, {156, 36, 0x0300, 1}, 192, 0x0300},
+                {kOwn, {300, 36, 0, 1}, -1, 0},
+                {{188, 100, 0, 0}, kOwn, 224, 0x0401},
+                {{300, 52, 1, 0}, kOwn, 256, 0x0401},
+                {{300, 52, 0, 0}, kOwn, -1, 0},
+                {{100, 0, 0x0300, 0}, kOwn, 100, 0x0401}};
     for (const auto& row : rows) {
-        SCOPED_TRACE(testing::PrintToString(row.source) + " -> " + testing::PrintToString(row.target));
+        SCOPED_TRACE(&row - rows);
         const Devmode source(row.source, 10), target(row.target, 120);
         std::string expected = target.bytes();
         if (row.copied >= 0) {
@@ -124,24 +111,18 @@ TEST(Devmode, CopiesKeepTheTargetsLayout) {
 
 TEST(Devmode, WhatIsCopiedMustBeThere) {
     const Layout most = {65535, 65535, 0x0401, 0};
-    const struct {
-        const char* label;
-        Layout layout;
-        size_t room;
-        int copied;
-    } rows[] = {
+    const std::tuple<const char*, Layout, size_t, int> rows[] = {
         {"a word short", kOwn, 252, -1},
         {"all sizes at their end", most, 4096, -1},
         {"header only", kOwn, kHeader, -1},
         {"no whole header", kOwn, 68, -1},
         {"public part claims more", {65535, 0, 0x0401, 0}, 220, 220},
-        {"extension claims more", {220, 60000, 0x0401, 0}, 256, 256},
-    };
+        {"extension claims more", {220, 60000, 0x0401, 0}, 256, 256}};
     const Devmode good(kOwn, 1);
-    for (const auto& row : rows) {
-        const Devmode other(row.layout, 2, row.room);
-        EXPECT_EQ(ConvertDevmode(other.get(), Devmode(kOwn, 1).get()), row.copied) << row.label;
-        EXPECT_EQ(ConvertDevmode(good.get(), other.get()), row.copied) << row.label;
+    for (const auto& [label, layout, room, copied] : rows) {
+        const Devmode other(layout, 2, room);
+        EXPECT_EQ(ConvertDevmode(other.get(), Devmode(kOwn, 1).get()), copied) << label;
+        EXPECT_EQ(ConvertDevmode(good.get(), other.get()), copied) << label;
     }
     EXPECT_EQ(ConvertDevmode(nullptr, good.get()) + ConvertDevmode(good.get(), nullptr), -2);
     Devmode constant(kOwn, 3);
@@ -155,22 +136,20 @@ TEST(Devmode, OutputTakesTheSmallerPartsOfTheTwo) {
         std::optional<Layout> caller;
         Layout output;
         int result = 1;
-    } rows[] = {
-        {std::nullopt, kOwn},
-        {kOwn, kOwn},
-        {Layout{188, 0, 0x0320, 0x0350}, {188, 0, 0x0320, 0x0350}},
-        {Layout{188, 100, 0x0320, 0x0350}, {188, 36, 0x0320, 0x0800}},
-        {Layout{212, 12, 0, 7}, {212, 12, 0x0400, 7}},
-        {Layout{300, 12, 0x0500, 7}, {220, 12, 0x0401, 7}},
-        {Layout{220, 36, 0x0300, 7}, kOwn},
-        {Layout{148, 0, 0x0300, 7}, {148, 0, 0x0300, 7}},
-        {Layout{148, 0, 0, 7}, {148, 0, 0, 7}, 0},
-        {Layout{0, 0, 0x0401, 7}, {0, 0, 0x0401, 7}, 0},
-    };
+    } rows[] = {{std::nullopt, kOwn},
+                {kOwn, kOwn},
+                {Layout{188, 0, 0x0320, 0x0350}, {188, 0, 0x0320, 0x0350}},
+                {Layout{188, 100, 0x0320, 0x0350}, {188, 36, 0x0320, 0x0800}},
+                {Layout{212, 12, 0, 7}, {212, 12, 0x0400, 7}},
+                {Layout{300, 12, 0x0500, 7}, {220, 12, 0x0401, 7}},
+                {Layout{220, 36, 0x0300, 7}, kOwn},
+                {Layout{148, 0, 0x0300, 7}, {148, 0, 0x0300, 7}},
+                {Layout{148, 0, 0, 7}, {148, 0, 0, 7}, 0},
+                {Layout{0, 0, 0x0401, 7}, {0, 0, 0x0401, 7}, 0}};
     DriverDevmode driver = default_devmode();
     driver.dm.dmICMMethod = 77;
     for (const auto& row : rows) {
-        SCOPED_TRACE(testing::PrintToString(row.output));
+        SCOPED_TRACE(&row - rows);
         const Layout caller = row.caller.value_or(kOwn);
         const Devmode in(caller, 5, std::max<size_t>(kHeader, caller.size)),
             out(kOwn, 9, std::max<size_t>(kHeader, size_t{row.output.size} + row.output.extra));
@@ -178,10 +157,10 @@ TEST(Devmode, OutputTakesTheSmallerPartsOfTheTwo) {
         if (row.result == 0)
             continue;
         EXPECT_EQ(layout_of(*out.get()), row.output);
+        const auto [size, extra, spec_version, driver_version] = row.output;
         EXPECT_EQ(part(out.get(), 0, 64), part(&driver, 0, 64));
-        EXPECT_EQ(part(out.get(), kHeader, row.output.size - kHeader),
-                  part(&driver, kHeader, row.output.size - kHeader));
-        EXPECT_EQ(part(out.get(), row.output.size, row.output.extra), part(&driver, 220, row.output.extra));
+        EXPECT_EQ(part(out.get(), kHeader, size - kHeader), part(&driver, kHeader, size - kHeader));
+        EXPECT_EQ(part(out.get(), size, extra), part(&driver, 220, extra));
     }
     const Devmode too_short(kOwn, 1, 252), stump(kOwn, 1, 20);
     EXPECT_EQ(ConvertDevmodeOut(&driver.dm, nullptr, too_short.get()), 0);
@@ -204,42 +183,36 @@ TEST(DrvConvertDevMode, ModesAnswerWithSizeAndLastError) {
         Layout written = {};
         std::optional<size_t> room = {};  // of the target, when its sizes lie
         const wchar_t* printer = L"Vantrix 8";
-    } rows[] = {
-        {"convert", 1, k351, kOwn, 256, kGood, 256, kOwn},
-        {"convert, room to spare", 1, kOwn, k351, 1000, kGood, 224, k351},
-        {"convert, too small", 1, k351, kOwn, 255, 87, 255},
-        {"convert, no target", 1, k351, {}, 256, 87, 256},
-        {"convert, no source", 1, {}, kOwn, 256, 87, 256},
-        {"convert, unknown source", 1, Layout{300, 0, 0, 0}, kOwn, 256, 87, 256},
-        {"convert, size is a lie", 1, kOwn, kOwn, 256, 87, 256, {}, 200},
-        {"old", 2, kOwn, kOwn, 224, kGood, 224, k351},
-        {"old, room to spare", 2, kOwn, kOwn, 256, kGood, 224, k351},
-        {"old, too small", 2, kOwn, kOwn, 223, 122, 224},
-        {"old, nothing", 2, kOwn, kOwn, 0, 122, 224},
-        {"old, no target", 2, kOwn, {}, 300, 122, 224},
-        {"old, no source", 2, {}, kOwn, 256, 87, 256},
-        {"old, size is a lie", 2, kOwn, kOwn, 256, 87, 256, {}, 200},
-        {"default", 4, {}, kOwn, 256, kGood, 256, kOwn},
-        {"default, room to spare", 4, k351, kOwn, 4000, kGood, 256, kOwn},
-        {"default, 100 bytes", 4, {}, kOwn, 100, 122, 256},
-        {"default, no target", 4, {}, {}, 256, 122, 256},
-        {"default, size is a lie", 4, {}, kOwn, 256, 13, 256, {}, 200},
-        {"default, other printer", 4, {}, kOwn, 256, 13, 256, {}, {}, L"no such printer"},
-        {"default, no printer", 4, {}, kOwn, 256, 13, 256, {}, {}, nullptr},
-        {"mode 0", 0, kOwn, kOwn, 256, kNone, 256},
-        {"mode 3", 3, kOwn, kOwn, 256, kNone, 256},
-        {"mode 8", 8, kOwn, kOwn, 256, kNone, 256},
-    };
+    } rows[] = {{"convert", 1, k351, kOwn, 256, kGood, 256, kOwn},
+                {"convert, room to spare", 1, kOwn, k351, 1000, kGood, 224, k351},
+                {"convert, too small", 1, k351, kOwn, 255, 87, 255},
+                {"convert, no target", 1, k351, {}, 256, 87, 256},
+                {"convert, no source", 1, {}, kOwn, 256, 87, 256},
+                {"convert, unknown source", 1, Layout{300, 0, 0, 0}, kOwn, 256, 87, 256},
+                {"convert, size is a lie", 1, kOwn, kOwn, 256, 87, 256, {}, 200},
+                {"old", 2, kOwn, kOwn, 224, kGood, 224, k351},
+                {"old, too small", 2, kOwn, kOwn, 223, 122, 224},
+                {"old, no target", 2, kOwn, {}, 300, 122, 224},
+                {"old, no source", 2, {}, kOwn, 256, 87, 256},
+                {"old, size is a lie", 2, kOwn, kOwn, 256, 87, 256, {}, 200},
+                {"default", 4, {}, kOwn, 256, kGood, 256, kOwn},
+                {"default, 100 bytes", 4, {}, kOwn, 100, 122, 256},
+                {"default, no target", 4, {}, {}, 256, 122, 256},
+                {"default, size is a lie", 4, {}, kOwn, 256, 13, 256, {}, 200},
+                {"default, other printer", 4, {}, kOwn, 256, 13, 256, {}, {}, L"no such printer"},
+                {"default, no printer", 4, {}, kOwn, 256, 13, 256, {}, {}, nullptr},
+                {"mode 0", 0, kOwn, kOwn, 256, kNone, 256},
+                {"mode 3", 3, kOwn, kOwn, 256, kNone, 256}};
     FakePrinter printer;
     const DriverDevmode standard = default_devmode();
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
         const Devmode source(row.source.value_or(kOwn), 3), target(row.target.value_or(kOwn), 4, row.room);
         DWORD needed = row.given;
+        auto* const in = row.source ? source.get() : nullptr;
+        auto* const out = row.target ? target.get() : nullptr;
         SetLastError(kNone);
-        const BOOL result =
-            DrvConvertDevMode(const_cast<wchar_t*>(row.printer), row.source ? source.get() : nullptr,
-                              row.target ? target.get() : nullptr, &needed, row.mode);
+        const BOOL result = DrvConvertDevMode(const_cast<wchar_t*>(row.printer), in, out, &needed, row.mode);
         const DWORD error = GetLastError();
         EXPECT_EQ(result ? kGood : error, row.error);
         EXPECT_EQ(needed, row.needed);

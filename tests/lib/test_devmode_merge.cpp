@@ -1,9 +1,7 @@
 // What a caller's DEVMODE changes, and the direct queries that answer with the result.
-#include <gtest/gtest.h>
-
 #include <cstddef>
 #include <cstring>
-#include <functional>
+#include <tuple>
 
 #include "UI_dll/ddi.h"
 #include "lib/devmode.h"
@@ -23,13 +21,10 @@ public:
 
     std::vector<FormRecord> papers = {
         {.name = L"Letter", .size = {215900, 279400}, .paper_number = 1},
-        {.name = L"B7 a rather long name of more than thirty-one",
-         .size = {88049, 124950},
-         .paper_number = 2},
+        {0, L"B7 a rather long name of more than thirty-one", {88049, 124950}, {}, 2},
         {.name = L"A4", .size = {210000, 297000}, .paper_number = 3},
         {.name = L"A4", .size = {1, 1}, .paper_number = 3},
-        {.name = L"Far", .size = {4000000, 600000}, .paper_number = 40000},
-    };
+        {.name = L"Far", .size = {4000000, 600000}, .paper_number = 40000}};
     short orientation = 0;
     int asked = 0;
 };
@@ -38,31 +33,20 @@ void name_form(DEVMODEW& dm, std::wstring_view name) {
     qk::copy_zero_padded(dm.dmFormName, 32, name);
 }
 
-// The driver's default, changed.
-template <class Change>
-DriverDevmode changed(Change change) {
-    DriverDevmode devmode = default_devmode();
-    change(devmode);
-    return devmode;
-}
-
 // Everything but what a row is about must stay at the default.
 void expect_equal(const DriverDevmode& got, const DriverDevmode& wanted) {
-    EXPECT_EQ(got.dm.dmFields, wanted.dm.dmFields);
-    EXPECT_STREQ(got.dm.dmFormName, wanted.dm.dmFormName);
-    for (size_t i = 0; i < sizeof got; ++i)
-        ASSERT_EQ(reinterpret_cast<const BYTE*>(&got)[i], reinterpret_cast<const BYTE*>(&wanted)[i])
-            << "at byte " << i;
+    const auto* first = reinterpret_cast<const BYTE*>(&got);
+    const auto differs =
+        std::mismatch(first, first + sizeof got, reinterpret_cast<const BYTE*>(&wanted)).first;
+    EXPECT_EQ(differs - first, 256) << "the first byte that is another";
 }
 
 }  // namespace
 
 TEST(DevmodeMerge, EachFieldIsTakenOrRefused) {
-    const struct {
-        DWORD bit;
-        short DEVMODEW::*field;
-        std::vector<short> taken, refused;
-    } rows[] = {
+    using Values = std::vector<short>;
+    const std::tuple<DWORD, short DEVMODEW::*, Values, Values> rows[] = {
+        // taken, refused
         {DM_ORIENTATION, &DEVMODEW::dmOrientation, {1, 2}, {0, 3, -1}},
         {DM_SCALE, &DEVMODEW::dmScale, {1, 99, 400}, {0, 401, -5}},
         {DM_COPIES, &DEVMODEW::dmCopies, {1}, {0, 2, 5, -1}},
@@ -70,31 +54,28 @@ TEST(DevmodeMerge, EachFieldIsTakenOrRefused) {
          &DEVMODEW::dmPrintQuality,
          {72, 96, 144, 150, 300, 360, 600, 720, 1200, 2400, 3600, 4000, -1, -4},
          {500, 0, 71, 4001, -5}},
-        {DM_COLOR, &DEVMODEW::dmColor, {1, 2}, {0, 3}},
-    };
-    for (const auto& row : rows) {
-        const auto merge = [&](short value, DWORD bit, bool taken) {
-            SCOPED_TRACE(std::to_string(row.bit) + " = " + std::to_string(value));
-            DriverDevmode got = default_devmode(), wanted = got;
-            const DriverDevmode in = changed([&](auto& devmode) {
-                devmode.dm.dmFields = bit;
-                devmode.dm.*row.field = value;
-            });
-            if (taken && bit != 0) {
-                wanted.dm.*row.field = value > 0 ? value : short{600};
-                wanted.dm.dmFields |= bit;
-            }
-            ListedPapers source;
-            EXPECT_EQ(merge_incoming(&in.dm, got, source), taken ? 0 : bit);
-            expect_equal(got, wanted);
-            EXPECT_EQ(source.asked, 0);
-        };
-        for (const short value : row.taken) {
-            merge(value, row.bit, true);
-            merge(value, 0, true);  // without its bit nothing counts
+        {DM_COLOR, &DEVMODEW::dmColor, {1, 2}, {0, 3}}};
+    const auto merge = [](short DEVMODEW::*field, short value, DWORD bit, bool taken) {
+        SCOPED_TRACE(std::to_string(bit) + " = " + std::to_string(value));
+        DriverDevmode got = default_devmode(), wanted = got, in = got;
+        in.dm.dmFields = bit;
+        in.dm.*field = value;
+        if (taken && bit != 0) {
+            wanted.dm.*field = value > 0 ? value : short{600};
+            wanted.dm.dmFields |= bit;
         }
-        for (const short value : row.refused)
-            merge(value, row.bit, false);
+        ListedPapers source;
+        EXPECT_EQ(merge_incoming(&in.dm, got, source), taken ? 0 : bit);
+        expect_equal(got, wanted);
+        EXPECT_EQ(source.asked, 0);
+    };
+    for (const auto& [bit, field, taken, refused] : rows) {
+        for (const short value : taken) {
+            merge(field, value, bit, true);
+            merge(field, value, 0, true);  // without its bit nothing counts
+        }
+        for (const short value : refused)
+            merge(field, value, bit, false);
     }
 }
 
@@ -131,8 +112,7 @@ TEST(DevmodeMerge, PaperIsTakenByNumberNameOrSize) {
         {"part of a name", kName, 0, 0, 0, L"Lette", false},
         {"name without end", kName, 0, 0, 0, nullptr, false},
         {"A0", kSize, 20256, 0, 0, L"", true, 20256, 8410, 11889, L"A0"},
-        {"A1", kSize, 30256, 0, 0, L"", true, 30256, 5940, 8410, L"A1"},
-    };
+        {"A1", kSize, 30256, 0, 0, L"", true, 30256, 5940, 8410, L"A1"}};
     for (const auto& row : rows) {
         constexpr WORD kOldest = 188;  // that layout holds all that is merged
         SCOPED_TRACE(row.label);
@@ -162,21 +142,18 @@ TEST(DevmodeMerge, PaperIsTakenByNumberNameOrSize) {
         expect_equal(got, needs_none ? taken : default_devmode());
     }
     ListedPapers source;  // a form after a custom paper drops its sides
-    DriverDevmode in = changed([](auto&devmode) { devmode.dm.dmPaperSize = 256; }), got = default_devmode();
+    DriverDevmode in = default_devmode(), got = in, wanted = in;
     for (const auto& [number, fields] : {std::pair<short, DWORD>(256, kSize | kSides), {3, kSize}}) {
         in.dm.dmPaperSize = number;
         in.dm.dmFields = fields;
         EXPECT_EQ(merge_incoming(&in.dm, got, source), 0u);
     }
-    expect_equal(got, changed([](auto& devmode) { devmode.dm.dmPaperSize = 3; }));
+    wanted.dm.dmPaperSize = 3;
+    expect_equal(got, wanted);
 }
 
 TEST(DevmodeMerge, ExtensionIsTakenOnlyWhenItIsOurs) {
-    const struct {
-        const char* label;
-        void (*incoming)(DriverDevmode&);
-        bool taken;
-    } rows[] = {
+    const std::tuple<const char*, void (*)(DriverDevmode&), bool> rows[] = {
         {"ours", [](DriverDevmode&) {}, true},
         {"flags cleared", [](DriverDevmode& in) { in.extra.flags = 0; }, true},
         {"only one flag is carried", [](DriverDevmode& in) { in.extra.flags = 0xFFFFFFFF; }, true},
@@ -184,20 +161,17 @@ TEST(DevmodeMerge, ExtensionIsTakenOnlyWhenItIsOurs) {
         {"version", [](DriverDevmode& in) { ++in.extra.version; }, false},
         {"40 bytes", [](DriverDevmode& in) { in.dm.dmDriverExtra = 40; }, false},
         {"35 bytes", [](DriverDevmode& in) { in.dm.dmDriverExtra = 35; }, false},
-        {"none", [](DriverDevmode& in) { in.dm.dmDriverExtra = 0; }, false},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        const DriverDevmode in = changed([&](auto& devmode) {
-            devmode.dm.dmFields = 0;
-            devmode.extra.colour.caFlags = CA_NEGATIVE;
-            devmode.extra.colour.caContrast = 50;
-            row.incoming(devmode);
-        });
+        {"none", [](DriverDevmode& in) { in.dm.dmDriverExtra = 0; }, false}};
+    for (const auto& [label, change, taken] : rows) {
+        SCOPED_TRACE(label);
+        DriverDevmode got = default_devmode(), wanted = got, in = got;
+        in.dm.dmFields = 0;
+        in.extra.colour.caFlags = CA_NEGATIVE;
+        in.extra.colour.caContrast = 50;
+        change(in);
         const GuardedBuffer incoming(in.dm.dmDriverExtra == 0 ? 220 : 260);
         std::memcpy(incoming.as<>(), &in, std::min(sizeof in, incoming.size()));
-        DriverDevmode got = default_devmode(), wanted = got;
-        if (row.taken) {
+        if (taken) {
             wanted.extra.colour = in.extra.colour;
             wanted.extra.flags = in.extra.flags & 1;
         }
@@ -208,31 +182,29 @@ TEST(DevmodeMerge, ExtensionIsTakenOnlyWhenItIsOurs) {
 }
 
 TEST(DevmodeMerge, ColourAdjustmentIsMendedFieldByField) {
-    const struct {
-        std::vector<size_t> offsets;  // of fields with the same limits
-        int low, high, standard;
-    } rows[] = {{{4}, 0, 8, 0},                     // illuminant
-                {{6, 8, 10}, 1344, 65000, 10000},   // red, green and blue gamma
-                {{12}, 0, 4000, 0},                 // black
-                {{14}, 6000, 10000, 10000},         // white
-                {{16, 18, 20, 22}, -100, 100, 0}};  // contrast, brightness, colourfulness, tint
-    for (const auto& row : rows)
-        for (const size_t offset : row.offsets)
-            for (const int given : {row.low, row.low - 1, row.high, row.high + 1}) {
+    // Offsets of fields with the same limits, which are those, and what stands for another value.
+    const std::tuple<std::vector<size_t>, int, int, int> rows[] = {
+        {{4}, 0, 8, 0},                     // illuminant
+        {{6, 8, 10}, 1344, 65000, 10000},   // red, green and blue gamma
+        {{12}, 0, 4000, 0},                 // black
+        {{14}, 6000, 10000, 10000},         // white
+        {{16, 18, 20, 22}, -100, 100, 0}};  // contrast, brightness, colourfulness, tint
+    for (const auto& [offsets, low, high, standard] : rows)
+        for (const size_t offset : offsets)
+            for (const int given : {low, low - 1, high, high + 1}) {
                 SCOPED_TRACE(std::to_string(offset) + " = " + std::to_string(given));
-                const bool good = given >= row.low && given <= row.high;
+                const bool good = given >= low && given <= high;
                 const auto with = [&](int value) {
-                    return changed([&](auto& devmode) {
-                        devmode.extra.colour.caFlags = CA_LOG_FILTER;
-                        std::memcpy(reinterpret_cast<BYTE*>(&devmode.extra.colour) + offset, &value,
-                                    sizeof(WORD));
-                    });
+                    DriverDevmode devmode = default_devmode();
+                    devmode.extra.colour.caFlags = CA_LOG_FILTER;
+                    std::memcpy(reinterpret_cast<BYTE*>(&devmode.extra.colour) + offset, &value, 2);
+                    return devmode;
                 };
                 DriverDevmode in = with(given), got = default_devmode();
                 in.dm.dmFields = 0;
                 ListedPapers source;
                 EXPECT_EQ(merge_incoming(&in.dm, got, source), good ? 0u : 0x20000000u);
-                expect_equal(got, with(good ? given : row.standard));
+                expect_equal(got, with(good ? given : standard));
             }
     COLORADJUSTMENT odd = default_devmode().extra.colour;
     odd.caSize = 23;
@@ -244,39 +216,32 @@ TEST(DevmodeMerge, ColourAdjustmentIsMendedFieldByField) {
 
 TEST(DevmodeMerge, OverrideFileTurnsThePage) {
     const Installation here;
-    const struct {
-        const char *version, *lines;
-        short given, orientation;
-    } rows[] = {{"2.5", "Orient=0", 2, 1},  {"2.0", "Orient=1", 1, 2},  {"3.0", "Orient=1", 1, 2},
-                {"3.1", "Orient=0", 2, 2},  {"1.99", "Orient=0", 2, 2}, {"2.5", "Orient=2", 1, 1},
-                {"2.5", "Orient=-1", 2, 2}, {"2.5", "", 2, 2},          {"2.5", "Orient=abc", 2, 2},
-                {"x", "Orient=0", 2, 2}};
-    for (const auto& row : rows)
+    const std::tuple<const char*, const char*, short, short> rows[] = {
+        {"2.5", "Orient=0", 2, 1},  {"2.0", "Orient=1", 1, 2},  {"3.0", "Orient=1", 1, 2},
+        {"3.1", "Orient=0", 2, 2},  {"1.99", "Orient=0", 2, 2}, {"2.5", "Orient=2", 1, 1},
+        {"2.5", "Orient=-1", 2, 2}, {"2.5", "", 2, 2},          {"2.5", "Orient=abc", 2, 2},
+        {"x", "Orient=0", 2, 2}};
+    for (const auto& [version, lines, given, orientation] : rows)
         for (const DWORD bit : {DWORD{DM_ORIENTATION}, DWORD{0}}) {  // without it the page stands upright
-            SCOPED_TRACE(std::string(row.version) + " " + row.lines);
-            here.write_ini(row.lines, row.version);
-            const DriverDevmode caller = changed([&](auto& devmode) {
-                devmode.dm.dmFields = bit;
-                devmode.dm.dmOrientation = row.given;
-            });
-            DriverDevmode got;
+            here.write_ini(lines, version);
+            DriverDevmode caller = default_devmode(), got;
+            caller.dm.dmFields = bit;
+            caller.dm.dmOrientation = given;
             EXPECT_EQ(MergeDevmode(FakePrinter::handle(), &caller.dm, got), 0u);
-            EXPECT_EQ(got.dm.dmOrientation, bit || row.given != row.orientation ? row.orientation : 1);
+            EXPECT_EQ(got.dm.dmOrientation, bit || given != orientation ? orientation : 1)
+                << version << lines;
         }
 }
 
 TEST(DevmodeMerge, PrintersOwnComesBeforeTheCallers) {
     Installation here;
-    DriverDevmode got, own = changed([](auto&devmode) {
-                           devmode.dm.dmScale = 50;
-                           devmode.dm.dmColor = 1;
-                           devmode.dm.dmCopies = 9;
-                           devmode.dm.dmFields |= DM_COPIES;
-                       });
-    const DriverDevmode caller = changed([](auto& devmode) {
-        devmode.dm.dmFields = DM_SCALE | DM_PAPERSIZE;
-        devmode.dm.dmScale = 75;
-    });
+    DriverDevmode own = default_devmode(), caller = own, got;
+    own.dm.dmScale = 50;
+    own.dm.dmColor = 1;
+    own.dm.dmCopies = 9;
+    own.dm.dmFields |= DM_COPIES;
+    caller.dm.dmFields = DM_SCALE | DM_PAPERSIZE;
+    caller.dm.dmScale = 75;
     const auto merge_own = [&](const DEVMODEW* callers) {
         const auto* first = reinterpret_cast<const std::byte*>(&own);
         here.printer.devmode.assign(first, first + sizeof own);
@@ -292,8 +257,7 @@ TEST(DevmodeMerge, PrintersOwnComesBeforeTheCallers) {
     EXPECT_TRUE(trace.holds(L"PlotDMIn.dm: dmPaperSize=9, dmPaperWidth=2100, dmPaperLength=2970"));
     EXPECT_TRUE(trace.holds(L"pPlotDMTo->dm: dmPaperWidth=2100, dmPaperLength=2970"));
 
-    for (const int growth :
-         {8, -8, 0}) {  // it has changed between the two calls, or claims more than there is
+    for (const int growth : {8, -8, 0}) {  // changed between the two calls, or claims more than there is
         here.printer.grows_by = static_cast<DWORD>(growth);
         own.dm.dmDriverExtra = growth ? 36 : 60000;
         EXPECT_EQ(merge_own(nullptr), 0u);
@@ -305,7 +269,8 @@ TEST(DevmodeMerge, PrintersOwnComesBeforeTheCallers) {
 
 TEST(DirectQueries, DirectQueriesAnswerWithoutASheet) {
     Installation here;
-    const DriverDevmode in = changed([](auto& devmode) { devmode.dm.dmScale = 42; });
+    DriverDevmode in = default_devmode();
+    in.dm.dmScale = 42;
     const GuardedBuffer input(sizeof in, &in), too_short(252, &in);
     DEVMODEW old = in.dm;
     old.dmSize = 188;
@@ -318,19 +283,17 @@ TEST(DirectQueries, DirectQueriesAnswerWithoutASheet) {
         size_t room;  // 0: no output DEVMODE
         LONG result;
         short written = 0;  // scale
-    } rows[] = {
-        {"size", 0, nullptr, 256, 256},
-        {"size, no output", DM_COPY, nullptr, 0, 256},
-        {"copy", DM_COPY, nullptr, 256, 1, 100},
-        {"update", DM_UPDATE, nullptr, 256, 1, 100},
-        {"modify and copy", DM_COPY | DM_MODIFY, input.as<DEVMODEW>(), 256, 1, 42},
-        {"old layout", DM_COPY | DM_MODIFY, old_input.as<DEVMODEW>(), 188, 1, 42},
-        {"no permission", DM_COPY | 32, input.as<DEVMODEW>(), 256, 1},
-        {"modify only", DM_MODIFY, input.as<DEVMODEW>(), 256, 1},
-        {"output too short", DM_COPY, nullptr, 252, -1},
-        {"input claims too much", DM_COPY, too_short.as<DEVMODEW>(), 256, 1, 100},
-        {"input nowhere", DM_COPY, reinterpret_cast<DEVMODEW*>(48), 256, -1},
-    };
+    } rows[] = {{"size", 0, nullptr, 256, 256},
+                {"size, no output", DM_COPY, nullptr, 0, 256},
+                {"copy", DM_COPY, nullptr, 256, 1, 100},
+                {"update", DM_UPDATE, nullptr, 256, 1, 100},
+                {"modify and copy", DM_COPY | DM_MODIFY, input.as<DEVMODEW>(), 256, 1, 42},
+                {"old layout", DM_COPY | DM_MODIFY, old_input.as<DEVMODEW>(), 188, 1, 42},
+                {"no permission", DM_COPY | 32, input.as<DEVMODEW>(), 256, 1},
+                {"modify only", DM_MODIFY, input.as<DEVMODEW>(), 256, 1},
+                {"output too short", DM_COPY, nullptr, 252, -1},
+                {"input claims too much", DM_COPY, too_short.as<DEVMODEW>(), 256, 1, 100},
+                {"input nowhere", DM_COPY, reinterpret_cast<DEVMODEW*>(48), 256, -1}};
     for (const auto& row : rows)
         for (const bool as_header : {true, false}) {
             SCOPED_TRACE(row.label);
@@ -338,13 +301,13 @@ TEST(DirectQueries, DirectQueriesAnswerWithoutASheet) {
             const GuardedBuffer output(std::max<size_t>(row.room, 1), pattern.data());
             auto* const out = row.room ? output.as<DEVMODEW>() : nullptr;
             const HANDLE printer = FakePrinter::handle();
-            DocumentPropertyHeader header = {sizeof header, 0,   printer, here.printer.name.data(),
-                                             row.in,        out, 0,       row.mode};
+            wchar_t* const name = here.printer.name.data();
+            DocumentPropertyHeader header = {sizeof header, 0, printer, name, row.in, out, 0, row.mode};
+            const auto where = reinterpret_cast<LPARAM>(&header);
             SetLastError(0);
             const LONG result = as_header
-                                    ? DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header))
-                                    : DrvDocumentProperties(nullptr, printer, here.printer.name.data(), out,
-                                                            row.in, row.mode);
+                                    ? DrvDocumentPropertySheets(nullptr, where)
+                                    : DrvDocumentProperties(nullptr, printer, name, out, row.in, row.mode);
             const DWORD error = GetLastError();
             EXPECT_EQ(result, row.result);
             EXPECT_TRUE(result != -1 || error == ERROR_INVALID_PARAMETER);

@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <optional>
-#include <string>
+#include <tuple>
 
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
@@ -122,29 +118,26 @@ TEST_F(PrintSettingsAdmin, UsersFolderLiftsNothingAndNoUserIsBelievedForAnother)
                 "\xEF\xBB\xBF"
                 R"({"Summary": {"Title": "other", "Author": "other"},
                 "Administrator": {"PDFFileName": "other.pdf", "OutputFolder": "C:\\other"}})");
-    const struct {
-        const char* label;
-        std::wstring users_folder;
-        bool for_another;
-        const wchar_t *author, *restricted_to;
-    } rows[] = {{"the machine's alone", L"", false, L"", L"C:\\machine|"},
-                {"a folder of the user's", other.path(), false, L"other", L"C:\\machine|other.pdf"},
-                {"the same folder", folder_.path(), false, L"", L"C:\\machine|"},
-                {"no full path", L"Settings", false, L"", L"C:\\machine|"},
-                {"another user's", other.path() + L"\\", true, L"", L"C:\\machine|"}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        users.set_text(kKey, kFolder, row.users_folder);
-        if (row.for_another)
+    // The user's folder, whether the thread acts for another user, the author, the restriction.
+    const std::tuple<std::wstring, bool, const wchar_t*, const wchar_t*> rows[] = {
+        {L"", false, L"", L"C:\\machine|"},
+        {other.path(), false, L"other", L"C:\\machine|other.pdf"},
+        {folder_.path(), false, L"", L"C:\\machine|"},
+        {L"Settings", false, L"", L"C:\\machine|"},
+        {other.path() + L"\\", true, L"", L"C:\\machine|"}};
+    for (const auto& [users_folder, for_another, author, restriction] : rows) {
+        SCOPED_TRACE(qk::to_utf8(users_folder));
+        users.set_text(kKey, kFolder, users_folder);
+        if (for_another)
             ImpersonateSelf(SecurityImpersonation);
         EXPECT_TRUE(
             load(R"({"Summary": {"Title": "machine"}, "Administrator": {"OutputFolder": "C:\\machine"}})"));
         const std::wstring trusted = qk::trusted_install_folder();
         RevertToSelf();
         EXPECT_EQ(settings_.summary()->Title, L"machine");
-        EXPECT_EQ(settings_.summary()->Author, row.author);
-        EXPECT_EQ(restricted_to(), row.restricted_to);
-        EXPECT_EQ(trusted == folder_.path() + L"\\", row.users_folder != other.path());
+        EXPECT_EQ(settings_.summary()->Author, author);
+        EXPECT_EQ(restricted_to(), restriction);
+        EXPECT_EQ(trusted == folder_.path() + L"\\", users_folder != other.path());
     }
     registry_.set_text(kKey, kFolder, L"relative\\");
     users.set_text(kKey, kFolder, L"");

@@ -1,10 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <cstdint>
 #include <stdexcept>
-#include <string>
 #include <string_view>
-#include <vector>
+#include <tuple>
+#include <utility>
 
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "print_settings/PrintSettings.h"
@@ -57,14 +55,11 @@ bool is_object(std::string_view text) {
 }  // namespace
 
 TEST(BadSetting, TextThatIsNoSettingIsUnreadable) {
-    const struct {
-        const char* key;
-        std::vector<std::string> unreadable, loaded;
-    } rows[] = {
+    using Values = std::vector<std::string>;
+    const std::tuple<std::string, Values, Values> rows[] = {
+        // unreadable, loaded
         {"PSComment", {"null", "{}", "[1]", R"([["1", "a"]])", "[[1, 2]]"}, {"[]"}},
-        {"General",
-         {"1", R"({"Scale": NaN})", R"({"Scale": -Infinity})", R"({"Scale": 1e999})", R"({"Scale": 1.2.3})"},
-         {}},
+        {"General", {"1", R"({"Scale": NaN})", R"({"Scale": 1e999})", R"({"Scale": 1.2.3})"}, {}},
         {"Compression", {R"({"Mono": []})"}, {}},
         {"PDFVersion", {R"({"TrimBox": 1})"}, {}},
         {"Notification", {R"({"V6": ""})"}, {}},
@@ -89,11 +84,11 @@ TEST(BadSetting, TextThatIsNoSettingIsUnreadable) {
         EXPECT_EQ(ps::PrintSettings().LoadPS4(text, false), result);
         EXPECT_EQ(ps::PrintSettings().LoadPS4(text, true), result_on_top);
     };
-    for (const auto& row : rows) {
-        const std::string start = std::string("{\"PSComment\": [], \"") + row.key + "\": ";
-        for (const std::string& value : row.unreadable)
+    for (const auto& [key, unreadable, loaded] : rows) {
+        const std::string start = "{\"PSComment\": [], \"" + key + "\": ";
+        for (const std::string& value : unreadable)
             load(start + value + "}", ps::kUnreadable, ps::kUnreadable);
-        for (const std::string& value : row.loaded)
+        for (const std::string& value : loaded)
             load(start + value + "}", ps::kLoaded, ps::kLoaded);
     }
     for (const char* text : {"", "[]", "5"})
@@ -107,8 +102,8 @@ TEST(BadSetting, FilesThatCannotBeLoadedSayWhy) {
     const TempFolder folder;
     const std::string good = ps::PrintSettings().Serialise();
     const std::wstring locked = folder.write(L"locked.ps4", good);
-    const HANDLE writer = CreateFileW(locked.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                      nullptr, OPEN_EXISTING, 0, nullptr);
+    const qk::FileObj writer(CreateFileW(locked.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                         nullptr, OPEN_EXISTING, 0, nullptr));
     const std::pair<std::wstring, int> rows[] = {
         {folder.write(L"good.ps4", good), ps::kLoaded},
         {L"", ps::kMissing},
@@ -128,40 +123,31 @@ TEST(BadSetting, FilesThatCannotBeLoadedSayWhy) {
         EXPECT_EQ(settings.Load(path, false), result) << qk::to_utf8(path);
         EXPECT_EQ(settings->PSName == L"before", result != ps::kLoaded) << qk::to_utf8(path);
     }
-    CloseHandle(writer);
 }
 
 TEST(BadSetting, LegacyFilesAreCheckedAndNeverHalfRead) {
     const std::string data = chunk("DAT3", "payload"), end = chunk("CEND", "");
-    const struct {
-        const char* label;
-        std::string bytes;
-        int result;
-        const wchar_t* traced = L"bad chunk list";
-    } rows[] = {
-        {"first generation", std::string("\x09\x00\x02\x00 and more", 13), ps::kLegacyPayload,
-         L"read_legacy"},
-        {"sound", chunked(data + end), ps::kLegacyPayload, L"read_legacy"},
-        {"other chunk", chunked(chunk("XXXX", "x") + data + end), ps::kLegacyPayload, L"unknown chunk"},
-        {"its identifier", chunked(data + chunk("AXXX", "") + end), ps::kLegacyPayload,
-         L"header.d=0x58585841"},
-        {"other magic", chunked(data + end, 3, '\xF2'), ps::kUnreadable, L"bad magic number"},
-        {"other version", chunked(data + end, 4), ps::kUnreadable, L"bad major version"},
-        {"header cut", chunked("").substr(0, 47), ps::kUnreadable, L"bad magic number"},
-        {"no chunks", chunked(""), ps::kUnreadable},
-        {"no data chunk", chunked(end), ps::kUnreadable},
-        {"no end", chunked(data), ps::kUnreadable},
-        {"end cut", chunked(data + end.substr(0, 7)), ps::kUnreadable},
-        {"size beyond the file", chunked(chunk("DAT3", "payload", 100) + end), ps::kUnreadable},
-        {"size that wraps", chunked(chunk("XXXX", "", -1) + end), ps::kUnreadable},
-    };
+    const auto bad = L"bad chunk list";
+    const std::tuple<std::string, int, const wchar_t*> rows[] = {
+        {std::string("\x09\x00\x02\x00 and more", 13), ps::kLegacyPayload, L"read_legacy"},
+        {chunked(data + end), ps::kLegacyPayload, L"read_legacy"},
+        {chunked(chunk("XXXX", "x") + data + end), ps::kLegacyPayload, L"unknown chunk"},
+        {chunked(data + chunk("AXXX", "") + end), ps::kLegacyPayload, L"header.d=0x58585841"},
+        {chunked(data + end, 3, '\xF2'), ps::kUnreadable, L"bad magic number"},
+        {chunked(data + end, 4), ps::kUnreadable, L"bad major version"},
+        {chunked("").substr(0, 47), ps::kUnreadable, L"bad magic number"},
+        {chunked(""), ps::kUnreadable, bad},
+        {chunked(end), ps::kUnreadable, bad},
+        {chunked(data), ps::kUnreadable, bad},
+        {chunked(data + end.substr(0, 7)), ps::kUnreadable, bad},
+        {chunked(chunk("DAT3", "payload", 100) + end), ps::kUnreadable, bad},  // beyond the file
+        {chunked(chunk("XXXX", "", -1) + end), ps::kUnreadable, bad}};         // wraps around
     const TempFolder folder;
-    for (const auto& row : rows) {
+    for (const auto& [bytes, result, traced] : rows) {
         ps::PrintSettings settings;
         const TraceCapture capture;
-        EXPECT_EQ(settings.Load(folder.write(L"file.printSetting3", row.bytes), false), row.result)
-            << row.label;
-        EXPECT_TRUE(TraceCapture::holds(row.traced)) << row.label;
-        EXPECT_EQ(settings, ps::PrintSettings()) << row.label;
+        EXPECT_EQ(settings.Load(folder.write(L"file.printSetting3", bytes), false), result) << bytes;
+        EXPECT_TRUE(TraceCapture::holds(traced)) << bytes;
+        EXPECT_EQ(settings, ps::PrintSettings()) << bytes;
     }
 }

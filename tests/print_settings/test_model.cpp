@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "print_settings/display.h"
 #include "support/random_settings.h"
