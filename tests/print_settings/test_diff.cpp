@@ -26,13 +26,22 @@ TEST(SettingDifferences, AreSentencesForAPerson) {
              s.general()->Linearize = false;
              s.general()->OpenPDF = 3;
              s.general()->PaperName = 11;
-             s.general()->PaperWidth = 100.5f;
+             s.general()->PaperWidth = 100.5f;  // comes with the paper
              s.general()->PaperOrientation = 1;
          },
          {L"General \u2013 Optimise for web viewing: yes \u2192 no",
           L"General \u2013 Open the PDF afterwards: yes \u2192 yes, in another way (3)",
-          L"General \u2013 Paper: A4 \u2192 11", L"General \u2013 Width (mm): 210 \u2192 100.5",
-          L"General \u2013 Orientation: Portrait \u2192 Landscape"}},
+          L"General \u2013 Paper: A4 \u2192 11", L"General \u2013 Orientation: Portrait \u2192 Landscape"}},
+        {[](Settings s) {
+             s.general()->PaperType = 1;
+             s.general()->PaperWidth = 100.5f;
+         },
+         {L"General \u2013 Kind of paper: Standard paper \u2192 Custom size",
+          L"General \u2013 Width (mm): 210 \u2192 100.5"}},
+        {[](Settings s) {
+             s.addition()->Str = {{L"PaperName", L"Mine"}};
+         },
+         {L"General \u2013 Paper: A4 \u2192 Mine"}},
         {[](Settings s) { s.compression()->Mono->ResolutionTarget = 600; },
          {L"Compression \u2013 Monochrome images \u2013 Reduced to (dpi): 1200 \u2192 600"}},
         {[](Settings s) {
@@ -53,7 +62,7 @@ TEST(SettingDifferences, AreSentencesForAPerson) {
              s.openAction()->StartPage = ps::OpenAction_impl::kNoStartPage;
              s.font()->Fonts = {L"A", L"B"};
          },
-         {L"Fonts \u2013 Listed fonts: \"\" \u2192 \"A\", \"B\"",
+         {L"Fonts \u2013 Listed fonts: (empty) \u2192 \"A\", \"B\"",
           L"Opening \u2013 Start at a certain page: 1 \u2192 no"}},
         {[](Settings s) {
              s.security()->MasterPassword = L"secret1";
@@ -65,14 +74,13 @@ TEST(SettingDifferences, AreSentencesForAPerson) {
              s.addition()->Str = {{L"PaperName", L"Mine"}, {L"OutputCondition", L"X"}};
          },
          {L"General \u2013 Paper: A4 \u2192 Mine",
-          L"Additional values \u2013 Output condition: (none) \u2192 \"X\"",
-          L"Additional values \u2013 Paper: (none) \u2192 \"Mine\""}},
+          L"Additional values \u2013 Output condition: (empty) \u2192 \"X\""}},
         {[](Settings s) {
              s->PSName = std::wstring(79, L'x') + L"\U0001F5A8 and more";
              s.summary()->Title = L"%1\r\n%3";
          },
-         {L"Name of the setting: \"\" \u2192 \"" + std::wstring(79, L'x') + L"\u2026\"",
-          L"Document \u2013 Title: \"\" \u2192 \"%1  %3\""}},
+         {L"Name of the setting: (empty) \u2192 \"" + std::wstring(79, L'x') + L"\u2026\"",
+          L"Document \u2013 Title: (empty) \u2192 \"%1  %3\""}},
     };
     const ps::PrintSettings older;
     for (const auto& row : rows) {
@@ -89,10 +97,10 @@ TEST(SettingDifferences, NamedValuesOfAMapAreToldOneByOne) {
     newer.addition()->Int = {{L"other", 4}, {L"same", 3}, {L"new", 5}};
     older->PSComment = {{-1, L"a"}};
     EXPECT_EQ(ps::Changed2Str(older, newer),
-              (std::vector<std::wstring>{L"Comment \u2013 -1: \"a\" \u2192 (none)",
-                                         L"Additional values \u2013 gone: 1 \u2192 (none)",
+              (std::vector<std::wstring>{L"Comment \u2013 -1: \"a\" \u2192 (empty)",
+                                         L"Additional values \u2013 gone: 1 \u2192 (empty)",
                                          L"Additional values \u2013 other: 2 \u2192 4",
-                                         L"Additional values \u2013 new: (none) \u2192 5"}));
+                                         L"Additional values \u2013 new: (empty) \u2192 5"}));
 }
 
 TEST(SettingDifferences, CodesAreListedByName) {
