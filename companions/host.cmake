@@ -3,10 +3,12 @@ add_library(zr_host_core STATIC
     host/console.cpp
     host/driver_module.cpp
     host/event_player.cpp
+    host/field_ranges.cpp
     host/host_error.cpp
     host/install.cpp
     host/job.cpp
     host/job_report.cpp
+    host/json_text.cpp
     host/options.cpp
     host/output_target.cpp
     host/page_layout.cpp
@@ -19,6 +21,8 @@ add_library(zr_host_core STATIC
     host/report_parts.cpp
     host/setting_check.cpp
     host/setting_choice.cpp
+    host/setting_report.cpp
+    host/setting_sense.cpp
     host/sheet_host.cpp
     host/sheet_watch.cpp
     host/spool_file.cpp

@@ -1,16 +1,56 @@
-# What the scripts share: the project's folder, messages, locks, the Wine prefix. Sourced, not run.
+# What the scripts share: help, the project's folder, messages, locks, the Wine prefix. Sourced, not run.
+# Before that a script says what it works with:
+#   prefix=NAME        a Wine prefix in build/; --prefix DIR or ZR_PREFIX exchange it
+#   fixed_prefix=NAME  one whose settings the script changes and which nothing exchanges
+#   command_follows=1  what stands behind the first word without a dash is another program's
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-export WINEPREFIX="${WINEPREFIX:-$root/build/wine}"
+say() { printf '==> %s\n' "$*"; }
+fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
+refuse() { printf '%s: %s (--help tells more)\n' "$(basename "$0")" "$*" >&2; exit 2; }  # wrong words
+need_value() { [ -n "${2:-}" ] || refuse "$1 takes a value"; }  # need_value "$@": the option that stands first
+no_words() { [ $# -eq 0 ] || refuse "there is no argument $1"; }
+
+# The comment at a script's head is its help. --prefix goes, so that the script sees its own words only.
+words=()
+while [ $# -gt 0 ]; do
+    case $1 in
+        --help) sed -n '2,/^[^#]\|^$/s/^# \{0,1\}//p' "$0"; exit 0 ;;
+        --prefix | --prefix=*)
+            if [ -n "${prefix:-}" ]; then
+                [ "$1" = --prefix ] || set -- --prefix "${1#*=}" "${@:2}"
+                need_value "$@"
+                ZR_PREFIX=$2
+                shift 2
+                continue
+            fi
+            ;;
+        --) break ;;
+        -*) ;;
+        *) [ -z "${command_follows:-}" ] || break ;;
+    esac
+    words+=("$1")
+    shift
+done
+set -- ${words[@]+"${words[@]}"} "$@"
+
+WINEPREFIX=$root/build/${fixed_prefix:-${prefix:-wine}}  # whatever the user's own is
+[ -n "${fixed_prefix:-}" ] || WINEPREFIX=$(realpath -m -- "${ZR_PREFIX:-$WINEPREFIX}")
+export WINEPREFIX ZR_PREFIX=$WINEPREFIX  # the latter for wine-run
+is_own_prefix() { [[ $WINEPREFIX == "$root"/build/* ]]; }
 export LC_ALL=C.UTF-8
 export ZR_VIEWER="${ZR_VIEWER:-none}"  # no finished PDF opens a window
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml,winedbg.exe=}"
-mkdir -p "$root/build"
 
-say() { printf '==> %s\n' "$*"; }
-fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
+mkdir -p "$root/build" 2>/dev/null || fail "the clone $root cannot be written to"
+for folder in "$root"/build/{,release,test,stage,demo} "$WINEPREFIX"; do
+    [ ! -d "$folder" ] || [ -w "$folder" ] || fail "the folder ${folder%/} cannot be written to; is it another user's?"
+done
+has_room() { [ "$(df -Pk "$root/build" | awk 'NR == 2 {print $4}')" -ge 1024 ]; }
+need_room() { has_room || fail "the disk that holds $root is full"; }
+need_room
 
 # Runs a command while no other run of the project's scripts does the same kind of work.
 alone() {  # alone KIND COMMAND...
@@ -20,6 +60,12 @@ alone() {  # alone KIND COMMAND...
         flock -n 8 || { say "waiting for another run to finish"; flock 8; }
         "$@"
     ) 8>"$lock"
+}
+
+# Another prefix than the project's own has to be there, and stays as it is set.
+check_prefix() {
+    [ -f "$WINEPREFIX/system.reg" ] || fail "there is no Wine prefix in $WINEPREFIX (wineboot -i makes one)"
+    grep -q '^#arch=win64' "$WINEPREFIX/system.reg" || fail "$WINEPREFIX takes 32-bit programs only"
 }
 
 make_prefix() {
@@ -39,6 +85,11 @@ make_prefix() {
 # Makes the prefix where it is missing and holds it until the script ends. The last script that holds it stops
 # its Wine server, so that nothing of it stays behind.
 hold_prefix() {
+    if ! is_own_prefix; then
+        check_prefix
+        "$root/scripts/wine-run" cmd /c exit >/dev/null 2>&1 </dev/null || true
+        return
+    fi
     mkdir -p "$(dirname "$WINEPREFIX")"
     exec 9>"$WINEPREFIX.lock"
     flock -s 9
@@ -87,6 +138,6 @@ release_prefix() {
 build_preset() {  # build_preset release|test [TARGET...]
     cd "$root"
     [ -f "build/$1/build.ninja" ] || cmake --preset "$1" >"build/configure-$1.log" 2>&1 ||
-        { cat "build/configure-$1.log" >&2; fail "cmake could not configure the $1 build"; }
-    cmake --build --preset "$1" ${2:+--target "${@:2}"} || fail "the $1 build failed"
+        { need_room; cat "build/configure-$1.log" >&2; fail "cmake could not configure the $1 build"; }
+    cmake --build --preset "$1" ${2:+--target "${@:2}"} || { need_room; fail "the $1 build failed"; }
 }

@@ -13,6 +13,7 @@
 #include "common/qk/module.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
+#include "common/rwPDFSet_functions.h"
 #include "companions/host/console.h"
 #include "companions/host/host_error.h"
 #include "companions/host/install.h"
@@ -24,6 +25,7 @@
 #include "companions/host/text_file.h"
 #include "companions/host/turn.h"
 #include "companions/system_texts.h"
+#include "job/job_setting.h"
 
 namespace host {
 
@@ -70,6 +72,7 @@ private:
     void lay_out(std::wstring_view text, const PagePrinter& page_printer);
     void start();
     void start_document(const DOCINFOW& document);
+    std::wstring why_refused();
     void print_pages(const PagePrinter& page_printer);
     void print_page(const PagePrinter& page_printer, size_t number);
     void end();
@@ -142,10 +145,24 @@ void JobRun::start_document(const DOCINFOW& document) {
     const DWORD error = events_.last_error();
     if (means_cancelled(error))
         over(Outcome::kCancelled, error, L"no file was chosen, or the chosen one cannot be written");
-    over(Outcome::kRefused, error,
-         error == ERROR_SUCCESS
-             ? L"the module refuses the job; why is told through: " + notify_channels_text()
-             : L"the module refuses the job");
+    std::wstring fault = L"the module refuses the job";
+    if (error == ERROR_SUCCESS)
+        fault += L"; the user is told through: " + notify_channels_text() + why_refused();
+    over(Outcome::kRefused, error, fault);
+}
+
+// The module has told the user, and this program nothing: what it has looked at is looked at again.
+std::wstring JobRun::why_refused() {
+    const std::wstring name = options_.setting.empty() ? GetSettingFileName(qk::kProductName)
+                                                       : setting_for_module(options_.setting);
+    Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin settings;
+    const auto refusal = job::load_job_setting(name, settings);
+    if (!refusal)
+        return {};
+    report_.caption = job::caption_of(*refusal);
+    report_.message = job::refusal_message();
+    const std::wstring file = job::administrator_file_to_blame(*refusal, name);
+    return file.empty() ? L"" : L"; the cause is the administrator's file, which cannot be read: " + file;
 }
 
 void JobRun::start() {
@@ -218,8 +235,12 @@ void JobRun::end() {
     if (const auto record = find_result_record(report_.thread)) {
         report_.result_record = fields_of(*record);
         error_code = record->error_code;
-        if (error_code != 0)
-            report_.fault = record->message.readable_text();
+        if (error_code != 0) {
+            report_.fault = report_.message = record->message.readable_text();
+            report_.caption = record->caption.readable_text();
+            if (report_.caption.empty())
+                report_.caption = qk::kProductName;
+        }
     }
     {
         const SettingTurn turn;  // the module removes the choice of a setting, which may be another job's

@@ -110,6 +110,8 @@ std::vector<std::wstring> report_lines(const JobReport& report) {
     add(L"PDF", report.pdf);
     add(L"last error", qk::format(L"%u: %s", report.last_error, error_in_words(report.last_error).c_str()));
     add(L"fault", report.fault);
+    add(L"caption", report.caption);
+    add(L"message", report.message);
     add(L"outcome", outcome_name(report.outcome));
     return lines;
 }
@@ -137,6 +139,8 @@ std::string report_json(const JobReport& report) {
     object["last_error"] = json_number(report.last_error);
     object["last_error_text"] = json_text(error_in_words(report.last_error));
     object["fault"] = json_text(report.fault);
+    object["caption"] = json_text(report.caption);
+    object["message"] = json_text(report.message);
     object["outcome"] = json_text(outcome_name(report.outcome));
     object["trace"] = json_texts(report.trace);
     return picojson::value(object).serialize(true);

@@ -42,6 +42,8 @@ struct JobReport {
     Outcome outcome = Outcome::kFailed;
     DWORD last_error = 0;  // of the thread, as the last important event left it
     std::wstring fault;    // what went wrong, in words; empty when nothing did
+    std::wstring caption;  // what the module tells the user of a refusal or failure
+    std::wstring message;
     std::vector<std::wstring> trace;
 };
 

@@ -3,6 +3,8 @@
 
 #include <picojson.h>
 
+#include <algorithm>
+#include <iterator>
 #include <mutex>
 #include <optional>
 
@@ -130,7 +132,10 @@ ExitCode run_properties(const Options& options) {
 ExitCode run_check(const Options& options) {
     std::vector<SettingFindings> files;
     ExitCode code = ExitCode::kDone;
-    for (const std::wstring& path : options.setting_files) {
+    std::vector<std::wstring> paths;
+    for (const std::wstring& given : options.setting_files)
+        std::ranges::move(setting_files(given), std::back_inserter(paths));
+    for (const std::wstring& path : paths) {
         files.push_back(check_setting(path));
         print_lines(report_lines(files.back()));
         if (!files.back().readable)
@@ -194,11 +199,9 @@ ExitCode run_words(std::span<const wchar_t* const> words) {
         print_document(parsed.help);
         return ExitCode::kDone;
     }
-    if (!parsed.fault.empty()) {
-        report_progress(L"zr_print: " + parsed.fault);
-        report_progress(L"zr_print help tells what there is");
-        return ExitCode::kUsage;
-    }
+    if (!parsed.fault.empty())
+        return fault(parsed.options,
+                     {ExitCode::kUsage, parsed.fault + L" (zr_print help tells what there is)"});
     try {
         return run(parsed.options);
     } catch (const HostError& error) {

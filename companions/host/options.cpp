@@ -3,7 +3,12 @@
 #include <prsht.h>
 
 #include <CLI/CLI.hpp>
+#include <picojson.h>
 
+#include <algorithm>
+#include <iterator>
+
+#include "common/ErrorNotify.h"
 #include "common/qk/text.h"
 #include "companions/command_line.h"
 
@@ -83,7 +88,9 @@ private:
                 for (const std::string& path : paths)
                     to_.setting_files.push_back(qk::to_wide(path));
             };
-            return command.add_option_function<std::vector<std::string>>("FILE", take, "print settings")
+            return command
+                .add_option_function<std::vector<std::string>>(
+                    "FILE", take, "print settings; to check also folders of them")
                 ->required()
                 ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
         };
@@ -96,9 +103,14 @@ private:
     }
 
     void add_notify_channels(CLI::App& command) {
-        command.add_option("--notify-channels", to_.notify_channels,
-                           "how failed jobs are told, kept in the registry; the sum of 1 message box, 2 "
-                           "event log, 4 debug output, 8 log file (usual: 1)");
+        constexpr DWORD kAll = NotifyChannel::kMessageBox | NotifyChannel::kEventLog |
+                               NotifyChannel::kDebugOutput | NotifyChannel::kLogFile;
+        command
+            .add_option("--notify-channels", to_.notify_channels,
+                        "how failed jobs are told from now on, later ones and those of other programs too: "
+                        "it is kept in the registry. The sum of 1 message box, 2 event log, 4 debug output, "
+                        "8 log file (usual: 1)")
+            ->check(CLI::Range(DWORD{0}, kAll));
     }
     void add_setting_and_trace(CLI::App& command) {
         add_text(command, "--setting", to_.setting, "print setting, by name or path; usual: the printer's");
@@ -110,10 +122,42 @@ private:
     Options& to_;
 };
 
+picojson::value json_app(const CLI::App& app) {
+    picojson::object object;
+    object["name"] = picojson::value(app.get_name());
+    object["description"] = picojson::value(app.get_description());
+    picojson::array options;
+    for (const CLI::Option* option : app.get_options()) {
+        picojson::object entry;
+        entry["name"] = picojson::value(option->get_name(false, true));
+        entry["description"] = picojson::value(option->get_description());
+        entry["takes_value"] = picojson::value(option->get_items_expected_max() > 0);
+        options.emplace_back(entry);
+    }
+    object["options"] = picojson::value(options);
+    picojson::array commands;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        commands.push_back(json_app(*command));
+    if (!commands.empty())
+        object["commands"] = picojson::value(commands);
+    return picojson::value(object);
+}
+
+// What stands behind "--" is a file, whatever it begins with.
+std::vector<std::wstring> without_mark(std::span<const wchar_t* const> words) {
+    std::vector<std::wstring> plain(words.begin(), words.end());
+    if (const auto mark = std::ranges::find(plain, L"--"); mark != plain.end())
+        for (auto at = plain.erase(mark); at != plain.end(); ++at)
+            if (at->starts_with(L'-'))
+                at->insert(0, L".\\");
+    return plain;
+}
+
 }  // namespace
 
 ParsedOptions parse_options(std::span<const wchar_t* const> words) {
-    if (words.empty())
+    const std::vector<std::wstring> plain = without_mark(words);
+    if (plain.empty())
         return {{}, L"no command given", {}};
     ParsedOptions parsed;
     CLI::App app(
@@ -126,10 +170,14 @@ ParsedOptions parse_options(std::span<const wchar_t* const> words) {
         "4 a fault of this program");
     companions::prepare(app);
     const Commands commands(app, parsed.options);
-    std::vector<const wchar_t*> given(words.begin(), words.end());
+    std::vector<const wchar_t*> given;
+    std::ranges::transform(plain, std::back_inserter(given), &std::wstring::c_str);
     if (std::wstring_view(given[0]) == L"help")
         given[0] = L"--help";
     companions::ReadWords read = companions::read_words(app, given);
+    parsed.options.json = std::ranges::find(plain, L"--json") != plain.end();
+    if (!read.help.empty() && parsed.options.json)
+        read.help = qk::to_wide(json_app(app).serialize(true));
     parsed.help = std::move(read.help);
     parsed.fault = std::move(read.fault);
     if (parsed.help.empty() && app.get_subcommands().empty())

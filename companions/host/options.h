@@ -44,7 +44,7 @@ struct Options {
 struct ParsedOptions {
     Options options;
     std::wstring fault;  // what is wrong, in one sentence; empty when nothing is
-    std::wstring help;   // when the words ask for that
+    std::wstring help;   // when the words ask for that: lines, or with --json a JSON object
 };
 
 // What the words behind the program's name ask for.

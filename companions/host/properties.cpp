@@ -7,7 +7,9 @@
 #include <cstddef>
 
 #include "common/qk/module.h"
+#include "common/qk/paths.h"
 #include "common/qk/text.h"
+#include "common/rwPDFSet_functions.h"
 #include "companions/host/host_error.h"
 #include "companions/host/printer_setup.h"
 #include "companions/host/report_parts.h"
@@ -93,8 +95,12 @@ SheetReport show_properties(const Options& options, const DriverModule& module) 
         throw HostError{ExitCode::kInstallation,
                         with_reason(L"the printer cannot be opened", GetLastError())};
     std::optional<SettingTurn> turn;
-    if (!options.setting.empty())
-        turn.emplace().choose(setting_for_module(options.setting));
+    if (!options.setting.empty()) {
+        const std::wstring setting = setting_for_module(options.setting);
+        if (!qk::is_file(SettingPathOf(setting)))
+            throw HostError{ExitCode::kUsage, L"there is no print setting " + options.setting};
+        turn.emplace().choose(setting);
+    }
     const SheetWatch watch(options.button);
     if (options.printer_sheet)
         show_printer(module, printer.get(), report);

@@ -6,12 +6,12 @@
 #include <type_traits>
 
 #include "common/qk/paths.h"
-#include "common/qk/resource_dll.h"
 #include "common/qk/text.h"
-#include "companions/host/host_error.h"
+#include "companions/host/field_ranges.h"
+#include "companions/host/json_text.h"
 #include "companions/host/report_parts.h"
-#include "job/output_intent.h"
-#include "print_settings/display.h"
+#include "companions/host/setting_sense.h"
+#include "companions/host/text_file.h"
 #include "print_settings/legacy_reader.h"
 #include "print_settings/ps4_reader.h"
 #include "print_settings/ps4_writer.h"
@@ -42,19 +42,22 @@ int kind_of(const picojson::value& value) {
                                           : picojson::null_type;
 }
 
-std::wstring joined(const std::wstring& path, const std::string& key) {
-    return path.empty() ? qk::to_wide(key) : path + L"." + qk::to_wide(key);
-}
-
 std::wstring shown(const picojson::value& value) {
-    return value.is<std::string>() ? L"\"" + qk::to_wide(value.get<std::string>()) + L"\""
-                                   : qk::to_wide(value.serialize());
+    if (value.is<std::string>())
+        return L"\"" + qk::to_wide(value.get<std::string>()) + L"\"";
+    if (value.is<double>() && std::trunc(value.get<double>()) != value.get<double>())
+        return qk::format(L"%g", value.get<double>());
+    return qk::to_wide(value.serialize());
 }
 
 bool is_secret(const std::wstring& path) {
     return !ps::all_fields<ps::Security_impl>([&path](const auto& field) {
-        return field.shown != ps::Shown::kSecret || path != joined(L"Security", field.key);
+        return field.shown != ps::Shown::kSecret || path != place_in(L"Security", field.key);
     });
+}
+
+std::wstring line_number(std::string_view text, size_t at) {
+    return std::to_wstring(std::ranges::count(text.substr(0, at), '\n') + 1);
 }
 
 std::wstring why_not_read(int result) {
@@ -82,13 +85,14 @@ std::wstring why_legacy(std::string_view bytes, ps::SettingKind kind) {
 class Comparison {
 public:
     // With `stays` a value that cannot be read leaves the user's in force.
-    Comparison(SettingFindings& findings, bool stays) : findings_(findings), stays_(stays) {}
+    Comparison(const JsonText& text, SettingFindings& findings, bool stays)
+        : text_(text), findings_(findings), stays_(stays) {}
 
     void compare_members(const std::wstring& path, const picojson::object& given,
                          const picojson::object& used) {
         for (const auto& [key, value] : given) {
             const auto found = used.find(key);
-            const std::wstring place = joined(path, key);
+            const std::wstring place = place_in(path, key);
             if (found == used.end())
                 findings_.add(place, place == L"Administrator"
                                          ? L"counts in administrator.ps4a only; it is ignored"
@@ -110,20 +114,28 @@ private:
         if (given.is<picojson::array>())
             compare_lists(path, given.get<picojson::array>(), used.get<picojson::array>());
         else if (!same(given, used))
-            findings_.add(path, is_secret(path)
-                                    ? L"cannot be taken over as it is"
-                                    : shown(given) + why(given, used) + shown(used) + L" is used");
-        findings_.forced.push_back(is_secret(path) ? path : path + L" = " + shown(given));
+            findings_.add(path, is_secret(path) ? L"cannot be taken over as it is"
+                                                : written(path, given) + why(path, given, used) +
+                                                      shown(used) + L" is used");
+        findings_.forced.push_back(is_secret(path) ? path : path + L" = " + written(path, given));
     }
 
     void compare_lists(const std::wstring& path, const picojson::array& given, const picojson::array& used) {
-        for (const picojson::value& item : given)
-            if (std::ranges::none_of(used, [&](const picojson::value& kept) { return same(item, kept); }))
-                findings_.add(path, shown(item) + L" is not kept as it is");
+        for (size_t i = 0; i < given.size(); ++i)
+            if (std::ranges::none_of(used, [&](const picojson::value& kept) { return same(given[i], kept); }))
+                findings_.add(path, written(place_in(path, i), given[i]) + L" is not kept as it is");
+    }
+
+    // As shown(), but numbers as they stand in the file.
+    [[nodiscard]] std::wstring written(const std::wstring& path, const picojson::value& value) const {
+        const auto number = text_.numbers.find(path);
+        return value.is<double>() && number != text_.numbers.end() ? number->second : shown(value);
     }
 
     // An integer stands for its bits, with a sign or without; what has decimals is kept in single precision.
     static bool same(const picojson::value& given, const picojson::value& used) {
+        if (given.is<std::string>() && used.is<std::string>())  // damaged bytes are told elsewhere
+            return qk::to_wide(given.get<std::string>()) == qk::to_wide(used.get<std::string>());
         if (!given.is<double>() || !used.is<double>())
             return given == used;
         const double a = given.get<double>();
@@ -133,13 +145,18 @@ private:
                (std::trunc(b) != b && std::abs(a - b) <= 1e-6 * std::abs(a));
     }
 
-    static const wchar_t* why(const picojson::value& given, const picojson::value& used) {
+    static std::wstring why(const std::wstring& path, const picojson::value& given,
+                            const picojson::value& used) {
         if (!given.is<double>())
             return L" cannot be taken over; ";
-        return std::trunc(given.get<double>()) == used.get<double>() ? L" is no whole number; "
-                                                                     : L" is out of its range; ";
+        if (std::trunc(given.get<double>()) == used.get<double>())
+            return L" is no whole number; ";
+        const auto range = field_ranges().find(path);
+        return L" is out of its range" +
+               (range == field_ranges().end() ? L"" : L" (" + range->second + L")") + L"; ";
     }
 
+    const JsonText& text_;
     SettingFindings& findings_;
     bool stays_;
 };
@@ -168,13 +185,12 @@ picojson::value* find_place(picojson::value& value, const picojson::value* wante
     const std::wstring here = path;
     if (value.is<picojson::object>())
         for (auto& [key, inner] : value.get<picojson::object>())
-            if (picojson::value* found = find_place(inner, wanted, path = joined(here, key)))
+            if (picojson::value* found = find_place(inner, wanted, path = place_in(here, key)))
                 return found;
     size_t at = 0;
     if (value.is<picojson::array>())
         for (picojson::value& inner : value.get<picojson::array>())
-            if (picojson::value* found =
-                    find_place(inner, wanted, path = here + L"[" + std::to_wstring(at++) + L"]"))
+            if (picojson::value* found = find_place(inner, wanted, path = place_in(here, at++)))
                 return found;
     return nullptr;
 }
@@ -202,16 +218,23 @@ bool try_read(picojson::value& document, bool administrator, ps::PrintSettings_i
     }
 }
 
-// What a job with this setting would be refused for.
-void check_job(const ps::PrintSettings& settings, bool administrator, SettingFindings& findings) {
-    if (const auto refusal = job::find_refusal(settings))
-        findings.add(L"PDFVersion", L"a job is refused with error " + std::to_wstring(refusal->code) + L": " +
-                                        qk::load_string(refusal->caption_id) + refusal->caption_end +
-                                        (administrator ? L" (unless the user's setting has it)" : L""));
+// What the parsed document no longer tells.
+void check_text(std::string_view text, const JsonText& scanned, SettingFindings& findings) {
+    for (const std::wstring& place : scanned.repeated)
+        findings.add(place, L"is given more than once; the last one counts");
+    if (const size_t rest = text.find_first_not_of(" \t\r\n", scanned.end); rest != std::string_view::npos)
+        findings.add(L"", L"line " + line_number(text, rest) + L": what stands behind the object is ignored");
+    for (size_t start = 0; start < text.size();) {
+        const size_t end = std::min(text.find('\n', start), text.size());
+        if (!is_valid_utf8(text.substr(start, end - start)))
+            findings.add(L"", L"line " + line_number(text, start) +
+                                  L" is not UTF-8 throughout; each wrong byte is read as U+FFFD");
+        start = end + 1;
+    }
 }
 
 // What stands beside the settings in an administrator's file.
-void check_own_values(const picojson::value& own, SettingFindings& findings) {
+void check_own_values(const picojson::value& own, const JsonText& scanned, SettingFindings& findings) {
     if (!own.is<picojson::object>()) {
         findings.add(L"Administrator", L"has to be an object; it is ignored");
         return;
@@ -225,7 +248,12 @@ void check_own_values(const picojson::value& own, SettingFindings& findings) {
         else
             used[field.key] = json_text(restriction.*field.member);
     });
-    Comparison(findings, false).compare_members(L"Administrator", own.get<picojson::object>(), used);
+    Comparison(scanned, findings, false).compare_members(L"Administrator", own.get<picojson::object>(), used);
+    if (restriction.PDFFileName.find_first_of(L"\\/") != std::wstring::npos)
+        findings.add(L"Administrator.PDFFileName",
+                     L"holds a folder; only the name behind it counts, and OutputFolder takes the folder");
+    if (!restriction.OutputFolder.empty() && !qk::is_folder(restriction.OutputFolder))
+        findings.add(L"Administrator.OutputFolder", L"there is no folder " + restriction.OutputFolder);
     if (restriction.PSFile.empty())
         return;
     if (!qk::is_file(restriction.PSFile))
@@ -238,19 +266,21 @@ void check_json(std::string_view text, bool administrator, SettingFindings& find
     picojson::value document;
     if (!try_parse(text, document, findings))
         return;
+    const JsonText scanned = scan_json(text);
+    check_text(text, scanned, findings);
     auto& members = document.get<picojson::object>();
     if (const picojson::value* own = ps::json::find(members, kOwnKey); own && administrator) {
-        check_own_values(*own, findings);
+        check_own_values(*own, scanned, findings);
         members.erase(kOwnKey);
     }
     ps::PrintSettings settings;
     const bool good = try_read(document, administrator, *settings.operator->(), findings);
     const picojson::value used = ps::write_setting(*settings.operator->());
-    Comparison(findings, administrator).compare_members(L"", members, used.get<picojson::object>());
+    Comparison(scanned, findings, administrator).compare_members(L"", members, used.get<picojson::object>());
     if (!administrator || !good)
         findings.forced.clear();  // a user's setting forces nothing
     if (good)
-        check_job(settings, administrator, findings);
+        check_sense(settings, administrator ? &scanned : nullptr, findings);
 }
 
 }  // namespace
@@ -282,41 +312,6 @@ SettingFindings check_setting(const std::wstring& path) {
             findings.faults.push_back(why_unknown(bytes));
     }
     return findings;
-}
-
-std::vector<std::wstring> setting_differences(const std::wstring& older, const std::wstring& newer) {
-    ps::PrintSettings settings[2];
-    const std::wstring* paths[2] = {&older, &newer};
-    for (size_t i = 0; i < 2; ++i)
-        if (!settings[i].Load(*paths[i]))
-            throw HostError{ExitCode::kUsage, *paths[i] + L" cannot be loaded; \"zr_print check\" tells why"};
-    return ps::Changed2Str(settings[0], settings[1]);
-}
-
-std::vector<std::wstring> report_lines(const SettingFindings& findings) {
-    std::vector<std::wstring> lines;
-    for (const std::wstring& fault : findings.faults)
-        lines.push_back(findings.path + L": " + fault);
-    if (findings.faults.empty())
-        lines.push_back(findings.path + L": nothing is wrong");
-    for (const std::wstring& forced : findings.forced)
-        lines.push_back(L"  forces " + forced);
-    return lines;
-}
-
-std::string report_json(std::span<const SettingFindings> files) {
-    picojson::array list;
-    for (const SettingFindings& findings : files) {
-        picojson::object file;
-        file["path"] = json_text(findings.path);
-        file["readable"] = picojson::value(findings.readable);
-        file["faults"] = json_texts(findings.faults);
-        file["forced"] = json_texts(findings.forced);
-        list.emplace_back(file);
-    }
-    picojson::object object;
-    object["files"] = picojson::value(list);
-    return picojson::value(object).serialize(true);
 }
 
 }  // namespace host

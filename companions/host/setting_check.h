@@ -18,6 +18,10 @@ struct SettingFindings {
     void add(const std::wstring& place, const std::wstring& what);
 };
 
+// The setting files of a folder, of every kind and the administrator's, in the order of their names; another
+// path alone. Throws HostError (usage) for a folder that holds none.
+[[nodiscard]] std::vector<std::wstring> setting_files(const std::wstring& path);
+
 // Checks a file by what the driver, having read it, has of it. A file whose name ends in ".ps4a" counts
 // as an administrator's.
 [[nodiscard]] SettingFindings check_setting(const std::wstring& path);

@@ -17,11 +17,6 @@ namespace {
 constexpr UINT kWindows1252 = 1252;
 constexpr wchar_t kReplacement = L'\xFFFD';
 
-bool is_valid_utf8(std::string_view bytes) noexcept {
-    return bytes.empty() || MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(),
-                                                static_cast<int>(bytes.size()), nullptr, 0) > 0;
-}
-
 std::wstring from_windows_1252(std::string_view bytes) {
     std::wstring text(bytes.size(), L'\0');
     const int units = MultiByteToWideChar(kWindows1252, 0, bytes.data(), static_cast<int>(bytes.size()),
@@ -46,6 +41,11 @@ std::wstring from_utf16(std::string_view bytes, bool little_endian) {
 }
 
 }  // namespace
+
+bool is_valid_utf8(std::string_view bytes) noexcept {
+    return bytes.empty() || MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(),
+                                                static_cast<int>(bytes.size()), nullptr, 0) > 0;
+}
 
 const wchar_t* encoding_name(Encoding encoding) noexcept {
     static constexpr const wchar_t* kNames[] = {L"UTF-8", L"UTF-16, little-endian", L"UTF-16, big-endian",

@@ -15,6 +15,8 @@ struct DecodedText {
     Encoding encoding;
 };
 
+[[nodiscard]] bool is_valid_utf8(std::string_view bytes) noexcept;
+
 // A byte-order mark decides; without one the bytes are UTF-8 when they are valid UTF-8, else Windows-1252,
 // in which every byte has a meaning.
 [[nodiscard]] DecodedText decode_text(std::string_view bytes);

@@ -60,9 +60,11 @@ std::wstring dialog_folder(const std::wstring& record_folder,
                            const Corvanta::Vantrix::PrintSettings::General_impl& general) {
     if (!record_folder.empty())
         return absolute_path(record_folder);
-    if (general.SaveStyle == kFixedFolder && !general.OutputFolder.empty())
-        return absolute_path(general.OutputFolder);
-    return documents_folder();
+    return has_fixed_folder(general) ? absolute_path(general.OutputFolder) : documents_folder();
+}
+
+bool has_fixed_folder(const Corvanta::Vantrix::PrintSettings::General_impl& general) noexcept {
+    return general.SaveStyle == kFixedFolder && !general.OutputFolder.empty();
 }
 
 std::wstring setting_name_for(const std::wstring& printer_name, size_t units) {

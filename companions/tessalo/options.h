@@ -26,6 +26,9 @@ namespace companions {
 [[nodiscard]] std::wstring dialog_folder(const std::wstring& record_folder,
                                          const Corvanta::Vantrix::PrintSettings::General_impl& general);
 
+// Whether the setting has a folder for every PDF: nobody is to be asked for the place.
+[[nodiscard]] bool has_fixed_folder(const Corvanta::Vantrix::PrintSettings::General_impl& general) noexcept;
+
 // The setting file that a printer's next job uses: the choice made for the running process, when there is one
 // that fits into `units` with its terminating zero, else the printer's own. A bare name or a path; never
 // empty.

@@ -108,4 +108,25 @@ std::optional<OutputFile> choose_with_dialog(SaveDialog& dialog, std::wstring fo
     }
 }
 
+std::optional<OutputFile> choose_in_folder(SaveDialog& dialog, const std::wstring& folder,
+                                           std::wstring_view title, SameName rule, const NameLimits& limits) {
+    const auto path = find_safe_path(folder, title, 0, limits);
+    if (rule == SameName::kOverwrite && path && qk::is_folder(folder))
+        return OutputFile{*path, false};
+    if (rule != SameName::kOverwrite && path) {
+        const Reservation result = reserve(*path);
+        if (result == Reservation::kMade)
+            return OutputFile{*path, true};
+        if (result == Reservation::kTaken && rule == SameName::kNumber)
+            return find_numbered(folder, title, limits);
+        if (result == Reservation::kTaken && rule == SameName::kRefuse) {
+            dialog.refuse(
+                *path,
+                L"A file of this name exists already, and the print setting keeps it. No PDF is made.");
+            return std::nullopt;
+        }
+    }
+    return choose_with_dialog(dialog, folder, title, rule, limits);
+}
+
 }  // namespace companions

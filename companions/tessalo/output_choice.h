@@ -63,4 +63,10 @@ public:
                                                            std::wstring_view title, SameName rule,
                                                            const NameLimits& limits);
 
+// The file of a job whose setting has a fixed folder: asks only where the name is taken and the rule is kAsk,
+// or where no file can be made. Nothing when the rule refuses the name, which is told, or the user cancelled.
+[[nodiscard]] std::optional<OutputFile> choose_in_folder(SaveDialog& dialog, const std::wstring& folder,
+                                                         std::wstring_view title, SameName rule,
+                                                         const NameLimits& limits);
+
 }  // namespace companions

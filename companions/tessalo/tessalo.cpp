@@ -70,8 +70,11 @@ std::optional<OutputFile> choose(const dialog_library::WorkingRecord& record) {
     const std::wstring ini = ini_path();
     if (!companions::unattended(ini)) {
         companions::SystemSaveDialog dialog;
-        return choose_with_dialog(dialog, companions::dialog_folder(asked_folder, general), title, rule,
-                                  limits);
+        const std::wstring folder = companions::dialog_folder(asked_folder, general);
+        if (!companions::has_fixed_folder(general))
+            return choose_with_dialog(dialog, folder, title, rule, limits);
+        ForceDirectories(folder);
+        return choose_in_folder(dialog, folder, title, rule, limits);
     }
     const std::wstring folder = companions::unattended_folder(asked_folder, general, ini);
     ForceDirectories(folder);

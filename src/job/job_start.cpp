@@ -10,30 +10,23 @@
 #include "common/qk/memory_probe.h"
 #include "common/qk/override_ini.h"
 #include "common/qk/paths.h"
-#include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/qk/text.h"
 #include "common/threadprop.h"
 #include "common/qk/trace.h"
 #include "job/dialog_record.h"
 #include "job/document_event.h"
-#include "job/output_intent.h"
+#include "job/job_setting.h"
 #include "job/output_name.h"
-#include "print_settings/printer_setting.h"
-#include "resources/ids.h"
 
 namespace job {
 
 namespace {
 
-using Corvanta::Vantrix::PrintSettings::load_printer_setting;
-using Corvanta::Vantrix::PrintSettings::PrinterSetting;
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
 using Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin;
 using pd_tk::TeskelCustom2021;
 
-constexpr unsigned long kNoSettingFile = 100;
-constexpr unsigned long kBadSettingFile = 101;
 constexpr DWORD kPrintCancelled = 2153;  // what print systems look for; the system's own name stands for 63
 constexpr int kHandedOver = 555;         // the library's flag byte counts more than its result
 constexpr DWORD kUncheckedModes[] = {2, 3};
@@ -64,8 +57,8 @@ std::wstring document_name_of(const void* in, ULONG in_size, bool& given) {
 
 void notify(const Refusal& refusal) {
     TRACE_F(L"refused: %lu", refusal.code);
-    const std::wstring caption = qk::load_string(refusal.caption_id) + refusal.caption_end;
-    ZRTK_ErrorNotify(caption, nullptr, refusal.code, 0, qk::load_string(IDS_JOB_FAILED), caption);
+    const std::wstring caption = caption_of(refusal);
+    ZRTK_ErrorNotify(caption, nullptr, refusal.code, 0, refusal_message(), caption);
 }
 
 class JobStart {
@@ -102,26 +95,10 @@ private:
 
     void load_settings() {
         const std::wstring name = GetSettingFileNameFromFD(library_.get(), printer_name_);
-        switch (load_printer_setting(name, settings_)) {
-            case PrinterSetting::kNone:  // what the administrator forces holds for the defaults too
-                if (!settings_.LoadDefaults())
-                    refuse(
-                        {kBadSettingFile, IDS_BAD_SETTING_FILE, Corvanta::Vantrix::Administrator::kFileName});
-                break;
-            case PrinterSetting::kMissing:
-                refuse({kNoSettingFile, IDS_NO_SETTING_FILE, name});
-            case PrinterSetting::kBad:
-                refuse({kBadSettingFile, IDS_BAD_SETTING_FILE, name});
-            case PrinterSetting::kLoaded:
-                TRACE("sd3");
+        if (const auto refusal = load_job_setting(name, settings_)) {
+            notify(*refusal);
+            throw NoJob{ERROR_SUCCESS};  // the user has been told
         }
-        if (const auto refusal = find_refusal(settings_))
-            refuse(*refusal);
-    }
-
-    [[noreturn]] static void refuse(const Refusal& refusal) {
-        notify(refusal);
-        throw NoJob{ERROR_SUCCESS};  // the user has been told
     }
 
     void name_output() {

@@ -13,7 +13,7 @@
 
 namespace Corvanta::Vantrix::PrintSettings::display {
 
-// One value as a person reads it: texts in quotation marks, codes by name.
+// One value as a person reads it: texts in quotation marks, or "(empty)"; codes by name.
 [[nodiscard]] std::wstring show(const FieldInfo& field, bool value);
 [[nodiscard]] std::wstring show(const FieldInfo& field, int64_t value);
 [[nodiscard]] std::wstring show(const FieldInfo& field, double value);
@@ -69,7 +69,7 @@ private:
     template <class Value>
     void compare_values(const std::wstring& path, const FieldInfo& field, const Value& older,
                         const Value& newer) {
-        if (!(older == newer))
+        if (!(older == newer) || (field.shown == Shown::kPaper && older_paper_ != newer_paper_))
             tell(join(path, field), field, older, newer);
     }
 
@@ -78,10 +78,16 @@ private:
         if (field.shown == Shown::kSecret)
             lines_.push_back(secret_change(what));
         else if (field.shown == Shown::kPaper)
-            lines_.push_back(Changed2Str(what, older_paper_.empty() ? show(field, older) : older_paper_,
-                                         newer_paper_.empty() ? show(field, newer) : newer_paper_));
+            tell_paper(what, show(field, older), show(field, newer));
         else
             lines_.push_back(Changed2Str(what, show(field, older), show(field, newer)));
+    }
+
+    // By the names, unless they do not tell the two apart.
+    void tell_paper(const std::wstring& what, const std::wstring& older, const std::wstring& newer) {
+        const bool named = older_paper_ != newer_paper_;
+        lines_.push_back(Changed2Str(what, named && !older_paper_.empty() ? older_paper_ : older,
+                                     named && !newer_paper_.empty() ? newer_paper_ : newer));
     }
 
     template <SectionHandle Handle>

@@ -46,11 +46,8 @@ std::wstring shortened(std::wstring text) {
     return text;
 }
 
-// The additional values that the settings dialog writes.
-constexpr struct {
-    std::wstring_view key;
-    UINT name;
-} kNamedKeys[] = {{L"PaperName", IDS_PS_PAPER_NAME}, {L"OutputCondition", IDS_PS_CONDITION}};
+constexpr wchar_t kPaperNameKey[] = L"PaperName";  // additional values that the settings dialog writes
+constexpr std::wstring_view kConditionKey = L"OutputCondition";
 
 std::wstring name_text(UINT id) {
     return plain(qk::load_string(id));
@@ -59,9 +56,23 @@ std::wstring name_text(UINT id) {
 // The paper's name as the setting has it, else as it is known here.
 std::wstring paper_of(const PrintSettings& settings, const PaperNames& paper_name) {
     const auto& texts = settings.addition()->Str;
-    if (const auto own = texts.find(L"PaperName"); own != texts.end() && !own->second.empty())
+    if (const auto own = texts.find(kPaperNameKey); own != texts.end() && !own->second.empty())
         return shortened(own->second);
     return paper_name ? paper_name(settings.general()->PaperName) : std::wstring();
+}
+
+// A paper is told in one line: of another one, neither the size that comes with it nor the name kept beside
+// it.
+void leave_paper_to_its_line(PrintSettings& older, PrintSettings& newer) {
+    auto& before = *older.general();
+    const auto& after = *newer.general();
+    if (before.PaperName != after.PaperName && before.PaperType == General_impl::kForm &&
+        after.PaperType == General_impl::kForm) {
+        before.PaperWidth = after.PaperWidth;
+        before.PaperHeight = after.PaperHeight;
+    }
+    for (PrintSettings* settings : {&older, &newer})
+        settings->addition()->Str.erase(kPaperNameKey);
 }
 
 }  // namespace
@@ -101,13 +112,10 @@ std::wstring show(const FieldInfo&, double value) {
     return qk::format(L"%g", value);
 }
 std::wstring show(const FieldInfo&, const std::wstring& value) {
-    return L"\"" + shortened(value) + L"\"";
+    return value.empty() ? nothing() : L"\"" + shortened(value) + L"\"";
 }
 std::wstring show_name(const std::wstring& name) {
-    for (const auto& known : kNamedKeys)
-        if (name == known.key)
-            return name_text(known.name);
-    return shortened(name);
+    return name == kConditionKey ? name_text(IDS_PS_CONDITION) : shortened(name);
 }
 std::wstring nothing() {
     return qk::load_string(IDS_PS_NOTHING);
@@ -151,8 +159,11 @@ std::vector<std::wstring> Changed2Str(const PrintSettings& older, const PrintSet
                                       const PaperNames& paper_name) {
     TRACE("Changed2Str");
     std::vector<std::wstring> lines;
+    PrintSettings before = older;
+    PrintSettings after = newer;
+    display::leave_paper_to_its_line(before, after);
     display::Differences(lines, display::paper_of(older, paper_name), display::paper_of(newer, paper_name))
-        .compare({}, *older, *newer);
+        .compare({}, *before, *after);
     return lines;
 }
 

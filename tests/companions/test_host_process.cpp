@@ -96,6 +96,8 @@ TEST_F(HostProcess, RefusedJobSaysWhy) {
     EXPECT_EQ(number("last_error"), 0);
     EXPECT_EQ(sent_events(), "14 1 2 5 10 ");
     EXPECT_NE(text("fault").find("log file"), std::string::npos) << text("fault");
+    EXPECT_EQ(text("caption"), "Colour profile not found: there is no such profile");
+    EXPECT_NE(text("message"), "");
     EXPECT_TRUE(report_.get("start_record").is<picojson::null>());
     EXPECT_FALSE(qk::is_file(pdf_));
     ASSERT_EQ(print(L""), 0) << "the choice ended with its job";
@@ -131,6 +133,8 @@ TEST_F(HostProcess, SheetGivesBackTheSettingOnOkOnly) {
     }
     EXPECT_EQ(run(L"properties --printer --press cancel"), 0);
     EXPECT_EQ(text("result_name"), "cancelled");
+    EXPECT_EQ(run(L"properties --setting nosuch --press cancel"), 2);
+    EXPECT_EQ(text("fault"), "there is no print setting nosuch");
 }
 
 TEST_F(HostProcess, SettingsAreCheckedAndCompared) {
@@ -144,7 +148,8 @@ TEST_F(HostProcess, SettingsAreCheckedAndCompared) {
                        bad = file(L"bad.ps4", "500");
     const std::tuple<std::wstring, int, const char*> rows[] = {
         {L"check" + good + other, 0, "\"faults\":[]"},
-        {L"check" + good + bad, 1, "General.Scale: 500 is out of its range; 400 is used"},
+        {L"check" + good + bad, 1, "General.Scale: 500 is out of its range (10 to 400); 400 is used"},
+        {L"check \"" + folder_.path() + L"\"", 1, "bad.ps4"},
         {L"check nowhere.ps4" + bad, 2, "there is no such file"},
         {L"diff" + good + good, 0, "\"changes\":[]"},
         {L"diff" + good + other, 1, "50"},

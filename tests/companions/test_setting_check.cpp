@@ -1,6 +1,7 @@
 // What people who write setting files by hand are told.
 #include <gtest/gtest.h>
 
+#include "companions/host/host_error.h"
 #include "companions/host/setting_check.h"
 #include "print_settings/PrintSettings.h"
 #include "support/installation.h"
@@ -34,20 +35,21 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
          "\xF0ZRTKS3\xF1",
          {L"this is a binary setting of an older version, and it is damaged"}},
         {L"values.ps4",
-         R"({"General": {"Scale": 9, "OpenPDF": 1.5, "Linearize": "no",
-            "PaperWidth": 25.4, "Sacle": 1}, "OpenAction": {"StartPage": -1}, "Watermark": {"PictureScale":
+         R"({"General": {"Scale": 9, "OpenPDF": 1.50, "Linearize": "no",
+            "PaperWidth": 1e5, "Sacle": 1}, "OpenAction": {"StartPage": -1}, "Watermark": {"PictureScale":
             4294967295, "TextColor": 16777216, "Text": 5}, "Security": {"Level": 4294967295},
             "Notification": {"V6": {"ID_Low": -5, "PrintError": "x"}}, "Administrator": {}})",
          {L"PSComment: is missing; the whole file cannot be loaded without it, [] will do",
           L"Administrator: counts in administrator.ps4a only; it is ignored",
           L"General.Linearize: has to be true or false; true is used",
-          L"General.OpenPDF: 1.5 is no whole number; 1 is used",
+          L"General.OpenPDF: 1.50 is no whole number; 1 is used",
+          L"General.PaperWidth: 1e5 is out of its range (25.4 to 3276.7); 3276.7 is used",
           L"General.Sacle: the driver knows no such key; it is ignored",
-          L"General.Scale: 9 is out of its range; 10 is used",
+          L"General.Scale: 9 is out of its range (10 to 400); 10 is used",
           L"Notification.V6.PrintError: \"x\" cannot be taken over; \"\" is used",
-          L"Security.Level: 4294967295 is out of its range; 5 is used",
+          L"Security.Level: 4294967295 is out of its range (0 to 5); 5 is used",
           L"Watermark.Text: has to be a text; \"CONFIDENTIAL\" is used",
-          L"Watermark.TextColor: 16777216 is out of its range; 0 is used"}},
+          L"Watermark.TextColor: 16777216 is out of its range (0 to 16777215); 0 is used"}},
         {L"kinds.ps4",
          R"({"PSComment": [[1], ["a", "b"]], "General": [],
             "Font": {"Fonts": ["a", 1]}, "Addition": {"Int": {"a": true}, "Bool_Array": {"b": [true, 1]}}})",
@@ -58,17 +60,49 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
           L"Addition.Bool_Array.b[1]: has to be true or false; the whole file cannot be loaded",
           L"PSComment: [1] is not kept as it is"}},
         {L"press.ps4",
-         R"({"PSComment": [], "PDFVersion": {"Version": 6, "ICCFileName": "x"}})",
-         {L"PDFVersion: a job is refused with error 164: Colour profile not found: x"}},
+         R"({"PSComment": [], "PDFVersion": {"Version": 6, "ICCFileName": "x"}, "General": {"URLLink": true},
+            "Security": {"UserPassword": "a"}})",
+         {L"PDFVersion: a job is refused with error 164: Colour profile not found: x",
+          L"General.URLLink: a PDF/X file cannot hold links: none are made",
+          L"Security.UserPassword: PDF/A and PDF/X allow no passwords: the document is not protected"}},
+        {L"twice.ps4",
+         "{\"PSComment\": [], \"General\": {\"Scale\": 50, \"Scale\": 60},\n"
+         "\"Watermark\": {\"Text\": \"}\\\"\xFF\"}, \"General\": {\"Scale\": 5e1}}\n more",
+         {L"General.Scale: is given more than once; the last one counts",
+          L"General: is given more than once; the last one counts",
+          L"line 3: what stands behind the object is ignored",
+          L"line 2 is not UTF-8 throughout; each wrong byte is read as U+FFFD"}},
+        {L"nowhere.ps4",
+         R"({"PSComment": [], "General": {"SaveStyle": 1}, "Watermark": {"Style": 2},
+            "PDFVersion": {"ICCFileName": "x"}, "Security": {"MasterPassword": "a b", "UserPassword":
+            "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa)"
+         R"(aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa"}})",
+         {L"General.SaveStyle: 1 is a fixed folder, but OutputFolder names none",
+          L"Watermark.Style: 2 is a picture, but PictureFileName names none",
+          L"PDFVersion.ICCFileName: there is no colour profile x",
+          L"Security.MasterPassword: has a character that this PDF version cannot take; PDF 2.0 (12) takes "
+          L"every one",
+          L"Security.UserPassword: is longer than 127 bytes of UTF-8"}},
+        {L"lost.ps4",
+         R"({"PSComment": [], "General": {"OutputFolder": "Q:\\none"},
+            "Watermark": {"Style": 2, "PictureFileName": "Q:\\x.png"},
+            "Security": {"MasterPassword": "a", "UserPassword": "a"}})",
+         {L"General.OutputFolder: there is no folder Q:\\none",
+          L"Watermark.PictureFileName: there is no file Q:\\x.png",
+          L"Security.UserPassword: is the same as MasterPassword: whoever opens the document has every "
+          L"permission"}},
         {L"administrator.ps4a",
          R"({"Administrator": {"PSFile": "Q:\\x.ps4", "NoSettingTabs": 1,
-            "PDFFileName": "a"}, "Color": {"ColorMode": "grey"}, "Security": {"UserPassword": "secret"},
+            "PDFFileName": "Q:\\a", "OutputFolder": "Q:\\b"}, "Color": {"ColorMode": "grey"}, "Security": {"UserPassword": "secret"},
             "Font": {"Fonts": ["a"]}})",
          {L"Administrator.NoSettingTabs: has to be true or false; false is used",
+          L"Administrator.PDFFileName: holds a folder; only the name behind it counts, and OutputFolder "
+          L"takes the folder",
+          L"Administrator.OutputFolder: there is no folder Q:\\b",
           L"Administrator.PSFile: there is no file Q:\\x.ps4",
           L"Color.ColorMode: has to be a number; the user's value stays"},
-         {L"Administrator.PDFFileName = \"a\"", L"Administrator.PSFile = \"Q:\\x.ps4\"",
-          L"Font.Fonts = [\"a\"]", L"Security.UserPassword"}}};
+         {L"Administrator.OutputFolder = \"Q:\\b\"", L"Administrator.PDFFileName = \"Q:\\a\"",
+          L"Administrator.PSFile = \"Q:\\x.ps4\"", L"Font.Fonts = [\"a\"]", L"Security.UserPassword"}}};
     here.user.set_text(Installation::kKey, L"Language", L"en");
     for (const auto& row : rows) {
         const auto findings = host::check_setting(here.folder.write(
@@ -80,6 +114,9 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
     }
     EXPECT_FALSE(host::check_setting(here.folder.file(L"none.ps4")).readable);
     EXPECT_FALSE(host::check_setting(here.folder.path()).readable);
+    EXPECT_EQ(host::setting_files(here.folder.path()).front(), here.folder.file(L"administrator.ps4a"));
+    EXPECT_GT(host::setting_files(here.folder.path() + L"\\").size(), 10u);
+    EXPECT_THROW((void)host::setting_files(L"C:\\windows\\fonts"), host::HostError);
     // A file that the driver writes has no fault.
     ASSERT_TRUE(Corvanta::Vantrix::PrintSettings::PrintSettings().Save(here.folder.file(L"own.ps4")));
     EXPECT_EQ(host::check_setting(here.folder.file(L"own.ps4")).faults, none);

@@ -140,6 +140,38 @@ TEST(OutputChoice, DialogAnswersFollowTheRule) {
     }
 }
 
+TEST(OutputChoice, AFixedFolderAsksNothingUnlessTheRuleSaysSo) {
+    const struct {
+        SameName rule;
+        const wchar_t *title, *name;  // empty: no PDF; "new.pdf" is the dialog's answer
+        bool reserved;
+        size_t asked;
+        int refusals;
+    } rows[] = {{SameName::kAsk, L"free", L"free.pdf", true, 0, 0},
+                {SameName::kAsk, L"old", L"new.pdf", true, 1, 0},
+                {SameName::kOverwrite, L"old", L"old.pdf", false, 0, 0},
+                {SameName::kNumber, L"old", L"old(1).pdf", true, 0, 0},
+                {SameName::kRefuse, L"old", L"", false, 0, 1},
+                {SameName::kRefuse, L"free", L"free.pdf", true, 0, 0}};
+    const TempFolder elsewhere;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        const TempFolder folder;
+        folder.write(L"old.pdf", "old");
+        ScriptedDialog dialog;
+        dialog.answers = {folder.file(L"new.pdf")};
+        const auto file = choose_in_folder(dialog, folder.path(), row.title, row.rule, {});
+        EXPECT_EQ(file ? file->path : L"", *row.name ? folder.file(row.name) : L"");
+        EXPECT_EQ(file && file->reserved, row.reserved);
+        EXPECT_EQ(dialog.asked, row.asked);
+        EXPECT_EQ(dialog.refusals, row.refusals);
+        EXPECT_EQ(TempFolder::read(folder.file(L"old.pdf")), "old");
+        dialog.answers = {elsewhere.file(std::to_wstring(&row - rows))};
+        const auto other = choose_in_folder(dialog, folder.file(L"none"), row.title, row.rule, {});
+        EXPECT_EQ(other.has_value(), row.asked == 0) << "where no file can be made the dialog asks";
+    }
+}
+
 class Tessalo : public testing::Test {
 protected:
     Tessalo() {

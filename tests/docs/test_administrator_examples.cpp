@@ -69,7 +69,7 @@ void enter(const std::string& lines) {
 class AdministratorExamples : public JobTest {
 protected:
     AdministratorExamples() {
-        for (const wchar_t* name : {L"Shared", L"PrintLogs", L"Tools", L"Incoming"})
+        for (const wchar_t* name : {L"Shared", L"PrintLogs", L"Tools", L"Incoming", L"Outgoing"})
             ForceDirectories(drive_ + name);
         use_settings([](Settings& settings) { settings.summary()->Title = L"the user's"; });
         meddle = [this](dialog_library::WorkingRecord& record) {

@@ -1,6 +1,7 @@
 // Jobs that do not start: who is told what, and what is left behind.
 #include "job/job_fixture.h"
 #include "common/qk/resource_dll.h"
+#include "job/job_setting.h"
 #include "resources/ids.h"
 #include "support/profile_folder.h"
 #include "support/trace_capture.h"
@@ -101,6 +102,14 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
     }
     EXPECT_EQ(here.log(L"Error_7.log"), log_bytes(logged));
     EXPECT_EQ(script->file_calls, 5 * 4);
+    // A file that cannot be read may be the administrator's.
+    const job::Refusal unreadable = {101, IDS_BAD_SETTING_FILE, {}}, missing = {100, IDS_NO_SETTING_FILE, {}};
+    const std::wstring forced = here.folder.write(L"administrator.ps4a", "{"),
+                       good = here.folder.write(L"good.ps4", "\xEF\xBB\xBF{\"PSComment\": []}");
+    EXPECT_EQ(job::administrator_file_to_blame(unreadable, good), forced);
+    EXPECT_EQ(job::administrator_file_to_blame(unreadable, {}), forced);
+    EXPECT_EQ(job::administrator_file_to_blame(unreadable, rubbish), L"");
+    EXPECT_EQ(job::administrator_file_to_blame(missing, good), L"");
 }
 
 TEST_F(JobTest, WithoutTheDialogLibraryThereIsNoJob) {

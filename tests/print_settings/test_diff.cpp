@@ -16,11 +16,14 @@ TEST(SettingDifferences, AreSentencesForAPerson) {
         {R"({"Watermark": {"Text": "DRAFT"}})",
          {L"Watermark \u2013 Text: \"CONFIDENTIAL\" \u2192 \"DRAFT\""}},
         {R"({"General": {"Linearize": false, "OpenPDF": 3, "PaperName": 11, "PaperWidth": 100.5,
-                         "PaperOrientation": 1}})",
+                         "PaperOrientation": 1}})",  // the width comes with the paper
          {L"General \u2013 Optimise for web viewing: yes \u2192 no",
           L"General \u2013 Open the PDF afterwards: yes \u2192 yes, in another way (3)",
-          L"General \u2013 Paper: A4 \u2192 11", L"General \u2013 Width (mm): 210 \u2192 100.5",
-          L"General \u2013 Orientation: Portrait \u2192 Landscape"}},
+          L"General \u2013 Paper: A4 \u2192 11", L"General \u2013 Orientation: Portrait \u2192 Landscape"}},
+        {R"({"General": {"PaperType": 1, "PaperWidth": 100.5}})",
+         {L"General \u2013 Kind of paper: Standard paper \u2192 Custom size",
+          L"General \u2013 Width (mm): 210 \u2192 100.5"}},
+        {R"({"Addition": {"Str": {"PaperName": "Mine"}}})", {L"General \u2013 Paper: A4 \u2192 Mine"}},
         {R"({"Compression": {"Mono": {"ResolutionTarget": 600}}})",
          {L"Compression \u2013 Monochrome images \u2013 Reduced to (dpi): 1200 \u2192 600"}},
         {R"({"PDFVersion": {"Version": 6, "TrimBox": {"left": 3}}})",
@@ -31,20 +34,19 @@ TEST(SettingDifferences, AreSentencesForAPerson) {
           L"Watermark \u2013 Colour: #FF0000 \u2192 #563412",
           L"Watermark \u2013 Size (pt): automatic \u2192 12"}},
         {R"({"OpenAction": {"StartPage": 4294967295}, "Font": {"Fonts": ["A", "B"]}})",
-         {L"Fonts \u2013 Listed fonts: \"\" \u2192 \"A\", \"B\"",
+         {L"Fonts \u2013 Listed fonts: (empty) \u2192 \"A\", \"B\"",
           L"Opening \u2013 Start at a certain page: 1 \u2192 no"}},
         {R"({"Security": {"MasterPassword": "secret1", "UserPassword": "secret2"}})",
          {L"Security \u2013 Permissions password: changed", L"Security \u2013 Password to open: changed"}},
         {R"({"General": {"PaperName": 120}, "PSComment": [[-1, "a"]],
              "Addition": {"Str": {"PaperName": "Mine", "OutputCondition": "X"}, "Int": {"new": 5}}})",
-         {L"Comment \u2013 -1: (none) \u2192 \"a\"", L"General \u2013 Paper: A4 \u2192 Mine",
-          L"Additional values \u2013 new: (none) \u2192 5",
-          L"Additional values \u2013 Output condition: (none) \u2192 \"X\"",
-          L"Additional values \u2013 Paper: (none) \u2192 \"Mine\""}},
+         {L"Comment \u2013 -1: (empty) \u2192 \"a\"", L"General \u2013 Paper: A4 \u2192 Mine",
+          L"Additional values \u2013 new: (empty) \u2192 5",
+          L"Additional values \u2013 Output condition: (empty) \u2192 \"X\""}},
         {R"({"PSName": ")" + qk::to_utf8(most) +
              R"(\uD83D\uDDA8 and more", "Summary": {"Title": "%1\r\n%3"}})",
-         {L"Name of the setting: \"\" \u2192 \"" + most + L"\u2026\"",
-          L"Document \u2013 Title: \"\" \u2192 \"%1  %3\""}}};
+         {L"Name of the setting: (empty) \u2192 \"" + most + L"\u2026\"",
+          L"Document \u2013 Title: (empty) \u2192 \"%1  %3\""}}};
     for (const auto& [change, sentences] : rows) {
         ps::PrintSettings newer;
         EXPECT_EQ(newer.LoadPS4(change, true), ps::kLoaded);
@@ -58,7 +60,7 @@ TEST(SettingDifferences, NamedValuesOfAMapAreToldOneByOne) {
     older.addition()->Int = {{L"gone", 1}, {L"other", 2}, {L"same", 3}};
     newer.addition()->Int = {{L"other", 4}, {L"same", 3}};
     EXPECT_EQ(ps::Changed2Str(older, newer),
-              (std::vector<std::wstring>{L"Additional values \u2013 gone: 1 \u2192 (none)",
+              (std::vector<std::wstring>{L"Additional values \u2013 gone: 1 \u2192 (empty)",
                                          L"Additional values \u2013 other: 2 \u2192 4"}));
     newer.watermark()->Style = 2;
     const std::vector<std::wstring> codes = ps::Types2Str(newer);
