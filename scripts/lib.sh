@@ -1,16 +1,8 @@
 # What the scripts share: the project's folder, messages, locks, the Wine prefix. Sourced, not run.
-set -euo pipefail
-
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+. "$(dirname "${BASH_SOURCE[0]}")/wine.sh"
 export WINEPREFIX="${WINEPREFIX:-$root/build/wine}"
-export LC_ALL=C.UTF-8
 export ZR_VIEWER="${ZR_VIEWER:-none}"  # no finished PDF opens a window
-export WINEDEBUG="${WINEDEBUG:--all}"
-export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml,winedbg.exe=}"
 mkdir -p "$root/build"
-
-say() { printf '==> %s\n' "$*"; }
-fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
 
 # Runs a command while no other run of the project's scripts does the same kind of work.
 alone() {  # alone KIND COMMAND...

@@ -1,9 +1,10 @@
-# What scripts/install and scripts/uninstall share: the user's own Wine prefix. Sourced, not run.
-own_prefix=${WINEPREFIX:-$HOME/.wine}
-. "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
-export WINEPREFIX=$own_prefix
+# What scripts/install, scripts/uninstall and scripts/print share: the user's own Wine prefix. In the package they are
+# the commands vantrix-install, vantrix-uninstall and vantrix-print. Sourced, not run.
+. "$(dirname "$(realpath "${BASH_SOURCE[0]}")")/wine.sh"
+export WINEPREFIX="${WINEPREFIX:-$HOME/.wine}"
 
-usage() { sed -n 's/^#   \(scripts\/\)/usage: \1/p' "$0" >&2; exit 2; }
+usage() { sed -n 's/^#   \(.*\[--prefix DIR\]\)/usage: \1/p' "$0" >&2; exit 2; }
+help() { sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0"; exit 0; }
 
 # The prefix has to be there: making one is the user's affair.
 find_prefix() {
@@ -13,13 +14,14 @@ find_prefix() {
     WINEPREFIX=$(realpath "$WINEPREFIX")
 }
 
+# The built tree: the one that $ZR_STAGE names, the package's, or the project's, built first.
 find_stage() {
-    if [ -n "${ZR_STAGE:-}" ]; then
-        stage=$(realpath "$ZR_STAGE")
-    else
+    stage=${ZR_STAGE:-$root/stage}
+    if [ ! -d "$stage" ]; then
         "$root/scripts/build"
         stage=$root/build/stage
     fi
+    stage=$(realpath "$stage")
 }
 
 # Not through a pipe: processes of Wine that stay for a while would keep it open.
