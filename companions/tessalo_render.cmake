@@ -3,6 +3,7 @@ add_library(zr_companions STATIC
     command_line.cpp
     render/arguments.cpp
     render/ascii85.cpp
+    render/cancelling.cpp
     render/engine.cpp
     render/engine_arguments.cpp
     render/engine_log.cpp

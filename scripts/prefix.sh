@@ -1,15 +1,17 @@
-# What scripts/install and scripts/uninstall share: the user's own Wine prefix. Sourced, not run.
+# What scripts/install, scripts/uninstall and scripts/print share: the user's own Wine prefix. In the package they are
+# the commands vantrix-install, vantrix-uninstall and vantrix-print. Sourced, not run.
 prefix=own
 ZR_PREFIX=${ZR_PREFIX:-${WINEPREFIX:-$HOME/.wine}}
-. "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+. "$(dirname "$(realpath "${BASH_SOURCE[0]}")")/wine.sh"
 
+# The built tree: the one that $ZR_STAGE names, the package's, or the project's, built first.
 find_stage() {
-    if [ -n "${ZR_STAGE:-}" ]; then
-        stage=$(realpath "$ZR_STAGE")
-    else
+    stage=${ZR_STAGE:-$root/stage}
+    if [ ! -d "$stage" ]; then
         "$root/scripts/build"
         stage=$root/build/stage
     fi
+    stage=$(realpath "$stage")
 }
 
 # Not through a pipe: processes of Wine that stay for a while would keep it open.

@@ -15,9 +15,12 @@ struct RenderJob {
     std::wstring spool;    // path of the spooled PostScript
     std::wstring setting;  // empty: the printer's
     bool keep_spool;
-    // Returns when the process has ended. Empty: this thread just waits, and the renderer's streams are this
-    // program's standard error stream; else the renderer has neither streams nor a window.
-    std::function<void(HANDLE process)> wait = {};
+    // Returns when the process has ended; `lines` is a pipe of what it says (companions/render/console.h),
+    // null for want of one, and has to be emptied under way. Without a function this thread just waits, and
+    // the renderer's streams are this program's standard error stream; with one it has no other streams and
+    // no window.
+    std::function<void(HANDLE process, HANDLE lines)> wait = {};
+    std::wstring cancel = {};  // event that gives the job up when it is set; may be empty
 };
 
 // Runs the renderer of the installation folder to its end. It writes the result record's long texts into

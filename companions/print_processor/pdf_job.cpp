@@ -15,6 +15,7 @@
 #include "companions/host/host_error.h"
 #include "companions/host/record_fields.h"
 #include "companions/host/renderer.h"
+#include "companions/print_processor/renderer_watch.h"
 
 namespace processor {
 
@@ -25,24 +26,6 @@ constexpr LONG kFailure = -1;
 void tell(DWORD code, const std::wstring& what) {
     const std::wstring caption = qk::kProductName;
     ZRTK_ErrorNotify(caption, nullptr, code, 0, L"No PDF file was created: " + what + L".", caption);
-}
-
-// The program's windows are drawn while its thread waits here; anything else that it gets has to stay in the
-// queue, since the program does not expect it inside of this call.
-void wait_painting(HANDLE process) {
-    constexpr DWORD kBetweenPaints = 20;  // milliseconds; a window that never becomes valid costs little then
-    constexpr int kMostAtOnce = 32;
-    while (MsgWaitForMultipleObjects(1, &process, FALSE, INFINITE, QS_PAINT | QS_SENDMESSAGE) ==
-           WAIT_OBJECT_0 + 1) {
-        MSG message = {};
-        for (int painted = 0;
-             painted < kMostAtOnce &&
-             PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE | PM_QS_PAINT | PM_QS_SENDMESSAGE);
-             ++painted)
-            DispatchMessageW(&message);
-        if (WaitForSingleObject(process, kBetweenPaints) != WAIT_TIMEOUT)
-            return;
-    }
 }
 
 std::wstring module_path(HANDLE printer) {
@@ -69,12 +52,20 @@ public:
             return tell_refusal(events_.last_error());
         events_.start_doc_post(static_cast<int>(job_.number));
         std::vector<wchar_t> arena(32 * 1024);  // for the texts of the result
+        RendererWatch watch(job_.document, spool_);
         try {
-            end(host::run_renderer({GetCurrentThreadId(), job_.printer, spool_, L"", false, &wait_painting},
-                                   arena));
+            const DWORD exit_code =
+                host::run_renderer({GetCurrentThreadId(), job_.printer, spool_, L"", false,
+                                    [&watch](HANDLE process, HANDLE lines) { watch.wait(process, lines); },
+                                    watch.cancel_event()},
+                                   arena);
+            // Who cancels too late has the PDF.
+            if (watch.cancelled() && exit_code != 0)
+                abort();
+            else
+                end(exit_code);
         } catch (const host::HostError& error) {
-            host::discard_reserved_file(GetCurrentThreadId());
-            events_.send(DOCUMENTEVENT_ABORTDOC);
+            abort();
             tell(ERROR_FILE_NOT_FOUND, error.text);
         }
     }
@@ -84,6 +75,11 @@ private:
     static void tell_refusal(DWORD error) {
         if (error != ERROR_SUCCESS && !host::means_cancelled(error))
             tell(error, host::with_reason(L"the document cannot be started", error));
+    }
+
+    void abort() {
+        host::discard_reserved_file(GetCurrentThreadId());
+        events_.send(DOCUMENTEVENT_ABORTDOC);
     }
 
     void end(DWORD exit_code) {

@@ -27,6 +27,7 @@ void add_options(CLI::App& app, Arguments& to, std::vector<uint64_t>& arena) {
         ->expected(3)
         ->multi_option_policy(CLI::MultiOptionPolicy::Throw)
         ->check(above_zero);
+    add_text(app, "--cancel", to.cancel, "event that is set when the job is to be given up");
     app.add_flag("--keep-spool", to.keep_spool, "leave the spooled file where it is");
     app.callback([discard, printer = needed[0], spool = needed[1]] {
         for (const CLI::Option* option : {printer, spool})

@@ -24,6 +24,7 @@ struct Arguments {
     std::wstring spool;
     std::wstring setting;  // empty: the printer's
     std::optional<TextArena> arena;
+    std::wstring cancel;  // event that whoever waits sets when the job is to be given up; may be empty
     bool keep_spool = false;
     bool discard = false;  // only take back what was reserved for a job that ends without a PDF
 };

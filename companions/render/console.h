@@ -7,8 +7,12 @@
 
 namespace companions::render {
 
+// What stands before each line, and in the line before the number of a page that is done.
+inline constexpr char kSpeaker[] = "zr_render: ";
+inline constexpr char kPageWord[] = "page ";
+
 inline void tell(std::FILE* stream, const std::string& line) {
-    std::fprintf(stream, "zr_render: %s\n", line.c_str());
+    std::fprintf(stream, "%s%s\n", kSpeaker, line.c_str());
     std::fflush(stream);
 }
 inline void say(const std::string& line) {

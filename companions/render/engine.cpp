@@ -6,7 +6,9 @@
 
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
+#include "common/qk/paths.h"
 #include "companions/command_line.h"
+#include "companions/render/cancelling.h"
 #include "companions/system_texts.h"
 #include "companions/thread.h"
 #include "companions/wine_layer.h"
@@ -17,12 +19,16 @@ namespace {
 
 constexpr DWORD kPollMilliseconds = 50;
 constexpr wchar_t kLogName[] = L"engine.log";
+constexpr wchar_t kPidName[] = L"engine.pid";
 
 // Limits the engine's processor time, since nobody could stop an endless document otherwise, and sends what
-// it prints to a file: a pipe of this process means nothing to a Unix program.
+// it prints to a file: a pipe of this process means nothing to a Unix program. A job that is given up ends it
+// by its number.
 constexpr char kScript[] =
-    "ulimit -t \"$1\" 2>/dev/null || :; log=$2; TMPDIR=$3; export TMPDIR; shift 3; "
+    "ulimit -t \"$1\" 2>/dev/null || :; log=$2; TMPDIR=$3; export TMPDIR; "
+    "echo $$ >\"$3/engine.pid\"; shift 3; "
     "exec \"$@\" >\"$log\" 2>&1 </dev/null";
+constexpr char kKill[] = "read pid <\"$1\" && kill \"$pid\"";
 constexpr int kShellNotStarted = 126;  // 126 not a program, 127 not found
 constexpr int kShellNotFound = 127;
 constexpr int kSignalled = 255;
@@ -70,12 +76,22 @@ Engine::End unix_end(std::optional<int> code) noexcept {
     return *code == 0 ? Engine::End::kDone : Engine::End::kFailed;
 }
 
-Engine::End run_unix(const std::vector<std::string>& command, Tail& tail) {
+// The engine must not have been waited for: its number could be another program's.
+void kill_unix(const std::wstring& pid_file) {
+    if (const auto path = wine::find_unix_path(pid_file); path && qk::is_file(pid_file))
+        static_cast<void>(
+            wine::run_unix_program(std::vector<std::string>{"/bin/sh", "-c", kKill, "zr_render", *path}));
+}
+
+Engine::End run_unix(const std::vector<std::string>& command, const std::wstring& pid_file, Tail& tail) {
     std::optional<int> code;
     {
         const Thread running([&] { code = wine::run_unix_program(command); });
-        while (!running.ended_within(kPollMilliseconds))
+        while (!running.ended_within(kPollMilliseconds)) {
             tail.read();
+            if (cancelled())
+                kill_unix(pid_file);
+        }
     }
     tail.read();
     return unix_end(code);
@@ -128,7 +144,7 @@ Engine::End run_windows(const std::wstring& program, const std::wstring& command
     const auto last = std::chrono::steady_clock::now() + std::chrono::seconds(time_limit());
     while (WaitForSingleObject(process.get(), kPollMilliseconds) == WAIT_TIMEOUT) {
         tail.read();
-        if (std::chrono::steady_clock::now() > last) {
+        if (cancelled() || std::chrono::steady_clock::now() > last) {
             TerminateProcess(process.get(), ERROR_TIMEOUT);
             return Engine::End::kStopped;
         }
@@ -178,11 +194,15 @@ std::vector<std::string> Engine::unix_command(const std::vector<std::string>& ar
 
 Engine::End Engine::run(const std::vector<std::string>& arguments, const std::wstring& scratch,
                         const std::function<void(std::string_view)>& output) const {
+    if (cancelled())
+        return End::kStopped;
     const std::wstring log = scratch + L'\\' + kLogName;
-    DeleteFileW(log.c_str());  // a program that starts slowly would leave the one before to be read
+    const std::wstring pid_file = scratch + L'\\' + kPidName;
+    for (const std::wstring& old : {log, pid_file})
+        DeleteFileW(old.c_str());  // a program that starts slowly would leave those of the one before
     Tail tail(log, output);
     if (unix_)
-        return run_unix(unix_command(arguments, scratch, log), tail);
+        return run_unix(unix_command(arguments, scratch, log), pid_file, tail);
     std::vector<std::wstring> words = {program_};
     for (const std::string& argument : arguments)
         words.push_back(qk::to_wide(argument));

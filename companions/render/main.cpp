@@ -11,6 +11,7 @@
 #include "common/qk/MMF.h"
 #include "common/job_records.h"
 #include "common/qk/text.h"
+#include "companions/render/cancelling.h"
 #include "companions/render/console.h"
 #include "companions/render/render_job.h"
 #include "companions/reservation.h"
@@ -64,6 +65,7 @@ int run(std::span<const wchar_t* const> words) {
         discard_reserved(*start);
         return kExitDone;
     }
+    listen_for_cancel(parsed.arguments.cancel);
     const JobBlock<ZRTKPrintInfo> result_block(kResultBlockName, parsed.arguments.thread);
     return report(render(parsed.arguments, *start), parsed.arguments, result_block.find());
 }

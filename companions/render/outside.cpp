@@ -11,6 +11,7 @@
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
 #include "companions/command_line.h"
+#include "companions/render/cancelling.h"
 
 namespace companions::render {
 
@@ -46,7 +47,7 @@ void StagePrograms::run(size_t stage, unsigned page) const {
     if (page > 0)
         words.push_back(std::to_wstring(page));
     if (const qk::HandleObj process = start(words); process)
-        WaitForSingleObject(process.get(), kStageSeconds * 1000);
+        wait_unless_cancelled(process.get(), kStageSeconds * 1000);
 }
 
 void open_with_viewer(const std::wstring& pdf) {

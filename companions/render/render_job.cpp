@@ -9,6 +9,7 @@
 #include "common/qk/paths.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/qk/text.h"
+#include "companions/render/cancelling.h"
 #include "companions/render/console.h"
 #include "companions/render/engine_arguments.h"
 #include "companions/render/engine_log.h"
@@ -87,13 +88,15 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
     const StagePrograms programs(title, target);
     programs.run(TeskelCustom2021::kDocStart);
     PdfMaker maker(settings, title, [&](unsigned page) {
-        say("page " + std::to_string(page));
+        say(kPageWord + std::to_string(page));
         programs.run(TeskelCustom2021::kPageStart, page);
         programs.run(TeskelCustom2021::kPageEnd, page);
     });
     rendered.pages = maker.draw(arguments.spool, landscape, drawn);
     PendingPdf& pdf = maker.finish(drawn, rewritten);
     rendered.bytes = pdf.size();
+    if (cancelled())
+        throw Failure{ResultCode::kEngineStopped, ERROR_CANCELLED, {}};
     pdf.take_its_place();
     programs.run(TeskelCustom2021::kDocEnd);
     if (settings.general()->OpenPDF != General_impl::kLeaveClosed &&
