@@ -10,6 +10,7 @@
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
 #include "companions/host/report_parts.h"
+#include "job/name_pattern.h"
 #include "job/output_intent.h"
 #include "print_settings/display.h"
 #include "print_settings/legacy_reader.h"
@@ -210,6 +211,14 @@ void check_job(const ps::PrintSettings& settings, bool administrator, SettingFin
                                         (administrator ? L" (unless the user's setting has it)" : L""));
 }
 
+void check_name(const std::wstring& place, std::wstring_view pattern, SettingFindings& findings) {
+    const std::wstring fault(job::find_pattern_fault(pattern));
+    if (fault.starts_with(L'{'))
+        findings.add(place, fault + L" stands for nothing; there are " + job::kNameWords);
+    else if (!fault.empty())
+        findings.add(place, L"a name cannot have a folder or drive (" + fault + L")");
+}
+
 // What stands beside the settings in an administrator's file.
 void check_own_values(const picojson::value& own, SettingFindings& findings) {
     if (!own.is<picojson::object>()) {
@@ -226,6 +235,7 @@ void check_own_values(const picojson::value& own, SettingFindings& findings) {
             used[field.key] = json_text(restriction.*field.member);
     });
     Comparison(findings, false).compare_members(L"Administrator", own.get<picojson::object>(), used);
+    check_name(L"Administrator.PDFFileName", restriction.PDFFileName, findings);
     if (restriction.PSFile.empty())
         return;
     if (!qk::is_file(restriction.PSFile))
@@ -249,6 +259,9 @@ void check_json(std::string_view text, bool administrator, SettingFindings& find
     Comparison(findings, administrator).compare_members(L"", members, used.get<picojson::object>());
     if (!administrator || !good)
         findings.forced.clear();  // a user's setting forces nothing
+    const auto& texts = settings.addition()->Str;
+    if (const auto name = texts.find(job::kFileNameKey); name != texts.end())
+        check_name(std::wstring(L"Addition.Str.") + job::kFileNameKey, name->second, findings);
     if (good)
         check_job(settings, administrator, findings);
 }

@@ -50,7 +50,9 @@ std::wstring shortened(std::wstring text) {
 constexpr struct {
     std::wstring_view key;
     UINT name;
-} kNamedKeys[] = {{L"PaperName", IDS_PS_PAPER_NAME}, {L"OutputCondition", IDS_PS_CONDITION}};
+} kNamedKeys[] = {{L"PaperName", IDS_PS_PAPER_NAME},
+                  {L"OutputCondition", IDS_PS_CONDITION},
+                  {L"FileName", IDS_PS_FILE_NAME}};
 
 std::wstring name_text(UINT id) {
     return plain(qk::load_string(id));

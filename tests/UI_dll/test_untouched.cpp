@@ -105,6 +105,10 @@ TEST_F(Untouched, WhatDoesNotGoTogetherStaysUntilItIsChanged) {
         [](auto& s) { s.general()->SaveStyle = 1, s.general()->OutputFolder = L"Q:\\there"; },
         [] { type(kGeneralPage, IDC_OUTPUT_FOLDER, L"Q:\\"); }, IDS_NO_OUTPUT_FOLDER, IDC_OUTPUT_FOLDER);
     expect(
+        "pattern of another version", kGeneralPage,
+        [](auto& s) { s.addition()->Str[L"FileName"] = L"{pages} {title}"; },
+        [] { type(kGeneralPage, IDC_FILE_NAME, L"{title} {pages}"); }, IDS_BAD_FILE_NAME, IDC_FILE_NAME);
+    expect(
         "links for the press", kGeneralPage,
         [&](auto& s) { s.general()->URLLink = true, press(s, L"press.icc"); }, [] { choose_version(7); },
         IDS_NO_LINKS, IDC_URL_LINK);

@@ -58,16 +58,21 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
           L"Addition.Bool_Array.b[1]: has to be true or false; the whole file cannot be loaded",
           L"PSComment: [1] is not kept as it is"}},
         {L"press.ps4",
-         R"({"PSComment": [], "PDFVersion": {"Version": 6, "ICCFileName": "x"}})",
-         {L"PDFVersion: a job is refused with error 164: Colour profile not found: x"}},
+         R"({"PSComment": [], "PDFVersion": {"Version": 6, "ICCFileName": "x"},
+            "Addition": {"Str": {"FileName": "{titel}"}}})",
+         {L"Addition.Str.FileName: {titel} stands for nothing; there are {title} {date} {time} {user} "
+          L"{printer} "
+          L"{counter}",
+          L"PDFVersion: a job is refused with error 164: Colour profile not found: x"}},
         {L"administrator.ps4a",
          R"({"Administrator": {"PSFile": "Q:\\x.ps4", "NoSettingTabs": 1,
-            "PDFFileName": "a"}, "Color": {"ColorMode": "grey"}, "Security": {"UserPassword": "secret"},
+            "PDFFileName": "a/{date}"}, "Color": {"ColorMode": "grey"}, "Security": {"UserPassword": "secret"},
             "Font": {"Fonts": ["a"]}})",
          {L"Administrator.NoSettingTabs: has to be true or false; false is used",
+          L"Administrator.PDFFileName: a name cannot have a folder or drive (/)",
           L"Administrator.PSFile: there is no file Q:\\x.ps4",
           L"Color.ColorMode: has to be a number; the user's value stays"},
-         {L"Administrator.PDFFileName = \"a\"", L"Administrator.PSFile = \"Q:\\x.ps4\"",
+         {L"Administrator.PDFFileName = \"a/{date}\"", L"Administrator.PSFile = \"Q:\\x.ps4\"",
           L"Font.Fonts = [\"a\"]", L"Security.UserPassword"}}};
     here.user.set_text(Installation::kKey, L"Language", L"en");
     for (const auto& row : rows) {

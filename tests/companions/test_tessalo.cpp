@@ -14,6 +14,7 @@
 #include "companions/tessalo/options.h"
 #include "companions/tessalo/output_choice.h"
 #include "companions/thread.h"
+#include "job/output_name.h"
 #include "print_settings/PrintSettings.h"
 #include "support/installation.h"
 #include "support/variable.h"
@@ -33,7 +34,7 @@ TEST(SafeName, TitlesBecomeFileNames) {
                                       {L" . .. ", L"no_name"},    {L".pdf", L"no_name"},
                                       {L"PRN.pdf", L"_PRN"},      {L"\ta\r\nb\x7f\x85", L"a  b"}};
     for (const auto& [title, stem] : rows)
-        EXPECT_EQ(companions::safe_stem(title), stem);
+        EXPECT_EQ(safe_stem(title), stem);
 }
 
 TEST(SafeName, LimitsCutTheStemOnly) {
@@ -84,6 +85,37 @@ TEST(OutputChoice, SameNameRulesWithNobodyWatching) {
         EXPECT_EQ(TempFolder::read(folder.file(L"a.pdf")), row.exists ? "old" : "");
         EXPECT_EQ(folder.count(), size_t{row.exists} + row.reserved);
     }
+}
+
+TEST(OutputChoice, NamesThatCountTakeTheFirstFreeNumber) {
+    const auto scan = [](unsigned number) { return L"Scan " + std::to_wstring(number); };
+    const companions::WantedName counted{scan, true, true},
+        plain{[](unsigned) { return L"Plain"; }, false, true};
+    const auto cut = [](unsigned number) { return L"Scans of May " + std::to_wstring(number); };
+    const TempFolder folder;
+    for (const wchar_t* taken : {L"Scan 1.pdf", L"Scan 3.pdf", L"Plain.pdf", L"Scans.pdf"})
+        folder.write(taken, "old");
+    EXPECT_EQ(find_free_title(folder.path(), counted, {}), L"Scan 2");
+    const NameLimits nine = {9, SIZE_MAX, 259};
+    const struct {
+        const companions::WantedName name;
+        SameName rule;
+        const wchar_t* file;  // empty: somebody has to be asked
+        bool reserved = true;
+        NameLimits limits = {};
+    } rows[] = {{counted, SameName::kOverwrite, L"Scan 2.pdf"},
+                {counted, SameName::kRefuse, L"Scan 4.pdf"},
+                {{cut, true, true}, SameName::kOverwrite, L"Sc(1).pdf", true, nine},
+                {plain, SameName::kOverwrite, L"Plain.pdf", false},
+                {plain, SameName::kNumber, L"Plain(1).pdf"},
+                {plain, SameName::kAsk, L"", false},
+                {plain, SameName::kRefuse, L"", false}};
+    for (const auto& row : rows) {
+        const auto file = choose_without_asking(folder.path(), row.name, row.rule, row.limits);
+        EXPECT_EQ(file ? file->path : L"", *row.file ? folder.file(row.file) : L"");
+        EXPECT_EQ(file && file->reserved, row.reserved);
+    }
+    EXPECT_FALSE(choose_without_asking(folder.file(L"none"), counted, SameName::kOverwrite, {}));
 }
 
 TEST(OutputChoice, JobsOfOneTitleAtOnceGetNamesOfTheirOwn) {
@@ -241,9 +273,18 @@ TEST_F(Tessalo, NameIsTheDocumentsDefaultOneMadeSafe) {
         record_.title.lend(row.title, units);
         EXPECT_EQ(ask(folder.path()), folder.file(row.file));
     }
-    here_.folder.write(L"administrator.ps4a",
-                       "\xEF\xBB\xBF{\"Administrator\": {\"PDFFileName\": \"C:\\\\x\\\\Fixed.pdf\"}}");
-    EXPECT_EQ(ask(here_.folder.path()), here_.folder.file(L"Fixed.pdf"));
+    here_.set_number(HKEY_CURRENT_USER, L"\\Special", L"Cutoff_by_period", 0);
+    record_.title.set_in_place(L"a:b.txt");
+    for (const auto& [pattern, name] : {std::pair(L"{title}, {PRINTER}", L"a_b.txt, Printer.pdf"),
+                                        {L"{counter} {x}/", L"1 {x}_.pdf"},
+                                        {L"{counter} {x}/", L"2 {x}_.pdf"}}) {
+        settings_.addition()->Str[L"FileName"] = pattern;
+        EXPECT_EQ(ask(here_.folder.path()), here_.folder.file(name));
+    }
+    here_.folder.write(
+        L"administrator.ps4a",
+        "\xEF\xBB\xBF{\"Administrator\": {\"PDFFileName\": \"C:\\\\x\\\\Fixed {title}.pdf\"}}");
+    EXPECT_EQ(ask(here_.folder.path()), here_.folder.file(L"Fixed a_b.txt.pdf"));
 }
 
 TEST_F(Tessalo, SettingOfTheProcessGoesBeforeThePrinters) {
