@@ -70,6 +70,13 @@ constexpr char kSecurity[] =
 constexpr char kSecurityOther[] =
     "printf '\\346\\227\\245' >\"$2/pw\"; qpdf --password-file=\"$2/pw\" "
     "--show-encryption \"$1\" | sed -n 's/^R = //p'";
+// The texts of the document information, then of the metadata.
+constexpr char kTwice[] =
+    "pdfinfo \"$1\" | sed -n 's/^\\(Title\\|Subject\\|Author\\|Keywords\\|Creator\\): *//p'; "
+    "pdfinfo -meta \"$1\" | grep -o -E '(default.|rdf:li|Keywords|CreatorTool)>[^<]+' | sed 's/.*>//'";
+constexpr char kTwiceAnswer[] =
+    "\u65E5\u672C\u8A9E \uD55C k \U0001F5A8 <& \u00E9 "
+    "k \u00E9 \u65E5\u672C\u8A9E \U0001F5A8 &lt;&amp; \uD55C";
 constexpr char kBoxes[] = "pdfinfo -box \"$1\" | awk '/TrimBox|BleedBox/ { print $1, $2, $3, $4, $5 }'";
 constexpr char kIdentity[] =
     "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -o -E "
@@ -135,6 +142,15 @@ void mark(Settings& s, uint32_t vertical, uint32_t horizontal, uint32_t transpar
     s.watermark()->VerticalPosition = vertical;
     s.watermark()->HorizontalPosition = horizontal;
     s.watermark()->Transparency = transparency;
+}
+
+void hard_texts(Settings& s, uint32_t version) {
+    standard(s, version, version == ps::kPDFX4 ? kCmyk : kRgb);
+    s.summary()->Title = L"\u65E5\u672C\u8A9E";
+    s.summary()->Author = L"\U0001F5A8 <&";
+    s.summary()->Subject = L"\uD55C";
+    s.summary()->Keywords = L"k";
+    s.summary()->Creator = L"\u00E9";
 }
 
 const std::vector<Row> kRows = {
@@ -222,6 +238,11 @@ const std::vector<Row> kRows = {
      "pdfinfo -custom \"$1\" | sed -n "
      "'s/^\\(Title\\|Subject\\|Author\\|Keywords\\|Creator\\|PrintSetting\\): *//p'",
      "A (1) C K Office S \u65E5"},
+
+    {"Summary of any characters, in the metadata too", [](Settings& s) { hard_texts(s, ps::kPDF17); }, kTwice,
+     kTwiceAnswer},
+    {"the same in PDF/A-1b", [](Settings& s) { hard_texts(s, ps::kPDFA1b); }, kTwice, kTwiceAnswer},
+    {"the same in PDF/X-4", [](Settings& s) { hard_texts(s, ps::kPDFX4); }, kTwice, kTwiceAnswer},
 
     {"OpenAction",
      [](Settings& s) {
