@@ -9,6 +9,7 @@ add_library(zr_companions STATIC
     render/engine_log.cpp
     render/fonts.cpp
     render/mark_drawing.cpp
+    render/metadata.cpp
     render/outside.cpp
     render/page_work.cpp
     render/pdf_maker.cpp

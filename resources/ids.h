@@ -237,5 +237,6 @@
 #define IDS_PS_LEVEL_4 20165
 #define IDS_PS_LEVEL_5 20166
 #define IDS_PS_CONDITION 20167
+#define IDS_PS_FILE_NAME 20168
 
 #endif

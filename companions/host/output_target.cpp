@@ -6,7 +6,7 @@
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
 #include "companions/system_texts.h"
-#include "companions/tessalo/safe_name.h"
+#include "job/output_name.h"
 
 namespace host {
 
@@ -14,7 +14,7 @@ OutputTarget::OutputTarget(const std::wstring& output) {
     if (output.empty())
         return;
     folder_ = companions::absolute_path(output);
-    if (companions::ends_in_pdf(folder_) && !qk::is_folder(folder_)) {
+    if (ends_in_pdf(folder_) && !qk::is_folder(folder_)) {
         file_ = folder_;
         folder_ = qk::format(L"%s.job%u", file_.c_str(), GetCurrentProcessId());
     }

@@ -12,6 +12,7 @@
 #include "companions/host/report_parts.h"
 #include "companions/host/setting_sense.h"
 #include "companions/host/text_file.h"
+#include "job/name_pattern.h"
 #include "print_settings/legacy_reader.h"
 #include "print_settings/ps4_reader.h"
 #include "print_settings/ps4_writer.h"
@@ -233,6 +234,14 @@ void check_text(std::string_view text, const JsonText& scanned, SettingFindings&
     }
 }
 
+void check_name(const std::wstring& place, std::wstring_view pattern, SettingFindings& findings) {
+    const std::wstring fault(job::find_pattern_fault(pattern));
+    if (fault.starts_with(L'{'))
+        findings.add(place, fault + L" stands for nothing; there are " + job::kNameWords);
+    else if (!fault.empty())
+        findings.add(place, L"a name cannot have a folder or drive (" + fault + L")");
+}
+
 // What stands beside the settings in an administrator's file.
 void check_own_values(const picojson::value& own, const JsonText& scanned, SettingFindings& findings) {
     if (!own.is<picojson::object>()) {
@@ -252,6 +261,7 @@ void check_own_values(const picojson::value& own, const JsonText& scanned, Setti
     if (restriction.PDFFileName.find_first_of(L"\\/") != std::wstring::npos)
         findings.add(L"Administrator.PDFFileName",
                      L"holds a folder; only the name behind it counts, and OutputFolder takes the folder");
+    check_name(L"Administrator.PDFFileName", qk::file_part(restriction.PDFFileName), findings);
     if (!restriction.OutputFolder.empty() && !qk::is_folder(restriction.OutputFolder))
         findings.add(L"Administrator.OutputFolder", L"there is no folder " + restriction.OutputFolder);
     if (restriction.PSFile.empty())
@@ -279,6 +289,9 @@ void check_json(std::string_view text, bool administrator, SettingFindings& find
     Comparison(scanned, findings, administrator).compare_members(L"", members, used.get<picojson::object>());
     if (!administrator || !good)
         findings.forced.clear();  // a user's setting forces nothing
+    const auto& texts = settings.addition()->Str;
+    if (const auto name = texts.find(job::kFileNameKey); name != texts.end())
+        check_name(std::wstring(L"Addition.Str.") + job::kFileNameKey, name->second, findings);
     if (good)
         check_sense(settings, administrator ? &scanned : nullptr, findings);
 }

@@ -10,6 +10,7 @@
 #include "companions/render/result_codes.h"
 #include "companions/render/fonts.h"
 #include "companions/render/mark_drawing.h"
+#include "companions/render/metadata.h"
 #include "companions/render/spool_pictures.h"
 #include "companions/render/viewer.h"
 
@@ -54,8 +55,6 @@ PdfMaker::PdfMaker(const Settings& settings, std::wstring_view title, std::funct
     if (scratch_.path().empty())
         throw Failure{ResultCode::kInternal, GetLastError(), L"no temporary folder"};
     info_ = document_info(settings, title);
-    if (standard_)
-        info_ = standard_texts(info_);
     auto rules = find_standard(settings);
     if (!rules)
         throw Failure{ResultCode::kStandardUnmet, ERROR_FILE_NOT_FOUND, settings.pdfVersion()->ICCFileName};
@@ -65,6 +64,9 @@ PdfMaker::PdfMaker(const Settings& settings, std::wstring_view title, std::funct
     tool_.emplace(scratch_, !secret                           ? std::wstring()
                             : security.MasterPassword.empty() ? security.UserPassword
                                                               : security.MasterPassword);
+    given_ = standard_ || tool_->present() ? standard_texts(info_) : info_;
+    if (!tool_->present())
+        info_ = given_;
     if (secret && tool_->present())
         encryption_ = find_encryption(settings);
 }
@@ -131,7 +133,7 @@ std::string PdfMaker::prologue_text(bool landscape, const PagesFound& found) {
     if (!mark)
         warn("not done by this renderer: the watermark, whose font or picture cannot be read");
     fonts_ = font_parameters(*settings_.font(), standard_);
-    return prologue(standard_ ? DocumentInfo() : info_, landscape) + image_parameters(settings_) + fonts_ +
+    return prologue(standard_ ? DocumentInfo() : given_, landscape) + image_parameters(settings_) + fonts_ +
            colour_work(settings_) + rules_.definition +
            page_work(*settings_.watermark(), version, mark.value_or(MarkDrawing()), found);
 }
@@ -142,7 +144,7 @@ std::string PdfMaker::epilogue_text(const PagesFound& found) const {
     const unsigned first = page_left(chosen ? action.StartPage : 1, found.blank);
     const std::string opens =
         opening(action, first, compatibility_level(settings_.pdfVersion()->Version) > "1.4");
-    return epilogue(standard_ ? DocumentInfo() : info_) + (standard_ ? standard_information(info_) : "") +
+    return epilogue(standard_ ? DocumentInfo() : given_) + (standard_ ? standard_information(given_) : "") +
            opens;
 }
 
@@ -171,13 +173,16 @@ PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
     how.version = version == ps::kPDF20 ? "2.0" : nullptr;
     if (encryption_)
         how.encrypt = encryption_job(*settings_.security(), *encryption_);
-    const ExpectedPdf expected = {log_.pages(), info_.title};
+    const std::wstring& made = encryption_ ? bare_ : drawn.path();
+    if (has_hard_texts(info_))
+        how.changes = tool.write_texts(made, info_);
+    const ExpectedPdf expected = {log_.pages(), how.changes.empty() ? given_.title : info_.title};
     if (settings_.font()->WhenFailedToEmbed == ps::Font_impl::kNoPDF)
-        check_fonts(encryption_ ? bare_ : drawn.path());
-    const bool as_it_is = !linearize && !how.small && !how.version && !encryption_;
+        check_fonts(made);
+    const bool as_it_is = !linearize && !how.small && !how.version && !encryption_ && how.changes.empty();
     if (as_it_is && !tool.find_fault(drawn.path(), expected))
         return drawn;
-    tool.rewrite(encryption_ ? bare_ : drawn.path(), rewritten.path(),
+    tool.rewrite(made, rewritten.path(),
                  how);  // mends what engines leave damaged
     keep_if(tool.find_fault(rewritten.path(), expected));
     return rewritten;

@@ -52,6 +52,7 @@ private:
     std::function<void(unsigned)> page_done_;
     bool standard_ = false;  // PDF/A or PDF/X
     DocumentInfo info_;
+    DocumentInfo given_;  // to the engine: what is too hard for it is changed afterwards
     std::string fonts_;
     Standard rules_;
     ScratchFolder scratch_;

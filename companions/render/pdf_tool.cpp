@@ -11,10 +11,9 @@
 
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
+#include "companions/render/metadata.h"
 
 namespace companions::render {
-
-namespace {
 
 // The objects that qpdf has told of so far.
 class Objects {
@@ -38,23 +37,33 @@ public:
         return found == known_.end() ? picojson::value() : found->second.get(key);
     }
 
+    // A whole dictionary; empty where it is not known.
+    [[nodiscard]] picojson::object dictionary(const std::string& object) const {
+        const auto found = known_.find(object);
+        return found == known_.end() || !found->second.is<picojson::object>()
+                   ? picojson::object()
+                   : found->second.get<picojson::object>();
+    }
+
     [[nodiscard]] bool knows(const std::string& object) const { return known_.contains(object); }
 
 private:
     picojson::object known_;
 };
 
+namespace {
+
 // "2 0 R" is called "obj:2 0 R" where it is described, and asked for as "2,0".
 std::string described_name(const picojson::value& reference) {
     return "obj:" + reference.to_str();
 }
 
-std::string object_argument(const picojson::value& reference) {
+std::string asked_name(const picojson::value& reference) {
     std::string text = reference.to_str();
     text = text.substr(0, text.rfind(' '));
     if (const size_t blank = text.find(' '); blank != std::string::npos)
         text[blank] = ',';
-    return "--json-object=" + text;
+    return text;
 }
 
 std::string first_line(const std::string& output) {
@@ -123,6 +132,8 @@ void PdfTool::rewrite(const std::wstring& from, const std::wstring& to, const Re
     }
     if (how.version)
         job["forceVersion"] = picojson::value(how.version);
+    if (!how.changes.empty())
+        job["updateFromJson"] = picojson::value(path_for_tool(how.changes));
     if (!how.encrypt.is<picojson::null>()) {
         job["encrypt"] = how.encrypt;
         job["allowWeakCrypto"] = yes;
@@ -140,26 +151,64 @@ std::string PdfTool::describe(const std::wstring& path) {
     return output;
 }
 
+bool PdfTool::ask(const std::wstring& path, const std::vector<std::string>& names, Objects& objects,
+                  std::string& output) {
+    std::vector<std::string> arguments = {"--json=2", "--json-key=qpdf"};
+    for (const std::string& name : names)
+        arguments.push_back("--json-object=" + name);
+    arguments.push_back(path_for_tool(path));
+    return run(std::move(arguments), output) == Engine::End::kDone && objects.add(output);
+}
+
+bool PdfTool::look_into(const std::wstring& path, Objects& objects, std::string& output) {
+    // The engine gives these numbers to the catalogue, the information and the pages; others cost another
+    // look.
+    if (!ask(path, {"trailer", "1", "2", "3"}, objects, output))
+        return false;
+    const picojson::value catalogue = objects.entry("trailer", "/Root");
+    const picojson::value information = objects.entry("trailer", "/Info");
+    return (objects.knows(described_name(catalogue)) && objects.knows(described_name(information))) ||
+           ask(path, {asked_name(catalogue), asked_name(information)}, objects, output);
+}
+
+std::wstring PdfTool::write_texts(const std::wstring& path, const DocumentInfo& info) {
+    Objects objects;
+    std::string output;
+    if (!look_into(path, objects, output))
+        return {};
+    picojson::object head, changes, all, information, metadata, stream;
+    const std::string information_name = described_name(objects.entry("trailer", "/Info"));
+    information["value"] = picojson::value(with_texts(objects.dictionary(information_name), info));
+    changes[information_name] = picojson::value(information);
+    const picojson::value reference =
+        objects.entry(described_name(objects.entry("trailer", "/Root")), "/Metadata");
+    if (reference.is<std::string>()) {
+        if (run({"--show-object=" + asked_name(reference), "--filtered-stream-data", path_for_tool(path)},
+                output) != Engine::End::kDone)
+            return {};
+        const std::wstring file = scratch_.write(kMetadataFile, with_texts(output, info));
+        stream["dict"] = picojson::value(
+            picojson::object{{"/Type", picojson::value("/Metadata")}, {"/Subtype", picojson::value("/XML")}});
+        stream["datafile"] = picojson::value(path_for_tool(file));
+        metadata["stream"] = picojson::value(stream);
+        changes[described_name(reference)] = picojson::value(metadata);
+    }
+    head["jsonversion"] = picojson::value(2.0);
+    head["pdfversion"] = picojson::value("1.7");  // without effect, but asked for
+    head["maxobjectid"] = picojson::value(1.0);
+    all["qpdf"] = picojson::value(picojson::array{picojson::value(head), picojson::value(changes)});
+    return scratch_.write(kChangesFile, picojson::value(all).serialize());
+}
+
 std::optional<std::string> PdfTool::find_fault(const std::wstring& path, const ExpectedPdf& expected) {
     Objects objects;
     std::string output;
-    const auto ask = [&](const std::vector<std::string>& wanted) {
-        std::vector<std::string> arguments = {"--json=2", "--json-key=qpdf"};
-        arguments.insert(arguments.end(), wanted.begin(), wanted.end());
-        arguments.push_back(path_for_tool(path));
-        return run(std::move(arguments), output) == Engine::End::kDone && objects.add(output);
-    };
-    // The engine gives these numbers to the catalogue, the information and the pages; others cost another
-    // look.
-    if (!ask({"--json-object=trailer", "--json-object=1", "--json-object=2", "--json-object=3"}))
+    if (!look_into(path, objects, output))
         return first_line(output);
     const picojson::value catalogue = objects.entry("trailer", "/Root");
     const picojson::value information = objects.entry("trailer", "/Info");
-    const bool known = objects.knows(described_name(catalogue)) && objects.knows(described_name(information));
-    if (!known && !ask({object_argument(catalogue), object_argument(information)}))
-        return first_line(output);
     const picojson::value pages = objects.entry(described_name(catalogue), "/Pages");
-    if (!objects.knows(described_name(pages)) && !ask({object_argument(pages)}))
+    if (!objects.knows(described_name(pages)) && !ask(path, {asked_name(pages)}, objects, output))
         return first_line(output);
     const std::string count = objects.entry(described_name(pages), "/Count").to_str();
     if (count != std::to_string(expected.pages))

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "companions/render/engine.h"
+#include "companions/render/pdfmark.h"
 #include "companions/render/scratch_folder.h"
 
 namespace companions::render {
@@ -27,7 +28,10 @@ struct Rewriting {
     bool small = false;             // its objects packed together
     const char* version = nullptr;  // that it says it has; null: as it says
     picojson::value encrypt;        // see encryption_job; null: as it is
+    std::wstring changes;           // see write_texts; empty: none
 };
+
+class Objects;
 
 class PdfTool {
 public:
@@ -41,6 +45,10 @@ public:
     // find_fault tells whether it came out well.
     void rewrite(const std::wstring& from, const std::wstring& to, const Rewriting& how);
 
+    // Writes the changes that give a PDF these texts, in its document information and its metadata: a file
+    // for `Rewriting::changes`; empty when the PDF cannot be read.
+    [[nodiscard]] std::wstring write_texts(const std::wstring& path, const DocumentInfo& info);
+
     // Opens the PDF, from its end to its first page: what is wrong with it in one line, nothing when it is
     // whole and has the pages and the title that it should have.
     [[nodiscard]] std::optional<std::string> find_fault(const std::wstring& path,
@@ -50,6 +58,11 @@ public:
     [[nodiscard]] std::string describe(const std::wstring& path);
 
 private:
+    // Tells the objects of the trailer, the catalogue, the document information and, as a rule, the pages.
+    [[nodiscard]] bool look_into(const std::wstring& path, Objects& objects, std::string& output);
+    // Adds the objects of these names; false when the PDF cannot be read, with qpdf's words in `output`.
+    [[nodiscard]] bool ask(const std::wstring& path, const std::vector<std::string>& names, Objects& objects,
+                           std::string& output);
     [[nodiscard]] Engine::End run(std::vector<std::string> arguments, std::string& output);
     [[nodiscard]] std::string path_for_tool(const std::wstring& path) const;
 

@@ -70,8 +70,8 @@ void remove_leftovers(const std::wstring& root) {
         if (alive || GetLastError() != ERROR_INVALID_PARAMETER)
             continue;
         const std::wstring folder = root + found.cFileName;
-        for (const wchar_t* name :
-             {kOptionsFile, kPasswordFile, kJobFile, kBareFile, kSpoolFile, kPrologueFile, kEpilogueFile})
+        for (const wchar_t* name : {kOptionsFile, kPasswordFile, kJobFile, kChangesFile, kMetadataFile,
+                                    kBareFile, kSpoolFile, kPrologueFile, kEpilogueFile})
             DeleteFileW((folder + L'\\' + name).c_str());
         RemoveDirectoryW(folder.c_str());
     } while (FindNextFileW(search.get(), &found));

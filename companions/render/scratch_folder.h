@@ -10,6 +10,8 @@ namespace companions::render {
 inline constexpr wchar_t kOptionsFile[] = L"options.txt";
 inline constexpr wchar_t kPasswordFile[] = L"password.txt";
 inline constexpr wchar_t kJobFile[] = L"job.json";
+inline constexpr wchar_t kChangesFile[] = L"changes.json";
+inline constexpr wchar_t kMetadataFile[] = L"metadata.xml";
 inline constexpr wchar_t kBareFile[] = L"bare.pdf";
 inline constexpr wchar_t kSpoolFile[] = L"spool.ps";  // with its pictures changed
 inline constexpr wchar_t kPrologueFile[] = L"prologue.ps";

@@ -2,16 +2,20 @@
 
 #include <windows.h>
 
+#include <utility>
+
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/system_texts.h"
+#include "job/output_name.h"
 
 namespace companions {
 
 namespace {
 
 constexpr unsigned kMostNumbers = 9999;
+constexpr unsigned kMostTries = 100;
 constexpr std::wstring_view kExtension = L".pdf";
 
 // One answer of the dialog, settled under the rule; nothing, after the user was told, when it cannot be
@@ -89,6 +93,32 @@ std::optional<OutputFile> choose_unattended(std::wstring_view folder, std::wstri
     return OutputFile{std::move(*path), result == Reservation::kMade};
 }
 
+// A title that is cut may come out without its number: then the file is numbered as any other.
+std::wstring find_free_title(std::wstring_view folder, const WantedName& name, const NameLimits& limits) {
+    std::optional<std::wstring> before;
+    for (unsigned number = 1; name.counts && number <= kMostNumbers; ++number) {
+        auto path = find_safe_path(folder, name.title(number), 0, limits);
+        if (!path || path == before)
+            break;
+        if (GetFileAttributesW(path->c_str()) == INVALID_FILE_ATTRIBUTES)
+            return name.title(number);
+        before = std::move(path);
+    }
+    return name.title(1);
+}
+
+std::optional<OutputFile> choose_unattended(std::wstring_view folder, const WantedName& name, SameName rule,
+                                            const NameLimits& limits) {
+    if (!name.counts)
+        return choose_unattended(folder, name.title(1), rule, limits);
+    // Another job may take the name that was free a moment ago.
+    for (unsigned tries = 0; tries < kMostTries; ++tries)
+        if (auto file =
+                choose_unattended(folder, find_free_title(folder, name, limits), SameName::kRefuse, limits))
+            return file;
+    return find_numbered(folder, name.title(1), limits);
+}
+
 std::optional<OutputFile> choose_with_dialog(SaveDialog& dialog, std::wstring folder, std::wstring_view title,
                                              SameName rule, const NameLimits& limits) {
     std::wstring name = safe_stem(title) + std::wstring(kExtension);
@@ -109,7 +139,10 @@ std::optional<OutputFile> choose_with_dialog(SaveDialog& dialog, std::wstring fo
 }
 
 std::optional<OutputFile> choose_in_folder(SaveDialog& dialog, const std::wstring& folder,
-                                           std::wstring_view title, SameName rule, const NameLimits& limits) {
+                                           const WantedName& name, SameName rule, const NameLimits& limits) {
+    if (name.counts && qk::is_folder(folder))
+        return choose_unattended(folder, name, rule, limits);
+    const std::wstring title = name.title(1);
     const auto path = find_safe_path(folder, title, 0, limits);
     if (rule == SameName::kOverwrite && path && qk::is_folder(folder))
         return OutputFile{*path, false};

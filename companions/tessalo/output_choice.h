@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,9 +38,22 @@ enum class Reservation {
 [[nodiscard]] std::optional<OutputFile> find_numbered(std::wstring_view folder, std::wstring_view title,
                                                       const NameLimits& limits);
 
+// The name that a job's PDF is to have: a title, with a number that the name itself has where it `counts`.
+struct WantedName {
+    std::function<std::wstring(unsigned number)> title;
+    bool counts = false;
+};
+
+// The title of such a name: with the first number from 1 on whose file does not exist.
+[[nodiscard]] std::wstring find_free_title(std::wstring_view folder, const WantedName& name,
+                                           const NameLimits& limits);
+
 // The file of a job that nobody watches; nothing when the rule refuses it. kAsk numbers: there is nobody to
 // ask.
 [[nodiscard]] std::optional<OutputFile> choose_unattended(std::wstring_view folder, std::wstring_view title,
+                                                          SameName rule, const NameLimits& limits);
+// The same for a name. One that counts is reserved with its first free number, whatever the rule.
+[[nodiscard]] std::optional<OutputFile> choose_unattended(std::wstring_view folder, const WantedName& name,
                                                           SameName rule, const NameLimits& limits);
 
 // The window that asks for a file, as `choose_with_dialog` needs it.
@@ -64,9 +78,10 @@ public:
                                                            const NameLimits& limits);
 
 // The file of a job whose setting has a fixed folder: asks only where the name is taken and the rule is kAsk,
-// or where no file can be made. Nothing when the rule refuses the name, which is told, or the user cancelled.
+// or where no file can be made; never for a name that counts. Nothing when the rule refuses the name, which
+// is told, or the user cancelled.
 [[nodiscard]] std::optional<OutputFile> choose_in_folder(SaveDialog& dialog, const std::wstring& folder,
-                                                         std::wstring_view title, SameName rule,
+                                                         const WantedName& name, SameName rule,
                                                          const NameLimits& limits);
 
 }  // namespace companions

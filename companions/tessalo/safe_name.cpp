@@ -4,20 +4,15 @@
 
 #include <algorithm>
 
-#include "common/qk/file_name.h"
 #include "common/qk/text.h"
 #include "companions/wine_layer.h"
+#include "job/output_name.h"
 
 namespace companions {
 
 namespace {
 
 constexpr std::wstring_view kExtension = L".pdf";
-
-std::wstring finished(std::wstring_view stem) {
-    const std::wstring safe = qk::safe_file_name(stem, L' ');
-    return safe.empty() ? L"no_name" : safe;
-}
 
 size_t utf8_bytes(wchar_t unit) noexcept {
     if (IS_HIGH_SURROGATE(unit) || IS_LOW_SURROGATE(unit))
@@ -46,17 +41,6 @@ NameLimits system_name_limits() noexcept {
     return limits;
 }
 
-bool ends_in_pdf(std::wstring_view path) noexcept {
-    return path.size() >= kExtension.size() &&
-           qk::equal_no_case(path.substr(path.size() - kExtension.size()), kExtension);
-}
-
-std::wstring safe_stem(std::wstring_view title) {
-    const std::wstring safe = qk::safe_file_name(title, L' ');
-    return finished(
-        std::wstring_view(safe).substr(0, safe.size() - (ends_in_pdf(safe) ? kExtension.size() : 0)));
-}
-
 std::optional<std::wstring> find_safe_path(std::wstring_view folder, std::wstring_view title, unsigned number,
                                            const NameLimits& limits) {
     const std::wstring start = std::wstring(qk::without_trailing_backslashes(folder)) + L'\\';
@@ -72,7 +56,7 @@ std::optional<std::wstring> find_safe_path(std::wstring_view folder, std::wstrin
     std::wstring stem(fitted(whole));
     if (stem.size() < whole.size()) {
         // The cut may have uncovered a blank or a full stop, or left just a device's name.
-        stem = std::wstring(fitted(finished(stem)));
+        stem = std::wstring(fitted(safe_stem(stem)));
         if (stem.empty())
             return std::nullopt;
     }

@@ -18,17 +18,9 @@ struct NameLimits {
 // The limits of the running system.
 [[nodiscard]] NameLimits system_name_limits() noexcept;
 
-// Whether a path names a PDF by its extension, of any case.
-[[nodiscard]] bool ends_in_pdf(std::wstring_view path) noexcept;
-
-// The stem of a file name (without ".pdf") that every Windows file system takes, of any length (see
-// qk::safe_file_name). A ".pdf" at the title's end is dropped, control characters become blanks, and what is
-// left empty becomes "no_name".
-[[nodiscard]] std::wstring safe_stem(std::wstring_view title);
-
-// "<folder>\<safe stem>.pdf", or "<folder>\<safe stem>(<number>).pdf" for a number above 0. The stem is cut,
-// never inside a surrogate pair, so that name and path keep the limits; nothing when the folder leaves no
-// room.
+// "<folder>\<safe_stem(title)>.pdf", or "<folder>\<safe stem>(<number>).pdf" for a number above 0. The stem
+// is cut, never inside a surrogate pair, so that name and path keep the limits; nothing when the folder
+// leaves no room.
 [[nodiscard]] std::optional<std::wstring> find_safe_path(std::wstring_view folder, std::wstring_view title,
                                                          unsigned number, const NameLimits& limits);
 

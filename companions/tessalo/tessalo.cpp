@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "common/dialog_library.h"
+#include "common/driver_util.h"
 #include "common/qk/lock.h"
 #include "common/qk/module.h"
 #include "common/qk/paths.h"
@@ -18,6 +19,7 @@
 #include "companions/tessalo/dialogs.h"
 #include "companions/tessalo/options.h"
 #include "companions/tessalo/output_choice.h"
+#include "job/name_pattern.h"
 #include "job/output_name.h"
 #include "print_settings/PSAdmin.h"
 
@@ -51,41 +53,61 @@ private:
 
 KeptTexts kept_texts;
 
-// The name that an administrator has fixed for every PDF, else the default one of the document.
-std::wstring wanted_name(const dialog_library::WorkingRecord& record) {
+// The pattern for the PDF's name: an administrator's, else the setting's, else none.
+std::wstring name_pattern(const PrintSettings& settings) {
     Corvanta::Vantrix::Administrator::Restriction restriction;
     if (load_restriction(restriction) && !restriction.PDFFileName.empty())
         return std::wstring(qk::file_part(restriction.PDFFileName));
-    return SetPDFname(record.title.readable_text().c_str());
+    const auto& texts = settings.addition()->Str;
+    const auto entry = texts.find(job::kFileNameKey);
+    return entry != texts.end() ? entry->second : std::wstring();
 }
 
-std::optional<OutputFile> choose(const dialog_library::WorkingRecord& record) {
-    const auto* settings = static_cast<const PrintSettings*>(record.settings);
-    const General_impl defaults;
-    const General_impl& general = settings ? *settings->general() : defaults;
-    const std::wstring title = wanted_name(record);
+// Without a pattern the default name of the document.
+companions::WantedName wanted_name(const dialog_library::WorkingRecord& record, const std::wstring& pattern,
+                                   const wchar_t* printer_name) {
+    const std::wstring own = SetPDFname(record.title.readable_text().c_str());
+    if (pattern.empty())
+        return {.title = [own](unsigned) { return own; }};
+    job::NameValues values{
+        .title = safe_stem(own), .user = user_name(), .printer = printer_name ? printer_name : L""};
+    GetLocalTime(&values.time);
+    return {.title =
+                [pattern, values](unsigned number) mutable {
+                    values.counter = number;
+                    return job::expand_name(pattern, values);
+                },
+            .counts = job::counts(pattern)};
+}
+
+std::optional<OutputFile> choose(const dialog_library::WorkingRecord& record, const wchar_t* printer_name) {
+    const PrintSettings defaults;
+    const auto* given = static_cast<const PrintSettings*>(record.settings);
+    const PrintSettings& settings = given ? *given : defaults;
+    const General_impl& general = *settings.general();
+    const companions::WantedName name = wanted_name(record, name_pattern(settings), printer_name);
     const std::wstring asked_folder = record.output_path.readable_text();
     const companions::SameName rule = companions::same_name_rule(general.WhenSameName);
     const companions::NameLimits limits = companions::system_name_limits();
     const std::wstring ini = ini_path();
     if (!companions::unattended(ini)) {
-        companions::SystemSaveDialog dialog;
         const std::wstring folder = companions::dialog_folder(asked_folder, general);
+        companions::SystemSaveDialog dialog;
         if (!companions::has_fixed_folder(general))
-            return choose_with_dialog(dialog, folder, title, rule, limits);
+            return choose_with_dialog(dialog, folder, find_free_title(folder, name, limits), rule, limits);
         ForceDirectories(folder);
-        return choose_in_folder(dialog, folder, title, rule, limits);
+        return choose_in_folder(dialog, folder, name, rule, limits);
     }
     const std::wstring folder = companions::unattended_folder(asked_folder, general, ini);
     ForceDirectories(folder);
-    return choose_unattended(folder, title, rule, limits);
+    return choose_unattended(folder, name, rule, limits);
 }
 
-void answer(dialog_library::WorkingRecord& record) {
+void answer(dialog_library::WorkingRecord& record, const wchar_t* printer_name) {
     constexpr size_t kPathUnits = 1024;  // more than a path has: nothing fails once a file is made
     std::wstring& own = kept_texts.of_this_thread();
     own.reserve(kPathUnits);
-    const auto file = choose(record);
+    const auto file = choose(record, printer_name);
     record.hand_over = 0;
     record.first_value = file && file->reserved ? companions::kFileReserved : 0;
     companions::assign(record.output_path, file ? std::wstring_view(file->path) : std::wstring_view(), own);
@@ -122,11 +144,11 @@ int WINAPI GetSettingFN(wchar_t* buffer, int capacity, const wchar_t* printer_na
     }
 }
 
-int WINAPI GetFile2(dialog_library::WorkingRecord* record, const wchar_t*) noexcept {
+int WINAPI GetFile2(dialog_library::WorkingRecord* record, const wchar_t* printer_name) noexcept {
     if (!record)
         return kAnswered;
     try {
-        answer(*record);
+        answer(*record, printer_name);
     } catch (...) {
         record->output_path.length = 0;
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/qk/file_name.h"
 #include "common/qk/registry.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
@@ -12,6 +13,7 @@ constexpr std::wstring_view kPrefixes[] = {L"Microsoft Word - ", L"Microsoft Pow
                                            L"Taro13-", L"Taro-"};
 constexpr std::wstring_view kMiwPrefix = L"MIW(";
 constexpr size_t kMostUnits = 512;
+constexpr std::wstring_view kExtension = L".pdf";
 
 // The current user's value, when present, wins over the machine's.
 bool cuts_off_by_period() {
@@ -59,4 +61,16 @@ std::wstring CleanJobTitle(std::wstring_view document_name) {
             title.remove_prefix(closing + 1);
     }
     return title.empty() ? L"no_name" : std::wstring(title);
+}
+
+bool ends_in_pdf(std::wstring_view path) noexcept {
+    return path.size() >= kExtension.size() &&
+           qk::equal_no_case(path.substr(path.size() - kExtension.size()), kExtension);
+}
+
+std::wstring safe_stem(std::wstring_view title) {
+    std::wstring safe = qk::safe_file_name(title, L' ');
+    if (ends_in_pdf(safe))
+        safe = qk::safe_file_name(std::wstring_view(safe).substr(0, safe.size() - kExtension.size()), L' ');
+    return safe.empty() ? L"no_name" : safe;
 }

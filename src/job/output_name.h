@@ -13,3 +13,11 @@
 
 // The document name without the prefix that some applications put before it; "no_name" for an empty one.
 [[nodiscard]] std::wstring CleanJobTitle(std::wstring_view document_name);
+
+// Whether a path names a PDF by its extension, of any case.
+[[nodiscard]] bool ends_in_pdf(std::wstring_view path) noexcept;
+
+// The stem of a file name (without ".pdf") that every Windows file system takes, of any length (see
+// qk::safe_file_name). A ".pdf" at the title's end is dropped, control characters become blanks, and what is
+// left empty becomes "no_name".
+[[nodiscard]] std::wstring safe_stem(std::wstring_view title);

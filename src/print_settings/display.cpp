@@ -47,7 +47,10 @@ std::wstring shortened(std::wstring text) {
 }
 
 constexpr wchar_t kPaperNameKey[] = L"PaperName";  // additional values that the settings dialog writes
-constexpr std::wstring_view kConditionKey = L"OutputCondition";
+constexpr struct {
+    std::wstring_view key;
+    UINT name;
+} kNamedKeys[] = {{L"OutputCondition", IDS_PS_CONDITION}, {L"FileName", IDS_PS_FILE_NAME}};
 
 std::wstring name_text(UINT id) {
     return plain(qk::load_string(id));
@@ -115,7 +118,10 @@ std::wstring show(const FieldInfo&, const std::wstring& value) {
     return value.empty() ? nothing() : L"\"" + shortened(value) + L"\"";
 }
 std::wstring show_name(const std::wstring& name) {
-    return name == kConditionKey ? name_text(IDS_PS_CONDITION) : shortened(name);
+    for (const auto& known : kNamedKeys)
+        if (name == known.key)
+            return name_text(known.name);
+    return shortened(name);
 }
 std::wstring nothing() {
     return qk::load_string(IDS_PS_NOTHING);

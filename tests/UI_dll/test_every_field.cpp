@@ -88,7 +88,7 @@ TEST_F(EveryField, SetOnItsPageIsInTheFileAndOnThePageAgain) {
 "General": {"Linearize": false, "OpenPDF": 0, "URLLink": true, "NoOutputBlankPage": true, "WhenSameName": 2,
   "SaveStyle": 1, "OutputFolder": "C:\\windows", "PaperName": 1, "PaperWidth": 215.9, "PaperHeight": 279.4,
   "PaperOrientation": 1, "PaperResolution": 3600, "Scale": 70},
-"Addition": {"Str": {"PaperName": "Letter"}}, "PDFVersion": {"Version": 3},
+"Addition": {"Str": {"PaperName": "Letter", "FileName": "{date} {title}"}}, "PDFVersion": {"Version": 3},
 "Color": {"ColorMode": 2, "GrayDecreasingMethod": 2, "MonoImageFilter": 4, "MonoImageThreshold": 20,
   "MonoTextAndPassThreshold": 255, "MonoDecreasingMethod": 1},
 "Compression": {"Mono": {"MonoCompressionMethod": 3, "DownSamplingMethod": 1, "ResolutionThreshold": 303,
@@ -107,7 +107,10 @@ TEST_F(EveryField, SetOnItsPageIsInTheFileAndOnThePageAgain) {
              on(kGeneralPage,
                 {IDC_LINEARIZE, IDC_OPEN_PDF, IDC_URL_LINK, IDC_NO_BLANK_PAGE, IDC_NUMBER, IDC_LANDSCAPE},
                 {{IDC_SAVE_STYLE, 1}, {IDC_PAPER_LIST, 6}, {IDC_RESOLUTION, 9}},
-                {{IDC_NAME, L"Protected"}, {IDC_OUTPUT_FOLDER, L"C:\\windows"}, {IDC_SCALE, L"70"}});
+                {{IDC_NAME, L"Protected"},
+                 {IDC_OUTPUT_FOLDER, L"C:\\windows"},
+                 {IDC_FILE_NAME, L"{date} {title}"},
+                 {IDC_SCALE, L"70"}});
              choose_version(3);
              on(kColorPage, {IDC_COLOR_MODE_MONO}, {{IDC_GRAY_METHOD, 2}, {IDC_MONO_FILTER, 4}},
                 {{IDC_IMAGE_THRESHOLD, L"20"}, {IDC_TEXT_THRESHOLD, L"255"}});

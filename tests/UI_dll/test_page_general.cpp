@@ -42,6 +42,33 @@ TEST(GeneralRules, TextsAreReadAsTheNumbersTheyShow) {
     EXPECT_EQ(length_text(215.9f), L"215.90");
 }
 
+TEST(GeneralRules, PatternsGiveNames) {
+    const job::NameValues values{.title = L"a:b",
+                                 .time = {2026, 3, 0, 9, 7, 5, 4, 0},
+                                 .user = L"me",
+                                 .printer = L"P\\1",
+                                 .counter = 12};
+    const struct {
+        const wchar_t *pattern, *name, *fault;
+        bool counts = false;
+    } rows[] = {{L"", L"a_b.pdf", L""},
+                {L"{date} {time} {TITLE}.pdf", L"2026-03-09 07-05-04 a_b.pdf", L""},
+                {L"{user} on {printer}, {counter}", L"me on P_1, 12.pdf", L"", true},
+                {L"CON", L"_CON.pdf", L""},
+                {L" . ", L"no_name.pdf", L""},
+                {L"x} {counter", L"x} {counter.pdf", L"{counter"},
+                {L"{pages}{}{title}", L"{pages}{}a_b.pdf", L"{pages}"},
+                {L"{}", L"{}.pdf", L"{}"},
+                {L"a\\b", L"a_b.pdf", L"\\"},
+                {L"C:{x}", L"C_{x}.pdf", L":"},
+                {L"{user}/{title}", L"me_a_b.pdf", L"/"}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(name_now(row.pattern, values), row.name);
+        EXPECT_EQ(job::find_pattern_fault(row.pattern), row.fault) << qk::to_utf8(row.pattern);
+        EXPECT_EQ(job::counts(row.pattern), row.counts);
+    }
+}
+
 TEST(GeneralRules, CommonPapersComeFirst) {
     std::vector<FormRecord> forms;
     const std::pair<const wchar_t*, uint16_t> given[] = {

@@ -66,6 +66,13 @@ constexpr char kSecurityOther[] =
     "printf '\\346\\227\\245' >\"$2/pw\"; qpdf --password-file=\"$2/pw\" "
     "--show-encryption \"$1\" | sed -n 's/^R = //p'";
 const std::string kGroup = "grep -a -o '/K -*[0-9]*' \"$1\"";
+// The texts of the document information, then of the metadata.
+constexpr char kTwice[] =
+    "pdfinfo \"$1\" | sed -n 's/^\\(Title\\|Subject\\|Author\\|Keywords\\|Creator\\): *//p'; "
+    "pdfinfo -meta \"$1\" | grep -o -E '(default.|rdf:li|Keywords|CreatorTool)>[^<]+' | sed 's/.*>//'";
+constexpr char kTwiceAnswer[] =
+    "\u65E5\u672C\u8A9E \uD55C k \U0001F5A8 <& \u00E9 "
+    "k \u00E9 \u65E5\u672C\u8A9E \U0001F5A8 &lt;&amp; \uD55C";
 constexpr char kIdentity[] =
     "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -o -E "
     "\"/S /GTS_PDF[AX]1?|GTS_PDFXVersion[ =].PDF/X-[0-9a:]+|pdfaid:part='[0-9]|/N [34]\" | sort -u";
@@ -104,6 +111,14 @@ struct Row {
     std::string setting;  // what it says besides; empty: the PDF of the row before is asked once more
     std::string question, answer;
 };
+
+// Texts of every script, under a version of PDF and a profile that fits.
+std::string hard_texts(int version, const std::string& profile) {
+    return R"({"PDFVersion": {"Version": )" + std::to_string(version) +
+           R"(, "ICCFileName": "Z:\\usr\\share\\color\\icc\\ghostscript\\)" + profile +
+           R"(.icc"}, "Summary": {"Title": "\u65E5\u672C\u8A9E", "Author": "\uD83D\uDDA8 <&",)"
+           R"( "Subject": "\uD55C", "Keywords": "k", "Creator": "\u00E9"}})";
+}
 
 const std::vector<Row> kRows = {
     {"{}", kInfo, "pages 3 1.7"},
@@ -146,6 +161,10 @@ const std::vector<Row> kRows = {
      "'s/^\\(Title\\|Subject\\|Author\\|Keywords\\|Creator\\|PrintSetting\\): *//p'",
      "A (1) B C K Office S \u65E5"},
     {"", kInfo, "pages 3 2.0"},
+
+    {hard_texts(ps::kPDF17, "srgb"), kTwice, kTwiceAnswer},
+    {hard_texts(ps::kPDFA1b, "srgb"), kTwice, kTwiceAnswer},
+    {hard_texts(ps::kPDFX4, "default_cmyk"), kTwice, kTwiceAnswer},
 
     {R"({"General": {"Linearize": false}, "OpenAction": {"PageLayout": 3, "Binding": 2, "PageAdjust": 2,
         "PageMode": 2, "StartPage": 99, "FullScreen": true, "ShowDocumentTitle": true, "HideMenu": true,

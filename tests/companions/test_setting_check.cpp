@@ -11,6 +11,8 @@ using Lines = std::vector<std::wstring>;
 TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
     const Installation here;
     const Lines none;
+    const std::wstring kWords =
+        L" stands for nothing; there are {title} {date} {time} {user} {printer} {counter}";
     struct {
         const wchar_t* name;
         std::string_view bytes;
@@ -61,8 +63,9 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
           L"PSComment: [1] is not kept as it is"}},
         {L"press.ps4",
          R"({"PSComment": [], "PDFVersion": {"Version": 6, "ICCFileName": "x"}, "General": {"URLLink": true},
-            "Security": {"UserPassword": "a"}})",
-         {L"PDFVersion: a job is refused with error 164: Colour profile not found: x",
+            "Security": {"UserPassword": "a"}, "Addition": {"Str": {"FileName": "{titel}"}}})",
+         {L"Addition.Str.FileName: {titel}" + kWords,
+          L"PDFVersion: a job is refused with error 164: Colour profile not found: x",
           L"General.URLLink: a PDF/X file cannot hold links: none are made",
           L"Security.UserPassword: PDF/A and PDF/X allow no passwords: the document is not protected"}},
         {L"twice.ps4",
@@ -93,15 +96,15 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
           L"permission"}},
         {L"administrator.ps4a",
          R"({"Administrator": {"PSFile": "Q:\\x.ps4", "NoSettingTabs": 1,
-            "PDFFileName": "Q:\\a", "OutputFolder": "Q:\\b"}, "Color": {"ColorMode": "grey"}, "Security": {"UserPassword": "secret"},
+            "PDFFileName": "Q:\\{a}", "OutputFolder": "Q:\\b"}, "Color": {"ColorMode": "grey"}, "Security": {"UserPassword": "secret"},
             "Font": {"Fonts": ["a"]}})",
          {L"Administrator.NoSettingTabs: has to be true or false; false is used",
           L"Administrator.PDFFileName: holds a folder; only the name behind it counts, and OutputFolder "
           L"takes the folder",
-          L"Administrator.OutputFolder: there is no folder Q:\\b",
+          L"Administrator.PDFFileName: {a}" + kWords, L"Administrator.OutputFolder: there is no folder Q:\\b",
           L"Administrator.PSFile: there is no file Q:\\x.ps4",
           L"Color.ColorMode: has to be a number; the user's value stays"},
-         {L"Administrator.OutputFolder = \"Q:\\b\"", L"Administrator.PDFFileName = \"Q:\\a\"",
+         {L"Administrator.OutputFolder = \"Q:\\b\"", L"Administrator.PDFFileName = \"Q:\\{a}\"",
           L"Administrator.PSFile = \"Q:\\x.ps4\"", L"Font.Fonts = [\"a\"]", L"Security.UserPassword"}}};
     here.user.set_text(Installation::kKey, L"Language", L"en");
     for (const auto& row : rows) {

@@ -10,6 +10,7 @@
 #include "companions/tessalo/options.h"
 #include "companions/tessalo/output_choice.h"
 #include "companions/thread.h"
+#include "job/output_name.h"
 #include "print_settings/PrintSettings.h"
 #include "support/installation.h"
 #include "support/variable.h"
@@ -29,7 +30,7 @@ TEST(SafeName, TitlesBecomeFileNames) {
                                       {L" . .. ", L"no_name"},    {L".pdf", L"no_name"},
                                       {L"PRN.pdf", L"_PRN"},      {L"\ta\r\nb\x7f\x85", L"a  b"}};
     for (const auto& [title, stem] : rows)
-        EXPECT_EQ(companions::safe_stem(title), stem);
+        EXPECT_EQ(safe_stem(title), stem);
 }
 
 TEST(SafeName, LimitsCutTheStemOnly) {
@@ -70,6 +71,30 @@ TEST(OutputChoice, SameNameRulesWithNobodyWatching) {
         EXPECT_EQ(file && file->reserved, reserved);
         EXPECT_EQ(TempFolder::read(folder.file(L"a.pdf")), exists ? "old" : "");
         EXPECT_EQ(folder.count(), size_t{exists} + reserved);
+    }
+}
+
+TEST(OutputChoice, NamesThatCountTakeTheFirstFreeNumber) {
+    const auto scan = [](unsigned number) { return L"Scan " + std::to_wstring(number); };
+    const companions::WantedName counted{scan, true};
+    const auto cut = [](unsigned number) { return L"Scans of May " + std::to_wstring(number); };
+    const TempFolder folder;
+    for (const wchar_t* taken : {L"Scan 1.pdf", L"Scan 3.pdf", L"Scans.pdf"})
+        folder.write(taken, "old");
+    EXPECT_EQ(find_free_title(folder.path(), counted, {}), L"Scan 2");
+    const NameLimits nine = {9, SIZE_MAX, 259};
+    const struct {
+        const companions::WantedName name;
+        SameName rule;
+        const wchar_t* file;
+        NameLimits limits = {};
+    } rows[] = {{counted, SameName::kOverwrite, L"Scan 2.pdf"},
+                {counted, SameName::kRefuse, L"Scan 4.pdf"},
+                {{cut, true}, SameName::kOverwrite, L"Sc(1).pdf", nine}};
+    for (const auto& row : rows) {
+        const auto file = choose_unattended(folder.path(), row.name, row.rule, row.limits);
+        EXPECT_EQ(file ? file->path : L"", folder.file(row.file));
+        EXPECT_TRUE(file && file->reserved);
     }
 }
 
@@ -160,14 +185,15 @@ TEST(OutputChoice, AFixedFolderAsksNothingUnlessTheRuleSaysSo) {
         folder.write(L"old.pdf", "old");
         ScriptedDialog dialog;
         dialog.answers = {folder.file(L"new.pdf")};
-        const auto file = choose_in_folder(dialog, folder.path(), row.title, row.rule, {});
+        const companions::WantedName wanted{[&row](unsigned) { return row.title; }};
+        const auto file = choose_in_folder(dialog, folder.path(), wanted, row.rule, {});
         EXPECT_EQ(file ? file->path : L"", *row.name ? folder.file(row.name) : L"");
         EXPECT_EQ(file && file->reserved, row.reserved);
         EXPECT_EQ(dialog.asked, row.asked);
         EXPECT_EQ(dialog.refusals, row.refusals);
         EXPECT_EQ(TempFolder::read(folder.file(L"old.pdf")), "old");
         dialog.answers = {elsewhere.file(std::to_wstring(&row - rows))};
-        const auto other = choose_in_folder(dialog, folder.file(L"none"), row.title, row.rule, {});
+        const auto other = choose_in_folder(dialog, folder.file(L"none"), wanted, row.rule, {});
         EXPECT_EQ(other.has_value(), row.asked == 0) << "where no file can be made the dialog asks";
     }
 }
@@ -253,9 +279,18 @@ TEST_F(Tessalo, NameIsTheDocumentsDefaultOneMadeSafe) {
         record_.title.lend(title, units);
         EXPECT_EQ(ask(folder.path()), folder.file(file));
     }
-    here_.folder.write(L"administrator.ps4a",
-                       "\xEF\xBB\xBF{\"Administrator\": {\"PDFFileName\": \"C:\\\\x\\\\Fixed.pdf\"}}");
-    EXPECT_EQ(ask(here_.folder.path()), here_.folder.file(L"Fixed.pdf"));
+    here_.set_number(HKEY_CURRENT_USER, L"\\Special", L"Cutoff_by_period", 0);
+    record_.title.set_in_place(L"a:b.txt");
+    for (const auto& [pattern, name] : {std::pair(L"{title}, {PRINTER}", L"a_b.txt, Printer.pdf"),
+                                        {L"{counter} {x}/", L"1 {x}_.pdf"},
+                                        {L"{counter} {x}/", L"2 {x}_.pdf"}}) {
+        settings_.addition()->Str[L"FileName"] = pattern;
+        EXPECT_EQ(ask(here_.folder.path()), here_.folder.file(name));
+    }
+    here_.folder.write(
+        L"administrator.ps4a",
+        "\xEF\xBB\xBF{\"Administrator\": {\"PDFFileName\": \"C:\\\\x\\\\Fixed {title}.pdf\"}}");
+    EXPECT_EQ(ask(here_.folder.path()), here_.folder.file(L"Fixed a_b.txt.pdf"));
 }
 
 TEST_F(Tessalo, SettingOfTheProcessGoesBeforeThePrinters) {

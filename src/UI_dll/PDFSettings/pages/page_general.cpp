@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <utility>
 
 #include "UI_dll/PDFSettings/messages.h"
 #include "UI_dll/PDFSettings/pages/dlg_item.h"
@@ -11,9 +13,11 @@
 #include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "common/dialog_library.h"
+#include "common/driver_util.h"
 #include "common/qk/paths.h"
 #include "common/threadprop.h"
 #include "common/qk/trace.h"
+#include "job/name_pattern.h"
 #include "lib/devmode.h"
 #include "resources/ids.h"
 
@@ -66,6 +70,28 @@ bool saves_in_folder(HWND page) {
 
 void enable_folder(HWND page) {
     enable(page, kFolderControls, saves_in_folder(page));
+}
+
+// Below the pattern, the name that a document would get now.
+void show_name_now(HWND page) {
+    ULONG_PTR printer = 0;
+    GetThreadProp(threadprop::kPrinterName, printer);
+    job::NameValues values{.title = dialog_text(IDS_SAMPLE_TITLE), .user = user_name()};
+    if (printer)
+        values.printer = *reinterpret_cast<const std::wstring*>(printer);
+    GetLocalTime(&values.time);
+    const std::wstring name = name_now(control_text(page, IDC_FILE_NAME), values);
+    SetDlgItemTextW(page, IDC_FILE_NAME_NOW,
+                    qk::format(dialog_text(IDS_FILE_NAME_NOW).c_str(), name.c_str()).c_str());
+}
+
+void show_file_name(HWND page, const Setting& setting) {
+    const auto& texts = setting.addition()->Str;
+    const auto entry = texts.find(job::kFileNameKey);
+    show_text(page, IDC_FILE_NAME, entry != texts.end() ? entry->second : std::wstring(), job::kPatternUnits);
+    SendDlgItemMessageW(page, IDC_FILE_NAME, EM_SETCUEBANNER, TRUE,
+                        reinterpret_cast<LPARAM>(job::kNameWords));
+    show_name_now(page);
 }
 
 void enable_paper(HWND page, bool custom) {
@@ -131,6 +157,7 @@ void dlg_init_General(HWND page) {
     fill_list(page, IDC_SAVE_STYLE, IDS_SAVE_STYLE_ASK, 2);
     select(page, IDC_SAVE_STYLE, general.SaveStyle ? 1 : 0);
     enable_folder(page);
+    show_file_name(page, setting);
     show_text(page, IDC_PAPER_WIDTH, length_text(general.PaperWidth), kLengthUnits);
     show_text(page, IDC_PAPER_HEIGHT, length_text(general.PaperHeight), kLengthUnits);
     show_resolution(page, general.PaperResolution);
@@ -195,6 +222,10 @@ void command(HWND page, int control, int notification) {
         case IDC_SAVE_STYLE:
             enable_folder(page);
             break;
+        case IDC_FILE_NAME:
+            if (notification == EN_CHANGE)
+                show_name_now(page);
+            break;
         case IDC_BROWSE:
             if (notification == BN_CLICKED)
                 browse(page);
@@ -231,6 +262,12 @@ bool check_folder(HWND page) {
            refuse(page, IDC_OUTPUT_FOLDER, IDS_NO_OUTPUT_FOLDER);
 }
 
+bool check_file_name(HWND page) {
+    return !is_touched(page, IDC_FILE_NAME) ||
+           job::find_pattern_fault(control_text(page, IDC_FILE_NAME)).empty() ||
+           refuse(page, IDC_FILE_NAME, IDS_BAD_FILE_NAME);
+}
+
 bool check_scale(HWND page, int32_t current) {
     if (find_scale(control_text(page, IDC_SCALE)))
         return true;
@@ -251,7 +288,7 @@ bool dlg_killactive_General(HWND page) {
     const General_impl& general = *loaded_setting().general();
     return check_name(page) && check_length(page, IDC_PAPER_WIDTH, general.PaperWidth) &&
            check_length(page, IDC_PAPER_HEIGHT, general.PaperHeight) && check_folder(page) &&
-           check_scale(page, general.Scale) && check_links(page);
+           check_file_name(page) && check_scale(page, general.Scale) && check_links(page);
 }
 
 // --- Reading the controls ---
@@ -276,6 +313,20 @@ void name_form(const FormRecord& form, bool is_new) {
         edited[kFormNameKey] = entry->second;
     else
         edited.erase(kFormNameKey);
+}
+
+// A cleared pattern is none. Untouched, the text stays as it was loaded.
+void read_file_name(HWND page) {
+    auto& texts = edited_setting().addition()->Str;
+    const auto& loaded = loaded_setting().addition()->Str;
+    const auto before = loaded.find(job::kFileNameKey);
+    texts.erase(job::kFileNameKey);
+    if (is_touched(page, IDC_FILE_NAME)) {
+        if (std::wstring text = control_text(page, IDC_FILE_NAME); !text.empty())
+            texts[job::kFileNameKey] = std::move(text);
+    } else if (before != loaded.end()) {
+        texts.insert(*before);
+    }
 }
 
 // The number of a form that this computer does not have, or has for another one, stays until a paper is
@@ -313,6 +364,7 @@ void dlg_apply_General(HWND page) {
     if (const auto scale = find_scale(control_text(page, IDC_SCALE)); scale && is_touched(page, IDC_SCALE))
         read.Scale = static_cast<int32_t>(*scale);
     read_paper(page, read);
+    read_file_name(page);
     std::wstring name = is_touched(page, IDC_NAME) ? control_text(page, IDC_NAME)
                                                    : page_helper<GeneralHelper>(kGeneralPage).name;
     *setting.general() = std::move(read);

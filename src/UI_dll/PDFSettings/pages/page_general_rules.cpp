@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "common/qk/text.h"
+#include "job/output_name.h"
 #include "print_settings/field_tables.h"
 
 namespace pdf_settings {
@@ -54,6 +55,10 @@ std::optional<double> find_scale(std::wstring_view text) noexcept {
 std::optional<int32_t> find_resolution(std::wstring_view text) noexcept {
     const auto number = qk::find_integer(text);
     return number && *number >= 0 ? number : std::nullopt;
+}
+
+std::wstring name_now(std::wstring_view pattern, const job::NameValues& values) {
+    return safe_stem(pattern.empty() ? values.title : job::expand_name(pattern, values)) + L".pdf";
 }
 
 float paper_length(double millimetres) noexcept {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "job/name_pattern.h"
 #include "lib/forms.h"
 
 namespace pdf_settings {
@@ -28,6 +29,9 @@ inline constexpr size_t kScaleUnits = 8;
 // A resolution in dots per inch, not limited to a range; nothing when the text does not start with a number
 // of at least 0.
 [[nodiscard]] std::optional<int32_t> find_resolution(std::wstring_view text) noexcept;
+
+// The file name that a pattern gives with these values, "Document.pdf"; an empty pattern is the title.
+[[nodiscard]] std::wstring name_now(std::wstring_view pattern, const job::NameValues& values);
 
 // Brings a length into the range of paper sizes.
 [[nodiscard]] float paper_length(double millimetres) noexcept;
