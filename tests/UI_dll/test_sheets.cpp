@@ -372,7 +372,7 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
                     GetDlgItemTextW(options, 8021, title, 100);
                     EXPECT_EQ(title, qk::load_string(IDS_SETTING_IN_FORCE));
                     SendDlgItemMessageW(options, 8022, LB_GETTEXT, 0, reinterpret_cast<LPARAM>(text));
-                    EXPECT_STREQ(text, L"standard.ps4");
+                    EXPECT_STREQ(text, L"Standard");
                     EXPECT_TRUE(GetDlgItem(options, 8020) && GetDlgItem(options, 8023));
                 }
                 const HWND list = GetDlgItem(page(row.settings_page), IDC_SETTINGS_LIST);
