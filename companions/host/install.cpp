@@ -106,7 +106,9 @@ void remove_files(const InstallPlaces& places, Steps& steps) {
     remove_file(places.drivers + kDataFile, steps);
     remove_file(places.processors + processor::kLibrary, steps);
     for (const wchar_t* name :
-         {L"Tessalo80.dll", L"Tessalo80.ini", L"zr_render.exe", L"Settings\\standard.ps4"})
+         {L"Tessalo80.dll", L"Tessalo80.ini", L"zr_render.exe", L"Settings\\standard.ps4",
+          L"Settings\\smallest.ps4", L"Settings\\everyday.ps4", L"Settings\\quality.ps4",
+          L"Settings\\archive.ps4", L"Settings\\press.ps4", L"Settings\\protected.ps4"})
         remove_file(places.installation + name, steps);
     RemoveDirectoryW((places.drivers + L"Language").c_str());
     for (const wchar_t* folder :

@@ -20,6 +20,7 @@
 #define IDC_SEC_OPEN_LABEL 262
 #define IDC_SEC_PASSWORD_LABEL 263
 #define IDC_SEC_GROUP 264
+#define IDC_SEC_SHOW 265
 
 // Values of the two lists.
 #define IDS_SEC_EDIT_0 1241

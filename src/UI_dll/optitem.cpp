@@ -4,9 +4,11 @@
 #include <array>
 #include <new>
 
+#include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/sheet_information.h"
 #include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
+#include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "resources/ids.h"
@@ -53,10 +55,13 @@ void fill_parameters(const OptionDescriptor& descriptor, std::span<OPTPARAM> par
         parameters[0].lParam += static_cast<LPARAM>(information);
 }
 
-// The name of the setting in force for the printer, as its file is called.
+// The name of the setting in force for the printer, as the list shows it; its file's where there is none.
 std::wstring setting_in_force(const std::wstring& printer) {
-    const std::wstring name = GetSettingFileNameFromFD(printer);
-    return name.empty() ? std::wstring(kDefaultSettingFile) : std::wstring(qk::file_part(name));
+    std::wstring file = GetSettingFileNameFromFD(printer);
+    if (file.empty())
+        file = kDefaultSettingFile;
+    const std::wstring path = SettingPathOf(file);
+    return qk::is_file(path) ? pdf_settings::shown_setting_name(path) : std::wstring(qk::file_part(file));
 }
 
 void set_up(SheetInformation& information, const OptionDescriptor& descriptor, std::wstring text) {

@@ -151,7 +151,7 @@ TEST_F(EveryField, SetOnItsPageIsInTheFileAndOnThePageAgain) {
     "ResolutionTarget": 101},
   "Gray": {"CompressionMethod": 4, "JpegQuality": 22, "DownSamplingMethod": 1, "ResolutionThreshold": 302,
     "ResolutionTarget": 102}},
-"Watermark": {"Style": 2, "PictureFileName": "C:\\windows\\win.ini", "PictureScale": 6400,
+"Watermark": {"Style": 2, "PictureFileName": "\\\\?\\C:\\windows\\win.ini", "PictureScale": 6400,
   "VisibleInDisplay": false},
 "OpenAction": {"StartPage": 4294967295, "ShowDocumentTitle": true, "CenterWindow": true, "HideToolBar": true,
   "HideWindowControl": true}})",
@@ -181,7 +181,7 @@ TEST_F(EveryField, SetOnItsPageIsInTheFileAndOnThePageAgain) {
              }
              on(kCompressPage, {IDC_CMP_ASCII, IDC_CMP_TEXT, IDC_CMP_HIGH});
              on(kWaterMarkPage, {IDC_MARK_PICTURE, IDC_MARK_AUTO_SCALE, IDC_MARK_ON_SCREEN}, {},
-                {{IDC_MARK_FILE, L"C:\\windows\\win.ini"}, {IDC_MARK_SCALE, L"6400"}});
+                {{IDC_MARK_FILE, L"\\\\?\\C:\\windows\\win.ini"}, {IDC_MARK_SCALE, L"6400"}});
              on(kOpenActionPage, {IDC_OPEN_AT_PAGE, IDC_OPEN_SHOW_TITLE, IDC_OPEN_CENTER,
                                   IDC_OPEN_HIDE_TOOL_BAR, IDC_OPEN_HIDE_CONTROLS});
          }},

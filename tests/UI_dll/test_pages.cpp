@@ -172,6 +172,9 @@ TEST_F(Pages, WhatCannotBeIsRefusedAndWhatItIsAboutIsTold) {
         click(kWaterMarkPage, IDC_MARK_PICTURE);
         expect_check(kWaterMarkPage, IDS_MARK_NO_FILE, IDC_MARK_FILE);
         type(kWaterMarkPage, IDC_MARK_FILE, L"C:\\windows\\win.ini");
+        expect_check(kWaterMarkPage, IDS_MARK_NO_PICTURE, IDC_MARK_FILE);
+        type(kWaterMarkPage, IDC_MARK_FILE,
+             L"\\\\?\\C:\\windows\\win.ini");  // as on another computer: not asked
         click(kWaterMarkPage, IDC_MARK_AUTO_SCALE);
         for (const wchar_t* bad : {L"0", L"6401"}) {
             type(kWaterMarkPage, IDC_MARK_SCALE, bad);

@@ -7,6 +7,8 @@
 #include "common/qk/resource_dll.h"
 #include "common/qk/registry.h"
 #include "common/rwPDFSet_functions.h"
+#include "companions/host/setting_check.h"
+#include "support/profile_folder.h"
 #include "support/sheet_driver.h"
 
 namespace {
@@ -363,6 +365,180 @@ TEST_F(SettingsPage, SettingsOfOlderVersionsComeInOnceTheNewestFirst) {
         DeleteFileW(own(name).c_str());
     open();
     EXPECT_EQ(rows(), L"alpha zeta Office [Standard]");
+}
+
+// Key by key, as the list tells them.
+void press_key(HWND page, WORD key) {
+    NMLVKEYDOWN down = {};
+    down.hdr = {GetDlgItem(page, IDC_SETTINGS_LIST), IDC_SETTINGS_LIST, LVN_KEYDOWN};
+    down.wVKey = key;
+    SendMessageW(page, WM_NOTIFY, IDC_SETTINGS_LIST, reinterpret_cast<LPARAM>(&down));
+}
+
+void handle_posted() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        DispatchMessageW(&message);
+}
+
+TEST_F(SettingsPage, PrintersSettingIsInSightAmongMany) {
+    for (int i = 10; i < 70; ++i)
+        add_own(L"s" + std::to_wstring(i));
+    SetSettingFileName(L"s55.ps4", here.printer.name);
+    open();
+    const int row = selected_row(window), top = ListView_GetTopIndex(list());
+    EXPECT_EQ(selected_entry(window)->name, L"s55");
+    EXPECT_TRUE(row >= top && row < top + ListView_GetCountPerPage(list())) << row << " from " << top;
+    EXPECT_EQ(ListView_GetNextItem(list(), -1, LVNI_FOCUSED), row);
+}
+
+TEST_F(SettingsPage, SelectedSettingIsToldInWords) {
+    Setting& told = setting();
+    told->PSName = L"told";
+    told.general()->PaperType = 1;
+    told.general()->PaperWidth = 100;
+    told.general()->PaperHeight = 50;
+    told.general()->SaveStyle = 1;
+    told.general()->OutputFolder = L"C:\\here";
+    told.security()->UserPassword = L"secret";
+    told.watermark()->Style = 1;
+    told.watermark()->Text = L"DRAFT";
+    EXPECT_TRUE(told.Save(own(L"told")));
+    here.folder.write(L"Settings\\broken.ps4", "{");
+    open();
+    const struct {
+        int row;
+        std::vector<std::wstring> parts;
+        bool can_copy;
+    } rows[] = {{1,
+                 {L"Paper: Custom size, 100 \u00D7 50 mm\n", L"PDF version: PDF 1.7\n",
+                  L"Security: password to open\n", L"C:\\here\n", L"Watermark: DRAFT"},
+                 true},
+                {3, {L"Security: none\n", dialog_text(IDS_SUM_ADMINISTRATOR)}, true},
+                {4, {L"asks each time\n", dialog_text(IDS_SUM_INSTALLED)}, true},
+                {5, {dialog_text(IDS_SUM_UNREADABLE)}, false}};
+    for (const auto& row : rows) {
+        select(row.row);
+        const std::wstring text = control_text(window, IDC_SETTINGS_SUMMARY);
+        for (const std::wstring& part : row.parts)
+            EXPECT_NE(text.find(part), std::wstring::npos)
+                << qk::to_utf8(part) << " in " << qk::to_utf8(text);
+        EXPECT_EQ(text.find(L"secret"), std::wstring::npos);
+        EXPECT_EQ(IsWindowEnabled(GetDlgItem(window, IDC_SETTINGS_COPY)) != FALSE, row.can_copy);
+    }
+}
+
+TEST_F(SettingsPage, FilesAreImportedOrRefusedInWords) {
+    const std::string mark = "\xEF\xBB\xBF";
+    add(L"zeta.ps4", L"zeta");  // of a name and a file that are there
+    here.folder.write(L"low.ps4", mark + R"({"PSName":"low","PSComment":[],"General":{"Scale":5}})");
+    here.folder.write(L"torn.ps4", mark + "{\n\"a\":");
+    here.folder.write(L"bare.ps4", "{}");
+    here.folder.write(L"list.ps4", mark + R"({"PSComment":[],"General":[]})");
+    here.folder.write(L"old.ps4", std::string("\x09\x00\x02\x00", 4));
+    open();
+    const std::string before = TempFolder::read(own(L"zeta"));
+    std::wstring files;
+    for (const wchar_t* name : {L"torn", L"bare", L"list", L"old", L"gone", L"zeta", L"low"})
+        files += here.folder.file(name) + L".ps4" + L'\0';
+    const HGLOBAL memory = GlobalAlloc(GHND, sizeof(DROPFILES) + (files.size() + 1) * sizeof(wchar_t));
+    auto* drop = static_cast<DROPFILES*>(GlobalLock(memory));
+    drop->pFiles = sizeof *drop;
+    drop->fWide = TRUE;
+    std::memcpy(drop + 1, files.data(), files.size() * sizeof(wchar_t));
+    GlobalUnlock(memory);
+    SendMessageW(window, WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
+    EXPECT_EQ(rows(), L"alpha [low] zeta zeta(1) Office Standard");
+    EXPECT_EQ(TempFolder::read(own(L"zeta")), before);
+    ASSERT_EQ(Outbox::boxes.size(), 2u);
+    EXPECT_NE(Outbox::boxes[0].text.find(L"General.Scale: 5 \u2192 10"), std::wstring::npos);
+    const std::pair<const wchar_t*, std::wstring> faults[] = {
+        {L"torn", qk::format(dialog_text(IDS_IMPORT_DAMAGED).c_str(), 2)},
+        {L"bare", dialog_text(IDS_IMPORT_NO_SETTING)},
+        {L"list", dialog_text(IDS_IMPORT_WRONG_KIND)},
+        {L"old", dialog_text(IDS_IMPORT_LEGACY)},
+        {L"gone", dialog_text(IDS_IMPORT_UNREADABLE)}};
+    for (const auto& [name, fault] : faults)
+        EXPECT_NE(Outbox::boxes[1].text.find(name + (L".ps4: " + fault)), std::wstring::npos)
+            << qk::to_utf8(Outbox::boxes[1].text);
+}
+
+TEST_F(SettingsPage, KeysRenameAndDelete) {
+    open();
+    const struct {
+        int row;
+        const wchar_t* typed;
+        UINT box;
+        const wchar_t* rows;
+    } cases[] = {{0, L"gamma", 0, L"[gamma] zeta Office Standard"},
+                 {0, L" ", IDS_NO_NAME, L"[gamma] zeta Office Standard"},
+                 {0, L"Office", IDS_RENAME_TAKEN, L"[gamma] zeta Office Standard"},
+                 {2, nullptr, 0, L"gamma zeta [Office] Standard"}};
+    for (const auto& row : cases) {
+        Outbox::boxes.clear();
+        select(row.row);
+        press_key(window, VK_F2);
+        const HWND edit = ListView_GetEditControl(list());
+        ASSERT_EQ(edit != nullptr, row.typed != nullptr);
+        if (edit) {
+            SetWindowTextW(edit, row.typed);
+            SendMessageW(edit, WM_KEYDOWN, VK_RETURN, 0);
+        }
+        handle_posted();
+        EXPECT_EQ(rows(), row.rows);
+        ASSERT_EQ(Outbox::boxes.size(), row.box ? 1u : 0u);
+        EXPECT_TRUE(!row.box || Outbox::boxes[0].text == dialog_text(row.box));
+    }
+    EXPECT_EQ(ReadName(own(L"alpha")), L"gamma") << "the printers' choice goes by the file";
+    ListView_EditLabel(list(), 0);
+    EXPECT_FALSE(ListView_GetEditControl(list())) << "by the key only: a second click may be half of two";
+    Outbox::answer = IDYES;
+    select(0);
+    press_key(window, VK_DELETE);
+    EXPECT_EQ(rows(), L"[zeta] Office Standard");
+}
+
+TEST_F(SettingsPage, SheetSaysWhatItMakesACopyOf) {
+    open();
+    const struct {
+        int row, button;
+        std::wstring caption;
+    } cases[] = {{0, IDC_SETTINGS_EDIT, L"Print setting - alpha"},
+                 {3, IDC_SETTINGS_EDIT, L"New setting: copy of Standard"},
+                 {0, IDC_SETTINGS_COPY, L"New setting: copy of alpha"},
+                 {0, IDC_SETTINGS_NEW, L"New setting"}};
+    for (const auto& row : cases) {
+        select(row.row);
+        in_sheet(row.button, [&] { EXPECT_EQ(window_text(sheet()), row.caption); });
+    }
+}
+
+// Those beside the standard one: sound, printable, and called what the dialog's language calls them.
+TEST_F(SettingsPage, ReadySettingsComeWithTheProduct) {
+    const ProfileFolder profiles;
+    profiles.add(L"sRGB Color Space Profile.icm", "RGB ", "mntr", "sRGB");
+    profiles.add(L"RSWOP.icm", "CMYK", "prtr", "SWOP");
+    const struct {
+        const wchar_t* file;
+        UINT name, version;
+        bool is_protected;
+    } rows[] = {{L"smallest", IDS_READY_SMALLEST, 4, false}, {L"everyday", IDS_READY_EVERYDAY, 4, false},
+                {L"quality", IDS_READY_QUALITY, 4, false},   {L"archive", IDS_READY_ARCHIVE, 11, false},
+                {L"press", IDS_READY_PRESS, 10, false},      {L"protected", IDS_READY_PROTECTED, 4, true}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(qk::to_utf8(row.file));
+        const std::wstring file = L"Settings\\" + std::wstring(row.file) + L".ps4";
+        const std::wstring path = here.folder.file(file);
+        EXPECT_TRUE(CopyFileW(Installation::built(file).c_str(), path.c_str(), TRUE));
+        const host::SettingFindings found = host::check_setting(path);
+        EXPECT_TRUE(found.faults.empty()) << qk::to_utf8(found.faults.front());
+        Setting setting;
+        EXPECT_TRUE(setting.Load(path));
+        EXPECT_EQ(setting.pdfVersion()->Version, row.version);
+        EXPECT_EQ(!setting.security()->MasterPassword.empty(), row.is_protected);
+        EXPECT_EQ(shown_setting_name(path), dialog_text(row.name));
+        EXPECT_EQ(setting->PSName, dialog_text(row.name)) << "in English it is the file's own";
+    }
 }
 
 }  // namespace

@@ -313,7 +313,7 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
                                   wchar_t text[100] = {};
                                   SendDlgItemMessageW(options, 8022, LB_GETTEXT, 0,
                                                       reinterpret_cast<LPARAM>(text));
-                                  EXPECT_STREQ(text, L"standard.ps4");
+                                  EXPECT_STREQ(text, L"Standard");
                                   EXPECT_TRUE(GetDlgItem(options, 8020) && GetDlgItem(options, 8023));
                               }
                               const HWND list = GetDlgItem(page(1 - is_alone), IDC_SETTINGS_LIST);

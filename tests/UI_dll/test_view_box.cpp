@@ -70,7 +70,9 @@ protected:
     };
     Red draw() {
         const qk::Selected selected(dc.get(), bitmap.get());
-        draw_page(dc.get(), {0, 0, kWidth, kHeight}, GetSysColorBrush(COLOR_BTNFACE), mark);
+        Setting shown = setting();
+        *shown.watermark() = mark;
+        draw_page(dc.get(), {0, 0, kWidth, kHeight}, GetSysColorBrush(COLOR_BTNFACE), shown);
         GdiFlush();
         Red red;
         for (LONG y = 0; y < kHeight; ++y)

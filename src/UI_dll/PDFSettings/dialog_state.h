@@ -4,10 +4,12 @@
 #include <windows.h>
 
 #include <array>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "common/qk/gdi_handle.h"
 #include "common/qk/wipe.h"
@@ -57,8 +59,11 @@ struct ListPageState {
     std::unique_ptr<PageHelper> view_box;  // what the drawing of the page keeps
     std::unique_ptr<PageHelper> font_states;  // the table of font_states.h
     HWND page = nullptr;
-    HWND sheet = nullptr;          // the page's parent, whose window procedure is replaced
-    bool edit_cancelled = false;   // the last edit sheet was
+    HWND sheet = nullptr;         // the page's parent, whose window procedure is replaced
+    bool edit_cancelled = false;  // the last edit sheet was
+    bool may_rename = false;      // a row's text may become an edit now
+    std::wstring renamed_path;    // the file whose row's text was edited, and to what
+    std::wstring new_name;
     HANDLE dpi_context = nullptr;  // the thread's, before the page was opened
 };
 
@@ -67,14 +72,23 @@ struct EditedFile {
     std::unique_ptr<Setting> edited;  // the setting being edited, see edited_setting()
     std::unique_ptr<Setting> saved;   // as it was loaded; compared with on OK
     std::wstring path;                // the file that both were loaded from
+    std::optional<uint64_t> mark;     // of that file's bytes as they were then; nothing: not known
+};
+
+// What a check of all pages has found.
+struct Finding {
+    HWND page;
+    int control;
+    std::wstring text;
 };
 
 // As long as the edit sheet is open.
 struct OpenSheet {
     std::array<std::unique_ptr<PageHelper>, kPageCount> helpers;
     std::array<HWND, kPageCount> pages = {};
-    std::map<HWND, qk::SecretText> shown;  // what its controls showed at first, see is_touched()
-    bool opening = false;                  // its pages are being made: nothing is checked
+    std::map<HWND, qk::SecretText> shown;      // what its controls showed at first, see is_touched()
+    bool opening = false;                      // its pages are being made: nothing is checked
+    std::vector<Finding>* findings = nullptr;  // where refusals go instead of a box, see refuse()
 };
 
 struct DialogState {

@@ -1,5 +1,6 @@
 #include "UI_dll/PDFSettings/messages.h"
 
+#include "UI_dll/PDFSettings/dialog_state.h"
 #include "common/qk/resource_dll.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
@@ -36,6 +37,10 @@ bool refuse(HWND page, int control, UINT text_id, UINT icon) {
 
 bool refuse(HWND page, int control, const std::wstring& text, UINT icon) {
     TRACE_F(L"refused: %d", control);
+    if (auto* findings = dialog_state().sheet.findings) {
+        findings->push_back({page, control, text});
+        return true;
+    }
     show_message(page, text, IDS_REFUSED, MB_OK | icon);
     if (const HWND window = GetDlgItem(page, control)) {
         SetFocus(window);

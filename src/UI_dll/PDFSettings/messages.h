@@ -34,7 +34,7 @@ template <class Operation>
 }
 
 // The way a check refuses: the message with the caption IDS_REFUSED, then the focus on the control, whose
-// text is selected. Always false.
+// text is selected; false. While findings are collected it only adds one, and is true: the check goes on.
 bool refuse(HWND page, int control, UINT text_id, UINT icon = MB_ICONERROR);
 bool refuse(HWND page, int control, const std::wstring& text, UINT icon = MB_ICONERROR);
 

@@ -9,11 +9,15 @@
 #include <span>
 #include <utility>
 
+#include "UI_dll/PDFSettings/messages.h"
 #include "common/qk/paths.h"
 #include "common/qk/registry.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
+#include "common/qk/wipe.h"
+#include "print_settings/setting_file.h"
+#include "resources/ids.h"
 
 namespace pdf_settings {
 
@@ -63,9 +67,22 @@ std::wstring name_of_file(const std::wstring& path) {
     return std::wstring(file.substr(0, file.rfind(L'.')));
 }
 
+// The settings that come with the product, whose names are the language library's.
+constexpr struct {
+    std::wstring_view file;
+    UINT name;
+} kReady[] = {{L"smallest.ps4", IDS_READY_SMALLEST}, {L"everyday.ps4", IDS_READY_EVERYDAY},
+              {L"quality.ps4", IDS_READY_QUALITY},   {L"archive.ps4", IDS_READY_ARCHIVE},
+              {L"press.ps4", IDS_READY_PRESS},       {L"protected.ps4", IDS_READY_PROTECTED}};
+
 SettingEntry entry_of(int32_t kind, const std::wstring& path) {
     const auto name = Corvanta::Vantrix::PrintSettings::ReadName(path);
-    return {kind, path, name && !name->empty() ? *name : name_of_file(path), name.has_value()};
+    SettingEntry entry{kind, path, name && !name->empty() ? *name : name_of_file(path), name.has_value()};
+    if (kind == SettingEntry::kInstalled && entry.is_readable)
+        for (const auto& ready : kReady)
+            if (qk::equal_no_case(qk::file_part(path), ready.file))
+                entry.name = dialog_text(ready.name);
+    return entry;
 }
 
 // Whether one of the folders has such a file.
@@ -132,6 +149,14 @@ void ImportOldCustomSettings() {
         RegSetValueExW(key.get(), kImported, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&done), sizeof done);
 }
 
+std::wstring shown_setting_name(const std::wstring& path) {
+    for (const SettingFolder& folder : setting_folders(qk::install_folder()))
+        if (path.size() > folder.path.size() &&
+            qk::equal_no_case(std::wstring_view(path).substr(0, folder.path.size()), folder.path))
+            return entry_of(folder.owner, path).name;
+    return entry_of(SettingEntry::kOwn, path).name;
+}
+
 std::vector<SettingEntry> ListUpPSFiles() {
     TRACE("ListUpPSFiles");
     ImportOldCustomSettings();
@@ -176,12 +201,24 @@ std::wstring create_setting_file(const Setting& setting) {
     return path;
 }
 
+std::optional<uint64_t> file_mark(const std::wstring& path) {
+    std::string bytes;
+    const qk::WipedAtEnd wiped(bytes);
+    if (path.empty() || ps::setting_file::read(path, bytes) != ps::kLoaded)
+        return std::nullopt;
+    uint64_t mark = 14695981039346656037u;  // FNV-1a
+    for (const char byte : bytes)
+        mark = (mark ^ static_cast<unsigned char>(byte)) * 1099511628211u;
+    return mark;
+}
+
 bool LoadSettingFile(const std::wstring& path) {
     TRACE("LoadSettingFile");
     EditedFile& state = dialog_state().file;
     Setting& edited = edited_setting();
     edited = Setting();
     state.path = path;
+    state.mark = file_mark(path);
     const bool loaded = !path.empty() && edited.Load(path);
     if (!loaded) {
         TRACE("no ps");

@@ -1,6 +1,8 @@
 // The setting files that a user may choose from.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,8 +13,12 @@ namespace pdf_settings {
 
 // Every setting file of the user's folder, then of "CustomSettings\", "Settings\" and "Settings\legacy\" of
 // the installation; in each folder by kind of file. Older settings are brought in first. A file whose name
-// cannot be read is listed under its file name.
+// cannot be read is listed under its file name, one of those that come with the product under the name that
+// the dialog's language has for it.
 [[nodiscard]] std::vector<SettingEntry> ListUpPSFiles();
+
+// The name under which the list shows the file; one that cannot be read goes by its file's.
+[[nodiscard]] std::wstring shown_setting_name(const std::wstring& path);
 
 // Whether a listed file other than `ignored` (a path, or empty) holds a setting of exactly that name.
 [[nodiscard]] bool is_name_taken(const std::wstring& name, const std::wstring& ignored);
@@ -29,6 +35,9 @@ namespace pdf_settings {
 // once per user. A file that is there already stays; one that the installation has is brought in under
 // another name.
 void ImportOldCustomSettings();
+
+// What tells whether the bytes of a file are still the same; nothing when it cannot be read.
+[[nodiscard]] std::optional<uint64_t> file_mark(const std::wstring& path);
 
 // Loads a file into the thread's edited setting and its saved copy. False, with standard values in both, when
 // there is none or it cannot be read.

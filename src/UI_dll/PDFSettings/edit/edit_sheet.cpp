@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
+#include <vector>
 
 #include "UI_dll/PDFSettings/controls.h"
 #include "UI_dll/PDFSettings/edit/changes_box.h"
@@ -60,6 +62,72 @@ void set_up_check_button(HWND sheet) {
     PostMessageW(dialog_state().sheet.pages[kGeneralPage], kSheetStands, 0, 0);
 }
 
+// --- The check button ---
+
+// The window property of the sheet that holds its own procedure.
+constexpr wchar_t kProcedureBefore[] = L"ZR_UI80.EditSheetProcedure";
+
+std::vector<Finding> find_faults() {
+    struct Collecting {
+        std::vector<Finding> findings;
+        Collecting() { dialog_state().sheet.findings = &findings; }
+        ~Collecting() { dialog_state().sheet.findings = nullptr; }
+        Collecting(const Collecting&) = delete;
+        Collecting& operator=(const Collecting&) = delete;
+    } collecting;
+    for (size_t page = 0; page < kPageCount; ++page)
+        (void)check_page(static_cast<PageIndex>(page));
+    return std::move(collecting.findings);
+}
+
+// Turns to the control, whatever the page in front thinks of itself.
+void go_to(HWND sheet, const Finding& finding) {
+    const auto& pages = dialog_state().sheet.pages;
+    const auto index = std::ranges::find(pages, finding.page) - pages.begin();
+    dialog_state().sheet.opening = true;
+    SendMessageW(sheet, PSM_SETCURSEL, static_cast<WPARAM>(index), 0);
+    dialog_state().sheet.opening = false;
+    if (const HWND control = GetDlgItem(finding.page, finding.control))
+        SetFocus(control);
+}
+
+void check_all(HWND sheet) {
+    const std::vector<Finding> findings = find_faults();
+    if (findings.empty()) {
+        show_message(sheet, dialog_text(IDS_CHECKED), IDS_REFUSED, MB_OK | MB_ICONINFORMATION);
+        return;
+    }
+    std::wstring text;
+    for (const Finding& finding : findings)
+        text += L"\n\n" + window_text(finding.page) + L": " + finding.text;
+    show_message(sheet, dialog_text(IDS_CHECK_FOUND) + text, IDS_REFUSED, MB_OK | MB_ICONERROR);
+    go_to(sheet, findings.front());
+}
+
+LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
+    return qk::guarded<LRESULT>(0, [&]() -> LRESULT {
+        const auto before = reinterpret_cast<WNDPROC>(GetPropW(sheet, kProcedureBefore));
+        if (message == WM_COMMAND && LOWORD(wparam) == kApplyButton && HIWORD(wparam) == BN_CLICKED) {
+            (void)or_stay_open(sheet, 0, [&] {
+                check_all(sheet);
+                return LONG_PTR{0};
+            });
+            return 0;
+        }
+        if (message == WM_NCDESTROY)
+            RemovePropW(sheet, kProcedureBefore);
+        return before ? CallWindowProcW(before, sheet, message, wparam, lparam)
+                      : DefWindowProcW(sheet, message, wparam, lparam);
+    });
+}
+
+// The system would apply the pages one by one, and stop at the first that is not valid.
+void take_check_button(HWND sheet) noexcept {
+    const LONG_PTR before = GetWindowLongPtrW(sheet, GWLP_WNDPROC);
+    if (SetPropW(sheet, kProcedureBefore, reinterpret_cast<HANDLE>(before)))
+        SetWindowLongPtrW(sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&sheet_procedure));
+}
+
 // PSP_PREMATURE asks for every page at once: OK applies, and pages read, what others show. Where the system
 // does not take the flag, turning to each page makes it.
 void make_every_page(HWND sheet) {
@@ -83,6 +151,7 @@ int CALLBACK sheet_callback(HWND sheet, UINT message, LPARAM) {
         make_every_page(sheet);
         if (qk::resource_module())
             set_up_check_button(sheet);
+        take_check_button(sheet);
         return 0;
     });
 }
@@ -112,28 +181,6 @@ int tell_not_saved(HWND page, const std::wstring& path, DWORD error) {
     return kNotSaved;
 }
 
-// As the printer has it.
-std::wstring name_of_paper(int32_t number) {
-    ULONG_PTR printer = 0;
-    GetThreadProp(threadprop::kPrinter, printer);
-    FormRecords forms;
-    if (!printer || !ZRTK_EnumForms(reinterpret_cast<HANDLE>(printer), nullptr, forms))
-        return {};
-    const FormRecord* form = find_form(forms.list, number);
-    return form ? form->name : std::wstring();
-}
-
-int save_existing(HWND page) {
-    const std::wstring& path = dialog_state().file.path;
-    const Setting& edited = edited_setting();
-    if (edited == loaded_setting())
-        return kSaved;
-    if (!confirm_changes(page, Changed2Str(loaded_setting(), edited, &name_of_paper)))
-        return kSaveDeclined;
-    // Takes the old file's place in one step: there is no moment without one of the two.
-    return edited.Save(path) ? kSaved : tell_not_saved(page, path, GetLastError());
-}
-
 int save_new(HWND page) {
     if (edited_setting()->PSName.empty())
         return kNotSaved;
@@ -144,13 +191,47 @@ int save_new(HWND page) {
     return kSaved;
 }
 
+// Somebody else has written the file since it was loaded: theirs stays.
+int save_beside(HWND page, const std::wstring& path) {
+    const std::wstring text = qk::format(dialog_text(IDS_FILE_CHANGED).c_str(), path.c_str());
+    if (show_message(page, text, IDS_REFUSED, MB_YESNO | MB_ICONEXCLAMATION) != IDYES)
+        return kSaveDeclined;
+    edited_setting()->PSName = free_setting_name(edited_setting()->PSName);
+    return save_new(page);
+}
+
+int save_existing(HWND page) {
+    const std::wstring& path = dialog_state().file.path;
+    const Setting& edited = edited_setting();
+    if (edited == loaded_setting())
+        return kSaved;
+    if (!confirm_changes(page, Changed2Str(loaded_setting(), edited, &name_of_paper)))
+        return kSaveDeclined;
+    if (dialog_state().file.mark && dialog_state().file.mark != file_mark(path))
+        return save_beside(page, path);
+    // Takes the old file's place in one step: there is no moment without one of the two.
+    return edited.Save(path) ? kSaved : tell_not_saved(page, path, GetLastError());
+}
+
 }  // namespace
 
-std::wstring sheet_caption(const std::wstring& name, bool is_new) {
+std::wstring name_of_paper(int32_t number) {
+    ULONG_PTR printer = 0;
+    GetThreadProp(threadprop::kPrinter, printer);
+    FormRecords forms;
+    if (!printer || !ZRTK_EnumForms(reinterpret_cast<HANDLE>(printer), nullptr, forms))
+        return {};
+    const FormRecord* form = find_form(forms.list, number);
+    return form ? form->name : std::wstring();
+}
+
+std::wstring sheet_caption(const std::wstring& name, bool is_new, const std::wstring& copied) {
     constexpr size_t kCaptionUnits = 260;
     std::wstring caption = dialog_text(IDS_SHEET_NEW);
     if (!is_new && !name.empty())
         caption = qk::format(dialog_text(IDS_SHEET_CAPTION).c_str(), name.c_str());
+    else if (is_new && !copied.empty())
+        caption = qk::format(dialog_text(IDS_SHEET_COPY).c_str(), caption.c_str(), copied.c_str());
     return std::wstring(qk::cut(caption, kCaptionUnits - 1));
 }
 
@@ -179,10 +260,10 @@ int save_step(HWND page, bool from_ok) {
     return is_new ? save_new(page) : save_existing(page);
 }
 
-INT_PTR DoPropertySheet(HWND list_page, bool is_new) {
+INT_PTR DoPropertySheet(HWND list_page, bool is_new, const std::wstring& copied) {
     TRACE("DoPropertySheet");
     const auto records = page_records();
-    const std::wstring caption = sheet_caption(edited_setting()->PSName, is_new);
+    const std::wstring caption = sheet_caption(edited_setting()->PSName, is_new, copied);
     (void)loaded_setting();  // from here on
     PROPSHEETHEADERW header = {sizeof header};
     header.dwFlags = PSH_PROPSHEETPAGE | PSH_USEICONID | PSH_NOAPPLYNOW | PSH_USECALLBACK;

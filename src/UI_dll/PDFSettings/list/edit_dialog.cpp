@@ -30,19 +30,24 @@ void name_copy() {
 
 }  // namespace
 
-void DoEditDialog(HWND list_page, bool is_new) {
+void DoEditDialog(HWND list_page, bool is_new, bool names_original) {
     TRACE("DoEditDialog");
     const std::wstring remembered = selected_path(list_page);
+    const SettingEntry* entry = selected_entry(list_page);
+    std::wstring original = names_original && entry && entry->is_readable ? entry->name : std::wstring();
     if (!LoadSettingFile(remembered) && !remembered.empty()) {
+        original.clear();
         const std::wstring text = qk::format(dialog_text(IDS_UNREADABLE).c_str(), remembered.c_str());
         show_message(list_page, text, IDS_REFUSED, MB_OK | MB_ICONINFORMATION);
         is_new = true;
     }
     const bool copies = is_new || !IsCurrentItemEditable(list_page);
+    if (copies && entry && entry->is_readable)
+        edited_setting()->PSName = entry->name;  // of a ready one that is not what its file holds
     if (copies)
         name_copy();
     SetViewBox(list_page);
-    DoPropertySheet(list_page, copies);
+    DoPropertySheet(list_page, copies, original);
     if (!IsWindow(list_page))
         return;
     dlg_init_dpi_PDFSettings(list_page);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "UI_dll/PDFSettings/list/summary.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/PDFSettings/preview/view_box.h"
@@ -149,9 +150,18 @@ std::wstring selected_path(HWND page) {
     return entry ? entry->path : std::wstring();
 }
 
+void show_summary(HWND page) {
+    const HWND owner = GetDlgItem(page, IDC_SETTINGS_SUMMARY) ? page : GetParent(page);
+    const SettingEntry* entry = selected_entry(page);
+    SetDlgItemTextW(owner, IDC_SETTINGS_SUMMARY, entry ? summary_of(edited_setting(), *entry).c_str() : L"");
+    enable(owner, IDC_SETTINGS_COPY, entry && entry->is_readable);
+    enable(owner, IDC_SETTINGS_EXPORT, entry != nullptr);
+}
+
 void show_selected(HWND page) {
     LoadSettingFile(selected_path(page));
     update_delete_button(page);
+    show_summary(page);
     SetViewBox(page);
 }
 
@@ -191,6 +201,9 @@ void ResetSettingsList(HWND page, const std::optional<std::wstring>& path) {
                              entries, path ? *path : SettingPathOf(GetSettingFileName(sheet_printer())))));
         size_column(list);
     }
+    // A list that does not draw does not scroll either.
+    if (const int row = selected_row(page); row >= 0)
+        ListView_EnsureVisible(list, row, FALSE);
     show_selected(page);
 }
 

@@ -2,6 +2,9 @@
 
 #include <commctrl.h>
 #include <prsht.h>
+#include <shellapi.h>
+
+#include <utility>
 
 #include "UI_dll/PDFSettings/list/dpi.h"
 #include "UI_dll/PDFSettings/list/edit_dialog.h"
@@ -9,6 +12,7 @@
 #include "UI_dll/PDFSettings/pages/font_states.h"
 #include "UI_dll/PDFSettings/messages.h"
 #include "UI_dll/PDFSettings/list/setting_rows.h"
+#include "UI_dll/PDFSettings/list/transfer.h"
 #include "UI_dll/PDFSettings/preview/view_box.h"
 #include "common/qk/guard.h"
 #include "UI_dll/sheet_thread.h"
@@ -24,6 +28,7 @@ namespace pdf_settings {
 namespace {
 
 constexpr UINT kBuildFontStates = WM_APP + 32;
+constexpr UINT kRename = WM_APP + 33;  // a row's text was edited
 constexpr UINT_PTR kMovedTimer = 1234;
 constexpr UINT kMovedDelay = 100;  // milliseconds
 
@@ -123,7 +128,7 @@ void delete_selected(HWND page) {
 void edit_selected(HWND page) {
     (void)selected_path(page);  // where none is selected that is the remembered row, from here on
     const SettingEntry* entry = selected_entry(page);
-    DoEditDialog(page, !IsCurrentItemEditable(page) || !entry->is_readable);
+    DoEditDialog(page, !IsCurrentItemEditable(page) || !entry->is_readable, true);
 }
 
 bool on_command(HWND page, int control) {
@@ -134,12 +139,52 @@ bool on_command(HWND page, int control) {
         case IDC_SETTINGS_EDIT:
             edit_selected(page);
             return true;
+        case IDC_SETTINGS_COPY:
+            DoEditDialog(page, true, true);
+            return true;
         case IDC_SETTINGS_DELETE:
             delete_selected(page);
+            return true;
+        case IDC_SETTINGS_IMPORT:
+            import_asked(page);
+            return true;
+        case IDC_SETTINGS_EXPORT:
+            export_selected(page);
             return true;
         default:
             return false;
     }
+}
+
+// Keys on the list. The buttons' own rules hold: what a grey one would do is not done.
+void on_key(HWND page, WORD key) {
+    const bool control = GetKeyState(VK_CONTROL) < 0;
+    const bool alt = GetKeyState(VK_MENU) < 0;
+    if (alt)
+        return;
+    if (control) {
+        const int button = key == L'N' ? IDC_SETTINGS_NEW : key == L'D' ? IDC_SETTINGS_COPY : 0;
+        if (button && IsWindowEnabled(GetDlgItem(page, button)))
+            on_command(page, button);
+    } else if (key == VK_DELETE) {
+        delete_selected(page);
+    } else if (key == VK_F2) {
+        begin_rename(page);
+    }
+}
+
+LONG_PTR on_label(HWND page, const NMLVDISPINFOW& info) {
+    ListPageState& state = dialog_state().list;
+    if (info.hdr.code == LVN_BEGINLABELEDITW)  // not by a second click, which is half a double-click
+        return state.may_rename ? FALSE : TRUE;
+    const SettingEntry* entry = selected_entry(page);
+    if (info.item.pszText && entry) {
+        // The list may not be filled again before this notification is over.
+        state.renamed_path = entry->path;
+        state.new_name = info.item.pszText;
+        PostMessageW(page, kRename, 0, 0);
+    }
+    return FALSE;  // the row gets its text with the refill
 }
 
 bool on_list(HWND page, const NMHDR& header) {
@@ -154,6 +199,14 @@ bool on_list(HWND page, const NMHDR& header) {
         case NM_DBLCLK:
         case NM_RDBLCLK:
             edit_selected(page);
+            return true;
+        case LVN_KEYDOWN:
+            on_key(page, reinterpret_cast<const NMLVKEYDOWN&>(header).wVKey);
+            return true;
+        case LVN_BEGINLABELEDITW:
+        case LVN_ENDLABELEDITW:
+            SetWindowLongPtrW(page, DWLP_MSGRESULT,
+                              on_label(page, reinterpret_cast<const NMLVDISPINFOW&>(header)));
             return true;
         default:
             return false;
@@ -223,6 +276,14 @@ INT_PTR handle(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
             return TRUE;  // handled: nothing is drawn, no menu is shown
         case kBuildFontStates:
             build_font_states();
+            return TRUE;
+        case kRename: {
+            ListPageState& state = dialog_state().list;
+            rename_setting(page, std::exchange(state.renamed_path, {}), std::exchange(state.new_name, {}));
+            return TRUE;
+        }
+        case WM_DROPFILES:
+            import_dropped(page, reinterpret_cast<HDROP>(wparam));
             return TRUE;
         case WM_DESTROY:
             close_page(page);

@@ -20,20 +20,44 @@ bool ask(const char* name, Record& record) {
 
 }  // namespace
 
-std::optional<std::wstring> choose_file(HWND owner, const std::wstring& title, const std::wstring& filter,
-                                        const std::wstring& current) {
-    TRACE("choose_file");
-    std::wstring path(32768, L'\0');
-    if (qk::is_file(current))  // the dialog does not open on a name that cannot be one
-        qk::copy_zero_padded(path.data(), path.size(), current);
+namespace {
+
+constexpr size_t kMostPathUnits = 32768;
+
+OPENFILENAMEW file_dialog(HWND owner, const std::wstring& title, const std::wstring& filter,
+                          std::wstring& path, DWORD flags) {
     OPENFILENAMEW dialog = {sizeof dialog};
     dialog.hwndOwner = owner;
     dialog.lpstrFilter = filter.c_str();
     dialog.lpstrFile = path.data();
     dialog.nMaxFile = static_cast<DWORD>(path.size());
     dialog.lpstrTitle = title.c_str();
-    dialog.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR |
-                   OFN_DONTADDTORECENT;
+    dialog.Flags =
+        flags | OFN_EXPLORER | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_DONTADDTORECENT;
+    return dialog;
+}
+
+}  // namespace
+
+std::optional<std::wstring> choose_new_file(HWND owner, const std::wstring& title, const std::wstring& filter,
+                                            const wchar_t* extension, const std::wstring& name) {
+    TRACE("choose_new_file");
+    std::wstring path(kMostPathUnits, L'\0');
+    qk::copy_zero_padded(path.data(), path.size(), name);
+    OPENFILENAMEW dialog = file_dialog(owner, title, filter, path, 0);
+    dialog.lpstrDefExt = extension;
+    if (!ask<decltype(GetSaveFileNameW)>("GetSaveFileNameW", dialog))
+        return std::nullopt;
+    return std::wstring(path.c_str());
+}
+
+std::optional<std::wstring> choose_file(HWND owner, const std::wstring& title, const std::wstring& filter,
+                                        const std::wstring& current) {
+    TRACE("choose_file");
+    std::wstring path(kMostPathUnits, L'\0');
+    if (qk::is_file(current))  // the dialog does not open on a name that cannot be one
+        qk::copy_zero_padded(path.data(), path.size(), current);
+    OPENFILENAMEW dialog = file_dialog(owner, title, filter, path, OFN_FILEMUSTEXIST);
     if (!ask<decltype(GetOpenFileNameW)>("GetOpenFileNameW", dialog))
         return std::nullopt;
     return std::wstring(path.c_str());

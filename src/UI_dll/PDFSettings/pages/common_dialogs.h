@@ -16,6 +16,12 @@ namespace pdf_settings {
                                                       const std::wstring& filter,
                                                       const std::wstring& current);
 
+// Asks for the name of a new file. `extension`, without point, is added to a name that has none; `name` is
+// proposed. Nothing as above.
+[[nodiscard]] std::optional<std::wstring> choose_new_file(HWND owner, const std::wstring& title,
+                                                          const std::wstring& filter,
+                                                          const wchar_t* extension, const std::wstring& name);
+
 // Asks for a colour. `custom` are the user's own colours, which the dialog changes.
 [[nodiscard]] std::optional<COLORREF> choose_colour(HWND owner, COLORREF current,
                                                     std::array<COLORREF, 16>& custom);

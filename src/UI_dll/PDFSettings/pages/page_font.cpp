@@ -7,6 +7,7 @@
 #include "UI_dll/PDFSettings/pages/page.h"
 #include "UI_dll/PDFSettings/pages/page_font_rules.h"
 #include "UI_dll/PDFSettings/pages/page_pdf_version.h"
+#include "common/qk/guard.h"
 #include "common/qk/trace.h"
 #include "resources/ids.h"
 
@@ -92,9 +93,19 @@ std::vector<size_t> selected_rows(HWND page, int control) {
     return rows;
 }
 
+// A name that no installed font has may be listed all the same: the document's computer may have the font.
+std::wstring name_to_add(HWND page) {
+    std::wstring name = control_text(page, IDC_FONT_FIND);
+    const size_t first = name.find_first_not_of(L' ');
+    if (!helper().found.empty() || first == std::wstring::npos)
+        return {};
+    return name.substr(first, name.find_last_not_of(L' ') - first + 1);
+}
+
 void enable_buttons(HWND page) {
     const bool free = !standard_decides(page);
-    enable(page, IDC_FONT_ADD, free && !selected_rows(page, IDC_FONT_INSTALLED).empty());
+    enable(page, IDC_FONT_ADD,
+           free && (!selected_rows(page, IDC_FONT_INSTALLED).empty() || !name_to_add(page).empty()));
     enable(page, IDC_FONT_REMOVE, free && !selected_rows(page, IDC_FONT_LISTED).empty());
 }
 
@@ -119,6 +130,8 @@ void search(HWND page) {
 
 void add_selected(HWND page) {
     std::vector<std::wstring> names;
+    if (std::wstring name = name_to_add(page); !name.empty())
+        names.push_back(std::move(name));
     for (const size_t row : selected_rows(page, IDC_FONT_INSTALLED))
         if (row < helper().found.size())
             names.push_back(helper().found[row]);
@@ -192,6 +205,45 @@ INT_PTR on_list(HWND page, int control, NMHDR& header) {
     }
 }
 
+// From what is sought to what is found.
+void go_to_found(HWND page) {
+    const HWND list = GetDlgItem(page, IDC_FONT_INSTALLED);
+    if (helper().found.empty())
+        return;
+    SendMessageW(page, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list), TRUE);
+    if (ListView_GetNextItem(list, -1, LVNI_SELECTED) < 0)
+        ListView_SetItemState(list, 0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+}
+
+// The key is the field's own while it has the focus: the sheet would take it for OK.
+constexpr wchar_t kFindBefore[] = L"ZR_UI80.FindProcedure";
+
+LRESULT CALLBACK find_procedure(HWND edit, UINT message, WPARAM wparam, LPARAM lparam) {
+    return qk::guarded<LRESULT>(0, [&]() -> LRESULT {
+        const auto before = reinterpret_cast<WNDPROC>(GetPropW(edit, kFindBefore));
+        if (message == WM_NCDESTROY)
+            RemovePropW(edit, kFindBefore);
+        if (message == WM_CHAR && wparam == VK_RETURN)
+            return 0;
+        if (message == WM_KEYDOWN && wparam == VK_RETURN) {
+            go_to_found(GetParent(edit));
+            return 0;
+        }
+        const LRESULT result = before ? CallWindowProcW(before, edit, message, wparam, lparam)
+                                      : DefWindowProcW(edit, message, wparam, lparam);
+        const auto* key = reinterpret_cast<const MSG*>(lparam);
+        const bool is_enter =
+            message == WM_GETDLGCODE && key && key->message == WM_KEYDOWN && key->wParam == VK_RETURN;
+        return is_enter ? result | DLGC_WANTMESSAGE : result;
+    });
+}
+
+void take_enter(HWND edit) noexcept {
+    const LONG_PTR before = edit ? GetWindowLongPtrW(edit, GWLP_WNDPROC) : 0;
+    if (before && SetPropW(edit, kFindBefore, reinterpret_cast<HANDLE>(before)))
+        SetWindowLongPtrW(edit, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&find_procedure));
+}
+
 INT_PTR on_message(HWND page, UINT message, WPARAM /*wparam*/, LPARAM lparam) {
     if (message != WM_NOTIFY)
         return FALSE;
@@ -220,6 +272,7 @@ void dlg_init_Font(HWND page) {
     set_up_list(page, IDC_FONT_INSTALLED);
     set_up_list(page, IDC_FONT_LISTED);
     SendDlgItemMessageW(page, IDC_FONT_FIND, EM_SETLIMITTEXT, LF_FACESIZE - 1, 0);
+    take_enter(GetDlgItem(page, IDC_FONT_FIND));
     search(page);
     show_list(page, IDC_FONT_LISTED);
     dlg_setactive_Font(page);

@@ -8,6 +8,7 @@
 #include "UI_dll/PDFSettings/pages/dlg_item.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/pages/page.h"
+#include "UI_dll/PDFSettings/pages/page_general.h"
 #include "UI_dll/PDFSettings/pages/page_general_rules.h"
 #include "UI_dll/PDFSettings/pages/page_pdf_version.h"
 #include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
@@ -268,6 +269,11 @@ bool check_file_name(HWND page) {
            refuse(page, IDC_FILE_NAME, IDS_BAD_FILE_NAME);
 }
 
+bool check_resolution(HWND page) {
+    return !is_touched(page, IDC_RESOLUTION) || is_good_resolution(control_text(page, IDC_RESOLUTION)) ||
+           refuse(page, IDC_RESOLUTION, IDS_BAD_RESOLUTION);
+}
+
 bool check_scale(HWND page, int32_t current) {
     if (find_scale(control_text(page, IDC_SCALE)))
         return true;
@@ -288,7 +294,8 @@ bool dlg_killactive_General(HWND page) {
     const General_impl& general = *loaded_setting().general();
     return check_name(page) && check_length(page, IDC_PAPER_WIDTH, general.PaperWidth) &&
            check_length(page, IDC_PAPER_HEIGHT, general.PaperHeight) && check_folder(page) &&
-           check_file_name(page) && check_scale(page, general.Scale) && check_links(page);
+           check_file_name(page) && check_resolution(page) && check_scale(page, general.Scale) &&
+           check_links(page);
 }
 
 // --- Reading the controls ---
@@ -347,13 +354,9 @@ void read_paper(HWND page, General_impl& read) {
         read.PaperType = custom ? 1 : 0;
     if (form && is_new)
         read.PaperName = static_cast<int16_t>(form->paper_number);
-    if (form)
-        name_form(*form, is_new);
 }
 
-void dlg_apply_General(HWND page) {
-    TRACE("dlg_apply_General");
-    Setting& setting = edited_setting();
+General_impl read_section(HWND page) {
     General_impl read = *loaded_setting().general();
     store_controls(page, read, kControls);
     if (is_touched(page, IDC_SAVE_STYLE))
@@ -364,6 +367,17 @@ void dlg_apply_General(HWND page) {
     if (const auto scale = find_scale(control_text(page, IDC_SCALE)); scale && is_touched(page, IDC_SCALE))
         read.Scale = static_cast<int32_t>(*scale);
     read_paper(page, read);
+    return read;
+}
+
+void dlg_apply_General(HWND page) {
+    TRACE("dlg_apply_General");
+    Setting& setting = edited_setting();
+    General_impl read = read_section(page);
+    if (const FormRecord* form = selected_form(page)) {
+        const bool chosen = is_touched(page, kPaperTypes) || is_touched(page, IDC_PAPER_LIST);
+        name_form(*form, chosen);
+    }
     read_file_name(page);
     std::wstring name = is_touched(page, IDC_NAME) ? control_text(page, IDC_NAME)
                                                    : page_helper<GeneralHelper>(kGeneralPage).name;
@@ -372,6 +386,11 @@ void dlg_apply_General(HWND page) {
 }
 
 }  // namespace
+
+General_impl read_General() {
+    const HWND page = dialog_state().sheet.pages[kGeneralPage];
+    return page ? read_section(page) : General_impl(*edited_setting().general());
+}
 
 const PageOperations kGeneral = {.index = kGeneralPage,
                                  .template_id = IDD_GENERAL,

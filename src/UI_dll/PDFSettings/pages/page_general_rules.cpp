@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "UI_dll/PDFSettings/pages/whole_number.h"
 #include "common/qk/text.h"
 #include "job/output_name.h"
 #include "print_settings/field_tables.h"
@@ -50,6 +51,12 @@ std::optional<double> find_paper_length(std::wstring_view text) noexcept {
 
 std::optional<double> find_scale(std::wstring_view text) noexcept {
     return within(find_plain_number(text.substr(0, kScaleUnits)), range_of(&General_impl::Scale));
+}
+
+bool is_good_resolution(std::wstring_view text) noexcept {
+    const ps::Rule range = range_of(&General_impl::PaperResolution);
+    return whole_number(text, static_cast<uint32_t>(range.low), static_cast<uint32_t>(range.high))
+        .has_value();
 }
 
 std::optional<int32_t> find_resolution(std::wstring_view text) noexcept {

@@ -26,6 +26,9 @@ namespace pdf_settings {
 inline constexpr size_t kScaleUnits = 8;
 [[nodiscard]] std::optional<double> find_scale(std::wstring_view text) noexcept;
 
+// Whether the text is a resolution in dots per inch within the range.
+[[nodiscard]] bool is_good_resolution(std::wstring_view text) noexcept;
+
 // A resolution in dots per inch, not limited to a range; nothing when the text does not start with a number
 // of at least 0.
 [[nodiscard]] std::optional<int32_t> find_resolution(std::wstring_view text) noexcept;

@@ -59,6 +59,15 @@ struct SecurityHelper final : PageHelper {
     SecurityHelper& operator=(const SecurityHelper&) = delete;
 };
 
+// The passwords in clear, or as dots again.
+void show_passwords(HWND page) noexcept {
+    const WPARAM mark = is_checked(page, IDC_SEC_SHOW) ? 0 : L'\u25CF';
+    for (const int edit : {IDC_SEC_OPEN_PASSWORD, IDC_SEC_PASSWORD}) {
+        SendDlgItemMessageW(page, edit, EM_SETPASSWORDCHAR, mark, 0);
+        InvalidateRect(GetDlgItem(page, edit), nullptr, TRUE);
+    }
+}
+
 template <size_t Count>
 void set_shown(HWND page, const std::array<int, Count>& controls, bool shown) noexcept {
     for (const int control : controls)
@@ -86,6 +95,8 @@ void exchangeEncryptLevel(HWND page) {
         enable(page, password.use, protects);
         enable(page, std::array{password.edit, password.label}, protects && is_checked(page, password.use));
     }
+    enable(page, IDC_SEC_SHOW,
+           protects && (is_checked(page, kOpen.use) || is_checked(page, kPermissions.use)));
     SetDlgItemTextW(page, IDC_SEC_NOTE, dialog_text(level_note(version)).c_str());
 }
 
@@ -141,8 +152,11 @@ void dlg_init_Securities(HWND page) {
     exchangeEncryptLevel(page);
 }
 
+// Who comes back to the page, or brings somebody along, does not find them in clear.
 void dlg_setactive_Securities(HWND page) {
     TRACE("dlg_setactive_Securities");
+    set_checked(page, IDC_SEC_SHOW, false);
+    show_passwords(page);
     exchangeEncryptLevel(page);
 }
 
@@ -157,6 +171,8 @@ void dlg_command_Securities(HWND page, int control, int notification) {
         use_changed(page, kPermissions, helper.permissions);
     else if (control == IDC_SEC_COPY)
         exchangeEncryptLevel(page);
+    else if (control == IDC_SEC_SHOW)
+        show_passwords(page);
 }
 
 bool dlg_validate_Securities(HWND page) {

@@ -5,6 +5,9 @@
 #include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/pages/font_states.h"
 #include "UI_dll/PDFSettings/pages/page.h"
+#include "UI_dll/PDFSettings/pages/page_general.h"
+#include "UI_dll/PDFSettings/pages/page_pdf_version.h"
+#include "UI_dll/PDFSettings/preview/picture_file.h"
 #include "UI_dll/PDFSettings/preview/view_box.h"
 #include "UI_dll/PDFSettings/pages/whole_number.h"
 #include "common/qk/gdi_handle.h"
@@ -143,12 +146,36 @@ void draw_swatch(const DRAWITEMSTRUCT& item) {
     FrameRect(item.hDC, &item.rcItem, GetSysColorBrush(is_off ? COLOR_GRAYTEXT : COLOR_WINDOWTEXT));
 }
 
+// Paper, scale and boxes as the other pages stand.
+Setting shown_setting(HWND page) {
+    Setting setting = edited_setting();
+    *setting.general() = read_General();
+    *setting.pdfVersion() = read_PDFVersion(page);
+    *setting.watermark() = read_controls(page);
+    return setting;
+}
+
+// The arrows lead from the automatic size to the least one and back: what is between cannot be.
+void step_size(NMUPDOWN& step) noexcept {
+    const int least = static_cast<int>(kLeastSize);
+    const int next = step.iPos + step.iDelta;
+    if (next > 0 && next < least)
+        step.iDelta = (step.iDelta > 0 ? least : 0) - step.iPos;
+}
+
 INT_PTR on_message(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_NOTIFY && wparam == IDC_MARK_SIZE_SPIN) {
+        if (auto& step = *reinterpret_cast<NMUPDOWN*>(lparam); step.hdr.code == UDN_DELTAPOS) {
+            step_size(step);
+            SetWindowLongPtrW(page, DWLP_MSGRESULT, FALSE);
+        }
+        return TRUE;
+    }
     if (message != WM_DRAWITEM)
         return FALSE;
     const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam);
     if (wparam == IDC_MARK_PREVIEW)
-        draw_page(item, read_controls(page));
+        draw_page(item, shown_setting(page));
     else if (wparam == IDC_MARK_SWATCH)
         draw_swatch(item);
     else
@@ -165,6 +192,13 @@ void change_colour(HWND page) {
     }
 }
 
+// The end of a path tells files apart.
+void show_path(HWND page, const std::wstring& path) {
+    SetDlgItemTextW(page, IDC_MARK_FILE, path.c_str());
+    SendDlgItemMessageW(page, IDC_MARK_FILE, EM_SETSEL, path.size(), static_cast<LPARAM>(path.size()));
+    SendDlgItemMessageW(page, IDC_MARK_FILE, EM_SCROLLCARET, 0, 0);
+}
+
 void browse(HWND page) {
     std::wstring filter;
     for (const std::wstring& part :
@@ -174,7 +208,7 @@ void browse(HWND page) {
     const auto chosen =
         choose_file(page, dialog_text(IDS_MARK_BROWSE_TITLE), filter, control_text(page, IDC_MARK_FILE));
     if (chosen)
-        SetDlgItemTextW(page, IDC_MARK_FILE, chosen->c_str());
+        show_path(page, *chosen);
 }
 
 // The list's choice is in the edit control only after this notification.
@@ -226,7 +260,12 @@ void dlg_init_WaterMark(HWND page) {
                 fits ? kFirstScale : static_cast<int>(section.PictureScale));
     kTransparency.load(page, section);
     load_controls(page, section, kTable);
+    show_path(page, section.PictureFileName);
     enable_controls(page);
+}
+
+void dlg_setactive_WaterMark(HWND page) {
+    redraw(page, IDC_MARK_PREVIEW);
 }
 
 bool check_text(HWND page) {
@@ -245,6 +284,8 @@ bool check_picture(HWND page) {
         return refuse(page, IDC_MARK_FILE, IDS_MARK_NO_FILE);
     if (is_touched(page, IDC_MARK_FILE) && !qk::is_file(path))
         return refuse(page, IDC_MARK_FILE, IDS_MARK_LOST_FILE);
+    if (is_touched(page, IDC_MARK_FILE) && is_no_picture(path))
+        return refuse(page, IDC_MARK_FILE, IDS_MARK_NO_PICTURE);
     return picture_scale(page) || refuse(page, IDC_MARK_SCALE, IDS_MARK_BAD_SCALE);
 }
 
@@ -270,6 +311,7 @@ const PageOperations kWaterMark = {.index = kWaterMarkPage,
                                    .title_id = IDS_WATERMARK_TAB,
                                    .init = &dlg_init_WaterMark,
                                    .command = &command,
+                                   .set_active = &dlg_setactive_WaterMark,
                                    .check = &dlg_killactive_WaterMark,
                                    .apply = &dlg_apply_WaterMark,
                                    .other = &on_message};

@@ -95,6 +95,11 @@ bool is_local(const std::wstring& path) noexcept {
     return GetDriveTypeW(root) != DRIVE_REMOTE;
 }
 
+// The library opens whatever has the name; nobody puts something else in its place meanwhile.
+qk::FileObj hold(const std::wstring& path) {
+    return is_local(path) ? qk::open_disk_file(path, GENERIC_READ, FILE_SHARE_READ) : qk::FileObj();
+}
+
 SIZE preview_size(UINT width, UINT height, UINT most_side) noexcept {
     const UINT longer = std::max(width, height);
     if (longer <= most_side)
@@ -127,12 +132,18 @@ qk::Bitmap draw_small(const Library& library, void* image, SIZE size) noexcept {
 
 }  // namespace
 
+bool is_no_picture(const std::wstring& path) {
+    const qk::FileObj held = hold(path);
+    const Library library;
+    Object image(library, "GdipDisposeImage");
+    return held && library.works() &&
+           !library.call<LoadImageFromFile>("GdipLoadImageFromFile", path.c_str(), image.put());
+}
+
 Picture load_picture(const std::wstring& path, UINT most_side) {
     TRACE("load_picture");
     Picture picture;
-    // The library opens whatever has the name; nobody puts something else in its place meanwhile.
-    const qk::FileObj held =
-        is_local(path) ? qk::open_disk_file(path, GENERIC_READ, FILE_SHARE_READ) : qk::FileObj();
+    const qk::FileObj held = hold(path);
     if (!held)
         return picture;
     const Library library;

@@ -22,4 +22,8 @@ struct Picture {
 inline constexpr UINT kPreviewSide = 512;
 [[nodiscard]] Picture load_picture(const std::wstring& path, UINT most_side = kPreviewSide);
 
+// Whether the file is certainly no picture: it can be read, and the system knows no picture in it. A file on
+// another computer is not asked.
+[[nodiscard]] bool is_no_picture(const std::wstring& path);
+
 }  // namespace pdf_settings

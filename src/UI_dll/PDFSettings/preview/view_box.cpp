@@ -67,7 +67,8 @@ const Picture& picture_of(const Watermark_impl& watermark) {
     return box.picture;
 }
 
-void draw_parts(HDC dc, const PagePlace& page, const Setting& setting, const Watermark_impl& watermark) {
+void draw_parts(HDC dc, const PagePlace& page, const Setting& setting) {
+    const Watermark_impl& watermark = *setting.watermark();
     draw_paper(dc, page);
     const Picture& picture = picture_of(watermark);
     if (watermark.ZOrder == Watermark_impl::kUnderThePage)
@@ -84,7 +85,7 @@ void draw_parts(HDC dc, const PagePlace& page, const Setting& setting, const Wat
 
 }  // namespace
 
-void draw_page(HDC dc, const RECT& area, HBRUSH around, const Watermark_impl& watermark) {
+void draw_page(HDC dc, const RECT& area, HBRUSH around, const Setting& setting) {
     const int width = area.right - area.left;
     const int height = area.bottom - area.top;
     const Surface surface(dc, width, height);
@@ -92,17 +93,16 @@ void draw_page(HDC dc, const RECT& area, HBRUSH around, const Watermark_impl& wa
         return;
     const RECT all = {0, 0, width, height};
     FillRect(surface.get(), &all, around);
-    const Setting& setting = edited_setting();
     const Extent size = page_size(setting);
-    draw_parts(surface.get(), {fit_page(size, width, height), size}, setting, watermark);
+    draw_parts(surface.get(), {fit_page(size, width, height), size}, setting);
     BitBlt(dc, area.left, area.top, width, height, surface.get(), 0, 0, SRCCOPY);
 }
 
-void draw_page(const DRAWITEMSTRUCT& item, const Watermark_impl& watermark) {
+void draw_page(const DRAWITEMSTRUCT& item, const Setting& setting) {
     const auto around = reinterpret_cast<HBRUSH>(SendMessageW(GetParent(item.hwndItem), WM_CTLCOLORSTATIC,
                                                               reinterpret_cast<WPARAM>(item.hDC),
                                                               reinterpret_cast<LPARAM>(item.hwndItem)));
-    draw_page(item.hDC, item.rcItem, around ? around : GetSysColorBrush(COLOR_BTNFACE), watermark);
+    draw_page(item.hDC, item.rcItem, around ? around : GetSysColorBrush(COLOR_BTNFACE), setting);
 }
 
 void SetViewBox(HWND list_page) {
@@ -113,7 +113,7 @@ void SetViewBox(HWND list_page) {
 
 void draw_view_box(const DRAWITEMSTRUCT& item) {
     if (item.CtlID == IDC_SETTINGS_PREVIEW)
-        draw_page(item, *edited_setting().watermark());
+        draw_page(item, edited_setting());
 }
 
 }  // namespace pdf_settings

@@ -1,0 +1,105 @@
+#include "UI_dll/PDFSettings/list/import_check.h"
+
+#include <cmath>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+
+#include "UI_dll/PDFSettings/messages.h"
+#include "common/qk/text.h"
+#include "common/qk/wipe.h"
+#include "print_settings/display.h"
+#include "print_settings/ps4_reader.h"
+#include "print_settings/ps4_writer.h"
+#include "print_settings/setting_file.h"
+#include "resources/ids.h"
+
+namespace pdf_settings {
+
+namespace {
+
+constexpr size_t kMarkBytes = 3;
+constexpr size_t kMostCorrected = 12;  // that a message box shows
+
+std::wstring shown(const picojson::value& value) {
+    constexpr size_t kMostUnits = 60;
+    return std::wstring(qk::cut(qk::to_wide(value.serialize()), kMostUnits));
+}
+
+// Numbers that have decimals are kept in single precision; an integer may stand for its bits.
+bool same(const picojson::value& given, const picojson::value& used) {
+    if (!given.is<double>() || !used.is<double>())
+        return given == used;
+    constexpr double kBeyondAllOnes = 4294967296;
+    const double difference = std::abs(given.get<double>() - used.get<double>());
+    return difference <= 1e-6 * std::abs(given.get<double>()) || difference == kBeyondAllOnes;
+}
+
+void compare(const std::wstring& path, const picojson::value& given, const picojson::value& used,
+             std::vector<std::wstring>& corrected) {
+    if (given.is<picojson::object>() && used.is<picojson::object>()) {
+        const auto& members = used.get<picojson::object>();
+        for (const auto& [key, value] : given.get<picojson::object>())
+            if (const auto found = members.find(key); found != members.end())
+                compare(path.empty() ? qk::to_wide(key) : path + L'.' + qk::to_wide(key), value,
+                        found->second, corrected);
+    } else if (!same(given, used) && corrected.size() < kMostCorrected) {
+        const bool is_secret = path.ends_with(L"Password");
+        corrected.push_back(is_secret ? path : ps::Changed2Str(path, shown(given), shown(used)));
+    }
+}
+
+// "syntax error at line 3 near: ..."
+std::wstring damaged(const std::string& fault) {
+    constexpr std::string_view kLine = "line ";
+    const size_t at = fault.find(kLine);
+    const auto line = at == std::string::npos
+                          ? std::nullopt
+                          : qk::find_integer(qk::to_wide(fault.substr(at + kLine.size())));
+    return qk::format(dialog_text(IDS_IMPORT_DAMAGED).c_str(), line.value_or(1));
+}
+
+std::wstring load_text(std::string_view text, Setting& setting, std::vector<std::wstring>& corrected) {
+    picojson::value document;
+    const ps::PasswordsWipedAtEnd wiped(document);
+    std::string fault;
+    try {
+        if (!ps::json::try_parse(text, document, &fault))
+            return damaged(fault);
+        ps::read_setting(document, *setting, false);
+    } catch (const ps::json::WrongKind&) {
+        return dialog_text(IDS_IMPORT_WRONG_KIND);
+    } catch (const std::overflow_error&) {
+        return damaged(fault);
+    }
+    picojson::value used = ps::write_setting(*setting);
+    const ps::PasswordsWipedAtEnd used_wiped(used);
+    compare({}, document, used, corrected);
+    return {};
+}
+
+}  // namespace
+
+ImportCheck check_import(const std::wstring& path, Setting& setting) {
+    ImportCheck check;
+    std::string bytes;
+    const qk::WipedAtEnd wiped(bytes);
+    if (ps::setting_file::read(path, bytes) != ps::kLoaded) {
+        check.fault = dialog_text(IDS_IMPORT_UNREADABLE);
+        return check;
+    }
+    switch (ps::RecogniseBytes(bytes)) {
+        case ps::kPS4:
+            check.fault = load_text(std::string_view(bytes).substr(kMarkBytes), setting, check.corrected);
+            break;
+        case ps::kLegacyFirst:
+        case ps::kLegacyChunked:
+            check.fault = dialog_text(IDS_IMPORT_LEGACY);
+            break;
+        default:
+            check.fault = dialog_text(IDS_IMPORT_NO_SETTING);
+    }
+    return check;
+}
+
+}  // namespace pdf_settings

@@ -1,0 +1,20 @@
+// What is wrong with a file that is to become a print setting, in the dialog's language.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "UI_dll/PDFSettings/dialog_state.h"
+
+namespace pdf_settings {
+
+struct ImportCheck {
+    std::wstring fault;                   // why it is no setting; empty: it is one, and is loaded
+    std::vector<std::wstring> corrected;  // "General.Scale: 5 -> 10": what it gives and what is used instead
+};
+
+// Loads the file as a job would. What the file gives and the loader does not take as it is, is told; secrets
+// without their text.
+[[nodiscard]] ImportCheck check_import(const std::wstring& path, Setting& setting);
+
+}  // namespace pdf_settings
