@@ -240,9 +240,9 @@ TEST_F(Sheet, BadHeadersAndReasonsAreRefused) {
     for (const auto& [asks, size] : sheets) {
         SCOPED_TRACE(size);
         function = asks;
+        header.cbSize = static_cast<WORD>(size);
         const GuardedBuffer whole(size, &header), stump(size - 1, &header);
         auto& claimed = whole.as<DocumentPropertyHeader>()->cbSize;
-        claimed = stump.as<DocumentPropertyHeader>()->cbSize = static_cast<WORD>(size);
         const auto init = [&](void* place) {
             info.lParamInit = reinterpret_cast<LPARAM>(place);
             return tell(PROPSHEETUI_REASON_INIT);

@@ -3,15 +3,22 @@
 
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
+#include <string>
+
 #include "common/qk/handle.h"
 #include "support/installation.h"
 
 // Runs the built `program` with a whole command line and returns its exit code; -1, with a failure of the
 // test, when it does not start. `output`, an inheritable handle, takes what it prints.
 inline int run_built(const wchar_t* program, std::wstring line, HANDLE output = nullptr) {
-    STARTUPINFOW startup = {.cb = sizeof startup, .dwFlags = output ? DWORD{STARTF_USESTDHANDLES} : 0};
-    startup.hStdOutput = output;
-    startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+    STARTUPINFOW startup = {sizeof startup};
+    if (output) {
+        startup.dwFlags = STARTF_USESTDHANDLES;
+        startup.hStdOutput = output;
+        startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+    }
     PROCESS_INFORMATION made = {};
     // A busy Wine refuses a process now and then; the next try gets it.
     BOOL started = FALSE;

@@ -1,6 +1,12 @@
 // The hives of the registry, replaced by empty keys of the test's own.
 #pragma once
 
+#include <windows.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "support/import_patch.h"
 
 class RegistryOverride {
@@ -19,7 +25,8 @@ public:
         RegCloseKey(key_);
         RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
     }
-    RegistryOverride(RegistryOverride&&) = delete;
+    RegistryOverride(const RegistryOverride&) = delete;
+    RegistryOverride& operator=(const RegistryOverride&) = delete;
 
     void set(const std::wstring& path, const std::wstring& value, DWORD type, const void* data,
              size_t bytes) const {
@@ -52,11 +59,12 @@ public:
     [[nodiscard]] static std::optional<std::vector<BYTE>> find(const std::wstring& path,
                                                                const std::wstring& value) {
         std::vector<BYTE> bytes(4096);
-        DWORD size = 4096;
-        const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, path.c_str(), value.c_str(),
-                                            RRF_RT_ANY | RRF_NOEXPAND, nullptr, bytes.data(), &size);
+        auto size = static_cast<DWORD>(bytes.size());
+        if (RegGetValueW(HKEY_CURRENT_USER, path.c_str(), value.c_str(), RRF_RT_ANY | RRF_NOEXPAND, nullptr,
+                         bytes.data(), &size) != ERROR_SUCCESS)
+            return std::nullopt;
         bytes.resize(size);
-        return status == ERROR_SUCCESS ? std::optional(bytes) : std::nullopt;
+        return bytes;
     }
 
     // Stands in for RegOpenCurrentUser, which goes past the override. A library that a test loads needs a
