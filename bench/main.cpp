@@ -3,6 +3,7 @@
 //   zr_bench.exe [printer name]
 //   zr_bench.exe --answers [printer name]    prints what each capability index answers instead
 //   zr_bench.exe --dialog                    measures the settings dialog alone
+//   zr_bench.exe --render                    measures the renderer beside bare Ghostscript instead
 #include <windows.h>
 #include <winspool.h>
 #include <picojson.h>
@@ -16,6 +17,7 @@
 #include "bench/job.h"
 #include "bench/measure.h"
 #include "bench/queries.h"
+#include "bench/render.h"
 #include "common/qk/handle.h"
 #include "common/qk/module.h"
 #include "common/qk/paths.h"
@@ -249,6 +251,8 @@ int wmain(int argc, wchar_t** argv) {
         return bench::print_answers(argc > 2 ? argv[2] : qk::kProductName, built_module()) ? 0 : 1;
     if (argc > 1 && std::wcscmp(argv[1], L"--dialog") == 0)
         return bench::time_dialog() ? 0 : 1;
+    if (argc > 1 && std::wcscmp(argv[1], L"--render") == 0)
+        return bench::time_rendering() ? 0 : 1;
     bool good = bench_trace();
     const TempFolder folder;
     good &= bench_settings(folder);

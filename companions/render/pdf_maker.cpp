@@ -168,6 +168,7 @@ PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
     const uint32_t version = settings_.pdfVersion()->Version;
     Rewriting how;
     how.linearized = linearize;
+    how.own_lines = standard_;
     how.small = settings_.compression()->HighCompress && !settings_.compression()->ASCIIFormat &&
                 compatibility_level(version) > "1.4";
     how.version = version == ps::kPDF20 ? "2.0" : nullptr;

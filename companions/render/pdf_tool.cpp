@@ -123,6 +123,8 @@ void PdfTool::rewrite(const std::wstring& from, const std::wstring& to, const Re
     const picojson::value yes("");
     if (how.linearized)
         job["linearize"] = yes;
+    if (how.own_lines)
+        job["newlineBeforeEndstream"] = yes;
     if (how.small) {
         job["objectStreams"] = picojson::value("generate");
         job["compressionLevel"] = picojson::value("9");

@@ -26,6 +26,7 @@ struct ExpectedPdf {
 struct Rewriting {
     bool linearized = false;
     bool small = false;             // its objects packed together
+    bool own_lines = false;         // the ends of streams, as PDF/A has it
     const char* version = nullptr;  // that it says it has; null: as it says
     picojson::value encrypt;        // see encryption_job; null: as it is
     std::wstring changes;           // see write_texts; empty: none

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 
 #include "common/icc_folder.h"
 #include "common/qk/handle.h"
@@ -65,6 +66,8 @@ std::string press_identification(uint32_t version) {
             return trapped +
                    "/DOCINFO pdfmark\n[ /XML (<rdf:Description rdf:about='' "
                    "xmlns:pdfxid='http://www.npes.org/pdfx/ns/id/' pdfxid:GTS_PDFXVersion='PDF/X-4'/>"
+                   "<rdf:Description rdf:about='' xmlns:xmpMM='http://ns.adobe.com/xap/1.0/mm/' "
+                   "xmpMM:VersionID='1' xmpMM:RenditionClass='default'/>"
                    "<rdf:Description rdf:about='' xmlns:pdf='http://ns.adobe.com/pdf/1.3/' "
                    "pdf:Trapped='False'/>) /Ext_Metadata pdfmark\n";
         default:
@@ -138,7 +141,13 @@ std::string standard_information(const DocumentInfo& info) {
         }
         entries += ")\n";
     }
-    return entries.empty() ? entries : "[ {DocInfo} <<\n" + entries + ">> /PUT pdfmark\n";
+    // In a form that is the same date to every reader; the engine's own for Greenwich's is not.
+    SYSTEMTIME now = {};
+    GetSystemTime(&now);
+    char date[40];
+    std::snprintf(date, sizeof date, "Date (D:%04u%02u%02u%02u%02u%02uZ)\n", now.wYear, now.wMonth, now.wDay,
+                  now.wHour, now.wMinute, now.wSecond);
+    return "[ {DocInfo} <<\n" + entries + "/Creation" + date + "/Mod" + date + ">> /PUT pdfmark\n";
 }
 
 }  // namespace companions::render

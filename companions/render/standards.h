@@ -19,8 +19,8 @@ struct Standard {
 [[nodiscard]] std::optional<Standard> find_standard(
     const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
 
-// The document information as the standards take it: the engine leaves out what is not ASCII of its usual
-// form, and old ones break the metadata over characters beyond the first plane.
+// The document information with the time as the standards take it: the engine leaves out what is not ASCII of
+// its usual form, and old ones break the metadata over characters beyond the first plane.
 [[nodiscard]] std::string standard_information(const DocumentInfo& info);
 
 // The texts with U+FFFD in the place of such characters.

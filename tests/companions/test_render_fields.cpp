@@ -194,6 +194,9 @@ const std::vector<Row> kRows = {
                         "ICCFileName": "Z:\\usr\\share\\color\\icc\\ghostscript\\srgb.icc"}})",
      kIdentity, "/N 3 /S /GTS_PDFA1 pdfaid:part='1"},
     {"", kInfo, "pages 3 1.4"},
+    {"",  // ends of streams on lines of their own, the dates' form
+     "grep -a -v '^endstream' \"$1\" | grep -a -c endstream; pdfinfo -rawdates \"$1\" | grep -c 'Date: .*Z$'",
+     "0 2"},
     {R"({"PDFVersion": {"Version": 11}})", kIdentity, "/N 4 /S /GTS_PDFA1 pdfaid:part='2"},
     {R"({"PDFVersion": {"Version": 6}, "Color": {"BlackToK100": true}})", kIdentity,
      "/N 4 /S /GTS_PDFX GTS_PDFXVersion (PDF/X-1:2001"},
