@@ -78,10 +78,11 @@ constexpr char kIdentity[] =
     "\"/S /GTS_PDF[AX]1?|GTS_PDFXVersion[ =].PDF/X-[0-9a:]+|pdfaid:part='[0-9]|/N [34]\" | sort -u";
 // How light the grey picture is.
 constexpr char kMean[] =
-    "pdfimages -png \"$1\" \"$2/x\" && printf %.1f $(identify -format '%[fx:mean]' \"$2/x-001.png\")";
+    "pdfimages -png \"$1\" \"$2/x\" && printf %.1f $(identify -format '%[fx:mean]' \"$2/x-001.png\" "
+    "2>/dev/null)";
 // The colour of a page at a place of it, at 20 dpi.
 std::string pixel(const std::string& place) {
-    return "pdftoppm -r 20 -f 1 -l 1 \"$1\" | convert - -crop 1x1+" + place +
+    return "pdftoppm -r 20 -f 1 -l 1 \"$1\" | convert 2>/dev/null - -crop 1x1+" + place +
            " -depth 8 txt:- | grep -o '#[0-9A-F][0-9A-F]*'";
 }
 
@@ -142,7 +143,7 @@ const std::vector<Row> kRows = {
     {R"({"Compression": {"Mono": {"MonoCompressionMethod": 1}}})", kGroup + "; grep -a -c CCF \"$1\"", "1"},
     {R"({"Compression": {"Mono": {"MonoCompressionMethod": 4}}})", "grep -a -o '/F */RL' \"$1\"", "/F/RL"},
     {R"({"Compression": {"Color": {"CompressionMethod": 1, "JpegQuality": 10}}})",
-     "pdfimages -j \"$1\" \"$2/x\" && identify -format %Q \"$2/x-000.jpg\"", "10"},
+     "pdfimages -j \"$1\" \"$2/x\" && identify -format %Q \"$2/x-000.jpg\" 2>/dev/null", "10"},
     {R"({"Compression": {"Color": {"ResolutionThreshold": 40, "ResolutionTarget": 23},
                          "Gray": {"ResolutionThreshold": 40, "DownSamplingMethod": 0},
                          "Mono": {"ResolutionTarget": 10}}})",  // as far below as the engine takes
