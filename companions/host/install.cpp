@@ -127,10 +127,15 @@ void remove_empty_keys() {
           L"SOFTWARE\\Corvanta\\Vantrix\\8.0", L"SOFTWARE\\Corvanta\\Vantrix", L"SOFTWARE\\Corvanta"})
         for (const HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
             remove_key_if_empty(hive, path);
-    if (companions::wine::present())
-        for (const wchar_t* name : {L"Devices", L"PrinterPorts", L"Windows"})
-            remove_key_if_empty(HKEY_CURRENT_USER,
-                                std::wstring(L"Software\\Microsoft\\Windows NT\\CurrentVersion\\") + name);
+    if (!companions::wine::present())
+        return;
+    for (const wchar_t* name : {L"Devices", L"PrinterPorts", L"Windows"})
+        remove_key_if_empty(HKEY_CURRENT_USER,
+                            std::wstring(L"Software\\Microsoft\\Windows NT\\CurrentVersion\\") + name);
+    for (const wchar_t* name : {L"Drivers\\Version-3", L"Drivers"})
+        remove_key_if_empty(
+            HKEY_LOCAL_MACHINE,
+            L"SYSTEM\\CurrentControlSet\\Control\\Print\\Environments\\Windows x64\\" + std::wstring(name));
 }
 
 std::wstring log_folder() {

@@ -66,8 +66,11 @@ int run(std::span<const wchar_t* const> words) {
         return kExitDone;
     }
     listen_for_cancel(parsed.arguments.cancel);
+    const Rendered rendered = render(parsed.arguments, *start);
+    if (rendered.result.code != ResultCode::kDone && cancelled())
+        return kExitFailed;  // whoever has cancelled the job is told nothing
     const JobBlock<ZRTKPrintInfo> result_block(kResultBlockName, parsed.arguments.thread);
-    return report(render(parsed.arguments, *start), parsed.arguments, result_block.find());
+    return report(rendered, parsed.arguments, result_block.find());
 }
 
 }  // namespace

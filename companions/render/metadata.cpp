@@ -32,6 +32,16 @@ std::string xml_text(std::wstring_view text) {
     return xml;
 }
 
+// The bytes as qpdf takes them. It would write U+FFFD, of a text that qpdf puts into bytes itself, as one
+// that has no meaning.
+std::string utf16_text(const std::wstring& text) {
+    std::string bytes = "b:feff";
+    for (const wchar_t unit : qk::to_wide(qk::to_utf8(text)))  // half a pair becomes U+FFFD
+        for (int shift = 12; shift >= 0; shift -= 4)
+            bytes += "0123456789abcdef"[unit >> shift & 0xF];
+    return bytes;
+}
+
 // The text may lie in the one item of a list: "<dc:title><rdf:Alt><rdf:li
 // xml:lang='x-default'>Text</rdf:li>".
 void replace_text(std::string& metadata, const std::string& element, const std::string& text) {
@@ -63,7 +73,7 @@ std::string with_texts(std::string metadata, const DocumentInfo& info) {
 picojson::object with_texts(picojson::object information, const DocumentInfo& info) {
     for (const auto& row : kTexts)
         if (!(info.*row.text).empty())
-            information[row.key] = picojson::value("u:" + qk::to_utf8(info.*row.text));
+            information[row.key] = picojson::value(utf16_text(info.*row.text));
     return information;
 }
 

@@ -176,7 +176,7 @@ PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
         how.encrypt = encryption_job(*settings_.security(), *encryption_);
     const std::wstring& made = encryption_ ? bare_ : drawn.path();
     if (has_hard_texts(info_))
-        how.changes = tool.write_texts(made, info_);
+        how.changes = tool.write_texts(made, info_, std::string(compatibility_level(version)));
     const ExpectedPdf expected = {log_.pages(), how.changes.empty() ? given_.title : info_.title};
     if (settings_.font()->WhenFailedToEmbed == ps::Font_impl::kNoPDF)
         check_fonts(made);

@@ -173,7 +173,8 @@ bool PdfTool::look_into(const std::wstring& path, Objects& objects, std::string&
            ask(path, {asked_name(catalogue), asked_name(information)}, objects, output);
 }
 
-std::wstring PdfTool::write_texts(const std::wstring& path, const DocumentInfo& info) {
+std::wstring PdfTool::write_texts(const std::wstring& path, const DocumentInfo& info,
+                                  const std::string& version) {
     Objects objects;
     std::string output;
     if (!look_into(path, objects, output))
@@ -196,7 +197,7 @@ std::wstring PdfTool::write_texts(const std::wstring& path, const DocumentInfo& 
         changes[described_name(reference)] = picojson::value(metadata);
     }
     head["jsonversion"] = picojson::value(2.0);
-    head["pdfversion"] = picojson::value("1.7");  // without effect, but asked for
+    head["pdfversion"] = picojson::value(version);
     head["maxobjectid"] = picojson::value(1.0);
     all["qpdf"] = picojson::value(picojson::array{picojson::value(head), picojson::value(changes)});
     return scratch_.write(kChangesFile, picojson::value(all).serialize());

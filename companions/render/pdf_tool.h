@@ -47,8 +47,10 @@ public:
     void rewrite(const std::wstring& from, const std::wstring& to, const Rewriting& how);
 
     // Writes the changes that give a PDF these texts, in its document information and its metadata: a file
-    // for `Rewriting::changes`; empty when the PDF cannot be read.
-    [[nodiscard]] std::wstring write_texts(const std::wstring& path, const DocumentInfo& info);
+    // for `Rewriting::changes`; empty when the PDF cannot be read. `version` ("1.7") is what it says it has
+    // then.
+    [[nodiscard]] std::wstring write_texts(const std::wstring& path, const DocumentInfo& info,
+                                           const std::string& version);
 
     // Opens the PDF, from its end to its first page: what is wrong with it in one line, nothing when it is
     // whole and has the pages and the title that it should have.

@@ -20,6 +20,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved)
                 return true;
         }
     });
+    if (reason == DLL_PROCESS_ATTACH && !answer)
+        qk::module_is_refused();
     if (reason == DLL_THREAD_DETACH)
         qk::release_thread_storage();  // whose variables the lines above may have used once more
     return answer;

@@ -69,7 +69,10 @@ private:
     template <class Value>
     void compare_values(const std::wstring& path, const FieldInfo& field, const Value& older,
                         const Value& newer) {
-        if (!(older == newer) || (field.shown == Shown::kPaper && older_paper_ != newer_paper_))
+        // The paper's name is kept elsewhere than its number, so a section that is equal is looked into as
+        // well.
+        if (SectionHandle<Value> || !(older == newer) ||
+            (field.shown == Shown::kPaper && older_paper_ != newer_paper_))
             tell(join(path, field), field, older, newer);
     }
 

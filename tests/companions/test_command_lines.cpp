@@ -1,4 +1,5 @@
 // The command lines of the host program and the renderer.
+#include <picojson.h>
 #include <shellapi.h>
 
 #include <tuple>

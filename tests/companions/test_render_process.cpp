@@ -68,7 +68,7 @@ TEST_F(RenderProcess, DamagedPdfIsNoSuccess) {
         const char* after;  // what becomes of the engine's PDF, in $out
         const wchar_t *qpdf, *message;
     } rows[] = {{kCut, L"qpdf", L"opening it again"},
-                {"sed -i 's/(\\\\376\\\\377/(xxxxxxxx/' \"$out\"", L"qpdf", L"title"},
+                {"sed -i 's/Count 2/Count 3/' \"$out\"", L"qpdf", L"3 pages, not 2"},
                 {kCut, L"/none/qpdf", L"end is missing"}};
     for (const auto& row : rows) {
         folder_.write(L"gs",

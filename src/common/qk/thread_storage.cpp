@@ -186,3 +186,7 @@ void qk::release_thread_storage() noexcept {
     while (copy)
         unlink_and_free(std::exchange(copy, copy->next));
 }
+
+void qk::module_is_refused() noexcept {
+    process_detaches = true;
+}

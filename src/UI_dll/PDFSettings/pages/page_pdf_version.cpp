@@ -277,8 +277,9 @@ void ListupICCFileByName(HWND page, void* /*ignored*/, uint32_t version) {
     LRESULT position = helper.profile.empty() ? -1 : find_item(page, helper.profile);
     if (position < 0)
         position = find_item(page, kDefaultProfile);
-    if (position < 0 && SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_GETCOUNT, 0, 0) == 1)
-        position = 0;  // the only one that fits
+    if (position < 0 && helper.stored_name.empty() &&
+        SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_GETCOUNT, 0, 0) == 1)
+        position = 0;  // the only one that fits, where the setting names none
     select(page, IDC_PV_PROFILE, static_cast<int>(position));
 }
 
