@@ -538,6 +538,9 @@ TEST_F(SettingsPage, ReadySettingsComeWithTheProduct) {
         EXPECT_EQ(!setting.security()->MasterPassword.empty(), row.is_protected);
         EXPECT_EQ(shown_setting_name(path), dialog_text(row.name));
         EXPECT_EQ(setting->PSName, dialog_text(row.name)) << "in English it is the file's own";
+        setting->PSName = L"Ours";
+        EXPECT_TRUE(setting.Save(path));
+        EXPECT_EQ(shown_setting_name(path), L"Ours") << "an administrator's of the same file name";
     }
 }
 

@@ -67,21 +67,24 @@ std::wstring name_of_file(const std::wstring& path) {
     return std::wstring(file.substr(0, file.rfind(L'.')));
 }
 
-// The settings that come with the product, whose names are the language library's.
+// The settings that come with the product: what their files call them, and what the user's language does.
 constexpr struct {
-    std::wstring_view file;
-    UINT name;
-} kReady[] = {{L"smallest.ps4", IDS_READY_SMALLEST}, {L"everyday.ps4", IDS_READY_EVERYDAY},
-              {L"quality.ps4", IDS_READY_QUALITY},   {L"archive.ps4", IDS_READY_ARCHIVE},
-              {L"press.ps4", IDS_READY_PRESS},       {L"protected.ps4", IDS_READY_PROTECTED}};
+    std::wstring_view file, name;
+    UINT translation;
+} kReady[] = {{L"smallest.ps4", L"Smallest file", IDS_READY_SMALLEST},
+              {L"everyday.ps4", L"Everyday", IDS_READY_EVERYDAY},
+              {L"quality.ps4", L"High quality for printing", IDS_READY_QUALITY},
+              {L"archive.ps4", L"Archive (PDF/A-2b)", IDS_READY_ARCHIVE},
+              {L"press.ps4", L"Press (PDF/X-4)", IDS_READY_PRESS},
+              {L"protected.ps4", L"Protected against changes", IDS_READY_PROTECTED}};
 
 SettingEntry entry_of(int32_t kind, const std::wstring& path) {
     const auto name = Corvanta::Vantrix::PrintSettings::ReadName(path);
     SettingEntry entry{kind, path, name && !name->empty() ? *name : name_of_file(path), name.has_value()};
     if (kind == SettingEntry::kInstalled && entry.is_readable)
         for (const auto& ready : kReady)
-            if (qk::equal_no_case(qk::file_part(path), ready.file))
-                entry.name = dialog_text(ready.name);
+            if (qk::equal_no_case(qk::file_part(path), ready.file) && entry.name == ready.name)
+                entry.name = dialog_text(ready.translation);
     return entry;
 }
 
