@@ -66,7 +66,7 @@ std::wstring name_pattern(const PrintSettings& settings) {
 // Without a pattern the default name of the document.
 companions::WantedName wanted_name(const dialog_library::WorkingRecord& record, const std::wstring& pattern,
                                    const wchar_t* printer_name) {
-    const std::wstring own = SetPDFname(record.title.readable_text().c_str());
+    std::wstring own = SetPDFname(record.title.readable_text().c_str());
     if (pattern.empty())
         return {.title = [own](unsigned) { return own; }};
     job::NameValues values{

@@ -4,6 +4,7 @@
 #include <prsht.h>
 #include <shellapi.h>
 
+#include <string_view>
 #include <vector>
 
 #include "UI_dll/PDFSettings/list/import_check.h"
@@ -23,7 +24,8 @@ namespace {
 constexpr WPARAM kMostNameUnits = 100;  // as the General page takes
 
 std::wstring filter() {
-    return dialog_text(IDS_PS4_FILES) + std::wstring(L" (*.ps4)\0*.ps4\0", 16);
+    using std::string_view_literals::operator""sv;
+    return dialog_text(IDS_PS4_FILES) + std::wstring(L" (*.ps4)\0*.ps4\0"sv);
 }
 
 std::wstring joined(std::span<const std::wstring> lines) {
