@@ -60,7 +60,7 @@ std::wstring dialog_folder(const std::wstring& record_folder,
                            const Corvanta::Vantrix::PrintSettings::General_impl& general) {
     if (!record_folder.empty())
         return absolute_path(record_folder);
-    return has_fixed_folder(general) ? absolute_path(general.OutputFolder) : documents_folder();
+    return general.OutputFolder.empty() ? documents_folder() : absolute_path(general.OutputFolder);
 }
 
 bool has_fixed_folder(const Corvanta::Vantrix::PrintSettings::General_impl& general) noexcept {

@@ -193,6 +193,11 @@ DWORD fields_of_devmode(HANDLE printer, const DEVMODEW* devmode) {
     return MapPrinter(printer, devmode).devmode.dm.dmFields;
 }
 
+DWORD bad_parameter() noexcept {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return kFailed;
+}
+
 // The printer is asked only for the answers that depend on it: programs ask dozens of these while a window
 // opens, and each call of the spooler may go over a network.
 DWORD answer(HANDLE printer, LPWSTR device, WORD index, Buffer buffer, const DEVMODEW* devmode) {
@@ -203,7 +208,7 @@ DWORD answer(HANDLE printer, LPWSTR device, WORD index, Buffer buffer, const DEV
             return fields_of_devmode(CallPrinter(printer, device).get(), devmode);
         case kSplPaperNames:
             if (!buffer)
-                return kFailed;
+                return bad_parameter();
             [[fallthrough]];
         case DC_PAPERS:
         case DC_PAPERSIZE:
@@ -211,7 +216,7 @@ DWORD answer(HANDLE printer, LPWSTR device, WORD index, Buffer buffer, const DEV
             return list_papers(CallPrinter(printer, device).get(), index, buffer);
         case kSplMediaReady:
             if (!buffer)
-                return kFailed;
+                return bad_parameter();
             [[fallthrough]];
         case DC_MEDIAREADY:
             return name_in_slot<kNameUnits>(kCurrentForm, buffer);
@@ -234,6 +239,7 @@ DWORD answer(HANDLE printer, LPWSTR device, WORD index, Buffer buffer, const DEV
 }  // namespace
 
 DWORD capability(HANDLE printer, LPWSTR device, WORD index, void* output, const DEVMODEW* devmode) {
+    TRACE("DrvDeviceCapabilities");
     const DWORD result = answer(printer, device, index, Buffer(output), devmode);
     TRACE_F(L"<<DrvDeviceCapabilities:ret=%d", static_cast<int>(result));
     return result;
@@ -241,10 +247,8 @@ DWORD capability(HANDLE printer, LPWSTR device, WORD index, void* output, const 
 
 DWORD spooler_capability(HANDLE printer, LPWSTR device, WORD index, void* output, DWORD output_units,
                          const DEVMODEW* devmode) {
-    if (index != DC_PAPERNAMES && index != DC_MEDIAREADY) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return kFailed;
-    }
+    if (index != DC_PAPERNAMES && index != DC_MEDIAREADY)
+        return bad_parameter();
     WORD asked = index;  // without a buffer the index goes on unchanged, which counts
     if (output) {
         const auto slots = static_cast<DWORD>(output_units / kNameUnits);

@@ -85,7 +85,6 @@ BOOL WINAPI DrvConvertDevMode(LPWSTR printer, DEVMODEW* source, DEVMODEW* target
 
 DWORD WINAPI DrvDeviceCapabilities(HANDLE printer, LPWSTR device, WORD index, void* output,
                                    DEVMODEW* devmode) noexcept {
-    TRACE("DrvDeviceCapabilities");
     return qk::guarded<DWORD>(devcaps::kFailed,
                               [&] { return devcaps::capability(printer, device, index, output, devmode); });
 }

@@ -6,11 +6,12 @@
 
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/sheet_information.h"
-#include "common/qk/resource_dll.h"
-#include "common/rwPDFSet_functions.h"
+#include "common/qk/guard.h"
 #include "common/qk/paths.h"
+#include "common/qk/resource_dll.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
+#include "common/rwPDFSet_functions.h"
 #include "resources/ids.h"
 
 namespace {
@@ -64,9 +65,14 @@ std::wstring setting_in_force(const std::wstring& printer) {
     return qk::is_file(path) ? pdf_settings::shown_setting_name(path) : std::wstring(qk::file_part(file));
 }
 
-void set_up(SheetInformation& information, const OptionDescriptor& descriptor, std::wstring text) {
-    OptionItem& item = information.option.emplace();
-    if (!CreateOPTTYPE(descriptor, {std::move(text)}, reinterpret_cast<ULONG_PTR>(&information), item))
+// Without memory the sheet goes without its item.
+template <class TextOf>
+void set_up(SheetInformation& information, const OptionDescriptor& descriptor, TextOf text_of) noexcept {
+    const bool made = qk::guarded<bool>(false, [&] {
+        return CreateOPTTYPE(descriptor, {text_of()}, reinterpret_cast<ULONG_PTR>(&information),
+                             information.option.emplace());
+    });
+    if (!made)
         information.option.reset();
 }
 
@@ -122,10 +128,10 @@ bool CreateOPTTYPE(const OptionDescriptor& descriptor, std::vector<std::wstring>
 
 void SetupDPOptItems(SheetInformation& information) {
     TRACE("SetupDPOptItems");
-    set_up(information, kSettingInForce, setting_in_force(information.thread->name()));
+    set_up(information, kSettingInForce, [&] { return setting_in_force(information.thread->name()); });
 }
 
 void SetupPPOptItems(SheetInformation& information) {
     TRACE("SetupPPOptItems");
-    set_up(information, kModuleVersion, kVersion);
+    set_up(information, kModuleVersion, [] { return std::wstring(kVersion); });
 }

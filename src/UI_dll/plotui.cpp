@@ -3,10 +3,11 @@
 #include <string>
 
 #include "common/qk/activation_context.h"
+#include "common/qk/guard.h"
 #include "common/qk/paths.h"
 #include "common/qk/resource_dll.h"
-#include "common/threadprop.h"
 #include "common/qk/trace.h"
+#include "common/threadprop.h"
 
 namespace plotui {
 
@@ -31,7 +32,7 @@ void pin(HINSTANCE instance) {
 bool attach_process(HINSTANCE instance) {
     qk::trace::read_level();
     TRACE("ui:attach");
-    if (!qk::load_resource_library()) {
+    if (!qk::guarded<bool>(false, [] { return qk::load_resource_library(); })) {
         TRACE_F(L"gle=%d", static_cast<int>(GetLastError()));
         OutputDebugStringA("ZRTK Error:no resource dll.");
         qk::finalize_resource_library(false);  // a copy that could not be loaded is not left behind
@@ -43,7 +44,8 @@ bool attach_process(HINSTANCE instance) {
 
 void detach_thread() {
     TRACE("ui:thread detach");
-    RemoveDirectoryW(thread_temp_folder(ZRTK_TempRoot()).c_str());  // only when it is empty
+    if (const std::wstring root = ZRTK_TempRoot(); !root.empty())
+        RemoveDirectoryW(thread_temp_folder(root).c_str());  // only when it is empty
 }
 
 void detach_process(bool process_ends) noexcept {

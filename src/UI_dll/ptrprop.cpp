@@ -35,6 +35,7 @@ LONG initialise_sheet(PROPSHEETUI_INFO& info, LPARAM parameter, HANDLE printer) 
     std::unique_ptr<SheetInformation> information(
         new (std::nothrow) SheetInformation(MapPrinter(printer, nullptr), std::move(thread)));
     if (!information) {
+        TRACE("no memory for the page");
         SetLastError(ERROR_INVALID_DATA);
         return kFailure;
     }

@@ -31,6 +31,8 @@ bool is_usable(const std::wstring& path) {
 }
 
 std::wstring find_setting_file(const std::wstring& name) {
+    if (name.empty())  // an extension alone is no setting's name
+        return {};
     if (qk::is_full_path(name) && is_usable(name))
         return name;
     const auto folders = setting_folders(qk::install_folder());
@@ -144,8 +146,7 @@ SettingFormat ProbeSettingFile(const std::wstring& path) {
     if (path.empty())
         return SettingFormat::kNone;
     // Who just replaces the file is not in the way.
-    const qk::FileObj file = qk::open_disk_file(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                                FILE_FLAG_SEQUENTIAL_SCAN);
+    const qk::FileObj file = qk::open_saved_file(path, FILE_SHARE_READ | FILE_SHARE_DELETE);
     if (!file) {
         const DWORD error = GetLastError();
         if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND && qk::is_file(path)) {
@@ -165,11 +166,12 @@ std::wstring GetAppDataPath(bool create) {
     TRACE("GetAppDataPath");
     std::wstring folder =
         qk::registry::find_text(CurrentUser().get(), qk::registry::kDebug, L"AppDataPath").value_or(L"");
-    if (!folder.empty()) {
+    if (qk::is_full_path(folder)) {  // never below the host's current folder
         if (create && !qk::is_folder(folder))
             ForceDirectories(folder);
         return folder;
     }
+    folder.clear();
     wchar_t roaming[MAX_PATH + 1] = {};
     if (SHGetSpecialFolderPathW(nullptr, roaming, CSIDL_APPDATA, FALSE) && *roaming)
         folder = qk::format(L"%s\\%s\\%s\\%s\\CustomSettings", roaming, L"Corvanta", L"Vantrix", L"8.0");
@@ -179,17 +181,9 @@ std::wstring GetAppDataPath(bool create) {
     return {};
 }
 
-std::wstring GetSettingFileNameFromFD(const std::wstring& printer_name, size_t units) {
-    TRACE("GetSettingFileNameFromFD");
-    const qk::DLL library = LoadInstallDll(dialog_library::kFileName);
-    if (!library) {
-        TRACE("dll not found: Tessalo80.dll");
-        return {};
-    }
-    return GetSettingFileNameFromFD(library.get(), printer_name, units);
-}
+namespace {
 
-std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& printer_name, size_t units) {
+std::wstring ask_library(HMODULE library, const std::wstring& printer_name, size_t units) {
     auto* get_setting = qk::find_export<dialog_library::GetSettingFN>(library, "GetSettingFN");
     if (!get_setting) {
         TRACE("no func");
@@ -204,6 +198,22 @@ std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& print
     }
     name[units - 1] = L'\0';
     return name;
+}
+
+}  // namespace
+
+std::wstring GetSettingFileNameFromFD(const std::wstring& printer_name, size_t units) {
+    TRACE("GetSettingFileNameFromFD");
+    const qk::DLL library = LoadInstallDll(dialog_library::kFileName);
+    if (library)
+        return ask_library(library.get(), printer_name, units);
+    TRACE("dll not found: Tessalo80.dll");
+    return {};
+}
+
+std::wstring GetSettingFileNameFromFD(HMODULE library, const std::wstring& printer_name, size_t units) {
+    TRACE("GetSettingFileNameFromFD");
+    return ask_library(library, printer_name, units);
 }
 
 std::wstring SettingPathOf(const std::wstring& name) {

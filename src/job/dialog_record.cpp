@@ -33,6 +33,9 @@ void GivenText::put(std::wstring_view text, size_t least_capacity) {
         field_.set_in_place(text);
         return;
     }
+    // Less than what run-time libraries allocate, and then free, in ways of their own: 4,096 bytes.
+    constexpr size_t kMostUnits = 2046;
+    text = text.substr(0, kMostUnits);
     const size_t units = std::max(text.size(), least_capacity) + 1;
     memory_ = static_cast<wchar_t*>(HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, units * sizeof(wchar_t)));
     if (!memory_)
@@ -48,13 +51,14 @@ void DialogRecord::set_title(std::wstring_view title) {
 }
 
 void DialogRecord::set_start_folder(std::wstring_view folder) {
-    // Room for the path that takes its place, and below what run-time libraries allocate in ways of their
-    // own.
+    // Room for the path that takes its place.
     constexpr size_t kPathUnits = 1023;
-    given_folder_.put(folder, kPathUnits);
+    if (folder.size() <= kPathUnits)  // a part of one would be another folder
+        given_folder_.put(folder, kPathUnits);
 }
 
 void DialogRecord::take_texts() {
+    title_ = text_of(record_->title);
     output_path_ = text_of(record_->output_path);
     third_text_ = text_of(record_->third_text);
 }

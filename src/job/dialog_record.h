@@ -22,7 +22,7 @@ public:
     GivenText& operator=(const GivenText&) = delete;
 
     // Once only. A text of at most 7 units is held in place, a longer one by address with room for at least
-    // `least_capacity` units.
+    // `least_capacity` units, and of a very long one the first 2,046 units.
     void put(std::wstring_view text, size_t least_capacity);
 
 private:
@@ -39,7 +39,7 @@ public:
 
     void set_title(std::wstring_view title);
 
-    // The folder that the dialog should open in.
+    // The folder that the dialog should open in; one of more than 1,023 units is left out.
     void set_start_folder(std::wstring_view folder);
 
     // Copies the texts that the library has left, while it is still loaded. A text that is not true (a length

@@ -112,19 +112,17 @@ private:
         record_.raw().settings = static_cast<const PrintSettings*>(&settings_);
     }
 
-    // Another program may steer the job into a folder; an administrator's folder wins over that.
+    // Another program may name the folder, but not keep the user from being asked: anybody can be that
+    // program. An administrator's folder wins over it, and nobody is asked for another.
     void take_override_folder() {
+        auto& general = *settings_.general();
         const std::wstring file = qk::OverrideIni().pdf_file_name();
         if (const size_t slash = file.rfind(L'\\'); slash != std::wstring::npos)
-            set_output_folder(file.substr(0, slash + 1));
-        if (!settings_.restriction().OutputFolder.empty())
-            set_output_folder(settings_.restriction().OutputFolder);
-    }
-
-    void set_output_folder(const std::wstring& folder) {
-        settings_.general()->OutputFolder = folder;
-        // The folder of the setting, not the user's last one.
-        settings_.general()->SaveStyle = Corvanta::Vantrix::PrintSettings::General_impl::kFixedFolder;
+            general.OutputFolder = file.substr(0, slash + 1);
+        if (const std::wstring& forced = settings_.restriction().OutputFolder; !forced.empty()) {
+            general.OutputFolder = forced;
+            general.SaveStyle = Corvanta::Vantrix::PrintSettings::General_impl::kFixedFolder;
+        }
     }
 
     // Lets the library settle the output path; its result, or 555 when it hands the job over.

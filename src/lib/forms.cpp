@@ -59,6 +59,7 @@ std::unique_ptr<std::byte[]> read_forms(HANDLE printer, DWORD& count) {
     std::unique_ptr<std::byte[]> buffer(new (std::nothrow) std::byte[size]());
     if (!buffer) {
         TRACE("err2");
+        SetLastError(ERROR_OUTOFMEMORY);
         return nullptr;
     }
     if (!EnumFormsW(printer, 1, reinterpret_cast<BYTE*>(buffer.get()), size, &size, &count)) {

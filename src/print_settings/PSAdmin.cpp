@@ -4,11 +4,12 @@
 #include <exception>
 #include <utility>
 
-#include "common/setting_signatures.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "common/qk/wipe.h"
+#include "common/rwPDFSet_functions.h"
+#include "common/setting_signatures.h"
 #include "print_settings/ps4_reader.h"
 #include "print_settings/restriction_fields.h"
 #include "print_settings/setting_file.h"
@@ -120,7 +121,7 @@ bool PrintSettingsAdmin::LoadWithAdministrator(std::string_view users) {
         if (!Administrator::read_file(files[i], forced[i], restriction_))
             return false;
     // Of this one only comments outlive the user's file, which replaces every section.
-    if (!restriction_.PSFile.empty() && !PrintSettings::Load(restriction_.PSFile))
+    if (!restriction_.PSFile.empty() && !PrintSettings::Load(SettingPathOf(restriction_.PSFile)))
         TRACE("administrator's print setting cannot be read");
     if (LoadBytes(users, false) != kLoaded)
         return false;

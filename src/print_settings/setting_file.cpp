@@ -12,19 +12,10 @@ namespace Corvanta::Vantrix::PrintSettings::setting_file {
 
 namespace {
 
-qk::FileObj open_for_reading(const std::wstring& path, DWORD share) noexcept {
-    return qk::open_disk_file(path, GENERIC_READ, share, FILE_FLAG_SEQUENTIAL_SCAN);
-}
-
 LoadResult open(const std::wstring& path, DWORD share, qk::FileObj& file, LARGE_INTEGER& size) noexcept {
     if (path.empty())
         return kMissing;
-    file = open_for_reading(path, share);
-    // A save that has to write in place is done in a moment, and the job would fail for it.
-    for (int more = 5; !file && GetLastError() == ERROR_SHARING_VIOLATION && more > 0; --more) {
-        Sleep(10);
-        file = open_for_reading(path, share);
-    }
+    file = qk::open_saved_file(path, share);
     if (!file)
         return GetLastError() == qk::kNoDiskFile || qk::is_file(path) ? kUnreadable : kMissing;
     return GetFileSizeEx(file.get(), &size) ? kLoaded : kUnreadable;

@@ -65,4 +65,13 @@ FileObj open_disk_file(const std::wstring& path, DWORD access, DWORD share, DWOR
     return file;
 }
 
+FileObj open_saved_file(const std::wstring& path, DWORD share) noexcept {
+    for (int more = 5;; --more) {
+        FileObj file = open_disk_file(path, GENERIC_READ, share, FILE_FLAG_SEQUENTIAL_SCAN);
+        if (file || more == 0 || GetLastError() != ERROR_SHARING_VIOLATION)
+            return file;
+        Sleep(10);
+    }
+}
+
 }  // namespace qk

@@ -23,4 +23,8 @@ inline constexpr DWORD kNoDiskFile = ERROR_BAD_FILE_TYPE;
 [[nodiscard]] FileObj open_disk_file(const std::wstring& path, DWORD access, DWORD share, DWORD flags = 0,
                                      DWORD how = OPEN_EXISTING) noexcept;
 
+// Opens a file of a disk for reading it whole, as open_disk_file does. One that a program is just saving is
+// waited for, 50 ms at most: a save in place is done in a moment.
+[[nodiscard]] FileObj open_saved_file(const std::wstring& path, DWORD share) noexcept;
+
 }  // namespace qk

@@ -164,8 +164,8 @@ std::wstring internet_cache_folder() {
 
 ScratchFailure find_scratch_folder(std::wstring& folder) {
     const std::wstring root = ZRTK_TempRoot();
-    if (!qk::is_folder(root) && !CreateDirectoryW(root.c_str(), nullptr) &&
-        GetLastError() != ERROR_ALREADY_EXISTS)
+    if (root.empty() || (!qk::is_folder(root) && !CreateDirectoryW(root.c_str(), nullptr) &&
+                         GetLastError() != ERROR_ALREADY_EXISTS))
         return ScratchFailure::kNoRoot;
     folder = thread_temp_folder(root);
     if (ForceDirectories(folder) || qk::is_folder(folder))
@@ -181,7 +181,7 @@ ScratchFailure find_scratch_folder(std::wstring& folder) {
 std::wstring ZRTK_TempRoot() {
     std::wstring root =
         qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
-    return root + L"ZRTK80" + L"_temp";
+    return root.empty() ? root : root + kTempRootName;
 }
 
 std::wstring thread_temp_folder(const std::wstring& root) {

@@ -57,7 +57,11 @@ bool ForceDirectories(const std::wstring& path);
 // failure. The module removes it, when empty, as the thread ends.
 [[nodiscard]] std::wstring ZRTK_TempPath();
 
-// The parent of the scratch folders, made or not, with no trailing backslash.
+// The name of the parent of the scratch folders.
+inline constexpr wchar_t kTempRootName[] = L"ZRTK80_temp";
+
+// The parent of the scratch folders, made or not, with no trailing backslash; empty when the system tells of
+// no temporary folder.
 [[nodiscard]] std::wstring ZRTK_TempRoot();
 
 // The folder `ZRTK_TempPath` uses for this thread, without making it.

@@ -145,7 +145,7 @@ std::wstring temporary_root() {
 // Programs of low integrity can write here and hardly anywhere else.
 std::wstring low_root() {
     const std::wstring folder = local_low_folder();
-    return folder.empty() ? folder : folder + L'\\' + std::wstring(file_part(ZRTK_TempRoot()));
+    return folder.empty() ? folder : folder + L'\\' + kTempRootName;
 }
 
 std::wstring parent_of(const std::wstring& folder) {
@@ -200,7 +200,10 @@ void remove_private_copy(PrivateCopy copy) {
     copy.held.reset();
     if (own)
         DeleteFileW(copy.path.c_str());
-    const std::wstring folder(own ? parent_of(copy.path) : ZRTK_TempRoot() + L'\\');
+    const std::wstring root = own ? parent_of(copy.path) : ZRTK_TempRoot();
+    if (root.empty())
+        return;
+    const std::wstring folder = own ? root : root + L'\\';
     WIN32_FIND_DATAW found = {};
     const FileObj kept = hold_folder(std::wstring(without_trailing_backslashes(folder)));
     if (!kept)

@@ -44,7 +44,7 @@ std::wstring module_folder() {
 std::optional<std::wstring> find_installed(const std::wstring& code) {
     const std::wstring name = L"Language\\zrtk_res_" + code + L".dll";
     TRACE(name);
-    for (const auto folder_of : {&module_folder, &install_folder})
+    for (const auto folder_of : {&module_folder, &trusted_install_folder})
         if (const std::wstring folder = folder_of(); !folder.empty() && is_file(folder + name))
             return folder + name;  // never below the host's current folder
     return std::nullopt;
