@@ -3,20 +3,18 @@
 #include <algorithm>
 #include <map>
 #include <optional>
-#include <ranges>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "UI_dll/PDFSettings/messages.h"
-#include "UI_dll/PDFSettings/pages/common_dialogs.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/pages/page.h"
 #include "UI_dll/PDFSettings/pages/page_pdf_version_boxes.h"
+#include "UI_dll/PDFSettings/pages/page_pdf_version_profiles.h"
 #include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
 #include "common/icc_folder.h"
 #include "common/icc_profile.h"
-#include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "job/output_intent.h"
@@ -28,7 +26,6 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::PDFVersion_impl;
 
-constexpr size_t kProfileUnits = 261;  // a description of 260 and its zero
 constexpr wchar_t kDefaultProfile[] = L"Japan Color 2001 Coated";
 constexpr wchar_t kConditionKey[] = L"OutputCondition";
 
@@ -96,36 +93,12 @@ UINT version_note(uint32_t version) noexcept {
 
 // --- The profile ---
 
-std::wstring selected_profile(HWND page) {
-    wchar_t text[kProfileUnits] = {};
-    COMBOBOXEXITEMW item = {CBEIF_TEXT, selected(page, IDC_PV_PROFILE, -1), text, kProfileUnits};
-    if (item.iItem < 0 ||
-        !SendDlgItemMessageW(page, IDC_PV_PROFILE, CBEM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)))
-        return {};
-    return item.pszText == text ? std::wstring(text) : std::wstring();
-}
-
-void add_profile(HWND page, std::wstring description) {
-    const COMBOBOXEXITEMW item = {CBEIF_TEXT, -1, description.data()};
-    SendDlgItemMessageW(page, IDC_PV_PROFILE, CBEM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
-}
-
-LRESULT find_item(HWND page, const std::wstring& description) {
-    return SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                               reinterpret_cast<LPARAM>(description.c_str()));
-}
-
-bool fits(uint32_t version, const std::wstring& path) {
-    const auto profile = icc::read_profile(path);
-    return profile && is_profile_listed(version, profile->colour_space, profile->device_class);
-}
-
 // A setting may name a profile outside the profile folder; it stays a choice.
 void add_own_profiles(HWND page, uint32_t version) {
     for (const OwnProfile& own : page_helper<VersionHelper>(kPDFVersionPage).own) {
-        if (find_item(page, own.description) >= 0)
+        if (has_profile(page, own.description))
             continue;
-        if (const auto path = icc::find_profile(own.name); path && fits(version, *path))
+        if (const auto path = icc::find_profile(own.name); path && is_fitting_profile(version, *path))
             add_profile(page, own.description);
     }
 }
@@ -133,7 +106,8 @@ void add_own_profiles(HWND page, uint32_t version) {
 // Where the setting's profile is not on this computer another is offered, which is not the user's choice yet.
 bool is_other_profile(HWND page) {
     const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
-    return helper.chosen || is_other_version(page) || selected_profile(page) != helper.first_profile;
+    return helper.chosen || is_other_version(page) || selected_profile(page) != helper.first_profile ||
+           helper.stored_name != loaded_setting().pdfVersion()->ICCFileName;
 }
 
 // The file name for the selected description. The setting's own stands as it is until another is chosen, for
@@ -145,9 +119,9 @@ std::wstring profile_name(HWND page) {
         return helper.stored_name;
     if (description.empty())
         return {};
-    for (const OwnProfile& own : std::views::reverse(helper.own))
-        if (own.description == description)
-            return own.name;
+    const auto own = std::ranges::find(helper.own, description, &OwnProfile::description);
+    if (own != helper.own.end())
+        return own->name;
     wchar_t name[kFileNameUnits] = {};
     icc_FileNameFromDesc(description, name);
     return name;
@@ -229,10 +203,7 @@ void show_PDFVersion(HWND page, const Setting& setting) {
 void dlg_init_PDFVersion(HWND page) {
     TRACE("dlg_init_PDFVersion");
     fill_versions(page);
-    // The button takes some of the list's place, but not of its open part.
-    const LONG left = window_place(GetDlgItem(page, IDC_PV_PROFILE), page).left;
-    const LONG right = window_place(GetDlgItem(page, IDC_PV_BROWSE), page).right;
-    SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(right - left), 0);
+    widen_profiles(page);
     show_PDFVersion(page, edited_setting());
 }
 
@@ -245,32 +216,23 @@ void profile_changed(HWND page) {
     SetDlgItemTextW(page, IDC_PV_CONDITION, condition_of(description).c_str());
 }
 
-// What a setting calls that file: a profile of the profile folder goes by its name alone.
-std::wstring stored_name_of(const std::wstring& path) {
-    const auto listed = icc::find_profile(qk::file_part(path));
-    return listed && qk::equal_no_case(*listed, path) ? std::wstring(qk::file_part(path)) : path;
-}
-
 // Any profile that fits, wherever its file lies and stays.
 void browse(HWND page) {
-    const wchar_t end = L'\0';
-    const std::wstring filter = dialog_text(IDS_PV_BROWSE_PROFILES) + end + L"*.icc;*.icm" + end +
-                                dialog_text(IDS_MARK_BROWSE_ALL) + end + L"*.*" + end;
-    const auto path = choose_file(page, dialog_text(IDS_PV_BROWSE_TITLE), filter,
-                                  icc::find_profile(profile_name(page)).value_or(L""));
+    const auto path = choose_profile(page, profile_name(page));
     if (!path)
         return;
     const std::wstring description = icc::find_description(*path).value_or(L"");
-    if (description.empty() || !fits(selected_version(page), *path)) {
+    if (description.empty() || !is_fitting_profile(selected_version(page), *path)) {
         show_message(page, dialog_text(IDS_PV_BAD_PROFILE), IDS_REFUSED, MB_OK | MB_ICONERROR);
         return;
     }
     auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
-    helper.own.push_back({stored_name_of(*path), description});
+    std::erase_if(helper.own, [&](const OwnProfile& own) { return own.description == description; });
+    helper.own.push_back({stored_profile_name(*path), description});
     helper.chosen = true;
-    if (find_item(page, description) < 0)
+    if (!has_profile(page, description))
         add_profile(page, description);
-    select(page, IDC_PV_PROFILE, static_cast<int>(find_item(page, description)));
+    select_profile(page, description);
     profile_changed(page);
 }
 
@@ -345,13 +307,13 @@ void ListupICCFileByName(HWND page, void* /*ignored*/, uint32_t version) {
                     add_profile(page, *description);
         add_own_profiles(page, version);
     }
-    LRESULT position = helper.profile.empty() ? -1 : find_item(page, helper.profile);
-    if (position < 0)
-        position = find_item(page, kDefaultProfile);
-    if (position < 0 && helper.stored_name.empty() &&
-        SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_GETCOUNT, 0, 0) == 1)
-        position = 0;  // the only one that fits, where the setting names none
-    select(page, IDC_PV_PROFILE, static_cast<int>(position));
+    if ((!helper.profile.empty() && select_profile(page, helper.profile)) ||
+        select_profile(page, kDefaultProfile))
+        return;
+    // The only one that fits, where the setting names none.
+    const bool is_only =
+        helper.stored_name.empty() && SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_GETCOUNT, 0, 0) == 1;
+    select(page, IDC_PV_PROFILE, is_only ? 0 : -1);
 }
 
 PDFVersion_impl read_PDFVersion(HWND page) {
