@@ -107,6 +107,7 @@
 #include "pages/open_action.h"
 #include "pages/info.h"
 #include "pages/changes.h"
+#include "pages/restore.h"
 
 // Names of sections, fields and values, for the sentences that tell what differs between two settings
 // (20000 to 20999).

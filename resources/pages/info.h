@@ -8,3 +8,7 @@
 #define IDC_INFO_KEYWORDS 3504
 #define IDC_INFO_CREATOR 3505
 #define IDC_INFO_SETTING_NAME 3506
+
+// What becomes of a text that is left empty.
+#define IDS_CUE_TITLE 20201
+#define IDS_CUE_LEFT_OUT 20202

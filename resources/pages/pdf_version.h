@@ -11,6 +11,7 @@
 #define IDC_PV_CONDITION_LABEL 1607
 #define IDC_PV_ERROR_LABEL 1608
 #define IDC_PV_VERSION 1609
+#define IDC_PV_BROWSE 2904
 
 // The edges of each box follow each other: left, top, right, bottom.
 #define IDC_PV_USE_TRIM 1610
@@ -42,3 +43,7 @@
 // Values of "WhenErroredPDFAX".
 #define IDS_PV_ON_ERROR_0 1611
 #define IDS_PV_ON_ERROR_1 1612
+// A profile's file.
+#define IDS_PV_BROWSE_TITLE 20204
+#define IDS_PV_BROWSE_PROFILES 20205
+#define IDS_PV_BAD_PROFILE 20206

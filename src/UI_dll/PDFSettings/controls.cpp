@@ -1,5 +1,7 @@
 #include "UI_dll/PDFSettings/controls.h"
 
+#include <commctrl.h>
+
 #include "UI_dll/PDFSettings/messages.h"
 
 namespace pdf_settings {
@@ -51,6 +53,10 @@ int selected(HWND page, int control, int otherwise) noexcept {
 
 void select(HWND page, int control, int position) noexcept {
     SendDlgItemMessageW(page, control, CB_SETCURSEL, static_cast<WPARAM>(position), 0);
+}
+
+void set_cue(HWND page, int control, const std::wstring& text) {
+    SendDlgItemMessageW(page, control, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
 RECT window_place(HWND window, HWND parent) noexcept {

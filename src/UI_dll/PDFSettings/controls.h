@@ -29,6 +29,9 @@ void fill_list(HWND page, int control, UINT first, UINT count);
 [[nodiscard]] int selected(HWND page, int control, int otherwise = 0) noexcept;
 void select(HWND page, int control, int position) noexcept;
 
+// What an empty edit says in grey: what leaving it so means.
+void set_cue(HWND page, int control, const std::wstring& text);
+
 // Where a window lies in its parent, in pixels.
 [[nodiscard]] RECT window_place(HWND window, HWND parent) noexcept;
 

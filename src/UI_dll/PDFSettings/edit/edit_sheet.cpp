@@ -7,9 +7,10 @@
 
 #include "UI_dll/PDFSettings/controls.h"
 #include "UI_dll/PDFSettings/edit/changes_box.h"
-#include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/edit/page_table.h"
+#include "UI_dll/PDFSettings/edit/restore_defaults.h"
 #include "UI_dll/PDFSettings/messages.h"
+#include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/pages/page_general_rules.h"
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "common/qk/resource_dll.h"
@@ -104,12 +105,20 @@ void check_all(HWND sheet) {
     go_to(sheet, findings.front());
 }
 
+// What a button of ours does; null: it is another one.
+using Operation = void(HWND);
+Operation* operation_of(WORD button) noexcept {
+    return button == kApplyButton ? &check_all : button == IDC_RESTORE ? &restore_defaults : nullptr;
+}
+
 LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
     return qk::guarded<LRESULT>(0, [&]() -> LRESULT {
         const auto before = reinterpret_cast<WNDPROC>(GetPropW(sheet, kProcedureBefore));
-        if (message == WM_COMMAND && LOWORD(wparam) == kApplyButton && HIWORD(wparam) == BN_CLICKED) {
+        const auto operation =
+            message == WM_COMMAND && HIWORD(wparam) == BN_CLICKED ? operation_of(LOWORD(wparam)) : nullptr;
+        if (operation) {
             (void)or_stay_open(sheet, 0, [&] {
-                check_all(sheet);
+                operation(sheet);
                 return LONG_PTR{0};
             });
             return 0;
@@ -122,7 +131,7 @@ LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM
 }
 
 // The system would apply the pages one by one, and stop at the first that is not valid.
-void take_check_button(HWND sheet) noexcept {
+void take_buttons(HWND sheet) noexcept {
     const LONG_PTR before = GetWindowLongPtrW(sheet, GWLP_WNDPROC);
     if (SetPropW(sheet, kProcedureBefore, reinterpret_cast<HANDLE>(before)))
         SetWindowLongPtrW(sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&sheet_procedure));
@@ -151,7 +160,9 @@ int CALLBACK sheet_callback(HWND sheet, UINT message, LPARAM) {
         make_every_page(sheet);
         if (qk::resource_module())
             set_up_check_button(sheet);
-        take_check_button(sheet);
+        take_buttons(sheet);
+        if (qk::resource_module())
+            add_restore_button(sheet);
         return 0;
     });
 }

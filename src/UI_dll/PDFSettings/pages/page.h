@@ -15,8 +15,11 @@ struct PageOperations {
     UINT template_id;  // dialog template
     UINT title_id;     // string resource
 
-    // WM_INITDIALOG: fills the controls from the edited setting.
+    // WM_INITDIALOG: prepares the controls and shows the edited setting.
     void (*init)(HWND page);
+
+    // Shows that setting in the controls, as if its values had been entered; after `init`.
+    void (*show)(HWND page, const Setting& setting);
 
     // WM_COMMAND: `control` tells of `notification`.
     void (*command)(HWND page, int control, int notification) = nullptr;

@@ -61,9 +61,13 @@ void dlg_enable_Color(HWND page) {
     enable(page, kBlackControls, can_convert_black(page));
 }
 
+void show_Color(HWND page, const Setting& setting) {
+    load_controls(page, *setting.color(), kControls);
+}
+
 void dlg_init_Color(HWND page) {
     TRACE("dlg_init_Color");
-    load_controls(page, *edited_setting().color(), kControls);
+    show_Color(page, edited_setting());
 }
 
 // Shows a threshold as it will be stored.
@@ -112,6 +116,7 @@ const PageOperations kColor = {.index = kColorPage,
                                .template_id = IDD_COLOR,
                                .title_id = IDS_COLOR_TAB,
                                .init = &dlg_init_Color,
+                               .show = &show_Color,
                                .command = &command,
                                .set_active = &dlg_enable_Color,
                                .apply = &dlg_apply_Color};

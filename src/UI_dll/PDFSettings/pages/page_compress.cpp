@@ -104,14 +104,18 @@ void dlg_enable_Compress(HWND page) {
     SetDlgItemTextW(page, IDC_CMP_NOTE, dialog_text(IDS_CMP_NOTE_COLOUR + read_color_mode()).c_str());
 }
 
-void dlg_init_Compress(HWND page) {
-    TRACE("dlg_init_Compress");
-    const Compression_impl& section = *edited_setting().compression();
+void show_Compress(HWND page, const Setting& setting) {
+    const Compression_impl& section = *setting.compression();
     load_controls(page, section, kTable);
     load_controls(page, *section.Color, kColour);
     load_controls(page, *section.Gray, kGrey);
     load_controls(page, *section.Mono, kMono);
     dlg_enable_Compress(page);
+}
+
+void dlg_init_Compress(HWND page) {
+    TRACE("dlg_init_Compress");
+    show_Compress(page, edited_setting());
 }
 
 // The colour mode may have changed.
@@ -169,6 +173,7 @@ const PageOperations kCompress = {.index = kCompressPage,
                                   .template_id = IDD_COMPRESS,
                                   .title_id = IDS_COMPRESS_TAB,
                                   .init = &dlg_init_Compress,
+                                  .show = &show_Compress,
                                   .command = &dlg_command_Compress,
                                   .set_active = &dlg_setactive_Compress,
                                   .check = &dlg_killactive_Compress,

@@ -264,18 +264,23 @@ void dlg_setactive_Font(HWND page) {
                     dialog_text(decided ? IDS_FONT_STANDARD_HINT : IDS_FONT_HINT).c_str());
 }
 
-void dlg_init_Font(HWND page) {
-    TRACE("dlg_init_Font");
-    const Section& section = *edited_setting().font();
+void show_Font(HWND page, const Setting& setting) {
+    const Section& section = *setting.font();
     load_controls(page, section, kTable);
     helper().listed = section.Fonts;
+    show_list(page, IDC_FONT_LISTED);
+    dlg_setactive_Font(page);
+}
+
+void dlg_init_Font(HWND page) {
+    TRACE("dlg_init_Font");
     set_up_list(page, IDC_FONT_INSTALLED);
     set_up_list(page, IDC_FONT_LISTED);
     SendDlgItemMessageW(page, IDC_FONT_FIND, EM_SETLIMITTEXT, LF_FACESIZE - 1, 0);
     take_enter(GetDlgItem(page, IDC_FONT_FIND));
+    set_cue(page, IDC_FONT_FIND, dialog_text(IDS_CUE_ALL_FONTS));
     search(page);
-    show_list(page, IDC_FONT_LISTED);
-    dlg_setactive_Font(page);
+    show_Font(page, edited_setting());
 }
 
 void command(HWND page, int control, int notification) {
@@ -314,6 +319,7 @@ const PageOperations kFont = {.index = kFontPage,
                               .template_id = IDD_FONT,
                               .title_id = IDS_FONT_TAB,
                               .init = &dlg_init_Font,
+                              .show = &show_Font,
                               .command = &command,
                               .set_active = &dlg_setactive_Font,
                               .check = &dlg_killactive_Font,

@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <cstdint>
+#include <cwchar>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "UI_dll/PDFSettings/messages.h"
+#include "UI_dll/PDFSettings/pages/decimal_edit.h"
 #include "UI_dll/PDFSettings/pages/dlg_item.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/pages/page.h"
@@ -50,6 +52,7 @@ constexpr std::tuple kControls = {
 };
 
 constexpr std::array kPaperTypes = {IDC_PAPER_FORM, IDC_PAPER_CUSTOM};
+constexpr std::array kLengths = {IDC_PAPER_WIDTH, IDC_PAPER_HEIGHT};
 constexpr std::array kFolderControls = {IDC_OUTPUT_FOLDER_LABEL, IDC_OUTPUT_FOLDER, IDC_BROWSE};
 constexpr std::array kFormControls = {IDC_PAPER_LIST_LABEL, IDC_PAPER_LIST, IDC_PORTRAIT, IDC_LANDSCAPE};
 constexpr std::array kCustomControls = {IDC_PAPER_WIDTH_LABEL,  IDC_PAPER_WIDTH,  IDC_PAPER_WIDTH_UNIT,
@@ -90,8 +93,6 @@ void show_file_name(HWND page, const Setting& setting) {
     const auto& texts = setting.addition()->Str;
     const auto entry = texts.find(job::kFileNameKey);
     show_text(page, IDC_FILE_NAME, entry != texts.end() ? entry->second : std::wstring(), job::kPatternUnits);
-    SendDlgItemMessageW(page, IDC_FILE_NAME, EM_SETCUEBANNER, TRUE,
-                        reinterpret_cast<LPARAM>(job::kNameWords));
     show_name_now(page);
 }
 
@@ -103,8 +104,6 @@ void enable_paper(HWND page, bool custom) {
 // --- Filling the controls ---
 
 void show_resolution(HWND page, int32_t resolution) {
-    for (const int32_t listed : kOfferedResolutions)
-        add_item(page, IDC_RESOLUTION, std::to_wstring(listed));
     const auto listed = std::ranges::find(kOfferedResolutions, resolution);
     if (listed != kOfferedResolutions.end())
         select(page, IDC_RESOLUTION, static_cast<int>(listed - kOfferedResolutions.begin()));
@@ -134,7 +133,11 @@ void dlg_init_General_PaperCombo(HWND page) {
         const auto item = static_cast<WPARAM>(add_item(page, IDC_PAPER_LIST, form.name));
         SendDlgItemMessageW(page, IDC_PAPER_LIST, CB_SETITEMDATA, item, reinterpret_cast<LPARAM>(&form));
     }
-    if (const auto position = find_list_position(forms.list, edited_setting().general()->PaperName))
+}
+
+void show_paper(HWND page, int32_t paper_number) {
+    const auto& forms = page_helper<GeneralHelper>(kGeneralPage).forms;
+    if (const auto position = find_list_position(forms.list, paper_number))
         select(page, IDC_PAPER_LIST, static_cast<int>(*position));
 }
 
@@ -148,24 +151,36 @@ void show_paper_type(HWND page, bool custom) {
     }
 }
 
-void dlg_init_General(HWND page) {
-    TRACE("dlg_init_General");
-    const Setting& setting = edited_setting();
+void show_General(HWND page, const Setting& setting) {
     const General_impl& general = *setting.general();
-    page_helper<GeneralHelper>(kGeneralPage).name = setting->PSName;
-    show_text(page, IDC_NAME, setting->PSName, kMostNameUnits);
     load_controls(page, general, kControls);
-    fill_list(page, IDC_SAVE_STYLE, IDS_SAVE_STYLE_ASK, 2);
     select(page, IDC_SAVE_STYLE, general.SaveStyle ? 1 : 0);
     enable_folder(page);
     show_file_name(page, setting);
     show_text(page, IDC_PAPER_WIDTH, length_text(general.PaperWidth), kLengthUnits);
     show_text(page, IDC_PAPER_HEIGHT, length_text(general.PaperHeight), kLengthUnits);
     show_resolution(page, general.PaperResolution);
-    dlg_init_General_PaperCombo(page);
+    show_paper(page, general.PaperName);
     show_text(page, IDC_SCALE, std::to_wstring(general.Scale), kScaleUnits);
     show_paper_type(page, general.PaperType);
     enable_paper(page, general.PaperType);
+}
+
+void dlg_init_General(HWND page) {
+    TRACE("dlg_init_General");
+    const Setting& setting = edited_setting();
+    page_helper<GeneralHelper>(kGeneralPage).name = setting->PSName;
+    show_text(page, IDC_NAME, setting->PSName, kMostNameUnits);
+    // The first word is what an empty pattern stands for.
+    const wchar_t* const more_words = std::wcschr(job::kNameWords, L' ') + 1;
+    set_cue(page, IDC_FILE_NAME, qk::format(dialog_text(IDS_CUE_FILE_NAME).c_str(), more_words));
+    fill_list(page, IDC_SAVE_STYLE, IDS_SAVE_STYLE_ASK, 2);
+    for (const int32_t resolution : kOfferedResolutions)
+        add_item(page, IDC_RESOLUTION, std::to_wstring(resolution));
+    dlg_init_General_PaperCombo(page);
+    for (const int length : kLengths)
+        take_comma_as_point(GetDlgItem(page, length));
+    show_General(page, setting);
     set_shown(page, IDC_UNUSED, false);
     set_checked(page, IDC_UNUSED, false);
 }
@@ -342,11 +357,12 @@ void read_paper(HWND page, General_impl& read) {
     const bool custom = !is_checked(page, IDC_PAPER_FORM);
     const bool is_other_type = is_touched(page, kPaperTypes);
     const bool is_new = is_other_type || is_touched(page, IDC_PAPER_LIST);
+    const bool is_other_size = is_new || is_touched(page, kLengths);
     const FormRecord* form = selected_form(page);
     if (custom) {
         read.PaperWidth = read_length(page, IDC_PAPER_WIDTH, read.PaperWidth);
         read.PaperHeight = read_length(page, IDC_PAPER_HEIGHT, read.PaperHeight);
-    } else if (form && is_new) {
+    } else if (form && is_other_size) {
         read.PaperWidth = paper_length(millimetres(form->size.cx));
         read.PaperHeight = paper_length(millimetres(form->size.cy));
     }
@@ -396,6 +412,7 @@ const PageOperations kGeneral = {.index = kGeneralPage,
                                  .template_id = IDD_GENERAL,
                                  .title_id = IDS_GENERAL_TAB,
                                  .init = &dlg_init_General,
+                                 .show = &show_General,
                                  .command = &command,
                                  .check = &dlg_killactive_General,
                                  .apply = &dlg_apply_General};

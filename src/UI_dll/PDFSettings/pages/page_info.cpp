@@ -1,3 +1,4 @@
+#include "UI_dll/PDFSettings/messages.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/pages/page.h"
 #include "common/qk/trace.h"
@@ -32,6 +33,10 @@ void show_name(HWND page) {
     SetDlgItemTextW(page, IDC_NAME, name.c_str());
 }
 
+void show_Info(HWND page, const Setting& setting) {
+    load_controls(page, *setting.summary(), kTable);
+}
+
 void dlg_init_Info(HWND page) {
     TRACE("dlg_init_Info");
     helper().loaded = false;
@@ -42,7 +47,10 @@ INT_PTR on_message(HWND page, UINT message, WPARAM /*wparam*/, LPARAM /*lparam*/
     // Only the first counts: a later one, from wherever, must not undo what has been typed.
     if (message != kLoadControls || helper().loaded)
         return FALSE;
-    load_controls(page, *edited_setting().summary(), kTable);
+    show_Info(page, edited_setting());
+    set_cue(page, IDC_INFO_TITLE, dialog_text(IDS_CUE_TITLE));
+    for (const int control : {IDC_INFO_SUBJECT, IDC_INFO_AUTHOR, IDC_INFO_KEYWORDS})
+        set_cue(page, control, dialog_text(IDS_CUE_LEFT_OUT));
     show_name(page);
     remember_controls(page);
     helper().loaded = true;
@@ -69,6 +77,7 @@ const PageOperations kInfo = {.index = kInfoPage,
                               .template_id = IDD_INFO,
                               .title_id = IDS_INFO_TAB,
                               .init = &dlg_init_Info,
+                              .show = &show_Info,
                               .set_active = &show_name,
                               .check = &dlg_killactive_Info,
                               .apply = &dlg_apply_Info,

@@ -45,9 +45,8 @@ void enable_controls(HWND page) {
            is_checked(page, IDC_OPEN_AT_PAGE));
 }
 
-void dlg_init_OpenAction(HWND page) {
-    TRACE("dlg_init_OpenAction");
-    const Section& section = *edited_setting().openAction();
+void show_OpenAction(HWND page, const Setting& setting) {
+    const Section& section = *setting.openAction();
     load_controls(page, section, kTable);
 
     const bool at_page = section.StartPage != Section::kNoStartPage;
@@ -55,6 +54,11 @@ void dlg_init_OpenAction(HWND page) {
     load_number(page, IDC_OPEN_PAGE, IDC_OPEN_PAGE_SPIN, 1, kMostPage,
                 at_page ? static_cast<int>(section.StartPage) : 1);
     enable_controls(page);
+}
+
+void dlg_init_OpenAction(HWND page) {
+    TRACE("dlg_init_OpenAction");
+    show_OpenAction(page, edited_setting());
 }
 
 void command(HWND page, int control, int notification) {
@@ -82,6 +86,7 @@ const PageOperations kOpenAction = {.index = kOpenActionPage,
                                     .template_id = IDD_OPEN_ACTION,
                                     .title_id = IDS_OPEN_ACTION_TAB,
                                     .init = &dlg_init_OpenAction,
+                                    .show = &show_OpenAction,
                                     .command = &command,
                                     .check = &dlg_killactive_OpenAction,
                                     .apply = &dlg_apply_OpenAction};

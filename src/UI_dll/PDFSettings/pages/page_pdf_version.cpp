@@ -1,12 +1,17 @@
 #include "UI_dll/PDFSettings/pages/page_pdf_version.h"
 
-#include "UI_dll/PDFSettings/messages.h"
 #include <algorithm>
 #include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
+#include "UI_dll/PDFSettings/messages.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/pages/page.h"
 #include "UI_dll/PDFSettings/pages/page_pdf_version_boxes.h"
+#include "UI_dll/PDFSettings/pages/page_pdf_version_profiles.h"
 #include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
 #include "common/icc_folder.h"
 #include "common/icc_profile.h"
@@ -21,7 +26,6 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::PDFVersion_impl;
 
-constexpr size_t kProfileUnits = 261;  // a description of 260 and its zero
 constexpr wchar_t kDefaultProfile[] = L"Japan Color 2001 Coated";
 constexpr wchar_t kConditionKey[] = L"OutputCondition";
 
@@ -31,12 +35,26 @@ constexpr auto kTable = std::tuple{
     CheckBox{IDC_PV_USE_BLEED, &PDFVersion_impl::UseBleedBox},
 };
 
+// A profile that is chosen by its file, which may lie outside the profile folder.
+struct OwnProfile {
+    std::wstring name;  // as a setting names it
+    std::wstring description;
+};
+
+std::optional<std::wstring> find_condition(const Setting& setting) {
+    const auto& texts = setting.addition()->Str;
+    const auto entry = texts.find(kConditionKey);
+    return entry != texts.end() ? std::optional(entry->second) : std::nullopt;
+}
+
+// `stored_`: of the setting that the page was filled from; of the loaded one where it could not be.
 struct VersionHelper final : PageHelper {
-    std::wstring profile;             // the description that was selected last
-    std::wstring first_profile;       // the one that was selected as the page opened
-    bool chosen = false;              // the user has chosen one, be it the same
-    std::wstring stored_name;         // of the profile that the setting names, as the page opened
-    std::wstring stored_description;  // of that profile
+    std::wstring profile;        // the description that was selected last
+    std::wstring first_profile;  // the one that was selected as the setting was shown
+    bool chosen = false;         // the user has chosen one, be it the same
+    std::wstring stored_name = loaded_setting().pdfVersion()->ICCFileName;
+    std::vector<OwnProfile> own;  // that profile, then those that the user has looked up
+    std::optional<std::wstring> stored_condition = find_condition(loaded_setting());
 };
 
 // --- The version ---
@@ -51,11 +69,14 @@ bool is_other_version(HWND page) {
     return selected_version(page) != loaded_setting().pdfVersion()->Version;
 }
 
-void fill_versions(HWND page, uint32_t version) {
+void fill_versions(HWND page) {
     for (const uint32_t code : kVersionOrder) {
         const std::wstring text = dialog_text(IDS_PS_VERSION_0 + code);
         SendDlgItemMessageW(page, IDC_PV_VERSION, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
     }
+}
+
+void show_version(HWND page, uint32_t version) {
     const auto position = std::ranges::find(kVersionOrder, version);
     select(page, IDC_PV_VERSION, static_cast<int>(position - kVersionOrder.begin()));
 }
@@ -72,53 +93,35 @@ UINT version_note(uint32_t version) noexcept {
 
 // --- The profile ---
 
-std::wstring selected_profile(HWND page) {
-    wchar_t text[kProfileUnits] = {};
-    COMBOBOXEXITEMW item = {CBEIF_TEXT, selected(page, IDC_PV_PROFILE, -1), text, kProfileUnits};
-    if (item.iItem < 0 ||
-        !SendDlgItemMessageW(page, IDC_PV_PROFILE, CBEM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)))
-        return {};
-    return item.pszText == text ? std::wstring(text) : std::wstring();
-}
-
-void add_profile(HWND page, std::wstring description) {
-    const COMBOBOXEXITEMW item = {CBEIF_TEXT, -1, description.data()};
-    SendDlgItemMessageW(page, IDC_PV_PROFILE, CBEM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
-}
-
-LRESULT find_item(HWND page, const std::wstring& description) {
-    return SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                               reinterpret_cast<LPARAM>(description.c_str()));
-}
-
 // A setting may name a profile outside the profile folder; it stays a choice.
-void add_stored_profile(HWND page, uint32_t version) {
-    const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
-    if (helper.stored_description.empty() || find_item(page, helper.stored_description) >= 0)
-        return;
-    const auto path = icc::find_profile(helper.stored_name);
-    const auto profile = path ? icc::read_profile(*path) : std::nullopt;
-    if (profile && is_profile_listed(version, profile->colour_space, profile->device_class))
-        add_profile(page, helper.stored_description);
+void add_own_profiles(HWND page, uint32_t version) {
+    for (const OwnProfile& own : page_helper<VersionHelper>(kPDFVersionPage).own) {
+        if (has_profile(page, own.description))
+            continue;
+        if (const auto path = icc::find_profile(own.name); path && is_fitting_profile(version, *path))
+            add_profile(page, own.description);
+    }
 }
 
 // Where the setting's profile is not on this computer another is offered, which is not the user's choice yet.
 bool is_other_profile(HWND page) {
     const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
-    return helper.chosen || is_other_version(page) || selected_profile(page) != helper.first_profile;
+    return helper.chosen || is_other_version(page) || selected_profile(page) != helper.first_profile ||
+           helper.stored_name != loaded_setting().pdfVersion()->ICCFileName;
 }
 
 // The file name for the selected description. The setting's own stands as it is until another is chosen, for
 // the profile that it names, and for none while the version lists none.
 std::wstring profile_name(HWND page) {
     const std::wstring description = selected_profile(page);
+    const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
     if (!is_other_profile(page) || (description.empty() && !is_standard(selected_version(page))))
-        return loaded_setting().pdfVersion()->ICCFileName;
+        return helper.stored_name;
     if (description.empty())
         return {};
-    const auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
-    if (description == helper.stored_description)
-        return helper.stored_name;
+    const auto own = std::ranges::find(helper.own, description, &OwnProfile::description);
+    if (own != helper.own.end())
+        return own->name;
     wchar_t name[kFileNameUnits] = {};
     icc_FileNameFromDesc(description, name);
     return name;
@@ -131,27 +134,25 @@ std::wstring condition_of(const std::wstring& description) {
 }
 
 // A condition that the setting names itself stands; without one it is that of the profile.
-void load_condition(HWND page) {
-    const auto& texts = edited_setting().addition()->Str;
-    const auto entry = texts.find(kConditionKey);
-    const std::wstring text = entry != texts.end() ? entry->second : condition_of(selected_profile(page));
-    SetDlgItemTextW(page, IDC_PV_CONDITION, text.c_str());
+void load_condition(HWND page, const Setting& setting) {
+    auto& stored = page_helper<VersionHelper>(kPDFVersionPage).stored_condition;
+    stored = find_condition(setting);
+    SetDlgItemTextW(page, IDC_PV_CONDITION, stored.value_or(condition_of(selected_profile(page))).c_str());
 }
 
 bool is_other_condition(HWND page) {
     return is_touched(page, IDC_PV_CONDITION) || is_other_profile(page);
 }
 
-// The setting's own texts with the condition, as it was loaded or as it stands now.
+// The setting's own texts with the condition, as it was shown first or as it stands now.
 std::map<std::wstring, std::wstring> read_texts(HWND page) {
-    const auto& loaded = loaded_setting().addition()->Str;
+    const auto& stored = page_helper<VersionHelper>(kPDFVersionPage).stored_condition;
     auto texts = edited_setting().addition()->Str;
-    const auto before = loaded.find(kConditionKey);
     texts.erase(kConditionKey);
-    if (before != loaded.end())
-        texts.insert(*before);
+    if (stored)
+        texts[kConditionKey] = *stored;
     const std::wstring text = control_text(page, IDC_PV_CONDITION);
-    const bool own = before != loaded.end() || text != condition_of(selected_profile(page));
+    const bool own = stored || text != condition_of(selected_profile(page));
     if (own && is_other_condition(page) && is_press_standard(selected_version(page)))
         texts[kConditionKey] = text;
     return texts;
@@ -164,7 +165,8 @@ void dlg_enable_PDFVersion(HWND page) {
     const uint32_t version = selected_version(page);
     SetDlgItemTextW(page, IDC_PV_NOTE, dialog_text(version_note(version)).c_str());
     enable(page,
-           std::array{IDC_PV_PROFILE_LABEL, IDC_PV_PROFILE, IDC_PV_ERROR_LABEL, IDC_PV_STOP, IDC_PV_CONTINUE},
+           std::array{IDC_PV_PROFILE_LABEL, IDC_PV_PROFILE, IDC_PV_BROWSE, IDC_PV_ERROR_LABEL, IDC_PV_STOP,
+                      IDC_PV_CONTINUE},
            is_standard(version));
     enable(page, std::array{IDC_PV_CONDITION_LABEL, IDC_PV_CONDITION}, is_press_standard(version));
     enable_boxes(page, is_press_standard(version));
@@ -179,21 +181,30 @@ PDFVersion_impl read_section(HWND page) {
     return section;
 }
 
-void dlg_init_PDFVersion(HWND page) {
-    TRACE("dlg_init_PDFVersion");
-    const PDFVersion_impl& section = *edited_setting().pdfVersion();
-    fill_versions(page, section.Version);
+void show_PDFVersion(HWND page, const Setting& setting) {
+    const PDFVersion_impl& section = *setting.pdfVersion();
+    show_version(page, section.Version);
     load_controls(page, section, kTable);
     load_boxes(page, section);
     auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    helper = VersionHelper();
+    select(page, IDC_PV_PROFILE, -1);  // else the list would take over what was selected
     helper.stored_name = section.ICCFileName;
     if (const auto path = icc::find_profile(section.ICCFileName))
-        helper.stored_description = icc::find_description(*path).value_or(L"");
-    helper.profile = helper.stored_description;
+        helper.profile = icc::find_description(*path).value_or(L"");
+    if (!helper.profile.empty())
+        helper.own.push_back({helper.stored_name, helper.profile});
     ListupICCFileByName(page, nullptr, section.Version);
     helper.first_profile = selected_profile(page);
-    load_condition(page);
+    load_condition(page, setting);
     dlg_enable_PDFVersion(page);
+}
+
+void dlg_init_PDFVersion(HWND page) {
+    TRACE("dlg_init_PDFVersion");
+    fill_versions(page);
+    widen_profiles(page);
+    show_PDFVersion(page, edited_setting());
 }
 
 // The condition follows the profile.
@@ -203,6 +214,26 @@ void profile_changed(HWND page) {
         return;
     page_helper<VersionHelper>(kPDFVersionPage).profile = description;
     SetDlgItemTextW(page, IDC_PV_CONDITION, condition_of(description).c_str());
+}
+
+// Any profile that fits, wherever its file lies and stays.
+void browse(HWND page) {
+    const auto path = choose_profile(page, profile_name(page));
+    if (!path)
+        return;
+    const std::wstring description = icc::find_description(*path).value_or(L"");
+    if (description.empty() || !is_fitting_profile(selected_version(page), *path)) {
+        show_message(page, dialog_text(IDS_PV_BAD_PROFILE), IDS_REFUSED, MB_OK | MB_ICONERROR);
+        return;
+    }
+    auto& helper = page_helper<VersionHelper>(kPDFVersionPage);
+    std::erase_if(helper.own, [&](const OwnProfile& own) { return own.description == description; });
+    helper.own.push_back({stored_profile_name(*path), description});
+    helper.chosen = true;
+    if (!has_profile(page, description))
+        add_profile(page, description);
+    select_profile(page, description);
+    profile_changed(page);
 }
 
 void version_changed(HWND page) {
@@ -222,6 +253,8 @@ void dlg_callback_PDFVersion(HWND page, int control, int notification) {
         page_helper<VersionHelper>(kPDFVersionPage).chosen = true;
     else if (control == IDC_PV_PROFILE && notification == CBN_SELCHANGE)
         profile_changed(page);
+    else if (control == IDC_PV_BROWSE && notification == BN_CLICKED)
+        browse(page);
     else if ((control == IDC_PV_USE_TRIM || control == IDC_PV_USE_BLEED) && notification == BN_CLICKED)
         dlg_enable_PDFVersion(page);
 }
@@ -272,15 +305,15 @@ void ListupICCFileByName(HWND page, void* /*ignored*/, uint32_t version) {
                 if (const auto description = icc::find_description(profile.path);
                     description && !description->empty())
                     add_profile(page, *description);
-        add_stored_profile(page, version);
+        add_own_profiles(page, version);
     }
-    LRESULT position = helper.profile.empty() ? -1 : find_item(page, helper.profile);
-    if (position < 0)
-        position = find_item(page, kDefaultProfile);
-    if (position < 0 && helper.stored_name.empty() &&
-        SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_GETCOUNT, 0, 0) == 1)
-        position = 0;  // the only one that fits, where the setting names none
-    select(page, IDC_PV_PROFILE, static_cast<int>(position));
+    if ((!helper.profile.empty() && select_profile(page, helper.profile)) ||
+        select_profile(page, kDefaultProfile))
+        return;
+    // The only one that fits, where the setting names none.
+    const bool is_only =
+        helper.stored_name.empty() && SendDlgItemMessageW(page, IDC_PV_PROFILE, CB_GETCOUNT, 0, 0) == 1;
+    select(page, IDC_PV_PROFILE, is_only ? 0 : -1);
 }
 
 PDFVersion_impl read_PDFVersion(HWND page) {
@@ -294,6 +327,7 @@ const PageOperations kPDFVersion = {.index = kPDFVersionPage,
                                     .template_id = IDD_PDF_VERSION,
                                     .title_id = IDS_PDF_VERSION_TAB,
                                     .init = &dlg_init_PDFVersion,
+                                    .show = &show_PDFVersion,
                                     .command = &dlg_callback_PDFVersion,
                                     .check = &dlg_killactive_PDFVersion,
                                     .apply = &dlg_apply_PDFVersion};

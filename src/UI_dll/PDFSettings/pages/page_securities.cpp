@@ -138,18 +138,22 @@ void use_changed(HWND page, const PasswordControls& controls, std::wstring& kept
         SetFocus(GetDlgItem(page, controls.edit));
 }
 
+void show_Securities(HWND page, const Setting& setting) {
+    const Security_impl& section = *setting.security();
+    load_controls(page, section, kTable);
+    set_checked(page, IDC_SEC_USE_OPEN, !section.UserPassword.empty());
+    set_checked(page, IDC_SEC_USE_PERMISSIONS, !section.MasterPassword.empty());
+    exchangeEncryptLevel(page);
+}
+
 void dlg_init_Securities(HWND page) {
     TRACE("dlg_init_Securities");
-    const Security_impl& section = *edited_setting().security();
     // What the page always writes is no change of the user's.
     Security_impl& loaded = *loaded_setting().security();
     loaded.Level = kLevel;
     loaded.AllowAccessFromScreenReader |= loaded.AllowCopyContent;  // copying includes reading aloud
     move_low_level(page);
-    load_controls(page, section, kTable);
-    set_checked(page, IDC_SEC_USE_OPEN, !section.UserPassword.empty());
-    set_checked(page, IDC_SEC_USE_PERMISSIONS, !section.MasterPassword.empty());
-    exchangeEncryptLevel(page);
+    show_Securities(page, edited_setting());
 }
 
 // Who comes back to the page, or brings somebody along, does not find them in clear.
@@ -231,6 +235,7 @@ const PageOperations kSecurities = {.index = kSecuritiesPage,
                                     .template_id = IDD_SECURITIES,
                                     .title_id = IDS_SECURITIES_TAB,
                                     .init = &dlg_init_Securities,
+                                    .show = &show_Securities,
                                     .command = &dlg_command_Securities,
                                     .set_active = &dlg_setactive_Securities,
                                     .check = &dlg_killactive_Securities,

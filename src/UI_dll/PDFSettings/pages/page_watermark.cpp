@@ -248,10 +248,8 @@ void fill_fonts(HWND page) {
     SendMessageW(list, CB_LIMITTEXT, LF_FACESIZE - 1, 0);
 }
 
-void dlg_init_WaterMark(HWND page) {
-    TRACE("dlg_init_WaterMark");
-    const Section& section = *edited_setting().watermark();
-    fill_fonts(page);
+void show_WaterMark(HWND page, const Setting& setting) {
+    const Section& section = *setting.watermark();
     helper().colour = shown_colour(section);
     const bool fits = section.PictureScale == Section::kNoPictureScale;
     set_checked(page, IDC_MARK_AUTO_SCALE, fits);
@@ -264,7 +262,14 @@ void dlg_init_WaterMark(HWND page) {
     enable_controls(page);
 }
 
+void dlg_init_WaterMark(HWND page) {
+    TRACE("dlg_init_WaterMark");
+    fill_fonts(page);
+    show_WaterMark(page, edited_setting());
+}
+
 void dlg_setactive_WaterMark(HWND page) {
+    redraw(page, IDC_MARK_SWATCH);
     redraw(page, IDC_MARK_PREVIEW);
 }
 
@@ -310,6 +315,7 @@ const PageOperations kWaterMark = {.index = kWaterMarkPage,
                                    .template_id = IDD_WATERMARK,
                                    .title_id = IDS_WATERMARK_TAB,
                                    .init = &dlg_init_WaterMark,
+                                   .show = &show_WaterMark,
                                    .command = &command,
                                    .set_active = &dlg_setactive_WaterMark,
                                    .check = &dlg_killactive_WaterMark,

@@ -1,0 +1,77 @@
+#include "UI_dll/PDFSettings/edit/restore_defaults.h"
+
+#include <commctrl.h>
+#include <prsht.h>
+
+#include <algorithm>
+
+#include "UI_dll/PDFSettings/controls.h"
+#include "UI_dll/PDFSettings/dialog_state.h"
+#include "UI_dll/PDFSettings/edit/page_table.h"
+#include "UI_dll/PDFSettings/messages.h"
+#include "common/qk/guard.h"
+#include "common/qk/resource_dll.h"
+#include "common/qk/trace.h"
+#include "resources/ids.h"
+
+namespace pdf_settings {
+
+namespace {
+
+INT_PTR CALLBACK question_procedure(HWND box, UINT message, WPARAM wparam, LPARAM) {
+    return qk::guarded<INT_PTR>(FALSE, [&]() -> INT_PTR {
+        if (message == WM_COMMAND)
+            EndDialog(box, LOWORD(wparam));
+        return message == WM_INITDIALOG || message == WM_COMMAND;
+    });
+}
+
+void show_defaults(PageIndex index, const Setting& defaults) {
+    const HWND page = dialog_state().sheet.pages[index];
+    if (!page)
+        return;
+    const PageOperations& operations = *page_table()[index].operations;
+    operations.show(page, defaults);
+    if (operations.set_active)  // the other pages may have changed, too
+        operations.set_active(page);
+}
+
+}  // namespace
+
+void add_restore_button(HWND sheet) {
+    const auto tabs = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETTABCONTROL, 0, 0));
+    const HWND ok = GetDlgItem(sheet, IDOK);
+    const RECT place = window_place(ok, sheet);
+    const int left = window_place(tabs, sheet).left;
+    const int gap = std::max<int>(0, window_place(GetDlgItem(sheet, IDCANCEL), sheet).left - place.right);
+    const int width = std::min<int>(2 * (place.right - place.left), place.left - gap - left);
+    if (!tabs || !ok || width <= 0)
+        return;
+    const HWND button = CreateWindowExW(
+        0, WC_BUTTONW, dialog_text(IDS_RESTORE_BUTTON).c_str(),
+        WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, left, place.top, width, place.bottom - place.top,
+        sheet, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_RESTORE)), nullptr, nullptr);
+    if (!button)
+        return;
+    SendMessageW(button, WM_SETFONT, static_cast<WPARAM>(SendMessageW(ok, WM_GETFONT, 0, 0)), FALSE);
+    // The keyboard comes to it after the sheet's other buttons.
+    SetWindowPos(button, GetDlgItem(sheet, kApplyButton), 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+}
+
+void restore_defaults(HWND sheet) {
+    TRACE("restore_defaults");
+    const INT_PTR answer =
+        DialogBoxParamW(qk::resource_module(), MAKEINTRESOURCEW(IDD_RESTORE), sheet, &question_procedure, 0);
+    if (answer <= 0)
+        return tell_failure(sheet);
+    if (answer != IDC_RESTORE_PAGE && answer != IDC_RESTORE_ALL)
+        return;
+    const Setting defaults;
+    const auto front = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
+    for (size_t i = 0; i < kPageCount; ++i)
+        if (answer == IDC_RESTORE_ALL || dialog_state().sheet.pages[i] == front)
+            show_defaults(static_cast<PageIndex>(i), defaults);
+}
+
+}  // namespace pdf_settings
