@@ -1,0 +1,18 @@
+// What stands around the pages of the edit sheet: their room and its buttons.
+#pragma once
+
+#include <windows.h>
+
+namespace pdf_settings {
+
+// Makes the sheet as large as its pages, which are all made, need it to be. Some systems make it for pages in
+// the sheet's own font.
+void fit_to_pages(HWND sheet) noexcept;
+
+// Shows the sheet's Apply button as the one that checks the pages.
+void set_up_check_button(HWND sheet);
+
+// Puts the button for help into the row of buttons, where there is help.
+void add_help_button(HWND sheet);
+
+}  // namespace pdf_settings
