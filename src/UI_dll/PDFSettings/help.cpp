@@ -30,7 +30,7 @@ void show_help(HWND owner, const std::wstring& chapter) {
     file.lpFile = path->c_str();
     file.nShow = SW_SHOWNORMAL;
     const DWORD error = ShellExecuteExW(&file) ? DWORD{ERROR_SUCCESS} : GetLastError();
-    if (error == ERROR_SUCCESS)
+    if (error == ERROR_SUCCESS || error == ERROR_CANCELLED)  // asked for a program, the user has chosen none
         return;
     show_message(owner,
                  qk::format(dialog_text(IDS_HELP_FAILED).c_str(), path->c_str(), system_text(error).c_str()),

@@ -32,7 +32,7 @@ void grow(HWND window, SIZE by) noexcept {
 
 }  // namespace
 
-void fit_to_pages(HWND sheet) noexcept {
+void fit_to_pages(HWND sheet) {
     const auto& pages = dialog_state().sheet.pages;
     RECT wanted = {0, 0, PAGE_WIDTH, PAGE_HEIGHT}, room = {};
     if (!MapDialogRect(pages[kGeneralPage], &wanted) || !GetClientRect(pages[kGeneralPage], &room))

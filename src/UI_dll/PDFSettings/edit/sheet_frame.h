@@ -7,7 +7,7 @@ namespace pdf_settings {
 
 // Makes the sheet as large as its pages, which are all made, need it to be. Some systems make it for pages in
 // the sheet's own font.
-void fit_to_pages(HWND sheet) noexcept;
+void fit_to_pages(HWND sheet);
 
 // Shows the sheet's Apply button as the one that checks the pages.
 void set_up_check_button(HWND sheet);
