@@ -1,4 +1,5 @@
-# Run by the build: makes one page of HTML of the user's guide. SOURCE: the guide; TARGET: the page; CMARK: the program.
+# Run by the build: makes one page of HTML of the user's guide, and beside it a page for each chapter that leads there.
+# SOURCE: the guide; TARGET: the page, "user-guide.html" or "user-guide.<language>.html"; CMARK: the program.
 cmake_minimum_required(VERSION 3.25)
 
 execute_process(COMMAND ${CMARK} ${SOURCE} OUTPUT_VARIABLE body COMMAND_ERROR_IS_FATAL ANY)
@@ -8,10 +9,35 @@ string(REGEX REPLACE "<p>\\| ([^\n]+) \\|" "<table>\n<tr><td>\\1</td></tr>" body
 string(REGEX REPLACE "\n\\| ([^\n]+) \\|</p>" "\n<tr><td>\\1</td></tr>\n</table>" body "${body}")
 string(REGEX REPLACE "\n\\| ([^\n]+) \\|" "\n<tr><td>\\1</td></tr>" body "${body}")
 string(REGEX REPLACE " \\| " "</td><td>" body "${body}")
+# A heading with a picture below it begins the chapter of a page of the dialog, which is called like the picture in every
+# language.
+string(REGEX REPLACE "<h([23])>([^<]+)</h[23]>\n<p>(<img src=\"img/[a-z]+/([a-z-]+)-96\\.png\")"
+    "<h\\1 id=\"\\4\">\\2</h\\1>\n<p>\\3" body "${body}")
+set(title "The PDF printer: a user's guide")
 file(WRITE ${TARGET} "<!DOCTYPE html>
-<html lang=\"en\"><head><meta charset=\"utf-8\"><title>The PDF printer: a user's guide</title>
+<html lang=\"en\"><head><meta charset=\"utf-8\"><title>${title}</title>
 <style>body { max-width: 46em; margin: 2em auto; font-family: sans-serif; line-height: 1.4 }
 img { max-width: 100% } td { border: 1px solid #aaa; padding: .3em .6em; vertical-align: top }
 table { border-collapse: collapse }</style></head><body>
 ${body}</body></html>
 ")
+
+get_filename_component(name ${TARGET} NAME)
+get_filename_component(folder ${TARGET} DIRECTORY)
+string(REGEX MATCHALL "<h[23] id=\"[a-z-]+\"" chapters "${body}")
+foreach(chapter IN LISTS chapters)
+    string(REGEX REPLACE ".*\"(.*)\"" "\\1" chapter "${chapter}")
+    string(REPLACE "user-guide" "${chapter}" page "${name}")
+    file(WRITE ${folder}/${page} "<!DOCTYPE html>
+<html lang=\"en\"><head><meta charset=\"utf-8\"><title>${title}</title>
+<meta http-equiv=\"refresh\" content=\"0; url=${name}#${chapter}\"></head><body>
+<a href=\"${name}#${chapter}\">${title}</a></body></html>
+")
+endforeach()
+
+get_filename_component(source_folder ${SOURCE} DIRECTORY)
+string(REGEX MATCHALL "img/[a-z]+/[a-z0-9-]+\\.png" pictures "${body}")
+foreach(picture IN LISTS pictures)
+    get_filename_component(place ${folder}/${picture} DIRECTORY)
+    file(COPY ${source_folder}/${picture} DESTINATION ${place})
+endforeach()

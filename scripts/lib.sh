@@ -64,6 +64,18 @@ restart_wine() {
     start_wine
 }
 
+# The font of windows' titles as the registry has it, a LOGFONTW of 12 pixels: Wine's own shows boxes for the
+# characters of the Far East.
+caption_font() {  # caption_font FACE
+    {
+        printf '\xf4\xff\xff\xff'
+        head -c 12 /dev/zero
+        printf '\x90\x01\0\0\0\0\0\x01\0\0\0\0'
+        printf '%s' "$1" | iconv -f UTF-8 -t UTF-16LE
+        head -c $((64 - 2 * ${#1})) /dev/zero
+    } | od -An -v -tx1 | tr -s ' \n' ',,' | sed 's/^,/"CaptionFont"=hex:/; s/,$//'
+}
+
 # Wine's own fonts (text and window buttons) are found in the prefix only; free fonts, one of nearly the same widths
 # and one that has the characters of the Far East, stand in for the dialogs'. Counts after a restart.
 set_fonts() {
@@ -74,6 +86,8 @@ set_fonts() {
         printf '"%s"="WenQuanYi Micro Hei"\n' 'MS UI Gothic' 'MS PGothic' 'Meiryo UI' 'Yu Gothic UI' 'Gulim' 'Dotum' \
             'Malgun Gothic' 'SimSun' 'Microsoft YaHei' 'Microsoft YaHei UI' 'MingLiU' 'PMingLiU' \
             'Microsoft JhengHei' 'Microsoft JhengHei UI'
+        printf '\n%s\n%s\n' '[HKEY_CURRENT_USER\Control Panel\Desktop\WindowMetrics]' \
+            "$(caption_font 'WenQuanYi Micro Hei')"
     } >"$WINEPREFIX/drive_c/fonts.reg"
     "$root/scripts/wine-run" reg import 'C:\fonts.reg' >/dev/null 2>&1 </dev/null || fail "the fonts could not be set"
 }

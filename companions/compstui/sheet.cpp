@@ -112,6 +112,8 @@ LONG Sheet::show_pages(const PROPSHEETUI_INFO_HEADER& header) {
     sheet.pszCaption = title.c_str();
     sheet.nPages = static_cast<UINT>(handles.size());
     sheet.phpage = handles.data();
+    if (const auto start = std::find(pages.begin(), pages.end(), start_); start != pages.end())
+        sheet.nStartPage = static_cast<UINT>(start - pages.begin());
     const SheetSize size(pages);
     sheet.pfnCallback = &SheetSize::callback;
     shown_ = true;

@@ -22,6 +22,9 @@ public:
     // long as they take it; each may change what the next one gets. The number of functions asked.
     int hand_up(Node& from, LRESULT result);
 
+    // The sheet opens on that page of its own instead of the first one.
+    void start_with(const PageNode& page) noexcept { start_ = &page; }
+
     // Pages can be added only before the sheet is shown.
     [[nodiscard]] bool can_change() const noexcept { return !shown_ && !destroying_; }
     [[nodiscard]] bool has_room() const;
@@ -34,6 +37,7 @@ private:
 
     std::unique_ptr<FunctionNode> root_;
     std::vector<std::unique_ptr<Node>> removed_;
+    const PageNode* start_ = nullptr;  // of the live or the removed ones
     bool shown_ = false;
     bool destroying_ = false;
 };

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "common/qk/memory_probe.h"
 #include "companions/compstui/group.h"
@@ -84,16 +85,27 @@ LONG_PTR set_result(Node& node, LPARAM handle, LPARAM result) {
     return from ? node.sheet.hand_up(*from, result) : failed<LONG_PTR>(ERROR_INVALID_HANDLE, -1);
 }
 
+// `handle` is a page, or a group or function of which `index` is a page.
+LONG_PTR set_start_page(Node& node, LPARAM handle, LPARAM index) {
+    Node* from = handle ? find_in_sheet(node, handle) : &node;
+    if (!from)
+        return failed<LONG_PTR>(ERROR_INVALID_HANDLE, 0);
+    const std::vector<PageNode*> pages = pages_of(*from);
+    if (!node.sheet.can_change() || index < 0 || static_cast<size_t>(index) >= pages.size())
+        return failed<LONG_PTR>(ERROR_INVALID_PARAMETER, 0);
+    node.sheet.start_with(*pages[static_cast<size_t>(index)]);
+    return 1;
+}
+
 struct Entry {
     UINT function;
     LONG_PTR (*answer)(Node& node, LPARAM first, LPARAM second);
 };
 
-constexpr Entry kEntries[] = {{CPSFUNC_ADD_PROPSHEETPAGEW, add_page},
-                              {CPSFUNC_ADD_PCOMPROPSHEETUIW, add_group},
-                              {CPSFUNC_ADD_PFNPROPSHEETUIW, add_function},
-                              {CPSFUNC_GET_PAGECOUNT, count_pages},
-                              {CPSFUNC_SET_RESULT, set_result}};
+constexpr Entry kEntries[] = {
+    {CPSFUNC_ADD_PROPSHEETPAGEW, add_page},      {CPSFUNC_ADD_PCOMPROPSHEETUIW, add_group},
+    {CPSFUNC_ADD_PFNPROPSHEETUIW, add_function}, {CPSFUNC_SET_HSTARTPAGE, set_start_page},
+    {CPSFUNC_GET_PAGECOUNT, count_pages},        {CPSFUNC_SET_RESULT, set_result}};
 
 }  // namespace
 

@@ -97,7 +97,8 @@ void remove_file(const std::wstring& path, Steps& steps) {
     steps.add(path, gone ? L"removed" : error_in_words(GetLastError()), gone);
 }
 
-// The files that an installation made; what an administrator has added stays, and its folders with it.
+// The files that an installation made; what an administrator has added stays, and its folders with it. The
+// guide and its pictures are the product's alone.
 void remove_files(const InstallPlaces& places, Steps& steps) {
     for (const wchar_t* code : {L"en", L"ja", L"kr", L"chs", L"cht"})
         for (const std::wstring& place : {places.drivers, places.installation})
@@ -110,9 +111,11 @@ void remove_files(const InstallPlaces& places, Steps& steps) {
           L"Settings\\smallest.ps4", L"Settings\\everyday.ps4", L"Settings\\quality.ps4",
           L"Settings\\archive.ps4", L"Settings\\press.ps4", L"Settings\\protected.ps4"})
         remove_file(places.installation + name, steps);
+    for (const std::wstring& name : files_below(places.installation + kHelpFolder))
+        remove_file(places.installation + kHelpFolder + name, steps);
     RemoveDirectoryW((places.drivers + L"Language").c_str());
-    for (const wchar_t* folder :
-         {L"Language", L"Settings\\legacy", L"Settings", L"CustomSettings", L"", L".."})
+    for (const wchar_t* folder : {L"Language", L"Help\\img\\en", L"Help\\img", L"Help", L"Settings\\legacy",
+                                  L"Settings", L"CustomSettings", L"", L".."})
         RemoveDirectoryW((places.installation + folder).c_str());
     const std::wstring shared = qk::shared_documents_folder();
     for (const std::wstring& folder : {shared, shared.substr(0, shared.rfind(L'\\'))})

@@ -16,24 +16,6 @@ namespace {
 constexpr wchar_t kModule[] = L"ZR_UI80.dll";
 constexpr const wchar_t* kInstalledFiles[] = {L"Tessalo80.dll", L"zr_render.exe"};
 
-// The files in `folder` (with its trailing backslash) and, as relative paths, in the folders below it.
-std::vector<std::wstring> files_below(const std::wstring& folder, const std::wstring& relative = L"") {
-    std::vector<std::wstring> files;
-    WIN32_FIND_DATAW found = {};
-    const qk::FindObj search(FindFirstFileW((folder + relative + L"*").c_str(), &found));
-    for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found) != FALSE) {
-        const std::wstring name = relative + found.cFileName;
-        if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
-            files.push_back(name);
-        } else if (std::wstring_view(found.cFileName) != L"." &&
-                   std::wstring_view(found.cFileName) != L"..") {
-            for (std::wstring& inner : files_below(folder, name + L"\\"))
-                files.push_back(std::move(inner));
-        }
-    }
-    return files;
-}
-
 void demand(const std::wstring& path) {
     if (!qk::is_file(path))
         throw HostError{ExitCode::kInstallation,
@@ -85,6 +67,23 @@ const wchar_t* outcome_name(CopyOutcome outcome) noexcept {
     return kNames[static_cast<size_t>(outcome)];
 }
 
+std::vector<std::wstring> files_below(const std::wstring& folder, const std::wstring& relative) {
+    std::vector<std::wstring> files;
+    WIN32_FIND_DATAW found = {};
+    const qk::FindObj search(FindFirstFileW((folder + relative + L"*").c_str(), &found));
+    for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found) != FALSE) {
+        const std::wstring name = relative + found.cFileName;
+        if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
+            files.push_back(name);
+        } else if (std::wstring_view(found.cFileName) != L"." &&
+                   std::wstring_view(found.cFileName) != L"..") {
+            for (std::wstring& inner : files_below(folder, name + L"\\"))
+                files.push_back(std::move(inner));
+        }
+    }
+    return files;
+}
+
 std::vector<FileCopy> plan_copies(const std::wstring& stage, const InstallPlaces& places) {
     std::vector<FileCopy> copies;
     demand(stage + kModule);
@@ -103,6 +102,8 @@ std::vector<FileCopy> plan_copies(const std::wstring& stage, const InstallPlaces
         demand(stage + name);
         copies.push_back({stage + name, places.installation + name, false});
     }
+    for (const std::wstring& name : files_below(stage + kHelpFolder))
+        copies.push_back({stage + kHelpFolder + name, places.installation + kHelpFolder + name, false});
     for (const wchar_t* folder : {L"Settings\\", L"CustomSettings\\"})
         for (const std::wstring& name : files_below(stage + folder))
             copies.push_back({stage + folder + name, places.installation + folder + name, true});

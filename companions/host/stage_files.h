@@ -24,10 +24,17 @@ enum class CopyOutcome { kCopied, kReplaced, kUpToDate, kKept };
 
 [[nodiscard]] const wchar_t* outcome_name(CopyOutcome outcome) noexcept;
 
+// The user's guide, in the built tree and in the installation.
+inline constexpr wchar_t kHelpFolder[] = L"Help\\";
+
+// The files in `folder` (with its trailing backslash) and, as relative paths, in the folders below it.
+[[nodiscard]] std::vector<std::wstring> files_below(const std::wstring& folder,
+                                                    const std::wstring& relative = {});
+
 // Which file of the built tree `stage` (with its trailing backslash) goes where: the module and its language
-// libraries to the drivers; the print processor to its folder; language libraries, dialog library, renderer
-// and settings to the installation. Throws HostError (installation) when a file is missing that the driver
-// does not work without.
+// libraries to the drivers; the print processor to its folder; language libraries, dialog library, renderer,
+// user's guide and settings to the installation. Throws HostError (installation) when a file is missing that
+// the driver does not work without.
 [[nodiscard]] std::vector<FileCopy> plan_copies(const std::wstring& stage, const InstallPlaces& places);
 
 // Brings one target up to date with its source: contents are compared, folders made. A target that a running

@@ -30,12 +30,13 @@ wchar_t* resource(UINT id) noexcept {
     return MAKEINTRESOURCEW(id);
 }
 
-LONG_PTR add(const PROPSHEETUI_INFO& info, UINT function, const void* what) {
+LONG_PTR ask(const PROPSHEETUI_INFO& info, UINT function, const void* what) {
     return info.pfnComPropSheet
                ? info.pfnComPropSheet(info.hComPropSheet, function, reinterpret_cast<LPARAM>(what), 0)
                : 0;
 }
 
+// The page comes second, but it is the one that the sheet opens on, where the service lets it choose.
 void add_settings_page_beside(const PROPSHEETUI_INFO& info) {
     PropertyPage page = {};
     page.page.dwSize = sizeof page;
@@ -45,7 +46,8 @@ void add_settings_page_beside(const PROPSHEETUI_INFO& info) {
     page.page.pszIcon = resource(IDI_SETTINGS);
     page.page.pszTitle = resource(IDS_SETTINGS_TAB);
     page.page.pfnDlgProc = &settings_page_proc;
-    add(info, CPSFUNC_ADD_PROPSHEETPAGEW, &page);
+    if (const LONG_PTR added = ask(info, CPSFUNC_ADD_PROPSHEETPAGEW, &page))
+        ask(info, CPSFUNC_SET_HSTARTPAGE, reinterpret_cast<const void*>(added));
 }
 
 LONG add_common_sheet(PROPSHEETUI_INFO& info, SheetInformation& information) {
@@ -60,7 +62,7 @@ LONG add_common_sheet(PROPSHEETUI_INFO& info, SheetInformation& information) {
     sheet.IconID = IDI_SHEET;
     if (information.may_update)
         sheet.Flags |= CPSUIF_UPDATE_PERMISSION;
-    information.added = add(info, CPSFUNC_ADD_PCOMPROPSHEETUIW, &sheet);
+    information.added = ask(info, CPSFUNC_ADD_PCOMPROPSHEETUIW, &sheet);
     information.thread->set_group(info, information.added);
     return information.added != 0 ? 1 : kFailure;
 }

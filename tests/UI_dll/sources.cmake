@@ -4,6 +4,7 @@ target_sources(zr_tests PRIVATE
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_every_field.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_faults.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_fonts.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_help.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_list_rules.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_module.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_general.cpp

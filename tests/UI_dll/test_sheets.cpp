@@ -23,6 +23,8 @@ COMPROPSHEETUI added_sheet;
 constexpr LONG kNoService = -77;
 
 LONG_PTR CALLBACK note_addition(HANDLE, UINT function, LPARAM what, LPARAM) {
+    if (function == CPSFUNC_SET_HSTARTPAGE)
+        return what == 77;
     added.push_back(function);
     if (function == CPSFUNC_ADD_PCOMPROPSHEETUIW)
         added_sheet = *reinterpret_cast<const COMPROPSHEETUI*>(what);
@@ -299,6 +301,10 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
         SendMessageW(sheet(), PSM_SETCURSEL, index, 0);
         return reinterpret_cast<HWND>(SendMessageW(sheet(), PSM_GETCURRENTPAGEHWND, 0, 0));
     };
+    const auto in_front = [&](int control) {
+        return GetDlgItem(reinterpret_cast<HWND>(SendMessageW(sheet(), PSM_GETCURRENTPAGEHWND, 0, 0)),
+                          control);
+    };
     for (const DWORD is_alone : {0u, 1u}) {
         SCOPED_TRACE(is_alone);
         here.set_number(HKEY_LOCAL_MACHINE, L"\\Special", L"HideSettingTab", is_alone);
@@ -306,6 +312,7 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
         output = {};
         const Later later([&] { return sheet() != nullptr; },
                           [&] {
+                              EXPECT_TRUE(in_front(IDC_SETTINGS_LIST)) << "at first";
                               if (!is_alone) {
                                   const HWND options = page(0);
                                   EXPECT_EQ(pdf_settings::control_text(options, 8021),

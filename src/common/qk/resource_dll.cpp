@@ -40,19 +40,9 @@ std::wstring module_folder() {
     return path.substr(0, path.size() - file_part(path).size());
 }
 
-// The installed library of a language, beside the module or in the installation folder.
-std::optional<std::wstring> find_installed(const std::wstring& code) {
-    const std::wstring name = L"Language\\zrtk_res_" + code + L".dll";
-    TRACE(name);
-    for (const auto folder_of : {&module_folder, &trusted_install_folder})
-        if (const std::wstring folder = folder_of(); !folder.empty() && is_file(folder + name))
-            return folder + name;  // never below the host's current folder
-    return std::nullopt;
-}
-
 std::optional<std::wstring> find_source() {
     for (const std::wstring& code : {language_code(), std::wstring(L"en"), std::wstring(L"ja")})
-        if (auto path = find_installed(code))
+        if (auto path = find_installed(L"Language\\zrtk_res_" + code + L".dll"))
             return path;
     return std::nullopt;
 }
@@ -80,6 +70,14 @@ const std::wstring& copy_path_locked(bool cached_only) {
 }
 
 }  // namespace
+
+std::optional<std::wstring> find_installed(const std::wstring& name) {
+    TRACE(name);
+    for (const auto folder_of : {&module_folder, &trusted_install_folder})
+        if (const std::wstring folder = folder_of(); !folder.empty() && is_file(folder + name))
+            return folder + name;  // never below the host's current folder
+    return std::nullopt;
+}
 
 std::wstring resource_library_path(bool cached_only) {
     TRACE("resource_library_path");

@@ -10,6 +10,10 @@
 
 namespace qk {
 
+// The full path of a file that is installed with the module, beside it or else in the installation folder;
+// `name` may have folders. Nothing when neither has it.
+[[nodiscard]] std::optional<std::wstring> find_installed(const std::wstring& name);
+
 // The path of this process's private copy of the language library, so that programs which print never hold
 // the installed file open; of that file itself where no copy can be made. Made and cached on the first call;
 // with `cached_only` the cached path, possibly empty. Empty when there is no library. Any thread.

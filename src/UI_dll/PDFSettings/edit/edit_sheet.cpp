@@ -1,5 +1,7 @@
 #include "UI_dll/PDFSettings/edit/edit_sheet.h"
 
+#include <commctrl.h>
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -9,6 +11,9 @@
 #include "UI_dll/PDFSettings/edit/changes_box.h"
 #include "UI_dll/PDFSettings/edit/page_table.h"
 #include "UI_dll/PDFSettings/edit/restore_defaults.h"
+#include "UI_dll/PDFSettings/edit/sheet_frame.h"
+#include "UI_dll/PDFSettings/edit/tooltips.h"
+#include "UI_dll/PDFSettings/help.h"
 #include "UI_dll/PDFSettings/messages.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/pages/page_general_rules.h"
@@ -32,38 +37,7 @@ bool is_new_sheet() {
     return value != 0;
 }
 
-// --- The sheet ---
-
-void move(HWND sheet, int button, int left, const RECT& place) noexcept {
-    SetWindowPos(GetDlgItem(sheet, button), nullptr, left, place.top, 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-// The sheet hides its Apply button and gives Cancel the place; ours checks the pages. It is shown again,
-// twice as wide, and the row of buttons moves left by what it then takes.
-void set_up_check_button(HWND sheet) {
-    const HWND apply = GetDlgItem(sheet, kApplyButton);
-    if (!apply)
-        return;
-    const RECT ok = window_place(GetDlgItem(sheet, IDOK), sheet);
-    const RECT cancel = window_place(GetDlgItem(sheet, IDCANCEL), sheet);
-    const RECT place = window_place(apply, sheet);
-    const int width = 2 * (place.right - place.left);
-    const int left = std::min<int>(place.left, std::max(place.right, cancel.right) - width);
-    SetWindowPos(apply, nullptr, left, place.top, width, place.bottom - place.top,
-                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW);
-    SetWindowTextW(apply, dialog_text(IDS_CHECK_BUTTON).c_str());
-    EnableWindow(apply, TRUE);
-    if (const int overlap = cancel.right - left; overlap > 0) {
-        const int gap = std::max<int>(0, cancel.left - ok.right);
-        move(sheet, IDCANCEL, cancel.left - overlap - gap, cancel);
-        move(sheet, IDOK, ok.left - overlap - gap, ok);
-    }
-    // The sheet greys the button once more before it stands.
-    PostMessageW(dialog_state().sheet.pages[kGeneralPage], kSheetStands, 0, 0);
-}
-
-// --- The check button ---
+// --- The check button and help ---
 
 // The window property of the sheet that holds its own procedure.
 constexpr wchar_t kProcedureBefore[] = L"ZR_UI80.EditSheetProcedure";
@@ -105,23 +79,42 @@ void check_all(HWND sheet) {
     go_to(sheet, findings.front());
 }
 
+void show_help_on_page(HWND sheet) {
+    const auto front = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
+    const auto& pages = dialog_state().sheet.pages;
+    for (size_t page = 0; page < kPageCount; ++page)
+        if (front && pages[page] == front)
+            show_help(sheet, page_table()[page].chapter);
+}
+
 // What a button of ours does; null: it is another one.
 using Operation = void(HWND);
 Operation* operation_of(WORD button) noexcept {
-    return button == kApplyButton ? &check_all : button == IDC_RESTORE ? &restore_defaults : nullptr;
+    switch (button) {
+        case kApplyButton:
+            return &check_all;
+        case IDC_RESTORE:
+            return &restore_defaults;
+        case IDC_SHEET_HELP:
+            return &show_help_on_page;
+        default:
+            return nullptr;
+    }
 }
 
 LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
     return qk::guarded<LRESULT>(0, [&]() -> LRESULT {
         const auto before = reinterpret_cast<WNDPROC>(GetPropW(sheet, kProcedureBefore));
-        const auto operation =
+        auto operation =
             message == WM_COMMAND && HIWORD(wparam) == BN_CLICKED ? operation_of(LOWORD(wparam)) : nullptr;
+        if (message == WM_HELP)  // F1 comes up here from every control
+            operation = &show_help_on_page;
         if (operation) {
             (void)or_stay_open(sheet, 0, [&] {
                 operation(sheet);
                 return LONG_PTR{0};
             });
-            return 0;
+            return message == WM_HELP;
         }
         if (message == WM_NCDESTROY)
             RemovePropW(sheet, kProcedureBefore);
@@ -130,8 +123,9 @@ LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM
     });
 }
 
-// The system would apply the pages one by one, and stop at the first that is not valid.
-void take_buttons(HWND sheet) noexcept {
+// Of a click on the check button the system would apply the pages one by one, and stop at the first that is
+// not valid.
+void replace_procedure(HWND sheet) noexcept {
     const LONG_PTR before = GetWindowLongPtrW(sheet, GWLP_WNDPROC);
     if (SetPropW(sheet, kProcedureBefore, reinterpret_cast<HANDLE>(before)))
         SetWindowLongPtrW(sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&sheet_procedure));
@@ -158,11 +152,13 @@ int CALLBACK sheet_callback(HWND sheet, UINT message, LPARAM) {
         SetWindowLongPtrW(sheet, GWL_EXSTYLE,
                           GetWindowLongPtrW(sheet, GWL_EXSTYLE) & ~static_cast<LONG_PTR>(WS_EX_CONTEXTHELP));
         make_every_page(sheet);
-        if (qk::resource_module())
+        fit_to_pages(sheet);
+        if (qk::resource_module()) {
             set_up_check_button(sheet);
-        take_buttons(sheet);
-        if (qk::resource_module())
-            add_restore_button(sheet);
+            add_buttons(sheet);
+        }
+        replace_procedure(sheet);
+        add_tooltips(sheet);
         return 0;
     });
 }
@@ -291,7 +287,8 @@ INT_PTR DoPropertySheet(HWND list_page, bool is_new, const std::wstring& copied)
     INT_PTR result = 0;
     {
         const qk::CommonControls controls;
-        const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_USEREX_CLASSES | ICC_UPDOWN_CLASS};
+        const INITCOMMONCONTROLSEX classes = {sizeof classes,
+                                              ICC_USEREX_CLASSES | ICC_UPDOWN_CLASS | ICC_BAR_CLASSES};
         InitCommonControlsEx(&classes);
         TRACE("call PropertySheet");
         result = PropertySheetW(&header);

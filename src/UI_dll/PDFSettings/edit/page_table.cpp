@@ -112,15 +112,15 @@ INT_PTR CALLBACK page_procedure(HWND page, UINT message, WPARAM wparam, LPARAM l
 
 const std::array<PageRow, kPageCount>& page_table() noexcept {
     static constexpr std::array<PageRow, kPageCount> kTable = {{
-        {&kGeneral, &page_procedure<kGeneral>},
-        {&kPDFVersion, &page_procedure<kPDFVersion>},
-        {&kColor, &page_procedure<kColor>},
-        {&kCompress, &page_procedure<kCompress>},
-        {&kFont, &page_procedure<kFont>},
-        {&kSecurities, &page_procedure<kSecurities>},
-        {&kWaterMark, &page_procedure<kWaterMark>},
-        {&kOpenAction, &page_procedure<kOpenAction>},
-        {&kInfo, &page_procedure<kInfo>},
+        {&kGeneral, &page_procedure<kGeneral>, L"general"},
+        {&kPDFVersion, &page_procedure<kPDFVersion>, L"pdf-version"},
+        {&kColor, &page_procedure<kColor>, L"colour"},
+        {&kCompress, &page_procedure<kCompress>, L"compression"},
+        {&kFont, &page_procedure<kFont>, L"fonts"},
+        {&kSecurities, &page_procedure<kSecurities>, L"security"},
+        {&kWaterMark, &page_procedure<kWaterMark>, L"watermark"},
+        {&kOpenAction, &page_procedure<kOpenAction>, L"opening"},
+        {&kInfo, &page_procedure<kInfo>, L"document"},
     }};
     return kTable;
 }

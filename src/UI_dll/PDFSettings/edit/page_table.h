@@ -11,10 +11,11 @@
 
 namespace pdf_settings {
 
-// The nine pages in their order, each with its dialog procedure.
+// The nine pages in their order, each with its dialog procedure and its chapter of the user's guide.
 struct PageRow {
     const PageOperations* operations;
     DLGPROC procedure;
+    const wchar_t* chapter;
 };
 [[nodiscard]] const std::array<PageRow, kPageCount>& page_table() noexcept;
 

@@ -3,9 +3,6 @@
 #include <commctrl.h>
 #include <prsht.h>
 
-#include <algorithm>
-
-#include "UI_dll/PDFSettings/controls.h"
 #include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/PDFSettings/edit/page_table.h"
 #include "UI_dll/PDFSettings/messages.h"
@@ -37,27 +34,6 @@ void show_defaults(PageIndex index, const Setting& defaults) {
 }
 
 }  // namespace
-
-void add_restore_button(HWND sheet) {
-    const auto tabs = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETTABCONTROL, 0, 0));
-    const HWND ok = GetDlgItem(sheet, IDOK);
-    const RECT place = window_place(ok, sheet);
-    const int left = window_place(tabs, sheet).left;
-    const int gap = std::max<int>(0, window_place(GetDlgItem(sheet, IDCANCEL), sheet).left - place.right);
-    const int width = std::min<int>(2 * (place.right - place.left), place.left - gap - left);
-    if (!tabs || !ok || width <= 0)
-        return;
-    const HWND button = CreateWindowExW(
-        0, WC_BUTTONW, dialog_text(IDS_RESTORE_BUTTON).c_str(),
-        WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, left, place.top, width, place.bottom - place.top,
-        sheet, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_RESTORE)), nullptr, nullptr);
-    if (!button)
-        return;
-    SendMessageW(button, WM_SETFONT, static_cast<WPARAM>(SendMessageW(ok, WM_GETFONT, 0, 0)), FALSE);
-    // The keyboard comes to it after the sheet's other buttons.
-    SetWindowPos(button, GetDlgItem(sheet, kApplyButton), 0, 0, 0, 0,
-                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-}
 
 void restore_defaults(HWND sheet) {
     TRACE("restore_defaults");

@@ -5,10 +5,6 @@
 
 namespace pdf_settings {
 
-// Puts the button IDC_RESTORE at the left end of the row of the sheet's buttons, which stand at their places.
-// Without room, or memory, there is none.
-void add_restore_button(HWND sheet);
-
 // Asks which pages are meant, and shows the default values in their controls. The name of the setting stays,
 // and so does what no control shows; nothing is stored before OK.
 void restore_defaults(HWND sheet);

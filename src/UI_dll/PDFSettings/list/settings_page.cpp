@@ -6,6 +6,8 @@
 
 #include <utility>
 
+#include "UI_dll/PDFSettings/controls.h"
+#include "UI_dll/PDFSettings/help.h"
 #include "UI_dll/PDFSettings/list/dpi.h"
 #include "UI_dll/PDFSettings/list/edit_dialog.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
@@ -89,6 +91,7 @@ void dlg_init_PDFSettings(HWND page) {
     dlg_init_dpi_PDFSettings(page);
     SetLVDummyColumn(page, IDC_SETTINGS_LIST);
     ResetSettingsList(page, std::nullopt);
+    set_shown(page, IDC_SETTINGS_HELP, find_chapter(kListChapter).has_value());
 }
 
 void close_page(HWND page) {
@@ -150,6 +153,9 @@ bool on_command(HWND page, int control) {
             return true;
         case IDC_SETTINGS_EXPORT:
             export_selected(page);
+            return true;
+        case IDC_SETTINGS_HELP:
+            show_help(page, kListChapter);
             return true;
         default:
             return false;
@@ -282,6 +288,9 @@ INT_PTR handle(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
             rename_setting(page, std::exchange(state.renamed_path, {}), std::exchange(state.new_name, {}));
             return TRUE;
         }
+        case WM_HELP:
+            show_help(page, kListChapter);
+            return TRUE;
         case WM_DROPFILES:
             import_dropped(page, reinterpret_cast<HDROP>(wparam));
             return TRUE;

@@ -18,7 +18,6 @@ using Corvanta::Vantrix::PrintSettings::Watermark_impl;
 constexpr double kMmPerPoint = 25.4 / 72;
 constexpr size_t kMostText = 1000;  // what is beyond would be too small to be seen
 constexpr COLORREF kInk = RGB(176, 180, 186);
-constexpr COLORREF kEdge = RGB(128, 128, 128);
 
 void fill(HDC dc, const RECT& area, COLORREF colour) noexcept {
     const qk::Brush brush(CreateSolidBrush(colour));
@@ -88,8 +87,8 @@ void draw_text(HDC dc, const PagePlace& page, const Watermark_impl& mark) {
 // --- A picture ---
 
 void draw_missing_picture(HDC dc, const RECT& area) noexcept {
-    fill(dc, area, RGB(225, 225, 225));
-    const qk::Pen pen(CreatePen(PS_SOLID, 1, kEdge));
+    FillRect(dc, &area, GetSysColorBrush(COLOR_BTNFACE));
+    const qk::Pen pen(CreatePen(PS_SOLID, 1, GetSysColor(COLOR_GRAYTEXT)));
     const qk::Selected selected(dc, pen.get());
     MoveToEx(dc, area.left, area.top, nullptr);
     LineTo(dc, area.right, area.bottom);
@@ -151,13 +150,14 @@ Surface::~Surface() {
         SelectObject(dc_.get(), before_);
 }
 
+// The paper is white in every scheme of colours; what parts it from the dialog goes with the scheme.
 void draw_paper(HDC dc, const PagePlace& page) {
+    const HBRUSH edge = GetSysColorBrush(COLOR_BTNSHADOW);
     RECT shadow = page.pixels;
     OffsetRect(&shadow, 2, 2);
-    fill(dc, shadow, kEdge);
+    FillRect(dc, &shadow, edge);
     fill(dc, page.pixels, RGB(255, 255, 255));
-    const qk::Brush edge(CreateSolidBrush(kEdge));
-    FrameRect(dc, &page.pixels, edge.get());
+    FrameRect(dc, &page.pixels, edge);
 }
 
 void draw_contents(HDC dc, const PagePlace& page, int percent) {
