@@ -14,7 +14,7 @@ namespace companions::render {
 
 namespace {
 
-constexpr std::string_view kCreator = "\n%%Creator: Wine PostScript Driver\n";
+constexpr std::string_view kCreator = "\n%%Creator: Wine PostScript Driver";
 constexpr std::string_view kEndOfProlog = "%%EndProlog\n";
 constexpr std::string_view kGlyph = " glyphshow";
 constexpr std::string_view kMove = " moveto";
