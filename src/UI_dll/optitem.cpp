@@ -6,11 +6,11 @@
 
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/sheet_information.h"
-#include "common/qk/resource_dll.h"
-#include "common/rwPDFSet_functions.h"
 #include "common/qk/paths.h"
+#include "common/qk/resource_dll.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
+#include "common/rwPDFSet_functions.h"
 #include "resources/ids.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include "common/qk/activation_context.h"
 #include "common/qk/paths.h"
 #include "common/qk/resource_dll.h"
-#include "common/threadprop.h"
 #include "common/qk/trace.h"
+#include "common/threadprop.h"
 
 namespace plotui {
 

@@ -5,9 +5,9 @@
 
 #include "common/driver_util.h"
 #include "common/qk/paths.h"
-#include "common/rwPDFSet_functions.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
+#include "common/rwPDFSet_functions.h"
 #include "lib/devmode.h"
 #include "print_settings/printer_setting.h"
 

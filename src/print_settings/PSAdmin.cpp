@@ -4,11 +4,11 @@
 #include <exception>
 #include <utility>
 
-#include "common/setting_signatures.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "common/qk/wipe.h"
+#include "common/setting_signatures.h"
 #include "print_settings/ps4_reader.h"
 #include "print_settings/restriction_fields.h"
 #include "print_settings/setting_file.h"
