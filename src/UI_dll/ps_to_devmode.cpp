@@ -28,7 +28,7 @@ void set_form_name(DEVMODEW& dm, std::wstring_view name) noexcept {
 // The General page keeps the paper's name beside its number; settings without it take the form's.
 std::wstring paper_name(const Settings& settings, const std::vector<FormRecord>& forms) {
     const auto& texts = settings.addition()->Str;
-    if (const auto entry = texts.find(L"PaperName"); entry != texts.end())
+    if (const auto entry = texts.find(Addition_impl::kPaperName); entry != texts.end())
         return entry->second;
     const FormRecord* form = find_form(forms, static_cast<uint16_t>(settings.general()->PaperName));
     return form ? form->name : std::wstring();

@@ -31,7 +31,7 @@ using Corvanta::Vantrix::PrintSettings::General_impl;
 constexpr size_t kMostNameUnits = 100;
 constexpr size_t kFolderUnits = 512;  // also the buffer of "GetBrowsePath"
 constexpr size_t kLengthUnits = 7;    // "3276.70"
-constexpr wchar_t kFormNameKey[] = L"PaperName";
+constexpr auto& kFormNameKey = Corvanta::Vantrix::PrintSettings::Addition_impl::kPaperName;
 
 struct GeneralHelper final : PageHelper {
     std::wstring name;  // of the setting, as the sheet opened
