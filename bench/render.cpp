@@ -84,7 +84,8 @@ public:
                             setting_ + L"\"";
         STARTUPINFOW startup = {sizeof startup};
         PROCESS_INFORMATION made = {};
-        if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
+        // As the print processor starts it.
+        if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS, nullptr,
                             nullptr, &startup, &made))
             return 0;
         const qk::HandleObj process(made.hProcess);

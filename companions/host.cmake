@@ -1,5 +1,6 @@
 # The host program. What it is made of lies in one library, which the tests link.
 add_library(zr_host_core STATIC
+    host/child.cpp
     host/console.cpp
     host/driver_module.cpp
     host/event_player.cpp

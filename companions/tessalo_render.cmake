@@ -20,6 +20,7 @@ add_library(zr_companions STATIC
     render/render_job.cpp
     render/result_record.cpp
     render/scratch_folder.cpp
+    render/spool_links.cpp
     render/spool_pictures.cpp
     render/standards.cpp
     render/unsupported.cpp

@@ -13,6 +13,7 @@
 #include "companions/host/print_processor.h"
 #include "companions/host/printer_setup.h"
 #include "companions/host/sheet_host.h"
+#include "companions/host/spooler.h"
 #include "companions/host/turn.h"
 #include "companions/print_processor/names.h"
 #include "companions/render/engine.h"
@@ -136,9 +137,7 @@ void remove_empty_keys() {
         remove_key_if_empty(HKEY_CURRENT_USER,
                             std::wstring(L"Software\\Microsoft\\Windows NT\\CurrentVersion\\") + name);
     for (const wchar_t* name : {L"Drivers\\Version-3", L"Drivers"})
-        remove_key_if_empty(
-            HKEY_LOCAL_MACHINE,
-            L"SYSTEM\\CurrentControlSet\\Control\\Print\\Environments\\Windows x64\\" + std::wstring(name));
+        remove_key_if_empty(HKEY_LOCAL_MACHINE, environment_key() + L'\\' + name);
 }
 
 std::wstring log_folder() {

@@ -8,8 +8,8 @@
 #include <mutex>
 #include <optional>
 
-#include "common/qk/paths.h"
 #include "common/qk/lock.h"
+#include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/host/console.h"
 #include "companions/host/host_error.h"

@@ -8,31 +8,23 @@
 #include "common/qk/registry.h"
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
+#include "companions/host/spooler.h"
 #include "companions/print_processor/names.h"
 
 namespace host {
 
 namespace {
 
-constexpr wchar_t kEmfLibrary[] = L"wineps.drv";
 const PrintProcessor kEmf = {processor::kName, processor::kEmf, L"documents are spooled as EMF"};
 const PrintProcessor kRaw = {processor::kName, processor::kRaw, L"documents are spooled as PostScript"};
 
-constexpr wchar_t kEnvironment[] = L"Windows x64";
-
 std::wstring processor_key(const wchar_t* name) {
-    return std::wstring(L"SYSTEM\\CurrentControlSet\\Control\\Print\\Environments\\") + kEnvironment +
-           L"\\Print Processors" + name;
-}
-
-// The interfaces of the spooler take texts that they do not change through pointers to writable ones.
-wchar_t* writable(const wchar_t* text) noexcept {
-    return const_cast<wchar_t*>(text);
+    return environment_key() + L"\\Print Processors" + name;
 }
 
 // Where the library still serves the GDI as a driver, the GDI draws through it and spools what it wrote.
 bool spools_emf() {
-    const qk::DLL library(LoadLibraryW((processor_folder() + kEmfLibrary).c_str()));
+    const qk::DLL library(LoadLibraryW((processor_folder() + processor::kSystemLibrary).c_str()));
     return library && !GetProcAddress(library.get(), "wine_get_gdi_driver") &&
            GetProcAddress(library.get(), "EnumPrintProcessorDatatypesW");
 }

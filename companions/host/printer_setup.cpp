@@ -10,6 +10,7 @@
 #include "companions/host/host_error.h"
 #include "companions/host/print_processor.h"
 #include "companions/host/resource.h"
+#include "companions/host/spooler.h"
 #include "companions/host/stage_files.h"
 #include "companions/print_processor/names.h"
 
@@ -17,18 +18,11 @@ namespace host {
 
 namespace {
 
-constexpr wchar_t kEnvironment[] = L"Windows x64";
-constexpr wchar_t kDriverFile[] = L"wineps.drv";               // draws the pages as PostScript
 constexpr wchar_t kFormerDefault[] = L"FormerDefaultPrinter";  // of the user's product key
 constexpr DWORD kDriverVersion = 3;
 
 HostError installation_fault(const std::wstring& what, DWORD error) {
     return {ExitCode::kInstallation, with_reason(what, error)};
-}
-
-// The interfaces of the spooler take texts that they do not change through pointers to writable ones.
-wchar_t* writable(const wchar_t* text) noexcept {
-    return const_cast<wchar_t*>(text);
 }
 
 std::string_view data_file_bytes() {
@@ -99,7 +93,7 @@ bool ensure_driver() {
     driver.cVersion = kDriverVersion;
     driver.pName = writable(qk::kProductName);
     driver.pEnvironment = writable(kEnvironment);
-    driver.pDriverPath = writable(kDriverFile);
+    driver.pDriverPath = writable(processor::kSystemLibrary);
     driver.pDataFile = writable(kDataFile);
     driver.pConfigFile = writable(kConfigFile);
     if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<BYTE*>(&driver), APD_COPY_NEW_FILES) &&

@@ -5,6 +5,7 @@ namespace processor {
 
 inline constexpr wchar_t kName[] = L"Vantrix";
 inline constexpr wchar_t kLibrary[] = L"zr_processor.dll";
+inline constexpr wchar_t kSystemLibrary[] = L"wineps.drv";  // draws pages as PostScript
 
 // The port of a printer whose documents become PDFs. The print system takes it for no file, so it asks for
 // none.

@@ -9,6 +9,8 @@
 #include "common/printer_handle.h"
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
+#include "companions/host/print_processor.h"
+#include "companions/host/printer_setup.h"
 #include "companions/print_processor/names.h"
 
 namespace processor {
@@ -85,12 +87,7 @@ struct EmfProcessor {
 };
 
 bool draw_emf(const SpooledJob& job, const std::wstring& target) {
-    wchar_t folder[MAX_PATH] = {};
-    DWORD needed = 0;
-    if (!GetPrintProcessorDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(folder), sizeof folder,
-                                     &needed))
-        return false;
-    const qk::DLL library(LoadLibraryW((std::wstring(folder) + L"\\wineps.drv").c_str()));
+    const qk::DLL library(LoadLibraryW((host::processor_folder() + kSystemLibrary).c_str()));
     if (!library)
         return false;
     EmfProcessor emf = {};
@@ -136,13 +133,8 @@ bool goes_to_port(const SpooledJob& job) {
     qk::PrinterHandleObj printer;
     if (!OpenPrinterW(const_cast<wchar_t*>(job.printer.c_str()), printer.put(), nullptr))
         return false;
-    const qk::SizedAnswer answer = qk::read_sized(
-        [&printer](BYTE* buffer, DWORD size, DWORD* needed) {
-            return GetPrinterW(printer.get(), 2, buffer, size, needed);
-        },
-        sizeof(PRINTER_INFO_2W));
-    const auto* info = reinterpret_cast<const PRINTER_INFO_2W*>(answer.bytes.get());
-    return info && info->pPortName && qk::equal_no_case(info->pPortName, job.output);
+    const std::wstring port = host::printer_way(printer.get()).port;
+    return !port.empty() && qk::equal_no_case(port, job.output);
 }
 
 }  // namespace processor

@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "common/qk/handle.h"
-#include "common/qk/text.h"
 #include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "companions/command_line.h"
 #include "companions/render/cancelling.h"
 #include "companions/system_texts.h"

@@ -19,7 +19,7 @@ struct EngineFiles {
     std::string spool;
     std::string epilogue;
     std::vector<std::string> more = {};  // arguments of other parts of the setting
-    bool rewritten = false;              // whether qpdf writes the PDF anew afterwards
+    bool rewritten = false;              // whether qpdf makes it a PDF 2.0 afterwards
 };
 
 // The version of PDF to write, "1.3" to "2.0", for a setting's version code; codes of PDF/A and PDF/X give

@@ -84,7 +84,9 @@ std::string list(const char* key, const std::set<std::string>& names) {
 
 std::string font_parameters(const Font_impl& fonts, bool all) {
     std::set<std::string> names;
-    const qk::DeviceContext dc(CreateCompatibleDC(nullptr));
+    qk::DeviceContext dc;  // only for names: with it the display's driver is loaded
+    if (!fonts.Fonts.empty())
+        dc.reset(CreateCompatibleDC(nullptr));
     for (const std::wstring& family : fonts.Fonts) {
         // Fonts of the document itself may have the name with or without its blanks.
         std::string own = qk::to_utf8(family);

@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <memory>
 
-#include "common/qk/MMF.h"
 #include "common/job_records.h"
+#include "common/qk/MMF.h"
 #include "common/qk/text.h"
 #include "companions/render/cancelling.h"
 #include "companions/render/console.h"

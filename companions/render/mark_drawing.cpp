@@ -114,12 +114,10 @@ std::vector<uint8_t> pixels_of(const pdf_settings::Picture& picture) {
     return pixels;
 }
 
-std::optional<MarkDrawing> draw_picture(const Watermark_impl& watermark, bool opaque) {
-    const pdf_settings::Picture picture = pdf_settings::load_picture(watermark.PictureFileName, kMostSide);
-    const std::vector<uint8_t> pixels = picture.bitmap ? pixels_of(picture) : std::vector<uint8_t>();
-    if (pixels.empty())
-        return std::nullopt;
-    // What is more than half transparent is left out, by a mask of one byte before each pixel.
+// The pixels as red, green and blue, each behind a byte of the mask: what is more than half transparent is
+// left out.
+std::vector<uint8_t> masked_samples(const std::vector<uint8_t>& pixels, const Watermark_impl& watermark,
+                                    bool opaque) {
     std::vector<uint8_t> samples;
     samples.reserve(pixels.size());
     for (size_t at = 0; at < pixels.size(); at += 4) {
@@ -130,38 +128,57 @@ std::optional<MarkDrawing> draw_picture(const Watermark_impl& watermark, bool op
             samples.push_back(lightened(static_cast<uint8_t>(full), watermark, opaque));
         }
     }
-    const bool solid = std::ranges::none_of(
-        samples, [&, i = size_t{0}](uint8_t sample) mutable { return i++ % 4 == 0 && sample != 0; });
-    if (solid) {
-        size_t kept = 0;
-        for (size_t i = 0; i < samples.size(); ++i)
-            if (i % 4 != 0)
-                samples[kept++] = samples[i];
-        samples.resize(kept);
-    }
-    MarkDrawing mark;
-    mark.fits = watermark.PictureScale == Watermark_impl::kNoPictureScale;
-    const double percent = mark.fits ? 100 : std::max(watermark.PictureScale, 1u);
-    mark.width = picture.width_mm * kPointsPerMm * percent / 100;
-    mark.height = picture.height_mm * kPointsPerMm * percent / 100;
-    const int width = picture.pixels.cx;
-    const int height = picture.pixels.cy;
+    return samples;
+}
+
+// Takes the mask out where it leaves nothing out; true then.
+bool drop_empty_mask(std::vector<uint8_t>& samples) {
+    for (size_t at = 0; at < samples.size(); at += 4)
+        if (samples[at] != 0)
+            return false;
+    size_t kept = 0;
+    for (size_t i = 0; i < samples.size(); ++i)
+        if (i % 4 != 0)
+            samples[kept++] = samples[i];
+    samples.resize(kept);
+    return true;
+}
+
+// The picture's PostScript before its samples, whose mask stands between them unless it is `solid`.
+std::string picture_head(const MarkDrawing& mark, SIZE pixels, bool solid) {
+    const int width = pixels.cx;
+    const int height = pixels.cy;
     char text[500];
     std::snprintf(text, sizeof text,
                   "%.2f %.2f scale /DeviceRGB setcolorspace\n"
                   "<< /ImageType 1 /Width %d /Height %d /BitsPerComponent 8 /Decode [0 1 0 1 0 1]\n"
                   "/ImageMatrix [%d 0 0 %d 0 %d] /DataSource currentfile /ASCII85Decode filter >>\n",
                   mark.width, mark.height, width, height, width, -height, height);
-    mark.drawing = text;
+    std::string head = text;
     if (!solid) {
         std::snprintf(
             text, sizeof text,
             "<< exch /DataDict exch /ImageType 3 /InterleaveType 1 /MaskDict << /ImageType 1\n"
             "/Width %d /Height %d /BitsPerComponent 8 /Decode [0 1] /ImageMatrix [%d 0 0 %d 0 %d] >> >>\n",
             width, height, width, -height, height);
-        mark.drawing += text;
+        head += text;
     }
-    mark.drawing += "image\n" + to_ascii85(samples);
+    return head + "image\n";
+}
+
+std::optional<MarkDrawing> draw_picture(const Watermark_impl& watermark, bool opaque) {
+    const pdf_settings::Picture picture = pdf_settings::load_picture(watermark.PictureFileName, kMostSide);
+    const std::vector<uint8_t> pixels = picture.bitmap ? pixels_of(picture) : std::vector<uint8_t>();
+    if (pixels.empty())
+        return std::nullopt;
+    std::vector<uint8_t> samples = masked_samples(pixels, watermark, opaque);
+    const bool solid = drop_empty_mask(samples);
+    MarkDrawing mark;
+    mark.fits = watermark.PictureScale == Watermark_impl::kNoPictureScale;
+    const double percent = mark.fits ? 100 : std::max(watermark.PictureScale, 1u);
+    mark.width = picture.width_mm * kPointsPerMm * percent / 100;
+    mark.height = picture.height_mm * kPointsPerMm * percent / 100;
+    mark.drawing = picture_head(mark, picture.pixels, solid) + to_ascii85(samples);
     return mark;
 }
 

@@ -22,7 +22,10 @@ qk::HandleObj start(const std::vector<std::wstring>& words) {
     std::wstring line = command_line(words);
     STARTUPINFOW startup = {sizeof startup};
     PROCESS_INFORMATION made = {};
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &made))
+    // Without a console here it would get one of its own, with a window.
+    const DWORD flags = GetConsoleCP() == 0 ? CREATE_NO_WINDOW : 0;
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, flags, nullptr, nullptr, &startup,
+                        &made))
         return {};
     const qk::HandleObj thread(made.hThread);
     return qk::HandleObj(made.hProcess);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "companions/render/pdfmark.h"
+
 namespace companions::render {
 
 namespace {
@@ -44,17 +46,6 @@ std::string number(double value) {
 
 std::string condition(const char* name, bool value) {
     return std::string("/") + name + (value ? " true def\n" : " false def\n");
-}
-
-// Text in parentheses, whatever stands in it.
-std::string literal(const std::string& text) {
-    std::string quoted = "(";
-    for (const char c : text) {
-        if (c == '(' || c == ')' || c == '\\')
-            quoted += '\\';
-        quoted += c;
-    }
-    return quoted + ')';
 }
 
 std::string mark_definition(const ps::Watermark_impl& watermark, const MarkDrawing& mark) {
@@ -122,7 +113,8 @@ std::string links(const std::vector<std::vector<WebLink>>& pages) {
         for (const WebLink& link : pages[page])
             procedures += "[ /Rect [ " + number(link.left) + "ZRh " + number(link.bottom) + "sub " +
                           number(link.right) + "ZRh " + number(link.top) +
-                          "sub ] /Action << /Subtype /URI /URI " + literal(link.address) + " >> ZRlink\n";
+                          "sub ] /Action << /Subtype /URI /URI " + postscript_literal(link.address) +
+                          " >> ZRlink\n";
         procedures += "}\n";
     }
     return procedures;

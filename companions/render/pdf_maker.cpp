@@ -7,10 +7,11 @@
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
 #include "companions/render/console.h"
-#include "companions/render/result_codes.h"
 #include "companions/render/fonts.h"
 #include "companions/render/mark_drawing.h"
 #include "companions/render/metadata.h"
+#include "companions/render/result_codes.h"
+#include "companions/render/spool_links.h"
 #include "companions/render/spool_pictures.h"
 #include "companions/render/viewer.h"
 
@@ -51,7 +52,8 @@ private:
 PdfMaker::PdfMaker(const Settings& settings, std::wstring_view title, std::function<void(unsigned)> page_done)
     : settings_(settings),
       page_done_(std::move(page_done)),
-      standard_(ps::is_standard(settings.pdfVersion()->Version)) {
+      standard_(ps::is_standard(settings.pdfVersion()->Version)),
+      look_for_links_(settings.general()->URLLink && !ps::is_press_standard(settings.pdfVersion()->Version)) {
     if (scratch_.path().empty())
         throw Failure{ResultCode::kInternal, GetLastError(), L"no temporary folder"};
     info_ = document_info(settings, title);
@@ -64,9 +66,12 @@ PdfMaker::PdfMaker(const Settings& settings, std::wstring_view title, std::funct
     tool_.emplace(scratch_, !secret                           ? std::wstring()
                             : security.MasterPassword.empty() ? security.UserPassword
                                                               : security.MasterPassword);
-    given_ = standard_ || tool_->present() ? standard_texts(info_) : info_;
-    if (!tool_->present())
+    given_ = standard_texts(info_);
+    if (given_ != info_ && !tool_->present()) {
+        if (!standard_)
+            given_ = info_;
         info_ = given_;
+    }
     if (secret && tool_->present())
         encryption_ = find_encryption(settings);
 }
@@ -81,12 +86,12 @@ unsigned PdfMaker::draw(const std::wstring& spool, bool landscape, PendingPdf& p
     }
     if (encryption_)
         bare_ = scratch_.path() + L'\\' + kBareFile;
-    files.spool = with_pictures_changed(spool);
+    files.spool = prepared(spool);
     const PagesFound found = look_through(files.spool, landscape);
     files.prologue = written(kPrologueFile, prologue_text(landscape, found));
     files.epilogue = written(kEpilogueFile, epilogue_text(found));
     files.output = engine_path(encryption_ ? bare_ : pdf.path());
-    files.rewritten = tool_->present();
+    files.rewritten = settings_.pdfVersion()->Version == ps::kPDF20 && tool_->present();
     files.more = rules_.arguments;
     if (!standard_ && settings_.color()->ColorMode != ps::Color_impl::kColour)
         files.more.emplace_back("-sColorConversionStrategy=Gray");
@@ -100,14 +105,15 @@ PagesFound PdfMaker::look_through(const std::string& spool, bool landscape) {
     PagesFound found;
     if (settings_.general()->NoOutputBlankPage) {
         std::string rest;
-        run_pass("bbox", {}, spool, landscape, [&](std::string_view bytes) {
+        // The resolution of the spool; the device's own is so high that letters take many times as long.
+        run_pass("bbox", {"-r600"}, spool, landscape, [&](std::string_view bytes) {
             rest += bytes;
             for (size_t end; (end = rest.find('\n')) != std::string::npos; rest.erase(0, end + 1))
                 if (rest.starts_with("%%BoundingBox:"))
                     found.blank.push_back(rest.starts_with("%%BoundingBox: 0 0 0 0"));
         });
     }
-    if (settings_.general()->URLLink && !ps::is_press_standard(settings_.pdfVersion()->Version)) {
+    if (look_for_links_) {
         WebLinkReader reader;
         run_pass("txtwrite", {"-dTextFormat=0", "-sOutputFile=-"}, spool, landscape,
                  [&](std::string_view bytes) { reader.feed(bytes); });
@@ -148,23 +154,27 @@ std::string PdfMaker::epilogue_text(const PagesFound& found) const {
            opens;
 }
 
-std::string PdfMaker::with_pictures_changed(const std::wstring& spool) {
+std::string PdfMaker::prepared(const std::wstring& spool) {
     PictureWork work;
-    if (!wants_picture_work(settings_, work))
+    const bool pictures = wants_picture_work(settings_, work);
+    if (!pictures && !look_for_links_)
         return engine_path(spool);
     const MappedFile document(spool);
-    return written(kSpoolFile, change_pictures(document.bytes(), work));
+    std::optional<std::string> changed;
+    if (pictures)
+        changed = change_pictures(document.bytes(), work);
+    if (look_for_links_) {
+        auto marked = mark_links(changed ? std::string_view(*changed) : document.bytes());
+        look_for_links_ = !marked;
+        if (marked)
+            changed = std::move(marked);
+    }
+    return changed ? written(kSpoolFile, *changed) : engine_path(spool);
 }
 
 PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
     PdfTool& tool = *tool_;
     const bool linearize = settings_.general()->Linearize;
-    if (!tool.present()) {
-        warn("qpdf was not found: the PDF's end is looked at, not its title" +
-             std::string(linearize ? ", and it is not linearized" : ""));
-        keep_if(find_fault_of_end(drawn.path()));
-        return drawn;
-    }
     const uint32_t version = settings_.pdfVersion()->Version;
     Rewriting how;
     how.linearized = linearize;
@@ -183,8 +193,13 @@ PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
     const bool as_it_is = !linearize && !how.small && !how.version && !encryption_ && how.changes.empty();
     if (as_it_is && !tool.find_fault(drawn.path(), expected))
         return drawn;
-    tool.rewrite(made, rewritten.path(),
-                 how);  // mends what engines leave damaged
+    tool.rewrite(made, rewritten.path(), how);  // mends what engines leave damaged
+    if (!tool.present()) {
+        warn("qpdf was not found: the PDF's end is looked at, not its title" +
+             std::string(linearize ? ", and it is not linearized" : ""));
+        keep_if(find_fault_of_end(drawn.path()));
+        return drawn;
+    }
     keep_if(tool.find_fault(rewritten.path(), expected));
     return rewritten;
 }

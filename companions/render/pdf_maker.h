@@ -39,7 +39,9 @@ private:
     [[nodiscard]] PagesFound look_through(const std::string& spool, bool landscape);
     [[nodiscard]] std::string prologue_text(bool landscape, const PagesFound& found);
     [[nodiscard]] std::string epilogue_text(const PagesFound& found) const;
-    [[nodiscard]] std::string with_pictures_changed(const std::wstring& spool);
+    // The spooled document as the engine takes it, which may be a copy with its pictures changed and its
+    // links marked.
+    [[nodiscard]] std::string prepared(const std::wstring& spool);
     [[nodiscard]] std::string written(const wchar_t* name, const std::string& text);
     [[nodiscard]] std::string engine_path(const std::wstring& path) const;
     void run_pass(const char* device, const std::vector<std::string>& more, const std::string& spool,
@@ -50,7 +52,8 @@ private:
 
     const Settings& settings_;
     std::function<void(unsigned)> page_done_;
-    bool standard_ = false;  // PDF/A or PDF/X
+    bool standard_ = false;        // PDF/A or PDF/X
+    bool look_for_links_ = false;  // in a pass of its own, since the document has no marks for them
     DocumentInfo info_;
     DocumentInfo given_;  // to the engine: what is too hard for it is changed afterwards
     std::string fonts_;

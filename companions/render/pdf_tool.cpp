@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -70,6 +71,28 @@ std::string first_line(const std::string& output) {
     return output.substr(0, output.find_first_of("\r\n"));
 }
 
+// The catalogue, the information and the pages as a linearized PDF names them in its first bytes, each as it
+// is asked for. What is wrong costs another look.
+std::vector<std::string> named_at_start(const std::wstring& path) {
+    const qk::FileObj file(
+        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    char bytes[4096];
+    DWORD read = 0;
+    if (!file || !ReadFile(file.get(), bytes, sizeof bytes, &read, nullptr))
+        return {};
+    const std::string_view start(bytes, read);
+    std::vector<std::string> names;
+    for (const std::string_view key : {"/Root ", "/Info ", "/Pages "}) {
+        constexpr size_t kMostDigits = 7;  // a number that is none would be a fault to qpdf
+        const size_t at = start.find(key);
+        const std::string_view value = at == std::string_view::npos ? "" : start.substr(at + key.size());
+        const size_t digits = std::min(value.find_first_not_of("0123456789"), value.size());
+        if (digits > 0 && digits <= kMostDigits && value.substr(digits).starts_with(" 0 R"))
+            names.push_back(std::string(value.substr(0, digits)) + ",0");
+    }
+    return names;
+}
+
 }  // namespace
 
 std::optional<std::string> find_fault_of_end(const std::wstring& path) {
@@ -98,11 +121,16 @@ std::optional<std::string> find_fault_of_end(const std::wstring& path) {
 
 PdfTool::PdfTool(const ScratchFolder& scratch, const std::wstring& password)
     : scratch_(scratch), program_(Engine::qpdf()) {
-    std::string version;
-    present_ = run({"--version"}, version) == Engine::End::kDone;
     if (!password.empty())
         password_arguments_ = {"--password-file=" +
                                path_for_tool(scratch_.write(kPasswordFile, qk::to_utf8(password)))};
+}
+
+bool PdfTool::present() {
+    if (!present_)
+        present_ =
+            program_.run({"--version"}, scratch_.path(), [](std::string_view) {}) == Engine::End::kDone;
+    return *present_;
 }
 
 std::string PdfTool::path_for_tool(const std::wstring& path) const {
@@ -112,7 +140,10 @@ std::string PdfTool::path_for_tool(const std::wstring& path) const {
 Engine::End PdfTool::run(std::vector<std::string> arguments, std::string& output) {
     arguments.insert(arguments.begin(), password_arguments_.begin(), password_arguments_.end());
     output.clear();
-    return program_.run(arguments, scratch_.path(), [&output](std::string_view bytes) { output += bytes; });
+    const Engine::End end =
+        program_.run(arguments, scratch_.path(), [&output](std::string_view bytes) { output += bytes; });
+    present_ = end != Engine::End::kMissing;
+    return end;
 }
 
 void PdfTool::rewrite(const std::wstring& from, const std::wstring& to, const Rewriting& how) {
@@ -163,9 +194,10 @@ bool PdfTool::ask(const std::wstring& path, const std::vector<std::string>& name
 }
 
 bool PdfTool::look_into(const std::wstring& path, Objects& objects, std::string& output) {
-    // The engine gives these numbers to the catalogue, the information and the pages; others cost another
-    // look.
-    if (!ask(path, {"trailer", "1", "2", "3"}, objects, output))
+    // The engine gives these numbers to the catalogue, the information and the pages.
+    std::vector<std::string> names = {"trailer", "1", "2", "3"};
+    std::ranges::copy(named_at_start(path), std::back_inserter(names));
+    if (!ask(path, names, objects, output))
         return false;
     const picojson::value catalogue = objects.entry("trailer", "/Root");
     const picojson::value information = objects.entry("trailer", "/Info");

@@ -40,7 +40,8 @@ public:
     PdfTool(const ScratchFolder& scratch, const std::wstring& password);
 
     // Whether qpdf can be run: ZR_QPDF names it, as ZR_GHOSTSCRIPT names the engine, else it is looked up.
-    [[nodiscard]] bool present() const noexcept { return present_; }
+    // The first question runs it, unless something else has.
+    [[nodiscard]] bool present();
 
     // Writes the PDF `from` anew as `to`; what qpdf can mend is mended. A PDF that is protected stays so.
     // find_fault tells whether it came out well.
@@ -72,7 +73,7 @@ private:
     const ScratchFolder& scratch_;
     Engine program_;
     std::vector<std::string> password_arguments_;
-    bool present_ = false;
+    std::optional<bool> present_;  // nothing: not run yet
 };
 
 }  // namespace companions::render

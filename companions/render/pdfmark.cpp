@@ -54,6 +54,16 @@ std::string postscript_text(std::wstring_view text) {
     return hex + '>';
 }
 
+std::string postscript_literal(std::string_view bytes) {
+    std::string quoted = "(";
+    for (const char byte : bytes) {
+        if (byte == '(' || byte == ')' || byte == '\\')
+            quoted += '\\';
+        quoted += byte;
+    }
+    return quoted + ')';
+}
+
 bool is_landscape(std::string_view head) noexcept {
     head = head.substr(0, head.find("\n%%EndComments"));
     return head.find("\n%%Orientation: Landscape") != std::string_view::npos;

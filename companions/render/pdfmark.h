@@ -16,6 +16,8 @@ struct DocumentInfo {
     std::wstring keywords;
     std::wstring creator;
     std::wstring setting_name;  // under the key "PrintSetting"
+
+    friend bool operator==(const DocumentInfo&, const DocumentInfo&) = default;
 };
 
 // The setting's summary; the title of the job where the setting has none.
@@ -25,6 +27,9 @@ struct DocumentInfo {
 // A text as a hexadecimal PostScript string in UTF-16BE with its byte-order mark, which every language fits
 // into; U+FFFD stands in the place of each surrogate without its other half.
 [[nodiscard]] std::string postscript_text(std::wstring_view text);
+
+// Bytes as a PostScript string in parentheses, whatever stands in them.
+[[nodiscard]] std::string postscript_literal(std::string_view bytes);
 
 // The PostScript that runs before the spooled document and the one that runs after it. The engine takes the
 // title of the document's own comments over the first, so the second gives the information again.

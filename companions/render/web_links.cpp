@@ -32,20 +32,32 @@ char character_of(std::string_view value) {
     return value.size() == 1 && value[0] > ' ' && value[0] < '\x7F' ? value[0] : '\0';
 }
 
-// Where in a word an address begins and what goes before it; npos when there is none.
-size_t find_address(const std::string& word, std::string& scheme) {
+}  // namespace
+
+std::optional<WebAddress> find_address(const std::string& word) {
+    constexpr std::string_view kBare = "www.";
+    constexpr size_t kLeast = 8;  // "www.a.de"
     size_t first = std::string::npos;
-    for (const char* start : {"http://", "https://", "ftp://", "mailto:", "www."}) {
+    bool bare = false;
+    if (word.size() < kLeast)
+        return std::nullopt;
+    for (const std::string_view start : {std::string_view("http://"), std::string_view("https://"),
+                                         std::string_view("ftp://"), std::string_view("mailto:"), kBare}) {
         const size_t at = word.find(start);
         if (at >= first)
             continue;
         first = at;
-        scheme = std::string_view(start) == "www." ? "http://" : "";
+        bare = start == kBare;
     }
-    return first;
+    if (first == std::string::npos)
+        return std::nullopt;
+    size_t end = std::min(word.find_first_of("<>\"", first), word.size());
+    while (end > first && std::string_view(".,;:!?')]}").find(word[end - 1]) != std::string_view::npos)
+        --end;
+    if (end - first < kLeast)
+        return std::nullopt;
+    return WebAddress{first, end, (bare ? "http://" : "") + word.substr(first, end - first)};
 }
-
-}  // namespace
 
 void WebLinkReader::feed(std::string_view bytes) {
     for (const char byte : bytes) {
@@ -98,17 +110,9 @@ void WebLinkReader::end_word() {
     std::string word;
     for (const Glyph& glyph : word_)
         word += glyph.character;
-    std::string scheme;
-    const size_t first = find_address(word, scheme);
-    if (first != std::string::npos && !pages_.empty()) {
-        size_t end = std::min(word.find_first_of("<>\"", first), word.size());
-        while (end > first && std::string_view(".,;:!?')]}").find(word[end - 1]) != std::string_view::npos)
-            --end;
-        constexpr size_t kLeast = 8;  // "www.a.de"
-        if (end - first >= kLeast)
-            pages_.back().push_back({word_[first].left, baseline_ - size_ * 0.8, word_[end - 1].right,
-                                     baseline_ + size_ * 0.2, scheme + word.substr(first, end - first)});
-    }
+    if (const auto address = find_address(word); address && !pages_.empty())
+        pages_.back().push_back({word_[address->first].left, baseline_ - size_ * 0.8,
+                                 word_[address->end - 1].right, baseline_ + size_ * 0.2, address->text});
     word_.clear();
 }
 

@@ -1,6 +1,8 @@
 // Web addresses in the text of a document.
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +14,13 @@ struct WebLink {
     double left, top, right, bottom;
     std::string address;  // ASCII, with its scheme
 };
+
+// An address in a word: its first letter, the one behind its last, and the whole of it with its scheme.
+struct WebAddress {
+    size_t first, end;
+    std::string text;
+};
+[[nodiscard]] std::optional<WebAddress> find_address(const std::string& word);
 
 // Reads what the engine's text device tells of a document in its form 0, in pieces of any size: an element a
 // line, a character with its box or the font's size.

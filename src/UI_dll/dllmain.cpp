@@ -1,8 +1,8 @@
 // The loader's entry point. Apart from the rest, so that test programs can link everything else.
 #include <windows.h>
 
-#include "common/qk/guard.h"
 #include "UI_dll/plotui.h"
+#include "common/qk/guard.h"
 #include "common/qk/thread_storage.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved) noexcept {

@@ -13,6 +13,7 @@
 #include "common/qk/trace.h"
 #include "common/rwPDFSet_functions.h"
 #include "resources/ids.h"
+#include "zr_version.h"
 
 namespace {
 
@@ -33,7 +34,7 @@ constexpr OptionDescriptor telling(DWORD flags, UINT name_id, UINT icon_id) noex
 constexpr OptionDescriptor kSettingInForce = telling(OPTIF_CALLBACK, IDS_SETTING_IN_FORCE, IDI_SETTINGS);
 constexpr OptionDescriptor kModuleVersion = telling(0, IDS_MODULE_VERSION, IDI_SHEET);
 
-constexpr wchar_t kVersion[] = L"8.0.0";
+constexpr wchar_t kVersion[] = L"" ZR_VERSION_TEXT;
 
 size_t storage_bytes(size_t parameters, uint32_t build) noexcept {
     return sizeof(OPTITEM) + sizeof(OPTTYPE) + parameters * sizeof(OPTPARAM) +

@@ -5,9 +5,9 @@
 
 #include "common/driver_util.h"
 #include "common/qk/paths.h"
-#include "common/rwPDFSet_functions.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
+#include "common/rwPDFSet_functions.h"
 #include "lib/devmode.h"
 #include "print_settings/printer_setting.h"
 
@@ -28,7 +28,7 @@ void set_form_name(DEVMODEW& dm, std::wstring_view name) noexcept {
 // The General page keeps the paper's name beside its number; settings without it take the form's.
 std::wstring paper_name(const Settings& settings, const std::vector<FormRecord>& forms) {
     const auto& texts = settings.addition()->Str;
-    if (const auto entry = texts.find(L"PaperName"); entry != texts.end())
+    if (const auto entry = texts.find(Addition_impl::kPaperName); entry != texts.end())
         return entry->second;
     const FormRecord* form = find_form(forms, static_cast<uint16_t>(settings.general()->PaperName));
     return form ? form->name : std::wstring();

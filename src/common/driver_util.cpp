@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <new>
 
-#include "common/qk/MMF.h"
 #include "common/job_records.h"
+#include "common/qk/MMF.h"
 #include "common/qk/own_user.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"

@@ -9,12 +9,12 @@
 #include <vector>
 
 #include "common/dialog_library.h"
-#include "common/setting_signatures.h"
 #include "common/qk/disk_file.h"
 #include "common/qk/paths.h"
 #include "common/qk/registry.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
+#include "common/setting_signatures.h"
 
 using qk::registry::CurrentUser;
 

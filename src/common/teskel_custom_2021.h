@@ -8,10 +8,10 @@
 #include <optional>
 #include <string>
 
-#include "common/qk/MMF.h"
-#include "common/qk/handle.h"
 #include "common/external_call_ini.h"
 #include "common/job_records.h"
+#include "common/qk/MMF.h"
+#include "common/qk/handle.h"
 
 namespace pd_tk {
 

@@ -7,8 +7,8 @@
 
 #include <memory>
 
-#include "common/qk/MMF.h"
 #include "common/job_records.h"
+#include "common/qk/MMF.h"
 #include "common/teskel_custom_2021.h"
 
 // Answers one event: DOCUMENTEVENT_SUCCESS (1) or DOCUMENTEVENT_FAILURE (-1). The last error is always set:

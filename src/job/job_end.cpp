@@ -10,8 +10,8 @@
 #include "common/qk/override_ini.h"
 #include "common/qk/registry.h"
 #include "common/qk/text.h"
-#include "common/threadprop.h"
 #include "common/qk/trace.h"
+#include "common/threadprop.h"
 #include "job/document_event.h"
 
 namespace job {

@@ -4,10 +4,10 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "common/setting_signatures.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "common/qk/wipe.h"
+#include "common/setting_signatures.h"
 #include "print_settings/field_tables.h"
 #include "print_settings/legacy_reader.h"
 #include "print_settings/ps4_reader.h"

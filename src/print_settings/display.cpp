@@ -46,7 +46,7 @@ std::wstring shortened(std::wstring text) {
     return text;
 }
 
-constexpr wchar_t kPaperNameKey[] = L"PaperName";  // additional values that the settings dialog writes
+// Additional values that the settings dialog writes.
 constexpr struct {
     std::wstring_view key;
     UINT name;
@@ -59,7 +59,7 @@ std::wstring name_text(UINT id) {
 // The paper's name as the setting has it, else as it is known here.
 std::wstring paper_of(const PrintSettings& settings, const PaperNames& paper_name) {
     const auto& texts = settings.addition()->Str;
-    if (const auto own = texts.find(kPaperNameKey); own != texts.end() && !own->second.empty())
+    if (const auto own = texts.find(Addition_impl::kPaperName); own != texts.end() && !own->second.empty())
         return shortened(own->second);
     return paper_name ? paper_name(settings.general()->PaperName) : std::wstring();
 }
@@ -75,7 +75,7 @@ void leave_paper_to_its_line(PrintSettings& older, PrintSettings& newer) {
         before.PaperHeight = after.PaperHeight;
     }
     for (PrintSettings* settings : {&older, &newer})
-        settings->addition()->Str.erase(kPaperNameKey);
+        settings->addition()->Str.erase(Addition_impl::kPaperName);
 }
 
 }  // namespace

@@ -203,6 +203,8 @@ struct Addition_impl final : ps_impl_base<Addition_impl> {
     template <class Value>
     using Named = std::map<std::wstring, Value>;
 
+    static constexpr wchar_t kPaperName[] = L"PaperName";  // the text that names the paper of General
+
     Named<int32_t> Int;
     Named<bool> Bool;
     Named<double> Float;

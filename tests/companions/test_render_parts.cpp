@@ -9,6 +9,7 @@
 #include "companions/render/render_job.h"
 #include "companions/render/result_record.h"
 #include "companions/render/scratch_folder.h"
+#include "companions/render/spool_links.h"
 #include "companions/wine_layer.h"
 #include "support/installation.h"
 #include "support/variable.h"
@@ -44,6 +45,40 @@ TEST(RenderRules, PasswordsGoIntoTheOptionsOnly) {
         for (const std::string& argument : engine_arguments(settings, {}))
             EXPECT_EQ(argument.find("Password"), std::string::npos);
     }
+}
+
+// Letters one after another, or each ('^') or some ('|', far away) with a place of their own.
+TEST(RenderRules, SpooledAddressesAreMarked) {
+    const auto spooled = [](const std::string& text) {
+        std::string lines;
+        int x = 0;
+        for (const char letter : text)
+            if (letter == '^' || letter == '|')
+                lines += std::to_string(x += letter == '^' ? 7 : 90) + " 700 moveto\n";
+            else
+                lines += '/' +
+                         (letter == '.'   ? "period"
+                          : letter == ' ' ? "space"
+                                          : std::string(1, letter)) +
+                         " glyphshow\n";
+        return "%!PS\n%%Creator: Wine PostScript Driver\n%%EndComments\n%%EndProlog\n[10 0 0 -10 0 0]\n" +
+               lines + "pgsave restore\n";
+    };
+    const struct {
+        std::string text, first, second;  // pieces of the lines
+        bool marked = true;
+    } rows[] = {{"www.a.de", "/e glyphshow\n1 ZRat\n(http://www.a.de) 0 0.00 -10.00 ZRlinked\npgsave"},
+                {"x www.a.de. y", "0 ZRat\n/w glyphshow\n", "/e glyphshow\n1 ZRat\n/period"},
+                {"^w^w^w^.^a^.^d^e^ |b", "\n7 700 moveto\n0 ZRat\n/w", "1 ZRat\n63 700 moveto\n/space"},
+                {"^w^w^w|^.^a^.^d^e", "/period", "", false},
+                {"www.a.de|www.b.de", "/e glyphshow\n1 ZRat\n90 700", "(http://www.b.de) 2 0.00"}};
+    for (const auto& row : rows) {
+        const std::string marked = mark_links(spooled(row.text)).value_or("");
+        EXPECT_NE(marked.find(row.first), std::string::npos) << marked;
+        EXPECT_NE(marked.find(row.second), std::string::npos) << marked;
+        EXPECT_EQ(marked.find("glyphshow\n1 ZRat") != std::string::npos, row.marked) << marked;
+    }
+    EXPECT_FALSE(mark_links("%!PS\n%%EndComments\n%%EndProlog\n/w glyphshow\n")) << "another program's";
 }
 
 TEST(RenderRules, PermissionsOfBothEncryptions) {

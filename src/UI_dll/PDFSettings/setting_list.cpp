@@ -12,10 +12,10 @@
 #include "UI_dll/PDFSettings/messages.h"
 #include "common/qk/paths.h"
 #include "common/qk/registry.h"
-#include "common/rwPDFSet_functions.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "common/qk/wipe.h"
+#include "common/rwPDFSet_functions.h"
 #include "print_settings/setting_file.h"
 #include "resources/ids.h"
 

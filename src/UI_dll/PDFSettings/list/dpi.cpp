@@ -1,7 +1,7 @@
 #include "UI_dll/PDFSettings/list/dpi.h"
 
-#include "common/qk/resource_dll.h"
 #include "common/qk/handle.h"
+#include "common/qk/resource_dll.h"
 #include "common/qk/trace.h"
 #include "resources/ids.h"
 

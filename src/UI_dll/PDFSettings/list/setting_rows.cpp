@@ -8,14 +8,14 @@
 
 #include "UI_dll/PDFSettings/list/summary.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
-#include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/PDFSettings/preview/view_box.h"
+#include "UI_dll/PDFSettings/setting_list.h"
 #include "common/qk/paths.h"
 #include "common/qk/registry.h"
-#include "common/rwPDFSet_functions.h"
-#include "common/threadprop.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
+#include "common/rwPDFSet_functions.h"
+#include "common/threadprop.h"
 #include "resources/ids.h"
 
 namespace pdf_settings {

@@ -34,7 +34,7 @@ std::wstring paper(const Setting& setting) {
     if (general.PaperType == ps::General_impl::kCustomSize)
         return words(IDS_PS_PAPER_TYPE_1) + L", " + size();
     const auto& texts = setting.addition()->Str;
-    const auto own = texts.find(L"PaperName");
+    const auto own = texts.find(ps::Addition_impl::kPaperName);
     std::wstring name = own != texts.end() ? own->second : name_of_paper(general.PaperName);
     if (name.empty())
         name = size();

@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "UI_dll/PDFSettings/dialog_state.h"
-#include "common/qk/guard.h"
 #include "common/qk/gdi_handle.h"
+#include "common/qk/guard.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 

@@ -18,8 +18,8 @@
 #include "common/dialog_library.h"
 #include "common/driver_util.h"
 #include "common/qk/paths.h"
-#include "common/threadprop.h"
 #include "common/qk/trace.h"
+#include "common/threadprop.h"
 #include "job/name_pattern.h"
 #include "lib/devmode.h"
 #include "resources/ids.h"
@@ -33,7 +33,7 @@ using Corvanta::Vantrix::PrintSettings::General_impl;
 constexpr size_t kMostNameUnits = 100;
 constexpr size_t kFolderUnits = 512;  // also the buffer of "GetBrowsePath"
 constexpr size_t kLengthUnits = 7;    // "3276.70"
-constexpr wchar_t kFormNameKey[] = L"PaperName";
+constexpr auto& kFormNameKey = Corvanta::Vantrix::PrintSettings::Addition_impl::kPaperName;
 
 struct GeneralHelper final : PageHelper {
     std::wstring name;  // of the setting, as the sheet opened

@@ -5,8 +5,8 @@
 
 #include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/PDFSettings/preview/page_drawing.h"
-#include "common/threadprop.h"
 #include "common/qk/trace.h"
+#include "common/threadprop.h"
 #include "lib/forms.h"
 #include "resources/ids.h"
 

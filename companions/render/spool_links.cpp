@@ -1,0 +1,177 @@
+#include "companions/render/spool_links.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+#include "companions/render/pdfmark.h"
+#include "companions/render/web_links.h"
+
+namespace companions::render {
+
+namespace {
+
+constexpr std::string_view kCreator = "\n%%Creator: Wine PostScript Driver";
+constexpr std::string_view kEndOfProlog = "%%EndProlog\n";
+constexpr std::string_view kGlyph = " glyphshow";
+constexpr std::string_view kMove = " moveto";
+constexpr size_t kMostWord = 2000;
+
+// ZRat keeps the current point under a number until the page ends. ZRlinked makes a link from the point of
+// that number to the next one; the vector tells where letters have their upper side, and how far.
+constexpr char kProcedures[] = R"(userdict /ZRplaces 50 dict put
+userdict /ZRmarks 5 dict put
+userdict /ZRat { ZRplaces exch [ currentpoint transform ] put } bind put
+userdict /ZRlinked {
+  ZRmarks begin /up exch def /right exch def /start exch def /address exch def
+  [ /Rect [
+  ZRplaces start get aload pop itransform up .2 mul sub exch right .2 mul sub exch
+  ZRplaces start 1 add get aload pop itransform up .8 mul add exch right .8 mul add exch
+  ] /Action << /Subtype /URI /URI address >> /Border [0 0 0] /F 4 /Subtype /Link /ANN pdfmark end
+} bind put
+)";
+
+// The character of ASCII that a glyph's name stands for, a zero for anything else.
+char character_of(std::string_view name) {
+    constexpr std::pair<std::string_view, char> kNames[] = {
+        {"zero", '0'},         {"one", '1'},        {"two", '2'},          {"three", '3'},
+        {"four", '4'},         {"five", '5'},       {"six", '6'},          {"seven", '7'},
+        {"eight", '8'},        {"nine", '9'},       {"colon", ':'},        {"slash", '/'},
+        {"period", '.'},       {"hyphen", '-'},     {"underscore", '_'},   {"question", '?'},
+        {"equal", '='},        {"ampersand", '&'},  {"percent", '%'},      {"numbersign", '#'},
+        {"at", '@'},           {"plus", '+'},       {"asciitilde", '~'},   {"comma", ','},
+        {"semicolon", ';'},    {"exclam", '!'},     {"parenleft", '('},    {"parenright", ')'},
+        {"bracketleft", '['},  {"dollar", '$'},     {"bracketright", ']'}, {"asterisk", '*'},
+        {"quotesingle", '\''}, {"quotedbl", '"'},   {"less", '<'},         {"greater", '>'},
+        {"braceleft", '{'},    {"braceright", '}'}, {"bar", '|'},          {"backslash", '\\'},
+        {"asciicircum", '^'},  {"grave", '`'}};
+    if (name.size() == 1)
+        return name[0];
+    const auto* found = std::ranges::find(kNames, name, [](const auto& row) { return row.first; });
+    return found == std::end(kNames) ? '\0' : found->second;
+}
+
+class Marker {
+public:
+    explicit Marker(std::string_view document) : document_(document) { result_.reserve(document.size()); }
+
+    // Takes lines from there on to the end.
+    std::string mark(size_t at) {
+        insert(at, kProcedures);
+        while (at < document_.size()) {
+            const size_t end = std::min(document_.find('\n', at), document_.size());
+            take_line(document_.substr(at, end - at), at);
+            at = end + 1;
+        }
+        insert(document_.size(), {});
+        return std::move(result_);
+    }
+
+private:
+    // Places of a glyph's line in the document.
+    struct Line {
+        size_t first, after;
+    };
+
+    void take_line(std::string_view line, size_t at) {
+        if (line.ends_with(kGlyph) && line.starts_with('/'))
+            take_glyph(line.substr(1, line.size() - kGlyph.size() - 1), {at, at + line.size() + 1});
+        else if (line.ends_with(kMove))
+            take_place(line);
+        else if (line.starts_with('[') && line.ends_with(" 0 0]"))
+            take_size(line);
+        else if (line == "pgsave restore")
+            end_page(at);
+    }
+
+    void take_glyph(std::string_view name, Line line) {
+        const char character = character_of(name);
+        if (character == '\0' || word_.size() == kMostWord)
+            end_word();
+        ++since_move_;
+        if (character == '\0')
+            return;
+        word_ += character;
+        lines_.push_back(line);
+    }
+
+    // A word goes on where each of its letters has a place of its own, near to the one before.
+    void take_place(std::string_view line) {
+        double x = 0;
+        double y = 0;
+        const bool read = std::sscanf(std::string(line).c_str(), "%lf %lf", &x, &y) == 2;
+        const double step = x - x_;
+        if (!read || since_move_ != 1 || right_ != 0 || std::fabs(y - y_) > size() / 10 || step < 0 ||
+            step > size() * 1.3)
+            end_word();
+        x_ = x;
+        y_ = y;
+        since_move_ = 0;
+    }
+
+    void take_size(std::string_view line) {
+        double across[2], right = 0, up = 0;
+        if (line.size() > 200 || std::sscanf(std::string(line).c_str(), "[%lf %lf %lf %lf", &across[0],
+                                             &across[1], &right, &up) != 4)
+            return;
+        if (right != right_ || up != up_)
+            end_word();
+        right_ = right;
+        up_ = up;
+    }
+
+    void end_word() {
+        if (const auto address = find_address(word_)) {
+            const std::string start = std::to_string(2 * links_);
+            insert(lines_[address->first].first, start + " ZRat\n");
+            insert(lines_[address->end - 1].after, std::to_string(2 * links_ + 1) + " ZRat\n");
+            char letters[80];
+            std::snprintf(letters, sizeof letters, " %.2f %.2f ZRlinked\n", right_, up_);
+            at_end_ += postscript_literal(address->text) + ' ' + start + letters;
+            ++links_;
+        }
+        word_.clear();
+        lines_.clear();
+    }
+
+    void end_page(size_t at) {
+        end_word();
+        insert(at, at_end_);
+        at_end_.clear();
+        links_ = 0;
+    }
+
+    // Text before that place of the document, which lies behind all that have been inserted before.
+    void insert(size_t at, std::string_view text) {
+        result_.append(document_.substr(done_, at - done_)).append(text);
+        done_ = at;
+    }
+
+    [[nodiscard]] double size() const { return std::hypot(right_, up_); }
+
+    std::string_view document_;
+    std::string result_;
+    size_t done_ = 0;  // of the document
+    std::string word_;
+    std::vector<Line> lines_;  // of the word's letters
+    double x_ = 0, y_ = 0;     // where the last move went
+    size_t since_move_ = 0;    // letters
+    double right_ = 0, up_ = 0;
+    std::string at_end_;  // of the page
+    size_t links_ = 0;    // on the page
+};
+
+}  // namespace
+
+std::optional<std::string> mark_links(std::string_view document) {
+    const std::string_view head = document.substr(0, document.find("\n%%EndComments"));
+    const size_t prolog = document.find(kEndOfProlog);
+    if (prolog == std::string_view::npos || head.find(kCreator) == std::string_view::npos)
+        return std::nullopt;
+    return Marker(document).mark(prolog + kEndOfProlog.size());
+}
+
+}  // namespace companions::render
