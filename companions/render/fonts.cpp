@@ -99,8 +99,10 @@ std::string font_parameters(const Font_impl& fonts, bool all) {
     std::set<std::string> never;
     if (!all && !listed_only)
         never = names;
-    if (!all && !fonts.EmbedBase14)
-        never.insert(std::begin(kBase14), std::end(kBase14));
+    // Newer engines embed what is not listed, too, unless it is named here.
+    if (!all && (listed_only || !fonts.EmbedBase14))
+        std::ranges::copy_if(kBase14, std::inserter(never, never.end()),
+                             [&](const char* name) { return !listed_only || !names.contains(name); });
     return std::string("<<\n/EmbedAllFonts ") + (listed_only ? "false\n" : "true\n") +
            list("NeverEmbed", never) + list("AlwaysEmbed", listed_only ? names : std::set<std::string>()) +
            ">> setdistillerparams\n";

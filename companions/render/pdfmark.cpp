@@ -1,5 +1,6 @@
 #include "companions/render/pdfmark.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "common/qk/text.h"
@@ -65,8 +66,15 @@ std::string postscript_literal(std::string_view bytes) {
 }
 
 bool is_landscape(std::string_view head) noexcept {
-    head = head.substr(0, head.find("\n%%EndComments"));
-    return head.find("\n%%Orientation: Landscape") != std::string_view::npos;
+    const auto has = [](std::string_view text, std::string_view line) {
+        return text.find(line) != std::string_view::npos;
+    };
+    const size_t end = std::min(head.find("\n%%EndComments"), head.size());
+    const std::string_view comments = head.substr(0, end);
+    // A spool that the system has drawn once more from its own records says it of each page only.
+    const bool each_page = !has(comments, "\n%%Orientation:") && has(comments, "\n%%Creator: Wine PostScript");
+    return has(each_page ? head.substr(end) : comments,
+               each_page ? "\n%%PageOrientation: Landscape" : "\n%%Orientation: Landscape");
 }
 
 std::string prologue(const DocumentInfo& info, bool landscape) {

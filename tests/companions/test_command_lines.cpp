@@ -49,7 +49,7 @@ TEST(CommandLines, WrongWordsAreNamed) {
         {{L"print", L"a", L"--title"}, L"--title", L"required"},
         {{L"print", L"a", L"--title", L""}, L"--title", L"empty"},
         {{L"print", L"a", L"--trace", L"4294967296"}, L"--trace", L"4294967296"},
-        {{L"install", L"--notify-channels", L"99"}, L"99", L"0 to 15"},
+        {{L"install", L"--notify-channels", L"99"}, L"99", L"15"},
         {{L"print", L"a", L"--abort-after-page", L"0"}, L"--abort-after-page", L"above 0"},
         {{L"properties", L"--press", L"apply"}, L"--press", L"apply"},
         {{L"diff", L"a"}, L"FILE", L"2"},
