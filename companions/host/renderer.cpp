@@ -6,6 +6,7 @@
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/host/child.h"
+#include "companions/host/host_error.h"
 #include "companions/host/record_fields.h"
 #include "companions/reservation.h"
 
@@ -27,8 +28,13 @@ DWORD run(const std::vector<std::wstring>& words,
     return exit_code;
 }
 
+// It runs as this process does, which may be a service that acts for a user: the user's registry names no
+// program.
 std::wstring program() {
-    return qk::install_folder() + kProgram;
+    const std::wstring folder = qk::trusted_install_folder();
+    if (folder.empty())
+        throw HostError{ExitCode::kInstallation, L"no PdfDllPath names the folder of zr_render.exe"};
+    return folder + kProgram;
 }
 
 }  // namespace

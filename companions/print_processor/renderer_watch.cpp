@@ -40,18 +40,10 @@ void paint() {
     }
 }
 
-bool has_visible_station() noexcept {
-    USEROBJECTFLAGS flags = {};
-    DWORD size = 0;
-    const HWINSTA station = GetProcessWindowStation();
-    return station && GetUserObjectInformationW(station, UOI_FLAGS, &flags, sizeof flags, &size) &&
-           (flags.dwFlags & WSF_VISIBLE);
-}
-
 }  // namespace
 
 bool somebody_watches() {
-    return has_visible_station() && !companions::unattended(qk::install_folder() + L"Tessalo80.ini");
+    return !companions::unattended(qk::install_folder() + L"Tessalo80.ini");
 }
 
 unsigned spooled_pages(const std::wstring& spool) {

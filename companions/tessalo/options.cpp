@@ -27,6 +27,15 @@ std::wstring ini_text(const std::wstring& ini_path, const wchar_t* key) {
     });
 }
 
+// A service's windows come on a station of their own, where nobody sees them.
+bool has_visible_station() noexcept {
+    USEROBJECTFLAGS flags = {};
+    DWORD size = 0;
+    const HWINSTA station = GetProcessWindowStation();
+    return station && (!GetUserObjectInformationW(station, UOI_FLAGS, &flags, sizeof flags, &size) ||
+                       (flags.dwFlags & WSF_VISIBLE));
+}
+
 std::wstring documents_folder() {
     wchar_t folder[MAX_PATH + 1] = {};
     return SHGetSpecialFolderPathW(nullptr, folder, CSIDL_PERSONAL, TRUE) ? std::wstring(folder)
@@ -36,6 +45,8 @@ std::wstring documents_folder() {
 }  // namespace
 
 bool unattended(const std::wstring& ini_path) {
+    if (!has_visible_station())
+        return true;
     std::wstring choice = variable(L"ZR_UNATTENDED");
     if (choice.empty())
         choice = ini_text(ini_path, L"Unattended");

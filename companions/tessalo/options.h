@@ -11,8 +11,8 @@
 
 namespace companions {
 
-// Whether no window may be shown: the variable ZR_UNATTENDED, a number, when it is set; else the key
-// "Unattended" of section "Dialog" in the ini.
+// Whether no window may be shown: always where the program's window station is not visible; else the variable
+// ZR_UNATTENDED, a number, when it is set; else the key "Unattended" of section "Dialog" in the ini.
 [[nodiscard]] bool unattended(const std::wstring& ini_path);
 
 // The folder of a job that nobody watches: the first that is given of the record's, the setting's, the
@@ -21,8 +21,7 @@ namespace companions {
                                              const Corvanta::Vantrix::PrintSettings::General_impl& general,
                                              const std::wstring& ini_path);
 
-// The folder that the dialog opens in: the record's, else the setting's when it names a fixed one, else the
-// user's documents.
+// The folder that the dialog opens in: the record's, else the setting's, else the user's documents.
 [[nodiscard]] std::wstring dialog_folder(const std::wstring& record_folder,
                                          const Corvanta::Vantrix::PrintSettings::General_impl& general);
 

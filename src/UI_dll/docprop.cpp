@@ -39,6 +39,7 @@ LONG write_merged(const DocumentPropertyHeader& header) {
 }
 
 LONG initialise(PROPSHEETUI_INFO& info, LPARAM parameter, const DocumentPropertyHeader& header) {
+    const bool settings_page_only = cpsui::only_settings_page();
     auto thread = std::make_unique<SheetThread>(header.hPrinter, printer_name(header.hPrinter));
     std::unique_ptr<SheetInformation> information(
         new (std::nothrow) SheetInformation(MapPrinter(header.hPrinter, header.pdmIn), std::move(thread)));
@@ -50,7 +51,6 @@ LONG initialise(PROPSHEETUI_INFO& info, LPARAM parameter, const DocumentProperty
         information->may_update = true;
         information->output = header.pdmOut;
     }
-    const bool settings_page_only = cpsui::only_settings_page();
     information->sheet.pfnCallBack = &NSETCallBack;
     cpsui::set_up_page(*information, settings_page_only);
     SetupDPOptItems(*information);

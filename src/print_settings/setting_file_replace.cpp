@@ -53,7 +53,10 @@ OldFile look_at(const std::wstring& path) {
     const qk::FileObj file = qk::open_disk_file(path, FILE_READ_ATTRIBUTES | READ_CONTROL, kShareAll);
     if (!file) {
         const DWORD error = GetLastError();
-        old.exists = old.in_place = error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND;
+        const bool is_missing = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+        // A link whose file is missing is there, and stays a link.
+        old.exists = old.in_place =
+            !is_missing || GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
         return old;
     }
     BY_HANDLE_FILE_INFORMATION information = {};
@@ -234,8 +237,9 @@ void remove_leftovers(const std::wstring& folder) {
     do {
         if (!is_temporary(found.cFileName))
             continue;
-        const qk::FileObj closed(CreateFileW((folder + found.cFileName).c_str(), DELETE, 0, nullptr,
-                                             OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+        const qk::FileObj closed(
+            CreateFileW((folder + found.cFileName).c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
+                        FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
     } while (FindNextFileW(search.get(), &found));
 }
 

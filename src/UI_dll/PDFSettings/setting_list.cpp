@@ -131,12 +131,12 @@ void copy_settings(const std::wstring& from, const std::wstring& to) {
 }  // namespace
 
 void ImportOldCustomSettings() {
+    TRACE("ImportOldCustomSettings");
     if (std::exchange(dialog_state().list.imported, true))
         return;  // a list that is filled again asks nobody
     const qk::registry::CurrentUser user;
     if (qk::registry::find_number(user.get(), qk::registry::kRoot, kImported).value_or(0) != 0)
         return;
-    TRACE("ImportOldCustomSettings");
     for (int version = kThisVersion - 1; version > 0; --version) {  // newer ones first: theirs stay
         const std::wstring from = old_folder(version);
         if (!qk::is_folder(from))

@@ -22,6 +22,7 @@
 #include "common/qk/resource_dll.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
+#include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
 #include "lib/forms.h"
 #include "print_settings/display.h"
@@ -181,7 +182,9 @@ std::array<PROPSHEETPAGEW, kPageCount> page_records() {
 // --- Saving ---
 
 int tell_not_saved(HWND page, const std::wstring& path, DWORD error) {
-    const std::wstring what = path.empty() ? dialog_text(IDS_NO_USER_FOLDER) : path;
+    std::wstring what = path.empty() ? GetAppDataPath(false) : path;
+    if (what.empty())
+        what = dialog_text(IDS_NO_USER_FOLDER);
     show_message(page,
                  qk::format(dialog_text(IDS_NOT_SAVED).c_str(), what.c_str(), system_text(error).c_str()),
                  IDS_REFUSED, MB_OK | MB_ICONERROR);

@@ -218,8 +218,7 @@ bool is_setting_file_there(const std::wstring& printer) {
     if (chosen.empty())
         return true;
     const std::wstring path = SettingPathOf(chosen);
-    const bool is_full = path.starts_with(L"\\\\") || path.find(L":\\") == 1;  // else of the host's folder
-    return is_full && qk::is_file(path);
+    return qk::is_full_path(path) && qk::is_file(path);  // else of the host's folder
 }
 
 }  // namespace pdf_settings

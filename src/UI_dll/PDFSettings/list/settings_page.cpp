@@ -134,7 +134,16 @@ void edit_selected(HWND page) {
     DoEditDialog(page, !IsCurrentItemEditable(page) || !entry->is_readable, true);
 }
 
+// A name that was typed last is given before anything else is done with the list: the message that asks for
+// it would come in the middle of the next question or sheet.
+void rename_pending(HWND page) {
+    ListPageState& state = dialog_state().list;
+    if (!state.renamed_path.empty())
+        rename_setting(page, std::exchange(state.renamed_path, {}), std::exchange(state.new_name, {}));
+}
+
 bool on_command(HWND page, int control) {
+    rename_pending(page);
     switch (control) {
         case IDC_SETTINGS_NEW:
             DoEditDialog(page, true);
@@ -204,6 +213,7 @@ bool on_list(HWND page, const NMHDR& header) {
             return true;
         case NM_DBLCLK:
         case NM_RDBLCLK:
+            rename_pending(page);
             edit_selected(page);
             return true;
         case LVN_KEYDOWN:
@@ -239,13 +249,15 @@ void leave_choice(HWND page) {
 }
 
 bool dlg_notify_PDFSettings(HWND page, const NMHDR& header) {
+    if (header.code != NM_CUSTOMDRAW)  // of which there are many
+        TRACE("dlg_notify_PDFSettings");
     if (header.idFrom == IDC_SETTINGS_LIST && header.hwndFrom == GetDlgItem(page, IDC_SETTINGS_LIST))
         return on_list(page, header);
-    TRACE("dlg_notify_PDFSettings");
     LONG_PTR answer = PSNRET_NOERROR;
     switch (header.code) {
         case PSN_APPLY:
             answer = or_stay_open(page, PSNRET_INVALID_NOCHANGEPAGE, [&] {
+                rename_pending(page);
                 take_choice(page);
                 return LONG_PTR{PSNRET_NOERROR};
             });
@@ -283,16 +295,17 @@ INT_PTR handle(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
         case kBuildFontStates:
             build_font_states();
             return TRUE;
-        case kRename: {
-            ListPageState& state = dialog_state().list;
-            rename_setting(page, std::exchange(state.renamed_path, {}), std::exchange(state.new_name, {}));
+        case kRename:
+            rename_pending(page);
             return TRUE;
-        }
         case WM_HELP:
             show_help(page, kListChapter);
             return TRUE;
         case WM_DROPFILES:
-            import_dropped(page, reinterpret_cast<HDROP>(wparam));
+            if (IsWindowEnabled(GetParent(page)))
+                import_dropped(page, reinterpret_cast<HDROP>(wparam));
+            else  // a sheet or a question over it works on the list
+                DragFinish(reinterpret_cast<HDROP>(wparam));
             return TRUE;
         case WM_DESTROY:
             close_page(page);

@@ -271,10 +271,15 @@ bool check_length(HWND page, int control, float current) {
     return refuse(page, control, IDS_BAD_PAPER_SIZE);
 }
 
+// A part of a path would be looked for below the folder that each program has by chance.
+bool is_full_folder(const std::wstring& path) {
+    return qk::is_full_path(path) && qk::is_folder(path);
+}
+
 // A folder that the setting has named all along may be missing on this computer only.
 bool check_folder(HWND page) {
     return !saves_in_folder(page) || !is_touched(page, std::array{IDC_SAVE_STYLE, IDC_OUTPUT_FOLDER}) ||
-           qk::is_folder(control_text(page, IDC_OUTPUT_FOLDER)) ||
+           is_full_folder(control_text(page, IDC_OUTPUT_FOLDER)) ||
            refuse(page, IDC_OUTPUT_FOLDER, IDS_NO_OUTPUT_FOLDER);
 }
 
@@ -306,7 +311,7 @@ bool check_links(HWND page) {
 
 bool dlg_killactive_General(HWND page) {
     TRACE("dlg_killactive_General");
-    const General_impl& general = *loaded_setting().general();
+    const General_impl& general = *edited_setting().general();
     return check_name(page) && check_length(page, IDC_PAPER_WIDTH, general.PaperWidth) &&
            check_length(page, IDC_PAPER_HEIGHT, general.PaperHeight) && check_folder(page) &&
            check_file_name(page) && check_resolution(page) && check_scale(page, general.Scale) &&

@@ -269,6 +269,7 @@ void dlg_init_WaterMark(HWND page) {
 }
 
 void dlg_setactive_WaterMark(HWND page) {
+    TRACE("dlg_setactive_WaterMark");
     redraw(page, IDC_MARK_SWATCH);
     redraw(page, IDC_MARK_PREVIEW);
 }
@@ -287,7 +288,7 @@ bool check_picture(HWND page) {
     const std::wstring path = control_text(page, IDC_MARK_FILE);
     if (is_new(page, IDC_MARK_FILE) && path.empty())
         return refuse(page, IDC_MARK_FILE, IDS_MARK_NO_FILE);
-    if (is_touched(page, IDC_MARK_FILE) && !qk::is_file(path))
+    if (is_touched(page, IDC_MARK_FILE) && !(qk::is_full_path(path) && qk::is_file(path)))
         return refuse(page, IDC_MARK_FILE, IDS_MARK_LOST_FILE);
     if (is_touched(page, IDC_MARK_FILE) && is_no_picture(path))
         return refuse(page, IDC_MARK_FILE, IDS_MARK_NO_PICTURE);
