@@ -1,7 +1,6 @@
 // Every field that the edit sheet edits: set on its page, saved, read by another instance, shown again.
 
 #include <set>
-#include <type_traits>
 
 #include "UI_dll/PDFSettings/pages/font_states.h"
 #include "UI_dll/PDFSettings/setting_list.h"

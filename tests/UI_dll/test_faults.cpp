@@ -1,11 +1,6 @@
 // One call fails: each function that the built module imports and that can fail, once at each of its calls. A
 // refused job says why, nothing leaks, and the next time all is as it was.
 
-#include <windows.h>
-
-#include <commctrl.h>
-#include <prsht.h>
-
 #include <climits>
 #include <csignal>
 #include <cstdio>

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <set>
 
 #include "UI_dll/PDFSettings/list_rules.h"

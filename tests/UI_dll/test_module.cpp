@@ -1,12 +1,8 @@
 // The built module itself, loaded as the print system loads it.
-#include <gtest/gtest.h>
-
-#include <type_traits>
 
 #include "UI_dll/ddi.h"
 #include "UI_dll/plotui.h"
 #include "common/qk/module.h"
-#include "common/qk/paths.h"
 #include "companions/thread.h"
 #include "support/debug_output.h"
 #include "support/handle_count.h"

@@ -1,5 +1,4 @@
 #include <array>
-#include <tuple>
 
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/PDFSettings/list/setting_rows.h"

@@ -1,13 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <windows.h>
-
-#include <commctrl.h>
-
-#include <string>
-
 #include "UI_dll/PDFSettings/setting_list.h"
-#include "resources/ids.h"
 #include "support/sheet_driver.h"
 
 namespace {

@@ -1,5 +1,4 @@
 // A common property sheet: what is added to it, reasons, results, option items, room for its pages.
-#include <utility>
 
 #include "UI_dll/cpsui.h"
 #include "UI_dll/plotui.h"

@@ -1,6 +1,4 @@
 // Files that the host program reads, copies and replaces.
-#include <cstdint>
-#include <tuple>
 
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"

@@ -1,5 +1,3 @@
-#include <tuple>
-
 #include "companions/host/page_layout.h"
 #include "companions/host/text_file.h"
 

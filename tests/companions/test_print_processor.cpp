@@ -1,24 +1,13 @@
 // The print processor: its exports, jobs of this process through the real spooler, and a real program's.
-#include <gtest/gtest.h>
-
-#include <windows.h>
 
 #include <commdlg.h>
 #include <dlgs.h>
-#include <winspool.h>
 #include <winsplp.h>
 
-#include <algorithm>
-#include <cstdint>
-#include <filesystem>
-#include <optional>
 #include <regex>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "common/qk/gdi_handle.h"
-#include "common/qk/paths.h"
 #include "common/qk/resource_dll.h"
 #include "companions/print_processor/names.h"
 #include "companions/print_processor/resource.h"

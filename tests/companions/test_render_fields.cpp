@@ -1,6 +1,4 @@
 // Every field of a print setting that the renderer obeys: what the finished PDF answers.
-#include <cstdint>
-#include <tuple>
 
 #include "companions/render/ascii85.h"
 #include "companions/render/fonts.h"

@@ -1,7 +1,5 @@
 // The renderer's pure parts: what it tells the engine, what it reads there, what it tells the printing
 // process.
-#include <cstdint>
-#include <tuple>
 
 #include "companions/render/engine.h"
 #include "companions/render/engine_arguments.h"

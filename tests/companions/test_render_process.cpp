@@ -1,12 +1,7 @@
 // The renderer as a host runs it: a process of its own, the job's records in shared memory, the real engine.
-#include <cstdint>
-#include <tuple>
 
-#include "common/qk/paths.h"
-#include "common/qk/text.h"
 #include "companions/reservation.h"
 #include "companions/wine_layer.h"
-#include "print_settings/PrintSettings.h"
 #include "support/render_process.h"
 #include "support/variable.h"
 

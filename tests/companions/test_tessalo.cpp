@@ -1,11 +1,7 @@
 // The save-file dialog library: names, the choice of a file, and the library as the module loads it, with
 // nobody watching.
-#include <atomic>
-#include <tuple>
 
 #include "common/dialog_library.h"
-#include "common/qk/handle.h"
-#include "common/qk/paths.h"
 #include "common/qk/registry.h"
 #include "companions/tessalo/options.h"
 #include "companions/tessalo/output_choice.h"
