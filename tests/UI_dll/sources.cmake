@@ -10,6 +10,7 @@ target_sources(zr_tests PRIVATE
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_page_pdf_version.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_pages.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_settings_page.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_settings_transfer.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_sheet_safety.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_sheets.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_untouched.cpp
