@@ -18,8 +18,7 @@
 
 namespace {
 
-template <class T>
-std::string bytes_of(const T& value) {
+std::string bytes_of(const DriverDevmode& value) {
     return {reinterpret_cast<const char*>(&value), sizeof value};
 }
 std::string text(const std::wstring& wide) {
@@ -78,8 +77,7 @@ protected:
         std::string before = state();
         const ULONGLONG end = all ? ULLONG_MAX : GetTickCount64() + 15'000;
         while (done < numbers.size() && GetTickCount64() < end) {
-            const auto batch =
-                std::span(numbers).subspan(done).first(std::min(numbers.size() - done, kBatch));
+            const auto batch = std::span(numbers).subspan(done, std::min(numbers.size() - done, kBatch));
             done += batch.size();
             for (const size_t number : batch)
                 failures += fail_one(number);
@@ -122,9 +120,7 @@ private:
     // What the process and the installation hold.
     [[nodiscard]] std::string holdings(const ModuleCalls& calls) const {
         int windows = 0, objects = 0;
-        const auto count = [](HWND, LPARAM number) -> BOOL {
-            return ++*reinterpret_cast<int*>(number), TRUE;
-        };
+        const auto count = [](HWND, LPARAM number) { return ++*reinterpret_cast<int*>(number), TRUE; };
         EnumThreadWindows(GetCurrentThreadId(), count, reinterpret_cast<LPARAM>(&windows));
         // Where the system looks at no more of a handle.
         for (uintptr_t number = 0; number < 0x4000; ++number)
@@ -319,14 +315,13 @@ TEST_F(SheetFaults, OfASheet) {
 }
 
 TEST_F(SheetFaults, OfTheListPage) {
-    const auto scene = [&] {
+    fail_each_call([&] {
         return with_list([](HWND page) {
             press(page, IDC_SETTINGS_DELETE);
             const PSHNOTIFY apply = {{GetParent(page), 0, static_cast<UINT>(PSN_APPLY)}, TRUE};
             SendMessageW(page, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&apply));
         });
-    };
-    fail_each_call(scene);
+    });
 }
 
 // Another name and OK for an edit sheet as it opens; where that does not end it, it is cancelled.
