@@ -8,8 +8,6 @@ namespace {
 using namespace pdf_settings;
 using namespace Corvanta::Vantrix::PrintSettings;
 
-constexpr int kCheckButton = 12321;
-
 class Saving : public EditSheet {
 protected:
     // A file of the user's with what setting() holds.
@@ -22,34 +20,25 @@ protected:
     static void rename(const wchar_t* name) { SetWindowTextW(control(kGeneralPage, IDC_NAME), name); }
 };
 
-TEST_F(Saving, SheetHoldsNinePagesAndTheCheckButton) {
+TEST_F(Saving, SheetHoldsNinePagesAndTheCheckButtonSavesNothing) {
     show([] {
         EXPECT_EQ(GetFocus(), control(kGeneralPage, IDC_NAME));
         for (size_t i = 0; i < kPageCount; ++i)
             EXPECT_TRUE(go_to(static_cast<PageIndex>(i))) << i;
-        const HWND button = GetDlgItem(sheet(), kCheckButton);
-        EXPECT_TRUE(IsWindowVisible(button));
-        EXPECT_TRUE(IsWindowEnabled(button));
+        const HWND button = GetDlgItem(sheet(), 12321);
+        EXPECT_TRUE(IsWindowVisible(button) && IsWindowEnabled(button));
         RECT place, cancel, client;
         GetWindowRect(button, &place);
         GetWindowRect(GetDlgItem(sheet(), IDCANCEL), &cancel);
         GetWindowRect(sheet(), &client);
-        EXPECT_GE(place.left, cancel.right);
-        EXPECT_LE(place.right, client.right);
+        EXPECT_TRUE(place.left >= cancel.right && place.right <= client.right);
+        EXPECT_TRUE(Outbox::boxes.empty());
+        press_apply();
     });
+    ASSERT_EQ(Outbox::boxes.size(), 1u);
     EXPECT_TRUE(stayed_open());
-    EXPECT_TRUE(here.outbox.boxes.empty());
-}
-
-TEST_F(Saving, NewSettingIsWrittenUnderItsName) {
-    show([] {
-        rename(L"My: new");
-        press_ok();
-    });
-    EXPECT_FALSE(stayed_open());
-    const std::wstring path = GetAppDataPath(false) + L"My_ new.ps4";
-    EXPECT_EQ(dialog_state().file.path, path);
-    EXPECT_EQ(ReadName(path), L"My: new");
+    EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_OK | MB_ICONINFORMATION});
+    EXPECT_FALSE(is_name_taken(setting()->PSName, {}));
 }
 
 TEST_F(Saving, ChangesAreListedAndSavedWhenTheUserAgrees) {
@@ -77,14 +66,6 @@ TEST_F(Saving, ChangesAreListedAndSavedWhenTheUserAgrees) {
     Setting unknown = setting();  // a code without a name is shown as its number
     unknown.color()->ColorMode = 3;
     EXPECT_NE(Changed2Str(setting(), unknown).at(0).find(L'3'), std::wstring::npos);
-}
-
-TEST_F(Saving, CheckButtonSavesNothing) {
-    show([] { press_apply(); });
-    ASSERT_EQ(Outbox::boxes.size(), 1u);
-    EXPECT_TRUE(stayed_open());
-    EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_OK | MB_ICONINFORMATION});
-    EXPECT_FALSE(is_name_taken(setting()->PSName, {}));
 }
 
 TEST_F(Saving, EditsSurviveAFileThatCannotBeWritten) {
@@ -117,14 +98,14 @@ TEST_F(Saving, EditsSurviveAFolderThatTakesNoFile) {
         });
     const std::wstring obstacle = here.folder.write(L"Roaming\\Corvanta", "");  // for the folder itself
     show([&] {
-        rename(L"Kept");
+        rename(L"My: new");
         press_ok();
         DeleteFileW(obstacle.c_str());
         denies = true;
         press_ok();
         denies = false;
-        EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Kept");
-        EXPECT_FALSE(is_name_taken(L"Kept", {}));
+        EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"My: new");
+        EXPECT_FALSE(is_name_taken(L"My: new", {}));
         press_ok();
     });
     EXPECT_FALSE(stayed_open());
@@ -132,7 +113,8 @@ TEST_F(Saving, EditsSurviveAFolderThatTakesNoFile) {
     for (const Outbox::Box& box : Outbox::boxes)
         EXPECT_NE(box.text.find(dialog_text(IDS_NO_USER_FOLDER)), std::wstring::npos);
     EXPECT_NE(Outbox::boxes[0].text, Outbox::boxes[1].text);  // each with its reason
-    EXPECT_EQ(ReadName(GetAppDataPath(false) + L"Kept.ps4"), L"Kept");
+    EXPECT_EQ(dialog_state().file.path, GetAppDataPath(false) + L"My_ new.ps4");
+    EXPECT_EQ(ReadName(dialog_state().file.path), L"My: new");
 }
 
 TEST_F(Saving, FailureOnAPageKeepsTheSheetOpenAndItsEdits) {
@@ -193,10 +175,8 @@ TEST_F(Saving, LongListOfChangesIsWholeInABoxThatScrolls) {
     EXPECT_FALSE(is_old(path));
 }
 
-TEST_F(Saving, CaptionTellsTheNameOfWhatIsEdited) {
-    EXPECT_EQ(sheet_caption(L"Mine", true), dialog_text(IDS_SHEET_NEW));
+TEST_F(Saving, CaptionHasRoomForEachNameAndIsThere) {
     EXPECT_EQ(sheet_caption(L"", false), dialog_text(IDS_SHEET_NEW));
-    EXPECT_NE(sheet_caption(L"Mine", false).find(L"Mine"), std::wstring::npos);
     EXPECT_EQ(sheet_caption(std::wstring(400, L'x'), false).size(), 259u);
     EXPECT_EQ(dialog_text(60000), L"(no id{60000})");
 }

@@ -291,27 +291,29 @@ TEST_F(Pages, DocumentPageKeepsWhatItHasNotLoadedAndWhatWasTyped) {
 
 TEST(PasswordRules, FirstFaultCounts) {
     using Fault = PasswordFault;
+    constexpr auto none = std::nullopt;
     const std::wstring fits(127, L'a'), accents(64, L'é');  // 128 bytes
+    // Those that are kept as the file has them are no fault of the user's.
     struct {
         uint32_t version;
         std::wstring open, permissions;
         std::optional<Fault> fault;
         bool needs_open = true, needs_permissions = true, is_open_new = true, is_permissions_new = true;
-    } const rows[] = {{4, L"", L"", {}, false, false},
-                      {4, L"one", L"two", {}},
+    } const rows[] = {{4, L"", L"", none, false, false},
+                      {4, L"one", L"two", none},
                       {4, L"one", L"one", Fault::kSame, false, false},
                       {4, L"", L"", Fault::kNoOpen},
                       {4, L"", L"", Fault::kNoPermissions, false},
                       {4, L"a b", L"a\x7F\xFE!", Fault::kOpenCharacter},
                       {0, L"a b", L"\xFF", Fault::kPermissionsCharacter},
-                      {12, L"a b", L"\x3042\xFF", {}},
+                      {12, L"a b", L"\x3042\xFF", none},
                       {4, fits, fits + L"b", Fault::kPermissionsTooLong},
                       {4, accents, fits, Fault::kOpenTooLong},
-                      {12, L"a", std::wstring(42, L'\x3042'), {}},
+                      {12, L"a", std::wstring(42, L'\x3042'), none},
                       {12, L"a", std::wstring(43, L'\x3042'), Fault::kPermissionsTooLong},
-                      {5, L"one", L"one", {}},
-                      {11, L"", L"", {}},
-                      {4, L"a b", L"a b", {}, true, true, false, false},  // as the file has them
+                      {5, L"one", L"one", none},
+                      {11, L"", L"", none},
+                      {4, L"a b", L"a b", none, true, true, false, false},
                       {4, L"", fits + L"b", Fault::kNoOpen, true, true, true, false},
                       {4, L"a b", L"c d", Fault::kOpenCharacter, true, true, true, false},
                       {4, L"a", L"a", Fault::kSame, true, true, false, true}};

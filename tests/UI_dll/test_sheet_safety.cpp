@@ -13,24 +13,20 @@ protected:
 };
 
 TEST_F(SheetSafety, FileThatSomebodyElseHasWrittenStaysAndACopyIsMade) {
-    const std::wstring folder = L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\";
-    ForceDirectories(here.folder.file(folder));
-    const std::wstring path = here.folder.file(folder + L"mine.ps4");
+    const std::wstring file = L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\mine.ps4",
+                       path = here.folder.file(file);
+    ForceDirectories(path.substr(0, path.rfind(L'\\')));
     setting()->PSName = L"mine";
     EXPECT_TRUE(setting().Save(path));
     Outbox::answer = IDYES;
-    const auto edit = [&](const char* theirs) {
-        show(
-            [&] {
-                dialog_state().file.mark = file_mark(path);
-                if (theirs)
-                    here.folder.write(folder + L"mine.ps4", theirs);
-                type(kGeneralPage, IDC_SCALE, L"50");
-                press_ok();
-            },
-            path);
-    };
-    edit("theirs");
+    show(
+        [&] {
+            dialog_state().file.mark = file_mark(path);
+            here.folder.write(file, "theirs");
+            type(kGeneralPage, IDC_SCALE, L"50");
+            press_ok();
+        },
+        path);
     EXPECT_EQ(TempFolder::read(path), "theirs");
     ASSERT_EQ(Outbox::boxes.size(), 2u) << "the changes, and whose file it is";
     EXPECT_TRUE(says(path));
@@ -67,17 +63,14 @@ TEST_F(SheetSafety, CheckButtonTellsEveryFaultAtOnce) {
 
 TEST_F(SheetSafety, ArrowsStepOverSizesThatCannotBe) {
     show([] {
-        const struct {
-            int from, delta, to;
-        } steps[] = {{0, 1, 8}, {8, -1, 0}, {8, 1, 9}, {9, -1, 8}, {10, -5, 0}};
-        for (const auto& step : steps) {
-            NMUPDOWN told = {};
-            told.hdr = {control(kWaterMarkPage, IDC_MARK_SIZE_SPIN), IDC_MARK_SIZE_SPIN, UDN_DELTAPOS};
-            told.iPos = step.from;
-            told.iDelta = step.delta;
+        // The size before, the step, the size then.
+        for (const auto& [from, delta, to] :
+             {std::tuple{0, 1, 8}, {8, -1, 0}, {8, 1, 9}, {9, -1, 8}, {10, -5, 0}}) {
+            NMUPDOWN told = {
+                {control(kWaterMarkPage, IDC_MARK_SIZE_SPIN), IDC_MARK_SIZE_SPIN, UDN_DELTAPOS}, from, delta};
             SendMessageW(page(kWaterMarkPage), WM_NOTIFY, IDC_MARK_SIZE_SPIN,
                          reinterpret_cast<LPARAM>(&told));
-            EXPECT_EQ(told.iPos + told.iDelta, step.to) << step.from;
+            EXPECT_EQ(told.iPos + told.iDelta, to) << from;
         }
     });
 }

@@ -32,7 +32,7 @@ TEST(SafeName, TitlesBecomeFileNames) {
 TEST(SafeName, LimitsCutTheStemOnly) {
     const auto x = [](size_t times, wchar_t unit = L'x') { return std::wstring(times, unit); };
     std::wstring pairs;
-    while (pairs.size() < 400)
+    for (int pair = 0; pair < 200; ++pair)
         pairs += L"\U0001F5A8";
     const std::wstring deep = L"C:\\" + x(240), deeper = deep + x(10);
     const NameLimits units, bytes = {255, 255, 259}, few = {7, SIZE_MAX, 259};
@@ -71,25 +71,22 @@ TEST(OutputChoice, SameNameRulesWithNobodyWatching) {
 }
 
 TEST(OutputChoice, NamesThatCountTakeTheFirstFreeNumber) {
-    const auto scan = [](unsigned number) { return L"Scan " + std::to_wstring(number); };
-    const companions::WantedName counted{scan, true};
-    const auto cut = [](unsigned number) { return L"Scans of May " + std::to_wstring(number); };
+    const auto counted = [](const wchar_t* text) {
+        return companions::WantedName{[text](unsigned number) { return text + std::to_wstring(number); },
+                                      true};
+    };
     const TempFolder folder;
     for (const wchar_t* taken : {L"Scan 1.pdf", L"Scan 3.pdf", L"Scans.pdf"})
         folder.write(taken, "old");
-    EXPECT_EQ(find_free_title(folder.path(), counted, {}), L"Scan 2");
-    const NameLimits nine = {9, SIZE_MAX, 259};
-    const struct {
-        const companions::WantedName name;
-        SameName rule;
-        const wchar_t* file;
-        NameLimits limits = {};
-    } rows[] = {{counted, SameName::kOverwrite, L"Scan 2.pdf"},
-                {counted, SameName::kRefuse, L"Scan 4.pdf"},
-                {{cut, true}, SameName::kOverwrite, L"Sc(1).pdf", nine}};
-    for (const auto& row : rows) {
-        const auto file = choose_unattended(folder.path(), row.name, row.rule, row.limits);
-        EXPECT_EQ(file ? file->path : L"", folder.file(row.file));
+    EXPECT_EQ(find_free_title(folder.path(), counted(L"Scan "), {}), L"Scan 2");
+    // The text, the rule, the longest name, the file.
+    const std::tuple<const wchar_t*, SameName, NameLimits, const wchar_t*> rows[] = {
+        {L"Scan ", SameName::kOverwrite, {}, L"Scan 2.pdf"},
+        {L"Scan ", SameName::kRefuse, {}, L"Scan 4.pdf"},
+        {L"Scans of May ", SameName::kOverwrite, {9, SIZE_MAX, 259}, L"Sc(1).pdf"}};
+    for (const auto& [text, rule, limits, name] : rows) {
+        const auto file = choose_unattended(folder.path(), counted(text), rule, limits);
+        EXPECT_EQ(file ? file->path : L"", folder.file(name));
         EXPECT_TRUE(file && file->reserved);
     }
 }
@@ -153,44 +150,40 @@ TEST(OutputChoice, DialogAnswersFollowTheRule) {
             dialog.answers.push_back(folder.file(answer));
         const auto file = choose_with_dialog(dialog, folder.path(), L"Ti:tle.pdf", rule, {});
         EXPECT_EQ(file ? file->path : L"", name.empty() ? L"" : folder.file(name));
-        EXPECT_EQ(file && file->reserved, reserved);
-        EXPECT_EQ(dialog.refusals, refusals);
+        EXPECT_EQ(std::tuple(file && file->reserved, dialog.refusals, dialog.confirmed),
+                  std::tuple(reserved, refusals, rule == SameName::kAsk));
         EXPECT_EQ(dialog.offered, folder.path() + L"|Ti_tle.pdf");
-        EXPECT_EQ(dialog.confirmed, rule == SameName::kAsk);
         EXPECT_EQ(TempFolder::read(folder.file(L"old.pdf")), "old");
     }
 }
 
 TEST(OutputChoice, AFixedFolderAsksNothingUnlessTheRuleSaysSo) {
-    const struct {
-        SameName rule;
-        const wchar_t *title, *name;  // empty: no PDF; "new.pdf" is the dialog's answer
-        bool reserved;
-        size_t asked;
-        int refusals;
-    } rows[] = {{SameName::kAsk, L"free", L"free.pdf", true, 0, 0},
-                {SameName::kAsk, L"old", L"new.pdf", true, 1, 0},
-                {SameName::kOverwrite, L"old", L"old.pdf", false, 0, 0},
-                {SameName::kNumber, L"old", L"old(1).pdf", true, 0, 0},
-                {SameName::kRefuse, L"old", L"", false, 0, 1},
-                {SameName::kRefuse, L"free", L"free.pdf", true, 0, 0}};
+    // The rule, the title, the name (empty: no PDF; "new.pdf" is the dialog's answer), whether it is
+    // reserved, how often the dialog asks and refuses.
+    const std::tuple<SameName, const wchar_t*, std::wstring, bool, size_t, int> rows[] = {
+        {SameName::kAsk, L"free", L"free.pdf", true, 0, 0},
+        {SameName::kAsk, L"old", L"new.pdf", true, 1, 0},
+        {SameName::kOverwrite, L"old", L"old.pdf", false, 0, 0},
+        {SameName::kNumber, L"old", L"old(1).pdf", true, 0, 0},
+        {SameName::kRefuse, L"old", L"", false, 0, 1},
+        {SameName::kRefuse, L"free", L"free.pdf", true, 0, 0}};
     const TempFolder elsewhere;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
+    int files = 0;
+    for (const auto& [rule, title, name, reserved, asked, refusals] : rows) {
+        SCOPED_TRACE(qk::to_utf8(title) + std::to_string(static_cast<int>(rule)));
         const TempFolder folder;
         folder.write(L"old.pdf", "old");
         ScriptedDialog dialog;
         dialog.answers = {folder.file(L"new.pdf")};
-        const companions::WantedName wanted{[&row](unsigned) { return row.title; }};
-        const auto file = choose_in_folder(dialog, folder.path(), wanted, row.rule, {});
-        EXPECT_EQ(file ? file->path : L"", *row.name ? folder.file(row.name) : L"");
-        EXPECT_EQ(file && file->reserved, row.reserved);
-        EXPECT_EQ(dialog.asked, row.asked);
-        EXPECT_EQ(dialog.refusals, row.refusals);
+        const companions::WantedName wanted{[text = title](unsigned) { return text; }};
+        const auto file = choose_in_folder(dialog, folder.path(), wanted, rule, {});
+        EXPECT_EQ(file ? file->path : L"", name.empty() ? L"" : folder.file(name));
+        EXPECT_EQ(std::tuple(file && file->reserved, dialog.asked, dialog.refusals),
+                  std::tuple(reserved, asked, refusals));
         EXPECT_EQ(TempFolder::read(folder.file(L"old.pdf")), "old");
-        dialog.answers = {elsewhere.file(std::to_wstring(&row - rows))};
-        const auto other = choose_in_folder(dialog, folder.file(L"none"), wanted, row.rule, {});
-        EXPECT_EQ(other.has_value(), row.asked == 0) << "where no file can be made the dialog asks";
+        dialog.answers = {elsewhere.file(std::to_wstring(++files))};
+        const auto other = choose_in_folder(dialog, folder.file(L"none"), wanted, rule, {});
+        EXPECT_EQ(other.has_value(), asked == 0) << "where no file can be made the dialog asks";
     }
 }
 
