@@ -27,26 +27,24 @@ TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
 // Old engines leave a hole where a title has characters beyond the first plane, and end early when they
 // linearize.
 TEST_F(RenderProcess, WhatIsKeptHasBeenOpenedAgain) {
-    const struct {
-        const wchar_t *title, *password;
-        bool linearized;
-        uint32_t version;
-    } rows[] = {{L"A \U0001F600 day", L"", true, 4},
-                {L"A \U0001F600 day", L"", false, 4},
-                {L"\U0001F600", L"us\u00E9r", true, 1},
-                {L"a\xD83D", L"", true, 12},
-                {L"(a\\\r\n", L"", true, 0}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
-        settings_.summary()->Title = settings_.summary()->Author = row.title;
-        settings_.general()->Linearize = row.linearized;
-        settings_.security()->MasterPassword = *row.password ? L"own\" er" : L"";
-        settings_.security()->UserPassword = row.password;
-        settings_.pdfVersion()->Version = row.version;
+    // The title, the password, whether it is linearized, the PDF version.
+    const std::tuple<const wchar_t*, std::wstring, bool, uint32_t> rows[] = {
+        {L"A \U0001F600 day", L"", true, 4},
+        {L"A \U0001F600 day", L"", false, 4},
+        {L"\U0001F600", L"us\u00E9r", true, 1},
+        {L"a\xD83D", L"", true, 12},
+        {L"(a\\\r\n", L"", true, 0}};
+    for (const auto& [title, password, linearized, version] : rows) {
+        SCOPED_TRACE(qk::to_utf8(title) + std::to_string(version));
+        settings_.summary()->Title = settings_.summary()->Author = title;
+        settings_.general()->Linearize = linearized;
+        settings_.security()->MasterPassword = password.empty() ? L"" : L"own\" er";
+        settings_.security()->UserPassword = password;
+        settings_.pdfVersion()->Version = version;
         folder_.write(L"job.ps", kTwoPages);
         EXPECT_EQ(run(), kDone);
-        EXPECT_EQ(pdf().find("/Linearized") != std::string::npos, row.linearized);
-        EXPECT_EQ(pdf().find("/Encrypt") != std::string::npos, *row.password != L'\0');
+        EXPECT_EQ(pdf().find("/Linearized") != std::string::npos, linearized);
+        EXPECT_EQ(pdf().find("/Encrypt") == std::string::npos, password.empty());
         EXPECT_EQ(folder_.count(), 2u) << "the PDF and the setting";
     }
 }
@@ -59,24 +57,22 @@ TEST_F(RenderProcess, DamagedPdfIsNoSuccess) {
         GTEST_SKIP() << "needs the Unix system below Wine";
     settings_.pdfVersion()->Version = 1;  // its objects lie open in the file
     constexpr char kCut[] = "head -c 700 \"$out\" >\"$out.x\"; mv \"$out.x\" \"$out\"";
-    const struct {
-        const char* after;  // what becomes of the engine's PDF, in $out
-        const wchar_t *qpdf, *message;
-    } rows[] = {{kCut, L"qpdf", L"opening it again"},
-                {"sed -i 's/Count 2/Count 3/' \"$out\"", L"qpdf", L"3 pages, not 2"},
-                {kCut, L"/none/qpdf", L"end is missing"}};
-    for (const auto& row : rows) {
+    // What becomes of the engine's PDF, in $out; what reads it again, what is said.
+    const std::tuple<std::string, const wchar_t*, const wchar_t*> rows[] = {
+        {kCut, L"qpdf", L"opening it again"},
+        {"sed -i 's/Count 2/Count 3/' \"$out\"", L"qpdf", L"3 pages, not 2"},
+        {kCut, L"/none/qpdf", L"end is missing"}};
+    for (const auto& [after, qpdf, told] : rows) {
         folder_.write(L"gs",
-                      std::string("#!/bin/sh\nfor a; do case $a in -sOutputFile=*) out=${a#*=};; esac; done\n"
-                                  "out=$(printf %s \"$out\" | sed 's/%%/%/g')\ngs \"$@\" || exit\n") +
-                          row.after + "\n");
+                      "#!/bin/sh\nfor a; do case $a in -sOutputFile=*) out=${a#*=};; esac; done\n"
+                      "out=$(printf %s \"$out\" | sed 's/%%/%/g')\ngs \"$@\" || exit\n" +
+                          after + "\n");
         ASSERT_EQ(companions::wine::run_unix_program(std::vector<std::string>{"chmod", "+x", *program}), 0);
-        const Variable engine(L"ZR_GHOSTSCRIPT", qk::to_wide(*program));
-        const Variable tool(L"ZR_QPDF", row.qpdf);
+        const Variable engine(L"ZR_GHOSTSCRIPT", qk::to_wide(*program)), tool(L"ZR_QPDF", qpdf);
         folder_.write(L"job.ps", kTwoPages);
         EXPECT_EQ(run(), kFailed);
         EXPECT_EQ(error(), 1012u);
-        EXPECT_NE(message().find(row.message), std::wstring::npos) << qk::to_utf8(message());
+        EXPECT_NE(message().find(told), std::wstring::npos) << qk::to_utf8(message());
         EXPECT_EQ(TempFolder::read(old), "old");
     }
 }
@@ -118,10 +114,7 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
     ASSERT_TRUE(settings_.Save(kept_setting));
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
-        if (row.spool)
-            folder_.write(L"job.ps", row.spool);
-        else
-            DeleteFileW(spool_.c_str());
+        row.spool ? (void)folder_.write(L"job.ps", row.spool) : (void)DeleteFileW(spool_.c_str());
         settings_ = PrintSettings();
         target_ = old;
         setting_ = kept_setting;
@@ -131,8 +124,7 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
         EXPECT_EQ(run(), kFailed);
         lock_.reset();
         SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", nullptr);
-        EXPECT_EQ(error(), row.error);
-        EXPECT_EQ(result_.view()->win32_error, row.win32_error);
+        EXPECT_EQ(std::tuple(error(), result_.view()->win32_error), std::tuple(row.error, row.win32_error));
         EXPECT_NE(message().find(row.message), std::wstring::npos) << qk::to_utf8(message());
         EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
         EXPECT_EQ(result_.view()->caption.find_text(), L"Corvanta Vantrix 8.0");
