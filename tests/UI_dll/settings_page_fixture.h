@@ -8,8 +8,7 @@
 #include "common/rwPDFSet_functions.h"
 #include "support/sheet_driver.h"
 
-class SettingsPage : public EditSheet {
-protected:
+struct SettingsPage : EditSheet {
     static constexpr wchar_t kOwnFolder[] = L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\";
 
     SettingsPage() {

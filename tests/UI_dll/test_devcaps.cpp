@@ -13,8 +13,7 @@ namespace {
 
 constexpr DWORD kPapers = 9 + 4 + 1;  // the spooler's forms, the four large ones, the custom size
 
-class Devcaps : public testing::Test {
-protected:
+struct Devcaps : testing::Test {
     DWORD ask(int index, void* buffer = nullptr, HANDLE printer = FakePrinter::handle(),
               DEVMODEW* devmode = nullptr) {
         return DrvDeviceCapabilities(printer, here.printer.name.data(), static_cast<WORD>(index), buffer,

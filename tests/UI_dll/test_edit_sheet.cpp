@@ -8,8 +8,7 @@ namespace {
 using namespace pdf_settings;
 using namespace Corvanta::Vantrix::PrintSettings;
 
-class Saving : public EditSheet {
-protected:
+struct Saving : EditSheet {
     // A file of the user's with what setting() holds.
     std::wstring own_file(const wchar_t* name) {
         setting()->PSName = name;

@@ -14,8 +14,7 @@ namespace {
 using namespace pdf_settings;
 using namespace Corvanta::Vantrix::PrintSettings;
 
-class EveryField : public EditSheet {
-protected:
+struct EveryField : EditSheet {
     EveryField() { profiles.add(L"press.icc", "CMYK", "prtr", "Our press"); }
 
     static void turn_to(PageIndex index) {

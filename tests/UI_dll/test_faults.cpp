@@ -25,8 +25,7 @@ std::string text(const std::wstring& wide) {
     return '"' + qk::to_utf8(wide) + "\" ";
 }
 
-class Faults : public JobTest {
-public:
+struct Faults : JobTest {
     Faults() {
         for (const int end : {SIGABRT, SIGSEGV})
             std::signal(end, &end_all);
@@ -217,8 +216,7 @@ TEST_F(Faults, OfLoading) {
 
 // --- Sheets ---
 
-class SheetFaults : public Faults {
-protected:
+struct SheetFaults : Faults {
     SheetFaults() {
         info.pfnComPropSheet = [](HANDLE, UINT function, LPARAM what, LPARAM) -> LONG_PTR {
             if (function == CPSFUNC_ADD_PROPSHEETPAGEW)

@@ -60,8 +60,7 @@ TEST(FontRules, SearchAndListGoByNameWithoutCase) {
     EXPECT_EQ(list, (std::vector<std::wstring>{L"Courier"}));
 }
 
-class FontPage : public EditSheet {
-protected:
+struct FontPage : EditSheet {
     static HWND list(int id) { return control(kFontPage, id); }
     static int count(int id) { return ListView_GetItemCount(list(id)); }
     static void pick(int id, int row) {

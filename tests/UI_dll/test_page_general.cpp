@@ -82,8 +82,7 @@ TEST(GeneralRules, CommonPapersComeFirst) {
     EXPECT_EQ(find_list_position(forms, 77), std::nullopt);
 }
 
-class GeneralPage : public EditSheet {
-protected:
+struct GeneralPage : EditSheet {
     static inline std::wstring deleted;  // names of forms
     ImportPatch delete_form{"DeleteFormW",
                             [](HANDLE, wchar_t* name) -> BOOL { return deleted += name, TRUE; }};

@@ -13,8 +13,7 @@ using namespace pdf_settings;
 
 constexpr wchar_t kCoated[] = L"Japan Color 2001 Coated";
 
-class PDFVersionPage : public EditSheet {
-protected:
+struct PDFVersionPage : EditSheet {
     PDFVersionPage() {
         profiles.add(L"coated.icm", "CMYK", "prtr", "Japan Color 2001 Coated");
         profiles.add(L"fogra39.icc", "CMYK", "prtr", "Coated FOGRA39");

@@ -8,8 +8,7 @@ namespace {
 
 using namespace pdf_settings;
 
-class Pages : public EditSheet {
-protected:
+struct Pages : EditSheet {
     Pages() {
         profiles.add(L"press.icc", "CMYK", "prtr", "Press");
         profiles.add(L"photo.icc", "RGB ", "prtr", "Photo");
@@ -145,45 +144,37 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
 
 TEST_F(Pages, WhatCannotBeIsRefusedAndWhatItIsAboutIsTold) {
     show([] {
-        for (const wchar_t* bad : {L"0", L"1000001", L"x"}) {
-            type(kOpenActionPage, IDC_OPEN_PAGE, bad);
-            expect_check(kOpenActionPage, IDS_OPEN_BAD_PAGE, IDC_OPEN_PAGE);
+        // The page, what is clicked first (0: nothing), what is typed into which control, the message.
+        const std::tuple<PageIndex, int, int, const wchar_t*, UINT> typed[] = {
+            {kOpenActionPage, 0, IDC_OPEN_PAGE, L"0", IDS_OPEN_BAD_PAGE},
+            {kOpenActionPage, 0, IDC_OPEN_PAGE, L"1000001", IDS_OPEN_BAD_PAGE},
+            {kOpenActionPage, 0, IDC_OPEN_PAGE, L"x", IDS_OPEN_BAD_PAGE},
+            {kOpenActionPage, 0, IDC_OPEN_PAGE, L"1000000", 0},
+            {kOpenActionPage, IDC_OPEN_AT_PAGE, IDC_OPEN_PAGE, L"0", 0},  // none at all
+            {kWaterMarkPage, 0, IDC_MARK_SIZE, L"7", 0},                  // there is no watermark
+            {kWaterMarkPage, IDC_MARK_TEXT, IDC_MARK_SIZE, L"7", IDS_MARK_BAD_SIZE},
+            {kWaterMarkPage, 0, IDC_MARK_SIZE, L"501", IDS_MARK_BAD_SIZE},
+            {kWaterMarkPage, 0, IDC_MARK_SIZE, L"8", 0},
+            {kWaterMarkPage, 0, IDC_MARK_TRANSPARENCY, L"101", IDS_MARK_BAD_TRANSPARENCY},
+            {kWaterMarkPage, 0, IDC_MARK_TRANSPARENCY, L"100", 0},
+            {kWaterMarkPage, IDC_MARK_PICTURE, IDC_MARK_FILE, L"", IDS_MARK_NO_FILE},
+            {kWaterMarkPage, 0, IDC_MARK_FILE, L"C:\\windows\\win.ini", IDS_MARK_NO_PICTURE},
+            // As on another computer: not asked.
+            {kWaterMarkPage, 0, IDC_MARK_FILE, L"\\\\?\\C:\\windows\\win.ini", 0},
+            {kWaterMarkPage, IDC_MARK_AUTO_SCALE, IDC_MARK_SCALE, L"0", IDS_MARK_BAD_SCALE},
+            {kWaterMarkPage, 0, IDC_MARK_SCALE, L"6401", IDS_MARK_BAD_SCALE},
+            {kWaterMarkPage, 0, IDC_MARK_SCALE, L"6400", 0}};
+        for (const auto& [page, clicked, control, words, message] : typed) {
+            SCOPED_TRACE(qk::to_utf8(words) + " into " + std::to_string(control));
+            if (clicked)
+                click(page, clicked);
+            type(page, control, words);
+            expect_check(page, message, control);
         }
-        type(kOpenActionPage, IDC_OPEN_PAGE, L"1000000");
-        expect_check(kOpenActionPage, 0);
-        type(kOpenActionPage, IDC_OPEN_PAGE, L"0");
-        click(kOpenActionPage, IDC_OPEN_AT_PAGE);  // none at all
-        expect_check(kOpenActionPage, 0);
-
         click(kFontPage, IDC_FONT_ONLY);
         expect_check(kFontPage, IDS_FONT_NONE_LISTED, IDC_FONT_INSTALLED);
         click(kFontPage, IDC_FONT_ALL_BUT);
         expect_check(kFontPage, 0);
-
-        type(kWaterMarkPage, IDC_MARK_SIZE, L"7");
-        expect_check(kWaterMarkPage, 0);  // there is no watermark
-        click(kWaterMarkPage, IDC_MARK_TEXT);
-        expect_check(kWaterMarkPage, IDS_MARK_BAD_SIZE, IDC_MARK_SIZE);
-        type(kWaterMarkPage, IDC_MARK_SIZE, L"501");
-        expect_check(kWaterMarkPage, IDS_MARK_BAD_SIZE, IDC_MARK_SIZE);
-        type(kWaterMarkPage, IDC_MARK_SIZE, L"8");
-        type(kWaterMarkPage, IDC_MARK_TRANSPARENCY, L"101");
-        expect_check(kWaterMarkPage, IDS_MARK_BAD_TRANSPARENCY, IDC_MARK_TRANSPARENCY);
-        click(kWaterMarkPage, IDC_MARK_PICTURE);
-        expect_check(kWaterMarkPage, IDS_MARK_NO_FILE, IDC_MARK_FILE);
-        type(kWaterMarkPage, IDC_MARK_FILE, L"C:\\windows\\win.ini");
-        expect_check(kWaterMarkPage, IDS_MARK_NO_PICTURE, IDC_MARK_FILE);
-        type(kWaterMarkPage, IDC_MARK_FILE,
-             L"\\\\?\\C:\\windows\\win.ini");  // as on another computer: not asked
-        click(kWaterMarkPage, IDC_MARK_AUTO_SCALE);
-        for (const wchar_t* bad : {L"0", L"6401"}) {
-            type(kWaterMarkPage, IDC_MARK_SCALE, bad);
-            expect_check(kWaterMarkPage, IDS_MARK_BAD_SCALE, IDC_MARK_SCALE);
-        }
-        type(kWaterMarkPage, IDC_MARK_SCALE, L"6400");
-        type(kWaterMarkPage, IDC_MARK_TRANSPARENCY, L"100");
-        expect_check(kWaterMarkPage, 0);
-
         click(kSecuritiesPage, IDC_SEC_USE_OPEN);
         click(kSecuritiesPage, IDC_SEC_USE_PERMISSIONS);
         type_passwords(L"x", L"y z");
@@ -195,55 +186,50 @@ TEST_F(Pages, WhatCannotBeIsRefusedAndWhatItIsAboutIsTold) {
         type_passwords(L"x", L"y");
         expect_check(kSecuritiesPage, 0);
 
-        const struct {
-            int method, sampling;
-            const wchar_t *quality, *threshold, *target;
-            UINT message;  // 0: accepted
-            int focus;
-        } images[] = {{1, 2, L"100", L"150", L"150", 0, 0},
-                      {1, 2, L"100", L"149", L"150", IDS_CMP_TARGET_ABOVE, CMP_TARGET},
-                      {1, 2, L"101", L"150", L"150", IDS_CMP_BAD_QUALITY, CMP_QUALITY},
-                      {1, 2, L"", L"150", L"150", IDS_CMP_BAD_QUALITY, CMP_QUALITY},
-                      {2, 2, L"101", L"24000", L"10", 0, 0},
-                      {2, 2, L"0", L"24001", L"10", IDS_CMP_BAD_RESOLUTION, CMP_THRESHOLD},
-                      {2, 2, L"0", L"100", L"9", IDS_CMP_BAD_RESOLUTION, CMP_TARGET},
-                      {2, 0, L"0", L"9", L"x", 0, 0}};
-        for (const auto& row : images) {
-            SCOPED_TRACE(&row - images);
-            set_image(IDC_CMP_GREY, row.method, row.sampling);
-            type(kCompressPage, IDC_CMP_GREY + CMP_QUALITY, row.quality);
-            type(kCompressPage, IDC_CMP_GREY + CMP_THRESHOLD, row.threshold);
-            type(kCompressPage, IDC_CMP_GREY + CMP_TARGET, row.target);
-            expect_check(kCompressPage, row.message, IDC_CMP_GREY + row.focus);
+        // The method and the sampling, the quality, the threshold, the target; the message (0: accepted), the
+        // focus.
+        using Text = const wchar_t*;
+        const std::tuple<int, int, Text, Text, Text, UINT, int> images[] = {
+            {1, 2, L"100", L"150", L"150", 0, 0},
+            {1, 2, L"100", L"149", L"150", IDS_CMP_TARGET_ABOVE, CMP_TARGET},
+            {1, 2, L"101", L"150", L"150", IDS_CMP_BAD_QUALITY, CMP_QUALITY},
+            {1, 2, L"", L"150", L"150", IDS_CMP_BAD_QUALITY, CMP_QUALITY},
+            {2, 2, L"101", L"24000", L"10", 0, 0},
+            {2, 2, L"0", L"24001", L"10", IDS_CMP_BAD_RESOLUTION, CMP_THRESHOLD},
+            {2, 2, L"0", L"100", L"9", IDS_CMP_BAD_RESOLUTION, CMP_TARGET},
+            {2, 0, L"0", L"9", L"x", 0, 0}};
+        for (const auto& [method, sampling, quality, threshold, target, message, focus] : images) {
+            SCOPED_TRACE(qk::to_utf8(quality + (L' ' + std::wstring(threshold)) + L' ' + target));
+            set_image(IDC_CMP_GREY, method, sampling);
+            type(kCompressPage, IDC_CMP_GREY + CMP_QUALITY, quality);
+            type(kCompressPage, IDC_CMP_GREY + CMP_THRESHOLD, threshold);
+            type(kCompressPage, IDC_CMP_GREY + CMP_TARGET, target);
+            expect_check(kCompressPage, message, IDC_CMP_GREY + focus);
         }
     });
 }
 
 TEST_F(Pages, NumbersKeepToTheirRange) {
-    const struct {
-        PageIndex page;
-        int up_down;
-        int low, high;
-        LRESULT units;
-    } rows[] = {{kColorPage, IDC_IMAGE_THRESHOLD_SPIN, 0, 255, 3},
-                {kColorPage, IDC_TEXT_THRESHOLD_SPIN, 0, 255, 3},
-                {kCompressPage, IDC_CMP_COLOUR + CMP_QUALITY_SPIN, 0, 100, 3},
-                {kCompressPage, IDC_CMP_GREY + CMP_QUALITY_SPIN, 0, 100, 3},
-                {kOpenActionPage, IDC_OPEN_PAGE_SPIN, 1, 1000000, 7},
-                {kWaterMarkPage, IDC_MARK_SIZE_SPIN, 0, 500, 3},
-                {kWaterMarkPage, IDC_MARK_SCALE_SPIN, 1, 6400, 4},
-                {kWaterMarkPage, IDC_MARK_TRANSPARENCY_SPIN, 0, 100, 3}};
+    // The page, the up-down control, its range, the most digits.
+    const std::tuple<PageIndex, int, int, int, LRESULT> rows[] = {
+        {kColorPage, IDC_IMAGE_THRESHOLD_SPIN, 0, 255, 3},
+        {kColorPage, IDC_TEXT_THRESHOLD_SPIN, 0, 255, 3},
+        {kCompressPage, IDC_CMP_COLOUR + CMP_QUALITY_SPIN, 0, 100, 3},
+        {kCompressPage, IDC_CMP_GREY + CMP_QUALITY_SPIN, 0, 100, 3},
+        {kOpenActionPage, IDC_OPEN_PAGE_SPIN, 1, 1000000, 7},
+        {kWaterMarkPage, IDC_MARK_SIZE_SPIN, 0, 500, 3},
+        {kWaterMarkPage, IDC_MARK_SCALE_SPIN, 1, 6400, 4},
+        {kWaterMarkPage, IDC_MARK_TRANSPARENCY_SPIN, 0, 100, 3}};
     show([&] {
-        for (const auto& row : rows) {
-            SCOPED_TRACE(row.up_down);
-            const HWND spin = control(row.page, row.up_down);
+        for (const auto& [page, up_down, lowest, highest, digits] : rows) {
+            SCOPED_TRACE(up_down);
+            const HWND spin = control(page, up_down);
             int low = -1, high = -1;
             SendMessageW(spin, UDM_GETRANGE32, reinterpret_cast<WPARAM>(&low),
                          reinterpret_cast<LPARAM>(&high));
-            EXPECT_EQ(low, row.low);
-            EXPECT_EQ(high, row.high);
+            EXPECT_EQ(std::pair(low, high), std::pair(lowest, highest));
             const auto edit = reinterpret_cast<HWND>(SendMessageW(spin, UDM_GETBUDDY, 0, 0));
-            EXPECT_EQ(SendMessageW(edit, EM_GETLIMITTEXT, 0, 0), row.units);
+            EXPECT_EQ(SendMessageW(edit, EM_GETLIMITTEXT, 0, 0), digits);
         }
         click(kColorPage, 4904);
         type(kColorPage, 4911, L"300");

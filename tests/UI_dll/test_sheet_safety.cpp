@@ -5,8 +5,7 @@ namespace {
 
 using namespace pdf_settings;
 
-class SheetSafety : public EditSheet {
-protected:
+struct SheetSafety : EditSheet {
     static bool says(const std::wstring& text) {
         return Outbox::boxes.back().text.find(text) != std::wstring::npos;
     }

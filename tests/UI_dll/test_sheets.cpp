@@ -44,8 +44,7 @@ struct Asked {
     PROPSHEETUI_INFO info;
 };
 
-class Sheet : public testing::Test, protected Asked {
-protected:
+struct Sheet : testing::Test, Asked {
     Sheet() : Asked(asked(&DrvDocumentPropertySheets, &header)) {
         added.clear();
         added_sheet = {};

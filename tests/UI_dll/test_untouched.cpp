@@ -14,8 +14,7 @@ namespace {
 
 using namespace pdf_settings;
 
-class Untouched : public EditSheet {
-protected:
+struct Untouched : EditSheet {
     Untouched() { profiles.add(L"press.icc", "CMYK", "prtr", "Our press"); }
 
     ProfileFolder profiles;

@@ -38,8 +38,7 @@ TEST(ViewBoxRules, PageFollowsPaperAndOrientation) {
 }
 
 // The page of the loaded setting, drawn into a bitmap whose bits can be read.
-class PageDrawing : public EditSheet {
-protected:
+struct PageDrawing : EditSheet {
     static constexpr int kWidth = 216;  // with the shadow's room the page is 210 x 297
     static constexpr int kHeight = 303;
 

@@ -138,8 +138,7 @@ LONG APIENTRY restarts(CPSUICBPARAM* parameter) {
 }
 
 // The texts of the pages are the module's.
-class CompstuiSheet : public testing::Test {
-protected:
+struct CompstuiSheet : testing::Test {
     CompstuiSheet() { EXPECT_TRUE(plotui::attach_process(GetModuleHandleW(nullptr))); }
     ~CompstuiSheet() override { plotui::detach_process(false); }
 };

@@ -9,8 +9,7 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
 
-class HostProcess : public testing::Test {
-protected:
+struct HostProcess : testing::Test {
     HostProcess() { EXPECT_EQ(run(L"install --notify-channels 8"), 0); }
 
     // Runs the program with --json; what it reports is in `report_`.

@@ -10,8 +10,7 @@
 
 namespace {
 
-class PrintProcessor : public testing::Test {
-protected:
+struct PrintProcessor : testing::Test {
     template <class Function>
     Function* find(const char* name) const {
         Function* function = qk::find_export<Function>(library.get(), name);

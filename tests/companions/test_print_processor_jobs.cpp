@@ -62,8 +62,7 @@ HWND await_window(DWORD process, int has, int lacks) {
     return found;
 }
 
-class PrintProcessorJob : public testing::Test {
-protected:
+struct PrintProcessorJob : testing::Test {
     PrintProcessorJob() {
         EXPECT_EQ(run_built(L"zr_print.exe", L"zr_print install --notify-channels 8"), 0);
         EXPECT_TRUE(OpenPrinterW(name_.data(), printer_.put(), nullptr));

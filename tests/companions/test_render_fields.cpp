@@ -84,8 +84,7 @@ std::string pixel(const std::string& place) {
            " -depth 8 txt:- | grep -o '#[0-9A-F][0-9A-F]*'";
 }
 
-class RenderFields : public RenderProcess {
-public:
+struct RenderFields : RenderProcess {
     // What the command prints about the PDF, its lines joined by blanks.
     [[nodiscard]] std::string ask(const std::string& question) const {
         using companions::wine::find_unix_path;

@@ -117,8 +117,7 @@ TEST(RenderRules, TextsOfTheResultGoWhereTheyFit) {
     }
 }
 
-class EngineRun : public testing::Test {
-protected:
+struct EngineRun : testing::Test {
     void SetUp() override {
         if (!companions::wine::present())
             GTEST_SKIP() << "needs the Unix system below Wine";

@@ -187,8 +187,7 @@ TEST(OutputChoice, AFixedFolderAsksNothingUnlessTheRuleSaysSo) {
     }
 }
 
-class Tessalo : public testing::Test {
-protected:
+struct Tessalo : testing::Test {
     Tessalo() {
         record_.title.set_in_place(L"Title");
         record_.settings = &settings_;
