@@ -14,10 +14,8 @@ namespace {
 constexpr DWORD kPapers = 9 + 4 + 1;  // the spooler's forms, the four large ones, the custom size
 
 struct Devcaps : testing::Test {
-    DWORD ask(int index, void* buffer = nullptr, HANDLE printer = FakePrinter::handle(),
-              DEVMODEW* devmode = nullptr) {
-        return DrvDeviceCapabilities(printer, here.printer.name.data(), static_cast<WORD>(index), buffer,
-                                     devmode);
+    DWORD ask(int index, void* to = nullptr, HANDLE printer = FakePrinter::handle(), DEVMODEW* dm = nullptr) {
+        return DrvDeviceCapabilities(printer, here.printer.name.data(), static_cast<WORD>(index), to, dm);
     }
     Installation here;
 };

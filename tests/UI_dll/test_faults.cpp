@@ -87,7 +87,7 @@ protected:
                 fail_one(batch[i / 2]);
                 const std::string left = state();
                 EXPECT_TRUE(i % 2 == 0 || left == before)
-                    << failing << "\nleft " << left << "\nnot  " << before;
+                    << failing << "\nis " << left << "\nnot  " << before;
                 before = left;
             }
         }
@@ -170,8 +170,7 @@ TEST_F(Faults, OfAJob) {
             record->error_code = 1, record->win32_error = failure = 5;
             record->message.set_in_place(L"failed");
         }
-        expect(send(DOCUMENTEVENT_ENDDOCPOST) == Left{DOCUMENTEVENT_SUCCESS, failure},
-               "not the record's end");
+        expect(send(DOCUMENTEVENT_ENDDOCPOST) == Left{DOCUMENTEVENT_SUCCESS, failure}, "not as recorded");
         expect(is_clean(), "something of the job stays");
         for (const Outbox::Box& box : Outbox::boxes)
             left += text(box.caption) + text(box.text);
@@ -232,10 +231,9 @@ struct SheetFaults : Faults {
         setting->PSName = name;
         EXPECT_TRUE(setting.Save(path));
     }
-    std::string send(PFNPROPSHEETUI sheet, PROPSHEETUI_INFO& to, WORD reason,
-                     const void* parameter = nullptr) const {
-        to.Reason = reason;
-        return std::to_string(sheet(&to, reinterpret_cast<LPARAM>(parameter))) + " ";
+    std::string send(PFNPROPSHEETUI sheet, PROPSHEETUI_INFO& to, WORD why, const void* what = nullptr) const {
+        to.Reason = why;
+        return std::to_string(sheet(&to, reinterpret_cast<LPARAM>(what))) + " ";
     }
     // A sheet from INIT to DESTROY, with what is done in between.
     std::string with_sheet(const Scene& act) {

@@ -3,8 +3,6 @@
 #include "UI_dll/PDFSettings/list_rules.h"
 #include "support/prelude.h"
 
-namespace {
-
 using namespace pdf_settings;
 
 TEST(ListRules, CopiesGetTheFirstFreeName) {
@@ -70,5 +68,3 @@ TEST(ListRules, NamesBecomeSafeFileNames) {
     for (const auto& [name, file] : kRows)
         EXPECT_EQ(file_name_of(name), file);
 }
-
-}  // namespace

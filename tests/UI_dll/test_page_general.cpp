@@ -84,8 +84,7 @@ TEST(GeneralRules, CommonPapersComeFirst) {
 
 struct GeneralPage : EditSheet {
     static inline std::wstring deleted;  // names of forms
-    ImportPatch delete_form{"DeleteFormW",
-                            [](HANDLE, wchar_t* name) -> BOOL { return deleted += name, TRUE; }};
+    ImportPatch delete_form{"DeleteFormW", [](HANDLE, wchar_t* it) -> BOOL { return deleted += it, TRUE; }};
     static auto& general() { return *setting().general(); }
 };
 

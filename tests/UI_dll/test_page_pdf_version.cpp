@@ -101,8 +101,7 @@ TEST_F(PDFVersionPage, ChoiceOfProfileSurvivesTheRefill) {
 }
 
 TEST_F(PDFVersionPage, ProfileThatIsNotListedStaysUntilAnotherIsChosen) {
-    const std::wstring path =
-        profiles.files.write(L"own.icc", ProfileFolder::profile("CMYK", "prtr", "Our press"));
+    const auto path = profiles.files.write(L"own.icc", ProfileFolder::profile("CMYK", "prtr", "Our press"));
     setting().pdfVersion()->ICCFileName = path;
     setting().pdfVersion()->Version = 6;
     show([&] {

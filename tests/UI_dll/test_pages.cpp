@@ -93,8 +93,7 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
         set_image(kColour, 1, 0);
         expect_offer(kCompressPage, {kQuality}, {kThreshold, kTarget});
 
-        const std::vector<int> low = {IDC_SEC_NO_PRINT, IDC_SEC_NO_MODIFY, IDC_SEC_NO_COPY,
-                                      IDC_SEC_NO_ANNOTATE};
+        const std::vector low = {IDC_SEC_NO_PRINT, IDC_SEC_NO_MODIFY, IDC_SEC_NO_COPY, IDC_SEC_NO_ANNOTATE};
         const std::vector<int> high = {IDC_SEC_COPY,       IDC_SEC_READER, IDC_SEC_EDIT,
                                        IDC_SEC_EDIT_LABEL, IDC_SEC_PRINT,  IDC_SEC_PRINT_LABEL};
         const std::vector<int> uses = {IDC_SEC_USE_OPEN, IDC_SEC_USE_PERMISSIONS};
@@ -223,12 +222,11 @@ TEST_F(Pages, NumbersKeepToTheirRange) {
     show([&] {
         for (const auto& [page, up_down, lowest, highest, digits] : rows) {
             SCOPED_TRACE(up_down);
-            const HWND spin = control(page, up_down);
+            const HWND up = control(page, up_down);
             int low = -1, high = -1;
-            SendMessageW(spin, UDM_GETRANGE32, reinterpret_cast<WPARAM>(&low),
-                         reinterpret_cast<LPARAM>(&high));
+            SendMessageW(up, UDM_GETRANGE32, reinterpret_cast<WPARAM>(&low), reinterpret_cast<LPARAM>(&high));
             EXPECT_EQ(std::pair(low, high), std::pair(lowest, highest));
-            const auto edit = reinterpret_cast<HWND>(SendMessageW(spin, UDM_GETBUDDY, 0, 0));
+            const auto edit = reinterpret_cast<HWND>(SendMessageW(up, UDM_GETBUDDY, 0, 0));
             EXPECT_EQ(SendMessageW(edit, EM_GETLIMITTEXT, 0, 0), digits);
         }
         click(kColorPage, 4904);

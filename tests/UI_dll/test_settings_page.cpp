@@ -1,8 +1,6 @@
 #include "UI_dll/settings_page_fixture.h"
 #include "common/qk/registry.h"
 
-namespace {
-
 using namespace pdf_settings;
 using ps::ReadName;
 
@@ -252,5 +250,3 @@ TEST_F(SettingsPage, PrintersSettingIsInSightAmongMany) {
     EXPECT_TRUE(row >= top && row < top + ListView_GetCountPerPage(list())) << row << " from " << top;
     EXPECT_EQ(ListView_GetNextItem(list(), -1, LVNI_FOCUSED), row);
 }
-
-}  // namespace

@@ -65,11 +65,10 @@ TEST_F(SheetSafety, ArrowsStepOverSizesThatCannotBe) {
         // The size before, the step, the size then.
         for (const auto& [from, delta, to] :
              {std::tuple{0, 1, 8}, {8, -1, 0}, {8, 1, 9}, {9, -1, 8}, {10, -5, 0}}) {
-            NMUPDOWN told = {
+            NMUPDOWN set = {
                 {control(kWaterMarkPage, IDC_MARK_SIZE_SPIN), IDC_MARK_SIZE_SPIN, UDN_DELTAPOS}, from, delta};
-            SendMessageW(page(kWaterMarkPage), WM_NOTIFY, IDC_MARK_SIZE_SPIN,
-                         reinterpret_cast<LPARAM>(&told));
-            EXPECT_EQ(told.iPos + told.iDelta, to) << from;
+            SendMessageW(page(kWaterMarkPage), WM_NOTIFY, IDC_MARK_SIZE_SPIN, reinterpret_cast<LPARAM>(&set));
+            EXPECT_EQ(set.iPos + set.iDelta, to) << from;
         }
     });
 }

@@ -50,9 +50,8 @@ struct Sheet : testing::Test, Asked {
         added_sheet = {};
     }
     static Asked asked(PFNPROPSHEETUI function, void* header) {
-        const auto first = reinterpret_cast<LPARAM>(header);
-        return {function,
-                {sizeof info, PROPSHEETUI_INFO_VERSION, 0, 0, nullptr, &note_addition, first, 0, 0}};
+        const auto to = reinterpret_cast<LPARAM>(header);
+        return {function, {sizeof info, PROPSHEETUI_INFO_VERSION, 0, 0, nullptr, &note_addition, to, 0, 0}};
     }
 
     Installation here;
@@ -289,13 +288,12 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
             [&] { return sheet() != nullptr; },
             [&] {
                 if (!is_alone) {
-                    const HWND options = page(0);
-                    EXPECT_EQ(pdf_settings::control_text(options, 8021),
-                              qk::load_string(IDS_SETTING_IN_FORCE));
+                    const HWND front = page(0);
+                    EXPECT_EQ(pdf_settings::control_text(front, 8021), qk::load_string(IDS_SETTING_IN_FORCE));
                     wchar_t text[100] = {};
-                    SendDlgItemMessageW(options, 8022, LB_GETTEXT, 0, reinterpret_cast<LPARAM>(text));
+                    SendDlgItemMessageW(front, 8022, LB_GETTEXT, 0, reinterpret_cast<LPARAM>(text));
                     EXPECT_STREQ(text, L"Standard");
-                    EXPECT_TRUE(GetDlgItem(options, 8020) && GetDlgItem(options, 8023));
+                    EXPECT_TRUE(GetDlgItem(front, 8020) && GetDlgItem(front, 8023));
                 }
                 const HWND list = GetDlgItem(page(1 - is_alone), IDC_SETTINGS_LIST);
                 EXPECT_EQ(ListView_GetItemCount(list), 2);
@@ -382,10 +380,9 @@ TEST(SettingToDevmode, PaperOrientationAndResolutionAreCopied) {
     general.PaperWidth = 148.0f;
     DEVMODEW dm = {};
     copy_setting(settings, forms, dm);
-    const short numbers[] = {dm.dmScale, dm.dmPrintQuality, dm.dmOrientation, dm.dmPaperSize,
-                             dm.dmPaperWidth};
-    EXPECT_TRUE(std::ranges::equal(numbers, std::array{50, 1200, DMORIENT_LANDSCAPE, 11, 1480}))
-        << testing::PrintToString(numbers);
+    const short all[] = {dm.dmScale, dm.dmPrintQuality, dm.dmOrientation, dm.dmPaperSize, dm.dmPaperWidth};
+    EXPECT_TRUE(std::ranges::equal(all, std::array{50, 1200, DMORIENT_LANDSCAPE, 11, 1480}))
+        << testing::PrintToString(all);
     EXPECT_STREQ(dm.dmFormName, L"A5");
     settings.addition()->Str[L"PaperName"] = L"My paper";
     copy_setting(settings, forms, dm);

@@ -49,8 +49,7 @@ struct Player {
             case PROPSHEETUI_REASON_INIT:
                 return player.add(*info), player.init_answer;
             case PROPSHEETUI_REASON_GET_INFO_HEADER:
-                reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter)->pTitle =
-                    const_cast<wchar_t*>(L"Sheet");
+                reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter)->pTitle = const_cast<wchar_t*>(L"Any");
                 return player.header_answer;
             case PROPSHEETUI_REASON_SET_RESULT: {
                 const auto& taken = *reinterpret_cast<const SETRESULT_INFO*>(parameter);
@@ -245,10 +244,9 @@ TEST_F(CompstuiSheet, HasRoomForItsLargestPage) {
     PROPSHEETPAGEW pages[] = {plain_page(), plain_page()};
     pages[1].pResource = reinterpret_cast<const DLGTEMPLATE*>(large);
     RECT wanted = {}, room = {}, tabs = {}, button = {}, sheet = {};
-    const HWND alone =
-        CreateDialogIndirectParamW(nullptr, pages[1].pResource, GetDesktopWindow(), nullptr, 0);
-    GetClientRect(alone, &wanted);
-    DestroyWindow(alone);
+    const HWND one = CreateDialogIndirectParamW(nullptr, pages[1].pResource, GetDesktopWindow(), nullptr, 0);
+    GetClientRect(one, &wanted);
+    DestroyWindow(one);
     ASSERT_GT(wanted.bottom, 0);
     Player player;
     player.add = [&](PROPSHEETUI_INFO& info) {

@@ -42,10 +42,9 @@ TEST(HostFiles, TargetsAreBroughtUpToDate) {
         {nullptr, 0, false, CopyOutcome::kCopied, "new"}, {"new", 9, false, CopyOutcome::kUpToDate, "new"},
         {"old", 9, false, CopyOutcome::kReplaced, "new"}, {"odd", 1, false, CopyOutcome::kReplaced, "new"},
         {"mine", 1, true, CopyOutcome::kKept, "mine"},    {"old", 9, true, CopyOutcome::kReplaced, "new"}};
-    for (const auto& [target, days, keep_newer, outcome, after] : rows) {
+    for (const auto& [target, days, keeps, outcome, after] : rows) {
         const TempFolder folder;
-        const host::FileCopy copy = {folder.write(L"source", "new"), folder.file(L"deep\\er\\target"),
-                                     keep_newer};
+        const host::FileCopy copy = {folder.write(L"source", "new"), folder.file(L"deep\\er\\target"), keeps};
         set_age(copy.source, 5);
         if (target) {
             ASSERT_TRUE(ForceDirectories(folder.file(L"deep\\er")));

@@ -33,8 +33,7 @@ struct HostProcess : testing::Test {
 
     [[nodiscard]] std::string text(const char* key) const { return report_.get(key).to_str(); }
     // The values of the report's keys, each with a blank behind it.
-    [[nodiscard]] static std::string told(const picojson::value& object,
-                                          std::initializer_list<const char*> keys) {
+    [[nodiscard]] std::string told(const picojson::value& object, std::initializer_list<const char*> keys) {
         std::string all;
         for (const char* key : keys)
             all += object.get(key).to_str() + ' ';

@@ -1,8 +1,6 @@
 #include "companions/host/page_layout.h"
 #include "companions/host/text_file.h"
 
-namespace {
-
 using host::Encoding;
 using namespace std::string_literals;
 
@@ -51,5 +49,3 @@ TEST(HostText, PagesAreFilled) {
         EXPECT_EQ(host::paginate(text, {2, fits}), pages) << label;
     }
 }
-
-}  // namespace

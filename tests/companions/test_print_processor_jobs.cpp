@@ -235,8 +235,7 @@ TEST_F(PrintProcessorJob, DrawingKeepsItsPaperAndItsParts) {
     }
     // The line alone, above the text, at fifty dots an inch: five of its rows, three hundred of its columns.
     const std::string pixmap = ask(pdf_, "pdftoppm -r 50 -gray -y 15 -H 35 \"$1\"");
-    EXPECT_GT(std::ranges::count_if(pixmap, [](char pixel) { return static_cast<BYTE>(pixel) < 0x80; }),
-              1000);
+    EXPECT_GT(std::ranges::count_if(pixmap, [](char dot) { return static_cast<BYTE>(dot) < 0x80; }), 1000);
 }
 
 constexpr wchar_t kTurnToSpool[] = L"zr_tests.spooling";

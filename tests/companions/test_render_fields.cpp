@@ -13,8 +13,7 @@ namespace ps = Corvanta::Vantrix::PrintSettings;
 using Settings = ps::PrintSettings;
 
 // A picture as Wine's PostScript driver spools it: run lengths of 1 to 128 bytes, in ASCII.
-std::string picture(int left, const char* decode, const char* operation, size_t row,
-                    uint8_t (*sample)(size_t)) {
+std::string picture(int left, const char* decode, const char* paint, size_t row, uint8_t (*sample)(size_t)) {
     constexpr size_t kSide = 64;
     std::vector<uint8_t> packed;
     for (size_t i = 0; i < kSide * row; ++i) {
@@ -26,8 +25,8 @@ std::string picture(int left, const char* decode, const char* operation, size_t 
     return "gsave " + std::to_string(left) +
            " 500 translate 100 100 scale\n<<\n /ImageType 1\n /Width 64\n /Height 64\n /BitsPerComponent " +
            (row == 8 ? "1" : "8") + "\n /ImageMatrix [64 0 0 -64 0 64]\n /Decode " + decode +
-           "\n /DataSource currentfile /ASCII85Decode filter /RunLengthDecode filter\n>>\n" + operation +
-           "\n" + companions::render::to_ascii85(packed) + "\ngrestore\n";
+           "\n /DataSource currentfile /ASCII85Decode filter /RunLengthDecode filter\n>>\n" + paint + "\n" +
+           companions::render::to_ascii85(packed) + "\ngrestore\n";
 }
 
 // A page of text with pictures in colour, in grey and in black and white, an empty one, and one of text.

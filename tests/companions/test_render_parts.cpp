@@ -124,8 +124,7 @@ struct EngineRun : testing::Test {
     }
     Engine::End run(const wchar_t* program, const std::vector<std::string>& arguments) {
         output_.clear();
-        return Engine(program).run(arguments, scratch_.path(),
-                                   [this](std::string_view bytes) { output_ += bytes; });
+        return Engine(program).run(arguments, scratch_.path(), [this](auto bytes) { output_ += bytes; });
     }
 
     const ScratchFolder scratch_;

@@ -5,8 +5,6 @@
 #include "support/render_process.h"
 #include "support/variable.h"
 
-namespace {
-
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
 
 TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
@@ -19,8 +17,7 @@ TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
     EXPECT_TRUE(pdf().starts_with("%PDF-1.4"));
     EXPECT_NE(pdf().find("/Count 2"), std::string::npos);
-    EXPECT_EQ(pdf().find("own title"), std::string::npos)
-        << "the job's is there, which the renderer looked for";
+    EXPECT_EQ(pdf().find("own title"), std::string::npos) << "the job's is there";
     EXPECT_TRUE(DeleteFileW(spool_.c_str())) << "it was to be kept";
 }
 
@@ -80,7 +77,7 @@ TEST_F(RenderProcess, DamagedPdfIsNoSuccess) {
 TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
     using Job = RenderProcess;
     static constexpr char kUnusable[] =
-        R"({"PDFVersion": {"Version": 3}, "Security": {"UserPassword": "\u65E5"}})";
+        R"({"PDFVersion": {"Version":3}, "Security": {"UserPassword": "\u65E5"}})";
     const struct {
         const char* spool;  // null: missing
         uint32_t error, win32_error;
@@ -151,5 +148,3 @@ TEST_F(RenderProcess, WrongCallsTouchNothing) {
     EXPECT_EQ(run_built(kRenderer, L"zr_render --thread 4294967295 --printer P --spool s"), 3);
     EXPECT_EQ(error(), 0u);
 }
-
-}  // namespace

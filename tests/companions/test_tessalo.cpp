@@ -13,11 +13,7 @@
 
 namespace {
 
-using companions::choose_unattended;
-using companions::choose_with_dialog;
-using companions::find_safe_path;
-using companions::NameLimits;
-using companions::SameName;
+using namespace companions;
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
 
 // What becomes of bad characters and devices is seen where settings get their names.
@@ -62,7 +58,7 @@ TEST(OutputChoice, SameNameRulesWithNobodyWatching) {
         const TempFolder folder;
         if (exists)
             folder.write(L"a.pdf", "old");
-        const auto file = choose_unattended(folder.path(), L"a", companions::same_name_rule(code), {});
+        const auto file = choose_unattended(folder.path(), L"a", same_name_rule(code), {});
         EXPECT_EQ(file ? file->path : L"", name ? folder.file(name) : L"");
         EXPECT_EQ(file && file->reserved, reserved);
         EXPECT_EQ(TempFolder::read(folder.file(L"a.pdf")), exists ? "old" : "");
@@ -72,8 +68,7 @@ TEST(OutputChoice, SameNameRulesWithNobodyWatching) {
 
 TEST(OutputChoice, NamesThatCountTakeTheFirstFreeNumber) {
     const auto counted = [](const wchar_t* text) {
-        return companions::WantedName{[text](unsigned number) { return text + std::to_wstring(number); },
-                                      true};
+        return WantedName{[text](unsigned at) { return text + std::to_wstring(at); }, true};
     };
     const TempFolder folder;
     for (const wchar_t* taken : {L"Scan 1.pdf", L"Scan 3.pdf", L"Scans.pdf"})
@@ -94,7 +89,7 @@ TEST(OutputChoice, NamesThatCountTakeTheFirstFreeNumber) {
 TEST(OutputChoice, JobsOfOneTitleAtOnceGetNamesOfTheirOwn) {
     const TempFolder folder;
     std::atomic<int> reserved = 0;
-    std::vector<companions::Thread> threads;
+    std::vector<Thread> threads;
     for (int i = 0; i < 8; ++i)
         threads.emplace_back([&] {
             for (int job = 0; job < 25; ++job) {
@@ -109,13 +104,12 @@ TEST(OutputChoice, JobsOfOneTitleAtOnceGetNamesOfTheirOwn) {
 }
 
 // Answers as a user would, and notes what the dialog was asked to do.
-class ScriptedDialog final : public companions::SaveDialog {
+class ScriptedDialog final : public SaveDialog {
 public:
-    std::optional<std::wstring> ask(const std::wstring& folder, const std::wstring& name,
-                                    bool confirms) override {
+    std::optional<std::wstring> ask(const std::wstring& in, const std::wstring& name, bool asks) override {
         if (offered.empty())
-            offered = folder + L'|' + name;
-        confirmed = confirms;
+            offered = in + L'|' + name;
+        confirmed = asks;
         return asked == answers.size() ? std::nullopt : std::optional(answers[asked++]);
     }
     void refuse(const std::wstring&, std::wstring_view) override { ++refusals; }
@@ -175,7 +169,7 @@ TEST(OutputChoice, AFixedFolderAsksNothingUnlessTheRuleSaysSo) {
         folder.write(L"old.pdf", "old");
         ScriptedDialog dialog;
         dialog.answers = {folder.file(L"new.pdf")};
-        const companions::WantedName wanted{[text = title](unsigned) { return text; }};
+        const WantedName wanted{[text = title](unsigned) { return text; }};
         const auto file = choose_in_folder(dialog, folder.path(), wanted, rule, {});
         EXPECT_EQ(file ? file->path : L"", name.empty() ? L"" : folder.file(name));
         EXPECT_EQ(std::tuple(file && file->reserved, dialog.asked, dialog.refusals),
@@ -203,8 +197,7 @@ struct Tessalo : testing::Test {
 
     const Variable unattended_{L"ZR_UNATTENDED", L"1"};
     const qk::DLL library_{LoadLibraryW(Installation::built(dialog_library::kFileName).c_str())};
-    const ImportPatch hive_{"RegOpenCurrentUser", reinterpret_cast<void*>(&UserRegistry::open_hive),
-                            library_.get()};
+    const ImportPatch hive_{"RegOpenCurrentUser", &UserRegistry::open_hive, library_.get()};
     dialog_library::GetFile2* const get_file_ =
         qk::find_export<dialog_library::GetFile2>(library_.get(), "GetFile2");
     const Installation here_;
@@ -245,7 +238,7 @@ TEST_F(Tessalo, PathStandsWhereAStringOfARunTimeLibraryWould) {
             record_.output_path.lend({found.data(), room + 1}, 0);
         found[room] = L'\0';
         EXPECT_EQ(get_file_(&record_, L"Printer"), 0);
-        companions::Thread([&, other = record_]() mutable { get_file_(&other, L"Printer"); }).join();
+        Thread([&, other = record_]() mutable { get_file_(&other, L"Printer"); }).join();
         EXPECT_EQ(record_.output_path.find_text(), path) << "another thread's call leaves it alone";
         EXPECT_EQ(record_.output_path.address == found.data(), room == path.size());
         EXPECT_EQ(found.substr(room + 1), L"#######");
@@ -304,9 +297,9 @@ TEST_F(Tessalo, VariableGoesBeforeTheIni) {
         const std::wstring ini = here_.folder.write(L"ini" + std::to_wstring(*code),
                                                     std::string("[Dialog]\r\nUnattended=") + code);
         const Variable zero(L"ZR_UNATTENDED", L"0");
-        EXPECT_FALSE(companions::unattended(ini));
+        EXPECT_FALSE(unattended(ini));
         SetEnvironmentVariableW(L"ZR_UNATTENDED", nullptr);
-        EXPECT_EQ(companions::unattended(ini), *code == '1');
+        EXPECT_EQ(unattended(ini), *code == '1');
     }
 }
 
