@@ -25,23 +25,24 @@ struct Pages : EditSheet {
         for (const int id : off)
             EXPECT_FALSE(enabled(index, id) && shown(index, id)) << id;
     }
-    static void set_version(uint32_t version) {
+    // Each gives back the page that is looked at then.
+    static PageIndex at_version(uint32_t version, PageIndex page) {
         go_to(kPDFVersionPage);  // so that the page in question looks again
         choose_version(version);
+        return page;
     }
-    static void set_image(int kind, int method, int sampling) {
+    static PageIndex set_image(int kind, int method, int sampling) {
         choose(kCompressPage, kind + CMP_METHOD, method);
         choose(kCompressPage, kind + CMP_SAMPLING, sampling);
+        return kCompressPage;
     }
-    static void set_color(int mode, int method) {
+    static PageIndex set_color(int mode, int method) {
         click(kColorPage, mode);
         choose(kColorPage, 4907, method);
         go_to(kColorPage);
+        return kColorPage;
     }
-    static void type_passwords(const wchar_t* open, const wchar_t* permissions) {
-        type(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD, open);
-        type(kSecuritiesPage, IDC_SEC_PASSWORD, permissions);
-    }
+    static PageIndex clicked(PageIndex page, int id) { return click(page, id), page; }
 
     ProfileFolder profiles;
 };
@@ -54,23 +55,15 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
     setting().security()->MasterPassword = L"master";
     show([] {
         expect_offer(kColorPage, {4906, 4912}, {4905, 4908, 4909});  // as stored
-        set_color(kModeOfColour, 0);
-        expect_offer(kColorPage, {4908, 4909}, {4906, 4907, 4910, 4911, 4912});
-        set_color(kModeOfColour, 1);
-        expect_offer(kColorPage, {}, {4906, 4908, 4909});
-        set_color(kModeOfGrey, 0);
-        expect_offer(kColorPage, {4906, 4908, 4909}, {4907, 4910, 4911, 4912});
-        set_color(kModeOfMono, 0);
-        expect_offer(kColorPage, {4906, 4907, 4908, 4909, 4910, 4911, 4912}, {});
-        set_color(kModeOfMono, 1);
-        expect_offer(kColorPage, {4906, 4907, 4910, 4911, 4912}, {4908, 4909});
-        for (const uint32_t version : {5u, 10u, 12u}) {  // the last with the profile as it is stored
-            set_version(version);
-            expect_offer(kColorPage, {4901, 4905}, {});
-        }
-        set_version(4);
-        expect_offer(kColorPage, {}, {4901, 4905});
-        set_version(10);
+        expect_offer(set_color(kModeOfColour, 0), {4908, 4909}, {4906, 4907, 4910, 4911, 4912});
+        expect_offer(set_color(kModeOfColour, 1), {}, {4906, 4908, 4909});
+        expect_offer(set_color(kModeOfGrey, 0), {4906, 4908, 4909}, {4907, 4910, 4911, 4912});
+        expect_offer(set_color(kModeOfMono, 0), {4906, 4907, 4908, 4909, 4910, 4911, 4912}, {});
+        expect_offer(set_color(kModeOfMono, 1), {4906, 4907, 4910, 4911, 4912}, {4908, 4909});
+        for (const uint32_t version : {5u, 10u, 12u})  // the last with the profile as it is stored
+            expect_offer(at_version(version, kColorPage), {4901, 4905}, {});
+        expect_offer(at_version(4, kColorPage), {}, {4901, 4905});
+        at_version(10, kColorPage);
         const LRESULT photo = SendMessageW(control(kPDFVersionPage, IDC_PV_PROFILE), CB_FINDSTRINGEXACT,
                                            static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(L"Photo"));
         choose(kPDFVersionPage, IDC_PV_PROFILE, static_cast<int>(photo));
@@ -80,51 +73,42 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
         constexpr int kMono = IDC_CMP_MONO + CMP_METHOD;
         constexpr int kMethod = kColour + CMP_METHOD, kQuality = kColour + CMP_QUALITY;
         constexpr int kThreshold = kColour + CMP_THRESHOLD, kTarget = kColour + CMP_TARGET;
-        set_image(kColour, 1, 1);
-        expect_offer(kCompressPage, {kMono}, {kMethod, kQuality, kTarget, kGrey});
+        expect_offer(set_image(kColour, 1, 1), {kMono}, {kMethod, kQuality, kTarget, kGrey});
         set_color(kModeOfGrey, 0);
         expect_offer(kCompressPage, {kMono, kGrey}, {kMethod, kThreshold});
         set_color(kModeOfColour, 0);
         expect_offer(kCompressPage, {kMono, kGrey, kMethod, kQuality, kThreshold, kTarget}, {});
-        set_image(kColour, 0, 2);  // JPEG where it suits the image
-        expect_offer(kCompressPage, {kQuality, kThreshold, kTarget}, {});
-        set_image(kColour, 2, 1);
-        expect_offer(kCompressPage, {kThreshold, kTarget}, {kQuality});
-        set_image(kColour, 1, 0);
-        expect_offer(kCompressPage, {kQuality}, {kThreshold, kTarget});
+        expect_offer(set_image(kColour, 0, 2), {kQuality, kThreshold, kTarget},
+                     {});  // JPEG where it suits the image
+        expect_offer(set_image(kColour, 2, 1), {kThreshold, kTarget}, {kQuality});
+        expect_offer(set_image(kColour, 1, 0), {kQuality}, {kThreshold, kTarget});
 
         const std::vector low = {IDC_SEC_NO_PRINT, IDC_SEC_NO_MODIFY, IDC_SEC_NO_COPY, IDC_SEC_NO_ANNOTATE};
         const std::vector<int> high = {IDC_SEC_COPY,       IDC_SEC_READER, IDC_SEC_EDIT,
                                        IDC_SEC_EDIT_LABEL, IDC_SEC_PRINT,  IDC_SEC_PRINT_LABEL};
         const std::vector<int> uses = {IDC_SEC_USE_OPEN, IDC_SEC_USE_PERMISSIONS};
-        set_version(0);
-        expect_offer(kSecuritiesPage, low, high);
+        expect_offer(at_version(0, kSecuritiesPage), low, high);
         for (const uint32_t version : {1u, 12u}) {
-            set_version(version);
-            expect_offer(kSecuritiesPage, high, low);
+            expect_offer(at_version(version, kSecuritiesPage), high, low);
             expect_offer(kSecuritiesPage, uses, {});
         }
         set_check(kSecuritiesPage, IDC_SEC_COPY, true);
         expect_offer(kSecuritiesPage, {IDC_SEC_COPY}, {IDC_SEC_READER});
         for (const uint32_t version : {5u, 11u}) {
-            set_version(version);
-            expect_offer(kSecuritiesPage, {}, high);
+            expect_offer(at_version(version, kSecuritiesPage), {}, high);
             expect_offer(kSecuritiesPage, {}, uses);
             expect_offer(kFontPage, {}, {IDC_FONT_ONLY});
         }
-        for (const uint32_t version : {4u, 12u}) {
-            set_version(version);
-            expect_offer(kFontPage, {IDC_FONT_ONLY}, {});
-        }
+        for (const uint32_t version : {4u, 12u})
+            expect_offer(at_version(version, kFontPage), {IDC_FONT_ONLY}, {});
 
-        click(kWaterMarkPage, IDC_MARK_NONE);
-        expect_offer(kWaterMarkPage, {}, {IDC_MARK_FONT, IDC_MARK_BROWSE, IDC_MARK_ORDER, IDC_MARK_SCALE});
-        click(kWaterMarkPage, IDC_MARK_TEXT);
-        expect_offer(kWaterMarkPage, {IDC_MARK_FONT, IDC_MARK_ORDER}, {IDC_MARK_BROWSE, IDC_MARK_SCALE});
-        click(kWaterMarkPage, IDC_MARK_PICTURE);
-        expect_offer(kWaterMarkPage, {IDC_MARK_BROWSE, IDC_MARK_ORDER}, {IDC_MARK_FONT, IDC_MARK_SCALE});
-        click(kWaterMarkPage, IDC_MARK_AUTO_SCALE);
-        expect_offer(kWaterMarkPage, {IDC_MARK_SCALE}, {});
+        expect_offer(clicked(kWaterMarkPage, IDC_MARK_NONE), {},
+                     {IDC_MARK_FONT, IDC_MARK_BROWSE, IDC_MARK_ORDER, IDC_MARK_SCALE});
+        expect_offer(clicked(kWaterMarkPage, IDC_MARK_TEXT), {IDC_MARK_FONT, IDC_MARK_ORDER},
+                     {IDC_MARK_BROWSE, IDC_MARK_SCALE});
+        expect_offer(clicked(kWaterMarkPage, IDC_MARK_PICTURE), {IDC_MARK_BROWSE, IDC_MARK_ORDER},
+                     {IDC_MARK_FONT, IDC_MARK_SCALE});
+        expect_offer(clicked(kWaterMarkPage, IDC_MARK_AUTO_SCALE), {IDC_MARK_SCALE}, {});
         click(kWaterMarkPage, IDC_MARK_NONE);
 
         for (int layout = 0; layout < 5; ++layout) {
@@ -132,10 +116,8 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
             EXPECT_EQ(enabled(kOpenActionPage, IDC_OPEN_BINDING), layout != 1 && layout != 2);
         }
         expect_offer(kOpenActionPage, {IDC_OPEN_PAGE}, {});
-        click(kOpenActionPage, IDC_OPEN_AT_PAGE);
-        expect_offer(kOpenActionPage, {}, {IDC_OPEN_PAGE});
-        set_version(4);
-        go_to(kGeneralPage);
+        expect_offer(clicked(kOpenActionPage, IDC_OPEN_AT_PAGE), {}, {IDC_OPEN_PAGE});
+        go_to(at_version(4, kGeneralPage));
         press_apply();
     });
     EXPECT_TRUE(setting().color()->BlackToK100);  // greyed as it is
@@ -176,14 +158,17 @@ TEST_F(Pages, WhatCannotBeIsRefusedAndWhatItIsAboutIsTold) {
         expect_check(kFontPage, 0);
         click(kSecuritiesPage, IDC_SEC_USE_OPEN);
         click(kSecuritiesPage, IDC_SEC_USE_PERMISSIONS);
-        type_passwords(L"x", L"y z");
-        expect_check(kSecuritiesPage, IDS_SEC_BAD_CHARACTER, IDC_SEC_PASSWORD);
-        type_passwords(L"", L"x");
-        expect_check(kSecuritiesPage, IDS_SEC_NO_OPEN_PASSWORD, IDC_SEC_OPEN_PASSWORD, MB_ICONEXCLAMATION);
-        type_passwords(L"x", L"");
-        expect_check(kSecuritiesPage, IDS_SEC_NO_PASSWORD, IDC_SEC_PASSWORD, MB_ICONEXCLAMATION);
-        type_passwords(L"x", L"y");
-        expect_check(kSecuritiesPage, 0);
+        const std::tuple<const wchar_t*, const wchar_t*, UINT, int> passwords[] = {
+            {L"x", L"y z", IDS_SEC_BAD_CHARACTER, IDC_SEC_PASSWORD},
+            {L"", L"x", IDS_SEC_NO_OPEN_PASSWORD, IDC_SEC_OPEN_PASSWORD},
+            {L"x", L"", IDS_SEC_NO_PASSWORD, IDC_SEC_PASSWORD},
+            {L"x", L"y", 0, 0}};
+        for (const auto& [open, permissions, message, focus] : passwords) {
+            type(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD, open);
+            type(kSecuritiesPage, IDC_SEC_PASSWORD, permissions);
+            expect_check(kSecuritiesPage, message, focus,
+                         *open && *permissions ? MB_ICONERROR : MB_ICONEXCLAMATION);
+        }
 
         // The method and the sampling, the quality, the threshold, the target; the message (0: accepted), the
         // focus.
@@ -232,10 +217,9 @@ TEST_F(Pages, NumbersKeepToTheirRange) {
         click(kColorPage, 4904);
         type(kColorPage, 4911, L"300");
         EXPECT_EQ(text(kColorPage, 4911), L"255");
-        for (const wchar_t* none : {L"-5", L"", L"x"}) {
-            type(kColorPage, 4909, L"7");
+        for (const wchar_t* none : {L"-5", L"7", L"", L"7", L"x"}) {
             type(kColorPage, 4909, none);
-            EXPECT_EQ(text(kColorPage, 4909), L"0");
+            EXPECT_EQ(text(kColorPage, 4909), *none == L'7' ? L"7" : L"0");
         }
         press_apply();
     });
