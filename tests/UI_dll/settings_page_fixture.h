@@ -38,42 +38,48 @@ struct SettingsPage : EditSheet {
         return here.folder.file(kOwnFolder) + name + L".ps4";
     }
 
-    void open() {
+    // The page, which is made when it is first looked at, and again after close().
+    HWND window() const {
+        if (!parent)
+            open();
+        return made;
+    }
+    void open() const {
         parent = CreateWindowExW(WS_EX_CONTEXTHELP, L"STATIC", L"", WS_POPUP, 0, 0, 600, 500, nullptr,
                                  nullptr, nullptr, nullptr);
-        window = CreateDialogParamW(qk::resource_module(), MAKEINTRESOURCEW(IDD_SETTINGS), parent,
-                                    &settings_page_proc, 0);
-        ASSERT_TRUE(window);
+        made = CreateDialogParamW(qk::resource_module(), MAKEINTRESOURCEW(IDD_SETTINGS), parent,
+                                  &settings_page_proc, 0);
+        EXPECT_TRUE(made);
     }
     void close() {
         if (parent)
             DestroyWindow(std::exchange(parent, nullptr));
     }
 
-    [[nodiscard]] HWND list() const { return GetDlgItem(window, IDC_SETTINGS_LIST); }
+    [[nodiscard]] HWND list() const { return GetDlgItem(window(), IDC_SETTINGS_LIST); }
     [[nodiscard]] std::wstring rows() const {  // "name name [selected] name"
         std::wstring all;
         for (int row = 0; row < ListView_GetItemCount(list()); ++row) {
             wchar_t text[200];
             ListView_GetItemText(list(), row, 0, text, 200);
             all += (row > 0 ? L" " : L"") +
-                   (row == pdf_settings::selected_row(window) ? L'[' + std::wstring(text) + L']' : text);
+                   (row == pdf_settings::selected_row(window()) ? L'[' + std::wstring(text) + L']' : text);
         }
         return all;
     }
     void select(int row) const {
         ListView_SetItemState(list(), row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
     }
-    [[nodiscard]] bool can_press(int button) const { return IsWindowEnabled(GetDlgItem(window, button)); }
+    [[nodiscard]] bool can_press(int button) const { return IsWindowEnabled(GetDlgItem(window(), button)); }
     void press(int button, int answer = IDOK) const {
         Outbox::answer = answer;
-        SendMessageW(GetDlgItem(window, button), BM_CLICK, 0, 0);
+        SendMessageW(GetDlgItem(window(), button), BM_CLICK, 0, 0);
     }
     // Ends the sheet, and what the page says to it.
     LONG_PTR end(UINT code) const {
-        const PSHNOTIFY notification = {{parent, 0, code}, TRUE};
-        SendMessageW(window, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notification));
-        return GetWindowLongPtrW(window, DWLP_MSGRESULT);
+        const PSHNOTIFY notification = {{GetParent(window()), 0, code}, TRUE};
+        SendMessageW(made, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notification));
+        return GetWindowLongPtrW(made, DWLP_MSGRESULT);
     }
     // Presses a button that opens the edit sheet, whose caption is asked for, and runs the script there.
     void in_sheet(int button, const std::function<void()>& script, const wchar_t* caption = nullptr) const {
@@ -94,5 +100,5 @@ struct SettingsPage : EditSheet {
     }
     [[nodiscard]] std::wstring printers_setting() const { return GetSettingFileName(here.printer.name); }
 
-    HWND parent = nullptr, window = nullptr;
+    mutable HWND parent = nullptr, made = nullptr;  // the page and its parent
 };

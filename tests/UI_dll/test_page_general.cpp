@@ -96,8 +96,7 @@ TEST_F(GeneralPage, StoredValuesAreShownAndKept) {
     deleted.clear();
     show([] {
         EXPECT_EQ(deleted, L" ");
-        EXPECT_EQ(text(kPage, 153), L"150");
-        EXPECT_EQ(text(kPage, 144), L"123.46");
+        EXPECT_EQ(text(kPage, 153) + L' ' + text(kPage, 144), L"150 123.46");
         EXPECT_TRUE(enabled(kPage, 7135) && enabled(kPage, 144) && enabled(kPage, 159));
         EXPECT_FALSE(enabled(kPage, 140) || enabled(kPage, 148) || shown(kPage, 155));
         press_apply();
@@ -129,17 +128,15 @@ TEST_F(GeneralPage, CustomSizeKeepsTheFormAndNoFormsKeepThePaper) {
             type(kPage, 144, L"300");
             press_apply();
         });
-        EXPECT_EQ(general().PaperType, 1);
-        EXPECT_EQ(general().PaperName, 9);
-        EXPECT_EQ(general().PaperWidth, 300);
+        EXPECT_EQ(std::tuple(general().PaperType, general().PaperName, general().PaperWidth),
+                  std::tuple(1, 9, 300));
     }
     show([] {
         click(kPage, 139);
         EXPECT_FALSE(enabled(kPage, 144));
         press_apply();
     });
-    EXPECT_EQ(general().PaperType, 0);
-    EXPECT_EQ(general().PaperWidth, 300);
+    EXPECT_EQ(std::tuple(general().PaperType, general().PaperWidth), std::tuple(0, 300));
 }
 
 TEST_F(GeneralPage, BadInputKeepsThePageAndShowsWhatWasThere) {

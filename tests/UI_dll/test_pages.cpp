@@ -78,8 +78,8 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
         expect_offer(kCompressPage, {kMono, kGrey}, {kMethod, kThreshold});
         set_color(kModeOfColour, 0);
         expect_offer(kCompressPage, {kMono, kGrey, kMethod, kQuality, kThreshold, kTarget}, {});
-        expect_offer(set_image(kColour, 0, 2), {kQuality, kThreshold, kTarget},
-                     {});  // JPEG where it suits the image
+        // JPEG where it suits the image.
+        expect_offer(set_image(kColour, 0, 2), {kQuality, kThreshold, kTarget}, {});
         expect_offer(set_image(kColour, 2, 1), {kThreshold, kTarget}, {kQuality});
         expect_offer(set_image(kColour, 1, 0), {kQuality}, {kThreshold, kTarget});
 

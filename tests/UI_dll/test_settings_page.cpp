@@ -8,7 +8,6 @@ TEST_F(SettingsPage, ListsAllFoldersAndSelectsThePrintersSetting) {
     here.folder.write(L"Settings\\legacy\\old.printSetting2", "\x09\x00\x02\x00");
     here.folder.write(L"Settings\\broken.ps4", "{");
     ForceDirectories(here.folder.file(L"Settings\\folder.ps4"));
-    open();
     EXPECT_EQ(rows(), L"alpha zeta Office [Standard] broken old");
     EXPECT_FALSE(can_press(IDC_SETTINGS_DELETE));
     EXPECT_FALSE(GetWindowLongPtrW(parent, GWL_EXSTYLE) & WS_EX_CONTEXTHELP);
@@ -24,7 +23,6 @@ TEST_F(SettingsPage, FolderThatCannotBeReadHidesItsOwnFilesOnly) {
                 return original(pattern, rest...);
             return SetLastError(ERROR_ACCESS_DENIED), INVALID_HANDLE_VALUE;
         });
-    open();
     EXPECT_EQ(rows(), L"Office [Standard]");
     in_sheet(IDC_SETTINGS_NEW, [] { press_ok(); });  // written all the same; its row comes with the folder
     EXPECT_EQ(ReadName(own(L"Standard(1)")), L"Standard(1)");
@@ -34,14 +32,12 @@ TEST_F(SettingsPage, FolderThatCannotBeReadHidesItsOwnFilesOnly) {
 TEST_F(SettingsPage, WithoutAnInstallationTheHostsFolderIsNotListed) {
     const CurrentFolder host(here.folder.path());  // has folders of the very names
     here.machine.set_text(qk::registry::kRoot, L"PdfDllPath", L"");
-    open();
     EXPECT_EQ(ListView_GetItemCount(list()), 2) << qk::to_utf8(rows());
 }
 
 TEST_F(SettingsPage, OwnFileWithoutANameGoesByItsFilesAndIsTheUsers) {
     write_own(L"beta", "\xEF\xBB\xBF{}");
     write_own(L"torn", "\xEF\xBB\xBF{");
-    open();
     EXPECT_EQ(rows(), L"alpha beta torn zeta Office [Standard]");
     select(2);
     in_sheet(IDC_SETTINGS_EDIT, [] { press_ok(); });  // of what cannot be read, a copy
@@ -63,7 +59,6 @@ TEST_F(SettingsPage, OwnFileWithoutANameGoesByItsFilesAndIsTheUsers) {
 }
 
 TEST_F(SettingsPage, ChosenSettingBecomesThePrintersOnOkOnly) {
-    open();
     select(2);
     end(PSN_QUERYCANCEL);
     EXPECT_EQ(printers_setting(), L"standard.ps4");
@@ -78,7 +73,6 @@ TEST_F(SettingsPage, ChosenSettingBecomesThePrintersOnOkOnly) {
     EXPECT_EQ(end(PSN_APPLY), PSNRET_NOERROR);
     EXPECT_EQ(printers_setting(), L"office.ps4");
     close();
-    open();
     EXPECT_EQ(rows(), L"alpha zeta [Office] Standard");
 }
 
@@ -86,13 +80,11 @@ TEST_F(SettingsPage, CancelGivesAPrinterWithoutItsFileTheStandardOne) {
     SetSettingFileName(L"gone.ps4", here.printer.name);
     here.folder.write(L"gone.ps4", "");  // beside a document, say
     const CurrentFolder documents(here.folder.path());
-    open();
     end(PSN_QUERYCANCEL);
     EXPECT_EQ(ReadDriverRegString(L"PDFSettingFileName", here.printer.name.c_str()), L"standard.ps4");
 }
 
 TEST_F(SettingsPage, OwnSettingIsDeletedWhenTheUserAgrees) {
-    open();
     select(1);
     press(IDC_SETTINGS_DELETE, IDNO);
     EXPECT_EQ(rows(), L"alpha [zeta] Office Standard");
@@ -101,7 +93,7 @@ TEST_F(SettingsPage, OwnSettingIsDeletedWhenTheUserAgrees) {
     ASSERT_EQ(Outbox::boxes.size(), 2u);
     EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_YESNO | MB_ICONQUESTION});
     EXPECT_NE(Outbox::boxes[0].text.find(L"zeta.ps4"), std::wstring::npos);
-    SendMessageW(window, WM_COMMAND, IDC_SETTINGS_DELETE, 0);  // not the user's: a greyed button's command
+    SendMessageW(window(), WM_COMMAND, IDC_SETTINGS_DELETE, 0);  // not the user's: a greyed button's command
     select(0);
     DeleteFileW(own(L"alpha").c_str());
     press(IDC_SETTINGS_DELETE, IDYES);
@@ -112,7 +104,6 @@ TEST_F(SettingsPage, ListOfNothingSelectsNothing) {
     for (const std::wstring& file : {here.folder.file(L"Settings\\standard.ps4"), own(L"zeta"),
                                      here.folder.file(L"CustomSettings\\office.ps4")})
         DeleteFileW(file.c_str());
-    open();
     press(IDC_SETTINGS_DELETE, IDYES);
     EXPECT_EQ(rows(), L"");
     EXPECT_FALSE(can_press(IDC_SETTINGS_DELETE));
@@ -122,7 +113,6 @@ TEST_F(SettingsPage, ListOfNothingSelectsNothing) {
 }
 
 TEST_F(SettingsPage, NewAndReadOnlySettingsAreCopiesAndOwnOnesAreEditedInPlace) {
-    open();
     const auto edit_a_copy = [] {
         EXPECT_EQ(name(), L"Standard(1)");
         press_ok();
@@ -182,15 +172,15 @@ TEST_F(SettingsPage, PageOpenedFromAnotherLeavesItAsItWas) {
         SCOPED_TRACE(inner_first);
         open();
         select(1);
-        const std::pair outer(window, parent);
+        const std::pair outer(made, parent);
         open();
         select(0);
         EXPECT_EQ(setting()->PSName, L"alpha");
-        const std::pair inner(window, parent);
+        const std::pair inner(made, parent);
         DestroyWindow((inner_first ? inner : outer).second);
-        std::tie(window, parent) = inner_first ? outer : inner;
+        std::tie(made, parent) = inner_first ? outer : inner;
         const std::wstring left = inner_first ? L"zeta" : L"alpha";
-        EXPECT_EQ(dialog_state().list.page, window);
+        EXPECT_EQ(dialog_state().list.page, made);
         EXPECT_EQ(setting()->PSName, left);
         EXPECT_EQ(ListView_GetImageList(list(), LVSIL_SMALL), dialog_state().list.icons.images.get());
         in_sheet(IDC_SETTINGS_EDIT, [&] { EXPECT_EQ(name(), left); });
@@ -208,7 +198,6 @@ TEST_F(SettingsPage, PicturesAreThoseOfTheKindsAndLoadedOnceMoreAfterManyMoves) 
             loaded.push_back(number);
         return original(module, id, rest...);
     });
-    open();
     std::vector<WORD> wanted = {IDI_CUSTOM_SETTING, IDI_INSTALLED_SETTING};
     for (const int image : {0, 1}) {
         LVITEMW item = {.mask = LVIF_IMAGE, .iItem = image + 2};
@@ -244,9 +233,8 @@ TEST_F(SettingsPage, PrintersSettingIsInSightAmongMany) {
     for (int i = 10; i < 70; ++i)
         add_own(L"s" + std::to_wstring(i));
     SetSettingFileName(L"s55.ps4", here.printer.name);
-    open();
-    const int row = selected_row(window), top = ListView_GetTopIndex(list());
-    EXPECT_EQ(selected_entry(window)->name, L"s55");
+    const int row = selected_row(window()), top = ListView_GetTopIndex(list());
+    EXPECT_EQ(selected_entry(window())->name, L"s55");
     EXPECT_TRUE(row >= top && row < top + ListView_GetCountPerPage(list())) << row << " from " << top;
     EXPECT_EQ(ListView_GetNextItem(list(), -1, LVNI_FOCUSED), row);
 }

@@ -23,14 +23,12 @@ TEST_F(SettingsPage, SettingsOfOlderVersionsComeInOnceTheNewestFirst) {
         ForceDirectories(here.folder.file(folder));
         add(folder + file + L".ps4", name);
     }
-    open();
     EXPECT_EQ(rows(), L"alpha from old old standard older zeta Office [Standard]");
     close();
     EXPECT_EQ(ReadName(own(L"Standard(2)")), L"old standard");
     EXPECT_FALSE(qk::is_file(own(L"standard")));
     for (const wchar_t* name : {L"fresh", L"Standard(2)", L"standard(1)"})
         DeleteFileW(own(name).c_str());
-    open();
     EXPECT_EQ(rows(), L"alpha zeta Office [Standard]");
 }
 
@@ -41,7 +39,6 @@ TEST_F(SettingsPage, SelectedSettingIsToldInWords) {
                     "OutputFolder": "C:\\here"}, "Watermark": {"Style": 1, "Text": "DRAFT"}})")
                            .c_str());
     here.folder.write(L"Settings\\broken.ps4", "{");
-    open();
     const std::tuple<int, std::vector<std::wstring>, bool> rows[] = {
         // the row, what is told, whether it can be copied
         {1,
@@ -53,7 +50,7 @@ TEST_F(SettingsPage, SelectedSettingIsToldInWords) {
         {5, {dialog_text(IDS_SUM_UNREADABLE)}, false}};
     for (const auto& [row, parts, can_copy] : rows) {
         select(row);
-        const std::wstring text = control_text(window, IDC_SETTINGS_SUMMARY);
+        const std::wstring text = control_text(window(), IDC_SETTINGS_SUMMARY);
         for (const std::wstring& part : parts)
             EXPECT_NE(text.find(part), std::wstring::npos)
                 << qk::to_utf8(part) << " in " << qk::to_utf8(text);
@@ -70,7 +67,6 @@ TEST_F(SettingsPage, FilesAreImportedOrRefusedInWords) {
     here.folder.write(L"bare.ps4", "{}");
     here.folder.write(L"list.ps4", mark + R"({"PSComment":[],"General":[]})");
     here.folder.write(L"old.ps4", std::string("\x09\x00\x02\x00", 4));
-    open();
     const std::string before = TempFolder::read(own(L"zeta"));
     std::wstring files;
     for (const wchar_t* name : {L"torn", L"bare", L"list", L"old", L"gone", L"zeta", L"low"})
@@ -80,7 +76,7 @@ TEST_F(SettingsPage, FilesAreImportedOrRefusedInWords) {
     *drop = {.pFiles = sizeof *drop, .fWide = TRUE};
     std::memcpy(drop + 1, files.data(), files.size() * sizeof(wchar_t));
     GlobalUnlock(memory);
-    SendMessageW(window, WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
+    SendMessageW(window(), WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
     EXPECT_EQ(rows(), L"alpha [low] zeta zeta(1) Office Standard");
     EXPECT_EQ(TempFolder::read(own(L"zeta")), before);
     ASSERT_EQ(Outbox::boxes.size(), 2u);
@@ -101,7 +97,6 @@ void press_key(HWND page, WORD key) {
 }
 
 TEST_F(SettingsPage, KeysRenameAndDelete) {
-    open();
     const std::tuple<int, const wchar_t*, UINT, const wchar_t*> cases[] = {
         // the row, what is typed (null: it cannot be), the message, the rows then
         {0, L"gamma", 0, L"[gamma] zeta Office Standard"},
@@ -111,7 +106,7 @@ TEST_F(SettingsPage, KeysRenameAndDelete) {
     for (const auto& [row, typed, box, after] : cases) {
         Outbox::boxes.clear();
         select(row);
-        press_key(window, VK_F2);
+        press_key(window(), VK_F2);
         const HWND edit = ListView_GetEditControl(list());
         ASSERT_EQ(edit != nullptr, typed != nullptr);
         if (edit) {
@@ -129,7 +124,7 @@ TEST_F(SettingsPage, KeysRenameAndDelete) {
     EXPECT_FALSE(ListView_GetEditControl(list())) << "by the key only: a second click may be half of two";
     Outbox::answer = IDYES;
     select(0);
-    press_key(window, VK_DELETE);
+    press_key(window(), VK_DELETE);
     EXPECT_EQ(rows(), L"[zeta] Office Standard");
 }
 

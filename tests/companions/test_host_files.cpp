@@ -27,12 +27,8 @@ ExitCode fault_of(Action action) {
     }
 }
 
-void set_age(const std::wstring& path, unsigned days) {
-    const qk::FileObj file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ, nullptr,
-                                       OPEN_EXISTING, 0, nullptr));
-    const uint64_t time = 134'000'000'000'000'000 - days * 864'000'000'000;  // before a day in 2025
-    const FILETIME written = {static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
-    ASSERT_TRUE(SetFileTime(file.get(), nullptr, nullptr, &written));
+void set_age(const std::filesystem::path& path, unsigned days) {
+    last_write_time(path, std::filesystem::file_time_type::clock::now() - days * std::chrono::hours(24));
 }
 
 TEST(HostFiles, TargetsAreBroughtUpToDate) {
