@@ -83,14 +83,12 @@ struct SettingsPage : EditSheet {
     }
     // Presses a button that opens the edit sheet, whose caption is asked for, and runs the script there.
     void in_sheet(int button, const std::function<void()>& script, const wchar_t* caption = nullptr) const {
-        const Later later([] { return sheet() != nullptr; },
-                          [&] {
-                              if (caption) {
-                                  EXPECT_EQ(pdf_settings::window_text(sheet()), caption);
-                              }
-                              script();
-                              cancel();
-                          });
+        const auto act = [&] {
+            EXPECT_EQ(caption ? pdf_settings::window_text(sheet()) : L"", caption ? caption : L"");
+            script();
+            cancel();
+        };
+        const Later later([] { return sheet() != nullptr; }, act);
         press(button, IDYES);
     }
     static std::wstring name() { return text(pdf_settings::kGeneralPage, IDC_NAME); }

@@ -71,15 +71,14 @@ TEST_F(Saving, EditsSurviveAFileThatCannotBeWritten) {
     const std::wstring path = own_file(L"Locked");
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
     Outbox::answer = IDYES;
-    show(
-        [&] {
-            rename(L"Other");
-            press_ok();
-            EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Other");
-            SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-            press_ok();
-        },
-        path);
+    const auto look = [&] {
+        rename(L"Other");
+        press_ok();
+        EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Other");
+        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+        press_ok();
+    };
+    show(look, path);
     ASSERT_EQ(Outbox::boxes.size(), 3u);  // confirmed, refused with the reason, confirmed
     EXPECT_NE(Outbox::boxes[1].text.find(path), std::wstring::npos);
     EXPECT_EQ(ReadName(path), L"Other");
@@ -148,28 +147,26 @@ TEST_F(Saving, LongListOfChangesIsWholeInABoxThatScrolls) {
         return popup != sheet() && GetDlgItem(popup, IDC_CHANGES) ? popup : nullptr;
     };
     const auto answer = [&](int button) {
-        const Later later(
-            [&] { return box() != nullptr; },
-            [&] {
-                const std::wstring list = control_text(box(), IDC_CHANGES);
-                for (int i = 100; i < 140; ++i)
-                    EXPECT_NE(list.find(L"key" + std::to_wstring(i)), std::wstring::npos) << i;
-                EXPECT_NE(GetWindowLongPtrW(GetDlgItem(box(), IDC_CHANGES), GWL_STYLE) & WS_VSCROLL, 0);
-                SendMessageW(box(), WM_COMMAND, static_cast<WPARAM>(button), 0);
-            });
+        const auto act = [&] {
+            const std::wstring list = control_text(box(), IDC_CHANGES);
+            for (int i = 100; i < 140; ++i)
+                EXPECT_NE(list.find(L"key" + std::to_wstring(i)), std::wstring::npos) << i;
+            EXPECT_NE(GetWindowLongPtrW(GetDlgItem(box(), IDC_CHANGES), GWL_STYLE) & WS_VSCROLL, 0);
+            SendMessageW(box(), WM_COMMAND, static_cast<WPARAM>(button), 0);
+        };
+        const Later later([&] { return box() != nullptr; }, act);
         press_ok();
     };
-    show(
-        [&] {
-            for (int i = 100; i < 140; ++i)
-                setting().addition()->Int[L"key" + std::to_wstring(i)] = i;
-            for (const int no : {IDNO, IDCANCEL}) {
-                answer(no);
-                EXPECT_TRUE(is_old(path));
-            }
-            answer(IDYES);
-        },
-        path);
+    const auto look = [&] {
+        for (int i = 100; i < 140; ++i)
+            setting().addition()->Int[L"key" + std::to_wstring(i)] = i;
+        for (const int no : {IDNO, IDCANCEL}) {
+            answer(no);
+            EXPECT_TRUE(is_old(path));
+        }
+        answer(IDYES);
+    };
+    show(look, path);
     EXPECT_FALSE(stayed_open());
     EXPECT_FALSE(is_old(path));
 }

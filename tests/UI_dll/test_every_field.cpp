@@ -54,13 +54,13 @@ struct EveryField : EditSheet {
         return dialog != sheet() && GetDlgItem(dialog, kRed) ? dialog : nullptr;
     }
     static void choose_colour() {
-        const Later later([] { return colour_dialog() != nullptr; },
-                          [] {
-                              const HWND dialog = colour_dialog();
-                              for (int part = 0; part < 3; ++part)
-                                  SetDlgItemInt(dialog, kRed + part, static_cast<UINT>(part + 1), FALSE);
-                              SendMessageW(dialog, WM_COMMAND, IDOK, 0);
-                          });
+        const auto act = [] {
+            const HWND dialog = colour_dialog();
+            for (int part = 0; part < 3; ++part)
+                SetDlgItemInt(dialog, kRed + part, static_cast<UINT>(part + 1), FALSE);
+            SendMessageW(dialog, WM_COMMAND, IDOK, 0);
+        };
+        const Later later([] { return colour_dialog() != nullptr; }, act);
         click(kWaterMarkPage, IDC_MARK_COLOUR);
     }
 
@@ -211,13 +211,12 @@ TEST_F(EveryField, SetOnItsPageIsInTheFileAndOnThePageAgain) {
         const std::wstring path = dialog_state().file.path;
         ASSERT_TRUE(LoadSettingFile(path));
         EXPECT_EQ(setting().Serialise(), wanted.Serialise());
-        show(
-            [&] {
-                for (size_t index = 0; index < kPageCount; ++index)
-                    turn_to(static_cast<PageIndex>(index));
-                press_ok();
-            },
-            path);
+        const auto look = [&] {
+            for (size_t index = 0; index < kPageCount; ++index)
+                turn_to(static_cast<PageIndex>(index));
+            press_ok();
+        };
+        show(look, path);
         EXPECT_FALSE(stayed_open());
         EXPECT_EQ(setting().Serialise(), wanted.Serialise()) << "what the pages show is given back";
 

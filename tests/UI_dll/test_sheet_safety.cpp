@@ -18,14 +18,13 @@ TEST_F(SheetSafety, FileThatSomebodyElseHasWrittenStaysAndACopyIsMade) {
     setting()->PSName = L"mine";
     EXPECT_TRUE(setting().Save(path));
     Outbox::answer = IDYES;
-    show(
-        [&] {
-            dialog_state().file.mark = file_mark(path);
-            here.folder.write(file, "theirs");
-            type(kGeneralPage, IDC_SCALE, L"50");
-            press_ok();
-        },
-        path);
+    const auto look = [&] {
+        dialog_state().file.mark = file_mark(path);
+        here.folder.write(file, "theirs");
+        type(kGeneralPage, IDC_SCALE, L"50");
+        press_ok();
+    };
+    show(look, path);
     EXPECT_EQ(TempFolder::read(path), "theirs");
     ASSERT_EQ(Outbox::boxes.size(), 2u) << "the changes, and whose file it is";
     EXPECT_TRUE(says(path));

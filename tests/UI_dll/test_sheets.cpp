@@ -284,22 +284,21 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
         here.set_number(HKEY_LOCAL_MACHINE, L"\\Special", L"HideSettingTab", is_alone);
         SetSettingFileName(kDefaultSettingFile, here.printer.name);
         output = {};
-        const Later later(
-            [&] { return sheet() != nullptr; },
-            [&] {
-                if (!is_alone) {
-                    const HWND front = page(0);
-                    EXPECT_EQ(pdf_settings::control_text(front, 8021), qk::load_string(IDS_SETTING_IN_FORCE));
-                    wchar_t text[100] = {};
-                    SendDlgItemMessageW(front, 8022, LB_GETTEXT, 0, reinterpret_cast<LPARAM>(text));
-                    EXPECT_STREQ(text, L"Standard");
-                    EXPECT_TRUE(GetDlgItem(front, 8020) && GetDlgItem(front, 8023));
-                }
-                const HWND list = GetDlgItem(page(1 - is_alone), IDC_SETTINGS_LIST);
-                EXPECT_EQ(ListView_GetItemCount(list), 2);
-                ListView_SetItemState(list, 0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-                PostMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_OK, 0);
-            });
+        const auto act = [&] {
+            if (!is_alone) {
+                const HWND front = page(0);
+                EXPECT_EQ(pdf_settings::control_text(front, 8021), qk::load_string(IDS_SETTING_IN_FORCE));
+                wchar_t text[100] = {};
+                SendDlgItemMessageW(front, 8022, LB_GETTEXT, 0, reinterpret_cast<LPARAM>(text));
+                EXPECT_STREQ(text, L"Standard");
+                EXPECT_TRUE(GetDlgItem(front, 8020) && GetDlgItem(front, 8023));
+            }
+            const HWND list = GetDlgItem(page(1 - is_alone), IDC_SETTINGS_LIST);
+            EXPECT_EQ(ListView_GetItemCount(list), 2);
+            ListView_SetItemState(list, 0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+            PostMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_OK, 0);
+        };
+        const Later later([&] { return sheet() != nullptr; }, act);
         DWORD result = 99;
         EXPECT_EQ(compstui::show_sheet(nullptr, &DrvDocumentPropertySheets, reinterpret_cast<LPARAM>(&header),
                                        &result),

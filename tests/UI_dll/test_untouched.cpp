@@ -41,13 +41,12 @@ TEST_F(Untouched, SettingsThatAreLookedAtAreNotWritten) {
         std::array<size_t, kPageCount> order;
         std::iota(order.begin(), order.end(), size_t{0});
         std::shuffle(order.begin(), order.end(), engine);
-        show(
-            [&] {
-                for (const size_t page : order)
-                    EXPECT_TRUE(go_to(static_cast<PageIndex>(page))) << page;
-                press_ok();
-            },
-            path);
+        const auto look = [&] {
+            for (const size_t page : order)
+                EXPECT_TRUE(go_to(static_cast<PageIndex>(page))) << page;
+            press_ok();
+        };
+        show(look, path);
         EXPECT_FALSE(stayed_open());
         for (const Outbox::Box& box : Outbox::boxes)
             ADD_FAILURE() << qk::to_utf8(box.text);

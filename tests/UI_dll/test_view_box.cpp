@@ -43,8 +43,7 @@ struct PageDrawing : EditSheet {
     static constexpr int kHeight = 303;
 
     PageDrawing() {
-        BITMAPINFO info = {};
-        info.bmiHeader = {sizeof info.bmiHeader, kWidth, -kHeight, 1, 32, BI_RGB};
+        const BITMAPINFO info = {{sizeof info.bmiHeader, kWidth, -kHeight, 1, 32, BI_RGB}};
         bitmap.reset(
             CreateDIBSection(dc.get(), &info, DIB_RGB_COLORS, reinterpret_cast<void**>(&bits), nullptr, 0));
         mark.Style = 1;
