@@ -17,6 +17,9 @@ struct Saving : EditSheet {
         return path;
     }
     static void rename(const wchar_t* name) { SetWindowTextW(control(kGeneralPage, IDC_NAME), name); }
+    static bool says(const std::wstring& text) {
+        return Outbox::boxes.back().text.find(text) != std::wstring::npos;
+    }
 };
 
 TEST_F(Saving, SheetHoldsNinePagesAndTheCheckButtonSavesNothing) {
@@ -24,7 +27,7 @@ TEST_F(Saving, SheetHoldsNinePagesAndTheCheckButtonSavesNothing) {
         EXPECT_EQ(GetFocus(), control(kGeneralPage, IDC_NAME));
         for (size_t i = 0; i < kPageCount; ++i)
             EXPECT_TRUE(go_to(static_cast<PageIndex>(i))) << i;
-        const HWND button = GetDlgItem(sheet(), 12321);
+        const HWND button = GetDlgItem(sheet(), kApplyButton);
         EXPECT_TRUE(IsWindowVisible(button) && IsWindowEnabled(button));
         RECT place, cancel, client;
         GetWindowRect(button, &place);
@@ -53,7 +56,7 @@ TEST_F(Saving, ChangesAreListedAndSavedWhenTheUserAgrees) {
     ASSERT_EQ(Outbox::boxes.size(), 1u);
     EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_YESNO | MB_ICONEXCLAMATION});
     EXPECT_EQ(Outbox::boxes[0].caption, dialog_text(IDS_CONFIRM_CAPTION));
-    EXPECT_NE(Outbox::boxes[0].text.find(L"After"), std::wstring::npos);
+    EXPECT_TRUE(says(L"After"));
     EXPECT_TRUE(is_old(path));
 
     Outbox::answer = IDYES;
@@ -175,6 +178,80 @@ TEST_F(Saving, CaptionHasRoomForEachNameAndIsThere) {
     EXPECT_EQ(sheet_caption(L"", false), dialog_text(IDS_SHEET_NEW));
     EXPECT_EQ(sheet_caption(std::wstring(400, L'x'), false).size(), 259u);
     EXPECT_EQ(dialog_text(60000), L"(no id{60000})");
+}
+
+TEST_F(Saving, FileThatSomebodyElseHasWrittenStaysAndACopyIsMade) {
+    const std::wstring path = own_file(L"mine");
+    Outbox::answer = IDYES;
+    const auto look = [&] {
+        dialog_state().file.mark = file_mark(path);
+        here.folder.write(path.substr(here.folder.path().size() + 1), "theirs");
+        type(kGeneralPage, IDC_SCALE, L"50");
+        press_ok();
+    };
+    show(look, path);
+    EXPECT_EQ(TempFolder::read(path), "theirs");
+    ASSERT_EQ(Outbox::boxes.size(), 2u) << "the changes, and whose file it is";
+    EXPECT_TRUE(says(path));
+    EXPECT_EQ(ReadName(dialog_state().file.path), L"mine(1)");
+}
+
+TEST_F(Saving, CheckButtonTellsEveryFaultAtOnce) {
+    show([] {
+        go_to(kColorPage);
+        const auto check = [] {
+            Outbox::boxes.clear();
+            SendMessageW(sheet(), WM_COMMAND, MAKEWPARAM(kApplyButton, BN_CLICKED),
+                         reinterpret_cast<LPARAM>(GetDlgItem(sheet(), kApplyButton)));
+            EXPECT_EQ(Outbox::boxes.size(), 1u);
+        };
+        check();
+        EXPECT_TRUE(says(dialog_text(IDS_CHECKED)));
+        type(kGeneralPage, IDC_RESOLUTION, L"71");
+        type(kGeneralPage, IDC_SCALE, L"9");
+        click(kWaterMarkPage, IDC_MARK_TEXT);
+        type(kWaterMarkPage, IDC_MARK_SIZE, L"7");
+        check();
+        for (const UINT fault : {IDS_BAD_RESOLUTION, IDS_BAD_SCALE, IDS_MARK_BAD_SIZE})
+            EXPECT_TRUE(says(dialog_text(fault))) << fault;
+        EXPECT_TRUE(is_in_front(kGeneralPage));
+        for (const wchar_t* bad : {L"3601", L"", L"72x"}) {
+            type(kGeneralPage, IDC_RESOLUTION, bad);
+            expect_check(kGeneralPage, IDS_BAD_RESOLUTION, IDC_RESOLUTION);
+        }
+        type(kGeneralPage, IDC_RESOLUTION, L"72");
+        expect_check(kGeneralPage, 0);
+    });
+}
+
+TEST_F(Saving, ArrowsStepOverSizesThatCannotBe) {
+    show([] {
+        // The size before, the step, the size then.
+        for (const auto& [from, delta, to] :
+             {std::tuple{0, 1, 8}, {8, -1, 0}, {8, 1, 9}, {9, -1, 8}, {10, -5, 0}}) {
+            NMUPDOWN set = {
+                {control(kWaterMarkPage, IDC_MARK_SIZE_SPIN), IDC_MARK_SIZE_SPIN, UDN_DELTAPOS}, from, delta};
+            SendMessageW(page(kWaterMarkPage), WM_NOTIFY, IDC_MARK_SIZE_SPIN, reinterpret_cast<LPARAM>(&set));
+            EXPECT_EQ(set.iPos + set.iDelta, to) << from;
+        }
+    });
+}
+
+TEST_F(Saving, PasswordsAreShownUntilThePageIsLeft) {
+    setting().security()->MasterPassword = L"secret";
+    show([] {
+        const auto mark = [] {
+            return SendMessageW(control(kSecuritiesPage, IDC_SEC_PASSWORD), EM_GETPASSWORDCHAR, 0, 0);
+        };
+        go_to(kSecuritiesPage);
+        EXPECT_NE(mark(), 0);
+        click(kSecuritiesPage, IDC_SEC_SHOW);
+        EXPECT_EQ(mark(), 0);
+        go_to(kColorPage);
+        go_to(kSecuritiesPage);
+        EXPECT_NE(mark(), 0);
+        EXPECT_FALSE(checked(kSecuritiesPage, IDC_SEC_SHOW));
+    });
 }
 
 }  // namespace

@@ -112,7 +112,10 @@ TEST(HostFiles, WhatCannotBeUsedIsRefused) {
     const TempFolder folder;
     const std::wstring locked = folder.write(L"locked.txt", "x"), large = folder.write(L"large.txt", "");
     const qk::FileObj user(CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    std::filesystem::resize_file(large, (64 << 20) + 1);
+    qk::FileObj file(CreateFileW(large.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    SetFilePointer(file.get(), (64 << 20) + 1, nullptr, FILE_BEGIN);
+    ASSERT_TRUE(SetEndOfFile(file.get()));
+    file.reset();
     for (const std::wstring& path : {folder.path(), locked, large})
         EXPECT_EQ(fault_of([&] { static_cast<void>(host::read_text_file(path)); }), ExitCode::kUsage);
     EXPECT_EQ(host::setting_for_module(std::wstring(511, L'x')), std::wstring(511, L'x'));

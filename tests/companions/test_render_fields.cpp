@@ -243,8 +243,9 @@ TEST_F(RenderFields, StandardThatCannotBeMet) {
     constexpr wchar_t kProfile[] = L"Z:\\usr\\share\\color\\icc\\ghostscript\\srgb.icc";
     settings_.pdfVersion()->Version = ps::kPDFA1b;
     // Whether the job stops, the profile, the renderer's answer and error.
-    const std::tuple<bool, const wchar_t*, int, uint32_t> rows[] = {
-        {true, kProfile, kFailed, 1013}, {true, L"C:\\none.icc", kFailed, 1013}, {false, kProfile, kDone, 0}};
+    const std::tuple<bool, const wchar_t*, int, uint32_t> rows[] = {{true, kProfile, kFailed, 1013},
+                                                                    {false, L"C:\\none.icc", kFailed, 1013},
+                                                                    {false, kProfile, kDone, 0}};
     for (const auto& [stops, profile, code, wanted] : rows) {
         folder_.write(L"job.ps", "%!PS\n[ /Rect [0 0 9 9] /Subtype /Movie /ANN pdfmark showpage\n");
         settings_.pdfVersion()->ICCFileName = profile;
