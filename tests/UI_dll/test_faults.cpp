@@ -280,11 +280,8 @@ struct SheetFaults : Faults {
 
     static inline PROPSHEETPAGEW added;  // the list page
     DriverDevmode output = {};
-    DocumentPropertyHeader header = {.cbSize = sizeof header,
-                                     .hPrinter = FakePrinter::handle(),
-                                     .pszPrinterName = printer_name,
-                                     .pdmOut = &output.dm,
-                                     .fMode = DM_COPY | DM_PROMPT};
+    DocumentPropertyHeader header = {sizeof header, 0, FakePrinter::handle(), printer_name, nullptr,
+                                     &output.dm,    0, DM_COPY | DM_PROMPT};
     PROPSHEETUI_INFO info = {.cbSize = sizeof info, .Version = PROPSHEETUI_INFO_VERSION};
     PFNPROPSHEETUI sheets = entry<LONG APIENTRY(PROPSHEETUI_INFO*, LPARAM)>("DrvDocumentPropertySheets");
     std::wstring own_folder = GetAppDataPath(true);

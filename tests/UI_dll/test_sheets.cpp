@@ -15,8 +15,6 @@
 
 namespace {
 
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
-
 // Stands in for the service: notes what is added and hands out a handle.
 std::vector<UINT> added;
 COMPROPSHEETUI added_sheet;
@@ -370,7 +368,7 @@ TEST(OptionItem, EachTypeHasItsParameters) {
 
 TEST(SettingToDevmode, PaperOrientationAndResolutionAreCopied) {
     const std::vector<FormRecord> forms = {{.name = L"A5", .paper_number = 11}};
-    PrintSettings settings;
+    pdf_settings::Setting settings;
     auto& general = *settings.general();
     general.Scale = 50;
     general.PaperResolution = 1200;

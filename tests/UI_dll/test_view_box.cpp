@@ -9,8 +9,6 @@
 namespace {
 
 using namespace pdf_settings;
-using Corvanta::Vantrix::PrintSettings::General_impl;
-using Corvanta::Vantrix::PrintSettings::Watermark_impl;
 
 TEST(ViewBoxRules, PageFollowsPaperAndOrientation) {
     constexpr Extent kA3 = {297, 420};
@@ -21,7 +19,7 @@ TEST(ViewBoxRules, PageFollowsPaperAndOrientation) {
         {"a custom size is not turned", 1, 1, kA3, 100, {100, 297}},
         {"no number", 1, 0, {}, NAN, {1, 297}}};
     for (const auto& [label, type, orientation, form, width, wanted] : rows) {
-        General_impl general;
+        ps::General_impl general;
         general.PaperType = type;
         general.PaperOrientation = orientation;
         general.PaperWidth = width;
@@ -80,7 +78,7 @@ struct PageDrawing : EditSheet {
     qk::DeviceContext dc{CreateCompatibleDC(nullptr)};
     qk::Bitmap bitmap;
     uint32_t* bits = nullptr;
-    Watermark_impl mark;
+    ps::Watermark_impl mark;
 };
 
 TEST_F(PageDrawing, WatermarkLiesWhereItIsAsked) {
@@ -139,7 +137,7 @@ TEST_F(PageDrawing, PictureIsDrawnInItsOwnColoursAndSize) {
         EXPECT_NEAR(red.width(), 51, 3);
         EXPECT_NEAR(red.height(), pixels_per_metre == '\x4f' ? 51 : 25, 3);
     }
-    mark.PictureScale = Watermark_impl::kNoPictureScale;
+    mark.PictureScale = ps::Watermark_impl::kNoPictureScale;
     EXPECT_NEAR(draw().width(), 189, 4);
     mark.PictureFileName = here.folder.write(L"broken.bmp", file.substr(0, 20));
     EXPECT_TRUE(draw().is_none());

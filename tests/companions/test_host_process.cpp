@@ -7,8 +7,6 @@
 
 namespace {
 
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
-
 struct HostProcess : testing::Test {
     HostProcess() { EXPECT_EQ(run(L"install --notify-channels 8"), 0); }
 
@@ -84,7 +82,7 @@ TEST_F(HostProcess, AbortedJobLeavesNothing) {
 }
 
 TEST_F(HostProcess, RefusedJobSaysWhy) {
-    PrintSettings settings;
+    Corvanta::Vantrix::PrintSettings::PrintSettings settings;
     settings.pdfVersion()->Version = 6;  // needs a colour profile
     settings.pdfVersion()->ICCFileName = L"there is no such profile";
     settings.security()->MasterPassword = L"s3cret";

@@ -10,7 +10,6 @@
 namespace {
 
 namespace ps = Corvanta::Vantrix::PrintSettings;
-using Settings = ps::PrintSettings;
 
 // A picture as Wine's PostScript driver spools it: run lengths of 1 to 128 bytes, in ASCII.
 std::string picture(int left, const char* decode, const char* paint, size_t row, uint8_t (*sample)(size_t)) {
@@ -230,7 +229,7 @@ TEST_F(RenderFields, EveryRow) {
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.question);
         if (!row.setting.empty()) {
-            settings_ = Settings();
+            settings_ = {};
             ASSERT_EQ(settings_.LoadPS4(kStart, false) + settings_.LoadPS4(row.setting, true), 0);
             folder_.write(L"job.ps", document());
             EXPECT_EQ(run(), kDone) << qk::to_utf8(message());

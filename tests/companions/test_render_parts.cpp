@@ -14,7 +14,6 @@
 namespace {
 
 using namespace companions::render;
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
 
 TEST(RenderRules, PasswordsGoIntoTheOptionsOnly) {
     // The version, both passwords, the options; empty: none wanted; null: cannot be used.
@@ -31,7 +30,7 @@ TEST(RenderRules, PasswordsGoIntoTheOptionsOnly) {
         {4, L"x", L"a\n-dNOSAFER", nullptr}};
     for (const auto& [version, master, user, wanted] : rows) {
         SCOPED_TRACE(qk::to_utf8(master + L"|" + user));
-        PrintSettings settings;
+        Corvanta::Vantrix::PrintSettings::PrintSettings settings;
         settings.pdfVersion()->Version = version;
         settings.security()->MasterPassword = master;
         settings.security()->UserPassword = user;

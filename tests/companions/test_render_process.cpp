@@ -5,8 +5,6 @@
 #include "support/render_process.h"
 #include "support/variable.h"
 
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
-
 TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     settings_.summary()->Author = L"\u65E5\u672C";
     settings_.pdfVersion()->Version = 1;
@@ -112,7 +110,7 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
         row.spool ? (void)folder_.write(L"job.ps", row.spool) : (void)DeleteFileW(spool_.c_str());
-        settings_ = PrintSettings();
+        settings_ = {};
         target_ = old;
         setting_ = kept_setting;
         *start_.view() = {};

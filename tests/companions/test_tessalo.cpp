@@ -14,7 +14,6 @@
 namespace {
 
 using namespace companions;
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
 
 // What becomes of bad characters and devices is seen where settings get their names.
 TEST(SafeName, TitlesBecomeFileNames) {
@@ -201,7 +200,7 @@ struct Tessalo : testing::Test {
     dialog_library::GetFile2* const get_file_ =
         qk::find_export<dialog_library::GetFile2>(library_.get(), "GetFile2");
     const Installation here_;
-    PrintSettings settings_;
+    Corvanta::Vantrix::PrintSettings::PrintSettings settings_;
     dialog_library::WorkingRecord record_ = {};
 };
 
