@@ -316,8 +316,7 @@ TEST_F(Sheet, SpoolerMayAskWhileItIsAsked) {
     DriverDevmode inner = {};
     here.printer.while_telling = [&] { EXPECT_EQ(ask(inner), 1); };
     EXPECT_EQ(ask(output), 1);
-    EXPECT_EQ(inner.dm.dmScale, 100);
-    EXPECT_EQ(output.dm.dmSize, 220);
+    EXPECT_EQ(std::tuple(inner.dm.dmScale, output.dm.dmSize), std::tuple(100, 220));
 }
 
 TEST_F(Sheet, ThoseOfTwoThreadsDoNotMeet) {

@@ -113,40 +113,36 @@ struct PrintProcessorJob : testing::Test {
 TEST_F(PrintProcessorJob, DocumentGoesWhereItIsSent) {
     const std::string page = page_of("Words");
     const std::wstring file = folder_.file(L"file.ps");
-    const struct {
-        const char* label;
-        std::string bytes;
-        const wchar_t* datatype;
-        std::wstring output;
-        bool ends, makes_pdf;
-        const char* engine;
-        size_t messages;
-    } rows[] = {
-        {"a file of the program's own", "short", L"RAW", file, true, false, "", 0},
-        {"a file in no folder", "short", L"RAW", folder_.file(L"no\\file.ps"), false, false, "", 0},
-        {"PostScript", page, L"RAW", L"", true, true, "", 0},
-        {"the port by its name", page, L"RAW [FF auto]", processor::kPort, true, true, "", 0},
-        {"text", "Words\r\n", L"TEXT", L"", true, true, "", 0},
-        {"what is no document", "no PostScript (", L"RAW", L"", true, false, "", 1},
-        {"no engine", page, L"RAW", L"", true, false, "/nowhere/gs", 1},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
+    // What is sent, its bytes and datatype, where to; whether it ends well and makes a PDF, the engine, the
+    // failures that are told.
+    const std::tuple<const char*, std::string, const wchar_t*, std::wstring, bool, bool, const char*, size_t>
+        rows[] = {
+            {"a file of the program's own", "short", L"RAW", file, true, false, "", 0},
+            {"a file in no folder", "short", L"RAW", folder_.file(L"no\\file.ps"), false, false, "", 0},
+            {"PostScript", page, L"RAW", L"", true, true, "", 0},
+            {"the port by its name", page, L"RAW [FF auto]", processor::kPort, true, true, "", 0},
+            {"text", "Words\r\n", L"TEXT", L"", true, true, "", 0},
+            {"what is no document", "no PostScript (", L"RAW", L"", true, false, "", 1},
+            {"no engine", page, L"RAW", L"", true, false, "/nowhere/gs", 1},
+        };
+    for (const auto& [label, bytes, datatype, output, ends, makes_pdf, program, told] : rows) {
+        SCOPED_TRACE(label);
         folder_.write(L"file.ps", "longer than the document");
-        const Variable engine(L"ZR_GHOSTSCRIPT", qk::to_wide(row.engine));
+        const Variable engine(L"ZR_GHOSTSCRIPT", qk::to_wide(program));
         const size_t before = messages();
         bool ended = false;
         {
             // A thread of its own, which a lock that the row before has left would hold up.
-            companions::Thread thread([&] { ended = send(row.bytes, row.datatype, row.output); });
+            companions::Thread thread(
+                [&, &sent = bytes, &type = datatype, &to = output] { ended = send(sent, type, to); });
             ASSERT_TRUE(thread.ended_within(60'000));
         }
-        EXPECT_EQ(ended, row.ends);
-        EXPECT_EQ(TempFolder::read(file), row.output == file ? "short" : "longer than the document");
-        EXPECT_EQ(qk::is_file(pdf_), row.makes_pdf);
-        if (row.makes_pdf)
+        EXPECT_EQ(ended, ends);
+        EXPECT_EQ(TempFolder::read(file), output == file ? "short" : "longer than the document");
+        EXPECT_EQ(qk::is_file(pdf_), makes_pdf);
+        if (makes_pdf)
             expect_text(pdf_, "Words");
-        EXPECT_EQ(messages() - before, row.messages);
+        EXPECT_EQ(messages() - before, told);
         EXPECT_FALSE(spooled_bytes());
         DeleteFileW(pdf_.c_str());
     }
