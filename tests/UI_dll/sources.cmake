@@ -12,7 +12,7 @@ target_sources(zr_tests PRIVATE
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_pages.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_restore_defaults.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_settings_page.cpp
-    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_sheet_safety.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_settings_transfer.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_sheets.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_untouched.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/UI_dll/test_view_box.cpp)

@@ -8,10 +8,7 @@ namespace {
 using namespace pdf_settings;
 using namespace Corvanta::Vantrix::PrintSettings;
 
-constexpr int kCheckButton = 12321;
-
-class Saving : public EditSheet {
-protected:
+struct Saving : EditSheet {
     // A file of the user's with what setting() holds.
     std::wstring own_file(const wchar_t* name) {
         setting()->PSName = name;
@@ -20,36 +17,30 @@ protected:
         return path;
     }
     static void rename(const wchar_t* name) { SetWindowTextW(control(kGeneralPage, IDC_NAME), name); }
+    static bool says(const std::wstring& text) {
+        return Outbox::boxes.back().text.find(text) != std::wstring::npos;
+    }
 };
 
-TEST_F(Saving, SheetHoldsNinePagesAndTheCheckButton) {
+TEST_F(Saving, SheetHoldsNinePagesAndTheCheckButtonSavesNothing) {
     show([] {
         EXPECT_EQ(GetFocus(), control(kGeneralPage, IDC_NAME));
         for (size_t i = 0; i < kPageCount; ++i)
             EXPECT_TRUE(go_to(static_cast<PageIndex>(i))) << i;
-        const HWND button = GetDlgItem(sheet(), kCheckButton);
-        EXPECT_TRUE(IsWindowVisible(button));
-        EXPECT_TRUE(IsWindowEnabled(button));
+        const HWND button = GetDlgItem(sheet(), kApplyButton);
+        EXPECT_TRUE(IsWindowVisible(button) && IsWindowEnabled(button));
         RECT place, cancel, client;
         GetWindowRect(button, &place);
         GetWindowRect(GetDlgItem(sheet(), IDCANCEL), &cancel);
         GetWindowRect(sheet(), &client);
-        EXPECT_GE(place.left, cancel.right);
-        EXPECT_LE(place.right, client.right);
+        EXPECT_TRUE(place.left >= cancel.right && place.right <= client.right);
+        EXPECT_TRUE(Outbox::boxes.empty());
+        press_apply();
     });
+    ASSERT_EQ(Outbox::boxes.size(), 1u);
     EXPECT_TRUE(stayed_open());
-    EXPECT_TRUE(here.outbox.boxes.empty());
-}
-
-TEST_F(Saving, NewSettingIsWrittenUnderItsName) {
-    show([] {
-        rename(L"My: new");
-        press_ok();
-    });
-    EXPECT_FALSE(stayed_open());
-    const std::wstring path = GetAppDataPath(false) + L"My_ new.ps4";
-    EXPECT_EQ(dialog_state().file.path, path);
-    EXPECT_EQ(ReadName(path), L"My: new");
+    EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_OK | MB_ICONINFORMATION});
+    EXPECT_FALSE(is_name_taken(setting()->PSName, {}));
 }
 
 TEST_F(Saving, ChangesAreListedAndSavedWhenTheUserAgrees) {
@@ -65,7 +56,7 @@ TEST_F(Saving, ChangesAreListedAndSavedWhenTheUserAgrees) {
     ASSERT_EQ(Outbox::boxes.size(), 1u);
     EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_YESNO | MB_ICONEXCLAMATION});
     EXPECT_EQ(Outbox::boxes[0].caption, dialog_text(IDS_CONFIRM_CAPTION));
-    EXPECT_NE(Outbox::boxes[0].text.find(L"After"), std::wstring::npos);
+    EXPECT_TRUE(says(L"After"));
     EXPECT_TRUE(is_old(path));
 
     Outbox::answer = IDYES;
@@ -79,27 +70,18 @@ TEST_F(Saving, ChangesAreListedAndSavedWhenTheUserAgrees) {
     EXPECT_NE(Changed2Str(setting(), unknown).at(0).find(L'3'), std::wstring::npos);
 }
 
-TEST_F(Saving, CheckButtonSavesNothing) {
-    show([] { press_apply(); });
-    ASSERT_EQ(Outbox::boxes.size(), 1u);
-    EXPECT_TRUE(stayed_open());
-    EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_OK | MB_ICONINFORMATION});
-    EXPECT_FALSE(is_name_taken(setting()->PSName, {}));
-}
-
 TEST_F(Saving, EditsSurviveAFileThatCannotBeWritten) {
     const std::wstring path = own_file(L"Locked");
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
     Outbox::answer = IDYES;
-    show(
-        [&] {
-            rename(L"Other");
-            press_ok();
-            EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Other");
-            SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-            press_ok();
-        },
-        path);
+    const auto look = [&] {
+        rename(L"Other");
+        press_ok();
+        EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Other");
+        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+        press_ok();
+    };
+    show(look, path);
     ASSERT_EQ(Outbox::boxes.size(), 3u);  // confirmed, refused with the reason, confirmed
     EXPECT_NE(Outbox::boxes[1].text.find(path), std::wstring::npos);
     EXPECT_EQ(ReadName(path), L"Other");
@@ -117,14 +99,14 @@ TEST_F(Saving, EditsSurviveAFolderThatTakesNoFile) {
         });
     const std::wstring obstacle = here.folder.write(L"Roaming\\Corvanta", "");  // for the folder itself
     show([&] {
-        rename(L"Kept");
+        rename(L"My: new");
         press_ok();
         DeleteFileW(obstacle.c_str());
         denies = true;
         press_ok();
         denies = false;
-        EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"Kept");
-        EXPECT_FALSE(is_name_taken(L"Kept", {}));
+        EXPECT_EQ(text(kGeneralPage, IDC_NAME), L"My: new");
+        EXPECT_FALSE(is_name_taken(L"My: new", {}));
         press_ok();
     });
     EXPECT_FALSE(stayed_open());
@@ -132,7 +114,8 @@ TEST_F(Saving, EditsSurviveAFolderThatTakesNoFile) {
     for (const Outbox::Box& box : Outbox::boxes)
         EXPECT_NE(box.text.find(dialog_text(IDS_NO_USER_FOLDER)), std::wstring::npos);
     EXPECT_NE(Outbox::boxes[0].text, Outbox::boxes[1].text);  // each with its reason
-    EXPECT_EQ(ReadName(GetAppDataPath(false) + L"Kept.ps4"), L"Kept");
+    EXPECT_EQ(dialog_state().file.path, GetAppDataPath(false) + L"My_ new.ps4");
+    EXPECT_EQ(ReadName(dialog_state().file.path), L"My: new");
 }
 
 TEST_F(Saving, FailureOnAPageKeepsTheSheetOpenAndItsEdits) {
@@ -167,38 +150,108 @@ TEST_F(Saving, LongListOfChangesIsWholeInABoxThatScrolls) {
         return popup != sheet() && GetDlgItem(popup, IDC_CHANGES) ? popup : nullptr;
     };
     const auto answer = [&](int button) {
-        const Later later(
-            [&] { return box() != nullptr; },
-            [&] {
-                const std::wstring list = control_text(box(), IDC_CHANGES);
-                for (int i = 100; i < 140; ++i)
-                    EXPECT_NE(list.find(L"key" + std::to_wstring(i)), std::wstring::npos) << i;
-                EXPECT_NE(GetWindowLongPtrW(GetDlgItem(box(), IDC_CHANGES), GWL_STYLE) & WS_VSCROLL, 0);
-                SendMessageW(box(), WM_COMMAND, static_cast<WPARAM>(button), 0);
-            });
+        const auto act = [&] {
+            const std::wstring list = control_text(box(), IDC_CHANGES);
+            for (int i = 100; i < 140; ++i)
+                EXPECT_NE(list.find(L"key" + std::to_wstring(i)), std::wstring::npos) << i;
+            EXPECT_NE(GetWindowLongPtrW(GetDlgItem(box(), IDC_CHANGES), GWL_STYLE) & WS_VSCROLL, 0);
+            SendMessageW(box(), WM_COMMAND, static_cast<WPARAM>(button), 0);
+        };
+        const Later later([&] { return box() != nullptr; }, act);
         press_ok();
     };
-    show(
-        [&] {
-            for (int i = 100; i < 140; ++i)
-                setting().addition()->Int[L"key" + std::to_wstring(i)] = i;
-            for (const int no : {IDNO, IDCANCEL}) {
-                answer(no);
-                EXPECT_TRUE(is_old(path));
-            }
-            answer(IDYES);
-        },
-        path);
+    const auto look = [&] {
+        for (int i = 100; i < 140; ++i)
+            setting().addition()->Int[L"key" + std::to_wstring(i)] = i;
+        for (const int no : {IDNO, IDCANCEL}) {
+            answer(no);
+            EXPECT_TRUE(is_old(path));
+        }
+        answer(IDYES);
+    };
+    show(look, path);
     EXPECT_FALSE(stayed_open());
     EXPECT_FALSE(is_old(path));
 }
 
-TEST_F(Saving, CaptionTellsTheNameOfWhatIsEdited) {
-    EXPECT_EQ(sheet_caption(L"Mine", true), dialog_text(IDS_SHEET_NEW));
+TEST_F(Saving, CaptionHasRoomForEachNameAndIsThere) {
     EXPECT_EQ(sheet_caption(L"", false), dialog_text(IDS_SHEET_NEW));
-    EXPECT_NE(sheet_caption(L"Mine", false).find(L"Mine"), std::wstring::npos);
     EXPECT_EQ(sheet_caption(std::wstring(400, L'x'), false).size(), 259u);
     EXPECT_EQ(dialog_text(60000), L"(no id{60000})");
+}
+
+TEST_F(Saving, FileThatSomebodyElseHasWrittenStaysAndACopyIsMade) {
+    const std::wstring path = own_file(L"mine");
+    Outbox::answer = IDYES;
+    const auto look = [&] {
+        dialog_state().file.mark = file_mark(path);
+        here.folder.write(path.substr(here.folder.path().size() + 1), "theirs");
+        type(kGeneralPage, IDC_SCALE, L"50");
+        press_ok();
+    };
+    show(look, path);
+    EXPECT_EQ(TempFolder::read(path), "theirs");
+    ASSERT_EQ(Outbox::boxes.size(), 2u) << "the changes, and whose file it is";
+    EXPECT_TRUE(says(path));
+    EXPECT_EQ(ReadName(dialog_state().file.path), L"mine(1)");
+}
+
+TEST_F(Saving, CheckButtonTellsEveryFaultAtOnce) {
+    show([] {
+        go_to(kColorPage);
+        const auto check = [] {
+            Outbox::boxes.clear();
+            SendMessageW(sheet(), WM_COMMAND, MAKEWPARAM(kApplyButton, BN_CLICKED),
+                         reinterpret_cast<LPARAM>(GetDlgItem(sheet(), kApplyButton)));
+            EXPECT_EQ(Outbox::boxes.size(), 1u);
+        };
+        check();
+        EXPECT_TRUE(says(dialog_text(IDS_CHECKED)));
+        type(kGeneralPage, IDC_RESOLUTION, L"71");
+        type(kGeneralPage, IDC_SCALE, L"9");
+        click(kWaterMarkPage, IDC_MARK_TEXT);
+        type(kWaterMarkPage, IDC_MARK_SIZE, L"7");
+        check();
+        for (const UINT fault : {IDS_BAD_RESOLUTION, IDS_BAD_SCALE, IDS_MARK_BAD_SIZE})
+            EXPECT_TRUE(says(dialog_text(fault))) << fault;
+        EXPECT_TRUE(is_in_front(kGeneralPage));
+        for (const wchar_t* bad : {L"3601", L"", L"72x"}) {
+            type(kGeneralPage, IDC_RESOLUTION, bad);
+            expect_check(kGeneralPage, IDS_BAD_RESOLUTION, IDC_RESOLUTION);
+        }
+        type(kGeneralPage, IDC_RESOLUTION, L"72");
+        expect_check(kGeneralPage, 0);
+    });
+}
+
+TEST_F(Saving, ArrowsStepOverSizesThatCannotBe) {
+    show([] {
+        // The size before, the step, the size then.
+        for (const auto& [from, delta, to] :
+             {std::tuple{0, 1, 8}, {8, -1, 0}, {8, 1, 9}, {9, -1, 8}, {10, -5, 0}}) {
+            NMUPDOWN set = {
+                {control(kWaterMarkPage, IDC_MARK_SIZE_SPIN), IDC_MARK_SIZE_SPIN, UDN_DELTAPOS}, from, delta};
+            SendMessageW(page(kWaterMarkPage), WM_NOTIFY, IDC_MARK_SIZE_SPIN, reinterpret_cast<LPARAM>(&set));
+            EXPECT_EQ(set.iPos + set.iDelta, to) << from;
+        }
+    });
+}
+
+TEST_F(Saving, PasswordsAreShownUntilThePageIsLeft) {
+    setting().security()->MasterPassword = L"secret";
+    show([] {
+        const auto mark = [] {
+            return SendMessageW(control(kSecuritiesPage, IDC_SEC_PASSWORD), EM_GETPASSWORDCHAR, 0, 0);
+        };
+        go_to(kSecuritiesPage);
+        EXPECT_NE(mark(), 0);
+        click(kSecuritiesPage, IDC_SEC_SHOW);
+        EXPECT_EQ(mark(), 0);
+        go_to(kColorPage);
+        go_to(kSecuritiesPage);
+        EXPECT_NE(mark(), 0);
+        EXPECT_FALSE(checked(kSecuritiesPage, IDC_SEC_SHOW));
+    });
 }
 
 }  // namespace

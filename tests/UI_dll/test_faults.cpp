@@ -1,11 +1,6 @@
 // One call fails: each function that the built module imports and that can fail, once at each of its calls. A
 // refused job says why, nothing leaks, and the next time all is as it was.
 
-#include <windows.h>
-
-#include <commctrl.h>
-#include <prsht.h>
-
 #include <climits>
 #include <csignal>
 #include <cstdio>
@@ -23,16 +18,14 @@
 
 namespace {
 
-template <class T>
-std::string bytes_of(const T& value) {
+std::string bytes_of(const DriverDevmode& value) {
     return {reinterpret_cast<const char*>(&value), sizeof value};
 }
 std::string text(const std::wstring& wide) {
     return '"' + qk::to_utf8(wide) + "\" ";
 }
 
-class Faults : public JobTest {
-public:
+struct Faults : JobTest {
     Faults() {
         for (const int end : {SIGABRT, SIGSEGV})
             std::signal(end, &end_all);
@@ -83,8 +76,7 @@ protected:
         std::string before = state();
         const ULONGLONG end = all ? ULLONG_MAX : GetTickCount64() + 15'000;
         while (done < numbers.size() && GetTickCount64() < end) {
-            const auto batch =
-                std::span(numbers).subspan(done).first(std::min(numbers.size() - done, kBatch));
+            const auto batch = std::span(numbers).subspan(done, std::min(numbers.size() - done, kBatch));
             done += batch.size();
             for (const size_t number : batch)
                 failures += fail_one(number);
@@ -95,7 +87,7 @@ protected:
                 fail_one(batch[i / 2]);
                 const std::string left = state();
                 EXPECT_TRUE(i % 2 == 0 || left == before)
-                    << failing << "\nleft " << left << "\nnot  " << before;
+                    << failing << "\nis " << left << "\nnot  " << before;
                 before = left;
             }
         }
@@ -127,9 +119,7 @@ private:
     // What the process and the installation hold.
     [[nodiscard]] std::string holdings(const ModuleCalls& calls) const {
         int windows = 0, objects = 0;
-        const auto count = [](HWND, LPARAM number) -> BOOL {
-            return ++*reinterpret_cast<int*>(number), TRUE;
-        };
+        const auto count = [](HWND, LPARAM number) { return ++*reinterpret_cast<int*>(number), TRUE; };
         EnumThreadWindows(GetCurrentThreadId(), count, reinterpret_cast<LPARAM>(&windows));
         // Where the system looks at no more of a handle.
         for (uintptr_t number = 0; number < 0x4000; ++number)
@@ -180,8 +170,7 @@ TEST_F(Faults, OfAJob) {
             record->error_code = 1, record->win32_error = failure = 5;
             record->message.set_in_place(L"failed");
         }
-        expect(send(DOCUMENTEVENT_ENDDOCPOST) == Left{DOCUMENTEVENT_SUCCESS, failure},
-               "not the record's end");
+        expect(send(DOCUMENTEVENT_ENDDOCPOST) == Left{DOCUMENTEVENT_SUCCESS, failure}, "not as recorded");
         expect(is_clean(), "something of the job stays");
         for (const Outbox::Box& box : Outbox::boxes)
             left += text(box.caption) + text(box.text);
@@ -226,8 +215,7 @@ TEST_F(Faults, OfLoading) {
 
 // --- Sheets ---
 
-class SheetFaults : public Faults {
-protected:
+struct SheetFaults : Faults {
     SheetFaults() {
         info.pfnComPropSheet = [](HANDLE, UINT function, LPARAM what, LPARAM) -> LONG_PTR {
             if (function == CPSFUNC_ADD_PROPSHEETPAGEW)
@@ -243,10 +231,9 @@ protected:
         setting->PSName = name;
         EXPECT_TRUE(setting.Save(path));
     }
-    std::string send(PFNPROPSHEETUI sheet, PROPSHEETUI_INFO& to, WORD reason,
-                     const void* parameter = nullptr) const {
-        to.Reason = reason;
-        return std::to_string(sheet(&to, reinterpret_cast<LPARAM>(parameter))) + " ";
+    std::string send(PFNPROPSHEETUI sheet, PROPSHEETUI_INFO& to, WORD why, const void* what = nullptr) const {
+        to.Reason = why;
+        return std::to_string(sheet(&to, reinterpret_cast<LPARAM>(what))) + " ";
     }
     // A sheet from INIT to DESTROY, with what is done in between.
     std::string with_sheet(const Scene& act) {
@@ -293,11 +280,8 @@ protected:
 
     static inline PROPSHEETPAGEW added;  // the list page
     DriverDevmode output = {};
-    DocumentPropertyHeader header = {.cbSize = sizeof header,
-                                     .hPrinter = FakePrinter::handle(),
-                                     .pszPrinterName = printer_name,
-                                     .pdmOut = &output.dm,
-                                     .fMode = DM_COPY | DM_PROMPT};
+    DocumentPropertyHeader header = {sizeof header, 0, FakePrinter::handle(), printer_name, nullptr,
+                                     &output.dm,    0, DM_COPY | DM_PROMPT};
     PROPSHEETUI_INFO info = {.cbSize = sizeof info, .Version = PROPSHEETUI_INFO_VERSION};
     PFNPROPSHEETUI sheets = entry<LONG APIENTRY(PROPSHEETUI_INFO*, LPARAM)>("DrvDocumentPropertySheets");
     std::wstring own_folder = GetAppDataPath(true);
@@ -324,14 +308,13 @@ TEST_F(SheetFaults, OfASheet) {
 }
 
 TEST_F(SheetFaults, OfTheListPage) {
-    const auto scene = [&] {
+    fail_each_call([&] {
         return with_list([](HWND page) {
             press(page, IDC_SETTINGS_DELETE);
             const PSHNOTIFY apply = {{GetParent(page), 0, static_cast<UINT>(PSN_APPLY)}, TRUE};
             SendMessageW(page, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&apply));
         });
-    };
-    fail_each_call(scene);
+    });
 }
 
 // Another name and OK for an edit sheet as it opens; where that does not end it, it is cancelled.

@@ -1,12 +1,8 @@
 // The built module itself, loaded as the print system loads it.
-#include <gtest/gtest.h>
-
-#include <type_traits>
 
 #include "UI_dll/ddi.h"
 #include "UI_dll/plotui.h"
 #include "common/qk/module.h"
-#include "common/qk/paths.h"
 #include "companions/thread.h"
 #include "support/debug_output.h"
 #include "support/handle_count.h"
@@ -29,27 +25,26 @@ TEST(Module, WithoutALanguageLibraryItDoesNotLoad) {
     const Installation here;  // has no "Language" folder either
     const std::wstring lonely = here.folder.file(L"out\\ZR_UI80.dll");
     CopyFileW(Installation::built(L"ZR_UI80.dll").c_str(), lonely.c_str(), FALSE);
-    struct {
-        DWORD level;
-        bool global, plain;
-    } const rows[] = {{0, false, false}, {3, false, false}, {5, false, true}, {5, true, true}};
+    // The trace level, whether it is set for all sessions, whether plain records are written.
+    const std::tuple<DWORD, bool, bool> rows[] = {
+        {0, false, false}, {3, false, false}, {5, false, true}, {5, true, true}};
     TraceSwitch trace_switch;
     unsigned handles = 0;  // 0: not counted yet, the system makes some at the first times
-    for (const auto& row : rows) {
+    for (const auto& [level, global, plain] : rows) {
         trace_switch.remove();
-        if (row.level)
-            trace_switch.set(row.level, row.global);
+        if (level)
+            trace_switch.set(level, global);
         const auto copies = private_copies();
         const DebugOutput output;
         SetLastError(0);
         EXPECT_EQ(LoadLibraryW(lonely.c_str()), nullptr);
         EXPECT_EQ(GetLastError(), DWORD{ERROR_DLL_INIT_FAILED});
         EXPECT_TRUE(output.holds(L"ZRTK Error:no resource dll."));
-        EXPECT_EQ(output.holds(L"  ui:attach\r\n") && output.holds(L"  gle="), row.plain);
+        EXPECT_EQ(output.holds(L"  ui:attach\r\n") && output.holds(L"  gle="), plain);
         EXPECT_EQ(private_copies(), copies);
         trace_switch.remove();
         EXPECT_TRUE(handles == 0 || handle_count() == handles);
-        if (row.level == 3)
+        if (level == 3)
             handles = handle_count();
     }
     EXPECT_TRUE(DeleteFileW(lonely.c_str())) << "it is still loaded";
@@ -86,8 +81,8 @@ TEST(Module, StaysLoadedAndAnswersThroughItsExports) {
     HMODULE module = LoadLibraryW(path.c_str());
     ASSERT_NE(module, nullptr);
     EXPECT_GE(private_copies(), 1);
-    EXPECT_NE(FindResourceW(module, MAKEINTRESOURCEW(2), RT_MANIFEST), nullptr);
-    EXPECT_NE(FindResourceW(module, MAKEINTRESOURCEW(1), RT_VERSION), nullptr);
+    EXPECT_TRUE(FindResourceW(module, MAKEINTRESOURCEW(2), RT_MANIFEST));
+    EXPECT_TRUE(FindResourceW(module, MAKEINTRESOURCEW(1), RT_VERSION));
 
     const unsigned handles = handle_count();
     for (int i = 0; i < 3; ++i) {  // callers come and go

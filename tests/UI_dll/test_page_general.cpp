@@ -12,33 +12,31 @@ using namespace pdf_settings;
 constexpr PageIndex kPage = kGeneralPage;
 
 TEST(GeneralRules, TextsAreReadAsTheNumbersTheyShow) {
-    struct {
-        const wchar_t* text;
-        std::optional<double> length, scale;
-        std::optional<int> resolution;
-    } const rows[] = {{L"", {}, {}, {}},
-                      {L".", {}, {}, {}},
-                      {L"abc", {}, {}, {}},
-                      {L"210.5.1", {}, {}, 210},
-                      {L"-30", {}, {}, {}},
-                      {L"1e2", {}, {}, 1},
-                      {L"50 mm", {}, {}, 50},
-                      {L"9.99", {}, {}, 9},
-                      {L"10", {}, 10, 10},
-                      {L"25.39", {}, 25.39, 25},
-                      {L"25.4", 25.4, 25.4, 25},
-                      {L"400.", 400, 400, 400},
-                      {L"400.1", 400.1, {}, 400},
-                      {L"3276.7", 3276.7, {}, 3276},
-                      {L"3276.71", {}, {}, 3276},
-                      {L"00000100000", {}, 100, 100000},  // of a scale eight digits count
-                      {L"99999999999", {}, {}, 1000000000}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(qk::to_utf8(row.text));
-        EXPECT_EQ(find_paper_length(row.text), row.length);
-        EXPECT_EQ(find_scale(row.text), row.scale);
-        EXPECT_EQ(find_resolution(row.text), row.resolution);
-    }
+    using Number = std::optional<double>;
+    constexpr auto no = std::nullopt;
+    // The text, the length, the scale (of which eight digits count), the resolution.
+    const std::tuple<const wchar_t*, Number, Number, std::optional<int>> rows[] = {
+        {L"", no, no, no},
+        {L".", no, no, no},
+        {L"abc", no, no, no},
+        {L"210.5.1", no, no, 210},
+        {L"-30", no, no, no},
+        {L"1e2", no, no, 1},
+        {L"50 mm", no, no, 50},
+        {L"9.99", no, no, 9},
+        {L"10", no, 10, 10},
+        {L"25.39", no, 25.39, 25},
+        {L"25.4", 25.4, 25.4, 25},
+        {L"400.", 400, 400, 400},
+        {L"400.1", 400.1, no, 400},
+        {L"3276.7", 3276.7, no, 3276},
+        {L"3276.71", no, no, 3276},
+        {L"00000100000", no, 100, 100000},
+        {L"99999999999", no, no, 1000000000}};
+    for (const auto& [text, length, scale, resolution] : rows)
+        EXPECT_EQ(std::tuple(find_paper_length(text), find_scale(text), find_resolution(text)),
+                  std::tuple(length, scale, resolution))
+            << qk::to_utf8(text);
     EXPECT_EQ(length_text(215.9f), L"215.90");
 }
 
@@ -48,24 +46,22 @@ TEST(GeneralRules, PatternsGiveNames) {
                                  .user = L"me",
                                  .printer = L"P\\1",
                                  .counter = 12};
-    const struct {
-        const wchar_t *pattern, *name, *fault;
-        bool counts = false;
-    } rows[] = {{L"", L"a_b.pdf", L""},
-                {L"{date} {time} {TITLE}.pdf", L"2026-03-09 07-05-04 a_b.pdf", L""},
-                {L"{user} on {printer}, {counter}", L"me on P_1, 12.pdf", L"", true},
-                {L"CON", L"_CON.pdf", L""},
-                {L" . ", L"no_name.pdf", L""},
-                {L"x} {counter", L"x} {counter.pdf", L"{counter"},
-                {L"{pages}{}{title}", L"{pages}{}a_b.pdf", L"{pages}"},
-                {L"{}", L"{}.pdf", L"{}"},
-                {L"a\\b", L"a_b.pdf", L"\\"},
-                {L"C:{x}", L"C_{x}.pdf", L":"},
-                {L"{user}/{title}", L"me_a_b.pdf", L"/"}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(name_now(row.pattern, values), row.name);
-        EXPECT_EQ(job::find_pattern_fault(row.pattern), row.fault) << qk::to_utf8(row.pattern);
-        EXPECT_EQ(job::counts(row.pattern), row.counts);
+    const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*, bool> rows[] = {
+        {L"", L"a_b.pdf", L"", false},
+        {L"{date} {time} {TITLE}.pdf", L"2026-03-09 07-05-04 a_b.pdf", L"", false},
+        {L"{user} on {printer}, {counter}", L"me on P_1, 12.pdf", L"", true},
+        {L"CON", L"_CON.pdf", L"", false},
+        {L" . ", L"no_name.pdf", L"", false},
+        {L"x} {counter", L"x} {counter.pdf", L"{counter", false},
+        {L"{pages}{}{title}", L"{pages}{}a_b.pdf", L"{pages}", false},
+        {L"{}", L"{}.pdf", L"{}", false},
+        {L"a\\b", L"a_b.pdf", L"\\", false},
+        {L"C:{x}", L"C_{x}.pdf", L":", false},
+        {L"{user}/{title}", L"me_a_b.pdf", L"/", false}};
+    for (const auto& [pattern, name, fault, counts] : rows) {
+        EXPECT_EQ(name_now(pattern, values), name);
+        EXPECT_EQ(job::find_pattern_fault(pattern), fault) << qk::to_utf8(pattern);
+        EXPECT_EQ(job::counts(pattern), counts);
     }
 }
 
@@ -86,11 +82,9 @@ TEST(GeneralRules, CommonPapersComeFirst) {
     EXPECT_EQ(find_list_position(forms, 77), std::nullopt);
 }
 
-class GeneralPage : public EditSheet {
-protected:
+struct GeneralPage : EditSheet {
     static inline std::wstring deleted;  // names of forms
-    ImportPatch delete_form{"DeleteFormW",
-                            [](HANDLE, wchar_t* name) -> BOOL { return deleted += name, TRUE; }};
+    ImportPatch delete_form{"DeleteFormW", [](HANDLE, wchar_t* it) -> BOOL { return deleted += it, TRUE; }};
     static auto& general() { return *setting().general(); }
 };
 
@@ -102,8 +96,7 @@ TEST_F(GeneralPage, StoredValuesAreShownAndKept) {
     deleted.clear();
     show([] {
         EXPECT_EQ(deleted, L" ");
-        EXPECT_EQ(text(kPage, 153), L"150");
-        EXPECT_EQ(text(kPage, 144), L"123.46");
+        EXPECT_EQ(text(kPage, 153) + L' ' + text(kPage, 144), L"150 123.46");
         EXPECT_TRUE(enabled(kPage, 7135) && enabled(kPage, 144) && enabled(kPage, 159));
         EXPECT_FALSE(enabled(kPage, 140) || enabled(kPage, 148) || shown(kPage, 155));
         press_apply();
@@ -127,51 +120,44 @@ TEST_F(GeneralPage, ResolutionBelowTheLeastIsBlankAndFormsAreTraced) {
     EXPECT_EQ(general().Scale, 70);
 }
 
-TEST_F(GeneralPage, CustomSizeKeepsTheFormAndNoFormsKeepThePaper) {
-    for (const bool forms : {true, false}) {
-        here.printer.failing_forms_call = forms ? 0 : 2;
-        show([] {
-            click(kPage, 142);
-            type(kPage, 144, L"300");
-            press_apply();
-        });
-        EXPECT_EQ(general().PaperType, 1);
-        EXPECT_EQ(general().PaperName, 9);
-        EXPECT_EQ(general().PaperWidth, 300);
-    }
+TEST_F(GeneralPage, NoFormsKeepThePaperAndItsOwnSize) {
+    here.printer.failing_forms_call = 2;
+    show([] {
+        click(kPage, 142);
+        type(kPage, 144, L"300");
+        press_apply();
+    });
+    EXPECT_EQ(std::tuple(general().PaperType, general().PaperName, general().PaperWidth),
+              std::tuple(1, 9, 300));
     show([] {
         click(kPage, 139);
         EXPECT_FALSE(enabled(kPage, 144));
         press_apply();
     });
-    EXPECT_EQ(general().PaperType, 0);
-    EXPECT_EQ(general().PaperWidth, 300);
+    EXPECT_EQ(std::tuple(general().PaperType, general().PaperWidth), std::tuple(0, 300));
 }
 
 TEST_F(GeneralPage, BadInputKeepsThePageAndShowsWhatWasThere) {
     setting()->PSName = L"Taken";
     ASSERT_TRUE(setting().Save(here.folder.file(L"Settings\\taken.ps4")));
-    struct {
-        int control;
-        const wchar_t* text;
-        UINT message;
-        const wchar_t *shown, *good;
-    } const rows[] = {{7122, L" ", 1423, L" ", L"Taken"},
-                      {7122, L"Taken", 1428, L"Taken", L"taken"},
-                      {144, L"abc", 4392, L"210.00", nullptr},
-                      {146, L"25.3", 4392, L"297.00", nullptr},
-                      {7135, L"C:\\none", 4703, L"C:\\none", L"C:\\windows"},
-                      {157, L"401", 4402, L"100", nullptr}};
+    // The control, what is typed, the message, what is shown then, what is good.
+    const std::tuple<int, const wchar_t*, UINT, const wchar_t*, const wchar_t*> rows[] = {
+        {7122, L" ", 1423, L" ", L"Taken"},
+        {7122, L"Taken", 1428, L"Taken", L"taken"},
+        {144, L"abc", 4392, L"210.00", nullptr},
+        {146, L"25.3", 4392, L"297.00", nullptr},
+        {7135, L"C:\\none", 4703, L"C:\\none", L"C:\\windows"},
+        {157, L"401", 4402, L"100", nullptr}};
     show([&] {
         click(kPage, 142);
         choose(kPage, 7133, 1);
         type(kPage, 7135, L"C:\\windows");
-        for (const auto& row : rows) {
-            type(kPage, row.control, row.text);
-            expect_check(kPage, row.message, row.control);
-            EXPECT_EQ(text(kPage, row.control), row.shown);
-            if (row.good)
-                type(kPage, row.control, row.good);
+        for (const auto& [control, typed, message, left, good] : rows) {
+            type(kPage, control, typed);
+            expect_check(kPage, message, control);
+            EXPECT_EQ(text(kPage, control), left);
+            if (good)
+                type(kPage, control, good);
         }
         for (const uint32_t version : {5u, 6u, 10u, 11u}) {  // links do not go with the press's standards
             choose_version(version);

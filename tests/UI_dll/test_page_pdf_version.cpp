@@ -13,8 +13,7 @@ using namespace pdf_settings;
 
 constexpr wchar_t kCoated[] = L"Japan Color 2001 Coated";
 
-class PDFVersionPage : public EditSheet {
-protected:
+struct PDFVersionPage : EditSheet {
     PDFVersionPage() {
         profiles.add(L"coated.icm", "CMYK", "prtr", "Japan Color 2001 Coated");
         profiles.add(L"fogra39.icc", "CMYK", "prtr", "Coated FOGRA39");
@@ -53,31 +52,27 @@ TEST_F(PDFVersionPage, ListsTheProfilesThatFitTheVersionAndTellsOfIt) {
     const Names none, all = {L"Coated FOGRA39", L"Photo printer", L"Plates", L"Screen", kCoated},
                       cmyk = {L"Coated FOGRA39", kCoated},
                       printers = {L"Coated FOGRA39", L"Photo printer", kCoated};
-    struct {
-        uint32_t version;
-        UINT note;
-        const Names& listed;
-    } const rows[] = {{0, IDS_PV_NOTE_LOW, none},        {1, IDS_PV_NOTE_PLAIN, none},
-                      {2, IDS_PV_NOTE_PLAIN, none},      {3, IDS_PV_NOTE_PLAIN, none},
-                      {4, IDS_PV_NOTE_PLAIN, none},      {5, IDS_PV_NOTE_ARCHIVE, all},
-                      {6, IDS_PV_NOTE_PRESS_CMYK, cmyk}, {7, IDS_PV_NOTE_PRESS_CMYK, cmyk},
-                      {8, IDS_PV_NOTE_PRESS, printers},  {9, IDS_PV_NOTE_PRESS, printers},
-                      {10, IDS_PV_NOTE_PRESS, printers}, {11, IDS_PV_NOTE_ARCHIVE, all},
-                      {12, IDS_PV_NOTE_NEWEST, none}};
+    const std::tuple<uint32_t, UINT, const Names&> rows[] = {
+        {0, IDS_PV_NOTE_LOW, none},        {2, IDS_PV_NOTE_PLAIN, none},
+        {3, IDS_PV_NOTE_PLAIN, none},      {4, IDS_PV_NOTE_PLAIN, none},
+        {5, IDS_PV_NOTE_ARCHIVE, all},     {6, IDS_PV_NOTE_PRESS_CMYK, cmyk},
+        {7, IDS_PV_NOTE_PRESS_CMYK, cmyk}, {8, IDS_PV_NOTE_PRESS, printers},
+        {9, IDS_PV_NOTE_PRESS, printers},  {10, IDS_PV_NOTE_PRESS, printers},
+        {11, IDS_PV_NOTE_ARCHIVE, all},    {12, IDS_PV_NOTE_NEWEST, none}};
     show([&] {
-        for (const auto& row : rows) {
-            SCOPED_TRACE(row.version);
+        for (const auto& [version, note, wanted] : rows) {
+            SCOPED_TRACE(version);
             const TraceCapture trace;
-            choose_version(row.version);
+            choose_version(version);
             EXPECT_TRUE(trace.holds(L"dlg_callback_PDFVersion.WM_COMMAND.IDC_PV_VERSION"));
-            EXPECT_EQ(text(kPDFVersionPage, IDC_PV_NOTE), dialog_text(row.note));
+            EXPECT_EQ(text(kPDFVersionPage, IDC_PV_NOTE), dialog_text(note));
             Names listed;
             for (LRESULT i = 0; i < list(CB_GETCOUNT); ++i)
                 listed.push_back(item(i));
             std::sort(listed.begin(), listed.end() - (listed.empty() ? 0 : 1));
-            EXPECT_EQ(listed, row.listed);
+            EXPECT_EQ(listed, wanted);
             EXPECT_EQ(enabled(kPDFVersionPage, IDC_PV_PROFILE), !listed.empty());
-            EXPECT_EQ(enabled(kPDFVersionPage, IDC_PV_USE_TRIM), row.version >= 6 && row.version <= 10);
+            EXPECT_EQ(enabled(kPDFVersionPage, IDC_PV_USE_TRIM), version >= 6 && version <= 10);
         }
     });
 }
@@ -86,19 +81,17 @@ TEST_F(PDFVersionPage, ChoiceOfProfileSurvivesTheRefill) {
     setting().pdfVersion()->ICCFileName = L"photo.icc";
     show([] {
         EXPECT_EQ(profile_read(), L"photo.icc");  // kept while none is listed
-        const struct {
-            uint32_t version;
-            const wchar_t *chosen, *file, *condition;
-        } rows[] = {{8, L"Photo printer", L"photo.icc", L"Custom"},
-                    {4, L"", L"photo.icc", L"Custom"},
-                    {9, L"Photo printer", L"photo.icc", L"Custom"},
-                    {7, kCoated, L"coated.icm", L"JC200103"}};
+        const std::tuple<uint32_t, std::wstring, std::wstring, std::wstring> rows[] = {
+            // the version, the profile chosen, its file, the condition
+            {8, L"Photo printer", L"photo.icc", L"Custom"},
+            {4, L"", L"photo.icc", L"Custom"},
+            {9, L"Photo printer", L"photo.icc", L"Custom"},
+            {7, kCoated, L"coated.icm", L"JC200103"}};
         for (const auto& row : rows) {
-            choose_version(row.version);
-            EXPECT_EQ(chosen(), row.chosen) << row.version;
-            EXPECT_EQ(condition(), row.condition) << row.version;
-            EXPECT_EQ(read_PDFVersion(page(kColorPage)).Version, row.version);
-            EXPECT_EQ(profile_read(), row.file) << row.version;
+            choose_version(std::get<0>(row));
+            EXPECT_EQ(
+                std::tuple(read_PDFVersion(page(kColorPage)).Version, chosen(), profile_read(), condition()),
+                row);
         }
         choose_profile(L"Coated FOGRA39");
         EXPECT_EQ(condition(), L"FOGRA39");
@@ -108,8 +101,7 @@ TEST_F(PDFVersionPage, ChoiceOfProfileSurvivesTheRefill) {
 }
 
 TEST_F(PDFVersionPage, ProfileThatIsNotListedStaysUntilAnotherIsChosen) {
-    const std::wstring path =
-        profiles.files.write(L"own.icc", ProfileFolder::profile("CMYK", "prtr", "Our press"));
+    const auto path = profiles.files.write(L"own.icc", ProfileFolder::profile("CMYK", "prtr", "Our press"));
     setting().pdfVersion()->ICCFileName = path;
     setting().pdfVersion()->Version = 6;
     show([&] {
@@ -130,48 +122,44 @@ TEST_F(PDFVersionPage, ProfileThatIsNotListedStaysUntilAnotherIsChosen) {
 }
 
 TEST_F(PDFVersionPage, RefusesWhatTheJobWouldRefuse) {
-    struct {
-        uint32_t version;
-        const wchar_t *profile, *condition, *trim, *bleed;
-        UINT message;  // 0: accepted
-        int focus;
-    } const rows[] = {{6, kCoated, L"X", L"3", L"3", 0, 0},
-                      {6, nullptr, L"X", L"3", L"3", IDS_PV_NO_PROFILE, IDC_PV_PROFILE},
-                      {11, nullptr, L"X", L"3", L"3", IDS_PV_NO_PROFILE, IDC_PV_PROFILE},
-                      {6, kCoated, L"", L"3", L"3", IDS_PV_NO_CONDITION, IDC_PV_CONDITION},
-                      {5, kCoated, L"", L"3", L"9", 0, 0},
-                      {10, kCoated, L"X", L"3", L"3.5", IDS_PV_BAD_BOXES, IDC_PV_BLEED_RIGHT},
-                      {10, kCoated, L"X", L"", L"3", IDS_PV_BAD_MARGIN, IDC_PV_TRIM_RIGHT},
-                      {10, kCoated, L"X", L"4", L"3276.8", IDS_PV_BAD_MARGIN, IDC_PV_BLEED_RIGHT},
-                      {4, nullptr, L"", L"-", L"9", 0, 0}};
+    // The version, the profile, the condition, the boxes' right margins; the message (0: accepted), the
+    // focus.
+    using Text = const wchar_t*;
+    const std::tuple<uint32_t, Text, Text, Text, Text, UINT, int> rows[] = {
+        {6, kCoated, L"X", L"3", L"3", 0, 0},
+        {6, nullptr, L"X", L"3", L"3", IDS_PV_NO_PROFILE, IDC_PV_PROFILE},
+        {11, nullptr, L"X", L"3", L"3", IDS_PV_NO_PROFILE, IDC_PV_PROFILE},
+        {6, kCoated, L"", L"3", L"3", IDS_PV_NO_CONDITION, IDC_PV_CONDITION},
+        {5, kCoated, L"", L"3", L"9", 0, 0},
+        {10, kCoated, L"X", L"3", L"3.5", IDS_PV_BAD_BOXES, IDC_PV_BLEED_RIGHT},
+        {10, kCoated, L"X", L"", L"3", IDS_PV_BAD_MARGIN, IDC_PV_TRIM_RIGHT},
+        {10, kCoated, L"X", L"4", L"3276.8", IDS_PV_BAD_MARGIN, IDC_PV_BLEED_RIGHT},
+        {4, nullptr, L"", L"-", L"9", 0, 0}};
     show([&] {
         go_to(kPDFVersionPage);
-        for (const auto& row : rows) {
-            SCOPED_TRACE(&row - rows);
-            choose_version(row.version);
-            row.profile ? choose_profile(row.profile) : choose(kPDFVersionPage, IDC_PV_PROFILE, -1);
-            type(kPDFVersionPage, IDC_PV_CONDITION, row.condition);
+        for (const auto& [version, profile, words, trim, bleed, message, focus] : rows) {
+            SCOPED_TRACE(qk::format(L"%u %ls %ls", version, trim, bleed).c_str());
+            choose_version(version);
+            profile ? choose_profile(profile) : choose(kPDFVersionPage, IDC_PV_PROFILE, -1);
+            type(kPDFVersionPage, IDC_PV_CONDITION, words);
             set_check(kPDFVersionPage, IDC_PV_USE_TRIM, true);
             set_check(kPDFVersionPage, IDC_PV_USE_BLEED, true);
-            type(kPDFVersionPage, IDC_PV_TRIM_RIGHT, row.trim);
-            type(kPDFVersionPage, IDC_PV_BLEED_RIGHT, row.bleed);
-            expect_check(kPDFVersionPage, row.message, row.focus);
+            type(kPDFVersionPage, IDC_PV_TRIM_RIGHT, trim);
+            type(kPDFVersionPage, IDC_PV_BLEED_RIGHT, bleed);
+            expect_check(kPDFVersionPage, message, focus);
         }
     });
 }
 
 TEST_F(PDFVersionPage, FileNameIsFoundByTheWholeDescription) {
-    struct {
-        const wchar_t* description;
-        int result;
-        const wchar_t* name;
-    } const rows[] = {{L"Coated FOGRA39", 0, L"fogra39.icc"}, {kCoated, 0, L"coated.icm"},
-                      {L"coated fogra39", 0, L"before"},      {L"Coated", 0, L"before"},
-                      {L"Another extension", 0, L"before"},   {L"", 1, L""}};
-    for (const auto& row : rows) {
+    const std::tuple<const wchar_t*, int, const wchar_t*> rows[] = {
+        {L"Coated FOGRA39", 0, L"fogra39.icc"}, {kCoated, 0, L"coated.icm"},
+        {L"coated fogra39", 0, L"before"},      {L"Coated", 0, L"before"},
+        {L"Another extension", 0, L"before"},   {L"", 1, L""}};
+    for (const auto& [description, result, wanted] : rows) {
         wchar_t name[kFileNameUnits] = L"before";
-        EXPECT_EQ(icc_FileNameFromDesc(row.description, name), row.result) << row.description;
-        EXPECT_STREQ(name, row.name) << row.description;
+        EXPECT_EQ(icc_FileNameFromDesc(description, name), result) << description;
+        EXPECT_STREQ(name, wanted) << description;
     }
     EXPECT_EQ(icc_FileNameFromDesc(kCoated, nullptr), 1);
 }

@@ -8,8 +8,7 @@ namespace {
 
 using namespace pdf_settings;
 
-class Pages : public EditSheet {
-protected:
+struct Pages : EditSheet {
     Pages() {
         profiles.add(L"press.icc", "CMYK", "prtr", "Press");
         profiles.add(L"photo.icc", "RGB ", "prtr", "Photo");
@@ -26,23 +25,24 @@ protected:
         for (const int id : off)
             EXPECT_FALSE(enabled(index, id) && shown(index, id)) << id;
     }
-    static void set_version(uint32_t version) {
+    // Each gives back the page that is looked at then.
+    static PageIndex at_version(uint32_t version, PageIndex page) {
         go_to(kPDFVersionPage);  // so that the page in question looks again
         choose_version(version);
+        return page;
     }
-    static void set_image(int kind, int method, int sampling) {
+    static PageIndex set_image(int kind, int method, int sampling) {
         choose(kCompressPage, kind + CMP_METHOD, method);
         choose(kCompressPage, kind + CMP_SAMPLING, sampling);
+        return kCompressPage;
     }
-    static void set_color(int mode, int method) {
+    static PageIndex set_color(int mode, int method) {
         click(kColorPage, mode);
         choose(kColorPage, 4907, method);
         go_to(kColorPage);
+        return kColorPage;
     }
-    static void type_passwords(const wchar_t* open, const wchar_t* permissions) {
-        type(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD, open);
-        type(kSecuritiesPage, IDC_SEC_PASSWORD, permissions);
-    }
+    static PageIndex clicked(PageIndex page, int id) { return click(page, id), page; }
 
     ProfileFolder profiles;
 };
@@ -55,23 +55,15 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
     setting().security()->MasterPassword = L"master";
     show([] {
         expect_offer(kColorPage, {4906, 4912}, {4905, 4908, 4909});  // as stored
-        set_color(kModeOfColour, 0);
-        expect_offer(kColorPage, {4908, 4909}, {4906, 4907, 4910, 4911, 4912});
-        set_color(kModeOfColour, 1);
-        expect_offer(kColorPage, {}, {4906, 4908, 4909});
-        set_color(kModeOfGrey, 0);
-        expect_offer(kColorPage, {4906, 4908, 4909}, {4907, 4910, 4911, 4912});
-        set_color(kModeOfMono, 0);
-        expect_offer(kColorPage, {4906, 4907, 4908, 4909, 4910, 4911, 4912}, {});
-        set_color(kModeOfMono, 1);
-        expect_offer(kColorPage, {4906, 4907, 4910, 4911, 4912}, {4908, 4909});
-        for (const uint32_t version : {5u, 10u, 12u}) {  // the last with the profile as it is stored
-            set_version(version);
-            expect_offer(kColorPage, {4901, 4905}, {});
-        }
-        set_version(4);
-        expect_offer(kColorPage, {}, {4901, 4905});
-        set_version(10);
+        expect_offer(set_color(kModeOfColour, 0), {4908, 4909}, {4906, 4907, 4910, 4911, 4912});
+        expect_offer(set_color(kModeOfColour, 1), {}, {4906, 4908, 4909});
+        expect_offer(set_color(kModeOfGrey, 0), {4906, 4908, 4909}, {4907, 4910, 4911, 4912});
+        expect_offer(set_color(kModeOfMono, 0), {4906, 4907, 4908, 4909, 4910, 4911, 4912}, {});
+        expect_offer(set_color(kModeOfMono, 1), {4906, 4907, 4910, 4911, 4912}, {4908, 4909});
+        for (const uint32_t version : {5u, 10u, 12u})  // the last with the profile as it is stored
+            expect_offer(at_version(version, kColorPage), {4901, 4905}, {});
+        expect_offer(at_version(4, kColorPage), {}, {4901, 4905});
+        at_version(10, kColorPage);
         const LRESULT photo = SendMessageW(control(kPDFVersionPage, IDC_PV_PROFILE), CB_FINDSTRINGEXACT,
                                            static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(L"Photo"));
         choose(kPDFVersionPage, IDC_PV_PROFILE, static_cast<int>(photo));
@@ -81,52 +73,42 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
         constexpr int kMono = IDC_CMP_MONO + CMP_METHOD;
         constexpr int kMethod = kColour + CMP_METHOD, kQuality = kColour + CMP_QUALITY;
         constexpr int kThreshold = kColour + CMP_THRESHOLD, kTarget = kColour + CMP_TARGET;
-        set_image(kColour, 1, 1);
-        expect_offer(kCompressPage, {kMono}, {kMethod, kQuality, kTarget, kGrey});
+        expect_offer(set_image(kColour, 1, 1), {kMono}, {kMethod, kQuality, kTarget, kGrey});
         set_color(kModeOfGrey, 0);
         expect_offer(kCompressPage, {kMono, kGrey}, {kMethod, kThreshold});
         set_color(kModeOfColour, 0);
         expect_offer(kCompressPage, {kMono, kGrey, kMethod, kQuality, kThreshold, kTarget}, {});
-        set_image(kColour, 0, 2);  // JPEG where it suits the image
-        expect_offer(kCompressPage, {kQuality, kThreshold, kTarget}, {});
-        set_image(kColour, 2, 1);
-        expect_offer(kCompressPage, {kThreshold, kTarget}, {kQuality});
-        set_image(kColour, 1, 0);
-        expect_offer(kCompressPage, {kQuality}, {kThreshold, kTarget});
+        // JPEG where it suits the image.
+        expect_offer(set_image(kColour, 0, 2), {kQuality, kThreshold, kTarget}, {});
+        expect_offer(set_image(kColour, 2, 1), {kThreshold, kTarget}, {kQuality});
+        expect_offer(set_image(kColour, 1, 0), {kQuality}, {kThreshold, kTarget});
 
-        const std::vector<int> low = {IDC_SEC_NO_PRINT, IDC_SEC_NO_MODIFY, IDC_SEC_NO_COPY,
-                                      IDC_SEC_NO_ANNOTATE};
+        const std::vector low = {IDC_SEC_NO_PRINT, IDC_SEC_NO_MODIFY, IDC_SEC_NO_COPY, IDC_SEC_NO_ANNOTATE};
         const std::vector<int> high = {IDC_SEC_COPY,       IDC_SEC_READER, IDC_SEC_EDIT,
                                        IDC_SEC_EDIT_LABEL, IDC_SEC_PRINT,  IDC_SEC_PRINT_LABEL};
         const std::vector<int> uses = {IDC_SEC_USE_OPEN, IDC_SEC_USE_PERMISSIONS};
-        set_version(0);
-        expect_offer(kSecuritiesPage, low, high);
+        expect_offer(at_version(0, kSecuritiesPage), low, high);
         for (const uint32_t version : {1u, 12u}) {
-            set_version(version);
-            expect_offer(kSecuritiesPage, high, low);
+            expect_offer(at_version(version, kSecuritiesPage), high, low);
             expect_offer(kSecuritiesPage, uses, {});
         }
         set_check(kSecuritiesPage, IDC_SEC_COPY, true);
         expect_offer(kSecuritiesPage, {IDC_SEC_COPY}, {IDC_SEC_READER});
         for (const uint32_t version : {5u, 11u}) {
-            set_version(version);
-            expect_offer(kSecuritiesPage, {}, high);
+            expect_offer(at_version(version, kSecuritiesPage), {}, high);
             expect_offer(kSecuritiesPage, {}, uses);
             expect_offer(kFontPage, {}, {IDC_FONT_ONLY});
         }
-        for (const uint32_t version : {4u, 12u}) {
-            set_version(version);
-            expect_offer(kFontPage, {IDC_FONT_ONLY}, {});
-        }
+        for (const uint32_t version : {4u, 12u})
+            expect_offer(at_version(version, kFontPage), {IDC_FONT_ONLY}, {});
 
-        click(kWaterMarkPage, IDC_MARK_NONE);
-        expect_offer(kWaterMarkPage, {}, {IDC_MARK_FONT, IDC_MARK_BROWSE, IDC_MARK_ORDER, IDC_MARK_SCALE});
-        click(kWaterMarkPage, IDC_MARK_TEXT);
-        expect_offer(kWaterMarkPage, {IDC_MARK_FONT, IDC_MARK_ORDER}, {IDC_MARK_BROWSE, IDC_MARK_SCALE});
-        click(kWaterMarkPage, IDC_MARK_PICTURE);
-        expect_offer(kWaterMarkPage, {IDC_MARK_BROWSE, IDC_MARK_ORDER}, {IDC_MARK_FONT, IDC_MARK_SCALE});
-        click(kWaterMarkPage, IDC_MARK_AUTO_SCALE);
-        expect_offer(kWaterMarkPage, {IDC_MARK_SCALE}, {});
+        expect_offer(clicked(kWaterMarkPage, IDC_MARK_NONE), {},
+                     {IDC_MARK_FONT, IDC_MARK_BROWSE, IDC_MARK_ORDER, IDC_MARK_SCALE});
+        expect_offer(clicked(kWaterMarkPage, IDC_MARK_TEXT), {IDC_MARK_FONT, IDC_MARK_ORDER},
+                     {IDC_MARK_BROWSE, IDC_MARK_SCALE});
+        expect_offer(clicked(kWaterMarkPage, IDC_MARK_PICTURE), {IDC_MARK_BROWSE, IDC_MARK_ORDER},
+                     {IDC_MARK_FONT, IDC_MARK_SCALE});
+        expect_offer(clicked(kWaterMarkPage, IDC_MARK_AUTO_SCALE), {IDC_MARK_SCALE}, {});
         click(kWaterMarkPage, IDC_MARK_NONE);
 
         for (int layout = 0; layout < 5; ++layout) {
@@ -134,10 +116,8 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
             EXPECT_EQ(enabled(kOpenActionPage, IDC_OPEN_BINDING), layout != 1 && layout != 2);
         }
         expect_offer(kOpenActionPage, {IDC_OPEN_PAGE}, {});
-        click(kOpenActionPage, IDC_OPEN_AT_PAGE);
-        expect_offer(kOpenActionPage, {}, {IDC_OPEN_PAGE});
-        set_version(4);
-        go_to(kGeneralPage);
+        expect_offer(clicked(kOpenActionPage, IDC_OPEN_AT_PAGE), {}, {IDC_OPEN_PAGE});
+        go_to(at_version(4, kGeneralPage));
         press_apply();
     });
     EXPECT_TRUE(setting().color()->BlackToK100);  // greyed as it is
@@ -145,113 +125,101 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
 
 TEST_F(Pages, WhatCannotBeIsRefusedAndWhatItIsAboutIsTold) {
     show([] {
-        for (const wchar_t* bad : {L"0", L"1000001", L"x"}) {
-            type(kOpenActionPage, IDC_OPEN_PAGE, bad);
-            expect_check(kOpenActionPage, IDS_OPEN_BAD_PAGE, IDC_OPEN_PAGE);
+        // The page, what is clicked first (0: nothing), what is typed into which control, the message.
+        const std::tuple<PageIndex, int, int, const wchar_t*, UINT> typed[] = {
+            {kOpenActionPage, 0, IDC_OPEN_PAGE, L"0", IDS_OPEN_BAD_PAGE},
+            {kOpenActionPage, 0, IDC_OPEN_PAGE, L"1000001", IDS_OPEN_BAD_PAGE},
+            {kOpenActionPage, 0, IDC_OPEN_PAGE, L"x", IDS_OPEN_BAD_PAGE},
+            {kOpenActionPage, 0, IDC_OPEN_PAGE, L"1000000", 0},
+            {kOpenActionPage, IDC_OPEN_AT_PAGE, IDC_OPEN_PAGE, L"0", 0},  // none at all
+            {kWaterMarkPage, 0, IDC_MARK_SIZE, L"7", 0},                  // there is no watermark
+            {kWaterMarkPage, IDC_MARK_TEXT, IDC_MARK_SIZE, L"7", IDS_MARK_BAD_SIZE},
+            {kWaterMarkPage, 0, IDC_MARK_SIZE, L"501", IDS_MARK_BAD_SIZE},
+            {kWaterMarkPage, 0, IDC_MARK_SIZE, L"8", 0},
+            {kWaterMarkPage, 0, IDC_MARK_TRANSPARENCY, L"101", IDS_MARK_BAD_TRANSPARENCY},
+            {kWaterMarkPage, 0, IDC_MARK_TRANSPARENCY, L"100", 0},
+            {kWaterMarkPage, IDC_MARK_PICTURE, IDC_MARK_FILE, L"", IDS_MARK_NO_FILE},
+            {kWaterMarkPage, 0, IDC_MARK_FILE, L"C:\\windows\\win.ini", IDS_MARK_NO_PICTURE},
+            // As on another computer: not asked.
+            {kWaterMarkPage, 0, IDC_MARK_FILE, L"\\\\?\\C:\\windows\\win.ini", 0},
+            {kWaterMarkPage, IDC_MARK_AUTO_SCALE, IDC_MARK_SCALE, L"0", IDS_MARK_BAD_SCALE},
+            {kWaterMarkPage, 0, IDC_MARK_SCALE, L"6401", IDS_MARK_BAD_SCALE},
+            {kWaterMarkPage, 0, IDC_MARK_SCALE, L"6400", 0}};
+        for (const auto& [page, clicked, control, words, message] : typed) {
+            SCOPED_TRACE(qk::to_utf8(words) + " into " + std::to_string(control));
+            if (clicked)
+                click(page, clicked);
+            type(page, control, words);
+            expect_check(page, message, control);
         }
-        type(kOpenActionPage, IDC_OPEN_PAGE, L"1000000");
-        expect_check(kOpenActionPage, 0);
-        type(kOpenActionPage, IDC_OPEN_PAGE, L"0");
-        click(kOpenActionPage, IDC_OPEN_AT_PAGE);  // none at all
-        expect_check(kOpenActionPage, 0);
-
         click(kFontPage, IDC_FONT_ONLY);
         expect_check(kFontPage, IDS_FONT_NONE_LISTED, IDC_FONT_INSTALLED);
         click(kFontPage, IDC_FONT_ALL_BUT);
         expect_check(kFontPage, 0);
-
-        type(kWaterMarkPage, IDC_MARK_SIZE, L"7");
-        expect_check(kWaterMarkPage, 0);  // there is no watermark
-        click(kWaterMarkPage, IDC_MARK_TEXT);
-        expect_check(kWaterMarkPage, IDS_MARK_BAD_SIZE, IDC_MARK_SIZE);
-        type(kWaterMarkPage, IDC_MARK_SIZE, L"501");
-        expect_check(kWaterMarkPage, IDS_MARK_BAD_SIZE, IDC_MARK_SIZE);
-        type(kWaterMarkPage, IDC_MARK_SIZE, L"8");
-        type(kWaterMarkPage, IDC_MARK_TRANSPARENCY, L"101");
-        expect_check(kWaterMarkPage, IDS_MARK_BAD_TRANSPARENCY, IDC_MARK_TRANSPARENCY);
-        click(kWaterMarkPage, IDC_MARK_PICTURE);
-        expect_check(kWaterMarkPage, IDS_MARK_NO_FILE, IDC_MARK_FILE);
-        type(kWaterMarkPage, IDC_MARK_FILE, L"C:\\windows\\win.ini");
-        expect_check(kWaterMarkPage, IDS_MARK_NO_PICTURE, IDC_MARK_FILE);
-        type(kWaterMarkPage, IDC_MARK_FILE,
-             L"\\\\?\\C:\\windows\\win.ini");  // as on another computer: not asked
-        click(kWaterMarkPage, IDC_MARK_AUTO_SCALE);
-        for (const wchar_t* bad : {L"0", L"6401"}) {
-            type(kWaterMarkPage, IDC_MARK_SCALE, bad);
-            expect_check(kWaterMarkPage, IDS_MARK_BAD_SCALE, IDC_MARK_SCALE);
-        }
-        type(kWaterMarkPage, IDC_MARK_SCALE, L"6400");
-        type(kWaterMarkPage, IDC_MARK_TRANSPARENCY, L"100");
-        expect_check(kWaterMarkPage, 0);
-
         click(kSecuritiesPage, IDC_SEC_USE_OPEN);
         click(kSecuritiesPage, IDC_SEC_USE_PERMISSIONS);
-        type_passwords(L"x", L"y z");
-        expect_check(kSecuritiesPage, IDS_SEC_BAD_CHARACTER, IDC_SEC_PASSWORD);
-        type_passwords(L"", L"x");
-        expect_check(kSecuritiesPage, IDS_SEC_NO_OPEN_PASSWORD, IDC_SEC_OPEN_PASSWORD, MB_ICONEXCLAMATION);
-        type_passwords(L"x", L"");
-        expect_check(kSecuritiesPage, IDS_SEC_NO_PASSWORD, IDC_SEC_PASSWORD, MB_ICONEXCLAMATION);
-        type_passwords(L"x", L"y");
-        expect_check(kSecuritiesPage, 0);
+        const std::tuple<const wchar_t*, const wchar_t*, UINT, int> passwords[] = {
+            {L"x", L"y z", IDS_SEC_BAD_CHARACTER, IDC_SEC_PASSWORD},
+            {L"", L"x", IDS_SEC_NO_OPEN_PASSWORD, IDC_SEC_OPEN_PASSWORD},
+            {L"x", L"", IDS_SEC_NO_PASSWORD, IDC_SEC_PASSWORD},
+            {L"x", L"y", 0, 0}};
+        for (const auto& [open, permissions, message, focus] : passwords) {
+            type(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD, open);
+            type(kSecuritiesPage, IDC_SEC_PASSWORD, permissions);
+            expect_check(kSecuritiesPage, message, focus,
+                         *open && *permissions ? MB_ICONERROR : MB_ICONEXCLAMATION);
+        }
 
-        const struct {
-            int method, sampling;
-            const wchar_t *quality, *threshold, *target;
-            UINT message;  // 0: accepted
-            int focus;
-        } images[] = {{1, 2, L"100", L"150", L"150", 0, 0},
-                      {1, 2, L"100", L"149", L"150", IDS_CMP_TARGET_ABOVE, CMP_TARGET},
-                      {1, 2, L"101", L"150", L"150", IDS_CMP_BAD_QUALITY, CMP_QUALITY},
-                      {1, 2, L"", L"150", L"150", IDS_CMP_BAD_QUALITY, CMP_QUALITY},
-                      {2, 2, L"101", L"24000", L"10", 0, 0},
-                      {2, 2, L"0", L"24001", L"10", IDS_CMP_BAD_RESOLUTION, CMP_THRESHOLD},
-                      {2, 2, L"0", L"100", L"9", IDS_CMP_BAD_RESOLUTION, CMP_TARGET},
-                      {2, 0, L"0", L"9", L"x", 0, 0}};
-        for (const auto& row : images) {
-            SCOPED_TRACE(&row - images);
-            set_image(IDC_CMP_GREY, row.method, row.sampling);
-            type(kCompressPage, IDC_CMP_GREY + CMP_QUALITY, row.quality);
-            type(kCompressPage, IDC_CMP_GREY + CMP_THRESHOLD, row.threshold);
-            type(kCompressPage, IDC_CMP_GREY + CMP_TARGET, row.target);
-            expect_check(kCompressPage, row.message, IDC_CMP_GREY + row.focus);
+        // The method and the sampling, the quality, the threshold, the target; the message (0: accepted), the
+        // focus.
+        using Text = const wchar_t*;
+        const std::tuple<int, int, Text, Text, Text, UINT, int> images[] = {
+            {1, 2, L"100", L"150", L"150", 0, 0},
+            {1, 2, L"100", L"149", L"150", IDS_CMP_TARGET_ABOVE, CMP_TARGET},
+            {1, 2, L"101", L"150", L"150", IDS_CMP_BAD_QUALITY, CMP_QUALITY},
+            {1, 2, L"", L"150", L"150", IDS_CMP_BAD_QUALITY, CMP_QUALITY},
+            {2, 2, L"101", L"24000", L"10", 0, 0},
+            {2, 2, L"0", L"24001", L"10", IDS_CMP_BAD_RESOLUTION, CMP_THRESHOLD},
+            {2, 2, L"0", L"100", L"9", IDS_CMP_BAD_RESOLUTION, CMP_TARGET},
+            {2, 0, L"0", L"9", L"x", 0, 0}};
+        for (const auto& [method, sampling, quality, threshold, target, message, focus] : images) {
+            SCOPED_TRACE(qk::to_utf8(quality + (L' ' + std::wstring(threshold)) + L' ' + target));
+            set_image(IDC_CMP_GREY, method, sampling);
+            type(kCompressPage, IDC_CMP_GREY + CMP_QUALITY, quality);
+            type(kCompressPage, IDC_CMP_GREY + CMP_THRESHOLD, threshold);
+            type(kCompressPage, IDC_CMP_GREY + CMP_TARGET, target);
+            expect_check(kCompressPage, message, IDC_CMP_GREY + focus);
         }
     });
 }
 
 TEST_F(Pages, NumbersKeepToTheirRange) {
-    const struct {
-        PageIndex page;
-        int up_down;
-        int low, high;
-        LRESULT units;
-    } rows[] = {{kColorPage, IDC_IMAGE_THRESHOLD_SPIN, 0, 255, 3},
-                {kColorPage, IDC_TEXT_THRESHOLD_SPIN, 0, 255, 3},
-                {kCompressPage, IDC_CMP_COLOUR + CMP_QUALITY_SPIN, 0, 100, 3},
-                {kCompressPage, IDC_CMP_GREY + CMP_QUALITY_SPIN, 0, 100, 3},
-                {kOpenActionPage, IDC_OPEN_PAGE_SPIN, 1, 1000000, 7},
-                {kWaterMarkPage, IDC_MARK_SIZE_SPIN, 0, 500, 3},
-                {kWaterMarkPage, IDC_MARK_SCALE_SPIN, 1, 6400, 4},
-                {kWaterMarkPage, IDC_MARK_TRANSPARENCY_SPIN, 0, 100, 3}};
+    // The page, the up-down control, its range, the most digits.
+    const std::tuple<PageIndex, int, int, int, LRESULT> rows[] = {
+        {kColorPage, IDC_IMAGE_THRESHOLD_SPIN, 0, 255, 3},
+        {kColorPage, IDC_TEXT_THRESHOLD_SPIN, 0, 255, 3},
+        {kCompressPage, IDC_CMP_COLOUR + CMP_QUALITY_SPIN, 0, 100, 3},
+        {kCompressPage, IDC_CMP_GREY + CMP_QUALITY_SPIN, 0, 100, 3},
+        {kOpenActionPage, IDC_OPEN_PAGE_SPIN, 1, 1000000, 7},
+        {kWaterMarkPage, IDC_MARK_SIZE_SPIN, 0, 500, 3},
+        {kWaterMarkPage, IDC_MARK_SCALE_SPIN, 1, 6400, 4},
+        {kWaterMarkPage, IDC_MARK_TRANSPARENCY_SPIN, 0, 100, 3}};
     show([&] {
-        for (const auto& row : rows) {
-            SCOPED_TRACE(row.up_down);
-            const HWND spin = control(row.page, row.up_down);
+        for (const auto& [page, up_down, lowest, highest, digits] : rows) {
+            SCOPED_TRACE(up_down);
+            const HWND up = control(page, up_down);
             int low = -1, high = -1;
-            SendMessageW(spin, UDM_GETRANGE32, reinterpret_cast<WPARAM>(&low),
-                         reinterpret_cast<LPARAM>(&high));
-            EXPECT_EQ(low, row.low);
-            EXPECT_EQ(high, row.high);
-            const auto edit = reinterpret_cast<HWND>(SendMessageW(spin, UDM_GETBUDDY, 0, 0));
-            EXPECT_EQ(SendMessageW(edit, EM_GETLIMITTEXT, 0, 0), row.units);
+            SendMessageW(up, UDM_GETRANGE32, reinterpret_cast<WPARAM>(&low), reinterpret_cast<LPARAM>(&high));
+            EXPECT_EQ(std::pair(low, high), std::pair(lowest, highest));
+            const auto edit = reinterpret_cast<HWND>(SendMessageW(up, UDM_GETBUDDY, 0, 0));
+            EXPECT_EQ(SendMessageW(edit, EM_GETLIMITTEXT, 0, 0), digits);
         }
         click(kColorPage, 4904);
         type(kColorPage, 4911, L"300");
         EXPECT_EQ(text(kColorPage, 4911), L"255");
-        for (const wchar_t* none : {L"-5", L"", L"x"}) {
-            type(kColorPage, 4909, L"7");
+        for (const wchar_t* none : {L"-5", L"7", L"", L"7", L"x"}) {
             type(kColorPage, 4909, none);
-            EXPECT_EQ(text(kColorPage, 4909), L"0");
+            EXPECT_EQ(text(kColorPage, 4909), *none == L'7' ? L"7" : L"0");
         }
         press_apply();
     });
@@ -291,27 +259,29 @@ TEST_F(Pages, DocumentPageKeepsWhatItHasNotLoadedAndWhatWasTyped) {
 
 TEST(PasswordRules, FirstFaultCounts) {
     using Fault = PasswordFault;
+    constexpr auto none = std::nullopt;
     const std::wstring fits(127, L'a'), accents(64, L'é');  // 128 bytes
+    // Those that are kept as the file has them are no fault of the user's.
     struct {
         uint32_t version;
         std::wstring open, permissions;
         std::optional<Fault> fault;
         bool needs_open = true, needs_permissions = true, is_open_new = true, is_permissions_new = true;
-    } const rows[] = {{4, L"", L"", {}, false, false},
-                      {4, L"one", L"two", {}},
+    } const rows[] = {{4, L"", L"", none, false, false},
+                      {4, L"one", L"two", none},
                       {4, L"one", L"one", Fault::kSame, false, false},
                       {4, L"", L"", Fault::kNoOpen},
                       {4, L"", L"", Fault::kNoPermissions, false},
                       {4, L"a b", L"a\x7F\xFE!", Fault::kOpenCharacter},
                       {0, L"a b", L"\xFF", Fault::kPermissionsCharacter},
-                      {12, L"a b", L"\x3042\xFF", {}},
+                      {12, L"a b", L"\x3042\xFF", none},
                       {4, fits, fits + L"b", Fault::kPermissionsTooLong},
                       {4, accents, fits, Fault::kOpenTooLong},
-                      {12, L"a", std::wstring(42, L'\x3042'), {}},
+                      {12, L"a", std::wstring(42, L'\x3042'), none},
                       {12, L"a", std::wstring(43, L'\x3042'), Fault::kPermissionsTooLong},
-                      {5, L"one", L"one", {}},
-                      {11, L"", L"", {}},
-                      {4, L"a b", L"a b", {}, true, true, false, false},  // as the file has them
+                      {5, L"one", L"one", none},
+                      {11, L"", L"", none},
+                      {4, L"a b", L"a b", none, true, true, false, false},
                       {4, L"", fits + L"b", Fault::kNoOpen, true, true, true, false},
                       {4, L"a b", L"c d", Fault::kOpenCharacter, true, true, true, false},
                       {4, L"a", L"a", Fault::kSame, true, true, false, true}};

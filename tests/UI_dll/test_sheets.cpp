@@ -15,8 +15,6 @@
 
 namespace {
 
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
-
 // Stands in for the service: notes what is added and hands out a handle.
 std::vector<UINT> added;
 COMPROPSHEETUI added_sheet;
@@ -46,16 +44,14 @@ struct Asked {
     PROPSHEETUI_INFO info;
 };
 
-class Sheet : public testing::Test, protected Asked {
-protected:
+struct Sheet : testing::Test, Asked {
     Sheet() : Asked(asked(&DrvDocumentPropertySheets, &header)) {
         added.clear();
         added_sheet = {};
     }
     static Asked asked(PFNPROPSHEETUI function, void* header) {
-        const auto first = reinterpret_cast<LPARAM>(header);
-        return {function,
-                {sizeof info, PROPSHEETUI_INFO_VERSION, 0, 0, nullptr, &note_addition, first, 0, 0}};
+        const auto to = reinterpret_cast<LPARAM>(header);
+        return {function, {sizeof info, PROPSHEETUI_INFO_VERSION, 0, 0, nullptr, &note_addition, to, 0, 0}};
     }
 
     Installation here;
@@ -77,9 +73,8 @@ TEST_F(Sheet, LivesFromInitToDestroyAndGivesBackWhatItHid) {
     SetThreadProp(threadprop::kPrinter, reinterpret_cast<ULONG_PTR>(job));
     EXPECT_EQ(tell(PROPSHEETUI_REASON_INIT), 1);
     EXPECT_EQ(added, (std::vector<UINT>{CPSFUNC_ADD_PCOMPROPSHEETUIW, CPSFUNC_ADD_PROPSHEETPAGEW}));
-    EXPECT_EQ(added_sheet.cbSize, sizeof(COMPROPSHEETUI));
-    EXPECT_EQ(added_sheet.Flags, CPSUIF_UPDATE_PERMISSION);
-    EXPECT_EQ(added_sheet.cOptItem, 1);
+    EXPECT_EQ(std::tuple(added_sheet.cbSize, added_sheet.Flags, added_sheet.cOptItem),
+              std::tuple(sizeof(COMPROPSHEETUI), CPSUIF_UPDATE_PERMISSION, 1));
     EXPECT_EQ(added_sheet.pDlgPage->DlgTemplateID, 7100);
     thread_has(FakePrinter::handle(), here.printer.name.c_str());
     PROPSHEETUI_INFO_HEADER sheet_header = {};
@@ -96,8 +91,7 @@ TEST_F(Sheet, LivesFromInitToDestroyAndGivesBackWhatItHid) {
     thread_has(FakePrinter::handle(), here.printer.name.c_str());
 
     EXPECT_EQ(end_with(CPSUI_OK), 1);
-    EXPECT_EQ(info.Result, ULONG_PTR{CPSUI_OK});
-    EXPECT_EQ(output.dm.dmSize, 220);
+    EXPECT_EQ(std::tuple(info.Result, output.dm.dmSize), std::tuple(ULONG_PTR{CPSUI_OK}, 220));
     EXPECT_EQ(tell(PROPSHEETUI_REASON_DESTROY), 1);
     thread_has(job, nullptr);
     EXPECT_EQ(FreeThreadProp(threadprop::kPrinter), 123u);
@@ -105,23 +99,19 @@ TEST_F(Sheet, LivesFromInitToDestroyAndGivesBackWhatItHid) {
 }
 
 TEST_F(Sheet, OnlyCancelAndTheNoPermissionFlagWriteNothing) {
-    const struct {
-        LRESULT result;
-        DWORD mode, written;
-    } rows[] = {{CPSUI_CANCEL, 0, 0},
-                {CPSUI_OK, 0, 220},
-                {CPSUI_RESTARTWINDOWS, 0, 220},
-                {CPSUI_REBOOTSYSTEM, 0, 220},
-                {CPSUI_OK, kNoPermission, 0}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.result);
+    const std::tuple<LRESULT, DWORD, DWORD> rows[] = {{CPSUI_CANCEL, 0, 0},
+                                                      {CPSUI_OK, 0, 220},
+                                                      {CPSUI_RESTARTWINDOWS, 0, 220},
+                                                      {CPSUI_REBOOTSYSTEM, 0, 220},
+                                                      {CPSUI_OK, kNoPermission, 0}};
+    for (const auto& [result, mode, written] : rows) {
         output = {};
-        header.fMode = DM_COPY | DM_PROMPT | row.mode;
+        header.fMode = DM_COPY | DM_PROMPT | mode;
         tell(PROPSHEETUI_REASON_INIT);
-        EXPECT_EQ(added_sheet.Flags, row.mode ? 0 : CPSUIF_UPDATE_PERMISSION);
-        end_with(row.result);
+        EXPECT_EQ(added_sheet.Flags, mode ? 0 : CPSUIF_UPDATE_PERMISSION);
+        end_with(result);
         tell(PROPSHEETUI_REASON_DESTROY);
-        EXPECT_EQ(output.dm.dmSize, row.written);
+        EXPECT_EQ(output.dm.dmSize, written) << result << " of mode " << mode;
     }
 }
 
@@ -183,25 +173,21 @@ TEST_F(Sheet, ServiceGetsAHeaderThatIsNotOnTheStackAndItsAnswerCounts) {
     wchar_t system[MAX_PATH] = {};
     GetSystemDirectoryW(system, MAX_PATH);
     const auto* block = reinterpret_cast<const NT_TIB*>(NtCurrentTeb());
-    const struct {
-        LONG answer;
-        DWORD result;
-        LONG document;
-        BOOL printer;
-    } rows[] = {{1, CPSUI_OK, IDOK, TRUE},
-                {0, CPSUI_CANCEL, IDCANCEL, FALSE},
-                {1, CPSUI_RESTARTWINDOWS, IDCANCEL, FALSE},
-                {-1, CPSUI_OK, IDCANCEL, FALSE},
-                {kNoService, CPSUI_OK, IDCANCEL, FALSE}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
-        answer = row.answer, result = row.result;
+    // The service's answer and result, those of the document's and of the printer's sheet.
+    const std::tuple<LONG, DWORD, LONG, BOOL> rows[] = {{1, CPSUI_OK, IDOK, TRUE},
+                                                        {0, CPSUI_CANCEL, IDCANCEL, FALSE},
+                                                        {1, CPSUI_RESTARTWINDOWS, IDCANCEL, FALSE},
+                                                        {-1, CPSUI_OK, IDCANCEL, FALSE},
+                                                        {kNoService, CPSUI_OK, IDCANCEL, FALSE}};
+    for (const auto& [answers, results, of_document, of_printer] : rows) {
+        SCOPED_TRACE(answers);
+        answer = answers, result = results;
         for (const bool document : {true, false}) {
             given = 0;
             EXPECT_EQ(document ? DrvDocumentProperties(nullptr, header.hPrinter, nullptr, &output.dm, nullptr,
                                                        DM_COPY | DM_PROMPT)
                                : PrinterProperties(nullptr, header.hPrinter),
-                      document ? row.document : row.printer);
+                      document ? of_document : of_printer);
             const auto* const at = reinterpret_cast<const void*>(given);
             EXPECT_EQ(at != nullptr, answer != kNoService);
             EXPECT_FALSE(at >= block->StackLimit && at < block->StackBase);
@@ -212,22 +198,15 @@ TEST_F(Sheet, ServiceGetsAHeaderThatIsNotOnTheStackAndItsAnswerCounts) {
 }
 
 TEST_F(Sheet, HiddenTabLeavesTheSettingsPageAlone) {
-    const struct {
-        HKEY hive;
-        DWORD value;
-        size_t pages;
-        WORD dialog;
-    } rows[] = {{HKEY_CURRENT_USER, 1, 1, 370},
-                {HKEY_LOCAL_MACHINE, 0, 2, 7100},
-                {HKEY_CURRENT_USER, 0, 2, 7100},
-                {HKEY_LOCAL_MACHINE, 1, 1, 370}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
-        here.set_number(row.hive, L"\\Special", L"HideSettingTab", row.value);
+    const std::tuple<HKEY, DWORD, size_t, WORD> rows[] = {{HKEY_CURRENT_USER, 1, 1, 370},
+                                                          {HKEY_LOCAL_MACHINE, 0, 2, 7100},
+                                                          {HKEY_CURRENT_USER, 0, 2, 7100},
+                                                          {HKEY_LOCAL_MACHINE, 1, 1, 370}};
+    for (const auto& [hive, value, pages, dialog] : rows) {
+        here.set_number(hive, L"\\Special", L"HideSettingTab", value);
         added.clear();
         EXPECT_EQ(tell(PROPSHEETUI_REASON_INIT), 1);
-        EXPECT_EQ(added.size(), row.pages);
-        EXPECT_EQ(added_sheet.pDlgPage->DlgTemplateID, row.dialog);
+        EXPECT_EQ(std::tuple(added.size(), added_sheet.pDlgPage->DlgTemplateID), std::tuple(pages, dialog));
         tell(PROPSHEETUI_REASON_DESTROY);
     }
 }
@@ -280,13 +259,12 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
     CopyFileW(Installation::built(dialog_library::kFileName).c_str(), library.c_str(), TRUE);
     const qk::DLL dialogs(LoadLibraryW(library.c_str()));
     const ImportPatch hive("RegOpenCurrentUser", &UserRegistry::open_hive, dialogs.get());
-    PrintSettings custom, office;
-    custom->PSName = L"Standard";
-    custom.general()->PaperType = 1;
-    office->PSName = L"Office";
-    office.general()->Scale = 50;
-    EXPECT_TRUE(custom.Save(here.folder.file(L"Settings\\standard.ps4")));
-    EXPECT_TRUE(office.Save(here.folder.file(L"CustomSettings\\office.ps4")));
+    here.folder.write(L"Settings\\standard.ps4",
+                      "\xEF\xBB\xBF"
+                      R"({"PSComment": [], "PSName": "Standard", "General": {"PaperType": 1}})");
+    here.folder.write(L"CustomSettings\\office.ps4",
+                      "\xEF\xBB\xBF"
+                      R"({"PSComment": [], "PSName": "Office", "General": {"Scale": 50}})");
     const auto sheet = [] {
         HWND found = nullptr;
         const auto visit = [](HWND window, LPARAM result) -> BOOL {
@@ -310,25 +288,22 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
         here.set_number(HKEY_LOCAL_MACHINE, L"\\Special", L"HideSettingTab", is_alone);
         SetSettingFileName(kDefaultSettingFile, here.printer.name);
         output = {};
-        const Later later([&] { return sheet() != nullptr; },
-                          [&] {
-                              EXPECT_TRUE(in_front(IDC_SETTINGS_LIST)) << "at first";
-                              if (!is_alone) {
-                                  const HWND options = page(0);
-                                  EXPECT_EQ(pdf_settings::control_text(options, 8021),
-                                            qk::load_string(IDS_SETTING_IN_FORCE));
-                                  wchar_t text[100] = {};
-                                  SendDlgItemMessageW(options, 8022, LB_GETTEXT, 0,
-                                                      reinterpret_cast<LPARAM>(text));
-                                  EXPECT_STREQ(text, L"Standard");
-                                  EXPECT_TRUE(GetDlgItem(options, 8020) && GetDlgItem(options, 8023));
-                              }
-                              const HWND list = GetDlgItem(page(1 - is_alone), IDC_SETTINGS_LIST);
-                              EXPECT_EQ(ListView_GetItemCount(list), 2);
-                              constexpr UINT kChosen = LVIS_SELECTED | LVIS_FOCUSED;
-                              ListView_SetItemState(list, 0, kChosen, kChosen);
-                              PostMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_OK, 0);
-                          });
+        const auto act = [&] {
+            EXPECT_TRUE(in_front(IDC_SETTINGS_LIST)) << "at first";
+            if (!is_alone) {
+                const HWND options = page(0);
+                EXPECT_EQ(pdf_settings::control_text(options, 8021), qk::load_string(IDS_SETTING_IN_FORCE));
+                wchar_t text[100] = {};
+                SendDlgItemMessageW(options, 8022, LB_GETTEXT, 0, reinterpret_cast<LPARAM>(text));
+                EXPECT_STREQ(text, L"Standard");
+                EXPECT_TRUE(GetDlgItem(options, 8020) && GetDlgItem(options, 8023));
+            }
+            const HWND list = GetDlgItem(page(1 - is_alone), IDC_SETTINGS_LIST);
+            EXPECT_EQ(ListView_GetItemCount(list), 2);
+            ListView_SetItemState(list, 0, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+            PostMessageW(sheet(), PSM_PRESSBUTTON, PSBTN_OK, 0);
+        };
+        const Later later([&] { return sheet() != nullptr; }, act);
         DWORD result = 99;
         EXPECT_EQ(compstui::show_sheet(nullptr, &DrvDocumentPropertySheets, reinterpret_cast<LPARAM>(&header),
                                        &result),
@@ -348,8 +323,7 @@ TEST_F(Sheet, SpoolerMayAskWhileItIsAsked) {
     DriverDevmode inner = {};
     here.printer.while_telling = [&] { EXPECT_EQ(ask(inner), 1); };
     EXPECT_EQ(ask(output), 1);
-    EXPECT_EQ(inner.dm.dmScale, 100);
-    EXPECT_EQ(output.dm.dmSize, 220);
+    EXPECT_EQ(std::tuple(inner.dm.dmScale, output.dm.dmSize), std::tuple(100, 220));
 }
 
 TEST_F(Sheet, ThoseOfTwoThreadsDoNotMeet) {
@@ -388,8 +362,7 @@ TEST(OptionItem, EachTypeHasItsParameters) {
         if (kCounts[type] == 0)
             continue;
         const OPTTYPE& made = *item.get()->pOptType;
-        EXPECT_EQ(made.Count, kCounts[type]);
-        EXPECT_EQ(made.BegCtrlID, 8020);
+        EXPECT_EQ(std::tuple(made.Count, made.BegCtrlID), std::tuple(kCounts[type], 8020));
         EXPECT_EQ(made.pOptParam[made.Count - 1].IconID, 10u + made.Count - 1);
         EXPECT_STREQ(made.pOptParam[0].pData, L"a");
         EXPECT_EQ(made.pOptParam[0].lParam, type == TVOT_PUSHBUTTON ? 5000 : 0);
@@ -401,7 +374,7 @@ TEST(OptionItem, EachTypeHasItsParameters) {
 
 TEST(SettingToDevmode, PaperOrientationAndResolutionAreCopied) {
     const std::vector<FormRecord> forms = {{.name = L"A5", .paper_number = 11}};
-    PrintSettings settings;
+    pdf_settings::Setting settings;
     auto& general = *settings.general();
     general.Scale = 50;
     general.PaperResolution = 1200;
@@ -410,10 +383,9 @@ TEST(SettingToDevmode, PaperOrientationAndResolutionAreCopied) {
     general.PaperWidth = 148.0f;
     DEVMODEW dm = {};
     copy_setting(settings, forms, dm);
-    const short numbers[] = {dm.dmScale, dm.dmPrintQuality, dm.dmOrientation, dm.dmPaperSize,
-                             dm.dmPaperWidth};
-    EXPECT_TRUE(std::ranges::equal(numbers, std::array{50, 1200, DMORIENT_LANDSCAPE, 11, 1480}))
-        << testing::PrintToString(numbers);
+    const short all[] = {dm.dmScale, dm.dmPrintQuality, dm.dmOrientation, dm.dmPaperSize, dm.dmPaperWidth};
+    EXPECT_TRUE(std::ranges::equal(all, std::array{50, 1200, DMORIENT_LANDSCAPE, 11, 1480}))
+        << testing::PrintToString(all);
     EXPECT_STREQ(dm.dmFormName, L"A5");
     settings.addition()->Str[L"PaperName"] = L"My paper";
     copy_setting(settings, forms, dm);

@@ -14,8 +14,7 @@ namespace {
 
 using namespace pdf_settings;
 
-class Untouched : public EditSheet {
-protected:
+struct Untouched : EditSheet {
     Untouched() { profiles.add(L"press.icc", "CMYK", "prtr", "Our press"); }
 
     ProfileFolder profiles;
@@ -42,13 +41,12 @@ TEST_F(Untouched, SettingsThatAreLookedAtAreNotWritten) {
         std::array<size_t, kPageCount> order;
         std::iota(order.begin(), order.end(), size_t{0});
         std::shuffle(order.begin(), order.end(), engine);
-        show(
-            [&] {
-                for (const size_t page : order)
-                    EXPECT_TRUE(go_to(static_cast<PageIndex>(page))) << page;
-                press_ok();
-            },
-            path);
+        const auto look = [&] {
+            for (const size_t page : order)
+                EXPECT_TRUE(go_to(static_cast<PageIndex>(page))) << page;
+            press_ok();
+        };
+        show(look, path);
         EXPECT_FALSE(stayed_open());
         for (const Outbox::Box& box : Outbox::boxes)
             ADD_FAILURE() << qk::to_utf8(box.text);
@@ -56,62 +54,51 @@ TEST_F(Untouched, SettingsThatAreLookedAtAreNotWritten) {
     }
 }
 
-// A file with what `fill` puts into it is left alone, until `change` makes the page say so.
+// A file with what does not go together is left alone, until a change makes the page say so.
 TEST_F(Untouched, WhatDoesNotGoTogetherStaysUntilItIsChanged) {
-    using S = Setting;
-    static const auto press = [](S& s, const wchar_t* profile) {
-        s.pdfVersion()->Version = 6;
-        s.pdfVersion()->ICCFileName = profile;
-    };
     const struct {
         const wchar_t* label;
         PageIndex page;
         UINT message;
         int focus;
-        void (*fill)(S& s);
-        void (*change)();
+        const char* holds;
+        const wchar_t* typed;  // into `control`; where there is none the PDF version is changed to it
+        int control = 0;
     } rows[] = {
         {L"target above threshold", kCompressPage, IDS_CMP_TARGET_ABOVE, IDC_CMP_MONO + CMP_TARGET,
-         [](S& s) { s.compression()->Mono->ResolutionTarget = 2000; },
-         [] { type(kCompressPage, IDC_CMP_MONO + CMP_THRESHOLD, L"1700"); }},
+         R"({"Compression": {"Mono": {"ResolutionTarget": 2000}}})", L"1700", IDC_CMP_MONO + CMP_THRESHOLD},
         {L"watermark without text", kWaterMarkPage, IDS_MARK_NO_WORDS, IDC_MARK_WORDS,
-         [](S& s) { s.watermark()->Style = 1, s.watermark()->Text = L""; },
-         [] { type(kWaterMarkPage, IDC_MARK_WORDS, L" "); }},
+         R"({"Watermark": {"Style": 1, "Text": ""}})", L" ", IDC_MARK_WORDS},
         {L"watermark without a picture", kWaterMarkPage, IDS_MARK_LOST_FILE, IDC_MARK_FILE,
-         [](S& s) { s.watermark()->Style = 2; }, [] { type(kWaterMarkPage, IDC_MARK_FILE, L"Q:\\x.png"); }},
+         R"({"Watermark": {"Style": 2}})", L"Q:\\x.png", IDC_MARK_FILE},
         {L"folder of another computer", kGeneralPage, IDS_NO_OUTPUT_FOLDER, IDC_OUTPUT_FOLDER,
-         [](S& s) { s.general()->SaveStyle = 1, s.general()->OutputFolder = L"Q:\\there"; },
-         [] { type(kGeneralPage, IDC_OUTPUT_FOLDER, L"Q:\\"); }},
+         R"({"General": {"SaveStyle": 1, "OutputFolder": "Q:\\there"}})", L"Q:\\", IDC_OUTPUT_FOLDER},
         {L"pattern of another version", kGeneralPage, IDS_BAD_FILE_NAME, IDC_FILE_NAME,
-         [](S& s) { s.addition()->Str[L"FileName"] = L"{pages} {title}"; },
-         [] { type(kGeneralPage, IDC_FILE_NAME, L"{title} {pages}"); }},
+         R"({"Addition": {"Str": {"FileName": "{pages} {title}"}}})", L"{title} {pages}", IDC_FILE_NAME},
         {L"links for the press", kGeneralPage, IDS_NO_LINKS, IDC_URL_LINK,
-         [](S& s) { s.general()->URLLink = true, press(s, L"press.icc"); }, [] { choose_version(7); }},
+         R"({"General": {"URLLink": true}, "PDFVersion": {"Version": 6, "ICCFileName": "press.icc"}})", L"7"},
         {L"profile of another computer", kPDFVersionPage, IDS_PV_NO_PROFILE, IDC_PV_PROFILE,
-         [](S& s) { press(s, L"gone.icc"); }, [] { choose_version(7); }},
+         R"({"PDFVersion": {"Version": 6, "ICCFileName": "gone.icc"}})", L"7"},
         {L"boxes", kPDFVersionPage, IDS_PV_BAD_BOXES, IDC_PV_BLEED_LEFT,
-         [](S& s) {
-             press(s, L"gone.icc");
-             s.pdfVersion()->UseTrimBox = s.pdfVersion()->UseBleedBox = true;
-             s.pdfVersion()->TrimBox.left = 3, s.pdfVersion()->BleedBox.left = 5;
-         },
-         [] { type(kPDFVersionPage, IDC_PV_TRIM_LEFT, L"4"); }},
+         R"({"PDFVersion": {"Version": 6, "ICCFileName": "gone.icc", "UseTrimBox": true, "UseBleedBox": true,
+             "TrimBox": {"left": 3}, "BleedBox": {"left": 5}}})",
+         L"4", IDC_PV_TRIM_LEFT},
         {L"same passwords", kSecuritiesPage, IDS_SEC_SAME_PASSWORDS, IDC_SEC_OPEN_PASSWORD,
-         [](S& s) { s.security()->MasterPassword = s.security()->UserPassword = L"x y"; },
-         [] { choose_version(12); }},
+         R"({"Security": {"MasterPassword": "x y", "UserPassword": "x y"}})", L"12"},
         {L"character of another version", kSecuritiesPage, IDS_SEC_BAD_CHARACTER, IDC_SEC_OPEN_PASSWORD,
-         [](S& s) { s.security()->UserPassword = L"x y"; },
-         [] { type(kSecuritiesPage, IDC_SEC_OPEN_PASSWORD, L"x  y"); }}};
+         R"({"Security": {"UserPassword": "x y"}})", L"x  y", IDC_SEC_OPEN_PASSWORD}};
     for (const auto& row : rows)
         for (const bool changes : {false, true}) {
             SCOPED_TRACE(qk::to_utf8(row.label) + (changes ? " changed" : ""));
             setting() = {};
+            ASSERT_EQ(setting().LoadPS4(row.holds, true), 0);
             setting()->PSName = row.label + std::wstring(changes ? L"(1)" : L"");
-            row.fill(setting());
             show([&] {
                 go_to(row.page);
-                if (changes)
-                    row.change();
+                if (changes && row.control)
+                    type(row.page, row.control, row.typed);
+                else if (changes)
+                    choose_version(std::stoul(row.typed));
                 expect_check(row.page, changes ? row.message : 0, row.focus);
                 press_ok();  // under a new name
             });

@@ -9,51 +9,39 @@
 namespace {
 
 using namespace pdf_settings;
-using Corvanta::Vantrix::PrintSettings::General_impl;
-using Corvanta::Vantrix::PrintSettings::Watermark_impl;
 
 TEST(ViewBoxRules, PageFollowsPaperAndOrientation) {
     constexpr Extent kA3 = {297, 420};
-    const struct {
-        const char* label;
-        int32_t type, orientation;
-        std::optional<Extent> form;
-        float width;
-        Extent wanted;
-    } rows[] = {{"own size", 0, 0, {}, 100, {100, 297}},
-                {"the form's size", 0, 0, kA3, 100, kA3},
-                {"turned form", 0, 1, kA3, 100, {420, 297}},
-                {"a custom size is not turned", 1, 1, kA3, 100, {100, 297}},
-                {"no number", 1, 0, {}, NAN, {1, 297}}};
-    for (const auto& row : rows) {
-        General_impl general;
-        general.PaperType = row.type;
-        general.PaperOrientation = row.orientation;
-        general.PaperWidth = row.width;
-        const Extent page = page_extent(general, row.form);
-        EXPECT_EQ(std::pair(page.width, page.height), std::pair(row.wanted.width, row.wanted.height))
-            << row.label;
+    const std::tuple<const char*, int32_t, int32_t, std::optional<Extent>, float, Extent> rows[] = {
+        {"own size", 0, 0, {}, 100, {100, 297}},
+        {"the form's size", 0, 0, kA3, 100, kA3},
+        {"turned form", 0, 1, kA3, 100, {420, 297}},
+        {"a custom size is not turned", 1, 1, kA3, 100, {100, 297}},
+        {"no number", 1, 0, {}, NAN, {1, 297}}};
+    for (const auto& [label, type, orientation, form, width, wanted] : rows) {
+        ps::General_impl general;
+        general.PaperType = type;
+        general.PaperOrientation = orientation;
+        general.PaperWidth = width;
+        const Extent page = page_extent(general, form);
+        EXPECT_EQ(std::pair(page.width, page.height), std::pair(wanted.width, wanted.height)) << label;
     }
     for (const auto& [width, height] : {std::pair{0, 0}, {3, 500}, {101, 160}}) {
         const RECT place = fit_page({210, 297}, width, height);
-        EXPECT_LT(place.left, place.right);
-        EXPECT_LT(place.top, place.bottom);
+        EXPECT_TRUE(place.left < place.right && place.top < place.bottom);
     }
     EXPECT_FALSE(box_on_page({100, 0, 110, 0}, {0, 0, 210, 297}, 1));
     const RECT box = box_on_page({1, 2, 3, -1e30f}, {0, 0, 210, 297}, 2).value();
-    EXPECT_EQ(box.left, 2);
-    EXPECT_EQ(box.right, 204);
+    EXPECT_EQ(std::pair(box.left, box.right), std::pair(LONG{2}, LONG{204}));
 }
 
 // The page of the loaded setting, drawn into a bitmap whose bits can be read.
-class PageDrawing : public EditSheet {
-protected:
+struct PageDrawing : EditSheet {
     static constexpr int kWidth = 216;  // with the shadow's room the page is 210 x 297
     static constexpr int kHeight = 303;
 
     PageDrawing() {
-        BITMAPINFO info = {};
-        info.bmiHeader = {sizeof info.bmiHeader, kWidth, -kHeight, 1, 32, BI_RGB};
+        const BITMAPINFO info = {{sizeof info.bmiHeader, kWidth, -kHeight, 1, 32, BI_RGB}};
         bitmap.reset(
             CreateDIBSection(dc.get(), &info, DIB_RGB_COLORS, reinterpret_cast<void**>(&bits), nullptr, 0));
         mark.Style = 1;
@@ -90,7 +78,7 @@ protected:
     qk::DeviceContext dc{CreateCompatibleDC(nullptr)};
     qk::Bitmap bitmap;
     uint32_t* bits = nullptr;
-    Watermark_impl mark;
+    ps::Watermark_impl mark;
 };
 
 TEST_F(PageDrawing, WatermarkLiesWhereItIsAsked) {
@@ -115,27 +103,22 @@ TEST_F(PageDrawing, WatermarkThatFitsFillsThePageAndNoMore) {
         const Red red = draw();
         EXPECT_GT(red.width(), kWidth / 2);
         EXPECT_EQ(red.height() > kHeight / 2, diagonal);
-        EXPECT_GT(red.around.left, 6);
-        EXPECT_LT(red.around.right, kWidth - 6);
+        EXPECT_TRUE(red.around.left > 6 && red.around.right < kWidth - 6);
     }
 }
 
 TEST_F(PageDrawing, TransparencyAndVisibilityAreSeen) {
-    struct {
-        uint32_t style, transparency;
-        bool print, display;
-        int low, high;  // of the strength
-    } const rows[] = {{1, 0, true, true, 250, 255}, {1, 70, true, false, 60, 95},
-                      {1, 100, true, true, 0, 0},   {1, 0, false, false, 0, 0},
-                      {0, 0, true, true, 0, 0},     {1, 0, false, true, 250, 255}};
-    for (const auto& row : rows) {
-        mark.Style = row.style;
-        mark.Transparency = row.transparency;
-        mark.VisibleInPrint = row.print;
-        mark.VisibleInDisplay = row.display;
+    // The style, the transparency, whether it is seen in print and on screen, the strength.
+    const std::tuple<uint32_t, uint32_t, bool, bool, int, int> rows[] = {
+        {1, 0, true, true, 250, 255}, {1, 70, true, false, 60, 95}, {1, 100, true, true, 0, 0},
+        {1, 0, false, false, 0, 0},   {0, 0, true, true, 0, 0},     {1, 0, false, true, 250, 255}};
+    for (const auto& [style, transparency, print, display, low, high] : rows) {
+        mark.Style = style;
+        mark.Transparency = transparency;
+        mark.VisibleInPrint = print;
+        mark.VisibleInDisplay = display;
         const int strength = draw().strength;
-        EXPECT_GE(strength, row.low) << row.transparency;
-        EXPECT_LE(strength, row.high) << row.transparency;
+        EXPECT_TRUE(strength >= low && strength <= high) << strength << " at " << transparency;
     }
 }
 
@@ -147,15 +130,14 @@ TEST_F(PageDrawing, PictureIsDrawnInItsOwnColoursAndSize) {
         70);
     mark.Style = 2;
     mark.PictureScale = 200;
-    for (const char pixels_per_metre :
-         {'\x4f', '\x9e'}) {  // in height: as many as in width, and twice as many
+    for (const char pixels_per_metre : {'\x4f', '\x9e'}) {  // in height: as in width, and twice as many
         file[42] = pixels_per_metre;
         mark.PictureFileName = here.folder.write(std::to_wstring(pixels_per_metre) + L".bmp", file);
         const Red red = draw();
         EXPECT_NEAR(red.width(), 51, 3);
         EXPECT_NEAR(red.height(), pixels_per_metre == '\x4f' ? 51 : 25, 3);
     }
-    mark.PictureScale = Watermark_impl::kNoPictureScale;
+    mark.PictureScale = ps::Watermark_impl::kNoPictureScale;
     EXPECT_NEAR(draw().width(), 189, 4);
     mark.PictureFileName = here.folder.write(L"broken.bmp", file.substr(0, 20));
     EXPECT_TRUE(draw().is_none());

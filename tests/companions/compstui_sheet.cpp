@@ -1,14 +1,12 @@
 // A common property sheet: what is added to it, reasons, results, option items, room for its pages.
-#include <utility>
 
-#include "UI_dll/cpsui.h"
+#include "UI_dll/PDFSettings/controls.h"
 #include "UI_dll/plotui.h"
 #include "common/qk/resource_dll.h"
 #include "companions/compstui/page.h"
 #include "companions/compstui/sheet.h"
 #include "resources/ids.h"
 #include "support/installation.h"
-#include "support/intercept.h"
 
 namespace {
 
@@ -22,8 +20,7 @@ const DLGTEMPLATE* page_template() {
 struct Player {
     std::function<void(PROPSHEETUI_INFO&)> add;  // at INIT
     std::function<void(HWND page)> script;       // once a page of `page_proc` stands; it must end the sheet
-    LONG init_answer = 1;
-    LONG header_answer = 1;
+    LONG init_answer = 1, header_answer = 1;
     bool page_applies = false;  // the page's procedure answers PSN_APPLY itself
 
     std::string reasons;  // one digit each
@@ -34,9 +31,9 @@ struct Player {
 
     // Runs the sheet on this thread.
     Player& play() {
-        current() = this;
+        current = this;
         answer = compstui::show_sheet(nullptr, &function, reinterpret_cast<LPARAM>(this), &result);
-        current() = nullptr;
+        current = nullptr;
         return *this;
     }
 
@@ -48,26 +45,23 @@ struct Player {
     static LONG function(PROPSHEETUI_INFO* info, LPARAM parameter) {
         auto& player = *reinterpret_cast<Player*>(info->lParamInit);
         player.reasons += static_cast<char>('0' + info->Reason);
-        if (info->Reason == PROPSHEETUI_REASON_INIT) {
-            if (player.add)
-                player.add(*info);
-            return player.init_answer;
+        switch (info->Reason) {
+            case PROPSHEETUI_REASON_INIT:
+                return player.add(*info), player.init_answer;
+            case PROPSHEETUI_REASON_GET_INFO_HEADER:
+                reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter)->pTitle = const_cast<wchar_t*>(L"Any");
+                return player.header_answer;
+            case PROPSHEETUI_REASON_SET_RESULT: {
+                const auto& taken = *reinterpret_cast<const SETRESULT_INFO*>(parameter);
+                player.spoke.push_back(taken.hSetResult);
+                info->Result = static_cast<ULONG_PTR>(taken.Result);
+                return 1;
+            }
+            case PROPSHEETUI_REASON_DESTROY:
+                return player.destroyed = parameter, 1;
+            default:
+                return -1;
         }
-        if (info->Reason == PROPSHEETUI_REASON_GET_INFO_HEADER) {
-            auto& header = *reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter);
-            header.pTitle = const_cast<wchar_t*>(L"Sheet");
-            return player.header_answer;
-        }
-        if (info->Reason == PROPSHEETUI_REASON_SET_RESULT) {
-            const auto& taken = *reinterpret_cast<const SETRESULT_INFO*>(parameter);
-            player.spoke.push_back(taken.hSetResult);
-            info->Result = static_cast<ULONG_PTR>(taken.Result);
-            return 1;
-        }
-        if (info->Reason != PROPSHEETUI_REASON_DESTROY)
-            return -1;
-        player.destroyed = parameter;
-        return 1;
     }
 
     // Leaves every message to the host, as the pages of option items do, PSN_APPLY only when it is not told
@@ -76,18 +70,14 @@ struct Player {
         static const UINT kStands = RegisterWindowMessageW(L"compstui test: the sheet stands");
         if (message == WM_INITDIALOG)
             PostMessageW(page, kStands, 0, 0);
-        else if (message == kStands && current())
-            current()->script(page);
+        else if (message == kStands && current)
+            current->script(page);
         else if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(lparam)->code == PSN_APPLY)
-            return current() && current()->page_applies;
+            return current && current->page_applies;
         return FALSE;
     }
 
-private:
-    static Player*& current() {
-        thread_local Player* player = nullptr;
-        return player;
-    }
+    static inline Player* current = nullptr;
 };
 
 LONG_PTR call(const PROPSHEETUI_INFO& info, UINT function, const void* first, LPARAM second = 0) {
@@ -130,6 +120,15 @@ struct Group {
     Group& operator=(const Group&) = delete;
 };
 
+// As the controls of its page show it.
+void expect_item(HWND page) {
+    for (const int control : {compstui::kListFrame, compstui::kListTitle})
+        EXPECT_EQ(pdf_settings::control_text(page, IDC_OPTION_ITEM + control), L"Item");
+    const HWND list = GetDlgItem(page, IDC_OPTION_ITEM + compstui::kListBox);
+    EXPECT_EQ(2, SendMessageW(list, LB_GETCOUNT, 0, 0));
+    EXPECT_EQ(1, SendMessageW(list, LB_GETCURSEL, 0, 0));
+}
+
 LONG APIENTRY restarts(CPSUICBPARAM* parameter) {
     EXPECT_EQ(parameter->Reason, CPSUICB_REASON_APPLYNOW);
     EXPECT_EQ(parameter->Result, ULONG_PTR{CPSUI_OK});
@@ -138,8 +137,7 @@ LONG APIENTRY restarts(CPSUICBPARAM* parameter) {
 }
 
 // The texts of the pages are the module's.
-class CompstuiSheet : public testing::Test {
-protected:
+struct CompstuiSheet : testing::Test {
     CompstuiSheet() { EXPECT_TRUE(plotui::attach_process(GetModuleHandleW(nullptr))); }
     ~CompstuiSheet() override { plotui::detach_process(false); }
 };
@@ -189,80 +187,49 @@ TEST_F(CompstuiSheet, WhatIsMalformedIsNotAdded) {
     EXPECT_EQ("502", player.play().reasons);
 }
 
-// The built library, found by the module under the name that it exports.
-TEST_F(CompstuiSheet, ModuleFindsTheService) {
-    const Intercept<decltype(LoadLibraryExW)> library(
-        "LoadLibraryExW", [](auto...) { return LoadLibraryW(Installation::built(L"compstui.dll").c_str()); });
-    Player player;
-    player.init_answer = -1;
-    EXPECT_EQ(cpsui::show(nullptr, &Player::function, &player), std::nullopt);
-    EXPECT_EQ("502", player.reasons);
-}
-
-TEST_F(CompstuiSheet, OptionItemStandsInTheControlsOfItsPage) {
-    Group group;
-    Player player;
-    player.add = [&](PROPSHEETUI_INFO& info) { call(info, CPSFUNC_ADD_PCOMPROPSHEETUIW, &group.sheet); };
-    player.script = [](HWND page) {
-        wchar_t text[20] = {};
-        for (const int control : {compstui::kListFrame, compstui::kListTitle}) {
-            GetDlgItemTextW(page, IDC_OPTION_ITEM + control, text, 20);
-            EXPECT_STREQ(L"Item", text);
-        }
-        const HWND list = GetDlgItem(page, IDC_OPTION_ITEM + compstui::kListBox);
-        EXPECT_EQ(2, SendMessageW(list, LB_GETCOUNT, 0, 0));
-        EXPECT_EQ(1, SendMessageW(list, LB_GETCURSEL, 0, 0));
-        Player::press(page, PSBTN_OK);
-    };
-    EXPECT_EQ(CPSUI_OK, player.play().answer);
-}
-
 // The reasons: 5 before INIT, 0 INIT, 1 header, 3 result, 2 DESTROY.
 TEST_F(CompstuiSheet, ReasonsAndResultByHowItIsLeft) {
     enum Pages { kNone, kGroup, kOwnApply, kRestarting, kAlone };
-    const struct {
-        std::vector<int> buttons;
-        LONG init_answer, header_answer;
-        Pages pages;
-        const char* reasons;
-        LONG answer;
-        DWORD result;
-    } rows[] = {{{PSBTN_OK}, 1, 1, kGroup, "50132", CPSUI_OK, 1},
-                {{PSBTN_CANCEL}, 1, 1, kGroup, "5012", CPSUI_CANCEL, 0},
-                {{PSBTN_APPLYNOW, PSBTN_CANCEL}, 1, 1, kGroup, "50132", CPSUI_CANCEL, 1},
-                {{PSBTN_OK}, 1, 1, kOwnApply, "5012", CPSUI_OK, 0},
-                {{PSBTN_OK}, 1, 1, kRestarting, "50132", CPSUI_OK, 2},
-                {{PSBTN_OK}, 1, 1, kAlone, "5012", CPSUI_OK, 0},
-                {{}, -5, 1, kGroup, "502", -5, 0},
-                {{}, 0, 1, kGroup, "502", ERR_CPSUI_GETLASTERROR, 0},
-                {{}, 1, 0, kGroup, "5012", ERR_CPSUI_GETLASTERROR, 0},
-                {{}, 1, 1, kNone, "5012", ERR_CPSUI_NO_PROPSHEETPAGE, 0}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
+    // The buttons, the answers to INIT and to the header, the pages, the reasons, the sheet's answer and
+    // result.
+    const std::tuple<std::vector<int>, LONG, LONG, Pages, const char*, LONG, DWORD> rows[] = {
+        {{PSBTN_OK}, 1, 1, kGroup, "50132", CPSUI_OK, 1},
+        {{PSBTN_CANCEL}, 1, 1, kGroup, "5012", CPSUI_CANCEL, 0},
+        {{PSBTN_APPLYNOW, PSBTN_CANCEL}, 1, 1, kGroup, "50132", CPSUI_CANCEL, 1},
+        {{PSBTN_OK}, 1, 1, kOwnApply, "5012", CPSUI_OK, 0},
+        {{PSBTN_OK}, 1, 1, kRestarting, "50132", CPSUI_OK, 2},
+        {{PSBTN_OK}, 1, 1, kAlone, "5012", CPSUI_OK, 0},
+        {{}, -5, 1, kGroup, "502", -5, 0},
+        {{}, 0, 1, kGroup, "502", ERR_CPSUI_GETLASTERROR, 0},
+        {{}, 1, 0, kGroup, "5012", ERR_CPSUI_GETLASTERROR, 0},
+        {{}, 1, 1, kNone, "5012", ERR_CPSUI_NO_PROPSHEETPAGE, 0}};
+    for (const auto& [buttons, init, header, pages, reasons, answer, result] : rows) {
+        SCOPED_TRACE(reasons);
         Group group;
         const PROPSHEETPAGEW page = plain_page();
         LONG_PTR added = 0;
         Player player;
-        player.script = [&](HWND shown) {
+        player.script = [&pressed = buttons, grouped = pages != kAlone](HWND shown) {
             SendMessageW(GetParent(shown), PSM_CHANGED, reinterpret_cast<WPARAM>(shown), 0);
-            for (const int button : row.buttons)
+            if (grouped)
+                expect_item(shown);
+            for (const int button : pressed)
                 Player::press(shown, button);
         };
-        player.init_answer = row.init_answer;
-        player.header_answer = row.header_answer;
-        player.page_applies = row.pages == kOwnApply;
-        group.sheet.pfnCallBack = row.pages == kRestarting ? &restarts : nullptr;
-        player.add = [&](PROPSHEETUI_INFO& info) {
-            if (row.pages == kAlone)
+        player.init_answer = init;
+        player.header_answer = header;
+        player.page_applies = pages == kOwnApply;
+        group.sheet.pfnCallBack = pages == kRestarting ? &restarts : nullptr;
+        player.add = [&, made = pages](PROPSHEETUI_INFO& info) {
+            if (made == kAlone)
                 call(info, CPSFUNC_ADD_PROPSHEETPAGEW, &page);
-            else if (row.pages != kNone)
+            else if (made != kNone)
                 added = call(info, CPSFUNC_ADD_PCOMPROPSHEETUIW, &group.sheet);
         };
         player.play();
-        EXPECT_EQ(row.reasons, player.reasons);
-        EXPECT_EQ(row.answer, player.answer);
-        EXPECT_EQ(row.result, player.result);
-        EXPECT_EQ(row.answer >= 0, player.destroyed != 0) << "left by a button";
+        EXPECT_EQ(reasons, player.reasons);
+        EXPECT_EQ(std::tuple(answer, result), std::tuple(player.answer, player.result));
+        EXPECT_EQ(answer >= 0, player.destroyed != 0) << "left by a button";
         const bool told = player.reasons.find('3') != std::string::npos;
         EXPECT_EQ(told ? std::vector{reinterpret_cast<HANDLE>(added)} : std::vector<HANDLE>(), player.spoke);
     }
@@ -277,10 +244,9 @@ TEST_F(CompstuiSheet, HasRoomForItsLargestPage) {
     PROPSHEETPAGEW pages[] = {plain_page(), plain_page()};
     pages[1].pResource = reinterpret_cast<const DLGTEMPLATE*>(large);
     RECT wanted = {}, room = {}, tabs = {}, button = {}, sheet = {};
-    const HWND alone =
-        CreateDialogIndirectParamW(nullptr, pages[1].pResource, GetDesktopWindow(), nullptr, 0);
-    GetClientRect(alone, &wanted);
-    DestroyWindow(alone);
+    const HWND one = CreateDialogIndirectParamW(nullptr, pages[1].pResource, GetDesktopWindow(), nullptr, 0);
+    GetClientRect(one, &wanted);
+    DestroyWindow(one);
     ASSERT_GT(wanted.bottom, 0);
     Player player;
     player.add = [&](PROPSHEETUI_INFO& info) {

@@ -2,8 +2,6 @@
 #include <picojson.h>
 #include <shellapi.h>
 
-#include <tuple>
-
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
 #include "companions/command_line.h"
@@ -19,11 +17,9 @@ TEST(CommandLines, OrderIsFreeAndTheLastOfTwoCounts) {
                          L"5",     L"--no-render", L"--json", L"/a \u65e5.txt"};
     const auto [options, fault, help] = host::parse_options(words);
     EXPECT_EQ(fault + help, L"");
-    EXPECT_EQ(options.command, host::Command::kPrint);
-    EXPECT_EQ(options.file, L"/a \u65e5.txt");
-    EXPECT_EQ(options.trace_level, 5u);
-    EXPECT_FALSE(options.render);
-    EXPECT_TRUE(options.json);
+    EXPECT_EQ(std::tuple(options.command, options.file, options.trace_level),
+              std::tuple(host::Command::kPrint, L"/a \u65e5.txt", 5u));
+    EXPECT_TRUE(options.json && !options.render);
     EXPECT_NE(host::parse_options(Words{L"print", L"f", L"--help"}).help.find(L"--abort-after-page"),
               std::wstring::npos);
     EXPECT_EQ(host::parse_options(Words{L"print", L"--json", L"--", L"-5.txt"}).options.file, L".\\-5.txt");
@@ -69,9 +65,8 @@ TEST(CommandLines, WrongWordsAreNamed) {
     const auto [good, fault, help] = companions::render::parse_arguments(Words{
         L"--thread", L"0x10", L"--printer", L"P", L"--spool", L"/s", L"--notify", L"7:0x10000:9999999"});
     EXPECT_EQ(fault, L"");
-    EXPECT_EQ(good.thread, 16u);
-    EXPECT_EQ(good.arena->address, 0x10000u);
-    EXPECT_EQ(good.arena->bytes, companions::render::kMostArenaBytes);
+    EXPECT_EQ(std::tuple(good.thread, good.arena->address, good.arena->bytes),
+              std::tuple(16u, 0x10000u, companions::render::kMostArenaBytes));
 }
 
 // What the renderer's run-time library does with the line, done by the system's own function.

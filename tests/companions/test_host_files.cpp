@@ -1,6 +1,4 @@
 // Files that the host program reads, copies and replaces.
-#include <cstdint>
-#include <tuple>
 
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
@@ -29,12 +27,8 @@ ExitCode fault_of(Action action) {
     }
 }
 
-void set_age(const std::wstring& path, unsigned days) {
-    const qk::FileObj file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ, nullptr,
-                                       OPEN_EXISTING, 0, nullptr));
-    const uint64_t time = 134'000'000'000'000'000 - days * 864'000'000'000;  // before a day in 2025
-    const FILETIME written = {static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
-    ASSERT_TRUE(SetFileTime(file.get(), nullptr, nullptr, &written));
+void set_age(const std::filesystem::path& path, unsigned days) {
+    last_write_time(path, std::filesystem::file_time_type::clock::now() - days * std::chrono::hours(24));
 }
 
 TEST(HostFiles, TargetsAreBroughtUpToDate) {
@@ -44,10 +38,9 @@ TEST(HostFiles, TargetsAreBroughtUpToDate) {
         {nullptr, 0, false, CopyOutcome::kCopied, "new"}, {"new", 9, false, CopyOutcome::kUpToDate, "new"},
         {"old", 9, false, CopyOutcome::kReplaced, "new"}, {"odd", 1, false, CopyOutcome::kReplaced, "new"},
         {"mine", 1, true, CopyOutcome::kKept, "mine"},    {"old", 9, true, CopyOutcome::kReplaced, "new"}};
-    for (const auto& [target, days, keep_newer, outcome, after] : rows) {
+    for (const auto& [target, days, keeps, outcome, after] : rows) {
         const TempFolder folder;
-        const host::FileCopy copy = {folder.write(L"source", "new"), folder.file(L"deep\\er\\target"),
-                                     keep_newer};
+        const host::FileCopy copy = {folder.write(L"source", "new"), folder.file(L"deep\\er\\target"), keeps};
         set_age(copy.source, 5);
         if (target) {
             ASSERT_TRUE(ForceDirectories(folder.file(L"deep\\er")));

@@ -1,9 +1,5 @@
-#include <tuple>
-
 #include "companions/host/page_layout.h"
 #include "companions/host/text_file.h"
-
-namespace {
 
 using host::Encoding;
 using namespace std::string_literals;
@@ -53,5 +49,3 @@ TEST(HostText, PagesAreFilled) {
         EXPECT_EQ(host::paginate(text, {2, fits}), pages) << label;
     }
 }
-
-}  // namespace

@@ -1,7 +1,5 @@
 // The renderer's pure parts: what it tells the engine, what it reads there, what it tells the printing
 // process.
-#include <cstdint>
-#include <tuple>
 
 #include "companions/render/engine.h"
 #include "companions/render/engine_arguments.h"
@@ -17,7 +15,6 @@
 namespace {
 
 using namespace companions::render;
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
 
 TEST(RenderRules, PasswordsGoIntoTheOptionsOnly) {
     // The version, both passwords, the options; empty: none wanted; null: cannot be used.
@@ -34,7 +31,7 @@ TEST(RenderRules, PasswordsGoIntoTheOptionsOnly) {
         {4, L"x", L"a\n-dNOSAFER", nullptr}};
     for (const auto& [version, master, user, wanted] : rows) {
         SCOPED_TRACE(qk::to_utf8(master + L"|" + user));
-        PrintSettings settings;
+        Corvanta::Vantrix::PrintSettings::PrintSettings settings;
         settings.pdfVersion()->Version = version;
         settings.security()->MasterPassword = master;
         settings.security()->UserPassword = user;
@@ -154,16 +151,14 @@ TEST(RenderRules, TextsOfTheResultGoWhereTheyFit) {
     }
 }
 
-class EngineRun : public testing::Test {
-protected:
+struct EngineRun : testing::Test {
     void SetUp() override {
         if (!companions::wine::present())
             GTEST_SKIP() << "needs the Unix system below Wine";
     }
     Engine::End run(const wchar_t* program, const std::vector<std::string>& arguments) {
         output_.clear();
-        return Engine(program).run(arguments, scratch_.path(),
-                                   [this](std::string_view bytes) { output_ += bytes; });
+        return Engine(program).run(arguments, scratch_.path(), [this](auto bytes) { output_ += bytes; });
     }
 
     const ScratchFolder scratch_;

@@ -1,18 +1,9 @@
 // The renderer as a host runs it: a process of its own, the job's records in shared memory, the real engine.
-#include <cstdint>
-#include <tuple>
 
-#include "common/qk/paths.h"
-#include "common/qk/text.h"
 #include "companions/reservation.h"
 #include "companions/wine_layer.h"
-#include "print_settings/PrintSettings.h"
 #include "support/render_process.h"
 #include "support/variable.h"
-
-namespace {
-
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
 
 TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     settings_.summary()->Author = L"\u65E5\u672C";
@@ -24,34 +15,31 @@ TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
     EXPECT_TRUE(pdf().starts_with("%PDF-1.4"));
     EXPECT_NE(pdf().find("/Count 2"), std::string::npos);
-    EXPECT_EQ(pdf().find("own title"), std::string::npos)
-        << "the job's is there, which the renderer looked for";
+    EXPECT_EQ(pdf().find("own title"), std::string::npos) << "the job's is there";
     EXPECT_TRUE(DeleteFileW(spool_.c_str())) << "it was to be kept";
 }
 
 // Old engines leave a hole where a title has characters beyond the first plane, and end early when they
 // linearize.
 TEST_F(RenderProcess, WhatIsKeptHasBeenOpenedAgain) {
-    const struct {
-        const wchar_t *title, *password;
-        bool linearized;
-        uint32_t version;
-    } rows[] = {{L"A \U0001F600 day", L"", true, 4},
-                {L"A \U0001F600 day", L"", false, 4},
-                {L"\U0001F600", L"us\u00E9r", true, 1},
-                {L"a\xD83D", L"", true, 12},
-                {L"(a\\\r\n", L"", true, 0}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
-        settings_.summary()->Title = settings_.summary()->Author = row.title;
-        settings_.general()->Linearize = row.linearized;
-        settings_.security()->MasterPassword = *row.password ? L"own\" er" : L"";
-        settings_.security()->UserPassword = row.password;
-        settings_.pdfVersion()->Version = row.version;
+    // The title, the password, whether it is linearized, the PDF version.
+    const std::tuple<const wchar_t*, std::wstring, bool, uint32_t> rows[] = {
+        {L"A \U0001F600 day", L"", true, 4},
+        {L"A \U0001F600 day", L"", false, 4},
+        {L"\U0001F600", L"us\u00E9r", true, 1},
+        {L"a\xD83D", L"", true, 12},
+        {L"(a\\\r\n", L"", true, 0}};
+    for (const auto& [title, password, linearized, version] : rows) {
+        SCOPED_TRACE(qk::to_utf8(title) + std::to_string(version));
+        settings_.summary()->Title = settings_.summary()->Author = title;
+        settings_.general()->Linearize = linearized;
+        settings_.security()->MasterPassword = password.empty() ? L"" : L"own\" er";
+        settings_.security()->UserPassword = password;
+        settings_.pdfVersion()->Version = version;
         folder_.write(L"job.ps", kTwoPages);
         EXPECT_EQ(run(), kDone);
-        EXPECT_EQ(pdf().find("/Linearized") != std::string::npos, row.linearized);
-        EXPECT_EQ(pdf().find("/Encrypt") != std::string::npos, *row.password != L'\0');
+        EXPECT_EQ(pdf().find("/Linearized") != std::string::npos, linearized);
+        EXPECT_EQ(pdf().find("/Encrypt") == std::string::npos, password.empty());
         EXPECT_EQ(folder_.count(), 2u) << "the PDF and the setting";
     }
 }
@@ -64,24 +52,22 @@ TEST_F(RenderProcess, DamagedPdfIsNoSuccess) {
         GTEST_SKIP() << "needs the Unix system below Wine";
     settings_.pdfVersion()->Version = 1;  // its objects lie open in the file
     constexpr char kCut[] = "head -c 700 \"$out\" >\"$out.x\"; mv \"$out.x\" \"$out\"";
-    const struct {
-        const char* after;  // what becomes of the engine's PDF, in $out
-        const wchar_t *qpdf, *message;
-    } rows[] = {{kCut, L"qpdf", L"opening it again"},
-                {"sed -i 's/Count 2/Count 3/' \"$out\"", L"qpdf", L"3 pages, not 2"},
-                {kCut, L"/none/qpdf", L"end is missing"}};
-    for (const auto& row : rows) {
+    // What becomes of the engine's PDF, in $out; what reads it again, what is said.
+    const std::tuple<std::string, const wchar_t*, const wchar_t*> rows[] = {
+        {kCut, L"qpdf", L"opening it again"},
+        {"sed -i 's/Count 2/Count 3/' \"$out\"", L"qpdf", L"3 pages, not 2"},
+        {kCut, L"/none/qpdf", L"end is missing"}};
+    for (const auto& [after, qpdf, told] : rows) {
         folder_.write(L"gs",
-                      std::string("#!/bin/sh\nfor a; do case $a in -sOutputFile=*) out=${a#*=};; esac; done\n"
-                                  "out=$(printf %s \"$out\" | sed 's/%%/%/g')\ngs \"$@\" || exit\n") +
-                          row.after + "\n");
+                      "#!/bin/sh\nfor a; do case $a in -sOutputFile=*) out=${a#*=};; esac; done\n"
+                      "out=$(printf %s \"$out\" | sed 's/%%/%/g')\ngs \"$@\" || exit\n" +
+                          after + "\n");
         ASSERT_EQ(companions::wine::run_unix_program(std::vector<std::string>{"chmod", "+x", *program}), 0);
-        const Variable engine(L"ZR_GHOSTSCRIPT", qk::to_wide(*program));
-        const Variable tool(L"ZR_QPDF", row.qpdf);
+        const Variable engine(L"ZR_GHOSTSCRIPT", qk::to_wide(*program)), tool(L"ZR_QPDF", qpdf);
         folder_.write(L"job.ps", kTwoPages);
         EXPECT_EQ(run(), kFailed);
         EXPECT_EQ(error(), 1012u);
-        EXPECT_NE(message().find(row.message), std::wstring::npos) << qk::to_utf8(message());
+        EXPECT_NE(message().find(told), std::wstring::npos) << qk::to_utf8(message());
         EXPECT_EQ(TempFolder::read(old), "old");
     }
 }
@@ -89,7 +75,7 @@ TEST_F(RenderProcess, DamagedPdfIsNoSuccess) {
 TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
     using Job = RenderProcess;
     static constexpr char kUnusable[] =
-        R"({"PDFVersion": {"Version": 3}, "Security": {"UserPassword": "\u65E5"}})";
+        R"({"PDFVersion": {"Version":3}, "Security": {"UserPassword": "\u65E5"}})";
     const struct {
         const char* spool;  // null: missing
         uint32_t error, win32_error;
@@ -123,11 +109,8 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
     ASSERT_TRUE(settings_.Save(kept_setting));
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
-        if (row.spool)
-            folder_.write(L"job.ps", row.spool);
-        else
-            DeleteFileW(spool_.c_str());
-        settings_ = PrintSettings();
+        row.spool ? (void)folder_.write(L"job.ps", row.spool) : (void)DeleteFileW(spool_.c_str());
+        settings_ = {};
         target_ = old;
         setting_ = kept_setting;
         *start_.view() = {};
@@ -136,8 +119,7 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
         EXPECT_EQ(run(), kFailed);
         lock_.reset();
         SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", nullptr);
-        EXPECT_EQ(error(), row.error);
-        EXPECT_EQ(result_.view()->win32_error, row.win32_error);
+        EXPECT_EQ(std::tuple(error(), result_.view()->win32_error), std::tuple(row.error, row.win32_error));
         EXPECT_NE(message().find(row.message), std::wstring::npos) << qk::to_utf8(message());
         EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
         EXPECT_EQ(result_.view()->caption.find_text(), L"Corvanta Vantrix 8.0");
@@ -164,5 +146,3 @@ TEST_F(RenderProcess, WrongCallsTouchNothing) {
     EXPECT_EQ(run_built(kRenderer, L"zr_render --thread 4294967295 --printer P --spool s"), 3);
     EXPECT_EQ(error(), 0u);
 }
-
-}  // namespace

@@ -1,5 +1,4 @@
 // What people who write setting files by hand are told.
-#include <gtest/gtest.h>
 
 #include "companions/host/host_error.h"
 #include "companions/host/setting_check.h"
