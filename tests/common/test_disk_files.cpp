@@ -1,20 +1,11 @@
 // Names that come from elsewhere lead to files of a disk, or to nothing.
-#include <gtest/gtest.h>
-
 #include "UI_dll/PDFSettings/preview/picture_file.h"
 #include "common/icc_folder.h"
 #include "common/icc_profile.h"
 #include "common/qk/disk_file.h"
-#include "common/qk/paths.h"
-#include "common/qk/text.h"
 #include "common/rwPDFSet_functions.h"
-#include "print_settings/PSAdmin.h"
-#include "support/intercept.h"
-#include "support/profile_folder.h"
 
 namespace {
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 constexpr DWORD kRead = FILE_SHARE_READ, kReadAndReplace = FILE_SHARE_READ | FILE_SHARE_DELETE,
                 kAll = kReadAndReplace | FILE_SHARE_WRITE, kNotOpened = MAXDWORD;

@@ -1,20 +1,7 @@
 // Shared blocks, memory that may go, what a thread keeps, texts in records.
-#include <atomic>
-#include <cstddef>
-#include <cstdint>
-#include <stdexcept>
-#include <tuple>
-#include <utility>
-
 #include "common/qk/MMF.h"
 #include "common/job_records.h"
 #include "common/qk/memory_probe.h"
-#include "common/qk/text.h"
-#include "support/guarded_buffer.h"
-#include "support/handle_count.h"
-#include "support/import_patch.h"
-#include "support/installation.h"
-#include "support/trace_capture.h"
 
 TEST(SharedBlocks, OnlyNewOnesAreZeroed) {
     const std::wstring name = L"zr_test_block_" + std::to_wstring(GetCurrentProcessId());

@@ -1,26 +1,10 @@
 // Who is told of a failure, the external-call feature, colour profiles.
-#include <atomic>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
-#include <iterator>
-#include <memory>
 #include <regex>
-#include <tuple>
-#include <utility>
 
 #include "common/ErrorNotify.h"
 #include "common/icc_folder.h"
 #include "common/icc_profile.h"
 #include "common/teskel_custom_2021.h"
-#include "companions/thread.h"
-#include "support/child_process.h"
-#include "support/guarded_buffer.h"
-#include "support/installation.h"
-#include "support/intercept.h"
-#include "support/profile_folder.h"
-#include "support/trace_capture.h"
-#include "support/variable.h"
 
 namespace {
 

@@ -1,15 +1,8 @@
 // The language library: which is chosen, its private copy, what is said of a missing text.
-#include <utility>
-
 #include "UI_dll/plotui.h"
 #include "common/qk/module.h"
-#include "common/qk/resource_dll.h"
-#include "common/qk/text.h"
 #include "companions/wine_layer.h"
 #include "resources/ids.h"
-#include "support/installation.h"
-#include "support/trace_capture.h"
-#include "support/variable.h"
 
 namespace {
 

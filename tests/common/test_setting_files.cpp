@@ -1,22 +1,9 @@
 // Which setting file belongs to a printer, where files and folders lie, what the registry says.
-#include <cstdint>
-#include <tuple>
-#include <utility>
-
 #include "common/driver_util.h"
 #include "common/qk/override_ini.h"
 #include "common/qk/own_user.h"
-#include "common/qk/paths.h"
-#include "common/qk/registry.h"
-#include "common/qk/resource_dll.h"
-#include "common/qk/text.h"
 #include "common/rwPDFSet_functions.h"
 #include "support/fake_tessalo.h"
-#include "support/installation.h"
-#include "support/intercept.h"
-#include "support/temp_folder.h"
-#include "support/trace_capture.h"
-#include "support/variable.h"
 
 namespace {
 

@@ -1,21 +1,8 @@
-#include <atomic>
-#include <cstdint>
-#include <cwchar>
-#include <tuple>
-#include <utility>
-
 #include "UI_dll/cpsui.h"
-#include "common/qk/paths.h"
-#include "common/qk/registry.h"
-#include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
-#include "companions/thread.h"
 #include "lib/devmode.h"
 #include "print_settings/display.h"
-#include "support/installation.h"
-#include "support/intercept.h"
-#include "support/trace_capture.h"
 #include "support/trace_switch.h"
 
 TEST(Trace, RecordsNameThreadFileAndLineAndAreCut) {

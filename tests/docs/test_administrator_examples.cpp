@@ -1,17 +1,14 @@
 // Every example of docs/for-administrators.md does what its section says.
 #include <regex>
-#include <sstream>
 
 #include "UI_dll/cpsui.h"
 #include "common/ErrorNotify.h"
 #include "common/qk/override_ini.h"
-#include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/teskel_custom_2021.h"
 #include "companions/host/setting_check.h"
 #include "job/job_fixture.h"
 #include "lib/devmode.h"
-#include "print_settings/PSAdmin.h"
 
 namespace {
 

@@ -1,23 +1,12 @@
 #include "fuzz/kinds.h"
 
-#include <windows.h>
-
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
-#include <span>
-#include <utility>
-
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/ddi.h"
-#include "common/qk/handle.h"
 #include "common/icc_folder.h"
 #include "common/icc_profile.h"
 #include "common/job_records.h"
 #include "common/qk/override_ini.h"
 #include "common/teskel_custom_2021.h"
-#include "common/qk/text.h"
 #include "companions/host/setting_check.h"
 #include "lib/devmode.h"
 #include "print_settings/PSAdmin.h"

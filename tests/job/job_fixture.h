@@ -3,18 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
-#include <functional>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "UI_dll/ddi.h"
-#include "common/qk/handle.h"
 #include "common/job_records.h"
-#include "common/qk/text.h"
 #include "common/threadprop.h"
 #include "print_settings/PrintSettings.h"
 #include "support/fake_tessalo.h"

@@ -1,17 +1,8 @@
 // The other events and the end of a job.
 #include "job/job_fixture.h"
 
-#include <climits>
-#include <cstdint>
-#include <cstring>
-#include <tuple>
-
 #include "common/qk/module.h"
-#include "common/qk/registry.h"
 #include "job/document_event.h"
-#include "support/guarded_buffer.h"
-#include "support/intercept.h"
-#include "support/trace_capture.h"
 
 TEST_F(JobTest, EventsWithoutWorkSucceedAndAreTraced) {
     const wchar_t* const names[] = {L"CREATEDCPRE",  L"CREATEDCPOST", L"RESETDCPRE", L"RESETDCPOST",

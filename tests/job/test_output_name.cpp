@@ -1,8 +1,4 @@
-#include <tuple>
-#include <utility>
-
 #include "job/output_name.h"
-#include "support/installation.h"
 
 TEST(OutputName, TitleLosesTheApplicationsPrefix) {
     const std::pair<const wchar_t*, std::vector<std::wstring>> rows[] = {

@@ -1,10 +1,7 @@
 // Jobs that do not start: who is told what, and what is left behind.
 #include "job/job_fixture.h"
-#include "common/qk/resource_dll.h"
 #include "job/job_setting.h"
 #include "resources/ids.h"
-#include "support/profile_folder.h"
-#include "support/trace_capture.h"
 
 namespace {
 

@@ -1,16 +1,8 @@
 // From STARTDOCPRE to the published records.
-#include <cstdint>
-#include <tuple>
-#include <utility>
-
 #include "common/driver_util.h"
 #include "common/teskel_custom_2021.h"
 #include "companions/wine_layer.h"
 #include "job/job_fixture.h"
-#include "support/guarded_buffer.h"
-#include "support/handle_count.h"
-#include "support/intercept.h"
-#include "support/trace_capture.h"
 
 namespace {
 

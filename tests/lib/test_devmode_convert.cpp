@@ -1,12 +1,6 @@
 // The default DEVMODE, copies between layouts, DrvConvertDevMode.
-#include <cstddef>
-#include <cstring>
-#include <tuple>
-
 #include "UI_dll/ddi.h"
 #include "lib/devmode.h"
-#include "support/fake_printer.h"
-#include "support/guarded_buffer.h"
 
 namespace {
 

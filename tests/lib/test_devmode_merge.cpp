@@ -1,13 +1,6 @@
 // What a caller's DEVMODE changes, and the direct queries that answer with the result.
-#include <cstddef>
-#include <cstring>
-#include <tuple>
-
 #include "UI_dll/ddi.h"
 #include "lib/devmode.h"
-#include "support/guarded_buffer.h"
-#include "support/installation.h"
-#include "support/trace_capture.h"
 
 namespace {
 

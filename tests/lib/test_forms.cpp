@@ -1,11 +1,6 @@
-#include <cstdint>
-#include <tuple>
-
 #include "UI_dll/ddi.h"
 #include "lib/devmode.h"
 #include "lib/forms.h"
-#include "support/installation.h"
-#include "support/trace_capture.h"
 
 namespace {
 

@@ -1,14 +1,5 @@
-#include <tuple>
-
-#include "common/qk/paths.h"
-#include "common/qk/text.h"
-#include "print_settings/PSAdmin.h"
 #include "support/random_settings.h"
-#include "support/registry_override.h"
-#include "support/temp_folder.h"
-#include "support/user_registry.h"
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
 namespace admin = Corvanta::Vantrix::Administrator;
 
 namespace {

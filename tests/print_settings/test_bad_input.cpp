@@ -1,17 +1,5 @@
-#include <cstdint>
-#include <stdexcept>
-#include <string_view>
-#include <tuple>
-#include <utility>
-
 #include "UI_dll/PDFSettings/setting_list.h"
-#include "print_settings/PrintSettings.h"
 #include "print_settings/json.h"
-#include "support/installation.h"
-#include "support/temp_folder.h"
-#include "support/trace_capture.h"
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 namespace {
 

@@ -1,13 +1,6 @@
-#include <set>
-#include <utility>
-
-#include "common/qk/resource_dll.h"
-#include "common/qk/text.h"
 #include "print_settings/differences.h"
 #include "print_settings/display.h"
 #include "print_settings/field_tables.h"
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 TEST(SettingDifferences, AreSentencesForAPerson) {
     const std::wstring most(79, L'x');

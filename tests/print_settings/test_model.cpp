@@ -1,10 +1,5 @@
-#include <cstdint>
-
 #include "print_settings/display.h"
 #include "support/random_settings.h"
-#include "support/trace_capture.h"
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 TEST(PrintSettingsModel, CopiesShareNothing) {
     RandomSettings random(1);

@@ -1,20 +1,10 @@
 // Where the passwords of a setting show: in its file and nowhere else.
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <utility>
-
 #include "companions/host/report_parts.h"
 #include "companions/host/setting_check.h"
-#include "print_settings/PSAdmin.h"
 #include "print_settings/display.h"
 #include "print_settings/json.h"
-#include "support/temp_folder.h"
-#include "support/trace_capture.h"
 
 namespace {
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 // Each test has a password of its own: the memory that one has freed is not looked at by the next.
 size_t first_letter = 0;

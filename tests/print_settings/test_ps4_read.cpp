@@ -1,13 +1,7 @@
 #include <clocale>
-#include <sstream>
-#include <tuple>
 
-#include "print_settings/PrintSettings.h"
 #include "print_settings/json.h"
 #include "support/random_settings.h"
-#include "support/temp_folder.h"
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 namespace {
 

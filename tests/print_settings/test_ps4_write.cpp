@@ -1,23 +1,7 @@
 #include <sddl.h>
 
-#include <atomic>
-#include <cstdint>
-#include <limits>
-
-#include "common/qk/handle.h"
-#include "common/qk/paths.h"
 #include "common/rwPDFSet_functions.h"
-#include "common/qk/text.h"
-#include "companions/thread.h"
-#include "print_settings/PrintSettings.h"
-#include "support/child_process.h"
-#include "support/installation.h"
-#include "support/intercept.h"
 #include "support/random_settings.h"
-#include "support/temp_folder.h"
-#include "support/variable.h"
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 namespace {
 

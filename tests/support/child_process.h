@@ -3,10 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
-#include <string>
-
 #include "common/qk/handle.h"
 #include "support/installation.h"
 

@@ -2,8 +2,6 @@
 // wrong place, a piece of it once more elsewhere.
 #pragma once
 
-#include <random>
-
 #include "support/prelude.h"
 
 // The same engine gives the same damage. Nothing is left of no bytes.

@@ -2,8 +2,6 @@
 // registry, the user's and the common folders, the printer, message boxes, posted messages.
 #pragma once
 
-#include <windows.h>
-
 #include <shlobj.h>
 
 #include "common/qk/handle.h"

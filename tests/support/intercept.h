@@ -1,13 +1,6 @@
 // Imported functions that a test answers itself, or looks at.
 #pragma once
 
-#include <windows.h>
-
-#include <functional>
-#include <optional>
-#include <string_view>
-#include <utility>
-
 #include "support/import_patch.h"
 
 // For an ImportPatch: a function that leaves a last error, 0 for none, and answers.

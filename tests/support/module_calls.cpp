@@ -1,7 +1,5 @@
 #include "support/module_calls.h"
 
-#include <sstream>
-
 #include "support/installation.h"
 
 namespace {

@@ -2,9 +2,6 @@
 #pragma once
 
 #include <cmath>
-#include <limits>
-#include <random>
-#include <type_traits>
 
 #include "print_settings/PrintSettings.h"
 #include "print_settings/field_tables.h"

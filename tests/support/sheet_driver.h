@@ -5,11 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
 #include <commctrl.h>
 
-#include <memory>
 #include <source_location>
 
 #include "UI_dll/PDFSettings/dialog_state.h"

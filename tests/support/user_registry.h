@@ -1,12 +1,6 @@
 // The hives of the registry, replaced by empty keys of the test's own.
 #pragma once
 
-#include <windows.h>
-
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "support/import_patch.h"
 
 class RegistryOverride {
