@@ -34,12 +34,12 @@ const struct {
 }  // namespace
 
 TEST(DiskFiles, NamesOfDevicesAreKnownByTheirLetters) {
-    for (const std::wstring name :
+    for (const wchar_t* name :
          {L"C:\\x.ps4", L"x.ps4", L"", L"\\", L"C:\\CON\\x.ps4", L"C:\\console.ps4", L"\\\\server",
           L"\\\\server\\share\\x.ps4", L"\\\\server\\pipes\\x.ps4", L"\\\\?\\C:\\x.ps4", L"\\\\.\\C:\\x.ps4",
           L"\\\\?\\UNC\\server\\share\\x.ps4"})
         EXPECT_FALSE(qk::names_device(name)) << qk::to_utf8(name);
-    for (const std::wstring name :
+    for (const wchar_t* name :
          {L"CON", L"C:\\x\\nul", L"com1", L"C:\\x\\LPT9", L"\\\\.\\pipe\\x", L"//./pipe/x", L"\\\\?\\pipe\\x",
           L"\\??\\pipe\\x", L"\\\\.\\mailslot\\x", L"\\\\.\\C:", L"\\\\.\\PhysicalDrive0",
           L"\\\\?\\GLOBALROOT\\Device\\NamedPipe\\x", L"\\\\server\\PIPE\\x", L"//server/mailslot/x",

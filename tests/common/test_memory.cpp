@@ -28,8 +28,7 @@ TEST(SharedBlocks, OnlyNewOnesAreZeroed) {
     const qk::MMF<ZRTK_COMMON_MMF> large(name), taken(name + L"e");  // 4,120 bytes do not fit
     EXPECT_FALSE(large.view() || large.created() || taken.view() || taken.created());
     EXPECT_TRUE(trace.holds(L"failed to create mmf. gle=6") && trace.holds(L"no mmf"));
-    EXPECT_EQ(handle_count(), handles + 2);
-    EXPECT_EQ(view_count(), views);
+    EXPECT_TRUE(handle_count() == handles + 2 && view_count() == views);
 }
 
 TEST(MemoryProbe, EndsWhereTheMemoryEnds) {
@@ -94,14 +93,12 @@ TEST(ThreadStorage, FirstExceptionOfAThreadNeedsNoMemory) {
         return 0;
     };
     for (int round = 0; round < 20; ++round) {  // the reserve comes back with each thread that ends
-        const ImportPatch heap(
-            "HeapAlloc", reinterpret_cast<void*>(+[](HANDLE, DWORD, SIZE_T) -> void* { return nullptr; }));
-        HANDLE threads[10];
-        for (HANDLE& thread : threads)
-            thread = CreateThread(nullptr, 0, throw_and_catch, nullptr, 0, nullptr);
-        WaitForMultipleObjects(10, threads, TRUE, INFINITE);
-        for (const HANDLE thread : threads)
-            CloseHandle(thread);
+        qk::HandleObj threads[10];
+        const ImportPatch heap("HeapAlloc", always<static_cast<void*>(nullptr)>());
+        for (qk::HandleObj& thread : threads)
+            thread.reset(CreateThread(nullptr, 0, throw_and_catch, nullptr, 0, nullptr));
+        for (const qk::HandleObj& thread : threads)
+            WaitForSingleObject(thread.get(), INFINITE);
     }
     EXPECT_EQ(caught, 200);
 }
@@ -121,12 +118,9 @@ TEST(ThreadStorage, GoesWithTheModule) {
     for (const bool loads : {false, true}) {
         const Installation here;
         ForceDirectories(here.folder.file(L"out\\Language"));
-        const std::wstring path = here.folder.file(L"out\\ZR_UI80.dll");
-        CopyFileW(Installation::built(L"ZR_UI80.dll").c_str(), path.c_str(), FALSE);
-        const std::wstring language = L"Language\\zrtk_res_en.dll";
+        const std::wstring path = here.copy_built(L"ZR_UI80.dll", L"out\\ZR_UI80.dll");
         if (loads)
-            CopyFileW(Installation::built(language).c_str(), here.folder.file(L"out\\" + language).c_str(),
-                      FALSE);
+            here.copy_built(L"Language\\zrtk_res_en.dll", L"out\\Language\\zrtk_res_en.dll");
         std::pair<size_t, DWORD> before;
         for (int round = 0; round < 60; ++round) {
             const HMODULE module = LoadLibraryW(path.c_str());
@@ -141,11 +135,8 @@ TEST(ThreadStorage, GoesWithTheModule) {
 }
 
 TEST(Texts, CopiesAreTerminatedAndPaddedAndKeepPairsWhole) {
-    const std::tuple<std::wstring, size_t, std::wstring> rows[] = {{L"abc", 1, L""},
-                                                                   {L"abc", 4, L"abc"},
-                                                                   {L"a\U0001F5A8", 3, L"a"},
-                                                                   {L"a\U0001F5A8", 4, L"a\U0001F5A8"},
-                                                                   {L"a", 6, L"a"}};
+    const std::tuple<std::wstring, size_t, std::wstring> rows[] = {
+        {L"abc", 1, L""}, {L"a\U0001F5A8", 3, L"a"}, {L"a\U0001F5A8", 4, L"a\U0001F5A8"}, {L"a", 6, L"a"}};
     for (const auto& [text, capacity, kept] : rows) {
         const GuardedBuffer buffer(capacity * sizeof(wchar_t), std::wstring(capacity, L'#').data());
         qk::copy_zero_padded(buffer.as<wchar_t>(), capacity, text);

@@ -9,7 +9,6 @@ namespace {
 // The module in a folder "module" of an installation, with the user's folders in the installation too.
 struct Moved : Installation {
     Moved() {
-        create_file = reinterpret_cast<decltype(&CreateFileW)>(create.original());
         qk::finalize_resource_library(false);
         for (const wchar_t* sub : {L"module\\Language", L"Language", L"temp", L"low", L"elsewhere"})
             ForceDirectories(folder.file(sub));
@@ -20,34 +19,31 @@ struct Moved : Installation {
     }
     ~Moved() { qk::finalize_resource_library(false); }
 
-    static HANDLE WINAPI on_create(const wchar_t* name, DWORD access, DWORD share, SECURITY_ATTRIBUTES* who,
-                                   DWORD how, DWORD flags, HANDLE like) {
-        creations += how == CREATE_NEW;
-        if (how != CREATE_NEW || !read_only)
-            return create_file(name, access, share, who, how, flags, like);
-        SetLastError(ERROR_ACCESS_DENIED);
-        return INVALID_HANDLE_VALUE;
-    }
-    static HRESULT WINAPI on_known_folder(const GUID&, DWORD, HANDLE, wchar_t** text) {
-        *text = static_cast<wchar_t*>(SHAlloc((low.size() + 1) * sizeof(wchar_t)));
-        qk::copy_zero_padded(*text, low.size() + 1, low);
-        return S_OK;
-    }
-    static DWORD WINAPI on_module(HMODULE, wchar_t* buffer, DWORD units) {
-        qk::copy_zero_padded(buffer, units, module);
-        return static_cast<DWORD>(module.size());
-    }
-
     static inline bool read_only = false;  // there can be no new file
     static inline unsigned creations;
     static inline std::wstring module, low;
-    static inline decltype(&CreateFileW) create_file;
 
     const std::wstring built = Installation::built(L"Language\\zrtk_res_en.dll");
     const Variable temp{L"TMP", folder.file(L"temp")};
-    const ImportPatch create{"CreateFileW", reinterpret_cast<void*>(&on_create)};
-    const ImportPatch known{"SHGetKnownFolderPath", reinterpret_cast<void*>(&on_known_folder)};
-    const ImportPatch path{"GetModuleFileNameW", reinterpret_cast<void*>(&on_module)};
+    const Intercept<decltype(CreateFileW)> create{
+        "CreateFileW", [](auto, DWORD, DWORD, auto, DWORD how, auto...) -> std::optional<HANDLE> {
+            creations += how == CREATE_NEW;
+            if (how != CREATE_NEW || !read_only)
+                return std::nullopt;
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        }};
+    const Intercept<decltype(SHGetKnownFolderPath)> known{
+        "SHGetKnownFolderPath", [](auto&, DWORD, HANDLE, wchar_t** text) {
+            *text = static_cast<wchar_t*>(SHAlloc((low.size() + 1) * sizeof(wchar_t)));
+            qk::copy_zero_padded(*text, low.size() + 1, low);
+            return S_OK;
+        }};
+    const Intercept<decltype(GetModuleFileNameW)> path{"GetModuleFileNameW",
+                                                       [](HMODULE, wchar_t* buffer, DWORD units) {
+                                                           qk::copy_zero_padded(buffer, units, module);
+                                                           return static_cast<DWORD>(module.size());
+                                                       }};
 };
 
 }  // namespace
@@ -133,10 +129,8 @@ TEST(Resources, ModuleLoadsWhateverTheTemporaryFolderIs) {
         const TraceCapture trace(0);
         EXPECT_TRUE(plotui::attach_process(qk::module_instance()));
         Moved::read_only = false;
-        EXPECT_EQ(
-            std::ranges::count_if(trace.records(),
-                                  [](auto& text) { return text.find(L"cant open tmp lr:") != text.npos; }),
-            row.refusals);
+        const auto is_refusal = [](auto& text) { return text.find(L"cant open tmp lr:") != text.npos; };
+        EXPECT_EQ(std::ranges::count_if(trace.records(), is_refusal), row.refusals);
         EXPECT_LE(Moved::creations, 4u) << "a place that cannot serve is tried again";
         const std::wstring copy = qk::resource_library_path(true);
         EXPECT_EQ(copy.substr(0, copy.rfind(L'\\')), here.folder.file(row.place));
@@ -144,8 +138,7 @@ TEST(Resources, ModuleLoadsWhateverTheTemporaryFolderIs) {
         if (copy != installed) {  // it is nobody else's, and keeps nobody from the installed file
             EXPECT_FALSE(DeleteFileW(copy.c_str()) || MoveFileW(copy.c_str(), (copy + L"_").c_str()) ||
                          MoveFileExW(other.c_str(), copy.c_str(), MOVEFILE_REPLACE_EXISTING));
-            EXPECT_FALSE(qk::FileObj(CreateFileW(copy.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                                 OPEN_EXISTING, 0, nullptr)));
+            EXPECT_FALSE(hold(copy, FILE_SHARE_READ, GENERIC_WRITE));
             EXPECT_TRUE(MoveFileW(installed.c_str(), (installed + L"_").c_str()));
         }
         EXPECT_NE(qk::load_string(IDS_JOB_FAILED).find(L"PDF"), std::wstring::npos);
@@ -169,8 +162,7 @@ TEST(Resources, OnlyCopiesOfDeadProcessesAreRemoved) {
         {dead + L"(7)(8).dll", true}, {dead + L".dll.exe", true}, {L"99999999999.dll", true}};
     for (const auto& [name, stays] : rows)
         here.folder.write(start + name, "");
-    const qk::FileObj in_use(CreateFileW(here.folder.file(start + own + L".dll").c_str(), GENERIC_WRITE, 0,
-                                         nullptr, CREATE_ALWAYS, 0, nullptr));
+    const qk::FileObj in_use = hold(here.folder.write(start + own + L".dll", ""));
     EXPECT_EQ(qk::resource_library_path(false), here.folder.file(start + own + L"(1).dll"));
     qk::finalize_resource_library(false);
     for (const auto& [name, stays] : rows)

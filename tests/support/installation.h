@@ -10,7 +10,6 @@
 #include "common/qk/text.h"
 #include "support/fake_printer.h"
 #include "support/import_patch.h"
-#include "support/registry_override.h"
 #include "support/temp_folder.h"
 #include "support/user_registry.h"
 
@@ -100,6 +99,11 @@ struct Installation {
     static std::wstring built(std::wstring_view name) {
         const std::wstring program = qk::module_path(nullptr);
         return program.substr(0, program.rfind(L'\\') + 1) + std::wstring(name);
+    }
+    // A file of the build, copied into the installation; its path there.
+    std::wstring copy_built(std::wstring_view name, std::wstring_view target) const {
+        CopyFileW(built(name).c_str(), folder.file(target).c_str(), FALSE);
+        return folder.file(target);
     }
     // The file behind "Dunmere Vantrix" logs, read whole.
     [[nodiscard]] std::string log(const wchar_t* name = L"Error_0.log") const {
