@@ -109,10 +109,9 @@ TEST(ThreadStorage, GoesWithTheModule) {
     const auto held = [] {  // bytes of the process's own, and the first free slot of its threads
         std::pair<size_t, DWORD> all = {0, TlsAlloc()};
         TlsFree(all.second);
-        MEMORY_BASIC_INFORMATION region = {};
-        for (const BYTE* at = nullptr; VirtualQuery(at, &region, sizeof region) == sizeof region;
-             at = static_cast<const BYTE*>(region.BaseAddress) + region.RegionSize)
+        for_each_region([&](const MEMORY_BASIC_INFORMATION& region) {
             all.first += region.State == MEM_COMMIT && region.Type == MEM_PRIVATE ? region.RegionSize : 0;
+        });
         return all;
     };
     for (const bool loads : {false, true}) {

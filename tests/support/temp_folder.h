@@ -5,7 +5,8 @@
 #include "support/prelude.h"
 
 // A file held open as another program would, which lets others do as `share` says.
-[[nodiscard]] inline qk::FileObj hold(const std::wstring& path, DWORD share = 0, DWORD access = GENERIC_READ) {
+[[nodiscard]] inline qk::FileObj hold(const std::wstring& path, DWORD share = 0,
+                                      DWORD access = GENERIC_READ) {
     return qk::FileObj(CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
