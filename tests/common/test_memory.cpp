@@ -139,8 +139,8 @@ TEST(Texts, CopiesAreTerminatedAndPaddedAndKeepPairsWhole) {
     for (const auto& [text, capacity, kept] : rows) {
         const GuardedBuffer buffer(capacity * sizeof(wchar_t), std::wstring(capacity, L'#').data());
         qk::copy_zero_padded(buffer.as<wchar_t>(), capacity, text);
-        EXPECT_EQ(std::wstring(buffer.as<wchar_t>(), capacity),
-                  kept + std::wstring(capacity - kept.size(), L'\0'));
+        const std::wstring rest(capacity - kept.size(), L'\0');
+        EXPECT_EQ(std::wstring(buffer.as<wchar_t>(), capacity), kept + rest);
     }
     const std::pair<const wchar_t*, std::optional<double>> numbers[] = {
         {L" \t3", 3}, {L"2,5", 2}, {L"2.5x", 2.5}, {L"", {}}, {L"nan", {}}, {L"1e999", {}}, {L"-0.5e1", -5}};

@@ -94,10 +94,10 @@ TEST(ErrorNotify, LogLiesWhereTheAdministratorSaysAndNamesTheJob) {
         here.machine.set_text(std::wstring(Installation::kKey) + L"\\Notification", L"ErrFile", row.folder);
         here.write_ini(row.ini, row.version);
         DeleteFileW(row.log.c_str());
-        EXPECT_EQ(notify(row.pdf), row.log.empty() ? -2 : 0) << qk::to_utf8(row.folder);
-        EXPECT_NE(holds(TempFolder::read(row.log), qk::format(L"PDFFileName=%s\r\nTime=", row.named)),
-                  row.log.empty())
-            << qk::to_utf8(row.log);
+        SCOPED_TRACE(qk::to_utf8(row.folder));
+        EXPECT_EQ(notify(row.pdf), row.log.empty() ? -2 : 0);
+        const std::wstring line = qk::format(L"PDFFileName=%s\r\nTime=", row.named);
+        EXPECT_NE(holds(TempFolder::read(row.log), line), row.log.empty());
     }
 }
 
@@ -326,15 +326,15 @@ TEST(ColourProfile, DescriptionIsReadFromTheProfile) {
         {"nothing", "", {}}};
     for (const auto& [label, bytes, wanted] : rows) {
         const GuardedBuffer guarded(bytes.size(), bytes.data());
-        EXPECT_EQ(icc::find_description(std::span<const std::byte>(guarded.as<>(), bytes.size())), wanted)
-            << label;
+        const std::span<const std::byte> seen(guarded.as<>(), bytes.size());
+        EXPECT_EQ(icc::find_description(seen), wanted) << label;
     }
     const TempFolder folder;
     DWORD bytes_read = 0;
     const Intercept<decltype(ReadFile)> read(
         "ReadFile", [&](auto, auto, DWORD size, auto...) { return bytes_read += size, std::nullopt; });
-    EXPECT_EQ(icc::find_description(folder.write(L"large.icc", profile(good) + std::string(1 << 20, 'x'))),
-              L"Desc");
+    const std::string large = profile(good) + std::string(1 << 20, 'x');
+    EXPECT_EQ(icc::find_description(folder.write(L"large.icc", large)), L"Desc");
     EXPECT_LT(bytes_read, 200u) << "its tables are of no interest";
     EXPECT_EQ(icc::find_description(folder.path()), std::nullopt);
 }

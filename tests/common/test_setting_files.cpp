@@ -5,6 +5,8 @@
 #include "common/rwPDFSet_functions.h"
 #include "support/fake_tessalo.h"
 
+using namespace std::string_literals;
+
 namespace {
 
 constexpr char kJson[] = "\xEF\xBB\xBF{}";
@@ -18,10 +20,7 @@ public:
     explicit ActingForAUser(bool with_token = true) {
         EXPECT_TRUE(!with_token || ImpersonateSelf(SecurityIdentification));
     }
-    ~ActingForAUser() {
-        RevertToSelf();
-        RegDeleteTreeW(HKEY_CURRENT_USER, kName);
-    }
+    ~ActingForAUser() { RevertToSelf(), RegDeleteTreeW(HKEY_CURRENT_USER, kName); }
     ActingForAUser(ActingForAUser&&) = delete;
 
     static std::wstring in_hive(const std::wstring& path) { return kName + (L'\\' + path); }
@@ -71,8 +70,8 @@ TEST(DriverRegistry, UsersHiveIsThatOfTheThread) {
         const ImportPatch refused("RegOpenCurrentUser", always<LSTATUS{ERROR_ACCESS_DENIED}>());
         EXPECT_EQ(ReadDriverRegString(kValue, L"My printer"), L"process.ps4");
         EXPECT_EQ(ReadDriverRegString(kValue, L"New printer"), L"");
-        EXPECT_TRUE(qk::registry::open(HKEY_CURRENT_USER, kRoot + L"\\New printer"));
-        EXPECT_FALSE(qk::registry::open(HKEY_LOCAL_MACHINE, kRoot + L"\\New printer"));
+        EXPECT_TRUE(qk::registry::open(HKEY_CURRENT_USER, kRoot + L"\\New printer") &&
+                    !qk::registry::open(HKEY_LOCAL_MACHINE, kRoot + L"\\New printer"));
     }
 }
 
@@ -96,9 +95,9 @@ TEST(DriverRegistry, WhatIsToldOfAnotherUserIsNotKept) {
         const ActingForAUser user;
         for (const std::wstring answer : {L"C:\\one", L"C:\\two", L""}) {
             told = answer;
-            EXPECT_EQ(qk::roaming_folder(), answer);
-            EXPECT_EQ(qk::common_documents_folder(), answer);
-            EXPECT_EQ(user_name(), answer);
+            for (const std::wstring& seen :
+                 {qk::roaming_folder(), qk::common_documents_folder(), user_name()})
+                EXPECT_EQ(seen, answer);
         }
         EXPECT_EQ(qk::shared_documents_folder() + qk::OverrideIni().path() + GetAppDataPath(true), L"");
         EXPECT_EQ(qk::OverrideIni().message_id(), 11);
@@ -203,7 +202,7 @@ TEST(SettingFiles, HostsCurrentFolderNeverCounts) {
     const Installation here;
     const TempFolder host;
     for (const wchar_t* folder : {L"sub", L"Settings"})
-        CreateDirectoryW(host.file(folder).c_str(), nullptr);
+        ForceDirectories(host.file(folder));
     const CurrentFolder current(host.path());
     for (const std::wstring& install : {here.folder.path(), std::wstring()}) {
         here.machine.set_text(kRoot, L"PdfDllPath", install);
@@ -286,8 +285,8 @@ TEST(SettingFiles, DialogLibraryNamesTheFile) {
 
 TEST(Folders, UsersFolderIsMadeOnlyOnRequest) {
     const Installation here;
-    const std::wstring folder = here.folder.file(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings");
-    const std::wstring other = here.folder.file(L"deep\\er\\and deeper");
+    const std::wstring folder = here.folder.file(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings"),
+                       other = here.folder.file(L"deep\\er\\and deeper");
     here.machine.set_text(kDebug, L"AppDataPath", L"C:\\machine\\");  // is the user's to say
     const TraceCapture trace;
     EXPECT_EQ(GetAppDataPath(false), L"");
@@ -305,11 +304,9 @@ TEST(Folders, UsersFolderIsMadeOnlyOnRequest) {
 TEST(Folders, ParentsAreMadeAndFilesInTheWayAreNot) {
     const TempFolder folder;
     const std::wstring file = folder.write(L"file", "x");
-    for (const std::wstring& path : {folder.file(L"a\\b\\c\\"), folder.file(L"a"), std::wstring(L"C:\\")})
-        EXPECT_TRUE(ForceDirectories(path)) << qk::to_utf8(path);
-    EXPECT_TRUE(qk::is_folder(folder.file(L"a\\b\\c")));
-    for (const std::wstring& path :
-         std::vector<std::wstring>{file, file + L"\\below", L"", L"\\", L"Q:\\x\\y"})
+    EXPECT_TRUE(ForceDirectories(folder.file(L"a\\b\\c\\")) && qk::is_folder(folder.file(L"a\\b\\c")));
+    EXPECT_TRUE(ForceDirectories(folder.file(L"a")) && ForceDirectories(L"C:\\"));
+    for (const std::wstring& path : {file, file + L"\\below", L""s, L"\\"s, L"Q:\\x\\y"s})
         EXPECT_FALSE(ForceDirectories(path)) << qk::to_utf8(path);
 }
 
@@ -317,10 +314,8 @@ TEST(Folders, ScratchFolderIsTheThreadsOwn) {
     const TempFolder folder;
     const Variable temp(L"TMP", folder.path());
     const std::wstring scratch = folder.path() + qk::format(L"\\ZRTK80_temp\\%lu", GetCurrentThreadId());
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(ZRTK_TempPath(), scratch);
-        EXPECT_TRUE(qk::is_folder(scratch));
-    }
+    for (int i = 0; i < 2; ++i)
+        EXPECT_TRUE(ZRTK_TempPath() == scratch && qk::is_folder(scratch));
     RemoveDirectoryW(scratch.c_str());
     folder.write(L"ZRTK80_temp" + scratch.substr(scratch.rfind(L'\\')), "in the way");
     const TraceCapture trace;

@@ -11,14 +11,7 @@
 #include "support/installation.h"
 
 // What an event leaves: its result and the thread's last error.
-struct Left {
-    int result;
-    DWORD error;
-    bool operator==(const Left&) const = default;
-};
-inline void PrintTo(const Left& left, std::ostream* out) {
-    *out << left.result << ", last error " << left.error;
-}
+using Left = std::pair<int, DWORD>;
 
 inline constexpr Left kGood = {DOCUMENTEVENT_SUCCESS, ERROR_SUCCESS};
 

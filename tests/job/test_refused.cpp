@@ -57,11 +57,11 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
         for (float Box::*const edge : {&Box::left, &Box::top, &Box::right, &Box::bottom})
             rows.push_back({row.code, row.caption, row.code == 164 ? row.icc : L"", [&, edge] {
                                 use_settings([&](Settings& settings) {
-                                    settings.pdfVersion()->Version = row.version;
-                                    settings.pdfVersion()->ICCFileName =
-                                        row.icc == L"-" ? good_profile : row.icc;
-                                    settings.pdfVersion()->TrimBox = {3, 3, 3, 3};
-                                    settings.pdfVersion()->BleedBox.*edge = row.bleed;
+                                    auto& version = *settings.pdfVersion();
+                                    version.Version = row.version;
+                                    version.ICCFileName = row.icc == L"-" ? good_profile : row.icc;
+                                    version.TrimBox = {3, 3, 3, 3};
+                                    version.BleedBox.*edge = row.bleed;
                                     if (row.condition)
                                         settings.addition()->Str[L"OutputCondition"] = *row.condition;
                                 });

@@ -266,9 +266,8 @@ TEST_F(JobTest, BlocksWithoutMemoryBehindThemCountAsAbsent) {
         };
         run(OtherSide<char>(name, 200'000, SEC_RESERVE));
         // A file that is cut short once it is mapped: Windows refuses to, the system below Wine does not.
-        const std::wstring backing = here.folder.file(L"backing");
-        const qk::FileObj file(CreateFileW(backing.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                           CREATE_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+        const std::wstring backing = here.folder.write(L"backing", "");
+        const qk::FileObj file = hold(backing, 0, GENERIC_READ | GENERIC_WRITE);
         const OtherSide<char> block(name, 200'000, SEC_COMMIT, file.get());
         const std::vector<std::string> cut = {"truncate", "-s", "0",
                                               companions::wine::find_unix_path(backing).value_or("")};

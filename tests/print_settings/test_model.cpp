@@ -52,15 +52,13 @@ TEST(PrintSettingsModel, ComparingTracesEveryPartThatDiffers) {
 namespace {
 
 // Changes each value of a setting in turn, as the field tables list them, and hands the result over.
-template <class Section, class Visit>
-void change_each(Section& section, Visit visit, const std::string& path = {});
-
 template <class Value, class Visit>
-void change(Value& value, Visit visit, const std::string& path) {
+void change_each(Value& value, Visit visit, const std::string& path = {}) {
     if constexpr (ps::SectionHandle<Value>) {
         change_each(*value, visit, path);
-    } else if constexpr (std::is_same_v<Value, ps::Box>) {
-        change_each(value, visit, path);
+    } else if constexpr (std::is_class_v<Value> && !requires { value.size(); }) {
+        ps::for_each_field<Value>(
+            [&](const auto& field) { change_each(value.*field.member, visit, path + "/" + field.key); });
     } else {
         const Value before = value;
         if constexpr (std::is_same_v<Value, bool>)
@@ -76,12 +74,6 @@ void change(Value& value, Visit visit, const std::string& path) {
         visit(path);
         value = before;
     }
-}
-
-template <class Section, class Visit>
-void change_each(Section& section, Visit visit, const std::string& path) {
-    ps::for_each_field<Section>(
-        [&](const auto& field) { change(section.*field.member, visit, path + "/" + field.key); });
 }
 
 }  // namespace

@@ -158,10 +158,8 @@ TEST(Ps4Read, DecimalCommaOfTheHostProgramDoesNotMatter) {
     const std::string expected = settings.Serialise();
     ASSERT_NE(std::setlocale(LC_ALL, "German"), nullptr);
     EXPECT_STREQ(std::localeconv()->decimal_point, ",");
-    const std::string written = settings.Serialise();
-    const int result = read.LoadPS4(std::string_view(expected).substr(3), false);
+    EXPECT_EQ(settings.Serialise(), expected);
+    EXPECT_EQ(read.LoadPS4(std::string_view(expected).substr(3), false), ps::kLoaded);
     std::setlocale(LC_ALL, "C");
-    EXPECT_EQ(written, expected);
-    EXPECT_EQ(result, ps::kLoaded);
     EXPECT_EQ(read, settings);
 }
