@@ -1,4 +1,5 @@
 // Shared blocks, memory that may go, what a thread keeps, texts in records.
+#include "UI_dll/ddi.h"
 #include "common/qk/MMF.h"
 #include "common/job_records.h"
 #include "common/qk/memory_probe.h"
@@ -123,6 +124,9 @@ TEST(ThreadStorage, GoesWithTheModule) {
         std::pair<size_t, DWORD> before;
         for (int round = 0; round < 60; ++round) {
             const HMODULE module = LoadLibraryW(path.c_str());
+            if (module)  // which asks for the printer's DEVMODE, once in a thread
+                qk::find_export<decltype(DrvDeviceCapabilities)>(module, "DrvDeviceCapabilities")(
+                    FakePrinter::handle(), nullptr, DC_FIELDS, nullptr, nullptr);
             EXPECT_EQ(module && FreeLibrary(module) && FreeLibrary(module), loads);
             EXPECT_EQ(GetModuleHandleW(path.c_str()), nullptr);
             if (round == 19)
