@@ -29,9 +29,7 @@ public:
 
     Outbox() {
         original_post_ = post_.original<decltype(PostMessageW)>();
-        boxes.clear();
-        posted.clear();
-        events.clear();
+        boxes.clear(), posted.clear(), events.clear();
         answer = IDOK;
     }
 
