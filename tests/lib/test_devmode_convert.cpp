@@ -63,16 +63,12 @@ TEST(Devmode, DefaultIsA4InColour) {
 
 TEST(Devmode, CopiesKeepTheTargetsLayout) {
     // The source's layout, the target's, the bytes copied, the target's version then.
-    const std::tuple<Layout, Layout, int, WORD> rows[] = {{kOwn, {220, 36, 0, 0x0800}, 256, 0x0401},
-                                                          {kOwn, {188, 0, 9, 1}, 188, 0x0320},
-                                                          {kOwn, {212, 20, 9, 1}, 232, 0x0400},
-                                                          {kOwn, {300, 100, 0x0500, 1}, 256, 0x0500},
-                                                          {kOwn, {156, 36, 0x0300, 1}, 192, 0x0300},
-                                                          {kOwn, {300, 36, 0, 1}, -1, 0},
-                                                          {{188, 100, 0, 0}, kOwn, 224, 0x0401},
-                                                          {{300, 52, 1, 0}, kOwn, 256, 0x0401},
-                                                          {{300, 52, 0, 0}, kOwn, -1, 0},
-                                                          {{100, 0, 0x0300, 0}, kOwn, 100, 0x0401}};
+    const std::tuple<Layout, Layout, int, WORD> rows[] = {
+        {kOwn, {220, 36, 0, 0x0800}, 256, 0x0401},  {kOwn, {188, 0, 9, 1}, 188, 0x0320},
+        {kOwn, {300, 100, 0x0500, 1}, 256, 0x0500}, {kOwn, {212, 20, 9, 1}, 232, 0x0400},
+        {kOwn, {156, 36, 0x0300, 1}, 192, 0x0300},  {kOwn, {300, 36, 0, 1}, -1, 0},
+        {{188, 100, 0, 0}, kOwn, 224, 0x0401},      {{300, 52, 1, 0}, kOwn, 256, 0x0401},
+        {{100, 0, 0x0300, 0}, kOwn, 100, 0x0401},   {{300, 52, 0, 0}, kOwn, -1, 0}};
     for (const auto& [from, to, copied, spec_version] : rows) {
         SCOPED_TRACE(testing::Message() << from.size << " to " << to.size);
         const Devmode source(from, 10), target(to, 120);
@@ -95,12 +91,9 @@ TEST(Devmode, CopiesKeepTheTargetsLayout) {
 TEST(Devmode, WhatIsCopiedMustBeThere) {
     const Layout most = {65535, 65535, 0x0401, 0};
     const std::tuple<const char*, Layout, size_t, int> rows[] = {
-        {"a word short", kOwn, 252, -1},
-        {"all sizes at their end", most, 4096, -1},
-        {"header only", kOwn, kHeader, -1},
-        {"no whole header", kOwn, 68, -1},
-        {"public part claims more", {65535, 0, 0x0401, 0}, 220, 220},
-        {"extension claims more", {220, 60000, 0x0401, 0}, 256, 256}};
+        {"a word short", kOwn, 252, -1},    {"all sizes at their end", most, 4096, -1},
+        {"header only", kOwn, kHeader, -1}, {"public part claims more", {65535, 0, 0x0401, 0}, 220, 220},
+        {"no whole header", kOwn, 68, -1},  {"extension claims more", {220, 60000, 0x0401, 0}, 256, 256}};
     const Devmode good(kOwn, 1);
     for (const auto& [label, layout, room, copied] : rows) {
         const Devmode other(layout, 2, room);
@@ -156,51 +149,43 @@ TEST(Devmode, OutputTakesTheSmallerPartsOfTheTwo) {
 
 TEST(DrvConvertDevMode, ModesAnswerWithSizeAndLastError) {
     constexpr DWORD kGood = 0, kNone = ERROR_NO_TOKEN;  // untouched
-    const struct {
-        const char* label;
-        DWORD mode;
-        std::optional<Layout> source, target;
-        DWORD given, error, needed;
-        Layout written = {};
-        std::optional<size_t> room = {};  // of the target, when its sizes lie
-        const wchar_t* printer = L"Vantrix 8";
-    } rows[] = {{"convert", 1, k351, kOwn, 256, kGood, 256, kOwn},
-                {"convert, room to spare", 1, kOwn, k351, 1000, kGood, 224, k351},
-                {"convert, too small", 1, k351, kOwn, 255, 87, 255},
-                {"convert, no target", 1, k351, {}, 256, 87, 256},
-                {"convert, no source", 1, {}, kOwn, 256, 87, 256},
-                {"convert, unknown source", 1, Layout{300, 0, 0, 0}, kOwn, 256, 87, 256},
-                {"convert, size is a lie", 1, kOwn, kOwn, 256, 87, 256, {}, 200},
-                {"old", 2, kOwn, kOwn, 224, kGood, 224, k351},
-                {"old, too small", 2, kOwn, kOwn, 223, 122, 224},
-                {"old, no target", 2, kOwn, {}, 300, 122, 224},
-                {"old, no source", 2, {}, kOwn, 256, 87, 256},
-                {"old, size is a lie", 2, kOwn, kOwn, 256, 87, 256, {}, 200},
-                {"default", 4, {}, kOwn, 256, kGood, 256, kOwn},
-                {"default, 100 bytes", 4, {}, kOwn, 100, 122, 256},
-                {"default, no target", 4, {}, {}, 256, 122, 256},
-                {"default, size is a lie", 4, {}, kOwn, 256, 13, 256, {}, 200},
-                {"default, other printer", 4, {}, kOwn, 256, 13, 256, {}, {}, L"no such printer"},
-                {"default, no printer", 4, {}, kOwn, 256, 13, 256, {}, {}, nullptr},
-                {"mode 0", 0, kOwn, kOwn, 256, kNone, 256},
-                {"mode 3", 3, kOwn, kOwn, 256, kNone, 256}};
+    // The mode, source and target, the size given, the error, the size needed, what is written, and the room
+    // of a target whose sizes lie.
+    const std::tuple<DWORD, std::optional<Layout>, std::optional<Layout>, DWORD, DWORD, DWORD, Layout, size_t>
+        rows[] = {
+            {1, k351, kOwn, 256, kGood, 256, kOwn, 0}, {1, kOwn, k351, 1000, kGood, 224, k351, 0},
+            {1, k351, kOwn, 255, 87, 255, {}, 0},      {1, k351, {}, 256, 87, 256, {}, 0},
+            {1, {}, kOwn, 256, 87, 256, {}, 0},        {1, Layout{300, 0, 0, 0}, kOwn, 256, 87, 256, {}, 0},
+            {1, kOwn, kOwn, 256, 87, 256, {}, 200},    {2, kOwn, kOwn, 224, kGood, 224, k351, 0},
+            {2, kOwn, kOwn, 223, 122, 224, {}, 0},     {2, kOwn, {}, 300, 122, 224, {}, 0},
+            {2, {}, kOwn, 256, 87, 256, {}, 0},        {2, kOwn, kOwn, 256, 87, 256, {}, 200},
+            {4, {}, kOwn, 256, kGood, 256, kOwn, 0},   {4, {}, kOwn, 100, 122, 256, {}, 0},
+            {4, {}, {}, 256, 122, 256, {}, 0},         {4, {}, kOwn, 256, 13, 256, {}, 200},
+            {0, kOwn, kOwn, 256, kNone, 256, {}, 0},   {3, kOwn, kOwn, 256, kNone, 256, {}, 0}};
     FakePrinter printer;
     const DriverDevmode standard = default_devmode();
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        const Devmode source(row.source.value_or(kOwn), 3), target(row.target.value_or(kOwn), 4, row.room);
-        DWORD needed = row.given;
-        auto* const in = row.source ? source.get() : nullptr;
-        auto* const out = row.target ? target.get() : nullptr;
+    for (const auto& [mode, from, to, given, wanted_error, wanted_size, written, room] : rows) {
+        SCOPED_TRACE(testing::Message()
+                     << "mode " << mode << ", " << given << " bytes, error " << wanted_error);
+        const Devmode source(from.value_or(kOwn), 3),
+            target(to.value_or(kOwn), 4, room ? std::optional(room) : std::nullopt);
+        DWORD needed = given;
         SetLastError(kNone);
-        const BOOL result = DrvConvertDevMode(const_cast<wchar_t*>(row.printer), in, out, &needed, row.mode);
+        const BOOL result = DrvConvertDevMode(printer.name.data(), from ? source.get() : nullptr,
+                                              to ? target.get() : nullptr, &needed, mode);
         const DWORD error = GetLastError();
-        EXPECT_EQ(result ? kGood : error, row.error);
-        EXPECT_EQ(needed, row.needed);
+        EXPECT_EQ(result ? kGood : error, wanted_error);
+        EXPECT_EQ(needed, wanted_size);
         if (result) {
-            EXPECT_EQ(layout_of(*target.get()), row.written);
-            EXPECT_EQ(target.bytes() == part(&standard, 0, 256), row.mode == 4);
+            EXPECT_EQ(layout_of(*target.get()), written);
+            EXPECT_EQ(target.bytes() == part(&standard, 0, 256), mode == 4);
         }
+    }
+    wchar_t another[] = L"no such printer";
+    for (wchar_t* const name : {another, static_cast<wchar_t*>(nullptr)}) {
+        DWORD needed = 256;
+        EXPECT_FALSE(DrvConvertDevMode(name, nullptr, Devmode(kOwn, 1).get(), &needed, 4));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_DATA});
     }
     SetLastError(0);
     EXPECT_FALSE(DrvConvertDevMode(printer.name.data(), nullptr, Devmode(kOwn, 1).get(), nullptr, 4));
