@@ -108,19 +108,20 @@ TEST_F(JobTest, DocumentNameIsReadWhereverTheCallerPutIt) {
              bad = of_name(reinterpret_cast<const wchar_t*>(16)),
              open_end = of_name(unterminated.as<wchar_t>());
     const GuardedBuffer short_info(12, &info);
-    const std::tuple<const char*, void*, ULONG, const wchar_t*> rows[] = {
-        {"structure", &info, sizeof info, L"Letter"},
-        {"pointer to it", &pointer, sizeof pointer, L"Letter"},
-        {"size left out", &info, 0, L"Letter"},
-        {"none", nullptr, 0, L"no_name"},
-        {"no name", &nameless, sizeof nameless, L"no_name"},
-        {"name nowhere", &bad, sizeof bad, L"no_name"},
-        {"unterminated name", &open_end, sizeof open_end, L"abc"},
-        {"structure cut off by the page", short_info.as<>(), 40, L"no_name"},
-        {"address nowhere", reinterpret_cast<void*>(24), 40, L"no_name"}};
-    for (const auto& [label, in, size, wanted] : rows) {
-        EXPECT_EQ(send_event(DOCUMENTEVENT_STARTDOCPRE, in, size), kGood) << label;
-        EXPECT_EQ(title, wanted) << label;
+    // The event's input (a structure, a pointer to one, neither), its size, the title.
+    const std::tuple<void*, ULONG, const wchar_t*> rows[] = {{&info, sizeof info, L"Letter"},
+                                                             {&info, 0, L"Letter"},
+                                                             {&pointer, sizeof pointer, L"Letter"},
+                                                             {nullptr, 0, L"no_name"},
+                                                             {&nameless, sizeof nameless, L"no_name"},
+                                                             {&bad, sizeof bad, L"no_name"},
+                                                             {&open_end, sizeof open_end, L"abc"},
+                                                             {short_info.as<>(), 40, L"no_name"},
+                                                             {reinterpret_cast<void*>(24), 40, L"no_name"}};
+    for (const auto& [in, size, wanted] : rows) {
+        SCOPED_TRACE(testing::Message() << size << " bytes, " << qk::to_utf8(wanted));
+        EXPECT_EQ(send_event(DOCUMENTEVENT_STARTDOCPRE, in, size), kGood);
+        EXPECT_EQ(title, wanted);
         end_job();
     }
 }

@@ -101,27 +101,23 @@ TEST(PrinterEvents, InitializeKeepsTheModelInStep) {
         const std::string raw = raw_bytes(text);
         return std::vector<BYTE>(raw.begin(), raw.end());
     };
+    using Model = std::optional<std::vector<BYTE>>;
     const std::wstring name = L"Corvanta Vantrix 8.0";
-    const std::vector<BYTE> ours = bytes({name.c_str(), name.size() + 1}), other = bytes(L"Other"),
-                            of_68(68, 'A');
-    const std::tuple<const char*, int, bool, std::optional<std::vector<BYTE>>, DWORD, BOOL,
-                     std::optional<std::vector<BYTE>>>
-        rows[] = {
-            {"absent", 3, true, {}, 0, 0, ours},
-            {"equal", 3, true, ours, 0, 0, ours},
-            {"equal, unterminated", 3, true, bytes(name), 0, 0, ours},
-            {"another", 3, true, other, 0, 1, other},
-            {"empty", 3, true, bytes({L"", 1}), 0, 1, bytes({L"", 1})},
-            {"34 units unterminated", 3, true, of_68, 0, 1, of_68},
-            {"too long to be read", 3, true, std::vector<BYTE>(70, 'A'), 0, 0, ours},
-            {"not writable", 3, true, {}, ERROR_ACCESS_DENIED, 1, {}},
-            {"no printer", 3, false, {}, 0, 1, {}},
-            {"configuration change", 0, true, {}, 0, 1, {}},
-            {"delete", 4, true, {}, 0, 1, {}},
-            {"unknown", 99, true, {}, 0, 1, {}},
-        };
-    for (const auto& [label, event, can_open, model, write_result, result, left] : rows) {
-        SCOPED_TRACE(label);
+    const Model ours = bytes({name.c_str(), name.size() + 1}), unterminated = bytes(name),
+                other = bytes(L"Other"), blank = bytes({L"", 1}), of_34 = std::vector<BYTE>(68, 'A'),
+                too_long = std::vector<BYTE>(70, 'A');
+    // The event, whether the printer can be opened, its model, what writing it gives, the result, the model
+    // left.
+    const std::tuple<int, bool, Model, DWORD, BOOL, Model> rows[] = {
+        {3, true, {}, 0, 0, ours},     {3, true, unterminated, 0, 0, ours},
+        {3, true, ours, 0, 0, ours},   {3, true, too_long, 0, 0, ours},
+        {3, true, other, 0, 1, other}, {3, true, of_34, 0, 1, of_34},
+        {3, true, blank, 0, 1, blank}, {3, true, {}, ERROR_ACCESS_DENIED, 1, {}},
+        {3, false, {}, 0, 1, {}},      {0, true, {}, 0, 1, {}},
+        {4, true, {}, 0, 1, {}},       {99, true, {}, 0, 1, {}}};
+    for (const auto& [event, can_open, model, write_result, result, left] : rows) {
+        SCOPED_TRACE(testing::Message()
+                     << "event " << event << ", " << (model ? model->size() : 0) << " bytes");
         Installation here;
         here.printer.can_open = can_open;
         here.printer.model = model;
