@@ -11,11 +11,8 @@ constexpr DWORD kRead = FILE_SHARE_READ, kReadAndReplace = FILE_SHARE_READ | FIL
                 kAll = kReadAndReplace | FILE_SHARE_WRITE, kNotOpened = MAXDWORD;
 
 // What takes the name of a file from elsewhere; true when it took something else for a file.
-const struct {
-    const char* label;
-    DWORD share;  // what others may do meanwhile with a file that is there
-    bool (*uses)(const std::wstring& name);
-} kUsers[] = {
+// Which, and what others may do meanwhile with a file that is there.
+const std::tuple<std::string_view, DWORD, bool (*)(const std::wstring& name)> kUsers[] = {
     {"probe", kReadAndReplace, [](auto& name) { return ProbeSettingFile(name) != SettingFormat::kNone; }},
     {"kind", kAll, [](auto& name) { return ps::Recognise(name) != ps::kUnknownKind; }},
     {"name", kReadAndReplace, [](auto& name) { return ps::ReadName(name).has_value(); }},
@@ -53,10 +50,10 @@ TEST(DiskFiles, NobodyTurnsToAPipe) {
     const qk::FileObj server(CreateNamedPipeW(pipe.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_NOWAIT,
                                               1, 100, 100, 0, nullptr));
     ASSERT_TRUE(server);
-    for (const auto& user : kUsers) {
-        EXPECT_FALSE(user.uses(pipe) || user.uses(L"C:\\NUL")) << user.label;
+    for (const auto& [label, share, uses] : kUsers) {
+        EXPECT_FALSE(uses(pipe) || uses(L"C:\\NUL")) << label;
         ASSERT_FALSE(ConnectNamedPipe(server.get(), nullptr));
-        ASSERT_EQ(GetLastError(), DWORD{ERROR_PIPE_LISTENING}) << user.label;
+        ASSERT_EQ(GetLastError(), DWORD{ERROR_PIPE_LISTENING}) << label;
     }
     EXPECT_EQ(ps::PrintSettings().Load(pipe, false), ps::kUnreadable);
 }
@@ -77,18 +74,18 @@ TEST(DiskFiles, FilesAreSharedAndWhatIsNoFileBehindItsNameIsNotRead) {
             }
             return {};
         });
-    for (const auto& user : kUsers) {
-        SCOPED_TRACE(user.label);
+    for (const auto& [label, share, uses] : kUsers) {
+        SCOPED_TRACE(label);
         opened = kNotOpened;
-        static_cast<void>(user.uses(path));
-        EXPECT_EQ(opened, user.share);
+        static_cast<void>(uses(path));
+        EXPECT_EQ(opened, share);
     }
     // A drive's letter may stand for anything.
     const ImportPatch pipe("GetFileType", always<DWORD{FILE_TYPE_PIPE}>());
     const Intercept<decltype(ReadFile)> read("ReadFile", [&](auto...) { return ++asked_for, FALSE; });
-    for (const auto& user : kUsers)
-        if (user.label != std::string_view("is a file")) {
-            EXPECT_FALSE(user.uses(path) || user.uses(profile)) << user.label;
+    for (const auto& [label, share, uses] : kUsers)
+        if (label != "is a file") {
+            EXPECT_FALSE(uses(path) || uses(profile)) << label;
         }
     EXPECT_EQ(asked_for, 0u) << "it was read";
 }

@@ -35,11 +35,8 @@ TEST(SharedBlocks, OnlyNewOnesAreZeroed) {
 TEST(MemoryProbe, EndsWhereTheMemoryEnds) {
     GuardedBuffer buffer(8192, std::string(8192, 'x').data());
     std::byte *const end = buffer.as<>() + 8192, bytes[8192];
-    const struct {
-        size_t from_end, size;
-        bool there;
-    } rows[] = {{5000, 5000, true}, {5000, 5001, false}, {0, 1, false}, {1, SIZE_MAX, false}};
-    for (const auto& [from_end, size, there] : rows) {
+    for (const auto& [from_end, size, there] : std::initializer_list<std::tuple<size_t, size_t, bool>>{
+             {5000, 5000, true}, {5000, 5001, false}, {0, 1, false}, {1, SIZE_MAX, false}}) {
         EXPECT_EQ(qk::is_readable(end - from_end, size), there) << from_end;
         EXPECT_EQ(qk::is_writable(end - from_end, size), there) << from_end;
         EXPECT_EQ(qk::try_copy(bytes, end - from_end, std::min(size, sizeof bytes)), there) << from_end;

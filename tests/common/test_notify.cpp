@@ -74,30 +74,26 @@ TEST(ErrorNotify, LogLiesWhereTheAdministratorSaysAndNamesTheJob) {
         return own + std::wstring(units - 1 - own.size(), L'x') + L"\\";
     };
     const char* const ini = "PrintID=12\r\nPDFFileName=C:\\i.pdf";
-    const struct {
-        std::wstring folder;  // "ErrFile"
-        const char *version, *ini;
-        const wchar_t* pdf;
-        std::wstring log;  // empty: none
-        const wchar_t* named = L"";
-    } rows[] = {
-        {own, "2.5", ini, nullptr, own + L"Error_12.log", L"C:\\i.pdf"},
-        {L"", "2.5", ini, L"C:\\j.pdf", usual + L"Error_12.log", L"C:\\j.pdf"},
-        {L"", "2.5", "PrintID=-4\r\nPDFFileName=C:\\i.pdf", L"", usual + L"Error_-4.log", L"C:\\i.pdf"},
-        {L"", "4", ini, nullptr, usual + L"Error_0.log"},
-        {L"", "2.5", "PrintID=rubbish", L"%s%n.pdf", usual + L"Error_0.log", L"%s%n.pdf"},
-        {own.substr(0, own.size() - 1), "2.5", "", nullptr, L""},
-        {own + L"none\\", "2.5", "", nullptr, L""},
-        {of_units(130), "2.5", "", nullptr, usual + L"Error_0.log"},
-        {of_units(129), "2.5", "", nullptr, L""}};
-    for (const auto& row : rows) {
-        here.machine.set_text(std::wstring(Installation::kKey) + L"\\Notification", L"ErrFile", row.folder);
-        here.write_ini(row.ini, row.version);
-        DeleteFileW(row.log.c_str());
-        SCOPED_TRACE(qk::to_utf8(row.folder));
-        EXPECT_EQ(notify(row.pdf), row.log.empty() ? -2 : 0);
-        const std::wstring line = qk::format(L"PDFFileName=%s\r\nTime=", row.named);
-        EXPECT_NE(holds(TempFolder::read(row.log), line), row.log.empty());
+    // "ErrFile", the ini file's version and lines, the PDF, the log (empty: none), the PDF that it names.
+    const std::tuple<std::wstring, const char*, const char*, const wchar_t*, std::wstring, const wchar_t*>
+        rows[] = {
+            {own, "2.5", ini, nullptr, own + L"Error_12.log", L"C:\\i.pdf"},
+            {L"", "2.5", ini, L"C:\\j.pdf", usual + L"Error_12.log", L"C:\\j.pdf"},
+            {L"", "2.5", "PrintID=-4\r\nPDFFileName=C:\\i.pdf", L"", usual + L"Error_-4.log", L"C:\\i.pdf"},
+            {L"", "4", ini, nullptr, usual + L"Error_0.log", L""},
+            {L"", "2.5", "PrintID=rubbish", L"%s%n.pdf", usual + L"Error_0.log", L"%s%n.pdf"},
+            {own.substr(0, own.size() - 1), "2.5", "", nullptr, L"", L""},
+            {own + L"none\\", "2.5", "", nullptr, L"", L""},
+            {of_units(130), "2.5", "", nullptr, usual + L"Error_0.log", L""},
+            {of_units(129), "2.5", "", nullptr, L"", L""}};
+    for (const auto& [err_file, version, lines, pdf, log, named] : rows) {
+        here.machine.set_text(std::wstring(Installation::kKey) + L"\\Notification", L"ErrFile", err_file);
+        here.write_ini(lines, version);
+        DeleteFileW(log.c_str());
+        SCOPED_TRACE(qk::to_utf8(err_file));
+        EXPECT_EQ(notify(pdf), log.empty() ? -2 : 0);
+        const std::wstring line = qk::format(L"PDFFileName=%s\r\nTime=", named);
+        EXPECT_NE(holds(TempFolder::read(log), line), log.empty());
     }
 }
 

@@ -71,10 +71,8 @@ TEST(Ps4Read, NumbersComeIntoRange) {
 }
 
 TEST(Ps4Read, SingleValuesFollowTheirRules) {
-    const struct {
-        const char* path;
-        std::vector<std::pair<const char*, const char*>> values;  // read, and written again
-    } rows[] = {
+    // The values of each path: read, and written again.
+    const std::pair<const char*, std::vector<std::pair<const char*, const char*>>> rows[] = {
         {"General/OpenPDF", {{"2.9", "2"}, {"-0.9", "0"}}},
         {"General/PaperWidth", {{"10", "25.399999618530273"}, {"1e39", "3276.699951171875"}}},
         {"General/PaperHeight",
@@ -111,9 +109,9 @@ TEST(Ps4Read, SingleValuesFollowTheirRules) {
         {"Compression/Color",
          {{R"({"JpegQuality": 1}, "Color": {"CompressionMethod": 1})",
            R"({"CompressionMethod":1,"DownSamplingMethod":2,"JpegQuality":95,"ResolutionTarget":150,"ResolutionThreshold":225})"}}}};
-    for (const auto& row : rows)
-        for (const auto& [text, expected] : row.values)
-            EXPECT_EQ(read_back(row.path, text), expected) << row.path << " " << text;
+    for (const auto& [path, values] : rows)
+        for (const auto& [text, expected] : values)
+            EXPECT_EQ(read_back(path, text), expected) << path << " " << text;
 }
 
 TEST(Ps4Read, WhatIsMissingTakesItsDefaultAndAFailureLeavesThePartsAfterIt) {
