@@ -99,21 +99,18 @@ TEST(Resources, MissingLanguageFallsBackToEnglishThenJapanese) {
 }
 
 TEST(Resources, ModuleLoadsWhateverTheTemporaryFolderIs) {
-    const struct {
-        const char* label;
-        std::vector<const wchar_t*> files;  // that have a folder's name
-        bool link, read_only;
-        const wchar_t* place;
-        int refusals;  // of places before it
-    } rows[] = {{"as usual", {}, false, false, L"temp\\ZRTK80_temp", 0},
-                {"a file of its name", {L"temp\\ZRTK80_temp"}, false, false, L"low\\ZRTK80_temp", 1},
-                {"files of its name", {L"temp\\ZRTK80_temp", L"low\\ZRTK80_temp"}, false, false, L"temp", 2},
-                {"a link", {}, true, false, L"low\\ZRTK80_temp", 1},
-                {"read-only", {}, false, true, L"module\\Language", 4}};
-    for (const auto& row : rows) {
-        if (row.link && !companions::wine::present())
+    // The files that have a folder's name, a link, no new file anywhere; the place, refusals of those before
+    // it.
+    const std::tuple<std::vector<const wchar_t*>, bool, bool, std::wstring, int> rows[] = {
+        {{}, false, false, L"temp\\ZRTK80_temp", 0},
+        {{L"temp\\ZRTK80_temp"}, false, false, L"low\\ZRTK80_temp", 1},
+        {{L"temp\\ZRTK80_temp", L"low\\ZRTK80_temp"}, false, false, L"temp", 2},
+        {{}, true, false, L"low\\ZRTK80_temp", 1},
+        {{}, false, true, L"module\\Language", 4}};
+    for (const auto& [files, link, read_only, place, refusals] : rows) {
+        if (link && !companions::wine::present())
             continue;
-        SCOPED_TRACE(row.label);
+        SCOPED_TRACE(qk::to_utf8(place) + " after " + std::to_string(refusals));
         const Moved here;
         const auto run = [&](std::vector<std::string> words) {
             words.push_back(*companions::wine::find_unix_path(here.folder.file(L"temp")) + "/ZRTK80_temp");
@@ -122,18 +119,18 @@ TEST(Resources, ModuleLoadsWhateverTheTemporaryFolderIs) {
         const std::wstring installed = here.folder.file(L"module\\Language\\zrtk_res_en.dll");
         CopyFileW(here.built.c_str(), installed.c_str(), FALSE);
         const std::wstring other = here.folder.write(L"other.dll", "another library");
-        for (const wchar_t* file : row.files)
+        for (const wchar_t* file : files)
             here.folder.write(file, "");
-        ASSERT_TRUE(!row.link || run({"/bin/ln", "-s", "../elsewhere"}));
-        Moved::read_only = row.read_only;
+        ASSERT_TRUE(!link || run({"/bin/ln", "-s", "../elsewhere"}));
+        Moved::read_only = read_only;
         const TraceCapture trace(0);
         EXPECT_TRUE(plotui::attach_process(qk::module_instance()));
         Moved::read_only = false;
         const auto is_refusal = [](auto& text) { return text.find(L"cant open tmp lr:") != text.npos; };
-        EXPECT_EQ(std::ranges::count_if(trace.records(), is_refusal), row.refusals);
+        EXPECT_EQ(std::ranges::count_if(trace.records(), is_refusal), refusals);
         EXPECT_LE(Moved::creations, 4u) << "a place that cannot serve is tried again";
         const std::wstring copy = qk::resource_library_path(true);
-        EXPECT_EQ(copy.substr(0, copy.rfind(L'\\')), here.folder.file(row.place));
+        EXPECT_EQ(copy.substr(0, copy.rfind(L'\\')), here.folder.file(place));
         EXPECT_EQ(TempFolder::read(copy), TempFolder::read(here.built));
         if (copy != installed) {  // it is nobody else's, and keeps nobody from the installed file
             EXPECT_FALSE(DeleteFileW(copy.c_str()) || MoveFileW(copy.c_str(), (copy + L"_").c_str()) ||
@@ -144,7 +141,7 @@ TEST(Resources, ModuleLoadsWhateverTheTemporaryFolderIs) {
         EXPECT_NE(qk::load_string(IDS_JOB_FAILED).find(L"PDF"), std::wstring::npos);
         plotui::detach_process(false);
         EXPECT_EQ(qk::is_file(copy), copy == installed);
-        EXPECT_TRUE(!row.link || run({"/bin/rm"}));
+        EXPECT_TRUE(!link || run({"/bin/rm"}));
         EXPECT_TRUE(RemoveDirectoryW(here.folder.file(L"elsewhere").c_str())) << "something is in it";
     }
 }

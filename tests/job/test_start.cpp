@@ -52,39 +52,34 @@ TEST_F(JobTest, TracesTellEveryStepInOrder) {
 
 TEST_F(JobTest, StartRecordIsRightToTheByte) {
     const std::wstring pair_at_the_cut = std::wstring(258, L'p') + L"\U0001F5A8";
-    const struct {
-        const char* label;
-        std::wstring document, title, path, third;
-        How how = How::kAssigned;
-        uint8_t hand_over = 0;
-        int result = 0;
-    } rows[] = {
-        {"assigned", L"Report", L"Report", L"C:\\out\\Report.pdf", L"third text"},
-        {"by the library's address", L"Visio-a", L"a", L"C:\\out\\a longer path.pdf", L"a longer text",
-         How::kByOwnAddress},
-        {"in the field itself", L"Visio-", L"", L"a.pdf", L"1234567", How::kInTheField},
-        {"title as long as a field", L"1234567", L"1234567", L"b.pdf", L"", How::kInTheField},
-        {"all cut", pair_at_the_cut, pair_at_the_cut, std::wstring(400, L'p'), std::wstring(1000, L't')},
-        {"other result", L"x", L"x", L"C:\\e.pdf", L"3", How::kAssigned, 0, 1},
-        {"flag", L"x", L"x", L"", L"", How::kAssigned, 200},
-        {"flag and negative result", L"x", L"x", L"C:\\f.pdf", L"", How::kAssigned, 1, -1}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        const bool resumes = row.hand_over || row.result;
-        path = row.path, third = row.third, how = row.how, result = row.result;
-        meddle = [&](Record& record) {
-            record.hand_over = row.hand_over;
+    // The document, its title, the path, the third text, how they are put, the flag, the result.
+    const std::tuple<std::wstring, std::wstring, std::wstring, std::wstring, How, uint8_t, int> rows[] = {
+        {L"Report", L"Report", L"C:\\out\\Report.pdf", L"third text", How::kAssigned, 0, 0},
+        {L"Visio-a", L"a", L"C:\\out\\a longer path.pdf", L"a longer text", How::kByOwnAddress, 0, 0},
+        {L"Visio-", L"", L"a.pdf", L"1234567", How::kInTheField, 0, 0},
+        {L"1234567", L"1234567", L"b.pdf", L"", How::kInTheField, 0, 0},
+        {pair_at_the_cut, pair_at_the_cut, std::wstring(400, L'p'), std::wstring(1000, L't'), How::kAssigned,
+         0, 0},
+        {L"x", L"x", L"C:\\e.pdf", L"3", How::kAssigned, 0, 1},
+        {L"x", L"x", L"", L"", How::kAssigned, 200, 0},
+        {L"x", L"x", L"C:\\f.pdf", L"", How::kAssigned, 1, -1}};
+    for (const auto& [document, title, chosen, last, way, hand_over, answer] : rows) {
+        SCOPED_TRACE(qk::to_utf8(title + L" to " + chosen));
+        const bool resumes = hand_over || answer;
+        path = chosen, third = last, how = way, result = answer;
+        meddle = [&, flag = hand_over](Record& record) {
+            record.hand_over = flag;
             record.first_value = 0x1122334455667788;
             record.second_value = 2;
             record.third_value = UINT64_MAX;
         };
-        ASSERT_EQ(start_job(row.document.c_str()), kGood);
+        ASSERT_EQ(start_job(document.c_str()), kGood);
         std::string expected(1608, '\0');
         expected[0] = resumes ? 1 : 0;
         for (const auto& [offset, bytes] :
-             {std::pair<size_t, std::string>(2, raw_bytes(row.title.substr(0, 259))),
-              {522, raw_bytes(row.path.substr(0, 259))},
-              {1042, raw_bytes(row.third.substr(0, 259))},
+             {std::pair<size_t, std::string>(2, raw_bytes(title.substr(0, 259))),
+              {522, raw_bytes(chosen.substr(0, 259))},
+              {1042, raw_bytes(last.substr(0, 259))},
               {1576, raw_bytes(uint64_t{0x1122334455667788})},
               {1584, raw_bytes(uint64_t{2})},
               {1600, raw_bytes(UINT64_MAX)}})
