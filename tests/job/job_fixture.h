@@ -11,7 +11,14 @@
 #include "support/installation.h"
 
 // What an event leaves: its result and the thread's last error.
-using Left = std::pair<int, DWORD>;
+struct Left {
+    int result;
+    DWORD error;
+    bool operator==(const Left&) const = default;
+};
+inline void PrintTo(const Left& left, std::ostream* out) {
+    *out << left.result << ", last error " << left.error;
+}
 
 inline constexpr Left kGood = {DOCUMENTEVENT_SUCCESS, ERROR_SUCCESS};
 

@@ -64,9 +64,8 @@ TEST(BadSetting, TextThatIsNoSettingIsUnreadable) {
     int files = 0;
     const auto load = [&](const std::string& text, bool loads, bool loads_on_top) {
         SCOPED_TRACE(text.substr(0, 100));
-        const std::wstring path =
-            here.folder.write(qk::format(L"CustomSettings\\%d.ps4", ++files), kMark + text);
-        EXPECT_EQ(ps::ReadName(path).has_value(), is_object(text));
+        const std::wstring name = qk::format(L"CustomSettings\\%d.ps4", ++files);
+        EXPECT_EQ(ps::ReadName(here.folder.write(name, kMark + text)).has_value(), is_object(text));
         EXPECT_EQ(ps::PrintSettings().LoadPS4(text, false), loads ? ps::kLoaded : ps::kUnreadable);
         EXPECT_EQ(ps::PrintSettings().LoadPS4(text, true), loads_on_top ? ps::kLoaded : ps::kUnreadable);
     };
@@ -77,8 +76,7 @@ TEST(BadSetting, TextThatIsNoSettingIsUnreadable) {
     for (const char* text : {"", "[]", "5"})
         load(text, false, false);
     load("{}", false, true);  // comments need not be there then
-    EXPECT_EQ(pdf_settings::ListUpPSFiles().size(), static_cast<size_t>(files))
-        << "one file costs the list no other";
+    EXPECT_EQ(std::ssize(pdf_settings::ListUpPSFiles()), files) << "one file costs the list no other";
 }
 
 TEST(BadSetting, FilesThatCannotBeLoadedSayWhy) {
@@ -128,7 +126,6 @@ TEST(BadSetting, LegacyFilesAreCheckedAndNeverHalfRead) {
         ps::PrintSettings settings;
         const TraceCapture capture;
         EXPECT_EQ(settings.Load(folder.write(L"file.printSetting3", bytes), false), result) << bytes;
-        EXPECT_TRUE(TraceCapture::holds(traced)) << bytes;
-        EXPECT_EQ(settings, ps::PrintSettings()) << bytes;
+        EXPECT_TRUE(capture.holds(traced) && settings == ps::PrintSettings()) << bytes;
     }
 }

@@ -22,8 +22,7 @@ TEST(PrintSettingsModel, NotificationNumberIsItsTwoHalves) {
         v6->set_ID(id);
         EXPECT_EQ(v6->ID(), id);
     }
-    EXPECT_EQ(v6->ID_High, INT32_MIN);
-    EXPECT_EQ(v6->ID_Low, -2);
+    EXPECT_TRUE(v6->ID_High == INT32_MIN && v6->ID_Low == -2);
 }
 
 TEST(PrintSettingsModel, VersionCodesNameTheirPdfVersion) {

@@ -5,12 +5,11 @@
 
 namespace {
 
-std::vector<BYTE> protection_of(const std::wstring& path) {
-    std::vector<BYTE> bytes(4096);
+std::string protection_of(const std::wstring& path) {
+    std::string bytes(4096, '\0');
     DWORD size = 0;
     GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, bytes.data(), 4096, &size);
-    bytes.resize(size);
-    return bytes;
+    return bytes.substr(0, size);
 }
 
 // Administrators, the file's owner and nobody else.
@@ -107,15 +106,13 @@ TEST_F(Ps4Write, WhatAFileWasItStays) {
     const auto protection = protection_of(path_);
     ASSERT_NE(protection, protection_of(folder_.write(L"another.ps4", "")));
     SetFileAttributesW(path_.c_str(), kAttributes);
-    EXPECT_TRUE(saves(path_));
-    EXPECT_EQ(protection_of(path_), protection);
+    EXPECT_TRUE(saves(path_) && protection_of(path_) == protection);
     EXPECT_EQ(GetFileAttributesW(path_.c_str()) & ~DWORD{FILE_ATTRIBUTE_ARCHIVE}, kAttributes);
 
     const std::wstring first = folder_.write(L"first name.ps4", "old"),
                        second = folder_.file(L"second name.ps4");
     ASSERT_TRUE(CreateHardLinkW(second.c_str(), first.c_str(), nullptr));
-    EXPECT_TRUE(saves(first));
-    EXPECT_EQ(TempFolder::read(second), settings_.Serialise());
+    EXPECT_TRUE(saves(first) && TempFolder::read(second) == settings_.Serialise());
 
     // A link, as the system tells of one: every open file is the one that it leads to.
     const std::wstring target = folder_.write(L"target.ps4", "old"),
@@ -125,8 +122,7 @@ TEST_F(Ps4Write, WhatAFileWasItStays) {
             qk::copy_zero_padded(buffer, units, target);
             return static_cast<DWORD>(target.size());
         });
-    EXPECT_TRUE(settings_.Save(link));
-    EXPECT_EQ(TempFolder::read(target), settings_.Serialise());
+    EXPECT_TRUE(settings_.Save(link) && TempFolder::read(target) == settings_.Serialise());
     EXPECT_EQ(TempFolder::read(link), "link");
     files_ = 6;
 }
@@ -144,10 +140,9 @@ TEST_F(Ps4Write, AFolderThatTakesNoNewFileStillHasItsOldOnesChanged) {
 
 TEST_F(Ps4Write, TemporaryFilesThatNobodyHoldsAreRemoved) {
     const qk::FileObj holder = hold(folder_.write(L"~ps1c-2.tmp", "held"), FILE_SHARE_READ);
-    for (const wchar_t* left : {L"~ps1c-0.tmp", L"~psAB-63.tmp"})
-        folder_.write(left, "left");
-    for (const wchar_t* others : {L"~ps1c-0.ps4", L"~psalm-1.tmp", L"~ps1c.tmp", L"x~ps1c-0.tmp"})
-        folder_.write(others, "stays");
+    for (const wchar_t* name : {L"~ps1c-0.tmp", L"~psAB-63.tmp",  // and what stays
+                                L"~ps1c-0.ps4", L"~psalm-1.tmp", L"~ps1c.tmp", L"x~ps1c-0.tmp"})
+        folder_.write(name, "left");
     EXPECT_TRUE(saves(path_));
     EXPECT_FALSE(qk::is_file(folder_.file(L"~ps1c-0.tmp")) || qk::is_file(folder_.file(L"~psAB-63.tmp")));
     files_ = 6;
