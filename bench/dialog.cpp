@@ -17,7 +17,6 @@
 #include "common/qk/text.h"
 #include "print_settings/PrintSettings.h"
 #include "print_settings/setting_file.h"
-#include "tests/support/registry_override.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/user_registry.h"
 

@@ -15,7 +15,7 @@
 #include "common/qk/text.h"
 #include "job/document_event.h"
 #include "print_settings/PrintSettings.h"
-#include "tests/support/registry_override.h"
+#include "tests/support/user_registry.h"
 
 namespace bench {
 

@@ -8,7 +8,6 @@
 
 #include "tests/support/fake_printer.h"
 #include "tests/support/import_patch.h"
-#include "tests/support/registry_override.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/user_registry.h"
 

@@ -1,30 +1,18 @@
 // Names that come from elsewhere lead to files of a disk, or to nothing.
-#include <gtest/gtest.h>
-
 #include "UI_dll/PDFSettings/preview/picture_file.h"
 #include "common/icc_folder.h"
 #include "common/icc_profile.h"
 #include "common/qk/disk_file.h"
-#include "common/qk/paths.h"
-#include "common/qk/text.h"
 #include "common/rwPDFSet_functions.h"
-#include "print_settings/PSAdmin.h"
-#include "support/intercept.h"
-#include "support/profile_folder.h"
 
 namespace {
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 constexpr DWORD kRead = FILE_SHARE_READ, kReadAndReplace = FILE_SHARE_READ | FILE_SHARE_DELETE,
                 kAll = kReadAndReplace | FILE_SHARE_WRITE, kNotOpened = MAXDWORD;
 
 // What takes the name of a file from elsewhere; true when it took something else for a file.
-const struct {
-    const char* label;
-    DWORD share;  // what others may do meanwhile with a file that is there
-    bool (*uses)(const std::wstring& name);
-} kUsers[] = {
+// Which, and what others may do meanwhile with a file that is there.
+const std::tuple<std::string_view, DWORD, bool (*)(const std::wstring& name)> kUsers[] = {
     {"probe", kReadAndReplace, [](auto& name) { return ProbeSettingFile(name) != SettingFormat::kNone; }},
     {"kind", kAll, [](auto& name) { return ps::Recognise(name) != ps::kUnknownKind; }},
     {"name", kReadAndReplace, [](auto& name) { return ps::ReadName(name).has_value(); }},
@@ -43,12 +31,12 @@ const struct {
 }  // namespace
 
 TEST(DiskFiles, NamesOfDevicesAreKnownByTheirLetters) {
-    for (const std::wstring name :
+    for (const wchar_t* name :
          {L"C:\\x.ps4", L"x.ps4", L"", L"\\", L"C:\\CON\\x.ps4", L"C:\\console.ps4", L"\\\\server",
           L"\\\\server\\share\\x.ps4", L"\\\\server\\pipes\\x.ps4", L"\\\\?\\C:\\x.ps4", L"\\\\.\\C:\\x.ps4",
           L"\\\\?\\UNC\\server\\share\\x.ps4"})
         EXPECT_FALSE(qk::names_device(name)) << qk::to_utf8(name);
-    for (const std::wstring name :
+    for (const wchar_t* name :
          {L"CON", L"C:\\x\\nul", L"com1", L"C:\\x\\LPT9", L"\\\\.\\pipe\\x", L"//./pipe/x", L"\\\\?\\pipe\\x",
           L"\\??\\pipe\\x", L"\\\\.\\mailslot\\x", L"\\\\.\\C:", L"\\\\.\\PhysicalDrive0",
           L"\\\\?\\GLOBALROOT\\Device\\NamedPipe\\x", L"\\\\server\\PIPE\\x", L"//server/mailslot/x",
@@ -62,10 +50,10 @@ TEST(DiskFiles, NobodyTurnsToAPipe) {
     const qk::FileObj server(CreateNamedPipeW(pipe.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_NOWAIT,
                                               1, 100, 100, 0, nullptr));
     ASSERT_TRUE(server);
-    for (const auto& user : kUsers) {
-        EXPECT_FALSE(user.uses(pipe) || user.uses(L"C:\\NUL")) << user.label;
+    for (const auto& [label, share, uses] : kUsers) {
+        EXPECT_FALSE(uses(pipe) || uses(L"C:\\NUL")) << label;
         ASSERT_FALSE(ConnectNamedPipe(server.get(), nullptr));
-        ASSERT_EQ(GetLastError(), DWORD{ERROR_PIPE_LISTENING}) << user.label;
+        ASSERT_EQ(GetLastError(), DWORD{ERROR_PIPE_LISTENING}) << label;
     }
     EXPECT_EQ(ps::PrintSettings().Load(pipe, false), ps::kUnreadable);
 }
@@ -86,18 +74,18 @@ TEST(DiskFiles, FilesAreSharedAndWhatIsNoFileBehindItsNameIsNotRead) {
             }
             return {};
         });
-    for (const auto& user : kUsers) {
-        SCOPED_TRACE(user.label);
+    for (const auto& [label, share, uses] : kUsers) {
+        SCOPED_TRACE(label);
         opened = kNotOpened;
-        static_cast<void>(user.uses(path));
-        EXPECT_EQ(opened, user.share);
+        static_cast<void>(uses(path));
+        EXPECT_EQ(opened, share);
     }
     // A drive's letter may stand for anything.
     const ImportPatch pipe("GetFileType", always<DWORD{FILE_TYPE_PIPE}>());
     const Intercept<decltype(ReadFile)> read("ReadFile", [&](auto...) { return ++asked_for, FALSE; });
-    for (const auto& user : kUsers)
-        if (user.label != std::string_view("is a file")) {
-            EXPECT_FALSE(user.uses(path) || user.uses(profile)) << user.label;
+    for (const auto& [label, share, uses] : kUsers)
+        if (label != "is a file") {
+            EXPECT_FALSE(uses(path) || uses(profile)) << label;
         }
     EXPECT_EQ(asked_for, 0u) << "it was read";
 }

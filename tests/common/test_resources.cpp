@@ -1,22 +1,14 @@
 // The language library: which is chosen, its private copy, what is said of a missing text.
-#include <utility>
-
 #include "UI_dll/plotui.h"
 #include "common/qk/module.h"
-#include "common/qk/resource_dll.h"
-#include "common/qk/text.h"
 #include "companions/wine_layer.h"
 #include "resources/ids.h"
-#include "support/installation.h"
-#include "support/trace_capture.h"
-#include "support/variable.h"
 
 namespace {
 
 // The module in a folder "module" of an installation, with the user's folders in the installation too.
 struct Moved : Installation {
     Moved() {
-        create_file = reinterpret_cast<decltype(&CreateFileW)>(create.original());
         qk::finalize_resource_library(false);
         for (const wchar_t* sub : {L"module\\Language", L"Language", L"temp", L"low", L"elsewhere"})
             ForceDirectories(folder.file(sub));
@@ -27,34 +19,31 @@ struct Moved : Installation {
     }
     ~Moved() { qk::finalize_resource_library(false); }
 
-    static HANDLE WINAPI on_create(const wchar_t* name, DWORD access, DWORD share, SECURITY_ATTRIBUTES* who,
-                                   DWORD how, DWORD flags, HANDLE like) {
-        creations += how == CREATE_NEW;
-        if (how != CREATE_NEW || !read_only)
-            return create_file(name, access, share, who, how, flags, like);
-        SetLastError(ERROR_ACCESS_DENIED);
-        return INVALID_HANDLE_VALUE;
-    }
-    static HRESULT WINAPI on_known_folder(const GUID&, DWORD, HANDLE, wchar_t** text) {
-        *text = static_cast<wchar_t*>(SHAlloc((low.size() + 1) * sizeof(wchar_t)));
-        qk::copy_zero_padded(*text, low.size() + 1, low);
-        return S_OK;
-    }
-    static DWORD WINAPI on_module(HMODULE, wchar_t* buffer, DWORD units) {
-        qk::copy_zero_padded(buffer, units, module);
-        return static_cast<DWORD>(module.size());
-    }
-
     static inline bool read_only = false;  // there can be no new file
     static inline unsigned creations;
     static inline std::wstring module, low;
-    static inline decltype(&CreateFileW) create_file;
 
     const std::wstring built = Installation::built(L"Language\\zrtk_res_en.dll");
     const Variable temp{L"TMP", folder.file(L"temp")};
-    const ImportPatch create{"CreateFileW", reinterpret_cast<void*>(&on_create)};
-    const ImportPatch known{"SHGetKnownFolderPath", reinterpret_cast<void*>(&on_known_folder)};
-    const ImportPatch path{"GetModuleFileNameW", reinterpret_cast<void*>(&on_module)};
+    const Intercept<decltype(CreateFileW)> create{
+        "CreateFileW", [](auto, DWORD, DWORD, auto, DWORD how, auto...) -> std::optional<HANDLE> {
+            creations += how == CREATE_NEW;
+            if (how != CREATE_NEW || !read_only)
+                return std::nullopt;
+            SetLastError(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        }};
+    const Intercept<decltype(SHGetKnownFolderPath)> known{
+        "SHGetKnownFolderPath", [](auto&, DWORD, HANDLE, wchar_t** text) {
+            *text = static_cast<wchar_t*>(SHAlloc((low.size() + 1) * sizeof(wchar_t)));
+            qk::copy_zero_padded(*text, low.size() + 1, low);
+            return S_OK;
+        }};
+    const Intercept<decltype(GetModuleFileNameW)> path{"GetModuleFileNameW",
+                                                       [](HMODULE, wchar_t* buffer, DWORD units) {
+                                                           qk::copy_zero_padded(buffer, units, module);
+                                                           return static_cast<DWORD>(module.size());
+                                                       }};
 };
 
 }  // namespace
@@ -110,21 +99,18 @@ TEST(Resources, MissingLanguageFallsBackToEnglishThenJapanese) {
 }
 
 TEST(Resources, ModuleLoadsWhateverTheTemporaryFolderIs) {
-    const struct {
-        const char* label;
-        std::vector<const wchar_t*> files;  // that have a folder's name
-        bool link, read_only;
-        const wchar_t* place;
-        int refusals;  // of places before it
-    } rows[] = {{"as usual", {}, false, false, L"temp\\ZRTK80_temp", 0},
-                {"a file of its name", {L"temp\\ZRTK80_temp"}, false, false, L"low\\ZRTK80_temp", 1},
-                {"files of its name", {L"temp\\ZRTK80_temp", L"low\\ZRTK80_temp"}, false, false, L"temp", 2},
-                {"a link", {}, true, false, L"low\\ZRTK80_temp", 1},
-                {"read-only", {}, false, true, L"module\\Language", 4}};
-    for (const auto& row : rows) {
-        if (row.link && !companions::wine::present())
+    // The files that have a folder's name, a link, no new file anywhere; the place, refusals of those before
+    // it.
+    const std::tuple<std::vector<const wchar_t*>, bool, bool, std::wstring, int> rows[] = {
+        {{}, false, false, L"temp\\ZRTK80_temp", 0},
+        {{L"temp\\ZRTK80_temp"}, false, false, L"low\\ZRTK80_temp", 1},
+        {{L"temp\\ZRTK80_temp", L"low\\ZRTK80_temp"}, false, false, L"temp", 2},
+        {{}, true, false, L"low\\ZRTK80_temp", 1},
+        {{}, false, true, L"module\\Language", 4}};
+    for (const auto& [files, link, read_only, place, refusals] : rows) {
+        if (link && !companions::wine::present())
             continue;
-        SCOPED_TRACE(row.label);
+        SCOPED_TRACE(qk::to_utf8(place) + " after " + std::to_string(refusals));
         const Moved here;
         const auto run = [&](std::vector<std::string> words) {
             words.push_back(*companions::wine::find_unix_path(here.folder.file(L"temp")) + "/ZRTK80_temp");
@@ -133,32 +119,29 @@ TEST(Resources, ModuleLoadsWhateverTheTemporaryFolderIs) {
         const std::wstring installed = here.folder.file(L"module\\Language\\zrtk_res_en.dll");
         CopyFileW(here.built.c_str(), installed.c_str(), FALSE);
         const std::wstring other = here.folder.write(L"other.dll", "another library");
-        for (const wchar_t* file : row.files)
+        for (const wchar_t* file : files)
             here.folder.write(file, "");
-        ASSERT_TRUE(!row.link || run({"/bin/ln", "-s", "../elsewhere"}));
-        Moved::read_only = row.read_only;
+        ASSERT_TRUE(!link || run({"/bin/ln", "-s", "../elsewhere"}));
+        Moved::read_only = read_only;
         const TraceCapture trace(0);
         EXPECT_TRUE(plotui::attach_process(qk::module_instance()));
         Moved::read_only = false;
-        EXPECT_EQ(
-            std::ranges::count_if(trace.records(),
-                                  [](auto& text) { return text.find(L"cant open tmp lr:") != text.npos; }),
-            row.refusals);
+        const auto is_refusal = [](auto& text) { return text.find(L"cant open tmp lr:") != text.npos; };
+        EXPECT_EQ(std::ranges::count_if(trace.records(), is_refusal), refusals);
         EXPECT_LE(Moved::creations, 4u) << "a place that cannot serve is tried again";
         const std::wstring copy = qk::resource_library_path(true);
-        EXPECT_EQ(copy.substr(0, copy.rfind(L'\\')), here.folder.file(row.place));
+        EXPECT_EQ(copy.substr(0, copy.rfind(L'\\')), here.folder.file(place));
         EXPECT_EQ(TempFolder::read(copy), TempFolder::read(here.built));
         if (copy != installed) {  // it is nobody else's, and keeps nobody from the installed file
             EXPECT_FALSE(DeleteFileW(copy.c_str()) || MoveFileW(copy.c_str(), (copy + L"_").c_str()) ||
                          MoveFileExW(other.c_str(), copy.c_str(), MOVEFILE_REPLACE_EXISTING));
-            EXPECT_FALSE(qk::FileObj(CreateFileW(copy.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                                 OPEN_EXISTING, 0, nullptr)));
+            EXPECT_FALSE(hold(copy, FILE_SHARE_READ, GENERIC_WRITE));
             EXPECT_TRUE(MoveFileW(installed.c_str(), (installed + L"_").c_str()));
         }
         EXPECT_NE(qk::load_string(IDS_JOB_FAILED).find(L"PDF"), std::wstring::npos);
         plotui::detach_process(false);
         EXPECT_EQ(qk::is_file(copy), copy == installed);
-        EXPECT_TRUE(!row.link || run({"/bin/rm"}));
+        EXPECT_TRUE(!link || run({"/bin/rm"}));
         EXPECT_TRUE(RemoveDirectoryW(here.folder.file(L"elsewhere").c_str())) << "something is in it";
     }
 }
@@ -176,8 +159,7 @@ TEST(Resources, OnlyCopiesOfDeadProcessesAreRemoved) {
         {dead + L"(7)(8).dll", true}, {dead + L".dll.exe", true}, {L"99999999999.dll", true}};
     for (const auto& [name, stays] : rows)
         here.folder.write(start + name, "");
-    const qk::FileObj in_use(CreateFileW(here.folder.file(start + own + L".dll").c_str(), GENERIC_WRITE, 0,
-                                         nullptr, CREATE_ALWAYS, 0, nullptr));
+    const qk::FileObj in_use = hold(here.folder.write(start + own + L".dll", ""));
     EXPECT_EQ(qk::resource_library_path(false), here.folder.file(start + own + L"(1).dll"));
     qk::finalize_resource_library(false);
     for (const auto& [name, stays] : rows)

@@ -1,22 +1,11 @@
 // Which setting file belongs to a printer, where files and folders lie, what the registry says.
-#include <cstdint>
-#include <tuple>
-#include <utility>
-
 #include "common/driver_util.h"
 #include "common/qk/override_ini.h"
 #include "common/qk/own_user.h"
-#include "common/qk/paths.h"
-#include "common/qk/registry.h"
-#include "common/qk/resource_dll.h"
-#include "common/qk/text.h"
 #include "common/rwPDFSet_functions.h"
 #include "support/fake_tessalo.h"
-#include "support/installation.h"
-#include "support/intercept.h"
-#include "support/temp_folder.h"
-#include "support/trace_capture.h"
-#include "support/variable.h"
+
+using namespace std::string_literals;
 
 namespace {
 
@@ -31,12 +20,8 @@ public:
     explicit ActingForAUser(bool with_token = true) {
         EXPECT_TRUE(!with_token || ImpersonateSelf(SecurityIdentification));
     }
-    ~ActingForAUser() {
-        RevertToSelf();
-        RegDeleteTreeW(HKEY_CURRENT_USER, kName);
-    }
-    ActingForAUser(const ActingForAUser&) = delete;
-    ActingForAUser& operator=(const ActingForAUser&) = delete;
+    ~ActingForAUser() { RevertToSelf(), RegDeleteTreeW(HKEY_CURRENT_USER, kName); }
+    ActingForAUser(ActingForAUser&&) = delete;
 
     static std::wstring in_hive(const std::wstring& path) { return kName + (L'\\' + path); }
 
@@ -51,10 +36,10 @@ private:
 }  // namespace
 
 TEST(DriverRegistry, FirstTextThatIsNotEmptyCounts) {
-    const wchar_t* const rows[][4] = {// of the user, the machine, its root (null: not set); what is wanted
-                                      {L"u", L"m", L"r", L"u"},       {nullptr, L"m", L"r", L"m"},
-                                      {L"", L"m", L"r", L"m"},        {L"", L"", L"", L""},
-                                      {nullptr, nullptr, L"r", L"r"}, {nullptr, nullptr, nullptr, L""}};
+    // Of the user, the machine, its root (null: not set); what is wanted.
+    const wchar_t* const rows[][4] = {{L"u", L"m", L"r", L"u"}, {nullptr, L"m", L"r", L"m"},
+                                      {L"", L"m", L"r", L"m"},  {nullptr, nullptr, L"r", L"r"},
+                                      {L"", L"", L"", L""},     {nullptr, nullptr, nullptr, L""}};
     for (const auto& [user, machine, root, wanted] : rows) {
         const Installation here;
         if (user)
@@ -85,8 +70,8 @@ TEST(DriverRegistry, UsersHiveIsThatOfTheThread) {
         const ImportPatch refused("RegOpenCurrentUser", always<LSTATUS{ERROR_ACCESS_DENIED}>());
         EXPECT_EQ(ReadDriverRegString(kValue, L"My printer"), L"process.ps4");
         EXPECT_EQ(ReadDriverRegString(kValue, L"New printer"), L"");
-        EXPECT_TRUE(qk::registry::open(HKEY_CURRENT_USER, kRoot + L"\\New printer"));
-        EXPECT_FALSE(qk::registry::open(HKEY_LOCAL_MACHINE, kRoot + L"\\New printer"));
+        EXPECT_TRUE(qk::registry::open(HKEY_CURRENT_USER, kRoot + L"\\New printer") &&
+                    !qk::registry::open(HKEY_LOCAL_MACHINE, kRoot + L"\\New printer"));
     }
 }
 
@@ -110,21 +95,21 @@ TEST(DriverRegistry, WhatIsToldOfAnotherUserIsNotKept) {
         const ActingForAUser user;
         for (const std::wstring answer : {L"C:\\one", L"C:\\two", L""}) {
             told = answer;
-            EXPECT_EQ(qk::roaming_folder(), answer);
-            EXPECT_EQ(qk::common_documents_folder(), answer);
-            EXPECT_EQ(user_name(), answer);
+            for (const std::wstring& seen :
+                 {qk::roaming_folder(), qk::common_documents_folder(), user_name()})
+                EXPECT_EQ(seen, answer);
         }
         EXPECT_EQ(qk::shared_documents_folder() + qk::OverrideIni().path() + GetAppDataPath(true), L"");
         EXPECT_EQ(qk::OverrideIni().message_id(), 11);
     }
     qk::OwnUsersText text;
     // For another user or one's own: what is told, what is wanted.
-    const std::tuple<bool, std::wstring, std::wstring> rows[] = {{false, L"", L""},   {true, L"a", L"a"},
-                                                                 {false, L"b", L"b"}, {false, L"c", L"b"},
-                                                                 {true, L"d", L"d"},  {false, L"", L"b"}};
+    const std::tuple<bool, const wchar_t*, const wchar_t*> rows[] = {{false, L"", L""},   {true, L"a", L"a"},
+                                                                     {false, L"b", L"b"}, {false, L"c", L"b"},
+                                                                     {true, L"d", L"d"},  {false, L"", L"b"}};
     for (const auto& [token, answer, wanted] : rows) {
         const ActingForAUser user(token);
-        EXPECT_EQ(text.get([&answer = answer] { return answer; }), wanted) << qk::to_utf8(answer);
+        EXPECT_EQ(text.get([&answer = answer] { return std::wstring(answer); }), wanted) << wanted;
     }
     const ImportPatch unknown("OpenThreadToken", always<FALSE, ERROR_ACCESS_DENIED>());
     EXPECT_EQ(text.get([] { return std::wstring(L"e"); }), L"e") << "a user that cannot be told";
@@ -134,58 +119,43 @@ TEST(DriverRegistry, ValuesOfAnyShapeAreRead) {
     const Installation here;
     const std::wstring longest(3000, L'x');
     const uint64_t wide = 5;
-    const auto number = [] { return qk::registry::find_number(HKEY_CURRENT_USER, kPrinterKey, L"V"); };
-    const struct {
-        const char* label;
-        DWORD type;
-        const void* data;
-        size_t bytes;
-        std::wstring wanted;
-        std::optional<DWORD> number = {};
-    } rows[] = {{"terminated", REG_SZ, L"abc", 8, L"abc"},
-                {"not terminated", REG_SZ, L"abc", 6, L"abc"},
-                {"half a unit more", REG_SZ, L"abc", 7, L"abc"},
-                {"one byte", REG_SZ, L"abc", 1, L""},
-                {"nothing", REG_SZ, L"", 0, L""},
-                {"expandable", REG_EXPAND_SZ, L"%TMP%", 12, L"%TMP%"},
-                {"zero inside", REG_SZ, L"one\0two", 16, L"one"},
-                {"number", REG_DWORD, &wide, 4, L"", 5},
-                {"wide number", REG_QWORD, &wide, 8, L""},
-                {"half a number", REG_DWORD, &wide, 2, L""},
-                {"bytes", REG_BINARY, L"abc", 8, L""},
-                {"long", REG_SZ, longest.c_str(), 6000, longest},
-                {"260 units", REG_SZ, longest.c_str(), 520, longest.substr(0, 260)}};
-    for (const auto& row : rows) {
-        here.user.set(kPrinterKey, L"V", row.type, row.data, row.bytes);
-        EXPECT_EQ(ReadDriverRegString(L"V", L"My printer"), row.wanted) << row.label;
-        EXPECT_EQ(number(), row.number) << row.label;
+    const std::wstring most = longest.substr(0, 260);
+    const std::tuple<DWORD, const void*, size_t, std::wstring> rows[] = {
+        {REG_SZ, L"abc", 8, L"abc"}, {REG_SZ, longest.c_str(), 6000, longest},
+        {REG_SZ, L"abc", 6, L"abc"}, {REG_EXPAND_SZ, L"%TMP%", 12, L"%TMP%"},
+        {REG_SZ, L"abc", 7, L"abc"}, {REG_SZ, L"one\0two", 16, L"one"},
+        {REG_SZ, L"abc", 1, L""},    {REG_SZ, most.c_str(), 520, most},
+        {REG_SZ, L"", 0, L""},       {REG_DWORD, &wide, 4, L""},
+        {REG_QWORD, &wide, 8, L""},  {REG_BINARY, L"abc", 8, L""},
+        {REG_DWORD, &wide, 2, L""}};
+    for (const auto& [type, data, bytes, wanted] : rows) {
+        SCOPED_TRACE(testing::Message() << bytes << " bytes of type " << type);
+        here.user.set(kPrinterKey, L"V", type, data, bytes);
+        EXPECT_EQ(ReadDriverRegString(L"V", L"My printer"), wanted);
+        EXPECT_EQ(qk::registry::find_number(HKEY_CURRENT_USER, kPrinterKey, L"V"),
+                  type == REG_DWORD && bytes == 4 ? std::optional<DWORD>(5) : std::nullopt);
     }
 }
 
 TEST(SettingFiles, FirstBytesTellTheKind) {
     const Installation here;
-    const auto number = [](uint32_t value) { return std::string(reinterpret_cast<char*>(&value), 4); };
     const std::string chunked = "\xF0\x5ARTKS3\xF1";
-    const std::pair<SettingFormat, std::vector<std::string>> rows[] = {
+    std::vector<std::pair<SettingFormat, std::vector<std::string>>> rows = {
         {SettingFormat::kJson, {kJson, "\xEF\xBB\xBF "}},
         {SettingFormat::kBinary3, {chunked}},
-        {SettingFormat::kBinary2_1, {number(0x20001)}},
-        {SettingFormat::kBinary2_2, {number(0x20002)}},
-        {SettingFormat::kBinary2_3, {number(0x20003)}},
-        {SettingFormat::kBinary2_4, {number(0x20004)}},
-        {SettingFormat::kBinary2_5, {number(0x20005)}},
-        {SettingFormat::kBinary2_9, {number(0x20009)}},
         {SettingFormat::kNone,
-         {"", "\xEF\xBB\xBF", "{}  ", chunked.substr(0, 7), chunked.substr(0, 4) + "XXXX", number(0x20006),
-          number(0x20007), number(0x20008), number(0x2000A), number(0x20000), number(0x30000), number(70000),
-          number(0x20001).substr(0, 3)}}};
+         {"", "\xEF\xBB\xBF", "{}  ", chunked.substr(0, 7), chunked.substr(0, 4) + "XXXX", {"\1\0\2", 3}}}};
+    for (const uint32_t version : {0x20001u, 0x20002u, 0x20003u, 0x20004u, 0x20005u, 0x20009u})
+        rows.push_back({SettingFormat{version}, {raw_bytes(version)}});
+    for (const uint32_t other : {0x20000u, 0x20006u, 0x20007u, 0x20008u, 0x2000Au, 0x30000u, 70000u})
+        rows.push_back({SettingFormat::kNone, {raw_bytes(other)}});
     for (const auto& [format, starts] : rows)
         for (const std::string& start : starts)
             EXPECT_EQ(ProbeSettingFile(here.folder.write(L"probed", start)), format) << start;
     EXPECT_EQ(ProbeSettingFile(L""), SettingFormat::kNone);
     EXPECT_EQ(ProbeSettingFile(here.folder.path()), SettingFormat::kNone);
     const std::wstring locked = here.folder.write(L"probed", kJson);
-    const qk::FileObj lock(CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    const qk::FileObj lock = hold(locked);
     const TraceCapture trace;
     EXPECT_EQ(ProbeSettingFile(locked), SettingFormat::kNone);
     EXPECT_TRUE(trace.holds(L"open error") && trace.holds(locked));
@@ -227,7 +197,7 @@ TEST(SettingFiles, HostsCurrentFolderNeverCounts) {
     const Installation here;
     const TempFolder host;
     for (const wchar_t* folder : {L"sub", L"Settings"})
-        CreateDirectoryW(host.file(folder).c_str(), nullptr);
+        ForceDirectories(host.file(folder));
     const CurrentFolder current(host.path());
     for (const std::wstring& install : {here.folder.path(), std::wstring()}) {
         here.machine.set_text(kRoot, L"PdfDllPath", install);
@@ -291,29 +261,27 @@ TEST(SettingFiles, DefaultTakesOverForAFileThatIsGone) {
 TEST(SettingFiles, DialogLibraryNamesTheFile) {
     const Installation here;
     const TraceCapture trace;
-    const std::wstring target = here.folder.file(L"Tessalo80.dll");
-    const auto ask = [&](std::wstring_view library) {
-        if (!library.empty())
-            CopyFileW(Installation::built(library).c_str(), target.c_str(), FALSE);
-        return GetSettingFileNameFromFD(L"My printer");
-    };
-    for (const wchar_t* built : {L"", L"Language\\zrtk_res_en.dll", L"fake_tessalo.dll"})
-        EXPECT_EQ(ask(built), L"");
+    const auto ask = [] { return GetSettingFileNameFromFD(L"My printer"); };
+    EXPECT_EQ(ask(), L"");
+    for (const wchar_t* built : {L"Language\\zrtk_res_en.dll", L"fake_tessalo.dll"}) {
+        here.copy_built(built, L"Tessalo80.dll");
+        EXPECT_EQ(ask(), L"");
+    }
     EXPECT_EQ(trace.count(L"dll not found: Tessalo80.dll") * 10 + trace.count(L"no func"), 11u);
-    const qk::DLL library(LoadLibraryW(target.c_str()));
+    const qk::DLL library(LoadLibraryW(here.folder.file(L"Tessalo80.dll").c_str()));
     auto* script = qk::find_export<FakeTessaloScriptExport>(library.get(), "Script")();
     std::fill(std::begin(script->setting), std::end(script->setting), L's');  // it forgets the terminator
-    EXPECT_EQ(ask(L""), std::wstring(511, L's'));
+    EXPECT_EQ(ask(), std::wstring(511, L's'));
     script->setting_result = 3;
-    EXPECT_EQ(ask(L""), L"");
+    EXPECT_EQ(ask(), L"");
     EXPECT_TRUE(trace.holds(L"func error"));
     EXPECT_STREQ(script->misuse, "");
 }
 
 TEST(Folders, UsersFolderIsMadeOnlyOnRequest) {
     const Installation here;
-    const std::wstring folder = here.folder.file(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings");
-    const std::wstring other = here.folder.file(L"deep\\er\\and deeper");
+    const std::wstring folder = here.folder.file(L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings"),
+                       other = here.folder.file(L"deep\\er\\and deeper");
     here.machine.set_text(kDebug, L"AppDataPath", L"C:\\machine\\");  // is the user's to say
     const TraceCapture trace;
     EXPECT_EQ(GetAppDataPath(false), L"");
@@ -331,11 +299,9 @@ TEST(Folders, UsersFolderIsMadeOnlyOnRequest) {
 TEST(Folders, ParentsAreMadeAndFilesInTheWayAreNot) {
     const TempFolder folder;
     const std::wstring file = folder.write(L"file", "x");
-    for (const std::wstring& path : {folder.file(L"a\\b\\c\\"), folder.file(L"a"), std::wstring(L"C:\\")})
-        EXPECT_TRUE(ForceDirectories(path)) << qk::to_utf8(path);
-    EXPECT_TRUE(qk::is_folder(folder.file(L"a\\b\\c")));
-    for (const std::wstring& path :
-         std::vector<std::wstring>{file, file + L"\\below", L"", L"\\", L"Q:\\x\\y"})
+    EXPECT_TRUE(ForceDirectories(folder.file(L"a\\b\\c\\")) && qk::is_folder(folder.file(L"a\\b\\c")));
+    EXPECT_TRUE(ForceDirectories(folder.file(L"a")) && ForceDirectories(L"C:\\"));
+    for (const std::wstring& path : {file, file + L"\\below", L""s, L"\\"s, L"Q:\\x\\y"s})
         EXPECT_FALSE(ForceDirectories(path)) << qk::to_utf8(path);
 }
 
@@ -343,10 +309,8 @@ TEST(Folders, ScratchFolderIsTheThreadsOwn) {
     const TempFolder folder;
     const Variable temp(L"TMP", folder.path());
     const std::wstring scratch = folder.path() + qk::format(L"\\ZRTK80_temp\\%lu", GetCurrentThreadId());
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(ZRTK_TempPath(), scratch);
-        EXPECT_TRUE(qk::is_folder(scratch));
-    }
+    for (int i = 0; i < 2; ++i)
+        EXPECT_TRUE(ZRTK_TempPath() == scratch && qk::is_folder(scratch));
     RemoveDirectoryW(scratch.c_str());
     folder.write(L"ZRTK80_temp" + scratch.substr(scratch.rfind(L'\\')), "in the way");
     const TraceCapture trace;

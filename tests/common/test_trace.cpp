@@ -1,21 +1,8 @@
-#include <atomic>
-#include <cstdint>
-#include <cwchar>
-#include <tuple>
-#include <utility>
-
 #include "UI_dll/cpsui.h"
-#include "common/qk/paths.h"
-#include "common/qk/registry.h"
-#include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
-#include "companions/thread.h"
 #include "lib/devmode.h"
 #include "print_settings/display.h"
-#include "support/installation.h"
-#include "support/intercept.h"
-#include "support/trace_capture.h"
 #include "support/trace_switch.h"
 
 TEST(Trace, RecordsNameThreadFileAndLineAndAreCut) {
@@ -60,11 +47,9 @@ TEST(Trace, LevelDecidesWhatIsWritten) {
         const auto records = trace.records();
         ASSERT_EQ(records.size(), (scope ? 2u : 0u) + (plain ? 2u : 0u)) << level;
         EXPECT_EQ(trace.holds(L"n=3"), plain) << level;
-        if (scope) {
-            EXPECT_TRUE(trace.holds(L">>Entry"));
-            EXPECT_NE(records.front().find(L"test_trace.cpp("), std::wstring::npos);
-            EXPECT_NE(records.back().find(L"test_trace.cpp  <<Entry"), std::wstring::npos);
-        }
+        EXPECT_EQ(trace.holds(L">>Entry"), scope);
+        EXPECT_TRUE(!scope || (records.front().find(L"test_trace.cpp(") != std::wstring::npos &&
+                               records.back().find(L"test_trace.cpp  <<Entry") != std::wstring::npos));
     }
 }
 
@@ -78,10 +63,10 @@ TEST(Trace, LevelComesFromTheSwitch) {
         return qk::trace::level;
     };
     EXPECT_EQ(read(), 0u);
-    trace_switch.set(6, true);
-    EXPECT_EQ(read(), 6u);
-    trace_switch.set(5);
-    EXPECT_EQ(read(), 5u);
+    for (const DWORD level : {6u, 5u}) {
+        trace_switch.set(level, level == 6);
+        EXPECT_EQ(read(), level);
+    }
     trace_switch.set(7);
     {
         DWORD meanwhile = 0;
@@ -103,15 +88,12 @@ TEST(Trace, NeedsNoMemory) {
     static wchar_t record[1000];
     static bool asked;
     asked = false;
-    const ImportPatch output("OutputDebugStringW",
-                             reinterpret_cast<void*>(+[](const wchar_t* text) { wcscpy(record, text); }));
+    const ImportPatch output("OutputDebugStringW", [](const wchar_t* text) { wcscpy(record, text); });
     {
-        const ImportPatch memory(
-            "malloc", reinterpret_cast<void*>(+[](size_t) -> void* { return asked = true, nullptr; }));
+        const ImportPatch memory("malloc", [](size_t) -> void* { return asked = true, nullptr; });
         TRACE_F(L"more than any text %s", L"holds in itself");
     }
-    EXPECT_FALSE(asked);
-    EXPECT_NE(wcsstr(record, L"more than any text holds in itself"), nullptr);
+    EXPECT_TRUE(!asked && wcsstr(record, L"more than any text holds in itself"));
 }
 
 TEST(ThreadProp, EntriesQueueUpPerThreadAndKey) {
@@ -121,8 +103,7 @@ TEST(ThreadProp, EntriesQueueUpPerThreadAndKey) {
         return value;
     };
     EXPECT_EQ(get(L"A") + FreeThreadProp(L"A"), 0u);
-    for (const ULONG_PTR value : {1u, 2u})
-        EXPECT_EQ(SetThreadProp(L"A", value), 0u);
+    EXPECT_EQ(SetThreadProp(L"A", 1) + SetThreadProp(L"A", 2), 0u);
     SetThreadProp(L"a", 3);
     SetThreadProp(L"AB", UINTPTR_MAX);
     companions::Thread([&] {
@@ -133,8 +114,7 @@ TEST(ThreadProp, EntriesQueueUpPerThreadAndKey) {
         EXPECT_EQ(get(L"A"), value);
         EXPECT_EQ(FreeThreadProp(L"A"), value);
     }
-    EXPECT_EQ(get(L"a"), 3u);
-    EXPECT_EQ(get(L"AB"), UINTPTR_MAX);
+    EXPECT_TRUE(get(L"a") == 3 && get(L"AB") == UINTPTR_MAX);
     for (const bool process_ends : {true, false}) {
         SetThreadProp(L"a", 4);
         FinalizeThreadProp(process_ends);
@@ -155,8 +135,8 @@ TEST(ThreadProp, ThreadsDoNotMeetInTheStore) {
                 return ADD_FAILURE() << "another's value in round " << i;
         }
     };
-    companions::Thread threads[] = {companions::Thread(work), companions::Thread(work),
-                                    companions::Thread(work), companions::Thread(work)};
+    using companions::Thread;
+    Thread threads[] = {Thread(work), Thread(work), Thread(work), Thread(work)};
 }
 
 TEST(Trace, FunctionsSayThatTheyAreEntered) {
@@ -165,7 +145,11 @@ TEST(Trace, FunctionsSayThatTheyAreEntered) {
     DEVMODEW devmode = {};
     DWORD size = 0;
     const std::wstring folder = here.folder.file(L"out");
-    const std::pair<std::wstring, std::function<void()>> rows[] = {
+    const struct {
+        std::wstring record;
+        std::function<void()> call;
+        const char* refused = "";  // a function of the registry
+    } rows[] = {
         {L"resource_library_path", [] { (void)qk::resource_library_path(true); }},
         {L"load_string 19", [] { (void)qk::load_string(19); }},
         {L"ConvertDevmode", [&] { ConvertDevmode(&devmode, nullptr); }},
@@ -180,15 +164,10 @@ TEST(Trace, FunctionsSayThatTheyAreEntered) {
         {L"Types2Str", [&] { (void)Types2Str(settings); }},
         {L"err:RegOpenKeyExW 2 zr none", [] { (void)qk::registry::open(HKEY_CURRENT_USER, L"zr none"); }},
         {L"err:RegCreateKeyExW 5 zr none",
-         [] {
-             const ImportPatch refused("RegCreateKeyExW", always<LSTATUS{ERROR_ACCESS_DENIED}>());
-             (void)qk::registry::create(HKEY_CURRENT_USER, L"zr none", KEY_READ);
-         }},
-        {L"err:SetSettingFileName 5", [] {
-             const ImportPatch refused("RegSetValueExW", always<LSTATUS{ERROR_ACCESS_DENIED}>());
-             SetSettingFileName(L"x.ps4", L"printer");
-         }}};
-    for (const auto& [record, call] : rows) {
+         [] { (void)qk::registry::create(HKEY_CURRENT_USER, L"zr none", KEY_READ); }, "RegCreateKeyExW"},
+        {L"err:SetSettingFileName 5", [] { SetSettingFileName(L"x.ps4", L"printer"); }, "RegSetValueExW"}};
+    for (const auto& [record, call, refused] : rows) {
+        const ImportPatch patch(refused, always<LSTATUS{ERROR_ACCESS_DENIED}>());
         const TraceCapture trace;
         call();
         EXPECT_TRUE(trace.holds(record)) << qk::to_utf8(record);

@@ -1,17 +1,14 @@
 // Every example of docs/for-administrators.md does what its section says.
 #include <regex>
-#include <sstream>
 
 #include "UI_dll/cpsui.h"
 #include "common/ErrorNotify.h"
 #include "common/qk/override_ini.h"
-#include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/teskel_custom_2021.h"
 #include "companions/host/setting_check.h"
 #include "job/job_fixture.h"
 #include "lib/devmode.h"
-#include "print_settings/PSAdmin.h"
 
 namespace {
 
@@ -80,9 +77,9 @@ protected:
     // Puts an example where it belongs; its drive D: is a folder of the test's.
     void apply(const Example& example) const {
         const std::string drive = qk::to_utf8(drive_);
-        const bool escaped = example.kind != "ini";
-        const std::string text = escaped ? replaced(example.text, "D:\\\\", replaced(drive, "\\", "\\\\"))
-                                         : replaced(example.text, "D:\\", drive);
+        const std::string text = example.kind == "ini"
+                                     ? replaced(example.text, "D:\\", drive)
+                                     : replaced(example.text, "D:\\\\", replaced(drive, "\\", "\\\\"));
         if (example.kind == "reg")
             return enter(text);
         if (example.kind == "json") {
@@ -110,13 +107,10 @@ protected:
 }  // namespace
 
 TEST_F(AdministratorExamples, DoWhatTheDocumentSays) {
-    const auto is_wide = [](short wanted) {
+    const auto orientation = [] {
         DriverDevmode caller = default_devmode(), got;
         EXPECT_EQ(MergeDevmode(FakePrinter::handle(), &caller.dm, got), 0u);
-        return got.dm.dmOrientation == wanted;
-    };
-    const auto set_user = [&](const wchar_t* value, const wchar_t* text) {
-        here.user.set_text(Installation::kKey, value, text);
+        return got.dm.dmOrientation;
     };
     const std::vector<std::pair<std::string_view, std::function<void()>>> sections = {
         {"The installation folder",
@@ -133,8 +127,7 @@ TEST_F(AdministratorExamples, DoWhatTheDocumentSays) {
              EXPECT_EQ(ResolveSettingFilePath(L"office"), file) << "before the user's";
              Settings settings;
              EXPECT_TRUE(settings.Load(file));
-             EXPECT_EQ(settings->PSName, L"Office, grey");
-             EXPECT_EQ(settings.color()->ColorMode, 1u);
+             EXPECT_TRUE(settings->PSName == L"Office, grey" && settings.color()->ColorMode == 1);
          }},
         {"The setting of a printer",
          [&] {
@@ -144,14 +137,11 @@ TEST_F(AdministratorExamples, DoWhatTheDocumentSays) {
          }},
         {"The language",
          [&] {
-             set_user(L"Language", L"");
+             here.user.set_text(Installation::kKey, L"Language", L"");
              EXPECT_EQ(qk::language_code(), L"ja");
-             set_user(L"Language", L"kr");
-             EXPECT_EQ(qk::language_code(), L"kr");
          }},
         {"Only the settings page",
          [&] {
-             here.set_number(HKEY_CURRENT_USER, L"\\Special", L"HideSettingTab", 0);
              EXPECT_TRUE(cpsui::only_settings_page());
              here.set_number(HKEY_LOCAL_MACHINE, L"\\Special", L"HideSettingTab", 0);
              EXPECT_FALSE(cpsui::only_settings_page());
@@ -165,29 +155,24 @@ TEST_F(AdministratorExamples, DoWhatTheDocumentSays) {
         {"Forcing values",
          [&] {
              const auto settings = loaded();
-             EXPECT_EQ(settings.watermark()->Style, 1u);
-             EXPECT_EQ(settings.watermark()->Text, L"INTERNAL");
+             EXPECT_TRUE(settings.watermark()->Style == 1 && settings.watermark()->Text == L"INTERNAL");
          }},
         {"Folder and name of every PDF",
          [&] {
              EXPECT_EQ(loaded().restriction().PDFFileName, L"scan.pdf");
              here.write_ini("PDFFileName=Q:\\other\\x.pdf");
-             EXPECT_EQ(start_job(L"x"), kGood);
+             run_job();
              EXPECT_EQ(job_general.OutputFolder, drive_ + L"Outgoing");
              EXPECT_EQ(job_general.SaveStyle, 1);
-             end_job();
          }},
         {"No other pages", [&] { EXPECT_TRUE(cpsui::only_settings_page()); }},
         {"Steering jobs",
          [&] {
              DeleteFileW(here.folder.file(L"administrator.ps4a").c_str());
-             EXPECT_EQ(start_job(L"x"), kGood);
+             run_job([] { Outbox::posted.clear(); });
              EXPECT_EQ(job_general.OutputFolder, drive_ + L"Incoming\\");
-             Outbox::posted.clear();
-             end_job();
-             ASSERT_FALSE(Outbox::posted.empty());
-             EXPECT_EQ(Outbox::posted.back().wparam, 12u);
-             EXPECT_TRUE(is_wide(DMORIENT_LANDSCAPE));
+             EXPECT_EQ(Outbox::posted.at(0).wparam, 12u);
+             EXPECT_EQ(orientation(), DMORIENT_LANDSCAPE);
          }},
         {"Event log and log file, no box",
          [&] {
@@ -196,22 +181,18 @@ TEST_F(AdministratorExamples, DoWhatTheDocumentSays) {
              EXPECT_TRUE(Outbox::boxes.empty());
              EXPECT_EQ(Outbox::events, std::vector<std::wstring>{L"failed"});
              const std::string log = TempFolder::read(drive_ + L"PrintLogs\\Error_7.log");
-             const std::wstring start = L"[7]\r\nPDFFileName=C:\\x.pdf\r\nTime=";
-             EXPECT_TRUE(log.starts_with(
-                 std::string(reinterpret_cast<const char*>(start.data()), start.size() * sizeof(wchar_t))));
+             EXPECT_TRUE(log.starts_with(raw_bytes(std::wstring(L"[7]\r\nPDFFileName=C:\\x.pdf\r\n"))));
              here.write_ini("Orient=1", "3.1");
-             EXPECT_TRUE(is_wide(DMORIENT_PORTRAIT)) << "a version that does not count";
+             EXPECT_EQ(orientation(), DMORIENT_PORTRAIT) << "a version that does not count";
          }},
         {"A program after each document",
          [&] {
              const pd_tk::TeskelCustom2021 calls(L"x", L"");
-             EXPECT_TRUE(calls.IsActive());
-             EXPECT_FALSE(calls.HasAnyExe());
+             EXPECT_TRUE(calls.IsActive() && !calls.HasAnyExe());
              here.folder.write(L"D\\Tools\\archive.exe", "");
              EXPECT_TRUE(calls.HasExe(pd_tk::TeskelCustom2021::kDocEnd) && calls.HasAnyExe());
              script->expects_start_folder = true;
-             EXPECT_EQ(start_job(L"x"), kGood);
-             end_job();
+             run_job();
          }},
     };
     const auto examples = examples_of(

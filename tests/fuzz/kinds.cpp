@@ -1,23 +1,12 @@
 #include "fuzz/kinds.h"
 
-#include <windows.h>
-
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
-#include <span>
-#include <utility>
-
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/ddi.h"
-#include "common/qk/handle.h"
 #include "common/icc_folder.h"
 #include "common/icc_profile.h"
 #include "common/job_records.h"
 #include "common/qk/override_ini.h"
 #include "common/teskel_custom_2021.h"
-#include "common/qk/text.h"
 #include "companions/host/setting_check.h"
 #include "lib/devmode.h"
 #include "print_settings/PSAdmin.h"
@@ -40,9 +29,7 @@ constexpr wchar_t kOwnFolder[] = L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettin
 struct World {
     World() {
         ForceDirectories(here.folder.file(kOwnFolder));
-        const std::wstring copy = here.folder.file(L"Tessalo80.dll");
-        CopyFileW(Installation::built(L"fake_tessalo.dll").c_str(), copy.c_str(), FALSE);
-        library.reset(LoadLibraryW(copy.c_str()));
+        library.reset(LoadLibraryW(here.copy_built(L"fake_tessalo.dll", L"Tessalo80.dll").c_str()));
         qk::find_export<FakeTessaloScriptExport>(library.get(), "Script")()->answer =
             [](dialog_library::WorkingRecord& record, const wchar_t*, void*) {
                 static wchar_t path[] = L"C:\\zr_fuzz_no_such_file.pdf";
@@ -59,11 +46,6 @@ struct World {
 void expect(bool fulfilled, const char* what) {
     if (!fulfilled)
         throw WrongAnswer(what);
-}
-
-template <class T>
-std::string bytes_of(const T& value) {
-    return std::string(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
 void send(int event, const char* what, const void* in = nullptr, size_t size = 0) {
@@ -106,7 +88,7 @@ bool feed_administrator(const World& world, std::string_view bytes) {
 }
 
 std::string chunk(std::string_view id, std::string_view data) {
-    return bytes_of(static_cast<uint32_t>(data.size())).append(id).append(data);
+    return raw_bytes(static_cast<uint32_t>(data.size())).append(id).append(data);
 }
 
 bool feed_legacy(std::string_view bytes) {
@@ -189,12 +171,12 @@ std::vector<std::string> result_records() {
     ZRTKPrintInfo record = {.error_code = 9, .win32_error = 112};
     record.message.address = message.data();
     record.message.length = record.message.capacity = message.size();
-    return {bytes_of(record)};
+    return {raw_bytes(record)};
 }
 
 std::vector<std::string> docinfos() {
     static DOCINFOW info = {.cbSize = sizeof info, .lpszDocName = kDocument, .lpszOutput = L"C:\\x.pdf"};
-    return {bytes_of(info), bytes_of(&info)};
+    return {raw_bytes(info), raw_bytes(&info)};
 }
 
 // --- Texts ---
@@ -236,7 +218,7 @@ std::vector<Kind> make_kinds() {
           ProfileFolder::profile("RGB ", "mntr", "x")},
          [&](auto bytes) { return feed_profile(world, bytes); }},
         {"devmode",
-         {bytes_of(devmode), bytes_of(first).substr(0, kDevmodeSize351)},
+         {raw_bytes(devmode), raw_bytes(first).substr(0, kDevmodeSize351)},
          [&](auto bytes) { return feed_devmode(world, bytes); }},
         {"result", result_records(), &feed_result},
         {"docinfo", docinfos(), &feed_docinfo},

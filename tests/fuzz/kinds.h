@@ -1,11 +1,7 @@
 // What is fed with damaged input: one row for each kind of file, record and text that others write.
 #pragma once
 
-#include <functional>
-#include <stdexcept>
-#include <string>
-#include <string_view>
-#include <vector>
+#include "support/prelude.h"
 
 namespace fuzz {
 

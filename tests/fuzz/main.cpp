@@ -6,20 +6,10 @@
 // faults, gets a wrong answer or takes more than a second is saved as "fuzz-<kind>-<seed>-<round>.bin" in the
 // current folder and named; given back as FILE with its kind it is fed as it is. Exit code 1 after any such
 // input, or when the damage leaves all or none of many inputs sound.
-#include <windows.h>
 
-#include <algorithm>
-#include <atomic>
-#include <climits>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
-#include <fstream>
-#include <iterator>
-#include <map>
-#include <random>
-#include <utility>
 
 #include "common/qk/resource_dll.h"
 #include "fuzz/kinds.h"

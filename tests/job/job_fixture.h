@@ -3,18 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
-#include <functional>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "UI_dll/ddi.h"
-#include "common/qk/handle.h"
 #include "common/job_records.h"
-#include "common/qk/text.h"
 #include "common/threadprop.h"
 #include "print_settings/PrintSettings.h"
 #include "support/fake_tessalo.h"
@@ -75,9 +65,7 @@ using ResultRecord = OtherSide<ZRTKPrintInfo>;
 
 inline std::optional<std::string> start_record_bytes() {
     const StartRecord record(block_name(kStartBlockName));
-    if (!record)
-        return std::nullopt;
-    return std::string(reinterpret_cast<const char*>(&*record), sizeof *record);
+    return record ? std::optional(raw_bytes(*record)) : std::nullopt;
 }
 
 inline ULONG_PTR thread_prop(std::wstring_view key) {
@@ -95,8 +83,7 @@ public:
     enum class How { kAssigned, kReplaced, kByOwnAddress, kInTheField };
 
     JobTest() {
-        CopyFileW(Installation::built(L"fake_tessalo.dll").c_str(),
-                  here.folder.file(L"Tessalo80.dll").c_str(), FALSE);
+        here.copy_built(L"fake_tessalo.dll", L"Tessalo80.dll");
         load_dialog_library();
         script->context = this;
         script->answer = [](dialog_library::WorkingRecord& record, const wchar_t*, void* context) {
@@ -151,6 +138,20 @@ public:
     }
     void name_setting(const std::wstring& name) const { qk::copy_zero_padded(script->setting, 512, name); }
 
+    // Has a program called after each stage, and the dialog start in a folder.
+    void call_program(const std::string& stage, const std::wstring& program, bool with_folder = true) const {
+        here.write_external_calls("[" + stage + "]\r\nApp=" + qk::to_utf8(program) + "\r\n" +
+                                  (with_folder ? "[Output]\r\nOutputFolder=C:\\start\\\r\n" : ""));
+    }
+
+    // A job that starts and ends; `while_it_runs` is called between.
+    static void run_job(
+        const std::function<void()>& while_it_runs = [] {}, const Left& wanted = kGood) {
+        EXPECT_EQ(start_job(L"x"), wanted);
+        while_it_runs();
+        EXPECT_EQ(end_job(), kGood);
+    }
+
     static bool has_state() {
         return thread_prop(threadprop::kStartRecord) != 0 || thread_prop(threadprop::kResultRecord) != 0 ||
                start_record_bytes() || ResultRecord(block_name(kResultBlockName));
@@ -169,8 +170,8 @@ public:
 
 private:
     // What the library's run-time library frees with, whatever a test has put in the place of our own.
-    static inline const auto library_free = reinterpret_cast<decltype(&HeapFree)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "HeapFree")));
+    static inline const auto library_free =
+        qk::find_export<decltype(HeapFree)>(GetModuleHandleW(L"kernel32.dll"), "HeapFree");
     static inline std::vector<wchar_t*> library_texts;
 
     int answer(dialog_library::WorkingRecord& record) {

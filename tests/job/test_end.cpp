@@ -1,17 +1,8 @@
 // The other events and the end of a job.
 #include "job/job_fixture.h"
 
-#include <climits>
-#include <cstdint>
-#include <cstring>
-#include <tuple>
-
 #include "common/qk/module.h"
-#include "common/qk/registry.h"
 #include "job/document_event.h"
-#include "support/guarded_buffer.h"
-#include "support/intercept.h"
-#include "support/trace_capture.h"
 
 TEST_F(JobTest, EventsWithoutWorkSucceedAndAreTraced) {
     const wchar_t* const names[] = {L"CREATEDCPRE",  L"CREATEDCPOST", L"RESETDCPRE", L"RESETDCPOST",
@@ -80,10 +71,10 @@ TEST_F(JobTest, EndTellsListenersWithAJobAndWithout) {
             Outbox::posted.clear();
             EXPECT_EQ(send_event(event), kGood);
             ASSERT_EQ(Outbox::posted.size(), 1u);
-            EXPECT_EQ(Outbox::posted[0].window, HWND_BROADCAST);
-            EXPECT_EQ(Outbox::posted[0].message, RegisterWindowMessageW(L"Dunmere Vantrix Stop"));
-            EXPECT_EQ(Outbox::posted[0].wparam, id);
-            EXPECT_EQ(Outbox::posted[0].lparam, 0);
+            const auto [window, message, wparam, lparam] = Outbox::posted[0];
+            EXPECT_TRUE(window == HWND_BROADCAST && lparam == 0 &&
+                        message == RegisterWindowMessageW(L"Dunmere Vantrix Stop"));
+            EXPECT_EQ(wparam, id);
             EXPECT_FALSE(UserRegistry::find(Installation::kKey, value));
             EXPECT_TRUE(UserRegistry::find(Installation::kKey, other));
             EXPECT_TRUE(qk::registry::find_text(HKEY_LOCAL_MACHINE, Installation::kKey, value.c_str()));
@@ -91,7 +82,7 @@ TEST_F(JobTest, EndTellsListenersWithAJobAndWithout) {
             start_job(L"held");
             const StartRecord held(block_name(kStartBlockName));
             EXPECT_EQ(send_event(event), kGood);
-            EXPECT_EQ(std::string(reinterpret_cast<const char*>(&*held), 1608), std::string(1608, '\0'));
+            EXPECT_EQ(raw_bytes(*held), std::string(1608, '\0'));
         }
     EXPECT_TRUE(Outbox::boxes.empty());
 }
@@ -102,69 +93,54 @@ TEST_F(JobTest, ResultRecordIsReportedAsFarAsItIsTrue) {
     auto* const nowhere = reinterpret_cast<wchar_t*>(UINTPTR_MAX - 3);
     const uint64_t whole = text.size();
     const auto put = [](qk::MsWString& field, wchar_t* address, uint64_t length, uint64_t capacity) {
-        field.address = address;
-        field.length = length;
-        field.capacity = capacity;
+        field.address = address, field.length = length, field.capacity = capacity;
     };
-    const struct {
-        const char* label;
-        DWORD code, error;
-        wchar_t* message;  // as address; "in place": in the field itself, with a caption of its own
-        uint64_t length, capacity;
-        const wchar_t* shown;  // null: no box
-    } rows[] = {{"nothing", 0, 0, nullptr, 0, 0, nullptr},
-                {"Windows code only", 0, 5, text.data(), whole, whole, nullptr},
-                {"both codes", 9, 112, text.data(), whole, whole, text.c_str()},
-                {"in place", 1, 0, nullptr, 0, 0, L"1234567"},
-                {"zero fields", UINT32_MAX, 0, nullptr, 0, 0, L""},
-                {"capacity forgotten", 1, 0, text.data(), whole, 0, text.c_str()},
-                {"length above capacity", 1, 0, text.data(), 400, 9, L"A message"},
-                {"length without end", 1, 0, text.data(), UINT64_MAX, UINT64_MAX, text.c_str()},
-                {"null", 1, 0, nullptr, 30, 30, L""},
-                {"nowhere", 1, 0, nowhere, 30, 30, L""},
-                {"memory ends", 1, 0, four_units.as<wchar_t>(), 50, 50, L"abcd"}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        const bool in_place = row.label == std::string_view("in place");
+    const wchar_t in_field[] = L"1234567";
+    wchar_t* const at = text.data();
+    // Both codes, the message's address, length and capacity, what is shown (null: no box): the text in the
+    // field itself goes with a caption of its own.
+    const std::tuple<DWORD, DWORD, wchar_t*, uint64_t, uint64_t, const wchar_t*> rows[] = {
+        {0, 0, nullptr, 0, 0, nullptr},   {0, 5, at, whole, whole, nullptr},
+        {1, 0, nullptr, 0, 0, in_field},  {9, 112, at, whole, whole, at},
+        {1, 0, at, whole, 0, at},         {UINT32_MAX, 0, nullptr, 0, 0, L""},
+        {1, 0, at, 400, 9, L"A message"}, {1, 0, at, UINT64_MAX, UINT64_MAX, at},
+        {1, 0, nullptr, 30, 30, L""},     {1, 0, four_units.as<wchar_t>(), 50, 50, L"abcd"},
+        {1, 0, nowhere, 30, 30, L""}};
+    for (const auto& [code, error, message, length, capacity, shown] : rows) {
+        SCOPED_TRACE(testing::Message() << "code " << code << ", " << length << " of " << capacity);
+        const bool in_place = shown == in_field;
         Outbox::boxes.clear();
         EXPECT_EQ(start_job(L"x"), kGood);
         {
             const ResultRecord info(block_name(kResultBlockName));
-            info->error_code = row.code;
-            info->win32_error = row.error;
-            put(info->message, row.message, row.length, row.capacity);
+            info->error_code = code, info->win32_error = error;
+            put(info->message, message, length, capacity);
             if (in_place) {
-                info->message.set_in_place(row.shown);
+                info->message.set_in_place(shown);
                 put(info->caption, caption.data(), caption.size(), caption.size());
                 put(info->pdf_file_name, nullptr, 40, 40);
             }
         }
-        EXPECT_EQ(end_job(), (Left{DOCUMENTEVENT_SUCCESS, row.error}));
+        EXPECT_EQ(end_job(), (Left{DOCUMENTEVENT_SUCCESS, error}));
         EXPECT_FALSE(has_state());
-        ASSERT_EQ(Outbox::boxes.size(), row.shown ? 1u : 0u);
-        if (row.shown) {
-            EXPECT_EQ(Outbox::boxes[0].text, row.shown);
-            EXPECT_EQ(Outbox::boxes[0].caption, in_place ? caption : qk::kProductName);
-        }
+        ASSERT_EQ(Outbox::boxes.size(), shown ? 1u : 0u);
+        EXPECT_TRUE(!shown || (Outbox::boxes[0].text == shown &&
+                               Outbox::boxes[0].caption == (in_place ? caption : qk::kProductName)));
     }
 }
 
 TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
-    const std::wstring program = here.folder.write(L"app.exe", "x"),
-                       output = L"[Output]\r\nOutputFolder=C:\\start\\\r\n";
-    const struct {
-        const wchar_t* stage;
-        std::wstring program, output;
-        bool active;
-        How how = How::kAssigned;
-    } rows[] = {{L"DocStart", L"C:\\none.exe", output, false},
-                {L"DocEnd", here.folder.path(), output, false},  // a folder is no program
-                {L"DocEnd", program, L"", false},
-                {L"DocEnd", program, output, true},
-                {L"PageStart", program, output, true, How::kReplaced},
-                {L"PageEnd", program, output, true},
-                {L"DocStart", program, output, true},
-                {L"Cancel", program, output, false}};  // is no stage
+    const std::wstring program = here.folder.write(L"app.exe", "x");
+    // The stage, the program, whether a folder is given, whether all that counts, how the path is answered.
+    const std::tuple<const char*, std::wstring, bool, bool, How> rows[] = {
+        {"DocStart", L"C:\\none.exe", true, false, How::kAssigned},
+        {"DocEnd", here.folder.path(), true, false, How::kAssigned},  // a folder is no program
+        {"DocEnd", program, false, false, How::kAssigned},
+        {"DocEnd", program, true, true, How::kAssigned},
+        {"PageStart", program, true, true, How::kReplaced},
+        {"PageEnd", program, true, true, How::kAssigned},
+        {"DocStart", program, true, true, How::kAssigned},
+        {"Cancel", program, true, false, How::kAssigned}};  // is no stage
     // What the library frees is not freed again.
     std::vector<void*> freed;
     const Intercept<decltype(HeapFree)> free("HeapFree", [&](HANDLE, DWORD, void* memory) {
@@ -179,24 +155,22 @@ TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
         put(record.output_path, test.path, test.how);
         return 0;
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(qk::to_utf8(row.stage));
-        here.write_external_calls(qk::to_utf8(
-            qk::format(L"[%s]\r\nApp=%s\r\n%s", row.stage, row.program.c_str(), row.output.c_str())));
-        how = row.how;
+    for (const auto& [stage, called, with_folder, active, answered] : rows) {
+        SCOPED_TRACE(stage);
+        call_program(stage, called, with_folder);
+        how = answered;
         freed.clear();
-        script->expects_start_folder = row.active;
+        script->expects_start_folder = active;
         ASSERT_EQ(start_job(L"x"), kGood);
-        EXPECT_EQ(third, row.active ? L"C:\\start\\" : L"");
-        EXPECT_EQ(std::ranges::count(freed, folder), row.active && row.how == How::kAssigned ? 1 : 0);
-        EXPECT_EQ(StartRecord(block_name(kStartBlockName))->external_record != 0, row.active);
+        EXPECT_EQ(third, active ? L"C:\\start\\" : L"");
+        EXPECT_EQ(std::ranges::count(freed, folder), active && answered == How::kAssigned ? 1 : 0);
+        EXPECT_EQ(StartRecord(block_name(kStartBlockName))->external_record != 0, active);
         const OtherSide<pd_tk::TKFileNames> list(pd_tk::file_list_name());
-        ASSERT_EQ(static_cast<bool>(list), row.active);
+        ASSERT_EQ(static_cast<bool>(list), active);
         const auto is_listed = [&] {
-            return list &&
-                   std::ranges::count(list->names, path, [](auto& name) { return std::wstring(name); }) == 1;
+            return list && std::ranges::count_if(list->names, [&](auto& name) { return name == path; }) == 1;
         };
-        EXPECT_EQ(is_listed(), row.active);
+        EXPECT_EQ(is_listed(), active);
         EXPECT_EQ(end_job(), kGood);
         EXPECT_FALSE(is_listed());
     }

@@ -1,8 +1,4 @@
-#include <tuple>
-#include <utility>
-
 #include "job/output_name.h"
-#include "support/installation.h"
 
 TEST(OutputName, TitleLosesTheApplicationsPrefix) {
     const std::pair<const wchar_t*, std::vector<std::wstring>> rows[] = {
@@ -18,7 +14,7 @@ TEST(OutputName, TitleLosesTheApplicationsPrefix) {
     for (const auto& [title, documents] : rows)
         for (const std::wstring& document : documents)
             EXPECT_EQ(CleanJobTitle(document), title);
-    for (const wchar_t* kept :
+    for (const auto* kept :
          {L"microsoft word - a", L"Taro12-a", L"a Visio-b", L"Microsoft Word -", L"miw(3)a"})
         EXPECT_EQ(CleanJobTitle(kept), kept);
 }
@@ -37,12 +33,9 @@ TEST(OutputName, FileNameEndsInPdf) {
         {L"a\\", L"a\\.pdf", L".pdf"},
         {L"", L"no_name.pdf", L"no_name.pdf"},
         {long_name, long_name + L".pdf", long_name.substr(0, 512) + L".pdf"}};
-    const std::tuple<int, int, bool> switches[] = {// of the machine and the user, -1: not set
-                                                   {-1, -1, false},
-                                                   {1, -1, true},
-                                                   {-1, 7, true},
-                                                   {0, 1, true},
-                                                   {1, 0, false}};
+    // Of the machine and the user, -1: not set.
+    const std::tuple<int, int, bool> switches[] = {
+        {-1, -1, false}, {1, -1, true}, {-1, 7, true}, {0, 1, true}, {1, 0, false}};
     for (const auto& [machine, user, cuts] : switches) {
         const Installation here;
         for (const auto& [hive, number] : {std::pair(HKEY_LOCAL_MACHINE, machine), {HKEY_CURRENT_USER, user}})

@@ -1,10 +1,7 @@
 // Jobs that do not start: who is told what, and what is left behind.
 #include "job/job_fixture.h"
-#include "common/qk/resource_dll.h"
 #include "job/job_setting.h"
 #include "resources/ids.h"
-#include "support/profile_folder.h"
-#include "support/trace_capture.h"
 
 namespace {
 
@@ -12,11 +9,6 @@ using Corvanta::Vantrix::PrintSettings::Box;
 
 constexpr Left kTold = {DOCUMENTEVENT_FAILURE, ERROR_SUCCESS};
 constexpr Left kNoLibrary = {DOCUMENTEVENT_FAILURE, ERROR_FILE_NOT_FOUND};
-
-// The text as the log holds it: UTF-16 without a mark.
-std::string log_bytes(std::wstring_view text) {
-    return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)};
-}
 
 }  // namespace
 
@@ -28,53 +20,9 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
                        older = here.folder.write(L"Settings\\legacy\\old.printSetting2",
                                                  std::string("\x09\x00\x02\x00 and more", 13)),
                        locked = here.folder.write(L"locked.ps4", "\xEF\xBB\xBF{\"PSComment\": []}");
-    const qk::FileObj lock(CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    struct Row {
-        int code;  // 0: the job starts
-        UINT caption;
-        std::wstring caption_end;
-        std::function<void()> prepare;
-    };
-    std::vector<Row> rows;
-    for (const std::wstring& name : {std::wstring(L"C:\\none\\a.ps4"), std::wstring(L"nowhere"), folder})
-        rows.push_back({100, IDS_NO_SETTING_FILE, name, [&, name] { name_setting(name); }});
-    for (const std::wstring& name : {empty, rubbish, older, std::wstring(L"old"), locked})
-        rows.push_back({101, IDS_BAD_SETTING_FILE, name, [&, name] { name_setting(name); }});
-    const struct {
-        int code;
-        UINT caption;
-        unsigned version;
-        std::wstring icc;  // "-": one that is there
-        std::optional<std::wstring> condition;
-        float bleed = 0;  // of 3 mm trimmed
-    } press[] = {{164, IDS_NO_COLOUR_PROFILE, 5, L"", L"id"},
-                 {164, IDS_NO_COLOUR_PROFILE, 11, L"gone.icc", L"id"},
-                 {164, IDS_NO_COLOUR_PROFILE, 6, folder, L"id"},
-                 {50, IDS_NO_OUTPUT_CONDITION, 6, L"-", L""},
-                 {50, IDS_NO_OUTPUT_CONDITION, 10, L"-", L""},
-                 {51, IDS_BAD_PAGE_BOXES, 8, L"-", L"id", 3.5f},
-                 {51, IDS_BAD_PAGE_BOXES, 6, L"-", std::nullopt, 4},  // the condition is the profile's
-                 {0, 0, 7, L"-", L"id", 3},
-                 {0, 0, 5, L"-", L"", 9},  // an archive needs a profile only
-                 {0, 0, 11, L"-", L"", 9},
-                 {0, 0, 4, L"gone.icc", L"", 9},
-                 {0, 0, 12, L"", L"", 9}};
-    for (const auto& row : press)
-        for (float Box::*const edge : {&Box::left, &Box::top, &Box::right, &Box::bottom})
-            rows.push_back({row.code, row.caption, row.code == 164 ? row.icc : L"", [&, edge] {
-                                use_settings([&](Settings& settings) {
-                                    settings.pdfVersion()->Version = row.version;
-                                    settings.pdfVersion()->ICCFileName =
-                                        row.icc == L"-" ? good_profile : row.icc;
-                                    settings.pdfVersion()->TrimBox = {3, 3, 3, 3};
-                                    settings.pdfVersion()->BleedBox.*edge = row.bleed;
-                                    if (row.condition)
-                                        settings.addition()->Str[L"OutputCondition"] = *row.condition;
-                                });
-                            }});
-    const ImportPatch clock("GetLocalTime", reinterpret_cast<void*>(+[](SYSTEMTIME* time) {
-                                *time = {2026, 11, 0, 15, 1, 46, 25, 999};
-                            }));
+    const qk::FileObj lock = hold(locked);
+    const ImportPatch clock("GetLocalTime",
+                            [](SYSTEMTIME* time) { *time = {2026, 11, 0, 15, 1, 46, 25, 999}; });
     here.set_number(HKEY_LOCAL_MACHINE, L"\\Notification", L"Error", 1 | 4 | 8);
     here.write_ini("PrintID=7\r\nPDFFileName=C:\\o\\x.pdf");
     const std::wstring message = qk::load_string(IDS_JOB_FAILED);
@@ -82,34 +30,61 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
     const std::wstring log =
         L"[7]\r\nPDFFileName=C:\\o\\x.pdf\r\nTime=2026d11d15d01d46d25d\r\nErrorMessage=" + message + L"\r\n";
     std::wstring logged;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.code << qk::to_utf8(row.caption_end));
-        row.prepare();
+    const auto check = [&](int code, UINT caption, const std::wstring& caption_end) {
+        SCOPED_TRACE(testing::Message() << code << qk::to_utf8(caption_end));
         Outbox::boxes.clear();
         const TraceCapture trace;
-        EXPECT_EQ(start_job(L"x"), row.code ? kTold : kGood);
-        EXPECT_EQ(has_state(), row.code == 0);
+        EXPECT_EQ(start_job(L"x"), code ? kTold : kGood);
+        EXPECT_EQ(has_state(), code == 0);
         end_job();
-        ASSERT_EQ(Outbox::boxes.size(), row.code ? 1u : 0u);
-        if (!row.code)
-            continue;
+        ASSERT_EQ(Outbox::boxes.size(), code ? 1u : 0u);
+        if (!code)
+            return;
         logged += log;
-        EXPECT_TRUE(trace.holds(qk::format(L"refused: %d", row.code)));
-        EXPECT_TRUE(trace.holds(L"mes:not yet implemented"));
+        EXPECT_TRUE(trace.holds(qk::format(L"refused: %d", code)));
         EXPECT_EQ(Outbox::boxes[0].text, message);
-        EXPECT_EQ(Outbox::boxes[0].caption, qk::load_string(row.caption) + row.caption_end);
-        EXPECT_EQ(Outbox::boxes[0].style, UINT{MB_ICONERROR | MB_SETFOREGROUND | MB_TOPMOST});
-    }
-    EXPECT_EQ(here.log(L"Error_7.log"), log_bytes(logged));
+        EXPECT_EQ(Outbox::boxes[0].caption, qk::load_string(caption) + caption_end);
+    };
+    const std::tuple<int, UINT, std::vector<std::wstring>> files[] = {
+        {100, IDS_NO_SETTING_FILE, {L"C:\\none\\a.ps4", L"nowhere", folder}},
+        {101, IDS_BAD_SETTING_FILE, {empty, rubbish, older, L"old", locked}}};
+    for (const auto& [code, caption, names] : files)
+        for (const std::wstring& name : names) {
+            name_setting(name);
+            check(code, caption, name);
+        }
+    const std::map<int, UINT> captions = {
+        {164, IDS_NO_COLOUR_PROFILE}, {50, IDS_NO_OUTPUT_CONDITION}, {51, IDS_BAD_PAGE_BOXES}, {0, 0}};
+    // The code (0: the job starts), the version, the profile ("-": one that is there), the condition (none:
+    // the profile's), the bleed of 3 mm trimmed. An archive needs a profile only.
+    const std::tuple<int, unsigned, std::wstring, std::optional<std::wstring>, float> press[] = {
+        {164, 5, L"", L"id", 0}, {164, 11, L"gone.icc", L"id", 0}, {164, 6, folder, L"id", 0},
+        {50, 6, L"-", L"", 0},   {50, 10, L"-", L"", 0},           {51, 8, L"-", L"id", 3.5f},
+        {51, 6, L"-", {}, 4},    {0, 7, L"-", L"id", 3},           {0, 5, L"-", L"", 9},
+        {0, 11, L"-", L"", 9},   {0, 4, L"gone.icc", L"", 9},      {0, 12, L"", L"", 9}};
+    for (const auto& [code, number, icc, condition, bleed] : press)
+        for (float Box::*const edge : {&Box::left, &Box::top, &Box::right, &Box::bottom}) {
+            use_settings(
+                [&, number = number, &icc = icc, &condition = condition, bleed = bleed](Settings& settings) {
+                    auto& version = *settings.pdfVersion();
+                    version.Version = number;
+                    version.ICCFileName = icc == L"-" ? good_profile : icc;
+                    version.TrimBox = {3, 3, 3, 3};
+                    version.BleedBox.*edge = bleed;
+                    if (condition)
+                        settings.addition()->Str[L"OutputCondition"] = *condition;
+                });
+            check(code, captions.at(code), code == 164 ? icc : L"");
+        }
+    EXPECT_EQ(here.log(L"Error_7.log"), raw_bytes(logged));
     EXPECT_EQ(script->file_calls, 5 * 4);
     // A file that cannot be read may be the administrator's.
-    const job::Refusal unreadable = {101, IDS_BAD_SETTING_FILE, {}}, missing = {100, IDS_NO_SETTING_FILE, {}};
     const std::wstring forced = here.folder.write(L"administrator.ps4a", "{"),
                        good = here.folder.write(L"good.ps4", "\xEF\xBB\xBF{\"PSComment\": []}");
-    EXPECT_EQ(job::administrator_file_to_blame(unreadable, good), forced);
-    EXPECT_EQ(job::administrator_file_to_blame(unreadable, {}), forced);
-    EXPECT_EQ(job::administrator_file_to_blame(unreadable, rubbish), L"");
-    EXPECT_EQ(job::administrator_file_to_blame(missing, good), L"");
+    const std::tuple<DWORD, std::wstring, std::wstring> blamed[] = {
+        {101, good, forced}, {101, L"", forced}, {101, rubbish, L""}, {100, good, L""}};
+    for (const auto& [code, file, culprit] : blamed)
+        EXPECT_EQ(job::administrator_file_to_blame({code, IDS_BAD_SETTING_FILE, {}}, file), culprit) << code;
 }
 
 TEST_F(JobTest, WithoutTheDialogLibraryThereIsNoJob) {
@@ -117,8 +92,7 @@ TEST_F(JobTest, WithoutTheDialogLibraryThereIsNoJob) {
                        broken = here.folder.file(L"broken");
     for (const std::wstring& folder : {bare, broken})
         CreateDirectoryW(folder.c_str(), nullptr);
-    CopyFileW(Installation::built(L"Language\\zrtk_res_en.dll").c_str(), (bare + L"\\Tessalo80.dll").c_str(),
-              FALSE);
+    here.copy_built(L"Language\\zrtk_res_en.dll", L"bare\\Tessalo80.dll");
     here.folder.write(L"broken\\Tessalo80.dll", "MZ");
     const wchar_t* const no_library = L"failed LoadLibrary:Tessalo80.dll";
     // The folder, and what is traced.

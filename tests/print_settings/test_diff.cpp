@@ -1,13 +1,6 @@
-#include <set>
-#include <utility>
-
-#include "common/qk/resource_dll.h"
-#include "common/qk/text.h"
 #include "print_settings/differences.h"
 #include "print_settings/display.h"
 #include "print_settings/field_tables.h"
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 TEST(SettingDifferences, AreSentencesForAPerson) {
     const std::wstring most(79, L'x');
@@ -78,9 +71,9 @@ void check_names() {
         EXPECT_TRUE(field.name == 0 || fields.insert(field.name).second)
             << field.key << " has another's name";
         // A short range from 0 on is one of codes, and each has a name.
-        if (std::is_integral_v<Value> && field.rule.bounded && field.rule.low == 0 && field.rule.high < 50) {
-            EXPECT_EQ(field.value_count, field.rule.high + 1) << field.key;
-        }
+        const auto& rule = field.rule;
+        const bool coded = std::is_integral_v<Value> && rule.bounded && rule.low == 0 && rule.high < 50;
+        EXPECT_TRUE(!coded || field.value_count == rule.high + 1) << field.key;
         std::set<std::wstring> texts;
         for (UINT i = 0; i < field.value_count; ++i)
             EXPECT_TRUE(texts.insert(qk::load_string(field.first_value + i)).second) << field.key;

@@ -1,20 +1,10 @@
 // Where the passwords of a setting show: in its file and nowhere else.
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <utility>
-
 #include "companions/host/report_parts.h"
 #include "companions/host/setting_check.h"
-#include "print_settings/PSAdmin.h"
 #include "print_settings/display.h"
 #include "print_settings/json.h"
-#include "support/temp_folder.h"
-#include "support/trace_capture.h"
 
 namespace {
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 // Each test has a password of its own: the memory that one has freed is not looked at by the next.
 size_t first_letter = 0;
@@ -35,18 +25,16 @@ std::wstring password() {
 template <class Unit>
 size_t count_in_memory() {
     size_t found = 0;
-    MEMORY_BASIC_INFORMATION region;
-    for (const BYTE* at = nullptr; VirtualQuery(at, &region, sizeof region) == sizeof region;
-         at = static_cast<const BYTE*>(region.BaseAddress) + region.RegionSize) {
+    for_each_region([&](const MEMORY_BASIC_INFORMATION& region) {
         if (region.State != MEM_COMMIT || region.Protect != PAGE_READWRITE)
-            continue;
+            return;
         const auto* units = static_cast<const Unit*>(region.BaseAddress);
         for (size_t i = 0, same = 0; i < region.RegionSize / sizeof(Unit); ++i) {
             same = units[i] == Unit(letter(same)) ? same + 1 : units[i] == Unit(letter(0));
             found += same == kLength;
             same %= kLength;
         }
-    }
+    });
     return found;
 }
 

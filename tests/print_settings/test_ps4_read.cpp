@@ -1,13 +1,7 @@
 #include <clocale>
-#include <sstream>
-#include <tuple>
 
-#include "print_settings/PrintSettings.h"
 #include "print_settings/json.h"
 #include "support/random_settings.h"
-#include "support/temp_folder.h"
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 namespace {
 
@@ -77,10 +71,8 @@ TEST(Ps4Read, NumbersComeIntoRange) {
 }
 
 TEST(Ps4Read, SingleValuesFollowTheirRules) {
-    const struct {
-        const char* path;
-        std::vector<std::pair<const char*, const char*>> values;  // read, and written again
-    } rows[] = {
+    // The values of each path: read, and written again.
+    const std::pair<const char*, std::vector<std::pair<const char*, const char*>>> rows[] = {
         {"General/OpenPDF", {{"2.9", "2"}, {"-0.9", "0"}}},
         {"General/PaperWidth", {{"10", "25.399999618530273"}, {"1e39", "3276.699951171875"}}},
         {"General/PaperHeight",
@@ -117,9 +109,9 @@ TEST(Ps4Read, SingleValuesFollowTheirRules) {
         {"Compression/Color",
          {{R"({"JpegQuality": 1}, "Color": {"CompressionMethod": 1})",
            R"({"CompressionMethod":1,"DownSamplingMethod":2,"JpegQuality":95,"ResolutionTarget":150,"ResolutionThreshold":225})"}}}};
-    for (const auto& row : rows)
-        for (const auto& [text, expected] : row.values)
-            EXPECT_EQ(read_back(row.path, text), expected) << row.path << " " << text;
+    for (const auto& [path, values] : rows)
+        for (const auto& [text, expected] : values)
+            EXPECT_EQ(read_back(path, text), expected) << path << " " << text;
 }
 
 TEST(Ps4Read, WhatIsMissingTakesItsDefaultAndAFailureLeavesThePartsAfterIt) {
@@ -164,10 +156,8 @@ TEST(Ps4Read, DecimalCommaOfTheHostProgramDoesNotMatter) {
     const std::string expected = settings.Serialise();
     ASSERT_NE(std::setlocale(LC_ALL, "German"), nullptr);
     EXPECT_STREQ(std::localeconv()->decimal_point, ",");
-    const std::string written = settings.Serialise();
-    const int result = read.LoadPS4(std::string_view(expected).substr(3), false);
+    EXPECT_EQ(settings.Serialise(), expected);
+    EXPECT_EQ(read.LoadPS4(std::string_view(expected).substr(3), false), ps::kLoaded);
     std::setlocale(LC_ALL, "C");
-    EXPECT_EQ(written, expected);
-    EXPECT_EQ(result, ps::kLoaded);
     EXPECT_EQ(read, settings);
 }

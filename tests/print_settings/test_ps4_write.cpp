@@ -1,32 +1,15 @@
 #include <sddl.h>
 
-#include <atomic>
-#include <cstdint>
-#include <limits>
-
-#include "common/qk/handle.h"
-#include "common/qk/paths.h"
 #include "common/rwPDFSet_functions.h"
-#include "common/qk/text.h"
-#include "companions/thread.h"
-#include "print_settings/PrintSettings.h"
-#include "support/child_process.h"
-#include "support/installation.h"
-#include "support/intercept.h"
 #include "support/random_settings.h"
-#include "support/temp_folder.h"
-#include "support/variable.h"
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 namespace {
 
-std::vector<BYTE> protection_of(const std::wstring& path) {
-    std::vector<BYTE> bytes(4096);
+std::string protection_of(const std::wstring& path) {
+    std::string bytes(4096, '\0');
     DWORD size = 0;
     GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, bytes.data(), 4096, &size);
-    bytes.resize(size);
-    return bytes;
+    return bytes.substr(0, size);
 }
 
 // Administrators, the file's owner and nobody else.
@@ -36,10 +19,6 @@ void protect(const std::wstring& path) {
                                                          &descriptor, nullptr);
     SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor);
     LocalFree(descriptor);
-}
-
-qk::FileObj hold(const std::wstring& path, DWORD share) {
-    return qk::FileObj(CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
 // A folder with a setting file "mine.ps4" that holds "old", and a setting to save there.
@@ -55,8 +34,7 @@ protected:
     [[nodiscard]] bool refuses(DWORD error) const {
         SetLastError(0);
         const bool saved = settings_.Save(path_);
-        const DWORD told = GetLastError();
-        EXPECT_EQ(told, error);
+        EXPECT_EQ(GetLastError(), error);
         return !saved && TempFolder::read(path_) == "old";
     }
 
@@ -73,9 +51,7 @@ TEST_F(Ps4Write, DefaultsAreThoseOfTheShippedSetting) {
     const std::wstring standard = Installation::built(L"Settings\\standard.ps4");
     std::string shipped = TempFolder::read(standard);
     std::erase(shipped, '\r');
-    ps::PrintSettings named;
-    ASSERT_TRUE(named.Load(standard));
-    settings_->PSName = named->PSName;
+    settings_->PSName = ps::ReadName(standard).value_or(L"");
     EXPECT_EQ(settings_.Serialise(), shipped);
 }
 
@@ -130,15 +106,13 @@ TEST_F(Ps4Write, WhatAFileWasItStays) {
     const auto protection = protection_of(path_);
     ASSERT_NE(protection, protection_of(folder_.write(L"another.ps4", "")));
     SetFileAttributesW(path_.c_str(), kAttributes);
-    EXPECT_TRUE(saves(path_));
-    EXPECT_EQ(protection_of(path_), protection);
+    EXPECT_TRUE(saves(path_) && protection_of(path_) == protection);
     EXPECT_EQ(GetFileAttributesW(path_.c_str()) & ~DWORD{FILE_ATTRIBUTE_ARCHIVE}, kAttributes);
 
     const std::wstring first = folder_.write(L"first name.ps4", "old"),
                        second = folder_.file(L"second name.ps4");
     ASSERT_TRUE(CreateHardLinkW(second.c_str(), first.c_str(), nullptr));
-    EXPECT_TRUE(saves(first));
-    EXPECT_EQ(TempFolder::read(second), settings_.Serialise());
+    EXPECT_TRUE(saves(first) && TempFolder::read(second) == settings_.Serialise());
 
     // A link, as the system tells of one: every open file is the one that it leads to.
     const std::wstring target = folder_.write(L"target.ps4", "old"),
@@ -148,8 +122,7 @@ TEST_F(Ps4Write, WhatAFileWasItStays) {
             qk::copy_zero_padded(buffer, units, target);
             return static_cast<DWORD>(target.size());
         });
-    EXPECT_TRUE(settings_.Save(link));
-    EXPECT_EQ(TempFolder::read(target), settings_.Serialise());
+    EXPECT_TRUE(settings_.Save(link) && TempFolder::read(target) == settings_.Serialise());
     EXPECT_EQ(TempFolder::read(link), "link");
     files_ = 6;
 }
@@ -167,10 +140,9 @@ TEST_F(Ps4Write, AFolderThatTakesNoNewFileStillHasItsOldOnesChanged) {
 
 TEST_F(Ps4Write, TemporaryFilesThatNobodyHoldsAreRemoved) {
     const qk::FileObj holder = hold(folder_.write(L"~ps1c-2.tmp", "held"), FILE_SHARE_READ);
-    for (const wchar_t* left : {L"~ps1c-0.tmp", L"~psAB-63.tmp"})
-        folder_.write(left, "left");
-    for (const wchar_t* others : {L"~ps1c-0.ps4", L"~psalm-1.tmp", L"~ps1c.tmp", L"x~ps1c-0.tmp"})
-        folder_.write(others, "stays");
+    for (const wchar_t* name : {L"~ps1c-0.tmp", L"~psAB-63.tmp",  // and what stays
+                                L"~ps1c-0.ps4", L"~psalm-1.tmp", L"~ps1c.tmp", L"x~ps1c-0.tmp"})
+        folder_.write(name, "left");
     EXPECT_TRUE(saves(path_));
     EXPECT_FALSE(qk::is_file(folder_.file(L"~ps1c-0.tmp")) || qk::is_file(folder_.file(L"~psAB-63.tmp")));
     files_ = 6;
@@ -183,10 +155,7 @@ TEST_F(Ps4Write, AKilledSaveLeavesNoPassword) {
         SCOPED_TRACE(qk::to_utf8(step));
         folder_.write(L"mine.ps4", "old");
         const Variable file(L"ZR_SAVE_FILE", path_), at(L"ZR_SAVE_STEP", step);
-        EXPECT_EQ(run_built(L"zr_tests.exe",
-                            L"zr_tests --gtest_brief=1 --gtest_also_run_disabled_tests "
-                            L"--gtest_filter=Ps4WriteHelper.DISABLED_EndsWhileSaving"),
-                  77);
+        EXPECT_EQ(run_helper(L"Ps4WriteHelper.DISABLED_EndsWhileSaving"), 77);
         EXPECT_EQ(TempFolder::read(path_), "old");
         // What the last two leave, nothing yet or everything, goes with the next save only.
         EXPECT_TRUE(step == L"WriteFile" || step == L"FlushFileBuffers" || saves(path_));

@@ -3,22 +3,15 @@
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
-#include <string>
-
 #include "common/qk/handle.h"
 #include "support/installation.h"
 
 // Runs the built `program` with a whole command line and returns its exit code; -1, with a failure of the
 // test, when it does not start. `output`, an inheritable handle, takes what it prints.
 inline int run_built(const wchar_t* program, std::wstring line, HANDLE output = nullptr) {
-    STARTUPINFOW startup = {sizeof startup};
-    if (output) {
-        startup.dwFlags = STARTF_USESTDHANDLES;
-        startup.hStdOutput = output;
-        startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
-    }
+    STARTUPINFOW startup = {.cb = sizeof startup, .dwFlags = output ? DWORD{STARTF_USESTDHANDLES} : 0};
+    startup.hStdOutput = output;
+    startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
     PROCESS_INFORMATION made = {};
     // A busy Wine refuses a process now and then; the next try gets it.
     BOOL started = FALSE;
@@ -29,10 +22,15 @@ inline int run_built(const wchar_t* program, std::wstring line, HANDLE output = 
         ADD_FAILURE() << "no process: error " << GetLastError();
         return -1;
     }
-    const qk::HandleObj process(made.hProcess);
-    const qk::HandleObj thread(made.hThread);
+    const qk::HandleObj process(made.hProcess), thread(made.hThread);
     DWORD code = STILL_ACTIVE;
     WaitForSingleObject(process.get(), 120'000);
     GetExitCodeProcess(process.get(), &code);
     return static_cast<int>(code);
+}
+
+// The same for a test of this program that only ever runs so.
+inline int run_helper(const std::wstring& test) {
+    return run_built(L"zr_tests.exe",
+                     L"zr_tests --gtest_brief=1 --gtest_also_run_disabled_tests --gtest_filter=" + test);
 }

@@ -2,8 +2,6 @@
 // wrong place, a piece of it once more elsewhere.
 #pragma once
 
-#include <random>
-
 #include "support/prelude.h"
 
 // The same engine gives the same damage. Nothing is left of no bytes.
@@ -25,11 +23,9 @@ inline std::string damaged(std::string bytes, std::mt19937& engine) {
                     bytes[(at & ~size_t{3}) + i] = static_cast<char>(number >> 8 * (big_endian ? 3 - i : i));
                 break;
             }
-            case 2: {
-                const std::string piece = bytes.substr(below(bytes.size()), below(40));
-                bytes.insert(at, piece);
+            case 2:
+                bytes.insert(at, bytes.substr(below(bytes.size()), below(40)));
                 break;
-            }
             case 3:
             case 4:
                 bytes[at] = kMarks[below(kMarks.size())];

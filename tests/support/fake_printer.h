@@ -2,10 +2,9 @@
 // the spooler of a test machine cannot be brought to hold. One at a time; its calls may come from any thread.
 #pragma once
 
-#include <windows.h>
-#include <winspool.h>
-
 #include "support/import_patch.h"
+
+#include <winspool.h>
 
 class FakePrinter {
 public:

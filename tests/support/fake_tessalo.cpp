@@ -1,7 +1,5 @@
 #include "support/fake_tessalo.h"
 
-#include <cstdio>
-
 using dialog_library::WorkingRecord;
 
 namespace {
@@ -10,7 +8,7 @@ FakeTessaloScript script;
 
 void expect(bool fulfilled, const char* what) {
     if (!fulfilled && script.misuse[0] == '\0')
-        std::snprintf(script.misuse, sizeof script.misuse, "%s", what);
+        strcpy(script.misuse, what);
 }
 
 bool is_clear(const void* place, size_t size) {
@@ -25,13 +23,13 @@ bool is_terminated(const qk::MsWString& text) {
 
 void check(const WorkingRecord& record) {
     const bool starts = script.expects_start_folder;
-    expect(!record.hand_over && is_clear(record.padding, sizeof record.padding), "flag or padding not clear");
-    expect(is_terminated(record.title), "title not terminated");
+    expect(is_terminated(record.title) && record.settings, "title not terminated, or no settings");
     expect(starts ? is_terminated(record.output_path) : is_clear(&record.output_path, sizeof record.title),
            "start folder not terminated, or path not clear");
-    expect(is_clear(&record.third_text, sizeof record.third_text), "third text not clear");
-    expect(record.settings != nullptr, "no settings");
-    expect(!record.first_value && !record.second_value && !record.third_value, "values not clear");
+    expect(!record.hand_over && is_clear(record.padding, sizeof record.padding) &&
+               is_clear(&record.third_text, sizeof record.third_text) && !record.first_value &&
+               !record.second_value && !record.third_value,
+           "flag, padding, third text or values not clear");
     expect((record.external_record != 0) == starts, "external-call record");
 }
 

@@ -31,6 +31,5 @@ private:
 
     size_t size_;
     DWORD protection_ = 0;
-    std::byte* block_ = nullptr;
-    std::byte* data_ = nullptr;
+    std::byte *block_ = nullptr, *data_ = nullptr;
 };

@@ -83,9 +83,9 @@ public:
     using Original = Result (*)(Arguments...);
 
     CallHook(std::string_view function, std::function<Result(Original, Arguments...)> act)
-        : patch_(function, [](Arguments... arguments) { return act_(original_, arguments...); }) {
+        : patch_((act_ = std::move(act), function),
+                 [](Arguments... arguments) { return act_(original_, arguments...); }) {
         original_ = patch_.template original<Result(Arguments...)>();
-        act_ = std::move(act);
     }
 
 private:

@@ -2,8 +2,6 @@
 // registry, the user's and the common folders, the printer, message boxes, posted messages.
 #pragma once
 
-#include <windows.h>
-
 #include <shlobj.h>
 
 #include "common/qk/handle.h"
@@ -12,7 +10,6 @@
 #include "common/qk/text.h"
 #include "support/fake_printer.h"
 #include "support/import_patch.h"
-#include "support/registry_override.h"
 #include "support/temp_folder.h"
 #include "support/user_registry.h"
 
@@ -32,9 +29,7 @@ public:
 
     Outbox() {
         original_post_ = post_.original<decltype(PostMessageW)>();
-        boxes.clear();
-        posted.clear();
-        events.clear();
+        boxes.clear(), posted.clear(), events.clear();
         answer = IDOK;
     }
 
@@ -102,6 +97,11 @@ struct Installation {
     static std::wstring built(std::wstring_view name) {
         const std::wstring program = qk::module_path(nullptr);
         return program.substr(0, program.rfind(L'\\') + 1) + std::wstring(name);
+    }
+    // A file of the build, copied into the installation; its path there.
+    std::wstring copy_built(std::wstring_view name, std::wstring_view target) const {
+        CopyFileW(built(name).c_str(), folder.file(target).c_str(), FALSE);
+        return folder.file(target);
     }
     // The file behind "Dunmere Vantrix" logs, read whole.
     [[nodiscard]] std::string log(const wchar_t* name = L"Error_0.log") const {

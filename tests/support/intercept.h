@@ -1,13 +1,6 @@
 // Imported functions that a test answers itself, or looks at.
 #pragma once
 
-#include <windows.h>
-
-#include <functional>
-#include <optional>
-#include <string_view>
-#include <utility>
-
 #include "support/import_patch.h"
 
 // For an ImportPatch: a function that leaves a last error, 0 for none, and answers.
@@ -27,20 +20,12 @@ class Intercept;
 template <class Result, class... Arguments>
 class Intercept<Result(Arguments...)> {
 public:
-    using Look = std::function<std::optional<Result>(Arguments...)>;
-    Intercept(std::string_view function, Look look)
-        : patch_((look_ = std::move(look), function), reinterpret_cast<void*>(&on_call)) {
-        original = reinterpret_cast<Result (*)(Arguments...)>(patch_.original());
-    }
-
-    static inline Result (*original)(Arguments...);
+    Intercept(std::string_view function, std::function<std::optional<Result>(Arguments...)> look)
+        : hook_(function, [look](auto original, Arguments... arguments) {
+              const auto answer = look(arguments...);
+              return answer ? *answer : original(arguments...);
+          }) {}
 
 private:
-    static Result WINAPI on_call(Arguments... arguments) {
-        const auto answer = look_(arguments...);
-        return answer ? *answer : original(arguments...);
-    }
-
-    static inline Look look_;
-    ImportPatch patch_;
+    CallHook<Result(Arguments...)> hook_;
 };

@@ -1,7 +1,5 @@
 #include "support/module_calls.h"
 
-#include <sstream>
-
 #include "support/installation.h"
 
 namespace {
@@ -77,10 +75,8 @@ ModuleCalls::ModuleCalls(HMODULE module) {
         if (!known.contains(name))
             unknown_.emplace_back(name);
         const auto failure = known[name];
-        if (failure || block_kind(name)) {
-            void* const own = read_at<void*>(slot);
-            const auto replaced = here.find(name);
-            void* const target = replaced == here.end() ? own : replaced->second;
+        if (void* const own = read_at<void*>(slot); failure || block_kind(name)) {
+            void* const target = here.emplace(name, own).first->second;
             functions_.push_back({name, slot, own, target, failure, block_kind(name)});
         }
         return false;

@@ -20,9 +20,8 @@ public:
 
     // A header and one tag, the description.
     static std::string profile(const char* space, const char* device, std::string_view text) {
-        const std::string tag = "desc" + number(0) + number(static_cast<uint32_t>(text.size() + 1)) +
-                                std::string(text) + std::string(1, '\0');
-        const auto tag_bytes = static_cast<uint32_t>(tag.size());
+        const auto tag_bytes = static_cast<uint32_t>(text.size() + 13);
+        const std::string tag = "desc" + number(0) + number(tag_bytes - 12) + std::string(text) + '\0';
         constexpr uint32_t kTagOffset = 128 + 4 + 12;
         std::string bytes(128, '\0');
         for (const auto& [at, field] : {std::pair{0, number(kTagOffset + tag_bytes)},
@@ -36,10 +35,7 @@ public:
     }
 
     // As profiles hold it: the highest byte first.
-    static std::string number(uint32_t value) {
-        value = _byteswap_ulong(value);
-        return {reinterpret_cast<const char*>(&value), sizeof value};
-    }
+    static std::string number(uint32_t value) { return raw_bytes(uint32_t{_byteswap_ulong(value)}); }
 
     TempFolder files;  // the profile folder is its "color"
 

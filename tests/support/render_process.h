@@ -15,8 +15,7 @@ inline constexpr char kTwoPages[] =
     "/Courier findfont 20 scalefont setfont\n"
     "72 700 moveto (one) show showpage 72 700 moveto (two) show showpage\n";
 inline constexpr wchar_t kRenderer[] = L"zr_render.exe";
-inline constexpr int kDone = 0;
-inline constexpr int kFailed = 1;
+inline constexpr int kDone = 0, kFailed = 1;
 
 // A job of this thread, as the module leaves it for the renderer.
 class RenderProcess : public testing::Test {
@@ -57,8 +56,7 @@ public:  // the tables of the tests change jobs
     Corvanta::Vantrix::PrintSettings::PrintSettings settings_;
     qk::FileObj lock_;
     wchar_t arena_[2048] = {};
-    const qk::MMF<ZRTKPrintStartInfoC> start_{
-        qk::format(kStartBlockName, static_cast<int>(GetCurrentThreadId()))};
-    const qk::MMF<ZRTKPrintInfo> result_{
-        qk::format(kResultBlockName, static_cast<int>(GetCurrentThreadId()))};
+    const int thread_ = static_cast<int>(GetCurrentThreadId());
+    const qk::MMF<ZRTKPrintStartInfoC> start_{qk::format(kStartBlockName, thread_)};
+    const qk::MMF<ZRTKPrintInfo> result_{qk::format(kResultBlockName, thread_)};
 };

@@ -5,11 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
 #include <commctrl.h>
 
-#include <memory>
 #include <source_location>
 
 #include "UI_dll/PDFSettings/dialog_state.h"
@@ -118,9 +115,9 @@ protected:
         ASSERT_EQ(Outbox::boxes.size(), message ? 1u : 0u);
         if (message == 0)
             return;
-        EXPECT_EQ(Outbox::boxes[0].text, pdf_settings::dialog_text(message));
-        EXPECT_EQ(Outbox::boxes[0].caption, pdf_settings::dialog_text(4396));
-        EXPECT_EQ(Outbox::boxes[0].style & MB_ICONMASK, icon);
+        const auto& [text, caption, style] = Outbox::boxes[0];
+        EXPECT_EQ(text, pdf_settings::dialog_text(message));
+        EXPECT_TRUE(caption == pdf_settings::dialog_text(4396) && (style & MB_ICONMASK) == icon);
         const HWND wanted = control(index, focus);
         EXPECT_TRUE(GetFocus() == wanted || IsChild(wanted, GetFocus()));
     }
@@ -168,10 +165,8 @@ protected:
 
     // Gives a file an old time stamp, so that any writing shows.
     static void make_old(const std::wstring& path) {
-        const qk::FileObj file(
-            CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr));
         const FILETIME old = {0, kOld};
-        EXPECT_TRUE(SetFileTime(file.get(), nullptr, nullptr, &old));
+        EXPECT_TRUE(SetFileTime(hold(path, 0, FILE_WRITE_ATTRIBUTES).get(), nullptr, nullptr, &old));
     }
     static bool is_old(const std::wstring& path) {
         WIN32_FILE_ATTRIBUTE_DATA data = {};

@@ -1,7 +1,24 @@
 // A folder of a test's own, removed with what is in it.
 #pragma once
 
+#include "common/qk/handle.h"
 #include "support/prelude.h"
+
+// A file held open as another program would, which lets others do as `share` says.
+[[nodiscard]] inline qk::FileObj hold(const std::wstring& path, DWORD share = 0,
+                                      DWORD access = GENERIC_READ) {
+    return qk::FileObj(CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr));
+}
+
+// The bytes of a value, and of a text's units, as they lie in memory.
+template <class T>
+requires std::is_trivially_copyable_v<T>
+[[nodiscard]] std::string raw_bytes(const T& value) {
+    return {reinterpret_cast<const char*>(&value), sizeof value};
+}
+[[nodiscard]] inline std::string raw_bytes(std::wstring_view text) {
+    return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)};
+}
 
 class TempFolder {
 public:

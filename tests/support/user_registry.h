@@ -1,12 +1,6 @@
 // The hives of the registry, replaced by empty keys of the test's own.
 #pragma once
 
-#include <windows.h>
-
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "support/import_patch.h"
 
 class RegistryOverride {
@@ -25,8 +19,7 @@ public:
         RegCloseKey(key_);
         RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
     }
-    RegistryOverride(const RegistryOverride&) = delete;
-    RegistryOverride& operator=(const RegistryOverride&) = delete;
+    RegistryOverride(RegistryOverride&&) = delete;
 
     void set(const std::wstring& path, const std::wstring& value, DWORD type, const void* data,
              size_t bytes) const {
@@ -59,12 +52,11 @@ public:
     [[nodiscard]] static std::optional<std::vector<BYTE>> find(const std::wstring& path,
                                                                const std::wstring& value) {
         std::vector<BYTE> bytes(4096);
-        auto size = static_cast<DWORD>(bytes.size());
-        if (RegGetValueW(HKEY_CURRENT_USER, path.c_str(), value.c_str(), RRF_RT_ANY | RRF_NOEXPAND, nullptr,
-                         bytes.data(), &size) != ERROR_SUCCESS)
-            return std::nullopt;
+        DWORD size = 4096;
+        const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, path.c_str(), value.c_str(),
+                                            RRF_RT_ANY | RRF_NOEXPAND, nullptr, bytes.data(), &size);
         bytes.resize(size);
-        return bytes;
+        return status == ERROR_SUCCESS ? std::optional(bytes) : std::nullopt;
     }
 
     // Stands in for RegOpenCurrentUser, which goes past the override. A library that a test loads needs a
@@ -76,4 +68,10 @@ public:
 private:
     static inline HKEY own_ = nullptr;
     ImportPatch open_user_;
+};
+
+// The machine's.
+class MachineRegistry : public RegistryOverride {
+public:
+    MachineRegistry() : RegistryOverride(HKEY_LOCAL_MACHINE, L"Software\\zr_test_") {}
 };

@@ -47,19 +47,18 @@ struct alignas(kAlignment) Reserve {
 
 constinit Reserve reserves[64] = {};
 constinit std::atomic<DWORD> slot = TLS_OUT_OF_INDEXES;
+constexpr DWORD kNoSlotAgain = TLS_OUT_OF_INDEXES - 1;  // of a module that goes: no slot has that number
 constinit std::atomic<bool> process_detaches = false;
 constinit qk::Lock copies_lock;
 constinit Copy* copies = nullptr;
 
 DWORD find_slot() noexcept {
-    DWORD known = slot.load();
-    if (known != TLS_OUT_OF_INDEXES || process_detaches)
-        return known;
-    const DWORD made = TlsAlloc();
-    if (slot.compare_exchange_strong(known, made))
-        return made;
-    TlsFree(made);  // another thread was first
-    return known;
+    if (slot == TLS_OUT_OF_INDEXES) {
+        const std::scoped_lock hold(copies_lock);
+        if (slot == TLS_OUT_OF_INDEXES)  // no other thread was first
+            slot = TlsAlloc();
+    }
+    return slot;
 }
 
 void* value_of(Copy* copy) noexcept {
@@ -124,8 +123,9 @@ void* take_reserve(const Variable& variable) noexcept {
 }
 
 void release_process_storage() noexcept {
-    process_detaches = true;  // whatever comes later uses the reserve, which goes with the module
-    const DWORD at = slot.exchange(TLS_OUT_OF_INDEXES);
+    process_detaches = true;
+    // Whatever comes later uses the reserve, which goes with the module.
+    const DWORD at = slot.exchange(kNoSlotAgain);
     while (copies)
         unlink_and_free(copies);
     if (at != TLS_OUT_OF_INDEXES)
