@@ -124,8 +124,16 @@ TEST_F(SettingsPage, KeysRenameAndDelete) {
     EXPECT_FALSE(ListView_GetEditControl(list())) << "by the key only: a second click may be half of two";
     Outbox::answer = IDYES;
     select(0);
+    press_key(window(), VK_F2);
+    SetWindowTextW(ListView_GetEditControl(list()), L"zz");
+    SendMessageW(ListView_GetEditControl(list()), WM_KEYDOWN, VK_RETURN, 0);
+    SendMessageW(window(), WM_COMMAND, IDC_SETTINGS_DELETE, 0);  // the new name is not given yet
+    std::wstring left = rows();
+    std::erase_if(left, [](wchar_t unit) { return unit == L'[' || unit == L']'; });
+    EXPECT_EQ(left, L"zeta Office Standard");
+    select(0);
     press_key(window(), VK_DELETE);
-    EXPECT_EQ(rows(), L"[zeta] Office Standard");
+    EXPECT_EQ(rows(), L"[Office] Standard");
 }
 
 // Those beside the standard one: sound, printable, and called what the dialog's language calls them.

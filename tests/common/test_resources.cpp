@@ -46,6 +46,10 @@ struct Moved : Installation {
                                                        }};
 };
 
+DWORD WINAPI no_temporary_folder(DWORD, wchar_t*) {
+    return 0;
+}
+
 }  // namespace
 
 TEST(Resources, LanguageIsTheUsersChoiceBeforeTheSystems) {
@@ -103,6 +107,7 @@ TEST(Resources, ModuleLoadsWhateverTheTemporaryFolderIs) {
     // it.
     const std::tuple<std::vector<const wchar_t*>, bool, bool, std::wstring, int> rows[] = {
         {{}, false, false, L"temp\\ZRTK80_temp", 0},
+        {{}, false, false, L"low\\ZRTK80_temp", 0},  // the system tells of no temporary folder
         {{L"temp\\ZRTK80_temp"}, false, false, L"low\\ZRTK80_temp", 1},
         {{L"temp\\ZRTK80_temp", L"low\\ZRTK80_temp"}, false, false, L"temp", 2},
         {{}, true, false, L"low\\ZRTK80_temp", 1},
@@ -123,6 +128,9 @@ TEST(Resources, ModuleLoadsWhateverTheTemporaryFolderIs) {
             here.folder.write(file, "");
         ASSERT_TRUE(!link || run({"/bin/ln", "-s", "../elsewhere"}));
         Moved::read_only = read_only;
+        std::optional<ImportPatch> no_temp;
+        if (refusals == 0 && place[0] == L'l')
+            no_temp.emplace("GetTempPathW", reinterpret_cast<void*>(&no_temporary_folder));
         const TraceCapture trace(0);
         EXPECT_TRUE(plotui::attach_process(qk::module_instance()));
         Moved::read_only = false;

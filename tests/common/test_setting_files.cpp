@@ -210,6 +210,11 @@ TEST(SettingFiles, HostsCurrentFolderNeverCounts) {
         EXPECT_EQ(ResolveSettingFilePath(host.file(L"standard.ps4")), host.file(L"standard.ps4"));
         EXPECT_EQ(SettingPathOf(L"C:/any.ps4"), L"C:/any.ps4");
     }
+    here.machine.set_text(kRoot, L"PdfDllPath", here.folder.path());
+    here.folder.write(L"Settings\\.ps4", kJson);
+    EXPECT_EQ(GetSettingFileName(L"My printer"), L"standard.ps4") << "an extension is no name";
+    here.user.set_text(kDebug, L"AppDataPath", L"sub");
+    EXPECT_EQ(ResolveSettingFilePath(L"standard"), L"");
     here.user.set_text(kDebug, L"AppDataPath", host.file(L"sub"));
     EXPECT_EQ(SettingPathOf(L"standard"), host.file(L"sub\\standard.ps4")) << "its backslash is added";
 }

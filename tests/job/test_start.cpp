@@ -23,7 +23,7 @@ TEST_F(JobTest, TracesTellEveryStepInOrder) {
     script->expects_start_folder = true;
     const std::wstring start =
         L">>5|internal_DrvDocumentEvent|DOCUMENTEVENT_STARTDOCPRE|sd1|LoadInstallDll|"
-        L"call GetSettingFN@Tessalo|sd2|PrintSettingsAdmin::Load|sd3|SetPDFname|Visio-x|Visio-x.pdf|"
+        L"GetSettingFileNameFromFD|call GetSettingFN@Tessalo|sd2|PrintSettingsAdmin::Load|sd3|SetPDFname|Visio-x|Visio-x.pdf|"
         L"CleanJobTitle|jobname is |Visio-x|pd_tk::TeskelCustom2021::IsActive|"
         L"pd_tk::TeskelCustom2021::HasAnyExe|pd_tk::TeskelCustom2021::HasExe|"
         L"pd_tk::TeskelCustom2021::getExeName|pd_tk::TeskelCustom2021::GetOutputFolder|";
@@ -152,7 +152,10 @@ TEST_F(JobTest, SettingReachesTheDialog) {
 
 TEST_F(JobTest, OverrideFileSetsTheFolderWhileItsVersionCounts) {
     std::wstring folder;
-    meddle = [&](Record& record) { folder = settings_of(record).general()->OutputFolder; };
+    meddle = [&](Record& record) {
+        folder = settings_of(record).general()->OutputFolder;
+        EXPECT_EQ(settings_of(record).general()->SaveStyle, 0) << "the user is not asked any more";
+    };
     use_settings([](Settings& settings) { settings.general()->OutputFolder = L"C:\\own\\"; });
     const std::tuple<const char*, const char*, const wchar_t*> rows[] = {
         {"2.0", "PDFFileName=C:\\a\\b\\c.pdf", L"C:\\a\\b\\"},

@@ -98,6 +98,8 @@ TEST_F(PrintSettingsAdmin, OfTheAdministratorsSettingOnlyCommentsOutliveTheUsers
     EXPECT_EQ(load(R"({"Administrator": {"PSFile": ")" + qk::to_utf8(path) + R"("}})"), expected);
     settings_ = {};
     EXPECT_EQ(load(R"({"Administrator": {"PSFile": "C:\\no such file.ps4"}})"), user_);
+    const CurrentFolder in(folder_.path());
+    EXPECT_EQ(load(R"({"Administrator": {"PSFile": "first.ps4"}})"), user_) << "out of the program's folder";
 }
 
 TEST_F(PrintSettingsAdmin, UsersFolderLiftsNothingAndNoUserIsBelievedForAnother) {
