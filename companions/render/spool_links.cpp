@@ -77,6 +77,9 @@ private:
     };
 
     void take_line(std::string_view line, size_t at) {
+        // Most lines are the bytes of fonts and pictures.
+        if (line.empty() || std::string_view("woe]").find(line.back()) == std::string_view::npos)
+            return;
         if (line.ends_with(kGlyph) && line.starts_with('/'))
             take_glyph(line.substr(1, line.size() - kGlyph.size() - 1), {at, at + line.size() + 1});
         else if (line.ends_with(kMove))
