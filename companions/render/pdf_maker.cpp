@@ -139,9 +139,19 @@ std::string PdfMaker::prologue_text(bool landscape, const PagesFound& found) {
     if (!mark)
         warn("not done by this renderer: the watermark, whose font or picture cannot be read");
     fonts_ = font_parameters(*settings_.font(), standard_);
-    return prologue(standard_ ? DocumentInfo() : given_, landscape) + image_parameters(settings_) + fonts_ +
-           colour_work(settings_) + rules_.definition +
+    return prologue(standard_ ? DocumentInfo() : given_, landscape) + profiles_text() +
+           image_parameters(settings_) + fonts_ + colour_work(settings_) + rules_.definition +
            page_work(*settings_.watermark(), version, mark.value_or(MarkDrawing()), found);
+}
+
+// The engine looks for its profile of CMYK in a folder that can be changed as long as it has not looked yet,
+// which it does when the page is set up. The other profiles have been read by then.
+std::string PdfMaker::profiles_text() {
+    if (rules_.cmyk.empty())
+        return {};
+    static_cast<void>(written(kProfileFile, rules_.cmyk));
+    return "<< /ICCProfilesDir " + postscript_literal(engine_path(scratch_.path()) + '/') +
+           " >> setuserparams << >> setpagedevice\n";
 }
 
 std::string PdfMaker::epilogue_text(const PagesFound& found) const {

@@ -38,6 +38,7 @@ public:
 private:
     [[nodiscard]] PagesFound look_through(const std::string& spool, bool landscape);
     [[nodiscard]] std::string prologue_text(bool landscape, const PagesFound& found);
+    [[nodiscard]] std::string profiles_text();
     [[nodiscard]] std::string epilogue_text(const PagesFound& found) const;
     // The spooled document as the engine takes it, which may be a copy with its pictures changed and its
     // links marked.

@@ -71,7 +71,7 @@ void remove_leftovers(const std::wstring& root) {
             continue;
         const std::wstring folder = root + found.cFileName;
         for (const wchar_t* name : {kOptionsFile, kPasswordFile, kJobFile, kChangesFile, kMetadataFile,
-                                    kBareFile, kSpoolFile, kPrologueFile, kEpilogueFile})
+                                    kBareFile, kSpoolFile, kProfileFile, kPrologueFile, kEpilogueFile})
             DeleteFileW((folder + L'\\' + name).c_str());
         RemoveDirectoryW(folder.c_str());
     } while (FindNextFileW(search.get(), &found));

@@ -13,7 +13,8 @@ inline constexpr wchar_t kJobFile[] = L"job.json";
 inline constexpr wchar_t kChangesFile[] = L"changes.json";
 inline constexpr wchar_t kMetadataFile[] = L"metadata.xml";
 inline constexpr wchar_t kBareFile[] = L"bare.pdf";
-inline constexpr wchar_t kSpoolFile[] = L"spool.ps";  // prepared
+inline constexpr wchar_t kSpoolFile[] = L"spool.ps";            // prepared
+inline constexpr wchar_t kProfileFile[] = L"default_cmyk.icc";  // as the engine asks for it
 inline constexpr wchar_t kPrologueFile[] = L"prologue.ps";
 inline constexpr wchar_t kEpilogueFile[] = L"epilogue.ps";
 

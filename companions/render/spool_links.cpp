@@ -1,9 +1,11 @@
 #include "companions/render/spool_links.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -77,6 +79,9 @@ private:
     };
 
     void take_line(std::string_view line, size_t at) {
+        // Most lines are the bytes of fonts and pictures.
+        if (line.empty() || std::string_view("woe]").find(line.back()) == std::string_view::npos)
+            return;
         if (line.ends_with(kGlyph) && line.starts_with('/'))
             take_glyph(line.substr(1, line.size() - kGlyph.size() - 1), {at, at + line.size() + 1});
         else if (line.ends_with(kMove))
@@ -100,9 +105,9 @@ private:
 
     // A word goes on where each of its letters has a place of its own, near to the one before.
     void take_place(std::string_view line) {
-        double x = 0;
-        double y = 0;
-        const bool read = std::sscanf(std::string(line).c_str(), "%lf %lf", &x, &y) == 2;
+        std::array<double, 2> place = {};
+        const bool read = read_numbers(line, place);
+        const auto [x, y] = place;
         const double step = x - x_;
         if (!read || since_move_ != 1 || right_ != 0 || std::fabs(y - y_) > size() / 10 || step < 0 ||
             step > size() * 1.3)
@@ -113,10 +118,10 @@ private:
     }
 
     void take_size(std::string_view line) {
-        double across[2], right = 0, up = 0;
-        if (line.size() > 200 || std::sscanf(std::string(line).c_str(), "[%lf %lf %lf %lf", &across[0],
-                                             &across[1], &right, &up) != 4)
+        std::array<double, 4> matrix = {};
+        if (!read_numbers(line.substr(1), matrix))
             return;
+        const auto [right, up] = std::pair(matrix[2], matrix[3]);
         if (right != right_ || up != up_)
             end_word();
         right_ = right;

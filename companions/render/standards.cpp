@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <string_view>
 
 #include "common/icc_folder.h"
 #include "common/qk/handle.h"
@@ -102,6 +103,8 @@ std::optional<Standard> find_standard(const ps::PrintSettings& settings) {
     standard.definition = output_intent(settings, ps::is_archive(asked.Version) ? "/GTS_PDFA1" : "/GTS_PDFX",
                                         cmyk ? 4 : 3, bytes) +
                           press_identification(asked.Version);
+    if (std::string_view(colours) == "CMYK")
+        standard.cmyk.assign(bytes.begin(), bytes.end());
     return standard;
 }
 

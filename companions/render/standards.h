@@ -13,6 +13,7 @@ namespace companions::render {
 struct Standard {
     std::vector<std::string> arguments;
     std::string definition;  // PostScript for the start of the document: output intent and identification
+    std::string cmyk;        // the profile by which colours become CMYK; empty: they become something else
 };
 
 // Empty for a plain PDF; nothing when the setting's colour profile cannot be read.

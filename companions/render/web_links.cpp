@@ -34,6 +34,20 @@ char character_of(std::string_view value) {
 
 }  // namespace
 
+bool read_numbers(std::string_view text, std::span<double> numbers) {
+    constexpr size_t kMostText = 200;
+    const std::string copy(text.substr(0, kMostText));
+    const char* at = copy.c_str();
+    for (double& number : numbers) {
+        char* after = nullptr;
+        number = std::strtod(at, &after);
+        if (after == at)
+            return false;
+        at = after;
+    }
+    return true;
+}
+
 std::optional<WebAddress> find_address(const std::string& word) {
     constexpr std::string_view kBare = "www.";
     constexpr size_t kLeast = 8;  // "www.a.de"
@@ -85,15 +99,8 @@ void WebLinkReader::take_line(std::string_view line) {
 
 void WebLinkReader::take_character(std::string_view line) {
     std::array<double, 4> corners = {};  // left, baseline, right, and where the box ends
-    const std::string box(attribute(line, "bbox=\""));
-    const char* at = box.c_str();
-    for (double& corner : corners) {
-        char* after = nullptr;
-        corner = std::strtod(at, &after);
-        if (after == at)
-            return;
-        at = after;
-    }
+    if (!read_numbers(attribute(line, "bbox=\""), corners))
+        return;
     const auto [left, baseline, right, end] = corners;
     // Boxes are whole points: a word goes on where the last letter ended, or nearly so.
     const bool goes_on = !word_.empty() && std::fabs(baseline - baseline_) < 0.5 &&

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,9 @@ struct WebAddress {
     std::string text;
 };
 [[nodiscard]] std::optional<WebAddress> find_address(const std::string& word);
+
+// The numbers that a text begins with, blanks between them; false when there are fewer than asked for.
+[[nodiscard]] bool read_numbers(std::string_view text, std::span<double> numbers);
 
 // Reads what the engine's text device tells of a document in its form 0, in pieces of any size: an element a
 // line, a character with its box or the font's size.

@@ -201,6 +201,9 @@ const std::vector<Row> kRows = {
     {R"({"PDFVersion": {"Version": 8}})", kIdentity, "/N 4 /S /GTS_PDFX GTS_PDFXVersion (PDF/X-3:2002"},
     {R"({"PDFVersion": {"Version": 9}})", kIdentity, "/N 4 /S /GTS_PDFX GTS_PDFXVersion (PDF/X-3:2003"},
     {R"({"PDFVersion": {"Version": 10}})", kIdentity, "/N 4 /S /GTS_PDFX GTS_PDFXVersion='PDF/X-4"},
+    {R"({"PDFVersion": {"Version": 7, "ICCFileName": "Z:\\usr\\share\\color\\icc\\ghostscript\\ps_cmyk.icc"}})",
+     "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -o '^0.561 .* k$' | sort -u",
+     "0.561 0.886 0.973 0 k"},  // the red by this profile
 
     {R"({"Watermark": {"Style": 1, "VisibleInPrint": false}})", pixel("20+20"), "#FF0000"},
     {"",
