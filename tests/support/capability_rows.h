@@ -13,12 +13,10 @@ struct CapabilityRow {
     Kind kind = kConstant;
 };
 
-inline constexpr auto kOfPapers = CapabilityRow::kPapers;
-
 inline constexpr CapabilityRow kCapabilityRows[] = {{0, "none", 0},
                                                     {1, "DC_FIELDS", 0x00010C13, 0, CapabilityRow::kFields},
-                                                    {2, "DC_PAPERS", 0, 2, kOfPapers},
-                                                    {3, "DC_PAPERSIZE", 0, 8, kOfPapers},
+                                                    {2, "DC_PAPERS", 0, 2, CapabilityRow::kPapers},
+                                                    {3, "DC_PAPERSIZE", 0, 8, CapabilityRow::kPapers},
                                                     {4, "DC_MINEXTENT", 0x00FE00FE},
                                                     {5, "DC_MAXEXTENT", 0x7FFF7FFF},
                                                     {6, "DC_BINS", 1, 2},
@@ -31,7 +29,7 @@ inline constexpr CapabilityRow kCapabilityRows[] = {{0, "none", 0},
                                                     {13, "DC_ENUMRESOLUTIONS", 10, 80},
                                                     {14, "DC_FILEDEPENDENCIES", 0, 2},
                                                     {15, "DC_TRUETYPE", 2},
-                                                    {16, "DC_PAPERNAMES", 0, 128, kOfPapers},
+                                                    {16, "DC_PAPERNAMES", 0, 128, CapabilityRow::kPapers},
                                                     {17, "DC_ORIENTATION", 90},
                                                     {18, "DC_COPIES", 1},
                                                     {19, "DC_BINADJUST", 0},

@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include "common/qk/resource_dll.h"
-
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     const int result = RUN_ALL_TESTS();
