@@ -31,7 +31,9 @@ TEST_F(Help, ButtonAndF1OpenTheChapterInTheLanguageOfTheTexts) {
     show([&] {
         for (const auto& [index, path] : rows) {
             go_to(index);
-            SendMessageW(GetWindow(page(index), GW_CHILD), WM_HELP, 0, 0);
+            const HWND control = GetWindow(page(index), GW_CHILD);
+            HELPINFO key = {sizeof key, HELPINFO_WINDOW, GetDlgCtrlID(control), control};
+            SendMessageW(control, WM_HELP, 0, reinterpret_cast<LPARAM>(&key));  // as F1 does
             SendMessageW(GetDlgItem(sheet(), IDC_SHEET_HELP), BM_CLICK, 0, 0);
             EXPECT_EQ(std::exchange(opened, {}), std::vector<std::wstring>(path.empty() ? 0 : 2, path));
         }

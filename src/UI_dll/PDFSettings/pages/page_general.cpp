@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cstdint>
-#include <cwchar>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "UI_dll/PDFSettings/messages.h"
@@ -172,8 +172,9 @@ void dlg_init_General(HWND page) {
     page_helper<GeneralHelper>(kGeneralPage).name = setting->PSName;
     show_text(page, IDC_NAME, setting->PSName, kMostNameUnits);
     // The first word is what an empty pattern stands for.
-    const wchar_t* const more_words = std::wcschr(job::kNameWords, L' ') + 1;
-    set_cue(page, IDC_FILE_NAME, qk::format(dialog_text(IDS_CUE_FILE_NAME).c_str(), more_words));
+    constexpr size_t kMoreWords = std::wstring_view(job::kNameWords).find(L' ') + 1;
+    set_cue(page, IDC_FILE_NAME,
+            qk::format(dialog_text(IDS_CUE_FILE_NAME).c_str(), job::kNameWords + kMoreWords));
     fill_list(page, IDC_SAVE_STYLE, IDS_SAVE_STYLE_ASK, 2);
     for (const int32_t resolution : kOfferedResolutions)
         add_item(page, IDC_RESOLUTION, std::to_wstring(resolution));
