@@ -120,10 +120,9 @@ std::optional<std::string> find_fault_of_end(const std::wstring& path) {
 }
 
 PdfTool::PdfTool(const ScratchFolder& scratch, const std::wstring& password)
-    : scratch_(scratch), program_(Engine::qpdf()) {
-    if (!password.empty())
-        password_arguments_ = {"--password-file=" +
-                               path_for_tool(scratch_.write(kPasswordFile, qk::to_utf8(password)))};
+    : scratch_(scratch), program_(Engine::qpdf()), password_(qk::to_utf8(password)) {
+    if (!password_.empty())
+        password_arguments_ = {"--password-file=" + path_for_tool(scratch_.write(kPasswordFile, password_))};
 }
 
 bool PdfTool::present() {
@@ -170,6 +169,10 @@ void PdfTool::rewrite(const std::wstring& from, const std::wstring& to, const Re
     if (!how.encrypt.is<picojson::null>()) {
         job["encrypt"] = how.encrypt;
         job["allowWeakCrypto"] = yes;
+    } else if (!password_
+                    .empty()) {  // a later qpdf loses the engine's encryption where streams are preserved
+        job["copyEncryption"] = job["inputFile"];
+        job["encryptionFilePassword"] = picojson::value(password_);
     }
     const std::wstring file = scratch_.write(kJobFile, picojson::value(job).serialize());
     std::string output;
@@ -245,6 +248,8 @@ std::optional<std::string> PdfTool::find_fault(const std::wstring& path, const E
     const picojson::value pages = objects.entry(described_name(catalogue), "/Pages");
     if (!objects.knows(described_name(pages)) && !ask(path, {asked_name(pages)}, objects, output))
         return first_line(output);
+    if (!password_.empty() && !objects.entry("trailer", "/Encrypt").is<std::string>())
+        return "it is not encrypted";
     const std::string count = objects.entry(described_name(pages), "/Count").to_str();
     if (count != std::to_string(expected.pages))
         return "it has " + count + " pages, not " + std::to_string(expected.pages);

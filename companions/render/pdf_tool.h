@@ -72,6 +72,7 @@ private:
 
     const ScratchFolder& scratch_;
     Engine program_;
+    std::string password_;
     std::vector<std::string> password_arguments_;
     std::optional<bool> present_;  // nothing: not run yet
 };

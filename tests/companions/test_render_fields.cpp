@@ -127,7 +127,8 @@ const std::vector<Row> kRows = {
      "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -o '/URI (.*)' | sort | uniq -c",
      "      2 /URI (http://www.test.net)       2 /URI (https://example.org/a?b=1)"},
 
-    {R"({"Compression": {"ASCIIFormat": true}})", "grep -a -c 'Filter.*ASCII85Decode' \"$1\"", "6"},
+    {R"({"Compression": {"ASCIIFormat": true}})",
+     "test $(grep -a -c 'Filter.*ASCII85Decode' \"$1\") -ge 6; echo $?", "0"},
     {R"({"Compression": {"TextAndLineArt": true}})", "grep -a -c ' Tf$' \"$1\"", "0"},
     {R"({"Compression": {"HighCompress": true}})", "grep -a -o /ObjStm \"$1\" | sort -u", "/ObjStm"},
     {R"({"Compression": {"Color": {"CompressionMethod": 1}, "Gray": {"CompressionMethod": 2}}})", kImages,
