@@ -113,9 +113,11 @@ std::vector<std::string> quiet_arguments(const char* device) {
 std::vector<std::string> engine_arguments(const PrintSettings& settings, const EngineFiles& files) {
     // Pages stay as they were printed: the engine would turn them to the direction of their text.
     std::vector<std::string> arguments = quiet_arguments("pdfwrite");
-    arguments.insert(arguments.end(), {"-dAutoRotatePages=/None", "-dALLOWPSTRANSPARENCY",
-                      // Objects in streams are for qpdf to make: of those that newer engines make it changes none.
-                      "-dWriteObjStms=false", "-dWriteXRefStm=false"});
+    arguments.insert(
+        arguments.end(),
+        {"-dAutoRotatePages=/None", "-dALLOWPSTRANSPARENCY",
+         // Objects in streams are for qpdf to make: of those that newer engines make it changes none.
+         "-dWriteObjStms=false", "-dWriteXRefStm=false"});
     const uint32_t version = settings.pdfVersion()->Version;
     // A PDF 2.0 of the engine's own has no document information; qpdf makes one of 1.7 instead.
     const bool later = version == ps::kPDF20 && files.rewritten;

@@ -23,7 +23,8 @@ TEST_F(JobTest, TracesTellEveryStepInOrder) {
     script->expects_start_folder = true;
     const std::wstring start =
         L">>5|internal_DrvDocumentEvent|DOCUMENTEVENT_STARTDOCPRE|sd1|LoadInstallDll|"
-        L"GetSettingFileNameFromFD|call GetSettingFN@Tessalo|sd2|PrintSettingsAdmin::Load|sd3|SetPDFname|Visio-x|Visio-x.pdf|"
+        L"GetSettingFileNameFromFD|call "
+        L"GetSettingFN@Tessalo|sd2|PrintSettingsAdmin::Load|sd3|SetPDFname|Visio-x|Visio-x.pdf|"
         L"CleanJobTitle|jobname is |Visio-x|pd_tk::TeskelCustom2021::IsActive|"
         L"pd_tk::TeskelCustom2021::HasAnyExe|pd_tk::TeskelCustom2021::HasExe|"
         L"pd_tk::TeskelCustom2021::getExeName|pd_tk::TeskelCustom2021::GetOutputFolder|";
