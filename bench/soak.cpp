@@ -101,8 +101,11 @@ int soak(unsigned seconds) {
 int wmain(int count, wchar_t** words) {
     if (count > 3 && std::wcscmp(words[1], L"--save-and-load") == 0)
         return bench::save_and_load(words[2], std::wcstoul(words[3], nullptr, 10));
-    if (count > 2 && std::wcscmp(words[1], L"--fail-jobs") == 0)
-        return bench::fail_jobs(words[2]);
+    const auto number = [words](int at) { return std::wcstoul(words[at], nullptr, 10); };
+    if (count > 4 && std::wcscmp(words[1], L"--fail-jobs") == 0)
+        return bench::fail_jobs(words[2], number(3), number(4));
+    if (count > 4 && std::wcscmp(words[1], L"--log") == 0)
+        return bench::count_log(number(2), number(3), number(4));
     if (count > 3 && std::wcscmp(words[1], L"--jobs") == 0) {
         const unsigned long threads = std::wcstoul(words[2], nullptr, 10);
         const unsigned long jobs = std::wcstoul(words[3], nullptr, 10);

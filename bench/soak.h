@@ -49,8 +49,12 @@ Scene play_jobs, play_failing_jobs, play_sheets, play_list, play_savers, play_ki
 // exit code.
 int count_jobs(unsigned threads, unsigned jobs);
 
+// So many failed jobs on each of so many threads of so many programs, all told in one log: what is wrong with
+// it. The program's exit code.
+int count_log(unsigned programs, unsigned threads, unsigned jobs);
+
 // What a program of the soak's own does; its exit code, 1 when something was wrong.
 int save_and_load(const std::wstring& path, ULONGLONG milliseconds);
-int fail_jobs(const std::wstring& documents);
+int fail_jobs(const std::wstring& documents, unsigned threads, unsigned jobs);
 
 }  // namespace bench

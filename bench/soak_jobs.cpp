@@ -31,7 +31,6 @@ constexpr wchar_t kKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0";
 constexpr size_t kThreads = 16;
 constexpr unsigned kWarmUpJobs = 1000;  // of all threads
 constexpr unsigned kLocks = 8;          // of the system, which make an event when threads first meet at them
-constexpr size_t kFailingPrograms = 4, kFailingThreads = 8, kFailingJobs = 50;
 
 BOOL WINAPI post(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     static auto* const original =
@@ -189,33 +188,54 @@ int count_jobs(unsigned threads, unsigned jobs) {
     return played.wrong == 0 && !has_grown(before, after) ? 0 : 1;
 }
 
-int fail_jobs(const std::wstring& documents) {
+int fail_jobs(const std::wstring& documents, unsigned threads, unsigned jobs) {
     const World world(documents);
     SetEnvironmentVariableW(L"ZR_BENCH_SETTING", L"C:\\zr_soak_no_such_setting.ps4");
     std::atomic<bool> good = true;
-    on_threads(kFailingThreads, [&](size_t) {
-        for (size_t job = 0; job < kFailingJobs; ++job)
+    on_threads(threads, [&](size_t) {
+        for (unsigned job = 0; job < jobs; ++job)
             if (start(L"fails").result != DOCUMENTEVENT_FAILURE)
                 good = false;
     });
     return good ? 0 : 1;
 }
 
-void play_failing_jobs(const World& world, ULONGLONG end, Played& played) {
+namespace {
+
+// Programs whose threads each write so many records into one log; what is wrong with it afterwards.
+unsigned long long fill_log(const World& world, unsigned programs, unsigned threads, unsigned jobs) {
     const std::wstring log = world.documents_folder + L"\\Dunmere\\Vantrix2\\Error_0.log";
+    DeleteFileW(log.c_str());
+    std::vector<Program> running;
+    for (unsigned i = 0; i < programs; ++i)
+        running.emplace_back(
+            qk::format(L"--fail-jobs \"%s\" %u %u", world.documents_folder.c_str(), threads, jobs));
+    unsigned long long wrong = 0;
+    for (Program& program : running)
+        wrong += program.wait() != 0;
+    const std::string bytes = TempFolder::read(log);
+    return wrong +
+           wrong_records({reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / sizeof(wchar_t)},
+                         size_t{programs} * threads * jobs);
+}
+
+}  // namespace
+
+void play_failing_jobs(const World& world, ULONGLONG end, Played& played) {
+    constexpr unsigned kPrograms = 4, kThreads = 8, kJobs = 50;
     do {
-        DeleteFileW(log.c_str());
-        std::vector<Program> programs;
-        for (size_t i = 0; i < kFailingPrograms; ++i)
-            programs.emplace_back(L"--fail-jobs \"" + world.documents_folder + L'"');
-        for (Program& program : programs)
-            played.wrong += program.wait() != 0;
-        const std::string bytes = TempFolder::read(log);
-        constexpr size_t kWanted = kFailingPrograms * kFailingThreads * kFailingJobs;
-        played.wrong += wrong_records(
-            {reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / sizeof(wchar_t)}, kWanted);
-        played.done += kWanted;
+        played.wrong += fill_log(world, kPrograms, kThreads, kJobs);
+        played.done += kPrograms * kThreads * kJobs;
     } while (GetTickCount64() < end);
+}
+
+int count_log(unsigned programs, unsigned threads, unsigned jobs) {
+    const World world;
+    const ULONGLONG start_time = GetTickCount64();
+    const unsigned long long wrong = fill_log(world, programs, threads, jobs);
+    std::printf("%u records of failed jobs, %llu wrong; %llu ms\n", programs * threads * jobs, wrong,
+                GetTickCount64() - start_time);
+    return wrong == 0 ? 0 : 1;
 }
 
 }  // namespace bench
