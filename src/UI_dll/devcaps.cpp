@@ -15,7 +15,6 @@
 #include "common/qk/handle.h"
 #include "common/qk/memory_probe.h"
 #include "common/qk/resource_dll.h"
-#include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "lib/devmode.h"
 #include "lib/forms.h"
@@ -86,8 +85,11 @@ public:
     template <size_t kUnits>
     void put_name(const wchar_t* name) noexcept {
         std::byte* const slot = std::exchange(at_, at_ + kUnits * sizeof(wchar_t));
-        const std::wstring_view put = qk::cut({name, wcsnlen(name, kUnits)}, kUnits - 1);
-        std::memcpy(slot, put.data(), put.size() * sizeof(wchar_t));
+        size_t units = 0;  // in one go: a list has a hundred names
+        for (; units < kUnits - 1 && name[units]; ++units)
+            std::memcpy(slot + units * sizeof *name, name + units, sizeof *name);
+        if (units == kUnits - 1 && name[units] && IS_HIGH_SURROGATE(name[units - 1]))
+            std::memset(slot + (units - 1) * sizeof *name, 0, sizeof *name);
     }
 
     explicit operator bool() const noexcept { return at_ != nullptr; }
