@@ -88,8 +88,11 @@ public:
         size_t units = 0;  // in one go: a list has a hundred names
         for (; units < kUnits - 1 && name[units]; ++units)
             std::memcpy(slot + units * sizeof *name, name + units, sizeof *name);
-        if (units == kUnits - 1 && name[units] && IS_HIGH_SURROGATE(name[units - 1]))
-            std::memset(slot + (units - 1) * sizeof *name, 0, sizeof *name);
+        wchar_t last = 0;
+        std::byte* const last_place = slot + (kUnits - 2) * sizeof last;
+        std::memcpy(&last, last_place, sizeof last);
+        if (IS_HIGH_SURROGATE(last))  // half a pair
+            std::memset(last_place, 0, sizeof last);
     }
 
     explicit operator bool() const noexcept { return at_ != nullptr; }
