@@ -1,4 +1,4 @@
-// Default values that come back on request, and values that are typed or looked up in a new way.
+// Default values that come back on request, and profiles that are looked up where they lie.
 
 #include <commdlg.h>
 
@@ -63,14 +63,6 @@ TEST_F(RestoreDefaults, PagesThatAreMeantShowThemAndTheRestStays) {
         setting().addition()->Str.erase(L"PaperName");  // that of the list
         EXPECT_EQ(setting().Serialise(), wanted.Serialise());
     }
-}
-
-TEST_F(RestoreDefaults, TypedCommaIsTheDecimalPoint) {
-    show([] {
-        type(kGeneralPage, IDC_PAPER_WIDTH, L"");
-        SendMessageW(control(kGeneralPage, IDC_PAPER_WIDTH), WM_CHAR, L',', 0);
-        EXPECT_EQ(text(kGeneralPage, IDC_PAPER_WIDTH), L".");
-    });
 }
 
 TEST_F(RestoreDefaults, ProfileIsTakenFromWhereItsFileLies) {
