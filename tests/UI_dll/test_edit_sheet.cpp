@@ -151,10 +151,8 @@ TEST_F(Saving, LongListOfChangesIsWholeInABoxThatScrolls) {
     const auto look = [&] {
         for (int i = 100; i < 140; ++i)
             setting().addition()->Int[L"key" + std::to_wstring(i)] = i;
-        for (const int no : {IDNO, IDCANCEL}) {
-            answer(no);
-            EXPECT_TRUE(is_old(path));
-        }
+        answer(IDCANCEL);
+        EXPECT_TRUE(is_old(path));
         answer(IDYES);
     };
     show(look, path);

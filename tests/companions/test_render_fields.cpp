@@ -214,7 +214,6 @@ const std::vector<Row> kRows = {
     {R"({"Watermark": {"Style": 1, "FontSize": 150, "ZOrder": 1}})", pixel("30+46") + " | cut -c1-2", "#C"},
     {R"({"Watermark": {"Style": 1, "VerticalPosition": 2, "HorizontalPosition": 2, "Transparency": 50}})",
      pixel("145+205"), "#FF7F7F"},
-    {"", pixel("20+20"), "#FFFFFF"},
     {R"({"Watermark": {"Style": 1, "VerticalPosition": 2, "HorizontalPosition": 2, "Transparency": 50},
          "PDFVersion": {"Version": 0}})",  // which has no transparency
      pixel("145+205"), "#FF7F7F"},
