@@ -3,24 +3,6 @@
 
 using namespace pdf_settings;
 
-TEST(ListRules, CopiesGetTheFirstFreeName) {
-    // A digit that is not 0 to 9 counts for nothing.
-    // The name, the names that are taken, the copy's.
-    const std::tuple<const wchar_t*, std::wstring, const wchar_t*> rows[] = {
-        {L"Report(12)", L"", L"Report"},
-        {L"Report(12)", L"|Report|", L"Report(1)"},
-        {L"Report", L"|Report|Report(1)|", L"Report(2)"},
-        {L"Report(1a)", L"|Report(1a)|", L"Report(1a)(1)"},
-        {L"Report()", L"", L"Report"},
-        {L"Report(\xFF11)", L"", L"Report(\xFF11)"}};
-    for (const auto& [name, taken, copy] : rows) {
-        const auto is_taken = [&names = taken](const auto& other) {
-            return names.find(L'|' + std::wstring(other) + L'|') != std::wstring::npos;
-        };
-        EXPECT_EQ(free_name(base_name(name), is_taken), copy);
-    }
-}
-
 TEST(ListRules, SelectionPrefersTheLastRowOfThePath) {
     const std::vector<SettingEntry> rows = {
         {0, L"C:\\s\\a.ps4", L""}, {0, L"C:\\S\\\xC4.ps4", L""}, {1, L"c:\\s\\A.PS4", L""}};
