@@ -140,9 +140,11 @@ TEST_F(CompstuiSheet, WhatIsMalformedIsNotAdded) {
         {[](Group& g) { g.sheet.hInstCaller = nullptr; }, ERR_CPSUI_NULL_HINST},
         {[](Group& g) { g.sheet.cDlgPage = 65; }, ERR_CPSUI_TOO_MANY_DLGPAGES},
         {[](Group& g) { g.page.DlgTemplateID = 1; }, ERR_CPSUI_CREATEPROPPAGE_FAILED},
+        {[](Group& g) { g.sheet.pOptItem = nullptr; }, ERR_CPSUI_NULL_POPTITEM},
         {[](Group& g) { g.item.pName = nullptr; }, ERR_CPSUI_NULL_OPTITEMNAME},
         {[](Group& g) { g.item.DlgPageIdx = 1; }, ERR_CPSUI_INVALID_DLGPAGEIDX},
         {[](Group& g) { g.type.Type = TVOT_CHKBOX; }, ERR_CPSUI_INVALID_TVOT_TYPE},
+        {[](Group& g) { g.type.pOptParam = nullptr; }, ERR_CPSUI_NULL_POPTPARAM},
         {[](Group& g) { g.parameters[1].cbSize = 1; }, ERR_CPSUI_INVALID_OPTPARAM_CBSIZE},
         {[](Group&) {}, 1}};
     Player player;
