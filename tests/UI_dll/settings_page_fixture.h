@@ -45,8 +45,8 @@ struct SettingsPage : EditSheet {
         return made;
     }
     void open() const {
-        parent = CreateWindowExW(WS_EX_CONTEXTHELP, L"STATIC", L"", WS_POPUP, 0, 0, 600, 500, nullptr,
-                                 nullptr, nullptr, nullptr);
+        parent =
+            CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 600, 500, nullptr, nullptr, nullptr, nullptr);
         made = CreateDialogParamW(qk::resource_module(), MAKEINTRESOURCEW(IDD_SETTINGS), parent,
                                   &settings_page_proc, 0);
         EXPECT_TRUE(made);

@@ -151,19 +151,6 @@ TEST_F(PDFVersionPage, RefusesWhatTheJobWouldRefuse) {
     });
 }
 
-TEST_F(PDFVersionPage, FileNameIsFoundByTheWholeDescription) {
-    const std::tuple<const wchar_t*, int, const wchar_t*> rows[] = {
-        {L"Coated FOGRA39", 0, L"fogra39.icc"}, {kCoated, 0, L"coated.icm"},
-        {L"coated fogra39", 0, L"before"},      {L"Coated", 0, L"before"},
-        {L"Another extension", 0, L"before"},   {L"", 1, L""}};
-    for (const auto& [description, result, wanted] : rows) {
-        wchar_t name[kFileNameUnits] = L"before";
-        EXPECT_EQ(icc_FileNameFromDesc(description, name), result) << description;
-        EXPECT_STREQ(name, wanted) << description;
-    }
-    EXPECT_EQ(icc_FileNameFromDesc(kCoated, nullptr), 1);
-}
-
 TEST_F(PDFVersionPage, CMYKProfilesAreToldFromOthers) {
     const std::wstring own = profiles.files.write(L"own.icc", ProfileFolder::profile("CMYK", "prtr", "Own"));
     const std::pair<std::wstring, bool> rows[] = {

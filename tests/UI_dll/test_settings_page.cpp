@@ -10,7 +10,6 @@ TEST_F(SettingsPage, ListsAllFoldersAndSelectsThePrintersSetting) {
     ForceDirectories(here.folder.file(L"Settings\\folder.ps4"));
     EXPECT_EQ(rows(), L"alpha zeta Office [Standard] broken old");
     EXPECT_FALSE(can_press(IDC_SETTINGS_DELETE));
-    EXPECT_FALSE(GetWindowLongPtrW(parent, GWL_EXSTYLE) & WS_EX_CONTEXTHELP);
     select(0);
     EXPECT_TRUE(can_press(IDC_SETTINGS_DELETE));
     EXPECT_EQ(setting()->PSName, L"alpha");
@@ -136,23 +135,6 @@ TEST_F(SettingsPage, NewAndReadOnlySettingsAreCopiesAndOwnOnesAreEditedInPlace) 
     EXPECT_EQ(ReadName(ResolveSettingFilePath(printers_setting())), L"office") << "a name that no folder has";
 }
 
-TEST_F(SettingsPage, NameForACopyIsFoundReadingEachFileOnce) {
-    constexpr int kCopies = 30;
-    add_own(L"Standard");
-    for (int i = 1; i < kCopies; ++i)
-        add_own(L"Standard(" + std::to_wstring(i) + L")");
-    open();
-    int opened = 0;
-    const CallHook<decltype(CreateFileW)> count("CreateFileW", [&](auto original, auto path, auto... rest) {
-        opened += std::wcsstr(path, L".ps4") != nullptr;
-        return original(path, rest...);
-    });
-    in_sheet(IDC_SETTINGS_NEW, [&] {
-        EXPECT_LE(opened, kCopies + 10);
-        EXPECT_EQ(name(), L"Standard(30)");
-    });
-}
-
 TEST_F(SettingsPage, PicturesAreOutOfTheListBeforeTheyAreDestroyed) {
     open();
     static HIMAGELIST shown_at_end;
@@ -190,29 +172,6 @@ TEST_F(SettingsPage, PageOpenedFromAnotherLeavesItAsItWas) {
     }
 }
 
-TEST_F(SettingsPage, PicturesAreThoseOfTheKindsAndLoadedOnceMoreAfterManyMoves) {
-    std::vector<WORD> loaded;
-    const CallHook<decltype(LoadImageW)> load("LoadImageW", [&](auto original, auto module, auto id,
-                                                                auto... rest) {
-        if (const WORD number = LOWORD(id); number == IDI_CUSTOM_SETTING || number == IDI_INSTALLED_SETTING)
-            loaded.push_back(number);
-        return original(module, id, rest...);
-    });
-    std::vector<WORD> wanted = {IDI_CUSTOM_SETTING, IDI_INSTALLED_SETTING};
-    for (const int image : {0, 1}) {
-        LVITEMW item = {.mask = LVIF_IMAGE, .iItem = image + 2};
-        ListView_GetItem(list(), &item);
-        EXPECT_EQ(item.iImage, image);
-    }
-    for (int i = 0; i < 20; ++i)
-        SendMessageW(parent, WM_MOVE, 0, 0);
-    EXPECT_EQ(loaded, wanted);
-    SendMessageW(parent, WM_TIMER, 1234, 0);
-    wanted.insert(wanted.end(), {IDI_CUSTOM_SETTING, IDI_INSTALLED_SETTING});
-    EXPECT_EQ(loaded, wanted);
-    EXPECT_FALSE(KillTimer(parent, 1234));  // no second time
-}
-
 TEST_F(SettingsPage, ThreadHasItsDpiAwarenessBackAfterwards) {
     static std::vector<HANDLE> set;
     set.clear();
@@ -227,14 +186,4 @@ TEST_F(SettingsPage, ThreadHasItsDpiAwarenessBackAfterwards) {
     open();
     close();
     EXPECT_EQ(set, (std::vector{reinterpret_cast<HANDLE>(INT_PTR{2}), reinterpret_cast<HANDLE>(INT_PTR{7})}));
-}
-
-TEST_F(SettingsPage, PrintersSettingIsInSightAmongMany) {
-    for (int i = 10; i < 70; ++i)
-        add_own(L"s" + std::to_wstring(i));
-    SetSettingFileName(L"s55.ps4", here.printer.name);
-    const int row = selected_row(window()), top = ListView_GetTopIndex(list());
-    EXPECT_EQ(selected_entry(window())->name, L"s55");
-    EXPECT_TRUE(row >= top && row < top + ListView_GetCountPerPage(list())) << row << " from " << top;
-    EXPECT_EQ(ListView_GetNextItem(list(), -1, LVNI_FOCUSED), row);
 }

@@ -48,10 +48,9 @@ struct PageDrawing : EditSheet {
         mark.Transparency = 0;
         setting().general()->Scale = 10;  // the contents keep out of the way
     }
-    // Where the drawing has the watermark's red, and how red it is at most.
+    // Where the drawing has the watermark's red.
     struct Red {
         RECT around = {kWidth, kHeight, 0, 0};
-        int strength = 0;
         [[nodiscard]] bool is_none() const { return around.right == 0; }
         [[nodiscard]] LONG width() const { return around.right - around.left; }
         [[nodiscard]] LONG height() const { return around.bottom - around.top; }
@@ -66,9 +65,7 @@ struct PageDrawing : EditSheet {
         for (LONG y = 0; y < kHeight; ++y)
             for (LONG x = 0; x < kWidth; ++x) {
                 const uint32_t pixel = bits[y * kWidth + x];
-                const int strength = static_cast<int>(pixel >> 16 & 0xFF) - static_cast<int>(pixel & 0xFF);
-                red.strength = std::max(red.strength, strength);
-                if (strength >= 32)
+                if ((pixel >> 16 & 0xFF) >= (pixel & 0xFF) + 32)
                     red.around = {std::min(red.around.left, x), std::min(red.around.top, y),
                                   std::max(red.around.right, x), std::max(red.around.bottom, y)};
             }
@@ -93,32 +90,6 @@ TEST_F(PageDrawing, WatermarkLiesWhereItIsAsked) {
         const auto third = [](LONG first, LONG last, int side) { return (first + last) / 2 * 3 / side; };
         EXPECT_EQ(third(red.around.left, red.around.right, kWidth), static_cast<LONG>(place % 3));
         EXPECT_EQ(third(red.around.top, red.around.bottom, kHeight), static_cast<LONG>(place / 3));
-    }
-}
-
-TEST_F(PageDrawing, WatermarkThatFitsFillsThePageAndNoMore) {
-    for (const bool diagonal : {true, false}) {
-        mark.DiagonalText = diagonal;
-        mark.Text = std::wstring(diagonal ? 12 : 44, L'W');
-        const Red red = draw();
-        EXPECT_GT(red.width(), kWidth / 2);
-        EXPECT_EQ(red.height() > kHeight / 2, diagonal);
-        EXPECT_TRUE(red.around.left > 6 && red.around.right < kWidth - 6);
-    }
-}
-
-TEST_F(PageDrawing, TransparencyAndVisibilityAreSeen) {
-    // The style, the transparency, whether it is seen in print and on screen, the strength.
-    const std::tuple<uint32_t, uint32_t, bool, bool, int, int> rows[] = {
-        {1, 0, true, true, 250, 255}, {1, 70, true, false, 60, 95}, {1, 100, true, true, 0, 0},
-        {1, 0, false, false, 0, 0},   {0, 0, true, true, 0, 0},     {1, 0, false, true, 250, 255}};
-    for (const auto& [style, transparency, print, display, low, high] : rows) {
-        mark.Style = style;
-        mark.Transparency = transparency;
-        mark.VisibleInPrint = print;
-        mark.VisibleInDisplay = display;
-        const int strength = draw().strength;
-        EXPECT_TRUE(strength >= low && strength <= high) << strength << " at " << transparency;
     }
 }
 

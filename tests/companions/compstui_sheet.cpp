@@ -1,6 +1,5 @@
-// A common property sheet: what is added to it, reasons, results, option items, room for its pages.
+// A common property sheet: what is added to it, reasons and results.
 
-#include "UI_dll/PDFSettings/controls.h"
 #include "UI_dll/plotui.h"
 #include "common/qk/resource_dll.h"
 #include "companions/compstui/page.h"
@@ -120,15 +119,6 @@ struct Group {
     Group& operator=(const Group&) = delete;
 };
 
-// As the controls of its page show it.
-void expect_item(HWND page) {
-    for (const int control : {compstui::kListFrame, compstui::kListTitle})
-        EXPECT_EQ(pdf_settings::control_text(page, IDC_OPTION_ITEM + control), L"Item");
-    const HWND list = GetDlgItem(page, IDC_OPTION_ITEM + compstui::kListBox);
-    EXPECT_EQ(2, SendMessageW(list, LB_GETCOUNT, 0, 0));
-    EXPECT_EQ(1, SendMessageW(list, LB_GETCURSEL, 0, 0));
-}
-
 LONG APIENTRY restarts(CPSUICBPARAM* parameter) {
     EXPECT_EQ(parameter->Reason, CPSUICB_REASON_APPLYNOW);
     EXPECT_EQ(parameter->Result, ULONG_PTR{CPSUI_OK});
@@ -148,7 +138,6 @@ TEST_F(CompstuiSheet, WhatIsMalformedIsNotAdded) {
     const std::pair<void (*)(Group&), LONG> rows[] = {
         {[](Group& g) { g.sheet.cbSize = 120; }, ERR_CPSUI_INVALID_PDATA},
         {[](Group& g) { g.sheet.hInstCaller = nullptr; }, ERR_CPSUI_NULL_HINST},
-        {[](Group& g) { g.sheet.cDlgPage = 0; }, ERR_CPSUI_INVALID_PDLGPAGE},
         {[](Group& g) { g.sheet.cDlgPage = 65; }, ERR_CPSUI_TOO_MANY_DLGPAGES},
         {[](Group& g) { g.page.DlgTemplateID = 1; }, ERR_CPSUI_CREATEPROPPAGE_FAILED},
         {[](Group& g) { g.sheet.pOptItem = nullptr; }, ERR_CPSUI_NULL_POPTITEM},
@@ -209,10 +198,8 @@ TEST_F(CompstuiSheet, ReasonsAndResultByHowItIsLeft) {
         const PROPSHEETPAGEW page = plain_page();
         LONG_PTR added = 0;
         Player player;
-        player.script = [&pressed = buttons, grouped = pages != kAlone](HWND shown) {
+        player.script = [&pressed = buttons](HWND shown) {
             SendMessageW(GetParent(shown), PSM_CHANGED, reinterpret_cast<WPARAM>(shown), 0);
-            if (grouped)
-                expect_item(shown);
             for (const int button : pressed)
                 Player::press(shown, button);
         };
@@ -233,35 +220,4 @@ TEST_F(CompstuiSheet, ReasonsAndResultByHowItIsLeft) {
         const bool told = player.reasons.find('3') != std::string::npos;
         EXPECT_EQ(told ? std::vector{reinterpret_cast<HANDLE>(added)} : std::vector<HANDLE>(), player.spoke);
     }
-}
-
-TEST_F(CompstuiSheet, HasRoomForItsLargestPage) {
-    constexpr DWORD kStyle = DS_SETFONT | DS_FIXEDSYS | DS_CONTROL | WS_CHILD | WS_CAPTION | WS_DISABLED;
-    // A DLGTEMPLATEEX without controls, of 252 by 218 units in 15 points.
-    alignas(4) static constexpr WORD large[] = {
-        1,   0xFFFF, 0, 0, 0,  0,   LOWORD(kStyle), HIWORD(kStyle), 0,    0,    0,    252,
-        218, 0,      0, 0, 15, 400, 0x0100,         L'T',           L'a', L'h', L'o', 0};
-    PROPSHEETPAGEW pages[] = {plain_page(), plain_page()};
-    pages[1].pResource = reinterpret_cast<const DLGTEMPLATE*>(large);
-    RECT wanted = {}, room = {}, tabs = {}, button = {}, sheet = {};
-    const HWND one = CreateDialogIndirectParamW(nullptr, pages[1].pResource, GetDesktopWindow(), nullptr, 0);
-    GetClientRect(one, &wanted);
-    DestroyWindow(one);
-    ASSERT_GT(wanted.bottom, 0);
-    Player player;
-    player.add = [&](PROPSHEETUI_INFO& info) {
-        for (const PROPSHEETPAGEW& page : pages)
-            call(info, CPSFUNC_ADD_PROPSHEETPAGEW, &page);
-    };
-    player.script = [&](HWND page) {
-        GetClientRect(page, &room);
-        const HWND window = GetParent(page);
-        GetWindowRect(PropSheet_GetTabControl(window), &tabs);
-        GetWindowRect(GetDlgItem(window, IDOK), &button);
-        GetWindowRect(window, &sheet);
-        Player::press(page, PSBTN_OK);
-    };
-    player.play();
-    EXPECT_TRUE(room.right >= wanted.right && room.bottom >= wanted.bottom);
-    EXPECT_TRUE(button.top >= tabs.bottom && button.bottom <= sheet.bottom);
 }

@@ -1,11 +1,8 @@
-// The print processor's exports and texts, asked without a job.
+// The print processor's exports, asked without a job.
 #include <winsplp.h>
 
-#include <set>
-
-#include "common/qk/resource_dll.h"
+#include "common/qk/handle.h"
 #include "companions/print_processor/names.h"
-#include "companions/print_processor/resource.h"
 #include "support/installation.h"
 
 namespace {
@@ -53,23 +50,6 @@ TEST_F(PrintProcessor, OpeningNeverFailsAndBadCallsDo) {
         EXPECT_TRUE(close(handle));
     }
     EXPECT_FALSE(print(nullptr, job) || close(nullptr));
-}
-
-// The texts that a job has no other test for: each language has its own, with the same numbers in them.
-TEST_F(PrintProcessor, ProgressIsToldInEveryLanguage) {
-    const wchar_t* const pages[] = {L"Page 7 of 12", L"7 / 12 \u30DA\u30FC\u30B8", L"7/12\uD398\uC774\uC9C0",
-                                    L"\u7B2C 7 \u9875\uFF0C\u5171 12 \u9875",
-                                    L"\u7B2C 7 \u9801\uFF0C\u5171 12 \u9801"};
-    std::set<std::wstring> all;
-    for (UINT language = 0; language < std::size(pages); ++language) {
-        const auto text = [&, first = IDS_EN + 16 * language](UINT which) {
-            return qk::find_string(library.get(), first + which).value_or(L"");
-        };
-        EXPECT_EQ(qk::format(text(TEXT_PAGE_OF).c_str(), 7u, 12u), pages[language]);
-        EXPECT_NE(qk::format(text(TEXT_PAGE).c_str(), 7u).find(L'7'), std::wstring::npos);
-        all.insert({text(TEXT_BEGUN), text(TEXT_CANCELLING)});
-    }
-    EXPECT_EQ(all.size(), 2 * std::size(pages)) << "a text is missing or another language's";
 }
 
 }  // namespace

