@@ -2,6 +2,7 @@
 
 #include "UI_dll/cpsui.h"
 #include "UI_dll/ddi.h"
+#include "UI_dll/optitem.h"
 #include "UI_dll/ps_to_devmode.h"
 #include "common/dialog_library.h"
 #include "common/qk/resource_dll.h"
@@ -347,6 +348,28 @@ TEST_F(Sheet, ThoseOfTwoThreadsDoNotMeet) {
     companions::Thread other([&] { live(11, 50); });
     live(22, 75);
     other.join();
+}
+
+TEST(OptionItem, EachTypeHasItsParameters) {
+    constexpr size_t kCounts[] = {2, 3, 2, 3, 3, 4, 4, 2, 1, 1, 0};
+    for (BYTE type = 0; type < std::size(kCounts); ++type) {
+        SCOPED_TRACE(int{type});
+        using D = OptionDescriptor;
+        const D descriptor = {
+            0, 1, 101, 19, type, 4, 0, 10, D::kExtended | D::kIconsCountUp | D::kDataAdvances};
+        OptionItem item;
+        ASSERT_EQ(CreateOPTTYPE(descriptor, {L"a", L"b"}, 5000, item), kCounts[type] != 0);
+        if (kCounts[type] == 0)
+            continue;
+        const OPTTYPE& made = *item.get()->pOptType;
+        EXPECT_EQ(std::tuple(made.Count, made.BegCtrlID), std::tuple(kCounts[type], 8020));
+        EXPECT_EQ(made.pOptParam[made.Count - 1].IconID, 10u + made.Count - 1);
+        EXPECT_STREQ(made.pOptParam[0].pData, L"a");
+        EXPECT_EQ(made.pOptParam[0].lParam, type == TVOT_PUSHBUTTON ? 5000 : 0);
+        EXPECT_EQ(item.get()->Flags, 0u);  // no OIEXT, no push button
+        EXPECT_EQ(item.get()->pExtChkBox->cbSize, 64);
+        EXPECT_NE(item.get()->pExtChkBox->pTitle, nullptr);
+    }
 }
 
 TEST(SettingToDevmode, PaperOrientationAndResolutionAreCopied) {
