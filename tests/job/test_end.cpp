@@ -55,10 +55,9 @@ TEST(DocumentEvents, FilterIsWrittenOnlyWhereItFits) {
 TEST_F(JobTest, EndTellsListenersWithAJobAndWithout) {
     const std::tuple<const char*, const char*, WPARAM> rows[] = {
         // the override file, null: none; the id
-        {nullptr, nullptr, 11},      {"2.5", "", 11},
-        {"2.5", "MessageID=42", 42}, {"9.9", "MessageID=43", 43},
-        {"2.5", "MessageID=abc", 0}, {"2.5", "MessageID=-1", 0xFFFFFFFF},
-        {"2.5", "MessageID=12x", 12}};
+        {nullptr, nullptr, 11},       {"2.5", "", 11},
+        {"9.9", "MessageID=43", 43},  {"2.5", "MessageID=abc", 0},
+        {"2.5", "MessageID=12x", 12}, {"2.5", "MessageID=-1", 0xFFFFFFFF}};
     const std::wstring value = L"settingfile_for_process_" + here.printer.name, other = value + L"2";
     for (const auto& [version, lines, id] : rows)
         for (const int event : {DOCUMENTEVENT_ENDDOCPOST, DOCUMENTEVENT_ABORTDOC}) {
@@ -132,14 +131,11 @@ TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
     const std::wstring program = here.folder.write(L"app.exe", "x");
     // The stage, the program, whether a folder is given, whether all that counts, how the path is answered.
     const std::tuple<const char*, std::wstring, bool, bool, How> rows[] = {
-        {"DocStart", L"C:\\none.exe", true, false, How::kAssigned},
         {"DocEnd", here.folder.path(), true, false, How::kAssigned},  // a folder is no program
         {"DocEnd", program, false, false, How::kAssigned},
         {"DocEnd", program, true, true, How::kAssigned},
         {"PageStart", program, true, true, How::kReplaced},
-        {"PageEnd", program, true, true, How::kAssigned},
-        {"DocStart", program, true, true, How::kAssigned},
-        {"Cancel", program, true, false, How::kAssigned}};  // is no stage
+        {"DocStart", program, true, true, How::kAssigned}};
     // What the library frees is not freed again.
     std::vector<void*> freed;
     const Intercept<decltype(HeapFree)> free("HeapFree", [&](HANDLE, DWORD, void* memory) {
