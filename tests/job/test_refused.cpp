@@ -1,6 +1,5 @@
 // Jobs that do not start: who is told what, and what is left behind.
 #include "job/job_fixture.h"
-#include "job/job_setting.h"
 #include "resources/ids.h"
 
 namespace {
@@ -78,13 +77,6 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
         }
     EXPECT_EQ(here.log(L"Error_7.log"), raw_bytes(logged));
     EXPECT_EQ(script->file_calls, 5 * 4);
-    // A file that cannot be read may be the administrator's.
-    const std::wstring forced = here.folder.write(L"administrator.ps4a", "{"),
-                       good = here.folder.write(L"good.ps4", "\xEF\xBB\xBF{\"PSComment\": []}");
-    const std::tuple<DWORD, std::wstring, std::wstring> blamed[] = {
-        {101, good, forced}, {101, L"", forced}, {101, rubbish, L""}, {100, good, L""}};
-    for (const auto& [code, file, culprit] : blamed)
-        EXPECT_EQ(job::administrator_file_to_blame({code, IDS_BAD_SETTING_FILE, {}}, file), culprit) << code;
 }
 
 TEST_F(JobTest, WithoutTheDialogLibraryThereIsNoJob) {
