@@ -1,8 +1,5 @@
-#include "UI_dll/cpsui.h"
 #include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
-#include "lib/devmode.h"
-#include "print_settings/display.h"
 #include "support/trace_switch.h"
 
 TEST(Trace, RecordsNameThreadFileAndLineAndAreCut) {
@@ -133,32 +130,15 @@ TEST(ThreadProp, ThreadsDoNotMeetInTheStore) {
     Thread threads[] = {Thread(work), Thread(work), Thread(work), Thread(work)};
 }
 
-TEST(Trace, FunctionsSayThatTheyAreEntered) {
+TEST(Trace, RefusalsOfTheRegistryAreTold) {
+    constexpr LSTATUS kRefused = ERROR_ACCESS_DENIED;
     const Installation here;
-    const Corvanta::Vantrix::PrintSettings::PrintSettings settings;
-    DWORD size = 0;
-    const std::wstring folder = here.folder.file(L"out");
-    const struct {
-        std::wstring record;
-        std::function<void()> call;
-        const char* refused = "";  // a function of the registry
-    } rows[] = {
-        {L"resource_library_path", [] { (void)qk::resource_library_path(true); }},
-        {L"ConvertDevmodeOut", [&] { ConvertDevmodeOut(nullptr, nullptr, nullptr); }},
-        {L"CommonDrvConvertDevmode", [&] { (void)CommonDrvConvertDevmode(nullptr, nullptr, &size, 1); }},
-        {L"NSETCallBack", [] { NSETCallBack(nullptr); }},
-        {folder, [&] { ForceDirectories(folder); }},
-        {L"GetAppDataPath", [] { (void)GetAppDataPath(false); }},
-        {L"DiffStr", [&] { (void)settings.general().DiffStr(settings.general()); }},
-        {L"Types2Str", [&] { (void)Types2Str(settings); }},
-        {L"err:RegOpenKeyExW 2 zr none", [] { (void)qk::registry::open(HKEY_CURRENT_USER, L"zr none"); }},
-        {L"err:RegCreateKeyExW 5 zr none",
-         [] { (void)qk::registry::create(HKEY_CURRENT_USER, L"zr none", KEY_READ); }, "RegCreateKeyExW"},
-        {L"err:SetSettingFileName 5", [] { SetSettingFileName(L"x.ps4", L"printer"); }, "RegSetValueExW"}};
-    for (const auto& [record, call, refused] : rows) {
-        const ImportPatch patch(refused, always<LSTATUS{ERROR_ACCESS_DENIED}>());
-        const TraceCapture trace;
-        call();
-        EXPECT_TRUE(trace.holds(record)) << qk::to_utf8(record);
-    }
+    const TraceCapture trace;
+    EXPECT_FALSE(qk::registry::open(HKEY_CURRENT_USER, L"zr none"));
+    const ImportPatch value("RegSetValueExW", always<kRefused>());
+    SetSettingFileName(L"x.ps4", L"printer");
+    const ImportPatch key("RegCreateKeyExW", always<kRefused>());
+    EXPECT_FALSE(qk::registry::create(HKEY_CURRENT_USER, L"zr none", KEY_READ));
+    EXPECT_TRUE(trace.holds(L"err:RegOpenKeyExW 2 zr none") && trace.holds(L"err:SetSettingFileName 5") &&
+                trace.holds(L"err:RegCreateKeyExW 5 zr none"));
 }

@@ -1,5 +1,4 @@
 #include "UI_dll/PDFSettings/setting_list.h"
-#include "print_settings/json.h"
 
 namespace {
 
@@ -27,17 +26,6 @@ std::string chunked(const std::string& chunks, char version = 3, char last_of_ma
     return head + chunks;
 }
 
-// Whether loading gets past the JSON, so that only what it says can be wrong.
-bool is_object(std::string_view text) {
-    try {
-        picojson::value document;
-        return text.size() <= ps::kMostFileBytes - 3 && ps::json::try_parse(text, document) &&
-               document.is<picojson::object>();
-    } catch (const std::overflow_error&) {
-        return false;
-    }
-}
-
 }  // namespace
 
 TEST(BadSetting, TextThatIsNoSettingIsUnreadable) {
@@ -62,7 +50,7 @@ TEST(BadSetting, TextThatIsNoSettingIsUnreadable) {
     const auto load = [&](const std::string& text, bool loads, bool loads_on_top) {
         SCOPED_TRACE(text.substr(0, 100));
         const std::wstring name = qk::format(L"CustomSettings\\%d.ps4", ++files);
-        EXPECT_EQ(ps::ReadName(here.folder.write(name, kMark + text)).has_value(), is_object(text));
+        EXPECT_TRUE(ps::ReadName(here.folder.write(name, kMark + text)) || !loads_on_top);
         EXPECT_EQ(ps::PrintSettings().LoadPS4(text, false), loads ? ps::kLoaded : ps::kUnreadable);
         EXPECT_EQ(ps::PrintSettings().LoadPS4(text, true), loads_on_top ? ps::kLoaded : ps::kUnreadable);
     };
