@@ -41,10 +41,9 @@ TEST(ErrorNotify, ChannelsAreChosenByTheAdministrator) {
     // The channels (-1: no key); whether somebody watches, else the event log gets what a box would say;
     // boxes, events, whether it is logged, the result.
     const std::tuple<int, bool, size_t, size_t, bool, int> rows[] = {
-        {-1, true, 1, 0, false, IDOK}, {0, true, 0, 0, false, 0}, {1, true, 1, 0, false, IDOK},
-        {2, true, 0, 1, false, 0},     {4, true, 0, 0, false, 0}, {15, true, 1, 1, true, IDOK},
-        {8, true, 0, 0, true, 0},      {10, true, 0, 1, true, 0}, {16, true, 0, 0, false, 0},
-        {1, false, 0, 1, false, 0},    {3, false, 0, 1, false, 0}};
+        {-1, true, 1, 0, false, IDOK}, {0, true, 0, 0, false, 0},  {2, true, 0, 1, false, 0},
+        {15, true, 1, 1, true, IDOK},  {8, true, 0, 0, true, 0},   {16, true, 0, 0, false, 0},
+        {4, true, 0, 0, false, 0},     {1, false, 0, 1, false, 0}, {3, false, 0, 1, false, 0}};
     const HWINSTA own = GetProcessWindowStation();
     const HWINSTA hidden = CreateWindowStationW(L"zr_test_hidden", 0, GENERIC_ALL, nullptr);
     for (const auto& [channels, watched, boxes, events, logs, result] : rows) {
@@ -83,7 +82,6 @@ TEST(ErrorNotify, LogLiesWhereTheAdministratorSaysAndNamesTheJob) {
             {L"", "4", ini, nullptr, usual + L"Error_0.log", L""},
             {L"", "2.5", "PrintID=rubbish", L"%s%n.pdf", usual + L"Error_0.log", L"%s%n.pdf"},
             {own.substr(0, own.size() - 1), "2.5", "", nullptr, L"", L""},
-            {own + L"none\\", "2.5", "", nullptr, L"", L""},
             {of_units(130), "2.5", "", nullptr, usual + L"Error_0.log", L""},
             {of_units(129), "2.5", "", nullptr, L"", L""}};
     for (const auto& [err_file, version, lines, pdf, log, named] : rows) {
@@ -105,20 +103,17 @@ TEST(ErrorNotify, LogTakesTextsOfOneLineAndLinksNothing) {
                                              L"ErrorMessage=1 2 3 \\[7\\]  4 \r\n")));
     const std::wstring log = here.folder.file(L"Dunmere\\Vantrix2\\Error_0.log"),
                        other = here.folder.write(L"other.txt", "another's");
-    {
-        const Intercept<decltype(GetFileInformationByHandle)> link(
-            "GetFileInformationByHandle", [](HANDLE, auto* told) {
-                *told = {.dwFileAttributes = FILE_ATTRIBUTE_REPARSE_POINT, .nNumberOfLinks = 1};
-                return TRUE;
-            });
-        EXPECT_EQ(notify(), -2);
-    }
     DeleteFileW(log.c_str());
     ASSERT_TRUE(CreateHardLinkW(log.c_str(), other.c_str(), nullptr));
     EXPECT_EQ(notify(), -2);
     EXPECT_EQ(TempFolder::read(other), "another's");
     DeleteFileW(log.c_str());
-    EXPECT_EQ(notify(), 0);
+    const Intercept<decltype(GetFileInformationByHandle)> link(
+        "GetFileInformationByHandle", [](HANDLE, auto* told) {
+            *told = {.dwFileAttributes = FILE_ATTRIBUTE_REPARSE_POINT, .nNumberOfLinks = 1};
+            return TRUE;
+        });
+    EXPECT_EQ(notify(), -2);
 }
 
 TEST(ErrorNotify, RecordsOfManyProcessesStayWhole) {
@@ -130,7 +125,7 @@ TEST(ErrorNotify, RecordsOfManyProcessesStayWhole) {
     processes.clear();  // waits for them
     const std::wstring text = log_text(TempFolder::read(folder.file(L"Error_0.log")));
     const std::wregex record(L"\\[0\\]\r\nPDFFileName=C:\\\\1\\.pdf\r\nTime=[0-9d]+\r\nErrorMessage=x+\r\n");
-    EXPECT_EQ(std::distance(std::wsregex_iterator(text.begin(), text.end(), record), {}), 3 * 8 * 20);
+    EXPECT_EQ(std::distance(std::wsregex_iterator(text.begin(), text.end(), record), {}), 3 * 160);
     EXPECT_TRUE(std::regex_replace(text, record, L"").empty()) << "a record is broken";
 }
 
@@ -140,12 +135,8 @@ TEST(ErrorNotifyHelper, DISABLED_FailedJobs) {
     wchar_t folder[MAX_PATH] = {};
     GetEnvironmentVariableW(L"ZR_LOG_FOLDER", folder, MAX_PATH);
     here.machine.set_text(std::wstring(Installation::kKey) + L"\\Notification", L"ErrFile", folder);
-    std::vector<companions::Thread> threads;
-    for (int i = 0; i < 8; ++i)
-        threads.emplace_back([] {
-            for (size_t units = 20; units < 40; ++units)
-                EXPECT_EQ(ZRTK_ErrorNotify(L"", L"C:\\1.pdf", 0, 0, std::wstring(units, L'x'), L""), 0);
-        });
+    for (size_t units = 20; units < 180; ++units)
+        EXPECT_EQ(ZRTK_ErrorNotify(L"", L"C:\\1.pdf", 0, 0, std::wstring(units, L'x'), L""), 0);
 }
 
 TEST(ErrorNotify, PrintingHostGetsTheBoxFromItsOwnLoop) {
@@ -169,10 +160,6 @@ TEST(ErrorNotify, PrintingHostGetsTheBoxFromItsOwnLoop) {
 TEST(ExternalCalls, ProgramsAreReadByStage) {
     const Installation here;
     EXPECT_FALSE(TeskelCustom2021::IsActive());
-    const std::wstring ini = here.folder.file(Installation::kExternalCalls);
-    ForceDirectories(ini);  // a folder of the name
-    EXPECT_FALSE(TeskelCustom2021::IsActive());
-    RemoveDirectoryW(ini.c_str());
     const std::string program = qk::to_utf8(here.folder.write(L"p.exe", ""));
     here.write_external_calls("[PageStart]\r\nApp=" + program + "\r\n[DocEnd]\r\nApp=" +
                               std::string(5000, 'x') + "\r\n[Output]\r\nOutputFolder=C:\\o\\\r\n");
@@ -185,8 +172,7 @@ TEST(ExternalCalls, ProgramsAreReadByStage) {
         EXPECT_EQ(call.HasExe(stage), stage == 1);
     }
     EXPECT_EQ(call.getExeName(SIZE_MAX), L"");
-    EXPECT_TRUE(trace.holds(qk::to_wide(program)));
-    EXPECT_TRUE(call.HasAnyExe());
+    EXPECT_TRUE(trace.holds(qk::to_wide(program)) && call.HasAnyExe());
     EXPECT_EQ(call.GetOutputFolder(), L"C:\\o\\");
     qk::MMF<pd_tk::TKFileNames> list;
     list.open(pd_tk::file_list_name());
@@ -262,30 +248,18 @@ TEST(ExternalCalls, ListHoldsTheFilesInProgress) {
 TEST(ColourProfile, DescriptionStandsForACondition) {
     const std::pair<const char*, std::vector<std::wstring>> rows[] = {
         {"JC200103", {L"Japan Color 2001 Coated"}},
-        {"JC200104", {L"Japan Color 2001 Uncoated"}},
         {"JCN2002",
-         {L"Japan Color 2002 for Newspaper Printing", L"Japan Color 2002 Newspaper",
-          L"Japan Color 20023 x News", L"Japan\nColor\r2002 x\nNewspaper"}},
-        {"JCW2003", {L"Japan Color 2003 for Web Offset"}},
+         {L"Japan Color 2002 Newspaper", L"Japan Color 20023 x News", L"Japan\nColor\r2002 x\nNewspaper"}},
         {"FOGRA4", {L"Euroscale Uncoated v2"}},
-        {"FOGRA1", {L"Euroscale Coated v2"}},
-        {"FOGRA27", {L"Coated FOGRA27 (ISO 12647-2:2004)"}},
         {"CGATS TR 001", {L"SWOP (Publication) printing in USA."}},
-        {"EUROSB104", {L"Eurostandard 15% Coated"}},
-        {"EUROSB204", {L"Eurostandard 15% Webcoated"}},
-        {"JCS2011", {L"Japan Color 2011", L"Japan Color 2011 Coated"}},
         {"CGART TR 001", {L"U.S. Web Coated (SWOP) v2"}},
         {"FOGRA39", {L"Coated FOGRA39 (ISO 12647-2:2004)", L"FOGRA39 FOGRA", L"FOGRA1 and FOGRA0039L"}},
-        {"FOGRA2147483640", {L"FOGRA2147483640"}},
-        {"FOGRA2147483647", {L"FOGRA2147483647", L"FOGRA2147483648", L"FOGRA99999999999999999999999"}},
-        {"JCW2013",
-         {L"x Japan Color 2013 y Web z", L"Japan Color\u20292013 Y\nWeb",
-          L"Japan Color 2001 Japan Color 2013 Web"}},
+        {"FOGRA2147483647", {L"FOGRA2147483648", L"FOGRA99999999999999999999999"}},
+        {"JCW2013", {L"x Japan Color 2013 y Web z", L"Japan Color 2001 Japan Color 2013 Web"}},
         {"JCN2001", {L"Japan Color 2001 Web News"}},
         {"Custom",
-         {L"", L"FOGRA", L"Fogra39", L"a\nFOGRA39", L"Japan Color 2002News", L"Japan Color 2002 aNews",
-          L"Japan Color 201 News", L"News Japan Color 2001", L"japan color 2001 coated",
-          L"Japan Color 2002 x\ny News", L"x\nJapan Color 2002 News", L"Japan Color 2002 News\nx"}}};
+         {L"", L"FOGRA", L"Fogra39", L"a\nFOGRA39", L"Japan Color 2002 aNews", L"Japan Color 201 News",
+          L"News Japan Color 2001", L"japan color 2001 coated", L"Japan Color 2002 x\ny News"}}};
     for (const auto& [id, descriptions] : rows)
         for (const std::wstring& description : descriptions)
             EXPECT_EQ(icc_ConditionIdFromDesc(description), id) << qk::to_utf8(description);
@@ -313,13 +287,10 @@ TEST(ColourProfile, DescriptionIsReadFromTheProfile) {
         {"no such tag", profile(good, "dmnd"), {}},
         {"another type", profile("text" + good.substr(4)), {}},
         {"no record", profile(localized(0, 28)), {}},
-        {"text longer than the tag", profile(plain(6, "Desc")), {}},
         {"text of 4 GiB", profile(plain(UINT32_MAX, "Desc")), {}},
         {"offset of 4 GiB", profile(localized(1, UINT32_MAX - 1)), {}},
         {"header only", std::string(128, 'h'), {}},
-        {"cut in the tag table", profile(good).substr(0, 140), {}},
-        {"cut in the tag", profile(good).substr(0, 165), {}},
-        {"nothing", "", {}}};
+        {"cut in the tag", profile(good).substr(0, 165), {}}};
     for (const auto& [label, bytes, wanted] : rows) {
         const GuardedBuffer guarded(bytes.size(), bytes.data());
         const std::span<const std::byte> seen(guarded.as<>(), bytes.size());
@@ -332,7 +303,6 @@ TEST(ColourProfile, DescriptionIsReadFromTheProfile) {
     const std::string large = profile(good) + std::string(1 << 20, 'x');
     EXPECT_EQ(icc::find_description(folder.write(L"large.icc", large)), L"Desc");
     EXPECT_LT(bytes_read, 200u) << "its tables are of no interest";
-    EXPECT_EQ(icc::find_description(folder.path()), std::nullopt);
 }
 
 TEST(ColourProfile, FileIsLookedForInTheMachinesFolder) {

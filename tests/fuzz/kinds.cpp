@@ -7,7 +7,9 @@
 #include "common/job_records.h"
 #include "common/qk/override_ini.h"
 #include "common/teskel_custom_2021.h"
+#include "companions/host/options.h"
 #include "companions/host/setting_check.h"
+#include "companions/render/arguments.h"
 #include "lib/devmode.h"
 #include "print_settings/PSAdmin.h"
 #include "print_settings/legacy_reader.h"
@@ -191,6 +193,17 @@ bool feed_ini(const World& world, std::string_view bytes) {
     return ini.valid();
 }
 
+// The words of a command line, a bar between them, as the host program and the renderer read them.
+bool feed_options(std::string_view bytes) {
+    std::wstring line = qk::to_wide(bytes);
+    std::vector<const wchar_t*> words = {line.c_str()};
+    for (wchar_t& unit : line)
+        if (unit == L'|')
+            unit = L'\0', words.push_back(&unit + 1);
+    const bool renders = companions::render::parse_arguments(words).fault.empty();
+    return host::parse_options(words).fault.empty() || renders;
+}
+
 }  // namespace
 
 std::vector<Kind> make_kinds() {
@@ -227,6 +240,10 @@ std::vector<Kind> make_kinds() {
           "1\r\n"
           "[DocEnd]\r\nApp=C:\\windows\\notepad.exe\r\n[Output]\r\nOutputFolder=C:\\start\\\r\n"},
          [&](auto bytes) { return feed_ini(world, bytes); }},
+        {"options",
+         {"print|--trace|5|--output|C:\\x.pdf|--abort-after-page|2|a b.txt", "check|a.ps4|--json|--|--b",
+          "--thread|0x10|--printer|P|--spool|/s|--notify|7:0x10000:9999"},
+         &feed_options},
     };
 }
 

@@ -16,9 +16,6 @@ struct Left {
     DWORD error;
     bool operator==(const Left&) const = default;
 };
-inline void PrintTo(const Left& left, std::ostream* out) {
-    *out << left.result << ", last error " << left.error;
-}
 
 inline constexpr Left kGood = {DOCUMENTEVENT_SUCCESS, ERROR_SUCCESS};
 

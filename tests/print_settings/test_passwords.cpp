@@ -2,7 +2,6 @@
 #include "companions/host/report_parts.h"
 #include "companions/host/setting_check.h"
 #include "print_settings/display.h"
-#include "print_settings/json.h"
 
 namespace {
 
@@ -44,25 +43,15 @@ ps::PrintSettings secret_setting() {
     return settings;
 }
 
-// Calls `visit` with every member of the document, however deep, which it may change.
-void for_each_key(picojson::value& document, const std::function<void(picojson::value& member)>& visit) {
-    if (document.is<picojson::object>())
-        for (auto& [key, member] : document.get<picojson::object>()) {
-            visit(member);
-            for_each_key(member, visit);
-        }
-}
-
 }  // namespace
 
-// Each key of a setting in turn has another value, perhaps of another type, and then is broken.
+// Each key of a setting in turn is broken, and has a value of another type.
 TEST(Passwords, NoTraceAndNoReportShowsThem) {
     const TempFolder folder;
     const std::wstring whole = folder.file(L"whole.ps4");
     ASSERT_TRUE(secret_setting().Save(whole));
-    const std::string text = TempFolder::read(whole).substr(3);
-    picojson::value document;
-    ASSERT_TRUE(ps::json::try_parse(text, document));
+    std::string text = TempFolder::read(whole).substr(3);
+    std::erase(text, '\n');  // in one line, so that all that follows a fault stands with it
     size_t keys = 0, shown = 0;
     const TraceCapture trace;
     const auto look = [&](const std::wstring& line) { shown += line.find(password()) != std::wstring::npos; };
@@ -81,16 +70,10 @@ TEST(Passwords, NoTraceAndNoReportShowsThem) {
             static_cast<void>(ps::ReadName(path));
         }
     };
-    for_each_key(document, [&](picojson::value& member) {
-        keys += !member.is<picojson::object>() || member.get<picojson::object>().empty();
-        const picojson::value before = std::exchange(member, picojson::value("another"));
-        try_setting(document.serialize());
-        member = before;
-    });
-    EXPECT_EQ(keys, 118u);
-    const std::string line = document.serialize();  // in one, so that all that follows a fault stands with it
-    for (size_t at = line.find("\":"); at != std::string::npos; at = line.find("\":", at + 1))
-        try_setting(line.substr(0, at + 1) + line.substr(at + 2));
+    for (size_t at = text.find("\":"); at != std::string::npos; at = text.find("\":", at + 1), ++keys)
+        for (const char* instead : {"\"", "\":\"another\",\"more\":"})
+            try_setting(text.substr(0, at) + instead + text.substr(at + 2));
+    EXPECT_GT(keys, 118u);  // sections have theirs, too
     for (const std::wstring& record : trace.records())
         look(record);
     EXPECT_EQ(shown, 0u);

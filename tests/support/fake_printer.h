@@ -24,7 +24,6 @@ public:
     std::vector<std::byte> devmode;   // the printer's own; none when empty
     int failing_forms_call = 0;       // 1: the size query succeeds oddly, 2: the second call fails
     std::atomic<DWORD> grows_by = 0;  // PRINTER_INFO_2W is larger (or, wrapped, smaller) at the second call
-    bool fails_to_tell = false;       // PRINTER_INFO_2W has a size, but cannot be read
     std::function<void()> while_telling;
     std::atomic<int> get_calls = 0, forms_calls = 0, open_calls = 0, open_handles = 0;
     bool forms_buffer_was_clear = true;
@@ -62,8 +61,6 @@ private:
             self_->while_telling();
         if (printer != handle())
             return fail(ERROR_INVALID_HANDLE);
-        if (buffer && self_->fails_to_tell)
-            return fail(ERROR_NOT_READY);
         const size_t record = level == 4 ? sizeof(PRINTER_INFO_4W) : sizeof(PRINTER_INFO_2W);
         const size_t name_bytes = (self_->name.size() + 1) * sizeof(wchar_t), own = self_->devmode.size();
         *needed = static_cast<DWORD>(record + own + name_bytes) + (buffer ? self_->grows_by.load() : 0);

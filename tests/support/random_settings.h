@@ -7,8 +7,6 @@
 #include "print_settings/field_tables.h"
 #include "support/prelude.h"
 
-namespace random_settings {
-
 namespace ps = Corvanta::Vantrix::PrintSettings;
 
 class RandomSettings {
@@ -89,7 +87,3 @@ private:
 
     std::mt19937 engine_;
 };
-
-}  // namespace random_settings
-
-using random_settings::RandomSettings;
