@@ -236,13 +236,10 @@ TEST(ExternalCalls, ListHoldsTheFilesInProgress) {
         for (size_t i = 0; i < free_entries - 3; ++i)
             more.push_back(std::make_unique<TeskelCustom2021>(L"m", L"C:\\zr_m.pdf"));
         EXPECT_EQ(count(L""), 0u);
-        const wchar_t full[] = L"pd_tk::TeskelCustom2021: the list is full";
-        EXPECT_FALSE(trace.holds(full));
         const TeskelCustom2021 one_too_many(L"x", L"C:\\zr_x.pdf");
-        EXPECT_TRUE(trace.holds(full));
+        EXPECT_EQ(trace.count(L"pd_tk::TeskelCustom2021: the list is full"), 1u);
     }
     EXPECT_EQ(count(L""), free_entries);
-    EXPECT_EQ(trace.count(L"delete"), free_entries + 2) << "one replaced, one that was not in the list";
 }
 
 TEST(ColourProfile, DescriptionStandsForACondition) {
@@ -256,7 +253,6 @@ TEST(ColourProfile, DescriptionStandsForACondition) {
         {"FOGRA39", {L"Coated FOGRA39 (ISO 12647-2:2004)", L"FOGRA39 FOGRA", L"FOGRA1 and FOGRA0039L"}},
         {"FOGRA2147483647", {L"FOGRA2147483648", L"FOGRA99999999999999999999999"}},
         {"JCW2013", {L"x Japan Color 2013 y Web z", L"Japan Color 2001 Japan Color 2013 Web"}},
-        {"JCN2001", {L"Japan Color 2001 Web News"}},
         {"Custom",
          {L"", L"FOGRA", L"Fogra39", L"a\nFOGRA39", L"Japan Color 2002 aNews", L"Japan Color 201 News",
           L"News Japan Color 2001", L"japan color 2001 coated", L"Japan Color 2002 x\ny News"}}};

@@ -43,9 +43,9 @@ inline std::wstring block_name(const wchar_t* pattern) {
 template <class T>
 class OtherSide {
 public:
-    explicit OtherSide(const std::wstring& name, DWORD create = 0, DWORD kind = SEC_COMMIT,
-                       HANDLE file = INVALID_HANDLE_VALUE)
-        : mapping_(create ? CreateFileMappingW(file, nullptr, PAGE_READWRITE | kind, 0, create, name.c_str())
+    explicit OtherSide(const std::wstring& name, DWORD create = 0, DWORD kind = SEC_COMMIT)
+        : mapping_(create ? CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | kind, 0,
+                                               create, name.c_str())
                           : OpenFileMappingW(FILE_MAP_WRITE, FALSE, name.c_str())),
           view_(mapping_ ? MapViewOfFile(mapping_.get(), FILE_MAP_WRITE, 0, 0, 0) : nullptr) {}
 

@@ -2,7 +2,7 @@
 #include "job/job_fixture.h"
 
 #include "common/qk/module.h"
-#include "job/document_event.h"
+#include "common/teskel_custom_2021.h"
 
 TEST_F(JobTest, EventsWithoutWorkSucceedAndAreTraced) {
     const std::map<int, std::wstring> told = {

@@ -34,7 +34,6 @@ TEST(BadSetting, TextThatIsNoSettingIsUnreadable) {
         // unreadable, loaded
         {"PSComment", {"null", "{}", "[1]", R"([["1", "a"]])", "[[1, 2]]"}, {"[]"}},
         {"General", {"1", R"({"Scale": NaN})", R"({"Scale": 1e999})", R"({"Scale": 1.2.3})"}, {}},
-        {"Compression", {R"({"Mono": []})"}, {}},
         {"Font", {R"({"Fonts": "a"})", R"({"Fonts": ["a", 1]})"}, {}},
         {"Addition",
          {"null", R"({"Int": {"a": "1"}})", R"({"Str": []})", R"({"Bool_Array": {"a": [1]}})"},

@@ -15,11 +15,8 @@ TEST(PrintSettingsModel, CopiesShareNothing) {
 
 TEST(PrintSettingsModel, NotificationNumberIsItsTwoHalves) {
     ps::Notification_V6 v6;
-    for (const uint64_t id : {0ull, 1ull, 0xFFFFFFFFull, 1ull << 32, ~0ull, 0x80000000FFFFFFFEull}) {
-        v6->set_ID(id);
-        EXPECT_EQ(v6->ID(), id);
-    }
-    EXPECT_TRUE(v6->ID_High == INT32_MIN && v6->ID_Low == -2);
+    v6->set_ID(0x80000000FFFFFFFE);
+    EXPECT_TRUE(v6->ID() == 0x80000000FFFFFFFE && v6->ID_High == INT32_MIN && v6->ID_Low == -2);
 }
 
 TEST(PrintSettingsModel, VersionCodesNameTheirPdfVersion) {

@@ -98,7 +98,6 @@ TEST(Ps4Read, SingleValuesFollowTheirRules) {
         {"PSComment",
          {{R"([[1, "a"], [1, "b"], [2], [-3.9, "c", 0], [-3.9, "d"]])", R"([[-3,"d"],[1,"b"]])"}}},
         // A key given twice: the last one counts, whole.
-        {"General/Scale", {{R"(50, "Scale": 60)", "60"}}},
         {"Compression/Color",
          {{R"({"JpegQuality": 1}, "Color": {"CompressionMethod": 1})",
            R"({"CompressionMethod":1,"DownSamplingMethod":2,"JpegQuality":95,"ResolutionTarget":150,"ResolutionThreshold":225})"}}}};
