@@ -74,6 +74,19 @@ TEST(Trace, LevelComesFromTheSwitch) {
     EXPECT_EQ(read(), 0u);
 }
 
+TEST(Trace, NeedsNoMemory) {
+    const TraceCapture trace;
+    static wchar_t record[1000];
+    static bool asked;
+    asked = false;
+    const ImportPatch output("OutputDebugStringW", [](const wchar_t* text) { wcscpy(record, text); });
+    {
+        const ImportPatch memory("malloc", [](size_t) -> void* { return asked = true, nullptr; });
+        TRACE_F(L"more than any text %s", L"holds in itself");
+    }
+    EXPECT_TRUE(!asked && wcsstr(record, L"more than any text holds in itself"));
+}
+
 TEST(ThreadProp, EntriesQueueUpPerThreadAndKey) {
     const auto get = [](std::wstring_view key) {
         ULONG_PTR value = 99;
