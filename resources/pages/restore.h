@@ -1,4 +1,5 @@
-// Identifiers of the edit sheet's button for the default values, and of the box that asks which pages are meant.
+// Identifiers of the edit sheet's button for the default values, and of the box that asks which pages are
+// meant.
 #define IDD_RESTORE 2900
 
 #define IDC_RESTORE 2901
