@@ -1,6 +1,7 @@
 #include "bench/job.h"
 
 #include <windows.h>
+#include <sddl.h>
 #include <winspool.h>
 
 #include <array>
@@ -56,12 +57,24 @@ void read_file(const wchar_t* path) {
     CloseHandle(file);  // lint: owner
 }
 
-// A block of shared memory, zeroed, as a record of a job.
+// A block of shared memory, zeroed, as a record of a job: everybody may open it, at a low integrity, too.
 class Block {
 public:
-    Block(const wchar_t* name, DWORD size)
-        : mapping_(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, size, name)),
-          view_(MapViewOfFile(mapping_, FILE_MAP_READ | FILE_MAP_WRITE, 0, 0, size)) {
+    Block(const wchar_t* name, DWORD size) {
+        SECURITY_DESCRIPTOR everybody;
+        InitializeSecurityDescriptor(&everybody, SECURITY_DESCRIPTOR_REVISION);
+        SetSecurityDescriptorDacl(&everybody, TRUE, nullptr, FALSE);
+        PSECURITY_DESCRIPTOR low = nullptr;
+        ConvertStringSecurityDescriptorToSecurityDescriptorW(L"S:(ML;;NW;;;LW)", SDDL_REVISION_1, &low, nullptr);
+        BOOL present = FALSE;
+        BOOL defaulted = FALSE;
+        PACL label = nullptr;
+        GetSecurityDescriptorSacl(low, &present, &label, &defaulted);
+        SetSecurityDescriptorSacl(&everybody, present, label, FALSE);
+        SECURITY_ATTRIBUTES attributes = {sizeof attributes, &everybody, TRUE};
+        mapping_ = CreateFileMappingW(INVALID_HANDLE_VALUE, &attributes, PAGE_READWRITE, 0, size, name);
+        LocalFree(low);  // lint: owner
+        view_ = MapViewOfFile(mapping_, FILE_MAP_READ | FILE_MAP_WRITE, 0, 0, size);
         ZeroMemory(view_, size);
     }
     ~Block() {
@@ -72,8 +85,8 @@ public:
     Block& operator=(const Block&) = delete;
 
 private:
-    HANDLE mapping_;
-    void* view_;
+    HANDLE mapping_ = nullptr;
+    void* view_ = nullptr;
 };
 
 // Every look-up in the order in which the events of a job demand them, each once, by the system's calls
@@ -122,12 +135,16 @@ private:
 
     static void forget_process_setting() {
         DWORD size = 0;
+        HKEY user = nullptr;
         HKEY key = nullptr;
-        if (RegOpenKeyExW(HKEY_CURRENT_USER, kRoot, 0, KEY_WRITE | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS)
-            return;
-        GetPrinterW(nullptr, 4, nullptr, 0, &size);
-        RegDeleteValueW(key, L"settingfile_for_process_");
-        RegCloseKey(key);
+        if (RegOpenCurrentUser(KEY_READ | KEY_WRITE, &user) != ERROR_SUCCESS)
+            user = HKEY_CURRENT_USER;
+        if (RegOpenKeyExW(user, kRoot, 0, KEY_WRITE | KEY_WOW64_64KEY, &key) == ERROR_SUCCESS) {
+            GetPrinterW(nullptr, 4, nullptr, 0, &size);
+            RegDeleteValueW(key, L"settingfile_for_process_");
+            RegCloseKey(key);
+        }
+        RegCloseKey(user);
     }
 
     std::wstring library_, administrator_, setting_, ini_, external_ini_;

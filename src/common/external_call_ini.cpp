@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <shlobj.h>
-
 #include <vector>
 
 #include "common/qk/paths.h"
@@ -17,11 +15,9 @@ constexpr DWORD kValueUnits = 4096;
 }  // namespace
 
 ExternalCallIni::ExternalCallIni() {
-    // The folder as it is by default, not where the user may have moved it to: the programs that run the
-    // external programs look there.
-    wchar_t roaming[MAX_PATH] = {};
-    if (SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_DEFAULT, roaming)) && *roaming)
-        path_ = roaming + std::wstring(L"\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini");
+    // Not where the user may have moved it to: the programs that run the external programs look there.
+    if (const std::wstring roaming = qk::default_roaming_folder(); !roaming.empty())
+        path_ = roaming + L"\\Corvanta\\Vantrix\\8.0\\externalCallSetting.ini";
 }
 
 bool ExternalCallIni::exists() const noexcept {

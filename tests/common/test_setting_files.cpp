@@ -96,7 +96,8 @@ TEST(DriverRegistry, WhatIsToldOfAnotherUserIsNotKept) {
         for (const std::wstring answer : {L"C:\\one", L"C:\\two", L""}) {
             told = answer;
             for (const std::wstring& seen :
-                 {qk::roaming_folder(), qk::common_documents_folder(), user_name()})
+                 {qk::roaming_folder(), qk::default_roaming_folder(), qk::common_documents_folder(),
+                  user_name()})
                 EXPECT_EQ(seen, answer);
         }
         EXPECT_EQ(qk::shared_documents_folder() + qk::OverrideIni().path() + GetAppDataPath(true), L"");

@@ -79,17 +79,17 @@ std::wstring machine_install_folder() {
 
 namespace {
 
-OwnUsersText common_documents, roaming;
+OwnUsersText common_documents, roaming, default_roaming;
 
 std::wstring shell_common_documents() {
     wchar_t buffer[MAX_PATH + 1] = {};
     return SHGetSpecialFolderPathW(nullptr, buffer, CSIDL_COMMON_DOCUMENTS, FALSE) ? buffer : L"";
 }
 
+template <SHGFP_TYPE type>
 std::wstring shell_roaming_folder() {
     wchar_t buffer[MAX_PATH] = {};
-    return SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, buffer)) ? buffer
-                                                                                                    : L"";
+    return SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, type, buffer)) ? buffer : L"";
 }
 
 std::wstring known_folder(const GUID& id) {
@@ -115,7 +115,11 @@ std::wstring common_documents_folder() {
 }
 
 std::wstring roaming_folder() {
-    return roaming.get(shell_roaming_folder);
+    return roaming.get(shell_roaming_folder<SHGFP_TYPE_CURRENT>);
+}
+
+std::wstring default_roaming_folder() {
+    return default_roaming.get(shell_roaming_folder<SHGFP_TYPE_DEFAULT>);
 }
 
 std::wstring local_low_folder() {

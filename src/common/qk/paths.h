@@ -42,6 +42,9 @@ namespace qk {
 // The user's roaming application data without a trailing backslash; empty when there is none.
 [[nodiscard]] std::wstring roaming_folder();
 
+// The same as it is before the user moves it.
+[[nodiscard]] std::wstring default_roaming_folder();
+
 // The user's folder for programs of low integrity, without a trailing backslash; empty when there is none.
 [[nodiscard]] std::wstring local_low_folder();
 
