@@ -42,8 +42,9 @@ protected:
     using Scene = std::function<std::string()>;  // plays; what it has brought about
 
     // Plays a scene again and again, each time with another of its calls failing: in a random order, those of
-    // functions that are seldom called first, and for a while only unless ZR_FAULTS is set.
-    void fail_each_call(const Scene& scene) {
+    // functions that are seldom called first, and for a while only unless ZR_FAULTS is set. Without a failure
+    // it brings about `sound`, among others.
+    void fail_each_call(std::string_view sound, const Scene& scene) {
         ASSERT_TRUE(module);
         ModuleCalls calls(module.get());
         EXPECT_EQ(calls.unknown(), std::vector<std::string>()) << "can they fail?";
@@ -74,6 +75,7 @@ protected:
             return calls.noted().size() >= number;
         };
         std::string before = state();
+        ASSERT_NE(before.find(sound), std::string::npos) << before;
         const ULONGLONG end = all ? ULLONG_MAX : GetTickCount64() + 15'000;
         while (done < numbers.size() && GetTickCount64() < end) {
             const auto batch = std::span(numbers).subspan(done, std::min(numbers.size() - done, kBatch));
@@ -152,7 +154,7 @@ TEST_F(Faults, OfAJob) {
                (!list || !*list->names[0]);
     };
     const std::wstring logs = here.folder.file(L"Dunmere\\Vantrix2\\Error_");
-    fail_each_call([&] {
+    fail_each_call("logged", [&] {
         for (const wchar_t* old : {L"7.log", L"0.log"})  // the second when the ini file could not be read
             DeleteFileW((logs + old).c_str());
         Outbox::boxes.clear(), Outbox::events.clear(), Outbox::posted.clear();
@@ -183,7 +185,7 @@ TEST_F(Faults, OfQueries) {
     auto* const ask = entry<decltype(DrvDeviceCapabilities)>("DrvDeviceCapabilities");
     auto* const merge = entry<decltype(DrvDocumentProperties)>("DrvDocumentProperties");
     auto* const convert = entry<decltype(DrvConvertDevMode)>("DrvConvertDevMode");
-    fail_each_call([&] {
+    fail_each_call("1", [&] {
         std::ostringstream left;
         for (WORD index = 0; index <= 34; ++index) {
             std::string buffer(1 << 14, '\0');
@@ -207,7 +209,7 @@ TEST_F(Faults, OfLoading) {
     const auto tell = [&](DWORD reason) {
         return main(reinterpret_cast<HINSTANCE>(module.get()), reason, nullptr);
     };
-    fail_each_call([&] {
+    fail_each_call("1", [&] {
         expect(tell(DLL_PROCESS_DETACH), "not detached");
         return std::to_string(tell(DLL_PROCESS_ATTACH));
     });
@@ -239,7 +241,8 @@ struct SheetFaults : Faults {
     std::string with_sheet(const Scene& act) {
         info.UserData = 0;
         added = {};
-        const std::string left = send(sheets, info, PROPSHEETUI_REASON_INIT) + act();
+        std::string left = send(sheets, info, PROPSHEETUI_REASON_INIT);
+        left += act();  // not before the sheet is there
         send(sheets, info, PROPSHEETUI_REASON_DESTROY);
         return left;
     }
@@ -289,7 +292,7 @@ struct SheetFaults : Faults {
 
 TEST_F(SheetFaults, OfASheet) {
     auto* const device_sheets = entry<LONG APIENTRY(PROPSHEETUI_INFO*, LPARAM)>("DrvDevicePropertySheets");
-    fail_each_call([&] {
+    fail_each_call(R"("Vantrix 8")", [&] {
         output = {};
         return with_sheet([&] {
             PROPSHEETUI_INFO_HEADER shown = {};
@@ -308,7 +311,7 @@ TEST_F(SheetFaults, OfASheet) {
 }
 
 TEST_F(SheetFaults, OfTheListPage) {
-    fail_each_call([&] {
+    fail_each_call(R"(1 "beta")", [&] {
         return with_list([](HWND page) {
             press(page, IDC_SETTINGS_DELETE);
             const PSHNOTIFY apply = {{GetParent(page), 0, static_cast<UINT>(PSN_APPLY)}, TRUE};
@@ -337,7 +340,8 @@ void CALLBACK drive_edit_sheet(HWND, UINT, UINT_PTR, DWORD) {
 
 TEST_F(SheetFaults, OfSavingInTheEditSheet) {
     const UINT_PTR timer = SetTimer(nullptr, 0, 10, &drive_edit_sheet);
-    fail_each_call([&] { return with_list([](HWND page) { press(page, IDC_SETTINGS_EDIT); }); });
+    fail_each_call(R"("gamma")",
+                   [&] { return with_list([](HWND page) { press(page, IDC_SETTINGS_EDIT); }); });
     KillTimer(nullptr, timer);
 }
 
