@@ -6,6 +6,14 @@
 
 namespace pdf_settings {
 
+namespace {
+
+// The window property that holds the procedure which one of ours has replaced: other state may go before the
+// window does.
+constexpr wchar_t kProcedureBefore[] = L"ZR_UI80.ProcedureBefore";
+
+}  // namespace
+
 std::wstring window_text(HWND window) {
     const int length = GetWindowTextLengthW(window);
     if (length <= 0)
@@ -64,6 +72,27 @@ RECT window_place(HWND window, HWND parent) noexcept {
     GetWindowRect(window, &place);
     MapWindowPoints(HWND_DESKTOP, parent, reinterpret_cast<POINT*>(&place), 2);
     return place;
+}
+
+void replace_procedure(HWND window, WNDPROC procedure) noexcept {
+    const LONG_PTR before = window ? GetWindowLongPtrW(window, GWLP_WNDPROC) : 0;
+    if (before && !GetPropW(window, kProcedureBefore) &&
+        SetPropW(window, kProcedureBefore, reinterpret_cast<HANDLE>(before)))
+        SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
+}
+
+LRESULT call_replaced(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    const auto before = reinterpret_cast<WNDPROC>(GetPropW(window, kProcedureBefore));
+    if (message == WM_NCDESTROY)
+        RemovePropW(window, kProcedureBefore);
+    return before ? CallWindowProcW(before, window, message, wparam, lparam)
+                  : DefWindowProcW(window, message, wparam, lparam);
+}
+
+void restore_procedure(HWND window, WNDPROC procedure) noexcept {
+    if (GetWindowLongPtrW(window, GWLP_WNDPROC) == reinterpret_cast<LONG_PTR>(procedure))
+        SetWindowLongPtrW(window, GWLP_WNDPROC,
+                          reinterpret_cast<LONG_PTR>(RemovePropW(window, kProcedureBefore)));
 }
 
 RedrawOff::RedrawOff(HWND window) noexcept : window_(window) {

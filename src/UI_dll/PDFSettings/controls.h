@@ -35,6 +35,21 @@ void set_cue(HWND page, int control, const std::wstring& text);
 // Where a window lies in its parent, in pixels.
 [[nodiscard]] RECT window_place(HWND window, HWND parent) noexcept;
 
+// --- A procedure of ours in the place of a window's own: one for each window, on the window's thread ---
+
+// Puts `procedure` there and remembers the former one; ours passes on by call_replaced() what it does not
+// answer itself, WM_NCDESTROY for one. Nothing happens when `window` is null, when it has one of ours
+// already, or when the former one cannot be kept.
+void replace_procedure(HWND window, WNDPROC procedure) noexcept;
+
+// The answer of the former procedure; the system's, where that one has been given back. With WM_NCDESTROY it
+// is forgotten.
+LRESULT call_replaced(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+
+// Gives the former one back, unless somebody else has replaced `procedure` since: theirs leads to ours, which
+// stays and from then on only passes on.
+void restore_procedure(HWND window, WNDPROC procedure) noexcept;
+
 // While it lives the window does not draw; it is drawn anew at the end.
 class RedrawOff {
 public:

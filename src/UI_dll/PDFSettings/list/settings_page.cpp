@@ -36,12 +36,8 @@ constexpr UINT kMovedDelay = 100;  // milliseconds
 
 // --- The sheet around the page ---
 
-// The window property of the sheet that holds its own procedure: other state may go before the window does.
-constexpr wchar_t kProcedureBefore[] = L"ZR_UI80.SheetProcedure";
-
 // Moving the sheet to another screen may change its DPI; while it moves only the last place counts.
 LRESULT on_sheet_message(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
-    const auto before = reinterpret_cast<WNDPROC>(GetPropW(sheet, kProcedureBefore));
     if (message == WM_MOVE || message == WM_DPICHANGED) {
         KillTimer(sheet, kMovedTimer);
         SetTimer(sheet, kMovedTimer, kMovedDelay, nullptr);
@@ -49,11 +45,8 @@ LRESULT on_sheet_message(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam)
         KillTimer(sheet, kMovedTimer);
         if (const DialogOfPage dialog(list_page_in(sheet)); dialog)
             dlg_init_dpi_PDFSettings(dialog_state().list.page);
-    } else if (message == WM_NCDESTROY) {
-        RemovePropW(sheet, kProcedureBefore);
     }
-    return before ? CallWindowProcW(before, sheet, message, wparam, lparam)
-                  : DefWindowProcW(sheet, message, wparam, lparam);
+    return call_replaced(sheet, message, wparam, lparam);
 }
 
 LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -62,20 +55,14 @@ LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM
 
 void watch_sheet(HWND sheet) noexcept {
     dialog_state().list.sheet = sheet;
-    const LONG_PTR before = GetWindowLongPtrW(sheet, GWLP_WNDPROC);
-    if (!GetPropW(sheet, kProcedureBefore) &&
-        SetPropW(sheet, kProcedureBefore, reinterpret_cast<HANDLE>(before)))
-        SetWindowLongPtrW(sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&sheet_procedure));
+    replace_procedure(sheet, &sheet_procedure);
     SetWindowLongPtrW(sheet, GWL_EXSTYLE,
                       GetWindowLongPtrW(sheet, GWL_EXSTYLE) & ~static_cast<LONG_PTR>(WS_EX_CONTEXTHELP));
 }
 
-// Somebody else may have replaced the procedure since; theirs leads to ours, which then only passes on.
 void leave_sheet(HWND sheet) noexcept {
     KillTimer(sheet, kMovedTimer);
-    if (GetWindowLongPtrW(sheet, GWLP_WNDPROC) == reinterpret_cast<LONG_PTR>(&sheet_procedure))
-        SetWindowLongPtrW(sheet, GWLP_WNDPROC,
-                          reinterpret_cast<LONG_PTR>(RemovePropW(sheet, kProcedureBefore)));
+    restore_procedure(sheet, &sheet_procedure);
 }
 
 // --- Opening and closing ---
