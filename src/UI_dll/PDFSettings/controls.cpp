@@ -46,12 +46,19 @@ void set_shown(HWND page, int control, bool shown) noexcept {
         ShowWindow(window, shown ? SW_SHOWNA : SW_HIDE);
 }
 
+void set_text(HWND page, int control, const std::wstring& text, size_t limit) {
+    SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, limit, 0);
+    SetDlgItemTextW(page, control, text.c_str());
+}
+
+LRESULT add_item(HWND page, int control, const std::wstring& text) {
+    return SendDlgItemMessageW(page, control, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
 void fill_list(HWND page, int control, UINT first, UINT count) {
     SendDlgItemMessageW(page, control, CB_RESETCONTENT, 0, 0);
-    for (UINT id = first; id < first + count; ++id) {
-        const std::wstring text = dialog_text(id);
-        SendDlgItemMessageW(page, control, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
-    }
+    for (UINT id = first; id < first + count; ++id)
+        add_item(page, control, dialog_text(id));
 }
 
 int selected(HWND page, int control, int otherwise) noexcept {

@@ -17,11 +17,17 @@ void set_checked(HWND page, int control, bool checked) noexcept;
 void enable(HWND page, int control, bool enabled) noexcept;
 void set_shown(HWND page, int control, bool shown) noexcept;
 
+// Shows a text in an edit, into which no more than `limit` units of UTF-16 can be typed.
+void set_text(HWND page, int control, const std::wstring& text, size_t limit);
+
 template <size_t Count>
 void enable(HWND page, const std::array<int, Count>& controls, bool enabled) noexcept {
     for (const int control : controls)
         enable(page, control, enabled);
 }
+
+// Adds a text at the end of a combo box; its position.
+LRESULT add_item(HWND page, int control, const std::wstring& text);
 
 // Fills a combo box anew with the string resources `first` .. `first + count - 1`.
 void fill_list(HWND page, int control, UINT first, UINT count);
