@@ -72,8 +72,7 @@ bool is_landscape(std::string_view head) noexcept {
     const size_t end = std::min(head.find("\n%%EndComments"), head.size());
     const std::string_view comments = head.substr(0, end);
     // A spool that the system has drawn once more from its own records says it of each page only.
-    const bool each_page =
-        !has(comments, "\n%%Orientation:") && has(comments, "\n%%Creator: Wine PostScript");
+    const bool each_page = !has(comments, "\n%%Orientation:") && has(comments, kWineCreator);
     return has(each_page ? head.substr(end) : comments,
                each_page ? "\n%%PageOrientation: Landscape" : "\n%%Orientation: Landscape");
 }

@@ -36,6 +36,9 @@ struct DocumentInfo {
 [[nodiscard]] std::string prologue(const DocumentInfo& info, bool landscape = false);
 [[nodiscard]] std::string epilogue(const DocumentInfo& info);
 
+// Wine's PostScript driver names itself so at the head of a document; from the end of the line before.
+inline constexpr std::string_view kWineCreator = "\n%%Creator: Wine PostScript Driver";
+
 // Whether the comments at the head of a spooled document say that its pages lie on their side.
 [[nodiscard]] bool is_landscape(std::string_view head) noexcept;
 

@@ -16,7 +16,6 @@ namespace companions::render {
 
 namespace {
 
-constexpr std::string_view kCreator = "\n%%Creator: Wine PostScript Driver";
 constexpr std::string_view kEndOfProlog = "%%EndProlog\n";
 constexpr std::string_view kGlyph = " glyphshow";
 constexpr std::string_view kMove = " moveto";
@@ -174,7 +173,7 @@ private:
 std::optional<std::string> mark_links(std::string_view document) {
     const std::string_view head = document.substr(0, document.find("\n%%EndComments"));
     const size_t prolog = document.find(kEndOfProlog);
-    if (prolog == std::string_view::npos || head.find(kCreator) == std::string_view::npos)
+    if (prolog == std::string_view::npos || head.find(kWineCreator) == std::string_view::npos)
         return std::nullopt;
     return Marker(document).mark(prolog + kEndOfProlog.size());
 }

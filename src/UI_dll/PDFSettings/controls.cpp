@@ -6,6 +6,14 @@
 
 namespace pdf_settings {
 
+namespace {
+
+// The window property that holds the procedure which one of ours has replaced: other state may go before the
+// window does.
+constexpr wchar_t kProcedureBefore[] = L"ZR_UI80.ProcedureBefore";
+
+}  // namespace
+
 std::wstring window_text(HWND window) {
     const int length = GetWindowTextLengthW(window);
     if (length <= 0)
@@ -38,12 +46,19 @@ void set_shown(HWND page, int control, bool shown) noexcept {
         ShowWindow(window, shown ? SW_SHOWNA : SW_HIDE);
 }
 
+void set_text(HWND page, int control, const std::wstring& text, size_t limit) {
+    SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, limit, 0);
+    SetDlgItemTextW(page, control, text.c_str());
+}
+
+LRESULT add_item(HWND page, int control, const std::wstring& text) {
+    return SendDlgItemMessageW(page, control, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
 void fill_list(HWND page, int control, UINT first, UINT count) {
     SendDlgItemMessageW(page, control, CB_RESETCONTENT, 0, 0);
-    for (UINT id = first; id < first + count; ++id) {
-        const std::wstring text = dialog_text(id);
-        SendDlgItemMessageW(page, control, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
-    }
+    for (UINT id = first; id < first + count; ++id)
+        add_item(page, control, dialog_text(id));
 }
 
 int selected(HWND page, int control, int otherwise) noexcept {
@@ -64,6 +79,27 @@ RECT window_place(HWND window, HWND parent) noexcept {
     GetWindowRect(window, &place);
     MapWindowPoints(HWND_DESKTOP, parent, reinterpret_cast<POINT*>(&place), 2);
     return place;
+}
+
+void replace_procedure(HWND window, WNDPROC procedure) noexcept {
+    const LONG_PTR before = window ? GetWindowLongPtrW(window, GWLP_WNDPROC) : 0;
+    if (before && !GetPropW(window, kProcedureBefore) &&
+        SetPropW(window, kProcedureBefore, reinterpret_cast<HANDLE>(before)))
+        SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
+}
+
+LRESULT call_replaced(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    const auto before = reinterpret_cast<WNDPROC>(GetPropW(window, kProcedureBefore));
+    if (message == WM_NCDESTROY)
+        RemovePropW(window, kProcedureBefore);
+    return before ? CallWindowProcW(before, window, message, wparam, lparam)
+                  : DefWindowProcW(window, message, wparam, lparam);
+}
+
+void restore_procedure(HWND window, WNDPROC procedure) noexcept {
+    if (GetWindowLongPtrW(window, GWLP_WNDPROC) == reinterpret_cast<LONG_PTR>(procedure))
+        SetWindowLongPtrW(window, GWLP_WNDPROC,
+                          reinterpret_cast<LONG_PTR>(RemovePropW(window, kProcedureBefore)));
 }
 
 RedrawOff::RedrawOff(HWND window) noexcept : window_(window) {

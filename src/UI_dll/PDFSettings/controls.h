@@ -17,11 +17,17 @@ void set_checked(HWND page, int control, bool checked) noexcept;
 void enable(HWND page, int control, bool enabled) noexcept;
 void set_shown(HWND page, int control, bool shown) noexcept;
 
+// Shows a text in an edit, into which no more than `limit` units of UTF-16 can be typed.
+void set_text(HWND page, int control, const std::wstring& text, size_t limit);
+
 template <size_t Count>
 void enable(HWND page, const std::array<int, Count>& controls, bool enabled) noexcept {
     for (const int control : controls)
         enable(page, control, enabled);
 }
+
+// Adds a text at the end of a combo box; its position.
+LRESULT add_item(HWND page, int control, const std::wstring& text);
 
 // Fills a combo box anew with the string resources `first` .. `first + count - 1`.
 void fill_list(HWND page, int control, UINT first, UINT count);
@@ -34,6 +40,21 @@ void set_cue(HWND page, int control, const std::wstring& text);
 
 // Where a window lies in its parent, in pixels.
 [[nodiscard]] RECT window_place(HWND window, HWND parent) noexcept;
+
+// --- A procedure of ours in the place of a window's own: one for each window, on the window's thread ---
+
+// Puts `procedure` there and remembers the former one; ours passes on by call_replaced() what it does not
+// answer itself, WM_NCDESTROY for one. Nothing happens when `window` is null, when it has one of ours
+// already, or when the former one cannot be kept.
+void replace_procedure(HWND window, WNDPROC procedure) noexcept;
+
+// The answer of the former procedure; the system's, where that one has been given back. With WM_NCDESTROY it
+// is forgotten.
+LRESULT call_replaced(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+
+// Gives the former one back, unless somebody else has replaced `procedure` since: theirs leads to ours, which
+// stays and from then on only passes on.
+void restore_procedure(HWND window, WNDPROC procedure) noexcept;
 
 // While it lives the window does not draw; it is drawn anew at the end.
 class RedrawOff {

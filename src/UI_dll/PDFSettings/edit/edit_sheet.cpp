@@ -40,9 +40,6 @@ bool is_new_sheet() {
 
 // --- The check button and help ---
 
-// The window property of the sheet that holds its own procedure.
-constexpr wchar_t kProcedureBefore[] = L"ZR_UI80.EditSheetProcedure";
-
 std::vector<Finding> find_faults() {
     struct Collecting {
         std::vector<Finding> findings;
@@ -103,9 +100,10 @@ Operation* operation_of(WORD button) noexcept {
     }
 }
 
+// Of a click on the check button the system would apply the pages one by one, and stop at the first that is
+// not valid.
 LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
     return qk::guarded<LRESULT>(0, [&]() -> LRESULT {
-        const auto before = reinterpret_cast<WNDPROC>(GetPropW(sheet, kProcedureBefore));
         auto operation =
             message == WM_COMMAND && HIWORD(wparam) == BN_CLICKED ? operation_of(LOWORD(wparam)) : nullptr;
         if (message == WM_HELP)  // F1 comes up here from every control
@@ -117,19 +115,8 @@ LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM
             });
             return message == WM_HELP;
         }
-        if (message == WM_NCDESTROY)
-            RemovePropW(sheet, kProcedureBefore);
-        return before ? CallWindowProcW(before, sheet, message, wparam, lparam)
-                      : DefWindowProcW(sheet, message, wparam, lparam);
+        return call_replaced(sheet, message, wparam, lparam);
     });
-}
-
-// Of a click on the check button the system would apply the pages one by one, and stop at the first that is
-// not valid.
-void replace_procedure(HWND sheet) noexcept {
-    const LONG_PTR before = GetWindowLongPtrW(sheet, GWLP_WNDPROC);
-    if (SetPropW(sheet, kProcedureBefore, reinterpret_cast<HANDLE>(before)))
-        SetWindowLongPtrW(sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&sheet_procedure));
 }
 
 // PSP_PREMATURE asks for every page at once: OK applies, and pages read, what others show. Where the system
@@ -158,7 +145,7 @@ int CALLBACK sheet_callback(HWND sheet, UINT message, LPARAM) {
             set_up_check_button(sheet);
             add_buttons(sheet);
         }
-        replace_procedure(sheet);
+        replace_procedure(sheet, &sheet_procedure);
         add_tooltips(sheet);
         return 0;
     });

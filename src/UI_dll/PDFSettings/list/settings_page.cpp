@@ -4,25 +4,25 @@
 #include <prsht.h>
 #include <shellapi.h>
 
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "UI_dll/PDFSettings/controls.h"
+#include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/PDFSettings/help.h"
 #include "UI_dll/PDFSettings/list/dpi.h"
-#include "UI_dll/PDFSettings/list/edit_dialog.h"
+#include "UI_dll/PDFSettings/list/list_actions.h"
 #include "UI_dll/PDFSettings/list/setting_rows.h"
 #include "UI_dll/PDFSettings/list/transfer.h"
 #include "UI_dll/PDFSettings/messages.h"
-#include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/pages/font_states.h"
 #include "UI_dll/PDFSettings/preview/view_box.h"
 #include "UI_dll/sheet_thread.h"
 #include "common/qk/guard.h"
-#include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "common/rwPDFSet_functions.h"
-#include "common/threadprop.h"
 #include "resources/ids.h"
 
 namespace pdf_settings {
@@ -30,18 +30,13 @@ namespace pdf_settings {
 namespace {
 
 constexpr UINT kBuildFontStates = WM_APP + 32;
-constexpr UINT kRename = WM_APP + 33;  // a row's text was edited
 constexpr UINT_PTR kMovedTimer = 1234;
 constexpr UINT kMovedDelay = 100;  // milliseconds
 
 // --- The sheet around the page ---
 
-// The window property of the sheet that holds its own procedure: other state may go before the window does.
-constexpr wchar_t kProcedureBefore[] = L"ZR_UI80.SheetProcedure";
-
 // Moving the sheet to another screen may change its DPI; while it moves only the last place counts.
 LRESULT on_sheet_message(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
-    const auto before = reinterpret_cast<WNDPROC>(GetPropW(sheet, kProcedureBefore));
     if (message == WM_MOVE || message == WM_DPICHANGED) {
         KillTimer(sheet, kMovedTimer);
         SetTimer(sheet, kMovedTimer, kMovedDelay, nullptr);
@@ -49,11 +44,8 @@ LRESULT on_sheet_message(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam)
         KillTimer(sheet, kMovedTimer);
         if (const DialogOfPage dialog(list_page_in(sheet)); dialog)
             dlg_init_dpi_PDFSettings(dialog_state().list.page);
-    } else if (message == WM_NCDESTROY) {
-        RemovePropW(sheet, kProcedureBefore);
     }
-    return before ? CallWindowProcW(before, sheet, message, wparam, lparam)
-                  : DefWindowProcW(sheet, message, wparam, lparam);
+    return call_replaced(sheet, message, wparam, lparam);
 }
 
 LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -62,20 +54,14 @@ LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM
 
 void watch_sheet(HWND sheet) noexcept {
     dialog_state().list.sheet = sheet;
-    const LONG_PTR before = GetWindowLongPtrW(sheet, GWLP_WNDPROC);
-    if (!GetPropW(sheet, kProcedureBefore) &&
-        SetPropW(sheet, kProcedureBefore, reinterpret_cast<HANDLE>(before)))
-        SetWindowLongPtrW(sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&sheet_procedure));
+    replace_procedure(sheet, &sheet_procedure);
     SetWindowLongPtrW(sheet, GWL_EXSTYLE,
                       GetWindowLongPtrW(sheet, GWL_EXSTYLE) & ~static_cast<LONG_PTR>(WS_EX_CONTEXTHELP));
 }
 
-// Somebody else may have replaced the procedure since; theirs leads to ours, which then only passes on.
 void leave_sheet(HWND sheet) noexcept {
     KillTimer(sheet, kMovedTimer);
-    if (GetWindowLongPtrW(sheet, GWLP_WNDPROC) == reinterpret_cast<LONG_PTR>(&sheet_procedure))
-        SetWindowLongPtrW(sheet, GWLP_WNDPROC,
-                          reinterpret_cast<LONG_PTR>(RemovePropW(sheet, kProcedureBefore)));
+    restore_procedure(sheet, &sheet_procedure);
 }
 
 // --- Opening and closing ---
@@ -108,127 +94,6 @@ void close_page(HWND page) {
     close_dialog_state(page);
 }
 
-// --- What the user does ---
-
-void delete_selected(HWND page) {
-    TRACE("IDC_DLG_P_PB_DELETE");
-    const std::wstring path = selected_path(page);
-    const int row = selected_row(page);
-    if (row < 0 || !IsCurrentItemEditable(page) || !qk::is_file(path))
-        return;
-    auto held = Corvanta::Vantrix::PrintSettings::ReadName(path);
-    if (!held || held->empty())
-        held = selected_entry(page)->name;  // as its row says
-    const std::wstring name(qk::cut(*held, kNameUnits));
-    constexpr size_t kQuestionUnits = 519;
-    const std::wstring text = qk::format(dialog_text(IDS_CONFIRM_DELETE).c_str(), name.c_str(), path.c_str());
-    if (show_message(page, std::wstring(qk::cut(text, kQuestionUnits)), IDS_REFUSED,
-                     MB_YESNO | MB_ICONQUESTION) == IDYES &&
-        DeleteFileW(path.c_str()))
-        remove_row(page, row);
-}
-
-void edit_selected(HWND page) {
-    (void)selected_path(page);  // where none is selected that is the remembered row, from here on
-    const SettingEntry* entry = selected_entry(page);
-    DoEditDialog(page, !IsCurrentItemEditable(page) || !entry->is_readable, true);
-}
-
-// A name that was typed last is given before anything else is done with the list: the message that asks for
-// it would come in the middle of the next question or sheet.
-void rename_pending(HWND page) {
-    ListPageState& state = dialog_state().list;
-    if (!state.renamed_path.empty())
-        rename_setting(page, std::exchange(state.renamed_path, {}), std::exchange(state.new_name, {}));
-}
-
-bool on_command(HWND page, int control) {
-    rename_pending(page);
-    switch (control) {
-        case IDC_SETTINGS_NEW:
-            DoEditDialog(page, true);
-            return true;
-        case IDC_SETTINGS_EDIT:
-            edit_selected(page);
-            return true;
-        case IDC_SETTINGS_COPY:
-            DoEditDialog(page, true, true);
-            return true;
-        case IDC_SETTINGS_DELETE:
-            delete_selected(page);
-            return true;
-        case IDC_SETTINGS_IMPORT:
-            import_asked(page);
-            return true;
-        case IDC_SETTINGS_EXPORT:
-            export_selected(page);
-            return true;
-        case IDC_SETTINGS_HELP:
-            show_help(page, kListChapter);
-            return true;
-        default:
-            return false;
-    }
-}
-
-// Keys on the list. The buttons' own rules hold: what a grey one would do is not done.
-void on_key(HWND page, WORD key) {
-    const bool control = GetKeyState(VK_CONTROL) < 0;
-    const bool alt = GetKeyState(VK_MENU) < 0;
-    if (alt)
-        return;
-    if (control) {
-        const int button = key == L'N' ? IDC_SETTINGS_NEW : key == L'D' ? IDC_SETTINGS_COPY : 0;
-        if (button && IsWindowEnabled(GetDlgItem(page, button)))
-            on_command(page, button);
-    } else if (key == VK_DELETE) {
-        delete_selected(page);
-    } else if (key == VK_F2) {
-        begin_rename(page);
-    }
-}
-
-LONG_PTR on_label(HWND page, const NMLVDISPINFOW& info) {
-    ListPageState& state = dialog_state().list;
-    if (info.hdr.code == LVN_BEGINLABELEDITW)  // not by a second click, which is half a double-click
-        return state.may_rename ? FALSE : TRUE;
-    const SettingEntry* entry = selected_entry(page);
-    if (info.item.pszText && entry) {
-        // The list may not be filled again before this notification is over.
-        state.renamed_path = entry->path;
-        state.new_name = info.item.pszText;
-        PostMessageW(page, kRename, 0, 0);
-    }
-    return FALSE;  // the row gets its text with the refill
-}
-
-bool on_list(HWND page, const NMHDR& header) {
-    switch (header.code) {
-        case LVN_ITEMCHANGED:
-            if (!dialog_state().list.filling &&
-                reinterpret_cast<const NMLISTVIEW&>(header).uNewState == (LVIS_SELECTED | LVIS_FOCUSED)) {
-                show_selected(page);
-                SendMessageW(GetParent(page), PSM_CHANGED, reinterpret_cast<WPARAM>(page), 0);
-            }
-            return true;
-        case NM_DBLCLK:
-        case NM_RDBLCLK:
-            rename_pending(page);
-            edit_selected(page);
-            return true;
-        case LVN_KEYDOWN:
-            on_key(page, reinterpret_cast<const NMLVKEYDOWN&>(header).wVKey);
-            return true;
-        case LVN_BEGINLABELEDITW:
-        case LVN_ENDLABELEDITW:
-            SetWindowLongPtrW(page, DWLP_MSGRESULT,
-                              on_label(page, reinterpret_cast<const NMLVDISPINFOW&>(header)));
-            return true;
-        default:
-            return false;
-    }
-}
-
 // --- The end of the sheet ---
 
 void take_choice(HWND page) {
@@ -252,7 +117,7 @@ bool dlg_notify_PDFSettings(HWND page, const NMHDR& header) {
     if (header.code != NM_CUSTOMDRAW)  // of which there are many
         TRACE("dlg_notify_PDFSettings");
     if (header.idFrom == IDC_SETTINGS_LIST && header.hwndFrom == GetDlgItem(page, IDC_SETTINGS_LIST))
-        return on_list(page, header);
+        return on_list_notification(page, header);
     LONG_PTR answer = PSNRET_NOERROR;
     switch (header.code) {
         case PSN_APPLY:
@@ -283,7 +148,7 @@ INT_PTR handle(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
             dlg_init_PDFSettings(page);
             return TRUE;
         case WM_COMMAND:
-            return on_command(page, LOWORD(wparam));
+            return on_list_command(page, LOWORD(wparam));
         case WM_NOTIFY:
             return dlg_notify_PDFSettings(page, *reinterpret_cast<const NMHDR*>(lparam));
         case WM_DRAWITEM:

@@ -93,8 +93,7 @@ struct Text {
     std::wstring Section::*member;
 
     void load(HWND page, const Section& section) const {
-        SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, ps::field_of(member).units, 0);
-        SetDlgItemTextW(page, control, (section.*member).c_str());
+        set_text(page, control, section.*member, ps::field_of(member).units);
     }
     void store(HWND page, Section& section) const {
         if (is_touched(page, control))

@@ -17,8 +17,6 @@ namespace {
 
 using Section = Corvanta::Vantrix::PrintSettings::Font_impl;
 
-// The codes of PDF/A and PDF/X, which leave no choice.
-
 struct FontHelper final : PageHelper {
     std::vector<std::wstring> found;   // the installed fonts that the search leaves
     std::vector<std::wstring> listed;  // as the page shows them
@@ -216,32 +214,20 @@ void go_to_found(HWND page) {
 }
 
 // The key is the field's own while it has the focus: the sheet would take it for OK.
-constexpr wchar_t kFindBefore[] = L"ZR_UI80.FindProcedure";
-
 LRESULT CALLBACK find_procedure(HWND edit, UINT message, WPARAM wparam, LPARAM lparam) {
     return qk::guarded<LRESULT>(0, [&]() -> LRESULT {
-        const auto before = reinterpret_cast<WNDPROC>(GetPropW(edit, kFindBefore));
-        if (message == WM_NCDESTROY)
-            RemovePropW(edit, kFindBefore);
         if (message == WM_CHAR && wparam == VK_RETURN)
             return 0;
         if (message == WM_KEYDOWN && wparam == VK_RETURN) {
             go_to_found(GetParent(edit));
             return 0;
         }
-        const LRESULT result = before ? CallWindowProcW(before, edit, message, wparam, lparam)
-                                      : DefWindowProcW(edit, message, wparam, lparam);
+        const LRESULT result = call_replaced(edit, message, wparam, lparam);
         const auto* key = reinterpret_cast<const MSG*>(lparam);
         const bool is_enter =
             message == WM_GETDLGCODE && key && key->message == WM_KEYDOWN && key->wParam == VK_RETURN;
         return is_enter ? result | DLGC_WANTMESSAGE : result;
     });
-}
-
-void take_enter(HWND edit) noexcept {
-    const LONG_PTR before = edit ? GetWindowLongPtrW(edit, GWLP_WNDPROC) : 0;
-    if (before && SetPropW(edit, kFindBefore, reinterpret_cast<HANDLE>(before)))
-        SetWindowLongPtrW(edit, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&find_procedure));
 }
 
 INT_PTR on_message(HWND page, UINT message, WPARAM /*wparam*/, LPARAM lparam) {
@@ -277,7 +263,7 @@ void dlg_init_Font(HWND page) {
     set_up_list(page, IDC_FONT_INSTALLED);
     set_up_list(page, IDC_FONT_LISTED);
     SendDlgItemMessageW(page, IDC_FONT_FIND, EM_SETLIMITTEXT, LF_FACESIZE - 1, 0);
-    take_enter(GetDlgItem(page, IDC_FONT_FIND));
+    replace_procedure(GetDlgItem(page, IDC_FONT_FIND), &find_procedure);
     set_cue(page, IDC_FONT_FIND, dialog_text(IDS_CUE_ALL_FONTS));
     search(page);
     show_Font(page, edited_setting());

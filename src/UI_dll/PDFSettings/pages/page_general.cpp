@@ -1,16 +1,15 @@
 #include <algorithm>
+#include <array>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "UI_dll/PDFSettings/messages.h"
-#include "UI_dll/PDFSettings/pages/decimal_edit.h"
-#include "UI_dll/PDFSettings/pages/dlg_item.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
 #include "UI_dll/PDFSettings/pages/page.h"
 #include "UI_dll/PDFSettings/pages/page_general.h"
+#include "UI_dll/PDFSettings/pages/page_general_paper.h"
 #include "UI_dll/PDFSettings/pages/page_general_rules.h"
 #include "UI_dll/PDFSettings/pages/page_pdf_version.h"
 #include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
@@ -32,13 +31,10 @@ using Corvanta::Vantrix::PrintSettings::General_impl;
 
 constexpr size_t kMostNameUnits = 100;
 constexpr size_t kFolderUnits = 512;  // also the buffer of "GetBrowsePath"
-constexpr size_t kLengthUnits = 7;    // "3276.70"
-constexpr auto& kFormNameKey = Corvanta::Vantrix::PrintSettings::Addition_impl::kPaperName;
 
 struct GeneralHelper final : PageHelper {
     std::wstring name;  // of the setting, as the sheet opened
-    FormRecords forms;  // in list order; the items of the paper list point at them
-    std::shared_ptr<DlgRadioGroup> paper_type;
+    PaperState paper;
 };
 
 constexpr std::tuple kControls = {
@@ -51,22 +47,7 @@ constexpr std::tuple kControls = {
     Radios{std::array{IDC_PORTRAIT, IDC_LANDSCAPE}, &General_impl::PaperOrientation},
 };
 
-constexpr std::array kPaperTypes = {IDC_PAPER_FORM, IDC_PAPER_CUSTOM};
-constexpr std::array kLengths = {IDC_PAPER_WIDTH, IDC_PAPER_HEIGHT};
 constexpr std::array kFolderControls = {IDC_OUTPUT_FOLDER_LABEL, IDC_OUTPUT_FOLDER, IDC_BROWSE};
-constexpr std::array kFormControls = {IDC_PAPER_LIST_LABEL, IDC_PAPER_LIST, IDC_PORTRAIT, IDC_LANDSCAPE};
-constexpr std::array kCustomControls = {IDC_PAPER_WIDTH_LABEL,  IDC_PAPER_WIDTH,  IDC_PAPER_WIDTH_UNIT,
-                                        IDC_PAPER_HEIGHT_LABEL, IDC_PAPER_HEIGHT, IDC_PAPER_HEIGHT_UNIT,
-                                        IDC_PAPER_RANGE};
-
-void show_text(HWND page, int control, const std::wstring& text, size_t limit) {
-    SendDlgItemMessageW(page, control, EM_SETLIMITTEXT, limit, 0);
-    SetDlgItemTextW(page, control, text.c_str());
-}
-
-LRESULT add_item(HWND page, int control, const std::wstring& text) {
-    return SendDlgItemMessageW(page, control, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
-}
 
 bool saves_in_folder(HWND page) {
     return selected(page, IDC_SAVE_STYLE) == 1;
@@ -92,13 +73,8 @@ void show_name_now(HWND page) {
 void show_file_name(HWND page, const Setting& setting) {
     const auto& texts = setting.addition()->Str;
     const auto entry = texts.find(job::kFileNameKey);
-    show_text(page, IDC_FILE_NAME, entry != texts.end() ? entry->second : std::wstring(), job::kPatternUnits);
+    set_text(page, IDC_FILE_NAME, entry != texts.end() ? entry->second : std::wstring(), job::kPatternUnits);
     show_name_now(page);
-}
-
-void enable_paper(HWND page, bool custom) {
-    enable(page, kFormControls, !custom);
-    enable(page, kCustomControls, custom);
 }
 
 // --- Filling the controls ---
@@ -111,66 +87,23 @@ void show_resolution(HWND page, int32_t resolution) {
         SetDlgItemTextW(page, IDC_RESOLUTION, std::to_wstring(resolution).c_str());
 }
 
-// Earlier versions left a form without a visible name in the spooler's database.
-void delete_blank_form(HANDLE printer) noexcept {
-    wchar_t blank[] = L" ";
-    DeleteFormW(printer, blank);
-}
-
-void dlg_init_General_PaperCombo(HWND page) {
-    TRACE("dlg_init_General_PaperCombo");
-    ULONG_PTR printer = 0;
-    GetThreadProp(threadprop::kPrinter, printer);
-    auto& forms = page_helper<GeneralHelper>(kGeneralPage).forms;
-    const bool listed = ZRTK_EnumForms(reinterpret_cast<HANDLE>(printer), nullptr, forms) != 0;
-    delete_blank_form(reinterpret_cast<HANDLE>(printer));
-    if (!listed)
-        return;
-    forms.list = in_list_order(std::move(forms.list));
-    const RedrawOff redraw_off(GetDlgItem(page, IDC_PAPER_LIST));
-    SendDlgItemMessageW(page, IDC_PAPER_LIST, CB_RESETCONTENT, 0, 0);
-    for (const FormRecord& form : forms.list) {
-        const auto item = static_cast<WPARAM>(add_item(page, IDC_PAPER_LIST, form.name));
-        SendDlgItemMessageW(page, IDC_PAPER_LIST, CB_SETITEMDATA, item, reinterpret_cast<LPARAM>(&form));
-    }
-}
-
-void show_paper(HWND page, int32_t paper_number) {
-    const auto& forms = page_helper<GeneralHelper>(kGeneralPage).forms;
-    if (const auto position = find_list_position(forms.list, paper_number))
-        select(page, IDC_PAPER_LIST, static_cast<int>(*position));
-}
-
-void show_paper_type(HWND page, bool custom) {
-    auto& group = page_helper<GeneralHelper>(kGeneralPage).paper_type;
-    group = std::make_shared<DlgRadioGroup>();
-    for (const int control : kPaperTypes) {
-        const auto button = std::make_shared<DlgRadioButton>(page, control);
-        button->set_checked((control == IDC_PAPER_CUSTOM) == custom);
-        group->add(button);
-    }
-}
-
 void show_General(HWND page, const Setting& setting) {
     const General_impl& general = *setting.general();
     load_controls(page, general, kControls);
     select(page, IDC_SAVE_STYLE, general.SaveStyle ? 1 : 0);
     enable_folder(page);
     show_file_name(page, setting);
-    show_text(page, IDC_PAPER_WIDTH, length_text(general.PaperWidth), kLengthUnits);
-    show_text(page, IDC_PAPER_HEIGHT, length_text(general.PaperHeight), kLengthUnits);
     show_resolution(page, general.PaperResolution);
-    show_paper(page, general.PaperName);
-    show_text(page, IDC_SCALE, std::to_wstring(general.Scale), kScaleUnits);
-    show_paper_type(page, general.PaperType);
-    enable_paper(page, general.PaperType);
+    set_text(page, IDC_SCALE, std::to_wstring(general.Scale), kScaleUnits);
+    load_paper(page, general, page_helper<GeneralHelper>(kGeneralPage).paper);
 }
 
 void dlg_init_General(HWND page) {
     TRACE("dlg_init_General");
     const Setting& setting = edited_setting();
-    page_helper<GeneralHelper>(kGeneralPage).name = setting->PSName;
-    show_text(page, IDC_NAME, setting->PSName, kMostNameUnits);
+    auto& helper = page_helper<GeneralHelper>(kGeneralPage);
+    helper.name = setting->PSName;
+    set_text(page, IDC_NAME, setting->PSName, kMostNameUnits);
     // The first word is what an empty pattern stands for.
     constexpr size_t kMoreWords = std::wstring_view(job::kNameWords).find(L' ') + 1;
     set_cue(page, IDC_FILE_NAME,
@@ -178,40 +111,13 @@ void dlg_init_General(HWND page) {
     fill_list(page, IDC_SAVE_STYLE, IDS_SAVE_STYLE_ASK, 2);
     for (const int32_t resolution : kOfferedResolutions)
         add_item(page, IDC_RESOLUTION, std::to_wstring(resolution));
-    dlg_init_General_PaperCombo(page);
-    for (const int length : kLengths)
-        take_comma_as_point(GetDlgItem(page, length));
+    init_paper(page, helper.paper);
     show_General(page, setting);
     set_shown(page, IDC_UNUSED, false);
     set_checked(page, IDC_UNUSED, false);
 }
 
 // --- Commands ---
-
-const FormRecord* selected_form(HWND page) {
-    const int item = selected(page, IDC_PAPER_LIST, -1);
-    if (item < 0)
-        return nullptr;
-    return reinterpret_cast<const FormRecord*>(
-        SendDlgItemMessageW(page, IDC_PAPER_LIST, CB_GETITEMDATA, static_cast<WPARAM>(item), 0));
-}
-
-double millimetres(LONG thousandths) noexcept {
-    return thousandths / 1000.0;
-}
-
-void show_form_size(HWND page) {
-    const FormRecord* form = selected_form(page);
-    if (!form)
-        return;
-    const double width = millimetres(form->size.cx);
-    const double height = millimetres(form->size.cy);
-    TRACE_F(L"c=%d, DM=%d, w=%.2f, h =%.2f", selected(page, IDC_PAPER_LIST), int{form->paper_number}, width,
-            height);
-    // Limited as it will be stored: the check would refuse what the user cannot change.
-    SetDlgItemTextW(page, IDC_PAPER_WIDTH, length_text(paper_length(width)).c_str());
-    SetDlgItemTextW(page, IDC_PAPER_HEIGHT, length_text(paper_length(height)).c_str());
-}
 
 void browse(HWND page) {
     const qk::DLL library = LoadInstallDll(dialog_library::kFileName);
@@ -232,9 +138,8 @@ void command(HWND page, int control, int notification) {
             break;
         case IDC_PAPER_FORM:
         case IDC_PAPER_CUSTOM:
-            if (notification == BN_CLICKED &&
-                page_helper<GeneralHelper>(kGeneralPage).paper_type->command(control))
-                enable_paper(page, control == IDC_PAPER_CUSTOM);
+            if (notification == BN_CLICKED)
+                click_paper_type(page, control, page_helper<GeneralHelper>(kGeneralPage).paper);
             break;
         case IDC_SAVE_STYLE:
             enable_folder(page);
@@ -263,13 +168,6 @@ bool check_name(HWND page) {
     if (is_name_taken(name, is_new ? std::wstring() : dialog_state().file.path))
         return refuse(page, IDC_NAME, IDS_NAME_TAKEN);
     return true;
-}
-
-bool check_length(HWND page, int control, float current) {
-    if (find_paper_length(control_text(page, control)))
-        return true;
-    SetDlgItemTextW(page, control, length_text(current).c_str());
-    return refuse(page, control, IDS_BAD_PAPER_SIZE);
 }
 
 // A part of a path would be looked for below the folder that each program has by chance.
@@ -313,35 +211,11 @@ bool check_links(HWND page) {
 bool dlg_killactive_General(HWND page) {
     TRACE("dlg_killactive_General");
     const General_impl& general = *edited_setting().general();
-    return check_name(page) && check_length(page, IDC_PAPER_WIDTH, general.PaperWidth) &&
-           check_length(page, IDC_PAPER_HEIGHT, general.PaperHeight) && check_folder(page) &&
-           check_file_name(page) && check_resolution(page) && check_scale(page, general.Scale) &&
-           check_links(page);
+    return check_name(page) && check_paper(page, general) && check_folder(page) && check_file_name(page) &&
+           check_resolution(page) && check_scale(page, general.Scale) && check_links(page);
 }
 
 // --- Reading the controls ---
-
-float read_length(HWND page, int control, float loaded) {
-    if (!is_touched(page, control))
-        return loaded;
-    return paper_length(find_plain_number(control_text(page, control)).value_or(loaded));
-}
-
-// Adds the form's name to the setting, since form numbers differ between printers. Where it was missing only,
-// the loaded one gets it too: nobody has changed anything that would have to be confirmed and saved.
-void name_form(const FormRecord& form, bool is_new) {
-    auto& loaded = loaded_setting().addition()->Str;
-    auto& edited = edited_setting().addition()->Str;
-    if (loaded_setting().general()->PaperName == form.paper_number)
-        loaded.try_emplace(kFormNameKey, form.name);
-    const auto entry = loaded.find(kFormNameKey);
-    if (is_new)
-        edited[kFormNameKey] = form.name;
-    else if (entry != loaded.end())
-        edited[kFormNameKey] = entry->second;
-    else
-        edited.erase(kFormNameKey);
-}
 
 // A cleared pattern is none. Untouched, the text stays as it was loaded.
 void read_file_name(HWND page) {
@@ -357,27 +231,6 @@ void read_file_name(HWND page) {
     }
 }
 
-// The number of a form that this computer does not have, or has for another one, stays until a paper is
-// chosen.
-void read_paper(HWND page, General_impl& read) {
-    const bool custom = !is_checked(page, IDC_PAPER_FORM);
-    const bool is_other_type = is_touched(page, kPaperTypes);
-    const bool is_new = is_other_type || is_touched(page, IDC_PAPER_LIST);
-    const bool is_other_size = is_new || is_touched(page, kLengths);
-    const FormRecord* form = selected_form(page);
-    if (custom) {
-        read.PaperWidth = read_length(page, IDC_PAPER_WIDTH, read.PaperWidth);
-        read.PaperHeight = read_length(page, IDC_PAPER_HEIGHT, read.PaperHeight);
-    } else if (form && is_other_size) {
-        read.PaperWidth = paper_length(millimetres(form->size.cx));
-        read.PaperHeight = paper_length(millimetres(form->size.cy));
-    }
-    if (is_other_type)
-        read.PaperType = custom ? 1 : 0;
-    if (form && is_new)
-        read.PaperName = static_cast<int16_t>(form->paper_number);
-}
-
 General_impl read_section(HWND page) {
     General_impl read = *loaded_setting().general();
     store_controls(page, read, kControls);
@@ -388,7 +241,7 @@ General_impl read_section(HWND page) {
             find_resolution(control_text(page, IDC_RESOLUTION)).value_or(read.PaperResolution);
     if (const auto scale = find_scale(control_text(page, IDC_SCALE)); scale && is_touched(page, IDC_SCALE))
         read.Scale = static_cast<int32_t>(*scale);
-    read_paper(page, read);
+    store_paper(page, read);
     return read;
 }
 
@@ -396,10 +249,7 @@ void dlg_apply_General(HWND page) {
     TRACE("dlg_apply_General");
     Setting& setting = edited_setting();
     General_impl read = read_section(page);
-    if (const FormRecord* form = selected_form(page)) {
-        const bool chosen = is_touched(page, kPaperTypes) || is_touched(page, IDC_PAPER_LIST);
-        name_form(*form, chosen);
-    }
+    store_form_name(page);
     read_file_name(page);
     std::wstring name = is_touched(page, IDC_NAME) ? control_text(page, IDC_NAME)
                                                    : page_helper<GeneralHelper>(kGeneralPage).name;

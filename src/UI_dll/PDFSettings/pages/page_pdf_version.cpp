@@ -70,10 +70,8 @@ bool is_other_version(HWND page) {
 }
 
 void fill_versions(HWND page) {
-    for (const uint32_t code : kVersionOrder) {
-        const std::wstring text = dialog_text(IDS_PS_VERSION_0 + code);
-        SendDlgItemMessageW(page, IDC_PV_VERSION, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
-    }
+    for (const uint32_t code : kVersionOrder)
+        add_item(page, IDC_PV_VERSION, dialog_text(IDS_PS_VERSION_0 + code));
 }
 
 void show_version(HWND page, uint32_t version) {
