@@ -1,13 +1,9 @@
 #include <array>
-#include <set>
 
 #include "UI_dll/ddi.h"
 #include "lib/devmode.h"
 #include "support/capability_rows.h"
 #include "support/forbidden_calls.h"
-#include "support/guarded_buffer.h"
-#include "support/installation.h"
-#include "support/trace_capture.h"
 
 namespace {
 

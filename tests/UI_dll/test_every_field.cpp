@@ -1,12 +1,10 @@
 // Every field that the edit sheet edits: set on its page, saved, read by another instance, shown again.
 
-#include <set>
 #include <variant>
 
 #include "UI_dll/PDFSettings/pages/font_states.h"
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "print_settings/field_tables.h"
-#include "support/profile_folder.h"
 #include "support/sheet_driver.h"
 
 namespace {

@@ -1,11 +1,8 @@
 // One call fails: each function that the built module imports and that can fail, once at each of its calls. A
 // refused job says why, nothing leaks, and the next time all is as it was.
 
-#include <climits>
 #include <csignal>
 #include <cstdio>
-#include <random>
-#include <sstream>
 
 #include "common/qk/module.h"
 #include "common/rwPDFSet_functions.h"
@@ -13,7 +10,6 @@
 #include "job/job_fixture.h"
 #include "lib/devmode.h"
 #include "resources/ids.h"
-#include "support/handle_count.h"
 #include "support/module_calls.h"
 
 namespace {

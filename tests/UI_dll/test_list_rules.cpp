@@ -1,5 +1,4 @@
 #include "UI_dll/PDFSettings/list_rules.h"
-#include "support/prelude.h"
 
 using namespace pdf_settings;
 

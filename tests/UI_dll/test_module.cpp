@@ -3,11 +3,7 @@
 #include "UI_dll/ddi.h"
 #include "UI_dll/plotui.h"
 #include "common/qk/module.h"
-#include "companions/thread.h"
 #include "support/debug_output.h"
-#include "support/handle_count.h"
-#include "support/installation.h"
-#include "support/trace_capture.h"
 #include "support/trace_switch.h"
 
 namespace {

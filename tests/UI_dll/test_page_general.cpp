@@ -3,7 +3,6 @@
 #include "UI_dll/PDFSettings/pages/page_general_rules.h"
 #include "support/fake_tessalo.h"
 #include "support/sheet_driver.h"
-#include "support/trace_capture.h"
 
 namespace {
 
@@ -112,6 +111,7 @@ TEST_F(GeneralPage, BadInputKeepsThePageAndShowsWhatWasThere) {
         {7122, L" ", 1423, L" ", L"Taken"},
         {7122, L"Taken", 1428, L"Taken", L"taken"},
         {146, L"25.3", 4392, L"297.00", nullptr},
+        {7135, L".", 4703, L".", nullptr},  // it is there, below the program's folder
         {7135, L"C:\\none", 4703, L"C:\\none", L"C:\\windows"},
         {157, L"401", 4402, L"100", nullptr}};
     show([&] {

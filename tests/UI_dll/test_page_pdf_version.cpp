@@ -3,9 +3,7 @@
 #include "UI_dll/PDFSettings/pages/page_pdf_version.h"
 #include "common/icc_folder.h"
 #include "common/icc_profile.h"
-#include "support/profile_folder.h"
 #include "support/sheet_driver.h"
-#include "support/trace_capture.h"
 
 namespace {
 

@@ -1,7 +1,6 @@
 // What the pages offer, refuse and keep.
 
 #include "UI_dll/PDFSettings/pages/page_securities_rules.h"
-#include "support/profile_folder.h"
 #include "support/sheet_driver.h"
 
 namespace {
@@ -110,6 +109,7 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
 }
 
 TEST_F(Pages, WhatCannotBeIsRefusedAndWhatItIsAboutIsTold) {
+    const CurrentFolder programs(L"C:\\windows");
     show([] {
         // The page, what is clicked first (0: nothing), what is typed into which control, the message.
         const std::tuple<PageIndex, int, int, const wchar_t*, UINT> typed[] = {
@@ -122,6 +122,7 @@ TEST_F(Pages, WhatCannotBeIsRefusedAndWhatItIsAboutIsTold) {
             {kWaterMarkPage, 0, IDC_MARK_TRANSPARENCY, L"101", IDS_MARK_BAD_TRANSPARENCY},
             {kWaterMarkPage, 0, IDC_MARK_TRANSPARENCY, L"100", 0},
             {kWaterMarkPage, IDC_MARK_PICTURE, IDC_MARK_FILE, L"", IDS_MARK_NO_FILE},
+            {kWaterMarkPage, 0, IDC_MARK_FILE, L"win.ini", IDS_MARK_LOST_FILE},  // a part of a path
             {kWaterMarkPage, 0, IDC_MARK_FILE, L"C:\\windows\\win.ini", IDS_MARK_NO_PICTURE},
             // As on another computer: not asked.
             {kWaterMarkPage, 0, IDC_MARK_FILE, L"\\\\?\\C:\\windows\\win.ini", 0},

@@ -3,7 +3,6 @@
 #include <commdlg.h>
 
 #include "UI_dll/PDFSettings/pages/page_pdf_version.h"
-#include "support/profile_folder.h"
 #include "support/random_settings.h"
 #include "support/sheet_driver.h"
 

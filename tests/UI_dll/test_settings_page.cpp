@@ -1,5 +1,4 @@
 #include "UI_dll/settings_page_fixture.h"
-#include "common/qk/registry.h"
 
 using namespace pdf_settings;
 using ps::ReadName;
@@ -76,11 +75,16 @@ TEST_F(SettingsPage, ChosenSettingBecomesThePrintersOnOkOnly) {
 }
 
 TEST_F(SettingsPage, CancelGivesAPrinterWithoutItsFileTheStandardOne) {
-    SetSettingFileName(L"gone.ps4", here.printer.name);
     here.folder.write(L"gone.ps4", "");  // beside a document, say
     const CurrentFolder documents(here.folder.path());
-    end(PSN_QUERYCANCEL);
-    EXPECT_EQ(ReadDriverRegString(L"PDFSettingFileName", here.printer.name.c_str()), L"standard.ps4");
+    std::wstring there = own(L"zeta");
+    std::ranges::replace(there, L'\\', L'/');
+    for (const std::wstring& setting : {there, std::wstring(L"gone.ps4")}) {
+        SetSettingFileName(setting, here.printer.name);
+        end(PSN_QUERYCANCEL);
+        EXPECT_EQ(ReadDriverRegString(L"PDFSettingFileName", here.printer.name.c_str()),
+                  setting == there ? there : L"standard.ps4");
+    }
 }
 
 TEST_F(SettingsPage, OwnSettingIsDeletedWhenTheUserAgrees) {

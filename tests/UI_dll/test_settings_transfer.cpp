@@ -4,7 +4,6 @@
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/settings_page_fixture.h"
 #include "companions/host/setting_check.h"
-#include "support/profile_folder.h"
 
 namespace {
 

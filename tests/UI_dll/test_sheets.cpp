@@ -5,12 +5,9 @@
 #include "UI_dll/optitem.h"
 #include "UI_dll/ps_to_devmode.h"
 #include "common/dialog_library.h"
-#include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "companions/compstui/sheet.h"
 #include "companions/compstui/interface.h"
-#include "companions/thread.h"
-#include "support/guarded_buffer.h"
 #include "support/sheet_driver.h"
 
 namespace {
@@ -135,13 +132,15 @@ TEST_F(Sheet, WithoutMemoryTheThreadKeepsWhatItHad) {
     const CallHook<void*(size_t)> allocations("malloc", [&](auto original, size_t size) {
         return failing_allocation > 0 && --failing_allocation == 0 ? nullptr : original(size);
     });
-    int refused = 0;
+    int refused = 0, without_item = 0;
     for (int nth = 1, started = 0; started < 3; ++nth) {
         SCOPED_TRACE(nth);
         SetThreadProp(threadprop::kPrinter, 123);
         SetThreadProp(threadprop::kPrinterName, reinterpret_cast<ULONG_PTR>(&here.printer.name));
         failing_allocation = nth;
-        refused += tell(PROPSHEETUI_REASON_INIT) < 0;
+        const bool opens = tell(PROPSHEETUI_REASON_INIT) > 0;
+        refused += !opens;
+        without_item += opens && added_sheet.cOptItem == 0;
         started = failing_allocation > 0 ? started + 1 : 0;
         failing_allocation = 0;
         tell(PROPSHEETUI_REASON_DESTROY);
@@ -151,7 +150,7 @@ TEST_F(Sheet, WithoutMemoryTheThreadKeepsWhatItHad) {
         EXPECT_EQ(FreeThreadProp(threadprop::kPrinter) + FreeThreadProp(threadprop::kSavedPrinter), 0u);
         ASSERT_LT(nth, 2000);
     }
-    EXPECT_GT(refused, 3);
+    EXPECT_TRUE(refused > 3 && without_item > 3) << refused << ' ' << without_item;
 }
 
 TEST_F(Sheet, ServiceGetsAHeaderThatIsNotOnTheStackAndItsAnswerCounts) {

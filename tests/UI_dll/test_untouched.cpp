@@ -2,11 +2,9 @@
 // does not go together in a file is no obstacle until a person changes it.
 
 #include <numeric>
-#include <random>
 
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "common/rwPDFSet_functions.h"
-#include "support/profile_folder.h"
 #include "support/random_settings.h"
 #include "support/sheet_driver.h"
 

@@ -75,13 +75,16 @@ TEST(Resources, MissingLanguageFallsBackToEnglishThenJapanese) {
         const CurrentFolder in(here.folder.path());  // never below the host's
         here.folder.write(L"Language\\zrtk_res_kr.dll", "not to be found");
         here.machine.set_text(Installation::kKey, L"PdfDllPath", L"");
+        here.user.set_text(Installation::kKey, L"PdfDllPath", here.folder.path());
+        ImpersonateSelf(SecurityImpersonation);  // nor out of the folder of whom the thread acts for
         for (const std::wstring& module : {std::wstring(), Moved::module}) {
             Moved::module = module;
             EXPECT_EQ(qk::load_string(IDS_JOB_FAILED), L"ERROR! no resource dll.");
+            EXPECT_EQ(qk::resource_library_path(true), L"");
             EXPECT_EQ(qk::ResourceDLL().load_string(1), L"(no resource dll)");
         }
+        RevertToSelf();
         DeleteFileW(L"Language\\zrtk_res_kr.dll");
-        here.machine.set_text(Installation::kKey, L"PdfDllPath", here.folder.path() + L"\\");
     }
     // From the last to be chosen to the first.
     for (const std::wstring code : {L"ja", L"en", L"kr"})

@@ -95,9 +95,8 @@ TEST(DriverRegistry, WhatIsToldOfAnotherUserIsNotKept) {
         const ActingForAUser user;
         for (const std::wstring answer : {L"C:\\one", L"C:\\two", L""}) {
             told = answer;
-            for (const std::wstring& seen :
-                 {qk::roaming_folder(), qk::default_roaming_folder(), qk::common_documents_folder(),
-                  user_name()})
+            for (const std::wstring& seen : {qk::roaming_folder(), qk::default_roaming_folder(),
+                                             qk::common_documents_folder(), user_name()})
                 EXPECT_EQ(seen, answer);
         }
         EXPECT_EQ(qk::shared_documents_folder() + qk::OverrideIni().path() + GetAppDataPath(true), L"");
@@ -152,6 +151,10 @@ TEST(SettingFiles, FirstBytesTellTheKind) {
     for (const auto& [format, starts] : rows)
         for (const std::string& start : starts)
             EXPECT_EQ(ProbeSettingFile(here.folder.write(L"probed", start)), format) << start;
+    const std::wstring saved = here.folder.write(L"probed", kJson);
+    qk::FileObj in_place = hold(saved, FILE_SHARE_READ, GENERIC_WRITE);
+    const CallHook<decltype(Sleep)> pause("Sleep", [&](auto, DWORD) { in_place.reset(); });
+    EXPECT_EQ(ProbeSettingFile(saved), SettingFormat::kJson) << "who just saves it is waited for";
     EXPECT_EQ(ProbeSettingFile(L""), SettingFormat::kNone);
     EXPECT_EQ(ProbeSettingFile(here.folder.path()), SettingFormat::kNone);
 }

@@ -1,11 +1,9 @@
 // A common property sheet: what is added to it, reasons and results.
 
 #include "UI_dll/plotui.h"
-#include "common/qk/resource_dll.h"
 #include "companions/compstui/page.h"
 #include "companions/compstui/sheet.h"
 #include "resources/ids.h"
-#include "support/installation.h"
 
 namespace {
 

@@ -2,8 +2,6 @@
 #include <picojson.h>
 #include <shellapi.h>
 
-#include "common/qk/handle.h"
-#include "common/qk/text.h"
 #include "companions/command_line.h"
 #include "companions/host/options.h"
 #include "companions/render/arguments.h"

@@ -1,15 +1,11 @@
 // Files that the host program reads, copies and replaces.
 
-#include "common/qk/handle.h"
-#include "common/qk/paths.h"
-#include "common/qk/registry.h"
 #include "companions/host/host_error.h"
+#include "companions/host/renderer.h"
 #include "companions/host/setting_choice.h"
 #include "companions/host/sheet_host.h"
 #include "companions/host/stage_files.h"
 #include "companions/host/text_file.h"
-#include "support/temp_folder.h"
-#include "support/user_registry.h"
 
 namespace {
 
@@ -56,8 +52,7 @@ TEST(HostFiles, TargetInUseIsMovedAsideOrStays) {
     for (const DWORD share : {DWORD{FILE_SHARE_READ | FILE_SHARE_DELETE}, DWORD{0}}) {
         const TempFolder folder;
         const host::FileCopy copy = {folder.write(L"source", "new"), folder.write(L"target", "old"), false};
-        qk::FileObj user(
-            CreateFileW(copy.target.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr));
+        qk::FileObj user = hold(copy.target, share);
         EXPECT_EQ(fault_of([&] { host::bring_up_to_date(copy); }),
                   share ? ExitCode::kDone : ExitCode::kInstallation);
         user.reset();
@@ -108,11 +103,23 @@ TEST(HostFiles, PlanKeepsEditedSettings) {
         EXPECT_EQ(copy.keep_newer, copy.target == L"I\\Settings\\standard.ps4");
 }
 
+TEST(HostFiles, RendererOfAThreadThatActsForAUserIsTheMachines) {
+    const Installation here;
+    here.user.set_text(Installation::kKey, L"PdfDllPath", L"C:\\user\\");
+    std::wstring started;
+    const Intercept<decltype(CreateProcessW)> start(
+        "CreateProcessW", [&](auto* program, auto...) { return started = program, FALSE; });
+    ImpersonateSelf(SecurityImpersonation);
+    EXPECT_EQ(fault_of([] { (void)host::run_renderer({.thread = 1}, {}); }), ExitCode::kInstallation);
+    RevertToSelf();
+    EXPECT_EQ(started, here.folder.file(L"zr_render.exe"));
+}
+
 TEST(HostFiles, WhatCannotBeUsedIsRefused) {
     const TempFolder folder;
     const std::wstring locked = folder.write(L"locked.txt", "x"), large = folder.write(L"large.txt", "");
-    const qk::FileObj user(CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    qk::FileObj file(CreateFileW(large.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    const qk::FileObj user = hold(locked);
+    qk::FileObj file = hold(large, 0, GENERIC_WRITE);
     SetFilePointer(file.get(), (64 << 20) + 1, nullptr, FILE_BEGIN);
     ASSERT_TRUE(SetEndOfFile(file.get()));
     file.reset();

@@ -1,8 +1,6 @@
 // The host program as people run it: the real spooler, GDI, module, dialog library and renderer.
 #include <picojson.h>
 
-#include "print_settings/PrintSettings.h"
-#include "support/child_process.h"
 #include "support/printer_turn.h"
 
 namespace {

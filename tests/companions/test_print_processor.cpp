@@ -1,9 +1,7 @@
 // The print processor's exports, asked without a job.
 #include <winsplp.h>
 
-#include "common/qk/handle.h"
 #include "companions/print_processor/names.h"
-#include "support/installation.h"
 
 namespace {
 

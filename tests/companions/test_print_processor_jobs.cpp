@@ -7,12 +7,9 @@
 #include "common/qk/gdi_handle.h"
 #include "companions/print_processor/names.h"
 #include "companions/print_processor/resource.h"
-#include "companions/thread.h"
 #include "companions/wine_layer.h"
-#include "support/child_process.h"
 #include "support/installed_printer.h"
 #include "support/printer_turn.h"
-#include "support/variable.h"
 
 namespace {
 

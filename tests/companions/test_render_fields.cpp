@@ -5,11 +5,8 @@
 #include "companions/render/spool_pictures.h"
 #include "companions/wine_layer.h"
 #include "support/render_process.h"
-#include "support/variable.h"
 
 namespace {
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
 
 // A picture as Wine's PostScript driver spools it: run lengths of 1 to 128 bytes, in ASCII.
 std::string picture(int left, const char* decode, const char* paint, size_t row, uint8_t (*sample)(size_t)) {

@@ -9,8 +9,6 @@
 #include "companions/render/scratch_folder.h"
 #include "companions/render/spool_links.h"
 #include "companions/wine_layer.h"
-#include "support/installation.h"
-#include "support/variable.h"
 
 namespace {
 

@@ -3,7 +3,6 @@
 #include "companions/reservation.h"
 #include "companions/wine_layer.h"
 #include "support/render_process.h"
-#include "support/variable.h"
 
 TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     settings_.summary()->Author = L"\u65E5\u672C";
@@ -98,10 +97,7 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
         {kTwoPages, 1005, ERROR_PATH_NOT_FOUND, L"none\\x.pdf",
          [](Job& job) { job.target_ = job.folder_.file(L"none\\x.pdf"); }},
         {kTwoPages, 1005, ERROR_ACCESS_DENIED, L"100%d.pdf",
-         [](Job& job) {
-             job.lock_.reset(CreateFileW(job.target_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                         OPEN_EXISTING, 0, nullptr));
-         }},
+         [](Job& job) { job.lock_ = hold(job.target_, FILE_SHARE_READ); }},
         {kTwoPages, 1006, ERROR_FILE_NOT_FOUND, L"Ghostscript",
          [](Job&) { SetEnvironmentVariableW(L"ZR_GHOSTSCRIPT", L"/none/gs"); }}};
     const std::wstring old = folder_.write(L"\u65E5\u672C 100%d.pdf", "old");

@@ -2,8 +2,6 @@
 
 #include "companions/host/host_error.h"
 #include "companions/host/setting_check.h"
-#include "print_settings/PrintSettings.h"
-#include "support/installation.h"
 
 using Lines = std::vector<std::wstring>;
 

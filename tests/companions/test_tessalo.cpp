@@ -2,14 +2,9 @@
 // nobody watching.
 
 #include "common/dialog_library.h"
-#include "common/qk/registry.h"
 #include "companions/tessalo/options.h"
 #include "companions/tessalo/output_choice.h"
-#include "companions/thread.h"
 #include "job/output_name.h"
-#include "print_settings/PrintSettings.h"
-#include "support/installation.h"
-#include "support/variable.h"
 
 namespace {
 
@@ -283,6 +278,19 @@ TEST_F(Tessalo, SettingOfTheProcessGoesBeforeThePrinters) {
     EXPECT_EQ(setting(512, L"Other"), L"standard.ps4");
     EXPECT_EQ(setting(13), L"standard.ps4") << "a choice that has no room leaves the printer's own";
     EXPECT_EQ(setting(12), L"error") << "no room for the terminating zero";
+}
+
+TEST_F(Tessalo, NobodyIsAskedWhereNoWindowIsSeen) {
+    const Variable watched(L"ZR_UNATTENDED", L"0");
+    const ImportPatch no_dialog("LoadLibraryExW", always<static_cast<void*>(nullptr)>(), library_.get());
+    const HWINSTA own = GetProcessWindowStation();
+    const HWINSTA hidden = CreateWindowStationW(L"zr_test_hidden", 0, GENERIC_ALL, nullptr);
+    for (const bool seen : {true, false}) {
+        ASSERT_TRUE(seen || SetProcessWindowStation(hidden));
+        EXPECT_EQ(ask(here_.folder.path()), seen ? L"" : here_.folder.file(L"Title.pdf"));
+    }
+    SetProcessWindowStation(own);
+    CloseWindowStation(hidden);
 }
 
 TEST_F(Tessalo, VariableGoesBeforeTheIni) {

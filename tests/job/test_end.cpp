@@ -134,12 +134,14 @@ TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
         freed.push_back(memory);
         return std::nullopt;
     });
-    static void* folder = nullptr;
+    static void *folder = nullptr, *title = nullptr;
+    static std::wstring own_title = L"The library's";
     script->answer = [](dialog_library::WorkingRecord& record, const wchar_t*, void* context) {
         auto& test = *static_cast<JobTest*>(context);
         test.third = record.output_path.find_text().value_or(L"<unreadable>");
-        folder = record.output_path.address;
+        folder = record.output_path.address, title = record.title.address;
         put(record.output_path, test.path, test.how);
+        put(record.title, own_title, test.how);
         return 0;
     };
     for (const auto& [stage, called, with_folder, active, answered] : rows) {
@@ -148,10 +150,13 @@ TEST_F(JobTest, ExternalCallsSetTheStartFolderAndAreListed) {
         how = answered;
         freed.clear();
         script->expects_start_folder = active;
-        ASSERT_EQ(start_job(L"x"), kGood);
+        ASSERT_EQ(start_job(L"The document's name"), kGood);
         EXPECT_EQ(third, active ? L"C:\\start\\" : L"");
         EXPECT_EQ(std::ranges::count(freed, folder), active && answered == How::kAssigned ? 1 : 0);
-        EXPECT_EQ(StartRecord(block_name(kStartBlockName))->external_record != 0, active);
+        EXPECT_EQ(std::ranges::count(freed, title), answered == How::kAssigned ? 1 : 0);
+        const StartRecord record(block_name(kStartBlockName));
+        EXPECT_EQ(record->external_record != 0, active);
+        EXPECT_EQ(record->title, own_title);
         const OtherSide<pd_tk::TKFileNames> list(pd_tk::file_list_name());
         ASSERT_EQ(static_cast<bool>(list), active);
         const auto is_listed = [&] {

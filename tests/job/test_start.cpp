@@ -93,12 +93,13 @@ TEST_F(JobTest, DocumentNameIsReadWhereverTheCallerPutIt) {
     std::wstring title;
     meddle = [&](Record& record) { title = record.title.find_text().value_or(L"<unreadable>"); };
     const GuardedBuffer unterminated(6, L"abc");
+    const std::wstring endless(2047, L'e');  // of which the library gets one unit less
     const auto of_name = [](const wchar_t* name) {
         return DOCINFOW{.cbSize = sizeof(DOCINFOW), .lpszDocName = name};
     };
     DOCINFOW info = of_name(L"Letter"), nameless = of_name(nullptr), *pointer = &info,
              bad = of_name(reinterpret_cast<const wchar_t*>(16)),
-             open_end = of_name(unterminated.as<wchar_t>());
+             open_end = of_name(unterminated.as<wchar_t>()), too_long = of_name(endless.c_str());
     const GuardedBuffer short_info(12, &info);
     // The event's input (a structure, a pointer to one, neither), its size, the title.
     const std::tuple<void*, ULONG, const wchar_t*> rows[] = {{&info, sizeof info, L"Letter"},
@@ -107,6 +108,7 @@ TEST_F(JobTest, DocumentNameIsReadWhereverTheCallerPutIt) {
                                                              {&nameless, sizeof nameless, L"no_name"},
                                                              {&bad, sizeof bad, L"no_name"},
                                                              {&open_end, sizeof open_end, L"abc"},
+                                                             {&too_long, sizeof too_long, &endless[1]},
                                                              {short_info.as<>(), 40, L"no_name"},
                                                              {reinterpret_cast<void*>(24), 40, L"no_name"}};
     for (const auto& [in, size, wanted] : rows) {

@@ -208,6 +208,15 @@ TEST_F(Ps4Write, WhereNothingCanBeWrittenNothingChanges) {
         });
         EXPECT_TRUE(refuses(ERROR_DISK_FULL));
     }
+    {
+        // A link whose file is missing, as the system tells of one: it is there and cannot be opened.
+        const Intercept<decltype(CreateFileW)> link("CreateFileW", [](auto* name, auto...) {
+            SetLastError(ERROR_FILE_NOT_FOUND);
+            return std::wstring_view(name).ends_with(L"mine.ps4") ? std::optional(INVALID_HANDLE_VALUE)
+                                                                  : std::nullopt;
+        });
+        EXPECT_TRUE(refuses(ERROR_FILE_NOT_FOUND));
+    }
     holder = hold(path_, FILE_SHARE_READ | FILE_SHARE_WRITE);
     const ImportPatch full("SetEndOfFile", always<FALSE, ERROR_DISK_FULL>());  // nothing grows
     EXPECT_TRUE(refuses(ERROR_DISK_FULL));
