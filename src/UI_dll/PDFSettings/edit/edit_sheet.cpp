@@ -117,7 +117,9 @@ LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM
             });
             return message == WM_HELP;
         }
-        if (message == WM_NCDESTROY)
+        if (message == WM_SYSCOLORCHANGE)
+            pass_on_colours(sheet);
+        else if (message == WM_NCDESTROY)
             RemovePropW(sheet, kProcedureBefore);
         return before ? CallWindowProcW(before, sheet, message, wparam, lparam)
                       : DefWindowProcW(sheet, message, wparam, lparam);
