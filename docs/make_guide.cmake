@@ -13,6 +13,22 @@ string(REGEX REPLACE " \\| " "</td><td>" body "${body}")
 # language.
 string(REGEX REPLACE "<h([23])>([^<]+)</h[23]>\n<p>(<img src=\"img/[a-z]+/([a-z-]+)-96\\.png\")"
     "<h\\1 id=\"\\4\">\\2</h\\1>\n<p>\\3" body "${body}")
+get_filename_component(name ${TARGET} NAME)
+get_filename_component(folder ${TARGET} DIRECTORY)
+get_filename_component(source ${SOURCE} ABSOLUTE)
+get_filename_component(source_folder ${source} DIRECTORY)
+string(REGEX MATCHALL "img/[a-z]+/[a-z0-9-]+\\.png" pictures "${body}")
+foreach(picture IN LISTS pictures)
+    if(NOT EXISTS ${source_folder}/${picture})
+        # What draws the pictures needs the built tree first.
+        message(WARNING "${picture} is not drawn yet (scripts/screenshots) and left out")
+        string(REGEX REPLACE "<p><img src=\"${picture}\"[^>]*></p>\n" "" body "${body}")
+        continue()
+    endif()
+    get_filename_component(place ${folder}/${picture} DIRECTORY)
+    file(COPY ${source_folder}/${picture} DESTINATION ${place})
+endforeach()
+
 set(title "The PDF printer: a user's guide")
 file(WRITE ${TARGET} "<!DOCTYPE html>
 <html lang=\"en\"><head><meta charset=\"utf-8\"><title>${title}</title>
@@ -22,8 +38,6 @@ table { border-collapse: collapse }</style></head><body>
 ${body}</body></html>
 ")
 
-get_filename_component(name ${TARGET} NAME)
-get_filename_component(folder ${TARGET} DIRECTORY)
 string(REGEX MATCHALL "<h[23] id=\"[a-z-]+\"" chapters "${body}")
 foreach(chapter IN LISTS chapters)
     string(REGEX REPLACE ".*\"(.*)\"" "\\1" chapter "${chapter}")
@@ -33,11 +47,4 @@ foreach(chapter IN LISTS chapters)
 <meta http-equiv=\"refresh\" content=\"0; url=${name}#${chapter}\"></head><body>
 <a href=\"${name}#${chapter}\">${title}</a></body></html>
 ")
-endforeach()
-
-get_filename_component(source_folder ${SOURCE} DIRECTORY)
-string(REGEX MATCHALL "img/[a-z]+/[a-z0-9-]+\\.png" pictures "${body}")
-foreach(picture IN LISTS pictures)
-    get_filename_component(place ${folder}/${picture} DIRECTORY)
-    file(COPY ${source_folder}/${picture} DESTINATION ${place})
 endforeach()

@@ -57,10 +57,14 @@ start_wine() {
     "$root/scripts/wine-run" cmd /c exit >/dev/null 2>&1 </dev/null || true
 }
 
-# What is set in the registry for the whole session counts from here on.
-restart_wine() {
+stop_wine() {
     timeout 30 wineserver -k 2>/dev/null || true
     timeout 30 wineserver -w 2>/dev/null || true
+}
+
+# What is set in the registry for the whole session counts from here on.
+restart_wine() {
+    stop_wine
     start_wine
 }
 
@@ -94,8 +98,7 @@ set_fonts() {
 
 release_prefix() {
     if flock -n -x 9; then
-        timeout 30 wineserver -k 2>/dev/null || true
-        timeout 30 wineserver -w 2>/dev/null || true
+        stop_wine
     fi
     exec 9>&-
 }

@@ -139,16 +139,21 @@ TEST_F(SettingsPage, NewAndReadOnlySettingsAreCopiesAndOwnOnesAreEditedInPlace) 
     EXPECT_EQ(ReadName(ResolveSettingFilePath(printers_setting())), L"office") << "a name that no folder has";
 }
 
-TEST_F(SettingsPage, PicturesAreOutOfTheListBeforeTheyAreDestroyed) {
+TEST_F(SettingsPage, ListLearnsOfNewColoursAndIsRidOfItsPicturesBeforeTheyAreDestroyed) {
     open();
     static HIMAGELIST shown_at_end;
+    static int told;
     shown_at_end = dialog_state().list.icons.images.get();
+    told = 0;
     const auto at_end = [](HWND shown, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR, DWORD_PTR) {
         if (message == WM_DESTROY)  // after its page's
             shown_at_end = ListView_GetImageList(shown, LVSIL_SMALL);
+        told += message == WM_SYSCOLORCHANGE;
         return DefSubclassProc(shown, message, wparam, lparam);
     };
     SetWindowSubclass(list(), at_end, 1, 0);
+    SendMessageW(parent, WM_SYSCOLORCHANGE, 0, 0);
+    EXPECT_EQ(told, 1);
     close();
     EXPECT_EQ(shown_at_end, nullptr);
 }

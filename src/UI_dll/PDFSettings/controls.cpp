@@ -74,6 +74,13 @@ void set_cue(HWND page, int control, const std::wstring& text) {
     SendDlgItemMessageW(page, control, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
+void pass_on_colours(HWND window) noexcept {
+    for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+        pass_on_colours(child);
+    }
+}
+
 RECT window_place(HWND window, HWND parent) noexcept {
     RECT place = {};
     GetWindowRect(window, &place);

@@ -38,6 +38,10 @@ void select(HWND page, int control, int position) noexcept;
 // What an empty edit says in grey: what leaving it so means.
 void set_cue(HWND page, int control, const std::wstring& text);
 
+// Tells what is in a window that the system's colours are others: of that only the sheet learns, while lists
+// keep the colours that they were made with.
+void pass_on_colours(HWND window) noexcept;
+
 // Where a window lies in its parent, in pixels.
 [[nodiscard]] RECT window_place(HWND window, HWND parent) noexcept;
 

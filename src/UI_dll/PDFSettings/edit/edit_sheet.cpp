@@ -115,6 +115,8 @@ LRESULT CALLBACK sheet_procedure(HWND sheet, UINT message, WPARAM wparam, LPARAM
             });
             return message == WM_HELP;
         }
+        if (message == WM_SYSCOLORCHANGE)
+            pass_on_colours(sheet);
         return call_replaced(sheet, message, wparam, lparam);
     });
 }

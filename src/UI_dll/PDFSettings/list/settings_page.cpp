@@ -44,6 +44,8 @@ LRESULT on_sheet_message(HWND sheet, UINT message, WPARAM wparam, LPARAM lparam)
         KillTimer(sheet, kMovedTimer);
         if (const DialogOfPage dialog(list_page_in(sheet)); dialog)
             dlg_init_dpi_PDFSettings(dialog_state().list.page);
+    } else if (message == WM_SYSCOLORCHANGE) {
+        pass_on_colours(list_page_in(sheet));
     }
     return call_replaced(sheet, message, wparam, lparam);
 }

@@ -143,7 +143,7 @@ void draw_swatch(const DRAWITEMSTRUCT& item) {
     const bool is_off = (item.itemState & ODS_DISABLED) != 0;
     const qk::Brush colour(CreateSolidBrush(helper().colour));
     FillRect(item.hDC, &item.rcItem, is_off ? GetSysColorBrush(COLOR_BTNFACE) : colour.get());
-    FrameRect(item.hDC, &item.rcItem, GetSysColorBrush(is_off ? COLOR_GRAYTEXT : COLOR_WINDOWTEXT));
+    FrameRect(item.hDC, &item.rcItem, GetSysColorBrush(is_off ? COLOR_GRAYTEXT : COLOR_BTNTEXT));
 }
 
 // Paper, scale and boxes as the other pages stand.
