@@ -86,7 +86,8 @@ list_with() {  # list_with FILE: the list, with that setting as the printer's
 
 pages_in_use() {  # pages_in_use FILE NAME PICTURE [PAGE...]: as shoot_pages, of the sheet that edits that setting
     list_with "$1"
-    keys_for "$2" alt+e
+    keys alt+e  # once: the sheet has an E of its own
+    await "$2"
     shoot_pages "${@:3}"
     close_programs
 }
@@ -159,7 +160,7 @@ picture_keyboard_road() {
     xdotool type --delay 60 Minutes
     keys Tab Tab Tab space  # the third check box
     shoot_step name-and-choice
-    keys ctrl+Tab ctrl+Tab alt+g  # Colour: shades of grey
+    keys shift+Tab shift+Tab shift+Tab shift+Tab Right Right alt+g  # by the tabs to Colour: shades of grey
     shoot_step another-page
     keys Return
     await_setting Minutes saved

@@ -70,6 +70,7 @@ Embedding read_embedding(HDC dc, const std::wstring& name) noexcept {
 struct Work {
     std::vector<FontState>& fonts;
     std::atomic<size_t> next = 0;
+    std::atomic<int> helpers = 0;  // that have not let go of it
 
     // Takes chunks of the table until none is left.
     void share() noexcept {
@@ -82,8 +83,10 @@ struct Work {
     }
 };
 
-DWORD WINAPI help(void* work) {
-    static_cast<Work*>(work)->share();
+DWORD WINAPI help(void* given) {
+    auto* const work = static_cast<Work*>(given);
+    work->share();
+    --work->helpers;
     return 0;
 }
 
@@ -95,12 +98,18 @@ void fill_in_parallel(std::vector<FontState>& fonts) {
     const size_t chunks = (fonts.size() + kChunk - 1) / kChunk;
     const size_t useful = std::min<size_t>(system.dwNumberOfProcessors, chunks);
     std::array<qk::HandleObj, kMostHelpers> helpers;
-    for (size_t i = 0; i < kMostHelpers && i + 1 < useful; ++i)
+    for (size_t i = 0; i < kMostHelpers && i + 1 < useful; ++i) {
+        ++work.helpers;
         helpers[i].reset(CreateThread(nullptr, 0, &help, &work, 0, nullptr));
+        if (!helpers[i])
+            --work.helpers;
+    }
     work.share();
     for (const qk::HandleObj& helper : helpers)
         if (helper)
             WaitForSingleObject(helper.get(), INFINITE);
+    while (work.helpers != 0)  // a wait that fails must not take the work from under a helper
+        Sleep(1);
 }
 
 }  // namespace
