@@ -166,6 +166,8 @@ bool bench_forms() {
         });
         const std::string what = "ZRTK_EnumForms over " + std::to_string(count) + " forms";
         report(what.c_str(), "the forms call alone", pair, 0);
+        if (records.list.size() < count)
+            return false;
         per_form[index++] = pair.cost / count;
     }
     const double growth = per_form[2] / per_form[0];

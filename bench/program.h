@@ -34,7 +34,9 @@ public:
         GetExitCodeProcess(process_.get(), &code);
         return code;
     }
-    void kill() { TerminateProcess(process_.get(), 1); }
+    void kill() { TerminateProcess(process_.get(), kKilled); }
+
+    static constexpr DWORD kKilled = 77;  // the exit code then
 
 private:
     qk::HandleObj process_;

@@ -134,7 +134,7 @@ void play_kills(const World& world, ULONGLONG end, Played& played) {
         Program program(L"--save-and-load \"" + path + L"\" 60000");
         std::this_thread::sleep_for(std::chrono::milliseconds(engine() % 400));
         program.kill();
-        (void)program.wait();
+        played.wrong += program.wait() != Program::kKilled;  // it has failed before
         played.wrong += !is_whole(path);
         ++played.done;
     } while (GetTickCount64() < end);

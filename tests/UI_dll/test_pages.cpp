@@ -105,7 +105,7 @@ TEST_F(Pages, OfferWhatTheChoicesUse) {
         go_to(at_version(4, kGeneralPage));
         press_apply();
     });
-    EXPECT_TRUE(setting().color()->BlackToK100);  // greyed as it is
+    EXPECT_TRUE(setting().color()->BlackToK100 && setting().color()->ColorMode == 0);  // greyed as it is
 }
 
 TEST_F(Pages, WhatCannotBeIsRefusedAndWhatItIsAboutIsTold) {

@@ -173,9 +173,11 @@ TEST_F(SettingsPage, PageOpenedFromAnotherLeavesItAsItWas) {
         const std::wstring left = inner_first ? L"zeta" : L"alpha";
         EXPECT_EQ(dialog_state().list.page, made);
         EXPECT_EQ(setting()->PSName, left);
-        EXPECT_EQ(ListView_GetImageList(list(), LVSIL_SMALL), dialog_state().list.icons.images.get());
+        const HIMAGELIST pictures = dialog_state().list.icons.images.get();
+        EXPECT_EQ(ListView_GetImageList(list(), LVSIL_SMALL), pictures);
         in_sheet(IDC_SETTINGS_EDIT, [&] { EXPECT_EQ(name(), left); });
         SendMessageW(parent, WM_TIMER, 1234, 0);
+        EXPECT_NE(ListView_GetImageList(list(), LVSIL_SMALL), pictures);
         EXPECT_EQ(ImageList_GetImageCount(ListView_GetImageList(list(), LVSIL_SMALL)), 2);
         close();
     }

@@ -66,10 +66,12 @@ TEST(MemoryProbe, MemoryThatGoesWhileItIsReadIsNoFault) {
         return 0;
     };
     const qk::HandleObj thread(CreateThread(nullptr, 0, come_and_go, page, 0, nullptr));
-    while (rounds < 20'000) {
-        (void)qk::try_copy(bytes, page, sizeof bytes);
-        (void)qk::try_copy(page, bytes, sizeof bytes);
-    }
+    size_t copied = 0, refused = 0;
+    while (rounds < 20'000)
+        for (const bool done :
+             {qk::try_copy(bytes, page, sizeof bytes), qk::try_copy(page, bytes, sizeof bytes)})
+            ++(done ? copied : refused);
+    EXPECT_TRUE(copied > 0 && refused > 0) << copied << ' ' << refused;
     WaitForSingleObject(thread.get(), INFINITE);
     VirtualFree(page, 0, MEM_RELEASE);
 }

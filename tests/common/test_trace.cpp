@@ -25,6 +25,7 @@ TEST(Trace, RecordsNameThreadFileAndLineAndAreCut) {
     for (const std::wstring& record : trace.records())
         EXPECT_EQ(record.size(), 999u);
     qk::trace::write(L"short", std::string(400, 's').c_str(), 1);
+    EXPECT_TRUE(trace.holds(L"short"));
 }
 
 TEST(Trace, LevelDecidesWhatIsWritten) {
@@ -94,7 +95,7 @@ TEST(ThreadProp, EntriesQueueUpPerThreadAndKey) {
         return value;
     };
     EXPECT_EQ(get(L"A") + FreeThreadProp(L"A"), 0u);
-    EXPECT_EQ(SetThreadProp(L"A", 1) + SetThreadProp(L"A", 2), 0u);
+    EXPECT_TRUE(SetThreadProp(L"A", 1) == 0 && SetThreadProp(L"A", 2) == 0);
     SetThreadProp(L"a", 3);
     SetThreadProp(L"AB", UINTPTR_MAX);
     companions::Thread([&] {

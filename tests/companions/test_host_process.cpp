@@ -92,7 +92,7 @@ TEST_F(HostProcess, RefusedJobSaysWhy) {
     EXPECT_EQ(sent_events(), "14 1 2 5 10 ");
     EXPECT_NE(text("fault").find("log file"), std::string::npos) << text("fault");
     EXPECT_EQ(text("caption"), "Colour profile not found: there is no such profile");
-    EXPECT_NE(text("message"), "");
+    EXPECT_TRUE(text("message").starts_with("No PDF file")) << text("message");
     EXPECT_TRUE(report_.get("start_record").is<picojson::null>());
     EXPECT_FALSE(qk::is_file(pdf_));
     ASSERT_EQ(print(L""), 0) << "the choice ended with its job";
@@ -146,7 +146,7 @@ TEST_F(HostProcess, SettingsAreCheckedAndCompared) {
         {L"check \"" + folder_.path() + L"\"", 1, "bad.ps4"},
         {L"check nowhere.ps4" + bad, 2, "there is no such file"},
         {L"diff" + good + good, 0, "\"changes\":[]"},
-        {L"diff" + good + other, 1, "50"},
+        {L"diff" + good + other, 1, "100 \u2192 50"},
         {L"diff nowhere.ps4" + good, 2, "cannot be loaded"}};
     for (const auto& [words, code, told] : rows) {
         EXPECT_EQ(run(words), code);

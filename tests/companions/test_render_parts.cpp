@@ -8,7 +8,6 @@
 #include "companions/render/result_record.h"
 #include "companions/render/scratch_folder.h"
 #include "companions/render/spool_links.h"
-#include "companions/wine_layer.h"
 
 namespace {
 
@@ -132,10 +131,6 @@ TEST(RenderRules, TextsOfTheResultGoWhereTheyFit) {
 }
 
 struct EngineRun : testing::Test {
-    void SetUp() override {
-        if (!companions::wine::present())
-            GTEST_SKIP() << "needs the Unix system below Wine";
-    }
     Engine::End run(const wchar_t* program, const std::vector<std::string>& arguments) {
         output_.clear();
         return Engine(program).run(arguments, scratch_.path(), [this](auto bytes) { output_ += bytes; });

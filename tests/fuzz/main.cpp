@@ -5,7 +5,7 @@
 // Rounds are those of each kind; usual are ten seconds. The same seed and round make the same input. One that
 // faults, gets a wrong answer or takes more than a second is saved as "fuzz-<kind>-<seed>-<round>.bin" in the
 // current folder and named; given back as FILE with its kind it is fed as it is. Exit code 1 after any such
-// input, or when the damage leaves all or none of many inputs sound.
+// input, for a FILE that cannot be read, or when the damage leaves all or none of many inputs sound.
 
 #include <csignal>
 #include <cstdio>
@@ -130,6 +130,7 @@ int main(int count, char** words) {
     std::vector<Tally> tallies(kinds.size());
     for (const std::string& file : files) {
         std::ifstream in(file, std::ios::binary);
+        faults += !in;
         feed(kinds.at(0), std::string(std::istreambuf_iterator<char>(in), {}), tallies[0]);
     }
     const ULONGLONG end = GetTickCount64() + seconds * 1000ull;

@@ -7,7 +7,7 @@
 TEST_F(JobTest, EventsWithoutWorkSucceedAndAreTraced) {
     const std::map<int, std::wstring> told = {
         {1, L"DOCUMENTEVENT_CREATEDCPRE"}, {14, L"DOCUMENTEVENT_QUERYFILTER"}, {15, L"Unknown:15"}};
-    start_job(L"in progress");
+    ASSERT_EQ(start_job(L"in progress"), kGood);
     const auto record = start_record_bytes();
     for (const int event : {0, 1, 2, 3, 4, 6, 7, 8, 10, 11, 13, 14, 15, -1, INT_MAX}) {
         const TraceCapture trace;

@@ -47,8 +47,10 @@ template <class Section>
 void check_names() {
     std::set<UINT> fields;
     ps::for_each_field<Section>([&]<class Owner, class Value>(const ps::Field<Owner, Value>& field) {
-        EXPECT_TRUE(field.name == 0 || fields.insert(field.name).second)
-            << field.key << " has another's name";
+        // Additional values have names of their own.
+        const bool named = !std::is_same_v<Section, ps::Addition_impl>;
+        EXPECT_TRUE(named ? field.name && fields.insert(field.name).second : field.name == 0)
+            << field.key << " has no name or another's";
         // A short range from 0 on is one of codes, and each has a name.
         const auto& rule = field.rule;
         const bool coded = std::is_integral_v<Value> && rule.bounded && rule.low == 0 && rule.high < 50;

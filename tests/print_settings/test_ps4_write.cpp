@@ -164,12 +164,14 @@ TEST(Ps4WriteHelper, DISABLED_EndsWhileSaving) {
     GetEnvironmentVariableW(L"ZR_SAVE_FILE", path, MAX_PATH);
     GetEnvironmentVariableW(L"ZR_SAVE_STEP", step, 40);
     const auto end_here = [] { TerminateProcess(GetCurrentProcess(), 77); };
+    const bool renames = step == std::wstring_view(L"rename");
     const Intercept<decltype(SetFileInformationByHandle)> renaming(
-        step == std::wstring_view(L"rename") ? "SetFileInformationByHandle" : "no function",
-        [&](HANDLE, FILE_INFO_BY_HANDLE_CLASS kind, auto...) {
-            return kind == FileRenameInfo ? end_here() : void(), std::nullopt;
+        "SetFileInformationByHandle", [&](HANDLE, FILE_INFO_BY_HANDLE_CLASS kind, auto...) {
+            return renames && kind == FileRenameInfo ? end_here() : void(), std::nullopt;
         });
-    const ImportPatch ending(qk::to_utf8(step), end_here);
+    std::optional<ImportPatch> ending;
+    if (!renames)
+        ending.emplace(qk::to_utf8(step), end_here);
     ps::PrintSettings settings;
     settings.security()->MasterPassword = L"password";
     EXPECT_TRUE(settings.Save(path));

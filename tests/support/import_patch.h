@@ -47,22 +47,19 @@ inline void* exchange_import(BYTE* slot, void* function) {
 class ImportPatch {
 public:
     // Every call of `function` (a name of any imported library) goes to `replacement`, an address or a lambda
-    // without captures, while this object lives.
+    // without captures, while this object lives. Throws where the module does not import it.
     template <class Replacement>
     ImportPatch(std::string_view function, Replacement replacement, HMODULE module = nullptr) {
         for_each_import(module ? module : GetModuleHandleW(nullptr), [&](const char* name, BYTE* slot) {
             return function == name && (slot_ = slot) != nullptr;
         });
-        if (slot_)
-            original_ = exchange_import(slot_, reinterpret_cast<void*>(+replacement));
+        if (!slot_)
+            throw std::invalid_argument("no import: " + std::string(function));
+        original_ = exchange_import(slot_, reinterpret_cast<void*>(+replacement));
     }
-    ~ImportPatch() {
-        if (slot_)
-            exchange_import(slot_, original_);
-    }
+    ~ImportPatch() { exchange_import(slot_, original_); }
     ImportPatch(ImportPatch&&) = delete;
 
-    [[nodiscard]] bool found() const { return slot_ != nullptr; }
     template <class Function = void>
     [[nodiscard]] Function* original() const {
         return reinterpret_cast<Function*>(original_);

@@ -99,7 +99,8 @@ protected:
         return is_in_front(index);
     }
     static bool is_in_front(PageIndex index) {
-        return reinterpret_cast<HWND>(SendMessageW(sheet(), PSM_GETCURRENTPAGEHWND, 0, 0)) == page(index);
+        const auto front = reinterpret_cast<HWND>(SendMessageW(sheet(), PSM_GETCURRENTPAGEHWND, 0, 0));
+        return front && front == page(index);
     }
     // Leaves the page, which lets go when `message` is 0, and else stays with that message and the focus on
     // the control at fault.
