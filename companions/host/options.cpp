@@ -176,8 +176,10 @@ ParsedOptions parse_options(std::span<const wchar_t* const> words) {
         given[0] = L"--help";
     companions::ReadWords read = companions::read_words(app, given);
     parsed.options.json = std::ranges::find(plain, L"--json") != plain.end();
-    if (!read.help.empty() && parsed.options.json)
-        read.help = qk::to_wide(json_app(app).serialize(true));
+    if (!read.help.empty() && parsed.options.json) {
+        const auto asked = app.get_subcommands();
+        read.help = qk::to_wide(json_app(asked.empty() ? app : *asked.front()).serialize(true));
+    }
     parsed.help = std::move(read.help);
     parsed.fault = std::move(read.fault);
     if (parsed.help.empty() && app.get_subcommands().empty())

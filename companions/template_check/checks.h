@@ -12,9 +12,10 @@ namespace template_check {
 using StringTable = std::map<unsigned, std::wstring>;
 
 // For who works with the keyboard: reports mnemonics that are missing, shared or taken by the sheet
-// (`sheet_mnemonic`, 0 for none), controls without a label directly before them, tab stops and radio groups
-// that are not marked, and a tab order that is not the order of reading: rows from the top, each from the
-// left, a group box before what follows it.
+// (`sheet_mnemonic`, 0 for none), controls without a label directly before them, two of one group box that
+// go by one name, tab stops and radio groups that are not marked, default buttons beside the sheet's or none
+// of a box, and a tab order that is not the order of reading: rows from the top, each from the left, a group
+// box before what follows it.
 void check_keyboard(unsigned template_id, const DialogTemplate& page, wchar_t sheet_mnemonic,
                     Findings& findings);
 

@@ -115,8 +115,10 @@ DialogTemplate take_template(Reader& reader) {
     if (reader.take<uint16_t>() != 1 || reader.take<uint16_t>() != 0xFFFF)
         throw std::runtime_error("no DLGTEMPLATEEX");
     reader.skip(2 * sizeof(DWORD));  // help id, extended style
-    if ((reader.take<DWORD>() & DS_SETFONT) == 0)
+    const auto style = reader.take<DWORD>();
+    if ((style & DS_SETFONT) == 0)
         throw std::runtime_error("a template without a font");
+    result.is_box = (style & (WS_POPUP | WS_CHILD)) == WS_POPUP;
     const unsigned count = reader.take<uint16_t>();
     reader.skip(2 * sizeof(int16_t));  // its place
     result.width = reader.take<int16_t>();

@@ -40,7 +40,8 @@ struct Control {
 struct DialogTemplate {
     int width = 0;  // in dialog units, as the height
     int height = 0;
-    int points = 0;  // of its font
+    int points = 0;       // of its font
+    bool is_box = false;  // a window of its own, not a page of a sheet
     std::wstring face;
     std::vector<Control> controls;
 };

@@ -1,6 +1,7 @@
 #include "companions/template_check/checks.h"
 
 #include <algorithm>
+#include <string>
 
 #include "companions/template_check/known_pages.h"
 
@@ -22,11 +23,21 @@ bool shows_mnemonic(const Control& control) {
            !(control.kind == Kind::kStatic && (control.style & SS_NOPREFIX));
 }
 
+// What a program that reads the screen says of a text: without the mark for the keyboard, which may stand in
+// brackets behind it.
+std::wstring spoken(std::wstring text) {
+    if (const size_t mark = text.find(L"(&"); mark != std::wstring::npos)
+        text.erase(mark, 4);
+    std::erase(text, L'&');
+    const size_t last = text.find_last_not_of(L":. ");
+    return last == std::wstring::npos ? std::wstring() : text.substr(0, last + 1);
+}
+
 class KeyboardCheck {
 public:
     KeyboardCheck(unsigned template_id, const DialogTemplate& page, wchar_t sheet_mnemonic,
                   Findings& findings)
-        : id_(template_id), sheet_mnemonic_(sheet_mnemonic), findings_(findings) {
+        : id_(template_id), is_box_(page.is_box), sheet_mnemonic_(sheet_mnemonic), findings_(findings) {
         for (Control control : page.controls) {
             if (!(control.style & WS_VISIBLE) || control.kind == Kind::kSpin)
                 continue;
@@ -42,7 +53,9 @@ public:
             check_label(i);
             check_stop(i);
         }
+        check_default_button();
         find_containers();
+        check_names();
         check_containers();
         check_order(kNone);
         for (size_t i = 0; i < controls_.size(); ++i)
@@ -100,6 +113,32 @@ private:
         const bool needs_stop = control.kind != Kind::kRadio || starts_group;
         if (takes_focus(control.kind) && needs_stop && !(control.style & WS_TABSTOP))
             findings_.add(name(i) + L" is no tab stop");
+    }
+
+    // The default button of a sheet is its OK; a box has one of its own.
+    void check_default_button() {
+        const size_t wanted = is_box_ ? 1 : 0;
+        size_t found = 0;
+        for (size_t i = 0; i < controls_.size(); ++i)
+            if (controls_[i].kind == Kind::kButton &&
+                (controls_[i].style & BS_TYPEMASK) == BS_DEFPUSHBUTTON && ++found > wanted)
+                findings_.add(name(i) + L" is one default button too many");
+        if (found < wanted)
+            findings_.add(L"has no default button");
+    }
+
+    // A group box has its own title said before them: the same name may stand in two.
+    void check_names() {
+        const auto said = [this](size_t i) {
+            const bool has_label = needs_label(controls_[i].kind) && i > 0;
+            return spoken(controls_[has_label ? i - 1 : i].text);
+        };
+        for (size_t i = 0; i < controls_.size(); ++i)
+            for (size_t j = 0; j < i; ++j)
+                if (takes_focus(controls_[i].kind) && takes_focus(controls_[j].kind) &&
+                    containers_[i] == containers_[j] && said(i) == said(j) &&
+                    !are_alternatives(id_, controls_[j].id, controls_[i].id))
+                    findings_.add(name(i) + L" has the name of " + name(j));
     }
 
     // The smallest group box around each control.
@@ -170,6 +209,7 @@ private:
     }
 
     unsigned id_;
+    bool is_box_;
     wchar_t sheet_mnemonic_;
     Findings& findings_;
     std::vector<Control> controls_;

@@ -190,9 +190,10 @@ TEST_F(Saving, CheckButtonTellsEveryFaultAtOnce) {
         type(kGeneralPage, IDC_RESOLUTION, L"71");
         type(kGeneralPage, IDC_SCALE, L"9");
         click(kWaterMarkPage, IDC_MARK_TEXT);
+        type(kWaterMarkPage, IDC_MARK_WORDS, L" ");
         type(kWaterMarkPage, IDC_MARK_SIZE, L"7");
         check();
-        for (const UINT fault : {IDS_BAD_RESOLUTION, IDS_BAD_SCALE, IDS_MARK_BAD_SIZE})
+        for (const UINT fault : {IDS_BAD_RESOLUTION, IDS_BAD_SCALE, IDS_MARK_NO_WORDS, IDS_MARK_BAD_SIZE})
             EXPECT_TRUE(says(dialog_text(fault))) << fault;
         EXPECT_TRUE(is_in_front(kGeneralPage));
         type(kGeneralPage, IDC_RESOLUTION, L"72x");

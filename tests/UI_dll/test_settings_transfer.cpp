@@ -44,7 +44,7 @@ TEST_F(SettingsPage, SelectedSettingIsToldInWords) {
          {L"Paper: Custom size, 100 \u00D7 50 mm\n", L"PDF version: PDF 1.7\n",
           L"Security: password to open\n", L"C:\\here\n", L"Watermark: DRAFT"},
          true},
-        {3, {L"Security: none\n", L"asks each time\n", dialog_text(IDS_SUM_ADMINISTRATOR)}, true},
+        {3, {L"Security: none\n", L"asked for each time\n", dialog_text(IDS_SUM_ADMINISTRATOR)}, true},
         {5, {dialog_text(IDS_SUM_UNREADABLE)}, false}};
     for (const auto& [row, parts, can_copy] : rows) {
         select(row);

@@ -4,7 +4,9 @@
 #include <prsht.h>
 #include <shellapi.h>
 
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "UI_dll/PDFSettings/list/import_check.h"
@@ -44,6 +46,13 @@ void tell_error(HWND page, UINT text_id, const std::wstring& path, DWORD error) 
                  IDS_REFUSED, MB_OK | MB_ICONERROR);
 }
 
+// A message box holds so many lines; behind them it says only that there are more.
+void add_line(std::vector<std::wstring>& lines, std::wstring line) {
+    constexpr size_t kMostTold = 12;
+    if (lines.size() <= kMostTold)
+        lines.push_back(lines.size() < kMostTold ? std::move(line) : L"\u2026");
+}
+
 std::wstring stem_of(const std::wstring& path) {
     const std::wstring_view file = qk::file_part(path);
     return std::wstring(file.substr(0, file.rfind(L'.')));
@@ -65,7 +74,7 @@ std::wstring import_file(const std::wstring& path, std::vector<std::wstring>& co
     if (made.empty())
         fault = system_text(GetLastError());
     else
-        corrected.insert(corrected.end(), check.corrected.begin(), check.corrected.end());
+        corrected = std::move(check.corrected);
     return made;
 }
 
@@ -73,15 +82,18 @@ std::wstring import_file(const std::wstring& path, std::vector<std::wstring>& co
 
 void import_files(HWND list_page, std::span<const std::wstring> paths) {
     TRACE("import_files");
-    constexpr size_t kMostTold = 12;
     std::vector<std::wstring> faults, corrected;
     std::wstring last;
     for (const std::wstring& path : paths) {
+        const std::wstring file = std::wstring(qk::file_part(path)) + L": ";
+        std::vector<std::wstring> values;
         std::wstring fault;
-        if (std::wstring made = import_file(path, corrected, fault); !made.empty())
+        if (std::wstring made = import_file(path, values, fault); !made.empty())
             last = std::move(made);
-        else if (faults.size() < kMostTold)
-            faults.push_back(std::wstring(qk::file_part(path)) + L": " + fault);
+        else
+            add_line(faults, file + fault);
+        for (const std::wstring& value : values)
+            add_line(corrected, paths.size() > 1 ? file + value : value);
     }
     if (!last.empty()) {
         ResetSettingsList(list_page, last);

@@ -135,8 +135,9 @@ void dlg_command_Compress(HWND page, int control, int notification) {
 
 bool check_image(HWND page, const ImageControls& image) {
     const ImageUse use = image_use(page, image);
-    if (use.quality && !quality_of(image.base).find(page))
-        return refuse(page, image.base + CMP_QUALITY, IDS_CMP_BAD_QUALITY);
+    if (use.quality && !quality_of(image.base).find(page) &&
+        !refuse(page, image.base + CMP_QUALITY, IDS_CMP_BAD_QUALITY))
+        return false;
     if (!use.resolutions)
         return true;
     const auto threshold = threshold_of(image.base).find(page);

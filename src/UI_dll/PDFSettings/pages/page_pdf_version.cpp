@@ -265,18 +265,21 @@ bool dlg_killactive_PDFVersion(HWND page) {
     if (!is_standard(section.Version))
         return true;
     const bool press = is_press_standard(section.Version);
-    if (const int edit = press ? find_bad_margin(page) : 0)
-        return refuse(page, edit, IDS_PV_BAD_MARGIN);
-    if (is_other_profile(page) && !icc::find_profile(section.ICCFileName))
-        return refuse(page, IDC_PV_PROFILE, IDS_PV_NO_PROFILE);
+    const int bad_margin = press ? find_bad_margin(page) : 0;
+    if (bad_margin && !refuse(page, bad_margin, IDS_PV_BAD_MARGIN))
+        return false;
+    if (is_other_profile(page) && !icc::find_profile(section.ICCFileName) &&
+        !refuse(page, IDC_PV_PROFILE, IDS_PV_NO_PROFILE))
+        return false;
     if (!press)
         return true;
-    if (is_other_condition(page) && control_text(page, IDC_PV_CONDITION).empty())
-        return refuse(page, IDC_PV_CONDITION, IDS_PV_NO_CONDITION);
+    if (is_other_condition(page) && control_text(page, IDC_PV_CONDITION).empty() &&
+        !refuse(page, IDC_PV_CONDITION, IDS_PV_NO_CONDITION))
+        return false;
     const PDFVersion_impl& loaded = *loaded_setting().pdfVersion();
     const bool has_other_boxes =
         is_other_version(page) || section.TrimBox != loaded.TrimBox || section.BleedBox != loaded.BleedBox;
-    return !has_other_boxes || job::is_trim_inside_bleed(section) ||
+    return bad_margin || !has_other_boxes || job::is_trim_inside_bleed(section) ||
            refuse(page, box_to_mend(page, section), IDS_PV_BAD_BOXES);
 }
 

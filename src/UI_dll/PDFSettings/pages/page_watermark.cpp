@@ -276,22 +276,32 @@ void dlg_setactive_WaterMark(HWND page) {
 
 bool check_text(HWND page) {
     if (is_new(page, IDC_MARK_WORDS) &&
-        control_text(page, IDC_MARK_WORDS).find_first_not_of(L' ') == std::wstring::npos)
-        return refuse(page, IDC_MARK_WORDS, IDS_MARK_NO_WORDS);
-    if (is_new(page, IDC_MARK_FONT) && control_text(page, IDC_MARK_FONT).empty())
-        return refuse(page, IDC_MARK_FONT, IDS_MARK_NO_FONT);
+        control_text(page, IDC_MARK_WORDS).find_first_not_of(L' ') == std::wstring::npos &&
+        !refuse(page, IDC_MARK_WORDS, IDS_MARK_NO_WORDS))
+        return false;
+    if (is_new(page, IDC_MARK_FONT) && control_text(page, IDC_MARK_FONT).empty() &&
+        !refuse(page, IDC_MARK_FONT, IDS_MARK_NO_FONT))
+        return false;
     return font_size(page) || refuse(page, IDC_MARK_SIZE, IDS_MARK_BAD_SIZE);
 }
 
-// A file that the setting has named all along may be on another computer.
-bool check_picture(HWND page) {
+// What is wrong with the picture's file; 0: nothing. One that the setting has named all along may be on
+// another computer.
+UINT file_fault(HWND page) {
     const std::wstring path = control_text(page, IDC_MARK_FILE);
-    if (is_new(page, IDC_MARK_FILE) && path.empty())
-        return refuse(page, IDC_MARK_FILE, IDS_MARK_NO_FILE);
-    if (is_touched(page, IDC_MARK_FILE) && !(qk::is_full_path(path) && qk::is_file(path)))
-        return refuse(page, IDC_MARK_FILE, IDS_MARK_LOST_FILE);
-    if (is_touched(page, IDC_MARK_FILE) && is_no_picture(path))
-        return refuse(page, IDC_MARK_FILE, IDS_MARK_NO_PICTURE);
+    if (path.empty())
+        return is_new(page, IDC_MARK_FILE) ? IDS_MARK_NO_FILE : 0;
+    if (!is_touched(page, IDC_MARK_FILE))
+        return 0;
+    if (!qk::is_full_path(path) || !qk::is_file(path))
+        return IDS_MARK_LOST_FILE;
+    return is_no_picture(path) ? IDS_MARK_NO_PICTURE : 0;
+}
+
+bool check_picture(HWND page) {
+    const UINT fault = file_fault(page);
+    if (fault != 0 && !refuse(page, IDC_MARK_FILE, fault))
+        return false;
     return picture_scale(page) || refuse(page, IDC_MARK_SCALE, IDS_MARK_BAD_SCALE);
 }
 
