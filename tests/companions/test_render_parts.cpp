@@ -164,12 +164,12 @@ TEST_F(EngineRun, EndsAreTold) {
 TEST(ScratchFolders, OfKilledRunsGoWithTheNext) {
     const TempFolder temp;
     const Variable place(L"TMP", temp.path());
-    const std::wstring own = L"zr_render_" + std::to_wstring(GetCurrentProcessId()) + L"_7";
     const std::tuple<std::wstring, std::wstring, bool> rows[] = {
-        {L"zr_render_4294967292_0", L"options.txt", false},  // no process has it
-        {L"zr_render_4294967292_1", L"password.txt", false},
+        {L"zr_render_4294967292_0", L"password.txt", false},  // no process has it
+        {L"zr_render_4294967292_1", L"gs_a1B2c3", false},
         {L"zr_render_4294967292_2", L"another's.txt", true},
-        {own, L"options.txt", true}};
+        {L"zr_render_4294967292_3", L"engine.log", false},
+        {L"zr_render_" + std::to_wstring(GetCurrentProcessId()) + L"_7", L"options.txt", true}};
     for (const auto& [name, file, stays] : rows) {
         CreateDirectoryW(temp.file(name).c_str(), nullptr);
         temp.write(name + L"\\" + file, "secret");
