@@ -48,8 +48,11 @@ void delete_moved_aside(const std::wstring& target) {
 void put_in_place(const FileCopy& copy) {
     const std::wstring fresh = qk::format(L"%s.new%u", copy.target.c_str(), GetCurrentProcessId());
     ForceDirectories(companions::folder_part(copy.target));
-    if (!CopyFileW(copy.source.c_str(), fresh.c_str(), FALSE))
-        throw HostError{ExitCode::kInstallation, with_reason(L"cannot write " + copy.target, GetLastError())};
+    if (!CopyFileW(copy.source.c_str(), fresh.c_str(), FALSE)) {
+        const DWORD error = GetLastError();
+        DeleteFileW(fresh.c_str());  // what a full disk has taken of it
+        throw HostError{ExitCode::kInstallation, with_reason(L"cannot write " + copy.target, error)};
+    }
     if (MoveFileExW(fresh.c_str(), copy.target.c_str(), MOVEFILE_REPLACE_EXISTING))
         return;
     move_aside(copy.target);
