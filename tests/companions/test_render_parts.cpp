@@ -4,7 +4,6 @@
 #include "companions/render/engine.h"
 #include "companions/render/engine_arguments.h"
 #include "companions/render/engine_log.h"
-#include "companions/render/render_job.h"
 #include "companions/render/result_record.h"
 #include "companions/render/scratch_folder.h"
 #include "companions/render/spool_links.h"
@@ -59,10 +58,11 @@ TEST(RenderRules, SpooledAddressesAreMarked) {
     const struct {
         std::string text, first, second;  // pieces of the lines
         bool marked = true;
-    } rows[] = {{"www.a.de", "/e glyphshow\n1 ZRat\n(http://www.a.de) 0 0.00 -10.00 ZRlinked\npgsave"},
-                {"x www.a.de. y", "0 ZRat\n/w glyphshow\n", "/e glyphshow\n1 ZRat\n/period"},
-                {"^w^w^w|^.^a^.^d^e", "/period", "", false},
-                {"www.a.de|www.b.de", "/e glyphshow\n1 ZRat\n90 700", "(http://www.b.de) 2 0.00"}};
+    } rows[] = {
+        {"www.a.de", "/e glyphshow\n1 ZRat\n(http://www.a.de) 0 0.00 -10.00 ZRlinked\npgsave"},
+        {"x (www.a.de/b_(c)). y", "\n0 ZRat\n/w glyphshow\n", "/) glyphshow\n1 ZRat\n/) glyphshow\n/period"},
+        {"^w^w^w|^.^a^.^d^e", "/period", "", false},
+        {"www.a.de|www.b.de", "/e glyphshow\n1 ZRat\n90 700", "(http://www.b.de) 2 0.00"}};
     for (const auto& row : rows) {
         const std::string marked = mark_links(spooled(row.text)).value_or("");
         EXPECT_NE(marked.find(row.first), std::string::npos) << marked;
