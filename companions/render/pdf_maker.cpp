@@ -207,13 +207,31 @@ PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
         return drawn;
     tool.rewrite(made, rewritten.path(), how);  // mends what engines leave damaged
     if (!tool.present()) {
-        warn("qpdf was not found: the PDF's end is looked at, not its title" +
-             std::string(linearize ? ", and it is not linearized" : ""));
+        tell_what_is_left(how.small);
         keep_if(find_fault_of_end(drawn.path()), drawn);
         return drawn;
     }
     keep_if(tool.find_fault(rewritten.path(), expected), rewritten);
     return rewritten;
+}
+
+// What the setting asks for and only qpdf does.
+void PdfMaker::tell_what_is_left(bool packs) const {
+    const auto encryption = wants_password(settings_) ? find_encryption(settings_) : std::nullopt;
+    const struct {
+        bool asked;
+        const char* left;
+    } rows[] = {
+        {settings_.general()->Linearize, "it is not linearized"},
+        {packs, "its objects are not packed together"},
+        {encryption && *encryption != Encryption::kRc4, "it is protected by RC4 only"},
+        {settings_.font()->WhenFailedToEmbed == ps::Font_impl::kNoPDF, "its fonts are not looked through"},
+    };
+    std::string text = "qpdf was not found: the PDF's end is looked at, not its title";
+    for (const auto& row : rows)
+        if (row.asked)
+            text += std::string("; ") + row.left;
+    warn(text);
 }
 
 // Nothing is kept of a PDF that has a fault.

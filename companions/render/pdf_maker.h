@@ -50,6 +50,7 @@ private:
     void follow(std::string_view bytes);
     void check(Engine::End end, const PendingPdf& pdf) const;
     void keep_if(const std::optional<std::string>& fault, const PendingPdf& pdf) const;
+    void tell_what_is_left(bool packs) const;
     void demand_room(const PendingPdf& pdf) const;
     void check_fonts(const std::wstring& pdf);
 
