@@ -219,6 +219,8 @@ void JobRun::render(std::span<wchar_t> arena) {
             {report_.thread, qk::kProductName, spool_,
              options_.setting.empty() ? L"" : setting_for_module(options_.setting), options_.keep_spool},
             arena);
+        if (report_.renderer_exit_code != 0)  // one that was ended from outside has left it
+            discard_reserved_file(report_.thread);
     } catch (const HostError& error) {  // the job must still be brought to its end
         report_.fault = error.text;
     }

@@ -70,6 +70,8 @@ bool provide_data_file(const std::wstring& folder) {
     DWORD written = 0;
     if (!file || !WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
         throw installation_fault(L"cannot write " + path, GetLastError());
+    if (written != bytes.size())  // which is no error to every system
+        throw installation_fault(L"cannot write " + path, ERROR_DISK_FULL);
     return true;
 }
 
@@ -121,11 +123,13 @@ bool leads_to_pdf(const PrinterWay& way) {
 
 bool ensure_printer() {
     PrintProcessor needed = needed_print_processor();
+    bool was_default = false;
     if (qk::PrinterHandleObj there = open_printer()) {
         if (leads_to_pdf(printer_way(there.get())))
             return false;
         // Not every spooler changes a printer's processor; each makes a printer with the one that is named.
         there.reset();
+        was_default = qk::equal_no_case(default_printer(), qk::kProductName);
         remove_printer();
     }
     PRINTER_INFO_2W printer = {};
@@ -138,6 +142,8 @@ bool ensure_printer() {
     const qk::PrinterHandleObj made(AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&printer)));
     if (!made && GetLastError() != ERROR_PRINTER_ALREADY_EXISTS)
         throw installation_fault(L"the printer cannot be installed", GetLastError());
+    if (was_default)  // it was forgotten with the printer
+        SetDefaultPrinterW(qk::kProductName);
     return true;
 }
 

@@ -8,6 +8,8 @@
 #include "companions/host/child.h"
 #include "companions/host/host_error.h"
 #include "companions/host/record_fields.h"
+#include "companions/render/pending_pdf.h"
+#include "companions/render/result_codes.h"
 #include "companions/reservation.h"
 
 namespace host {
@@ -16,16 +18,31 @@ namespace {
 
 constexpr wchar_t kProgram[] = L"zr_render.exe";
 
-DWORD run(const std::vector<std::wstring>& words,
-          const std::function<void(HANDLE process, HANDLE lines)>& wait) {
-    Child started = wait ? start_quiet(words) : start_telling(words);
-    if (wait)
-        wait(started.process.get(), started.lines.get());
+// Whether a renderer whose exit code is 0 has come to its end: Wine tells that of a killed process, too. At
+// its end it names the PDF and deletes the spool, either of which may fail.
+bool has_made_pdf(const RenderJob& job) {
+    const auto result = find_result_record(job.thread);
+    return (result && result->pdf_file_name.length != 0) || (!job.keep_spool && !qk::is_file(job.spool));
+}
+
+// The exit code, another than the renderer's own when it was ended from outside; nothing of it is left then.
+DWORD exit_code_of(HANDLE process, const RenderJob& job) {
+    DWORD code = 0;
+    GetExitCodeProcess(process, &code);
+    if (code == 0 ? has_made_pdf(job) : code <= DWORD{companions::render::kExitNoRecord})
+        return code;
+    if (const auto start = find_start_record(job.thread))
+        companions::render::remove_pending(record_text(start->output_path), GetProcessId(process));
+    return code == 0 ? DWORD{ERROR_PROCESS_ABORTED} : code;
+}
+
+DWORD run(const std::vector<std::wstring>& words, const RenderJob& job) {
+    Child started = job.wait ? start_quiet(words) : start_telling(words);
+    if (job.wait)
+        job.wait(started.process.get(), started.lines.get());
     started.lines.reset();  // a renderer that still speaks must not wait for a reader
     WaitForSingleObject(started.process.get(), INFINITE);  // the renderer keeps its own time limit
-    DWORD exit_code = 0;
-    GetExitCodeProcess(started.process.get(), &exit_code);
-    return exit_code;
+    return exit_code_of(started.process.get(), job);
 }
 
 // It runs as this process does, which may be a service that acts for a user: the user's registry names no
@@ -57,7 +74,7 @@ DWORD run_renderer(const RenderJob& job, std::span<wchar_t> arena) {
         words.insert(words.end(), {L"--cancel", job.cancel});
     if (job.keep_spool)
         words.push_back(L"--keep-spool");
-    return run(words, job.wait);
+    return run(words, job);
 }
 
 void discard_reserved_file(DWORD thread) {

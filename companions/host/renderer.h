@@ -24,8 +24,8 @@ struct RenderJob {
 };
 
 // Runs the renderer of the installation folder to its end. It writes the result record's long texts into
-// `arena`, which must live until the module has read the record. Returns its exit code. Throws HostError
-// (installation) when it cannot be started.
+// `arena`, which must live until the module has read the record. Returns its exit code, one above 3 when it
+// was ended from outside. Throws HostError (installation) when it cannot be started.
 [[nodiscard]] DWORD run_renderer(const RenderJob& job, std::span<wchar_t> arena);
 
 // Takes back the file that was reserved for a job of this process which ends without a PDF.

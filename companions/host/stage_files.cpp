@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <string_view>
+
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
@@ -14,6 +16,7 @@ namespace host {
 namespace {
 
 constexpr wchar_t kModule[] = L"ZR_UI80.dll";
+constexpr wchar_t kAside[] = L".old";  // before the number of the process that has moved a file aside
 constexpr const wchar_t* kInstalledFiles[] = {L"Tessalo80.dll", L"zr_render.exe"};
 
 void demand(const std::wstring& path) {
@@ -31,25 +34,20 @@ ULONGLONG write_time(const std::wstring& path) noexcept {
 
 // A program that has loaded the file keeps it from being replaced, but not from being renamed.
 void move_aside(const std::wstring& target) {
-    const std::wstring aside = qk::format(L"%s.old%u", target.c_str(), GetCurrentProcessId());
+    const std::wstring aside = target + kAside + std::to_wstring(GetCurrentProcessId());
     if (MoveFileExW(target.c_str(), aside.c_str(), MOVEFILE_REPLACE_EXISTING) && !DeleteFileW(aside.c_str()))
         MoveFileExW(aside.c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
-}
-
-// What earlier installations could not delete since a program still used it.
-void delete_moved_aside(const std::wstring& target) {
-    WIN32_FIND_DATAW found = {};
-    const qk::FindObj search(FindFirstFileW((target + L".old*").c_str(), &found));
-    for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found) != FALSE)
-        DeleteFileW((companions::folder_part(target) + found.cFileName).c_str());
 }
 
 // Under a name of its own first, so that nobody ever sees half a file.
 void put_in_place(const FileCopy& copy) {
     const std::wstring fresh = qk::format(L"%s.new%u", copy.target.c_str(), GetCurrentProcessId());
     ForceDirectories(companions::folder_part(copy.target));
-    if (!CopyFileW(copy.source.c_str(), fresh.c_str(), FALSE))
-        throw HostError{ExitCode::kInstallation, with_reason(L"cannot write " + copy.target, GetLastError())};
+    if (!CopyFileW(copy.source.c_str(), fresh.c_str(), FALSE)) {
+        const DWORD error = GetLastError();
+        DeleteFileW(fresh.c_str());  // what a full disk has taken of it
+        throw HostError{ExitCode::kInstallation, with_reason(L"cannot write " + copy.target, error)};
+    }
     if (MoveFileExW(fresh.c_str(), copy.target.c_str(), MOVEFILE_REPLACE_EXISTING))
         return;
     move_aside(copy.target);
@@ -65,6 +63,19 @@ void put_in_place(const FileCopy& copy) {
 const wchar_t* outcome_name(CopyOutcome outcome) noexcept {
     static constexpr const wchar_t* kNames[] = {L"copied", L"replaced", L"up to date", L"kept (edited)"};
     return kNames[static_cast<size_t>(outcome)];
+}
+
+void delete_moved_aside(const std::wstring& target) {
+    const std::wstring start = target + kAside;
+    const size_t number = qk::file_part(start).size();
+    WIN32_FIND_DATAW found = {};
+    const qk::FindObj search(FindFirstFileW((start + L'*').c_str(), &found));
+    for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found) != FALSE) {
+        const std::wstring_view name = found.cFileName;
+        // Somebody's own "x.old" is none.
+        if (name.size() > number && name.find_first_not_of(L"0123456789", number) == std::wstring_view::npos)
+            DeleteFileW((companions::folder_part(target) + found.cFileName).c_str());
+    }
 }
 
 std::vector<std::wstring> files_below(const std::wstring& folder, const std::wstring& relative) {

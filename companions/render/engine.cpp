@@ -9,6 +9,7 @@
 #include "common/qk/text.h"
 #include "companions/command_line.h"
 #include "companions/render/cancelling.h"
+#include "companions/render/scratch_folder.h"
 #include "companions/system_texts.h"
 #include "companions/thread.h"
 #include "companions/wine_layer.h"
@@ -18,8 +19,6 @@ namespace companions::render {
 namespace {
 
 constexpr DWORD kPollMilliseconds = 50;
-constexpr wchar_t kLogName[] = L"engine.log";
-constexpr wchar_t kPidName[] = L"engine.pid";
 
 // Limits the engine's processor time, since nobody could stop an endless document otherwise, and sends what
 // it prints to a file: a pipe of this process means nothing to a Unix program. A job that is given up ends it
@@ -196,8 +195,8 @@ Engine::End Engine::run(const std::vector<std::string>& arguments, const std::ws
                         const std::function<void(std::string_view)>& output) const {
     if (cancelled())
         return End::kStopped;
-    const std::wstring log = scratch + L'\\' + kLogName;
-    const std::wstring pid_file = scratch + L'\\' + kPidName;
+    const std::wstring log = scratch + L'\\' + kLogFile;
+    const std::wstring pid_file = scratch + L'\\' + kPidFile;
     for (const std::wstring& old : {log, pid_file})
         DeleteFileW(old.c_str());  // a program that starts slowly would leave those of the one before
     Tail tail(log, output);

@@ -75,7 +75,7 @@ void add_names(std::set<std::string>& names, HDC dc, const std::wstring& family)
 std::string list(const char* key, const std::set<std::string>& names) {
     std::string text = std::string("/") + key + " [";
     for (const std::string& name : names)
-        if (name.find_first_of("()<>[]{}/%") == std::string::npos && !name.empty())
+        if (name.find_first_of("()<>[]{}/% \t\n\f\r") == std::string::npos && !name.empty())
             text += " /" + name;
     return text + " ]\n";
 }

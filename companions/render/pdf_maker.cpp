@@ -14,6 +14,7 @@
 #include "companions/render/spool_links.h"
 #include "companions/render/spool_pictures.h"
 #include "companions/render/viewer.h"
+#include "companions/system_texts.h"
 
 namespace companions::render {
 
@@ -21,10 +22,10 @@ namespace {
 
 namespace ps = Corvanta::Vantrix::PrintSettings;
 
-// Nothing is kept of a PDF that has a fault.
-void keep_if(const std::optional<std::string>& fault) {
-    if (fault)
-        throw Failure{ResultCode::kPdfUnreadable, ERROR_INVALID_DATA, qk::to_wide(*fault)};
+bool is_full(const std::wstring& folder) noexcept {
+    constexpr ULONGLONG kLeast = 1 << 16;  // bytes
+    ULARGE_INTEGER left = {};
+    return GetDiskFreeSpaceExW(folder.c_str(), &left, nullptr, nullptr) && left.QuadPart < kLeast;
 }
 
 // A file as it lies on the disk.
@@ -96,7 +97,8 @@ unsigned PdfMaker::draw(const std::wstring& spool, bool landscape, PendingPdf& p
     if (!standard_ && settings_.color()->ColorMode != ps::Color_impl::kColour)
         files.more.emplace_back("-sColorConversionStrategy=Gray");
     check(engine_.run(engine_arguments(settings_, files), scratch_.path(),
-                      [this](std::string_view bytes) { follow(bytes); }));
+                      [this](std::string_view bytes) { follow(bytes); }),
+          pdf);
     return log_.pages();
 }
 
@@ -205,13 +207,46 @@ PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
         return drawn;
     tool.rewrite(made, rewritten.path(), how);  // mends what engines leave damaged
     if (!tool.present()) {
-        warn("qpdf was not found: the PDF's end is looked at, not its title" +
-             std::string(linearize ? ", and it is not linearized" : ""));
-        keep_if(find_fault_of_end(drawn.path()));
+        tell_what_is_left(how.small);
+        keep_if(find_fault_of_end(drawn.path()), drawn);
         return drawn;
     }
-    keep_if(tool.find_fault(rewritten.path(), expected));
+    keep_if(tool.find_fault(rewritten.path(), expected), rewritten);
     return rewritten;
+}
+
+// What the setting asks for and only qpdf does.
+void PdfMaker::tell_what_is_left(bool packs) const {
+    const auto encryption = wants_password(settings_) ? find_encryption(settings_) : std::nullopt;
+    const struct {
+        bool asked;
+        const char* left;
+    } rows[] = {
+        {settings_.general()->Linearize, "it is not linearized"},
+        {packs, "its objects are not packed together"},
+        {encryption && *encryption != Encryption::kRc4, "it is protected by RC4 only"},
+        {settings_.font()->WhenFailedToEmbed == ps::Font_impl::kNoPDF, "its fonts are not looked through"},
+    };
+    std::string text = "qpdf was not found: the PDF's end is looked at, not its title";
+    for (const auto& row : rows)
+        if (row.asked)
+            text += std::string("; ") + row.left;
+    warn(text);
+}
+
+// Nothing is kept of a PDF that has a fault.
+void PdfMaker::keep_if(const std::optional<std::string>& fault, const PendingPdf& pdf) const {
+    if (!fault)
+        return;
+    demand_room(pdf);
+    throw Failure{ResultCode::kPdfUnreadable, ERROR_INVALID_DATA, qk::to_wide(*fault)};
+}
+
+// On a full disk programs fail as over damaged data, and their words find no room either.
+void PdfMaker::demand_room(const PendingPdf& pdf) const {
+    for (const std::wstring& folder : {scratch_.path(), folder_part(pdf.path())})
+        if (is_full(folder))
+            throw Failure{ResultCode::kTargetUnwritable, ERROR_DISK_FULL, folder};
 }
 
 void PdfMaker::check_fonts(const std::wstring& pdf) {
@@ -240,7 +275,7 @@ void PdfMaker::follow(std::string_view bytes) {
         page_done_(++told_);
 }
 
-void PdfMaker::check(Engine::End end) const {
+void PdfMaker::check(Engine::End end, const PendingPdf& pdf) const {
     constexpr struct {
         ResultCode code;
         DWORD win32_error;
@@ -253,6 +288,9 @@ void PdfMaker::check(Engine::End end) const {
         {ResultCode::kStandardUnmet, ERROR_NOT_SUPPORTED},
     };
     const ResultCode code = engine_result(end, log_);
+    if (code == ResultCode::kSpoolDamaged || code == ResultCode::kEngineStopped ||
+        code == ResultCode::kNoPages)
+        demand_room(pdf);
     for (const auto& row : kErrors)
         if (row.code == code)
             throw Failure{code, row.win32_error, qk::to_wide(log_.error())};

@@ -48,7 +48,10 @@ private:
     void run_pass(const char* device, const std::vector<std::string>& more, const std::string& spool,
                   bool landscape, const std::function<void(std::string_view)>& output);
     void follow(std::string_view bytes);
-    void check(Engine::End end) const;
+    void check(Engine::End end, const PendingPdf& pdf) const;
+    void keep_if(const std::optional<std::string>& fault, const PendingPdf& pdf) const;
+    void tell_what_is_left(bool packs) const;
+    void demand_room(const PendingPdf& pdf) const;
     void check_fonts(const std::wstring& pdf);
 
     const Settings& settings_;

@@ -44,4 +44,13 @@ void PendingPdf::take_its_place() {
     path_.clear();
 }
 
+void remove_pending(const std::wstring& target, DWORD process) {
+    const std::wstring folder = folder_part(target);
+    const std::wstring names = qk::format(L"%szr_%lu_*.tmp", folder.c_str(), process);
+    WIN32_FIND_DATAW found = {};
+    const qk::FindObj search(FindFirstFileW(names.c_str(), &found));
+    for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found) != FALSE)
+        DeleteFileW((folder + found.cFileName).c_str());
+}
+
 }  // namespace companions::render

@@ -1,6 +1,8 @@
 // A PDF that is not in its place yet.
 #pragma once
 
+#include <windows.h>
+
 #include <cstdint>
 #include <string>
 
@@ -26,5 +28,8 @@ private:
     std::wstring target_;
     std::wstring path_;
 };
+
+// Removes what a process that was ended from outside has left beside the target.
+void remove_pending(const std::wstring& target, DWORD process);
 
 }  // namespace companions::render

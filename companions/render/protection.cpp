@@ -17,12 +17,19 @@ bool is_latin(const std::wstring& password) {
     });
 }
 
+// qpdf reads a password as a line of a file, and nobody can type these.
+bool has_control(const std::wstring& password) {
+    return std::ranges::any_of(password, [](wchar_t unit) { return unit < 0x20; });
+}
+
 }  // namespace
 
 std::optional<Encryption> find_encryption(const ps::PrintSettings& settings) {
     constexpr uint32_t kStrongest = 5;
     const auto& security = *settings.security();
     const uint32_t version = settings.pdfVersion()->Version;
+    if (has_control(security.MasterPassword) || has_control(security.UserPassword))
+        return std::nullopt;
     if (version == ps::kPDF20)
         return Encryption::kAes256;
     const bool latin = is_latin(security.MasterPassword) && is_latin(security.UserPassword);

@@ -15,7 +15,8 @@ enum class Encryption { kRc4, kAes, kAes256 };
 
 // What the version of PDF and the level allow: PDF 1.4 and 1.5 the first, 1.6 and 1.7 the second (the first
 // at level 0), PDF 2.0 the last. PDF 1.7 takes the last one too, at level 5 and for passwords that the others
-// have no bytes for. Nothing when such a password meets an older version, and for PDF 1.3.
+// have no bytes for. Nothing when such a password meets an older version, for one with control characters,
+// and for PDF 1.3.
 [[nodiscard]] std::optional<Encryption> find_encryption(
     const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
 

@@ -78,8 +78,11 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
     if (target.empty())
         throw Failure{ResultCode::kNoTarget, ERROR_INVALID_PARAMETER, {}};
     const PrintSettingsAdmin settings = load_settings(arguments);
-    for (const std::string& wish : unsupported_wishes(settings))
+    std::wstring& told = rendered.result.message;  // also of a job that is done
+    for (const std::string& wish : unsupported_wishes(settings)) {
         warn("not done by this renderer: " + wish);
+        told += (told.empty() ? L"Not done by this renderer: " : L"; ") + qk::to_wide(wish);
+    }
     const bool landscape = check_spool(arguments.spool);
     PendingPdf drawn(target);
     PendingPdf rewritten(target);

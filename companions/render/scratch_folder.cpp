@@ -44,9 +44,10 @@ bool make_private_folder(const std::wstring& path) {
     return CreateDirectoryW(path.c_str(), &attributes);
 }
 
-void remove_files(const std::wstring& folder) {
+// Those of the folder's files that the pattern fits.
+void remove_files(const std::wstring& folder, const wchar_t* pattern) {
     WIN32_FIND_DATAW found;
-    const qk::FindObj search(FindFirstFileW((folder + L"\\*").c_str(), &found));
+    const qk::FindObj search(FindFirstFileW((folder + L'\\' + pattern).c_str(), &found));
     if (!search)
         return;
     do {
@@ -70,9 +71,11 @@ void remove_leftovers(const std::wstring& root) {
         if (alive || GetLastError() != ERROR_INVALID_PARAMETER)
             continue;
         const std::wstring folder = root + found.cFileName;
-        for (const wchar_t* name : {kOptionsFile, kPasswordFile, kJobFile, kChangesFile, kMetadataFile,
-                                    kBareFile, kSpoolFile, kProfileFile, kPrologueFile, kEpilogueFile})
+        for (const wchar_t* name :
+             {kOptionsFile, kPasswordFile, kJobFile, kChangesFile, kMetadataFile, kBareFile, kSpoolFile,
+              kProfileFile, kPrologueFile, kEpilogueFile, kLogFile, kPidFile})
             DeleteFileW((folder + L'\\' + name).c_str());
+        remove_files(folder, kEnginesOwn);
         RemoveDirectoryW(folder.c_str());
     } while (FindNextFileW(search.get(), &found));
 }
@@ -98,7 +101,7 @@ ScratchFolder::~ScratchFolder() {
     if (path_.empty())
         return;
     try {
-        remove_files(path_);
+        remove_files(path_, L"*");
     } catch (...) {  // no memory: the files stay
     }
     RemoveDirectoryW(path_.c_str());
@@ -111,6 +114,10 @@ std::wstring ScratchFolder::write(std::wstring_view name, std::string_view bytes
     DWORD written = 0;
     if (!file || !WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
         return {};
+    if (written != bytes.size()) {  // which is no error to every system
+        SetLastError(ERROR_DISK_FULL);
+        return {};
+    }
     return path;
 }
 

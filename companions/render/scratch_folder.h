@@ -17,6 +17,9 @@ inline constexpr wchar_t kSpoolFile[] = L"spool.ps";            // prepared
 inline constexpr wchar_t kProfileFile[] = L"default_cmyk.icc";  // as the engine asks for it
 inline constexpr wchar_t kPrologueFile[] = L"prologue.ps";
 inline constexpr wchar_t kEpilogueFile[] = L"epilogue.ps";
+inline constexpr wchar_t kLogFile[] = L"engine.log";  // what a program says, the document's text among it
+inline constexpr wchar_t kPidFile[] = L"engine.pid";
+inline constexpr wchar_t kEnginesOwn[] = L"gs_*";  // what the engine makes here for itself
 
 // Made in the temporary folder, open to the current user only since passwords lie in it, and removed with all
 // that it holds when this goes out of scope; after a run that was ended from outside, when the next one
@@ -31,7 +34,8 @@ public:
     // Without a trailing backslash; empty, with the last error of the attempt, when it could not be made.
     [[nodiscard]] const std::wstring& path() const noexcept { return path_; }
 
-    // Writes a file into the folder: its full path, or empty with the last error when that failed.
+    // Writes a file into the folder: its full path, or empty with the last error when it could not be written
+    // whole.
     [[nodiscard]] std::wstring write(std::wstring_view name, std::string_view bytes) const;
 
 private:

@@ -66,7 +66,13 @@ std::optional<WebAddress> find_address(const std::string& word) {
     if (first == std::string::npos)
         return std::nullopt;
     size_t end = std::min(word.find_first_of("<>\"", first), word.size());
-    while (end > first && std::string_view(".,;:!?')]}").find(word[end - 1]) != std::string_view::npos)
+    const auto has = [&](char sign) {
+        const auto* from = word.data();
+        return std::count(from + first, from + end, sign);
+    };
+    // A parenthesis that the address itself has opened is its own.
+    while (end > first && std::string_view(".,;:!?')]}").find(word[end - 1]) != std::string_view::npos &&
+           (word[end - 1] != ')' || has('(') < has(')')))
         --end;
     if (end - first < kLeast)
         return std::nullopt;

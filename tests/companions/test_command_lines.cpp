@@ -33,11 +33,9 @@ TEST(CommandLines, WrongWordsAreNamed) {
         {{}, L"command", L"no"},
         {{L"prnt"}, L"\"prnt\"", L"unknown"},
         {{L"print"}, L"FILE", L"required"},
-        {{L"print", L"a", L"--title"}, L"--title", L"required"},
         {{L"print", L"a", L"--trace", L"4294967296"}, L"--trace", L"4294967296"},
         {{L"print", L"a", L"--abort-after-page", L"0"}, L"--abort-after-page", L"above 0"},
         {{L"diff", L"a", L"b", L"c"}, L"FILE", L"2"},
-        {{L"--thread", L"4294967296"}, L"--thread", L"4294967296"},
         {{L"--thread", L"7", L"--discard", L"--notify", L"7:65536"}, L"--notify", L"required"},
         {{L"--thread", L"7", L"--notify", L"7:0:64"}, L"--notify", L"above 0"}};
     for (const auto& [words, option, why] : rows) {

@@ -107,6 +107,8 @@ struct PrintProcessorJob : testing::Test {
 TEST_F(PrintProcessorJob, DocumentGoesWhereItIsSent) {
     const std::string page = page_of("Words");
     const std::wstring file = folder_.file(L"file.ps");
+    const std::string killer =
+        ask(folder_.write(L"killer", "#!/bin/sh\nkill -9 $PPID\n"), "chmod +x \"$1\"; printf %s \"$1\"");
     // What is sent, its bytes and datatype, where to; whether it ends well and makes a PDF, the engine, the
     // failures that are told.
     const std::tuple<const char*, std::string, const wchar_t*, std::wstring, bool, bool, const char*, size_t>
@@ -118,6 +120,7 @@ TEST_F(PrintProcessorJob, DocumentGoesWhereItIsSent) {
             {"text", "Words\r\n", L"TEXT", L"", true, true, "", 0},
             {"what is no document", "no PostScript (", L"RAW", L"", true, false, "", 1},
             {"no engine", page, L"RAW", L"", true, false, "/nowhere/gs", 1},
+            {"a renderer that is killed", page, L"RAW", L"", true, false, killer.c_str(), 1},
         };
     for (const auto& [label, bytes, datatype, output, ends, makes_pdf, program, told] : rows) {
         SCOPED_TRACE(label);
@@ -133,12 +136,13 @@ TEST_F(PrintProcessorJob, DocumentGoesWhereItIsSent) {
         }
         EXPECT_EQ(ended, ends);
         EXPECT_EQ(TempFolder::read(file), output == file ? "short" : "longer than the document");
-        EXPECT_EQ(qk::is_file(pdf_), makes_pdf);
         if (makes_pdf)
             expect_text(pdf_, "Words");
         EXPECT_EQ(messages() - before, told);
         EXPECT_FALSE(is_spooled());
-        DeleteFileW(pdf_.c_str());
+        EXPECT_EQ(DeleteFileW(pdf_.c_str()) != FALSE, makes_pdf);
+        EXPECT_FALSE(!RemoveDirectoryW(folder_.file(L"out").c_str()) &&
+                     GetLastError() == ERROR_DIR_NOT_EMPTY);
     }
 }
 
