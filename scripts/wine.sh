@@ -47,4 +47,5 @@ export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml,winedbg.exe=}"
 check_prefix() {
     [ -f "$WINEPREFIX/system.reg" ] || fail "there is no Wine prefix in $WINEPREFIX (wineboot -i makes one)"
     grep -q '^#arch=win64' "$WINEPREFIX/system.reg" || fail "$WINEPREFIX takes 32-bit programs only"
+    [ -e "$WINEPREFIX/dosdevices/z:" ] || fail "$WINEPREFIX has no drive Z: for the files of this system (winecfg, Drives)"
 }

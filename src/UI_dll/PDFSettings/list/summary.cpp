@@ -70,10 +70,10 @@ UINT reason(const SettingEntry& entry) noexcept {
 }  // namespace
 
 std::wstring summary_of(const Setting& setting, const SettingEntry& entry) {
-    const UINT why = reason(entry);
+    const UINT why = reason(entry);  // first, since a long folder may leave no room at the end
+    std::wstring text = why ? dialog_text(why) : std::wstring();
     if (!entry.is_readable)
-        return dialog_text(why);
-    std::wstring text;
+        return text;
     const auto add = [&](UINT label, const std::wstring& value) {
         text += (text.empty() ? L"" : L"\n") + words(label) + L": " + value;
     };
@@ -85,7 +85,7 @@ std::wstring summary_of(const Setting& setting, const SettingEntry& entry) {
     add(IDS_PS_SAVE_STYLE,
         general.SaveStyle == 0 ? dialog_text(IDS_SUM_ASKS) : shortened(general.OutputFolder));
     add(IDS_PS_WATERMARK, watermark(*setting.watermark()));
-    return why ? text + L"\n" + dialog_text(why) : text;
+    return text;
 }
 
 }  // namespace pdf_settings
