@@ -65,7 +65,8 @@ public:
         InitializeSecurityDescriptor(&everybody, SECURITY_DESCRIPTOR_REVISION);
         SetSecurityDescriptorDacl(&everybody, TRUE, nullptr, FALSE);
         PSECURITY_DESCRIPTOR low = nullptr;
-        ConvertStringSecurityDescriptorToSecurityDescriptorW(L"S:(ML;;NW;;;LW)", SDDL_REVISION_1, &low, nullptr);
+        ConvertStringSecurityDescriptorToSecurityDescriptorW(L"S:(ML;;NW;;;LW)", SDDL_REVISION_1, &low,
+                                                             nullptr);
         BOOL present = FALSE;
         BOOL defaulted = FALSE;
         PACL label = nullptr;
