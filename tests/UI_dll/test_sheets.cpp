@@ -312,6 +312,19 @@ TEST_F(Sheet, SettingChosenJustBeforeOkIsWrittenDown) {
         EXPECT_EQ(output.dm.dmScale, 50);
         EXPECT_EQ(output.dm.dmFields & (DM_PAPERWIDTH | DM_PAPERLENGTH), 0u) << "of the setting before";
     }
+    for (const bool is_stored_first : {true, false}) {  // and by a service that tells once, or twice
+        SetSettingFileName(kDefaultSettingFile, here.printer.name);
+        output = {};
+        EXPECT_EQ(tell(PROPSHEETUI_REASON_INIT), 1);
+        if (!is_stored_first)
+            end_with(CPSUI_OK);
+        EXPECT_EQ(output.dm.dmScale, is_stored_first ? 0 : 100);
+        SetSettingFileName(L"office.ps4", here.printer.name);
+        end_with(CPSUI_OK);
+        tell(PROPSHEETUI_REASON_DESTROY);
+        EXPECT_EQ(output.dm.dmScale, 50);
+        EXPECT_EQ(output.dm.dmFields & (DM_PAPERWIDTH | DM_PAPERLENGTH), 0u) << "of the setting before";
+    }
     plotui::detach_process(false);
 }
 

@@ -46,6 +46,8 @@ struct Player {
             case PROPSHEETUI_REASON_INIT:
                 return player.add(*info), player.init_answer;
             case PROPSHEETUI_REASON_GET_INFO_HEADER:
+                EXPECT_TRUE(reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter)->Flags &
+                            PSUIHDRF_PROPTITLE);
                 reinterpret_cast<PROPSHEETUI_INFO_HEADER*>(parameter)->pTitle = const_cast<wchar_t*>(L"Any");
                 return player.header_answer;
             case PROPSHEETUI_REASON_SET_RESULT: {
@@ -119,7 +121,7 @@ struct Group {
 
 LONG APIENTRY restarts(CPSUICBPARAM* parameter) {
     EXPECT_EQ(parameter->Reason, CPSUICB_REASON_APPLYNOW);
-    EXPECT_EQ(parameter->Result, ULONG_PTR{CPSUI_OK});
+    EXPECT_EQ(std::tuple(parameter->Result, parameter->OldSel), std::tuple(ULONG_PTR{CPSUI_OK}, -1));
     parameter->Result = CPSUI_RESTARTWINDOWS;
     return CPSUICB_ACTION_ITEMS_APPLIED;
 }
@@ -218,4 +220,30 @@ TEST_F(CompstuiSheet, ReasonsAndResultByHowItIsLeft) {
         const bool told = player.reasons.find('3') != std::string::npos;
         EXPECT_EQ(told ? std::vector{reinterpret_cast<HANDLE>(added)} : std::vector<HANDLE>(), player.spoke);
     }
+}
+
+TEST_F(CompstuiSheet, ResultGoesUpToEveryParent) {
+    Group group;
+    Player inner, outer;
+    LONG_PTR added = 0, function = 0;
+    inner.add = [&](PROPSHEETUI_INFO& info) {
+        added = call(info, CPSFUNC_ADD_PCOMPROPSHEETUIW, &group.sheet);
+    };
+    outer.add = [&](PROPSHEETUI_INFO& info) {
+        function = call(info, CPSFUNC_ADD_PFNPROPSHEETUIW, reinterpret_cast<void*>(&Player::function),
+                        reinterpret_cast<LPARAM>(&inner));
+        EXPECT_EQ(1, call(info, CPSFUNC_GET_PAGECOUNT, nullptr));
+    };
+    outer.script = [](HWND page) {
+        SendMessageW(GetParent(page), PSM_CHANGED, reinterpret_cast<WPARAM>(page), 0);
+        Player::press(page, PSBTN_OK);
+    };
+    group.sheet.pfnCallBack = &restarts;
+    EXPECT_EQ(std::tuple(outer.play().answer, outer.result),
+              std::tuple(CPSUI_OK, DWORD{CPSUI_RESTARTWINDOWS}));
+    EXPECT_EQ(std::tuple(inner.reasons, outer.reasons), std::tuple("032", "50132"));
+    EXPECT_NE(function, 0);
+    for (const Player* told : {&inner, &outer})
+        EXPECT_EQ(told->spoke, std::vector{reinterpret_cast<HANDLE>(added)});
+    EXPECT_NE(inner.destroyed, 0) << "left by a button";
 }
