@@ -120,6 +120,13 @@ bool starts_with_no_case(std::wstring_view text, std::wstring_view prefix) noexc
     return text.size() >= prefix.size() && equal_no_case(text.substr(0, prefix.size()), prefix);
 }
 
+std::wstring_view without_blanks(std::wstring_view text) noexcept {
+    constexpr std::wstring_view kBlanks = L" \t\r\n\u00A0\u202F\u3000";
+    const size_t first = std::min(text.find_first_not_of(kBlanks), text.size());
+    text.remove_prefix(first);
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
 std::wstring_view file_part(std::wstring_view path) noexcept {
     const size_t slash = path.rfind(L'\\');
     return slash == std::wstring_view::npos ? path : path.substr(slash + 1);

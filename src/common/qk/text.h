@@ -49,6 +49,9 @@ void copy_zero_padded(wchar_t* buffer, size_t capacity, std::wstring_view text) 
 [[nodiscard]] bool equal_no_case(std::wstring_view a, std::wstring_view b) noexcept;
 [[nodiscard]] bool starts_with_no_case(std::wstring_view text, std::wstring_view prefix) noexcept;
 
+// `text` without the blanks around it, of every kind that people type and paste.
+[[nodiscard]] std::wstring_view without_blanks(std::wstring_view text) noexcept;
+
 // The part behind the last backslash; the whole text when it has none.
 [[nodiscard]] std::wstring_view file_part(std::wstring_view path) noexcept;
 

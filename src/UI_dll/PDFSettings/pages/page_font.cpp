@@ -91,19 +91,28 @@ std::vector<size_t> selected_rows(HWND page, int control) {
     return rows;
 }
 
-// A name that no installed font has may be listed all the same: the document's computer may have the font.
+// A name that no installed font has may be listed all the same, also where it is a part of those that were
+// found: the document's computer may have the font.
 std::wstring name_to_add(HWND page) {
-    std::wstring name = control_text(page, IDC_FONT_FIND);
-    const size_t first = name.find_first_not_of(L' ');
-    if (!helper().found.empty() || first == std::wstring::npos)
-        return {};
-    return name.substr(first, name.find_last_not_of(L' ') - first + 1);
+    const std::wstring typed = control_text(page, IDC_FONT_FIND);
+    const std::wstring_view name = qk::without_blanks(typed);
+    return std::wstring(find_embedding(name) == Embedding::kNotInstalled ? name : std::wstring_view());
+}
+
+// The fonts that are selected; where none is, the name that was typed.
+std::vector<std::wstring> names_to_add(HWND page) {
+    std::vector<std::wstring> names;
+    for (const size_t row : selected_rows(page, IDC_FONT_INSTALLED))
+        if (row < helper().found.size())
+            names.push_back(helper().found[row]);
+    if (std::wstring typed = name_to_add(page); names.empty() && !typed.empty())
+        names.push_back(std::move(typed));
+    return names;
 }
 
 void enable_buttons(HWND page) {
     const bool free = !standard_decides(page);
-    enable(page, IDC_FONT_ADD,
-           free && (!selected_rows(page, IDC_FONT_INSTALLED).empty() || !name_to_add(page).empty()));
+    enable(page, IDC_FONT_ADD, free && !names_to_add(page).empty());
     enable(page, IDC_FONT_REMOVE, free && !selected_rows(page, IDC_FONT_LISTED).empty());
 }
 
@@ -126,14 +135,8 @@ void search(HWND page) {
     show_list(page, IDC_FONT_INSTALLED);
 }
 
-void add_selected(HWND page) {
-    std::vector<std::wstring> names;
-    if (std::wstring name = name_to_add(page); !name.empty())
-        names.push_back(std::move(name));
-    for (const size_t row : selected_rows(page, IDC_FONT_INSTALLED))
-        if (row < helper().found.size())
-            names.push_back(helper().found[row]);
-    add_names(helper().listed, names);
+void add_chosen(HWND page) {
+    add_names(helper().listed, names_to_add(page));
     show_list(page, IDC_FONT_LISTED);
 }
 
@@ -192,7 +195,10 @@ INT_PTR on_list(HWND page, int control, NMHDR& header) {
             enable_buttons(page);
             return TRUE;
         case NM_DBLCLK:
-            control == IDC_FONT_LISTED ? remove_selected(page) : add_selected(page);
+            if (control == IDC_FONT_LISTED)
+                remove_selected(page);
+            else if (!selected_rows(page, control).empty())  // not beside the rows
+                add_chosen(page);
             return TRUE;
         case LVN_KEYDOWN:
             if (control == IDC_FONT_LISTED && reinterpret_cast<NMLVKEYDOWN&>(header).wVKey == VK_DELETE)
@@ -273,7 +279,7 @@ void command(HWND page, int control, int notification) {
     if (control == IDC_FONT_FIND && notification == EN_CHANGE)
         search(page);
     else if (control == IDC_FONT_ADD && notification == BN_CLICKED)
-        add_selected(page);
+        add_chosen(page);
     else if (control == IDC_FONT_REMOVE && notification == BN_CLICKED)
         remove_selected(page);
 }

@@ -9,12 +9,10 @@
 namespace pdf_settings {
 
 bool has_in_name(std::wstring_view name, std::wstring_view wanted) {
-    const size_t first = wanted.find_first_not_of(L' ');
-    if (first == std::wstring_view::npos)
-        return true;
-    wanted = wanted.substr(first, wanted.find_last_not_of(L' ') - first + 1);
-    return !name.empty() &&
-           FindNLSStringEx(LOCALE_NAME_USER_DEFAULT, FIND_FROMSTART | LINGUISTIC_IGNORECASE, name.data(),
+    wanted = qk::without_blanks(wanted);
+    if (wanted.empty() || name.empty())
+        return wanted.empty();
+    return FindNLSStringEx(LOCALE_NAME_USER_DEFAULT, FIND_FROMSTART | LINGUISTIC_IGNORECASE, name.data(),
                            static_cast<int>(name.size()), wanted.data(), static_cast<int>(wanted.size()),
                            nullptr, nullptr, nullptr, 0) >= 0;
 }
