@@ -156,7 +156,7 @@ TEST_F(EveryField, SetOnItsPageIsInTheFileAndOnThePageAgain) {
                 {IDC_PV_CONTINUE, IDC_PV_USE_TRIM, IDC_PV_USE_BLEED, IDC_PV_PROFILE, Entry{0},
                  IDC_PV_CONDITION, L"Our very press", IDC_PV_TRIM_LEFT, L"12.345", IDC_PV_TRIM_TOP, L"6,5"});
              on(kPDFVersionPage,
-                {IDC_PV_TRIM_RIGHT, L"7", IDC_PV_TRIM_BOTTOM, L" 8.25 ", IDC_PV_BLEED_LEFT, L"1",
+                {IDC_PV_TRIM_RIGHT, L"7", IDC_PV_TRIM_BOTTOM, L" 8.25 mm", IDC_PV_BLEED_LEFT, L"1",
                  IDC_PV_BLEED_TOP, L"2.5", IDC_PV_BLEED_RIGHT, L"0.125", IDC_PV_BLEED_BOTTOM, L"4"});
              on(kColorPage, {IDC_BLACK_TO_K});
              for (const auto& [kind, method, sampling, quality, threshold, target] :

@@ -96,11 +96,18 @@ TEST_F(GeneralPage, NoFormsKeepThePaperAndItsOwnSize) {
     here.printer.failing_forms_call = 2;
     show([] {
         click(kPage, 142);
-        type(kPage, 144, L"300");
+        const CallHook<decltype(CallWindowProcW)> clipboard(
+            "CallWindowProcW", [](auto original, auto before, HWND edit, UINT message, WPARAM w, LPARAM l) {
+                const auto pasted = reinterpret_cast<LPARAM>(L"\u00A0300,25 MM \t");
+                return message == WM_PASTE ? original(before, edit, EM_REPLACESEL, TRUE, pasted)
+                                           : original(before, edit, message, w, l);
+            });
+        SendMessageW(control(kPage, 144), EM_SETSEL, 0, -1);
+        SendMessageW(control(kPage, 144), WM_PASTE, 0, 0);
         press_apply();
     });
     EXPECT_EQ(std::tuple(general().PaperType, general().PaperName, general().PaperWidth),
-              std::tuple(1, 9, 300));
+              std::tuple(1, 9, 300.25));
 }
 
 TEST_F(GeneralPage, BadInputKeepsThePageAndShowsWhatWasThere) {

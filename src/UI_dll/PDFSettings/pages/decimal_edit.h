@@ -5,8 +5,8 @@
 
 namespace pdf_settings {
 
-// A comma that is typed into the edit becomes the decimal point: many keyboards have no other decimal sign.
-// Null: nothing happens.
-void take_comma_as_point(HWND edit) noexcept;
+// A comma that is typed into the edit becomes the decimal point, since many keyboards have no other decimal
+// sign; what is pasted stands there as plain_length() has it. Null: nothing happens.
+void take_lengths(HWND edit) noexcept;
 
 }  // namespace pdf_settings

@@ -120,7 +120,7 @@ void name_form(const FormRecord& form, bool is_new) {
 void init_paper(HWND page, PaperState& state) {
     dlg_init_General_PaperCombo(page, state.forms);
     for (const int length : kLengths)
-        take_comma_as_point(GetDlgItem(page, length));
+        take_lengths(GetDlgItem(page, length));
 }
 
 void load_paper(HWND page, const General_impl& section, PaperState& state) {

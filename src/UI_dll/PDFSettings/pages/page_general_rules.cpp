@@ -37,6 +37,17 @@ std::wstring length_text(double millimetres) {
     return qk::fixed_text(millimetres, 2);
 }
 
+std::wstring plain_length(std::wstring_view text) {
+    constexpr std::wstring_view kUnit = L"mm";
+    text = qk::without_blanks(text);
+    const size_t number = text.size() - std::min(text.size(), kUnit.size());
+    if (qk::equal_no_case(text.substr(number), kUnit))
+        text = qk::without_blanks(text.substr(0, number));
+    std::wstring plain(text);
+    std::ranges::replace(plain, L',', L'.');
+    return plain;
+}
+
 std::optional<double> find_plain_number(std::wstring_view text) noexcept {
     const bool plain = std::ranges::all_of(
         text, [](wchar_t unit) { return unit == L'.' || (unit >= L'0' && unit <= L'9'); });

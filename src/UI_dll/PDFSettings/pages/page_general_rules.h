@@ -15,6 +15,9 @@ namespace pdf_settings {
 // Two decimals, with a point whatever the locale.
 [[nodiscard]] std::wstring length_text(double millimetres);
 
+// A length as the pages write it: without blanks around it and the unit behind it, with a point for a comma.
+[[nodiscard]] std::wstring plain_length(std::wstring_view text);
+
 // The number that digits with at most one "." stand for; nothing for any other text.
 [[nodiscard]] std::optional<double> find_plain_number(std::wstring_view text) noexcept;
 

@@ -1,7 +1,6 @@
 #include "UI_dll/PDFSettings/pages/page_pdf_version_rules.h"
 
-#include <algorithm>
-
+#include "UI_dll/PDFSettings/pages/page_general_rules.h"
 #include "common/icc_folder.h"
 #include "common/qk/text.h"
 
@@ -28,14 +27,7 @@ std::wstring margin_text(float millimetres) {
 }
 
 std::optional<float> find_margin(std::wstring_view text) {
-    const size_t first = text.find_first_not_of(L' ');
-    if (first == std::wstring_view::npos)
-        return std::nullopt;
-    std::wstring digits(text.substr(first, text.find_last_not_of(L' ') - first + 1));
-    std::ranges::replace(digits, L',', L'.');
-    const bool plain = digits.find_first_not_of(L"0123456789.") == std::wstring::npos &&
-                       std::ranges::count(digits, L'.') <= 1;
-    const auto margin = plain ? qk::find_number(digits) : std::nullopt;
+    const auto margin = find_plain_number(plain_length(text));
     return margin && *margin <= kMostMargin ? std::optional(static_cast<float>(*margin)) : std::nullopt;
 }
 

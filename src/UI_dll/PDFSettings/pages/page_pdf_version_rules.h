@@ -23,8 +23,8 @@ inline constexpr float kMostMargin = 3276.7f;  // millimetres
 // The shortest text that is read as the same number.
 [[nodiscard]] std::wstring margin_text(float millimetres);
 
-// A margin of at least 0; the decimal sign is a point or a comma. Nothing when the text is anything else or
-// the margin is above `kMostMargin`.
+// A margin of at least 0, in any way that plain_length() reads. Nothing when the text is anything else or the
+// margin is above `kMostMargin`.
 [[nodiscard]] std::optional<float> find_margin(std::wstring_view text);
 
 }  // namespace pdf_settings
