@@ -72,6 +72,7 @@
 #define IDS_READY_ARCHIVE 1077
 #define IDS_READY_PRESS 1078
 #define IDS_READY_PROTECTED 1079
+#define IDS_IMPORT_TOO_MANY 1080
 
 // The edit sheet and its messages.
 // Of each of its pages, in dialog units.

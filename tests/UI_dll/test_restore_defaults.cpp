@@ -1,7 +1,5 @@
 // Default values that come back on request, and profiles that are looked up where they lie.
 
-#include <commdlg.h>
-
 #include "UI_dll/PDFSettings/pages/page_pdf_version.h"
 #include "support/random_settings.h"
 #include "support/sheet_driver.h"
@@ -63,15 +61,7 @@ TEST_F(RestoreDefaults, PagesThatAreMeantShowThemAndTheRestStays) {
 }
 
 TEST_F(RestoreDefaults, ProfileIsTakenFromWhereItsFileLies) {
-    static std::wstring path;
-    const CallHook<decltype(GetProcAddress)> system(
-        "GetProcAddress", [](auto original, HMODULE module, const char* name) -> FARPROC {
-            if (std::strcmp(name, "GetOpenFileNameW") != 0)
-                return original(module, name);
-            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(+[](OPENFILENAMEW* dialog) -> BOOL {
-                return qk::copy_zero_padded(dialog->lpstrFile, dialog->nMaxFile, path), TRUE;
-            }));
-        });
+    const FileDialog dialog;
     const auto file = [&](const char* space) { return ProfileFolder::profile(space, "prtr", "Ours"); };
     const std::wstring listed = profiles.add(L"listed.icc", "CMYK", "prtr", "Listed"),
                        own = profiles.files.write(L"own.icc", file("CMYK")),
@@ -81,7 +71,7 @@ TEST_F(RestoreDefaults, ProfileIsTakenFromWhereItsFileLies) {
         go_to(kPDFVersionPage);
         choose_version(6);
         for (const auto& [looked_up, named] : rows) {
-            path = looked_up;
+            FileDialog::answer = looked_up;
             click(kPDFVersionPage, IDC_PV_BROWSE);
             EXPECT_EQ(read_PDFVersion(page(kColorPage)).ICCFileName, named);
         }

@@ -88,6 +88,26 @@ TEST_F(SettingsPage, FilesAreImportedOrRefusedInWords) {
             << qk::to_utf8(Outbox::boxes[1].text);
 }
 
+TEST_F(SettingsPage, FilesOfTheDialogAreImportedTogether) {
+    const FileDialog dialog;
+    const std::wstring folder = here.folder.file(L"in"), spaced = L"one two.ps4", other = L"\u540D.ps4";
+    ForceDirectories(folder);
+    add(L"in\\" + spaced, L"one");
+    add(L"in\\" + other, L"two");
+    const std::tuple<std::wstring, const wchar_t*, size_t> cases[] = {
+        // the answer, the rows then, the messages
+        {folder + L'\\' + spaced, L"alpha [one] zeta Office Standard", 0},
+        {folder + L'\0' + spaced + L'\0' + other, L"alpha one one(1) [two] zeta Office Standard", 0},
+        {L"", L"alpha one one(1) [two] zeta Office Standard", 1}};
+    for (const auto& [chosen, after, messages] : cases) {
+        FileDialog::answer = chosen;
+        press(IDC_SETTINGS_IMPORT);
+        EXPECT_EQ(rows(), after);
+        ASSERT_EQ(Outbox::boxes.size(), messages);
+    }
+    EXPECT_EQ(Outbox::boxes[0].text, dialog_text(IDS_IMPORT_TOO_MANY));
+}
+
 // Key by key, as the list tells them.
 void press_key(HWND page, WORD key) {
     NMLVKEYDOWN down = {{GetDlgItem(page, IDC_SETTINGS_LIST), IDC_SETTINGS_LIST, LVN_KEYDOWN}, key, 0};

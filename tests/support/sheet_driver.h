@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cderr.h>
 #include <commctrl.h>
+#include <commdlg.h>
 
 #include <source_location>
 
@@ -47,6 +49,28 @@ private:
     const std::function<bool()> ready_;
     const std::function<void()> script_;
     const UINT_PTR timer_;
+};
+
+// While it lives the system's dialog for files gives `answer`, or has no room when that is empty or of
+// several files where one is asked for.
+struct FileDialog {
+    static inline std::wstring answer;
+
+    static BOOL choose(OPENFILENAMEW* dialog) {
+        std::ranges::copy(answer + L'\0', dialog->lpstrFile);
+        const bool is_one = answer.find(L'\0') == std::wstring::npos;
+        return !answer.empty() && (is_one || (dialog->Flags & OFN_ALLOWMULTISELECT));
+    }
+    static DWORD error() { return FNERR_BUFFERTOOSMALL; }
+
+    CallHook<decltype(GetProcAddress)> system{
+        "GetProcAddress", [](auto original, HMODULE module, const char* name) -> FARPROC {
+            const std::string_view wanted = name;
+            return wanted == "GetOpenFileNameW" ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&choose))
+                   : wanted == "CommDlgExtendedError"
+                       ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&error))
+                       : original(module, name);
+        }};
 };
 
 // The edit sheet for one setting.

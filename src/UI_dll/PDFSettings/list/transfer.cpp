@@ -106,8 +106,10 @@ void import_files(HWND list_page, std::span<const std::wstring> paths) {
 }
 
 void import_asked(HWND list_page) {
-    if (const auto path = choose_file(list_page, dialog_text(IDS_IMPORT_TITLE), filter(), {}))
-        import_files(list_page, std::span(&*path, 1));
+    const ChosenFiles chosen = choose_files(list_page, dialog_text(IDS_IMPORT_TITLE), filter());
+    if (chosen.too_many)
+        show_message(list_page, dialog_text(IDS_IMPORT_TOO_MANY), IDS_REFUSED, MB_OK | MB_ICONERROR);
+    import_files(list_page, chosen.paths);
 }
 
 void import_dropped(HWND list_page, HDROP files) {

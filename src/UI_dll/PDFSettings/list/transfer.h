@@ -10,7 +10,7 @@
 
 namespace pdf_settings {
 
-// Asks for a setting file and brings it in.
+// Asks for setting files, one or several, and brings them in. Of more than the dialog can tell none.
 void import_asked(HWND list_page);
 
 // Brings files in as new settings of the user's, each under a free name: no file is written over. Selects the

@@ -7,6 +7,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace pdf_settings {
 
@@ -15,6 +16,15 @@ namespace pdf_settings {
 [[nodiscard]] std::optional<std::wstring> choose_file(HWND owner, const std::wstring& title,
                                                       const std::wstring& filter,
                                                       const std::wstring& current);
+
+// What was chosen of existing files.
+struct ChosenFiles {
+    std::vector<std::wstring> paths;  // none when it was cancelled or could not be shown
+    bool too_many = false;            // more than the dialog can tell; then there are no paths
+};
+
+// Asks for one existing file or several of a folder. `filter` as above.
+[[nodiscard]] ChosenFiles choose_files(HWND owner, const std::wstring& title, const std::wstring& filter);
 
 // Asks for the name of a new file. `extension`, without point, is added to a name that has none; `name` is
 // proposed. Nothing as above.
