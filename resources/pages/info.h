@@ -12,3 +12,4 @@
 // What becomes of a text that is left empty.
 #define IDS_CUE_TITLE 20201
 #define IDS_CUE_LEFT_OUT 20202
+#define IDS_CUE_CREATOR 20208

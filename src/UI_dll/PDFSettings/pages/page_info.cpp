@@ -51,6 +51,7 @@ INT_PTR on_message(HWND page, UINT message, WPARAM /*wparam*/, LPARAM /*lparam*/
     set_cue(page, IDC_INFO_TITLE, dialog_text(IDS_CUE_TITLE));
     for (const int control : {IDC_INFO_SUBJECT, IDC_INFO_AUTHOR, IDC_INFO_KEYWORDS})
         set_cue(page, control, dialog_text(IDS_CUE_LEFT_OUT));
+    set_cue(page, IDC_INFO_CREATOR, dialog_text(IDS_CUE_CREATOR));
     show_name(page);
     remember_controls(page);
     helper().loaded = true;
