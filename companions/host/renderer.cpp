@@ -9,7 +9,6 @@
 #include "companions/host/host_error.h"
 #include "companions/host/record_fields.h"
 #include "companions/render/pending_pdf.h"
-#include "companions/render/result_codes.h"
 #include "companions/reservation.h"
 
 namespace host {
@@ -18,18 +17,19 @@ namespace {
 
 constexpr wchar_t kProgram[] = L"zr_render.exe";
 
-// Whether a renderer whose exit code is 0 has come to its end: Wine tells that of a killed process, too. At
-// its end it names the PDF and deletes the spool, either of which may fail.
+// Whether a renderer whose exit code is 0 has come to its end: older releases of Wine tell that of a killed
+// process, too. At its end it names the PDF and deletes the spool, either of which may fail.
 bool has_made_pdf(const RenderJob& job) {
     const auto result = find_result_record(job.thread);
     return (result && result->pdf_file_name.length != 0) || (!job.keep_spool && !qk::is_file(job.spool));
 }
 
-// The exit code, another than the renderer's own when it was ended from outside; nothing of it is left then.
+// The exit code, another than 0 when the renderer was ended from outside. One that fails by itself has left
+// nothing behind; the others' exit codes, such as 1, may be among its own.
 DWORD exit_code_of(HANDLE process, const RenderJob& job) {
     DWORD code = 0;
     GetExitCodeProcess(process, &code);
-    if (code == 0 ? has_made_pdf(job) : code <= DWORD{companions::render::kExitNoRecord})
+    if (code == 0 && has_made_pdf(job))
         return code;
     if (const auto start = find_start_record(job.thread))
         companions::render::remove_pending(record_text(start->output_path), GetProcessId(process));
