@@ -88,7 +88,10 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
         {kTwoPages, 1008, ERROR_INVALID_PASSWORD, L"password",
          [](Job& job) { (void)job.settings_.LoadPS4(kUnusable, true); }},
         {kTwoPages, 1008, ERROR_INVALID_PASSWORD, L"password",
-         [](Job& job) { job.settings_.security()->UserPassword = L"a\nb"; }},
+         [](Job& job) {
+             job.settings_.pdfVersion()->Version = ps::kPDF20;
+             job.settings_.security()->UserPassword = std::wstring(128, L'x');
+         }},
         {kTwoPages, 1009, ERROR_NOT_SUPPORTED, L"add a document",
          [](Job& job) { job.start_.view()->resume = 1; }},
         {kTwoPages, 1010, ERROR_INVALID_PARAMETER, L"names no PDF", [](Job& job) { job.target_.clear(); }},
