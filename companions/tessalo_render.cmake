@@ -8,6 +8,7 @@ add_library(zr_companions STATIC
     render/engine_arguments.cpp
     render/engine_log.cpp
     render/fonts.cpp
+    render/glyph_names.cpp
     render/mark_drawing.cpp
     render/metadata.cpp
     render/outside.cpp

@@ -29,7 +29,7 @@ std::string picture(int left, const char* decode, const char* paint, size_t row,
 std::string document() {
     constexpr char kText[] =
         "/Courier findfont 12 scalefont setfont 0 0 0 setrgbcolor\n"
-        "72 700 moveto (see https://example.org/a?b=1, or www.test.net.) show\n"
+        "72 700 moveto (see https://example.org/a) show /germandbls glyphshow (?b=1, or www.test.net.) show\n"
         "0.8 0.1 0.1 setrgbcolor 72 660 moveto (red) show 72 610 100 30 rectfill\n";
     const auto colour = [](size_t i) { return static_cast<uint8_t>(i % 3 == 0 ? i / 192 * 3 : i % 192); };
     const auto grey = [](size_t i) { return static_cast<uint8_t>(i % 192 / 3 * 4); };
@@ -121,7 +121,7 @@ const std::vector<Row> kRows = {
     {R"({"General": {"NoOutputBlankPage": true}})", kInfo, "pages 2 1.7"},
     {R"({"General": {"URLLink": true}})",
      "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -o '/URI (.*)' | sort | uniq -c",
-     "      2 /URI (http://www.test.net)       2 /URI (https://example.org/a?b=1)"},
+     "      2 /URI (http://www.test.net)       2 /URI (https://example.org/a%C3%9F?b=1)"},
 
     {R"({"Compression": {"ASCIIFormat": true}})",
      "test $(grep -a -c 'Filter.*ASCII85Decode' \"$1\") -ge 6; echo $?", "0"},
