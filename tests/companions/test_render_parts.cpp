@@ -61,9 +61,8 @@ TEST(RenderRules, SpooledAddressesAreMarked) {
         std::string text, first, second;  // pieces of the lines
         bool marked = true;
     } rows[] = {
-        {"www.a.de", "/e glyphshow\n1 ZRat\n(http://www.a.de) 0 0.00 -10.00 ZRlinked\npgsave"},
         {"x (www.a.de/b_(c)). y", "\n0 ZRat\n/w glyphshow\n", "/) glyphshow\n1 ZRat\n/) glyphshow\n/period"},
-        {"~www.a~.de#x~", "(http://www.a%C3%9F.de) 0 0.00", "0 ZRat\n/w"},
+        {"~www.a~.de#x~", "(http://www.a%C3%9F.de) 0 0.00 -10.00 ZRlinked\npgsave", "0 ZRat\n/w"},
         {"^w^w^w|^.^a^.^d^e", "/period", "", false},
         {"www.a.de|www.b.de", "/e glyphshow\n1 ZRat\n90 700", "(http://www.b.de) 2 0.00"}};
     for (const auto& row : rows) {
@@ -174,7 +173,6 @@ TEST(ScratchFolders, OfKilledRunsGoWithTheNext) {
         {L"zr_render_4294967292_0", L"password.txt", false},  // no process has it
         {L"zr_render_4294967292_1", L"gs_a1B2c3", false},
         {L"zr_render_4294967292_2", L"another's.txt", true},
-        {L"zr_render_4294967292_3", L"engine.log", false},
         {L"zr_render_" + std::to_wstring(GetCurrentProcessId()) + L"_7", L"options.txt", true}};
     for (const auto& [name, file, stays] : rows) {
         CreateDirectoryW(temp.file(name).c_str(), nullptr);

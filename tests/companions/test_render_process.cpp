@@ -7,7 +7,6 @@
 TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     settings_.compression()->HighCompress = true;
     settings_.pdfVersion()->Version = 1;
-    folder_.write(L"\u65E5\u672C 100%d.pdf", "old");
     spool_ = folder_.write(L"100%d.ps", kTwoPages);
     ASSERT_EQ(run(L"--keep-spool"), kDone);
     EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
@@ -69,8 +68,6 @@ TEST_F(RenderProcess, DamagedPdfIsNoSuccess) {
 
 TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
     using Job = RenderProcess;
-    static constexpr char kUnusable[] =
-        R"({"PDFVersion": {"Version":3}, "Security": {"UserPassword": "\u65E5"}})";
     const struct {
         const char* spool;  // null: missing
         uint32_t error, win32_error;
@@ -85,8 +82,6 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
         {"\x01\x02 rubbish \xFF)", 1004, ERROR_INVALID_DATA, L"damaged"},
         {kTwoPages, 1001, ERROR_FILE_NOT_FOUND, L"C:\\none\\x.ps4",
          [](Job& job) { job.setting_ = L"C:\\none\\x.ps4"; }},
-        {kTwoPages, 1008, ERROR_INVALID_PASSWORD, L"password",
-         [](Job& job) { (void)job.settings_.LoadPS4(kUnusable, true); }},
         {kTwoPages, 1008, ERROR_INVALID_PASSWORD, L"password",
          [](Job& job) {
              job.settings_.pdfVersion()->Version = ps::kPDF20;

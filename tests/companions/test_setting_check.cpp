@@ -15,7 +15,6 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
         std::string_view bytes;
         Lines faults, forced = {};
     } const rows[] = {
-        {L"smallest.ps4", "{\"PSComment\": []}", none},
         {L"bare.ps4",
          "\n{}",
          {L"the byte-order mark EF BB BF is missing; without it no program takes the file for a setting"}},
