@@ -17,34 +17,30 @@ constexpr struct {
     std::string_view names;
 } kLetters[] = {
     {0xC0,
-     " Agrave Aacute Acircumflex Atilde Adieresis Aring AE Ccedilla Egrave Eacute Ecircumflex Edieresis "
-     "Igrave"
-     " Iacute Icircumflex Idieresis Eth Ntilde Ograve Oacute Ocircumflex Otilde Odieresis - Oslash Ugrave"
-     " Uacute Ucircumflex Udieresis Yacute Thorn germandbls agrave aacute acircumflex atilde adieresis aring"
-     " ae ccedilla egrave eacute ecircumflex edieresis igrave iacute icircumflex idieresis eth ntilde ograve"
-     " oacute ocircumflex otilde odieresis - oslash ugrave uacute ucircumflex udieresis yacute thorn"
-     " ydieresis Amacron amacron Abreve abreve Aogonek aogonek Cacute cacute Ccircumflex ccircumflex"
-     " Cdotaccent cdotaccent Ccaron ccaron Dcaron dcaron Dcroat dcroat Emacron emacron Ebreve ebreve"
-     " Edotaccent edotaccent Eogonek eogonek Ecaron ecaron Gcircumflex gcircumflex Gbreve gbreve Gdotaccent"
-     " gdotaccent Gcommaaccent gcommaaccent Hcircumflex hcircumflex Hbar hbar Itilde itilde Imacron imacron"
-     " Ibreve ibreve Iogonek iogonek Idotaccent dotlessi IJ ij Jcircumflex jcircumflex Kcommaaccent"
-     " kcommaaccent kgreenlandic Lacute lacute Lcommaaccent lcommaaccent Lcaron lcaron Ldot ldot Lslash"
-     " lslash Nacute nacute Ncommaaccent ncommaaccent Ncaron ncaron napostrophe Eng eng Omacron omacron"
-     " Obreve obreve Ohungarumlaut ohungarumlaut OE oe Racute racute Rcommaaccent rcommaaccent Rcaron rcaron"
-     " Sacute sacute Scircumflex scircumflex Scedilla scedilla Scaron scaron - - Tcaron tcaron Tbar tbar"
-     " Utilde utilde Umacron umacron Ubreve ubreve Uring uring Uhungarumlaut uhungarumlaut Uogonek uogonek"
-     " Wcircumflex wcircumflex Ycircumflex ycircumflex Ydieresis Zacute zacute Zdotaccent zdotaccent Zcaron"
-     " zcaron "},
+     " Agrave Aacute Acircumflex Atilde Adieresis Aring AE Ccedilla Egrave Eacute Ecircumflex Edieresis"
+     " Igrave Iacute Icircumflex Idieresis Eth Ntilde Ograve Oacute Ocircumflex Otilde Odieresis - Oslash"
+     " Ugrave Uacute Ucircumflex Udieresis Yacute Thorn germandbls agrave aacute acircumflex atilde"
+     " adieresis aring ae ccedilla egrave eacute ecircumflex edieresis igrave iacute icircumflex idieresis"
+     " eth ntilde ograve oacute ocircumflex otilde odieresis - oslash ugrave uacute ucircumflex udieresis"
+     " yacute thorn ydieresis Amacron amacron Abreve abreve Aogonek aogonek Cacute cacute Ccircumflex"
+     " ccircumflex Cdotaccent cdotaccent Ccaron ccaron Dcaron dcaron Dcroat dcroat Emacron emacron Ebreve"
+     " ebreve Edotaccent edotaccent Eogonek eogonek Ecaron ecaron Gcircumflex gcircumflex Gbreve gbreve"
+     " Gdotaccent gdotaccent Gcommaaccent gcommaaccent Hcircumflex hcircumflex Hbar hbar Itilde itilde"
+     " Imacron imacron Ibreve ibreve Iogonek iogonek Idotaccent dotlessi IJ ij Jcircumflex jcircumflex"
+     " Kcommaaccent kcommaaccent kgreenlandic Lacute lacute Lcommaaccent lcommaaccent Lcaron lcaron Ldot"
+     " ldot Lslash lslash Nacute nacute Ncommaaccent ncommaaccent Ncaron ncaron napostrophe Eng eng Omacron"
+     " omacron Obreve obreve Ohungarumlaut ohungarumlaut OE oe Racute racute Rcommaaccent rcommaaccent"
+     " Rcaron rcaron Sacute sacute Scircumflex scircumflex Scedilla scedilla Scaron scaron - - Tcaron"
+     " tcaron Tbar tbar Utilde utilde Umacron umacron Ubreve ubreve Uring uring Uhungarumlaut uhungarumlaut"
+     " Uogonek uogonek Wcircumflex wcircumflex Ycircumflex ycircumflex Ydieresis Zacute zacute Zdotaccent"
+     " zdotaccent Zcaron zcaron "},
     {0x386,
      " Alphatonos - Epsilontonos Etatonos Iotatonos - Omicrontonos - Upsilontonos Omegatonos"
-     " iotadieresistonos Alpha Beta Gamma - Epsilon Zeta Eta Theta Iota Kappa Lambda Mu Nu Xi Omicron Pi Rho "
-     "-"
-     " Sigma Tau Upsilon Phi Chi Psi - Iotadieresis Upsilondieresis alphatonos epsilontonos etatonos "
-     "iotatonos"
-     " upsilondieresistonos alpha beta gamma delta epsilon zeta eta theta iota kappa lambda - nu xi omicron "
-     "pi"
-     " rho sigma1 sigma tau upsilon phi chi psi omega iotadieresis upsilondieresis omicrontonos upsilontonos"
-     " omegatonos "},
+     " iotadieresistonos Alpha Beta Gamma - Epsilon Zeta Eta Theta Iota Kappa Lambda Mu Nu Xi Omicron Pi"
+     " Rho - Sigma Tau Upsilon Phi Chi Psi - Iotadieresis Upsilondieresis alphatonos epsilontonos etatonos"
+     " iotatonos upsilondieresistonos alpha beta gamma delta epsilon zeta eta theta iota kappa lambda - nu"
+     " xi omicron pi rho sigma1 sigma tau upsilon phi chi psi omega iotadieresis upsilondieresis"
+     " omicrontonos upsilontonos omegatonos "},
 };
 
 // A number that is all of the text; -1 for any other.
