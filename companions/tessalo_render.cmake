@@ -1,6 +1,7 @@
 # The save-file dialog library and the renderer. What both are made of lies in one library, which the tests link.
 add_library(zr_companions STATIC
     command_line.cpp
+    leftovers.cpp
     render/arguments.cpp
     render/ascii85.cpp
     render/cancelling.cpp
@@ -8,6 +9,7 @@ add_library(zr_companions STATIC
     render/engine_arguments.cpp
     render/engine_log.cpp
     render/fonts.cpp
+    render/glyph_names.cpp
     render/mark_drawing.cpp
     render/metadata.cpp
     render/outside.cpp

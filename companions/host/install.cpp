@@ -92,7 +92,7 @@ void copy_files(const std::wstring& stage, const InstallPlaces& places, Steps& s
 }
 
 void remove_file(const std::wstring& path, Steps& steps) {
-    delete_moved_aside(path);
+    delete_leftovers_of(path);
     if (!qk::is_file(path))
         return;
     const bool gone = DeleteFileW(path.c_str()) != FALSE;

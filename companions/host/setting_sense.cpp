@@ -3,11 +3,12 @@
 #include <cstdint>
 #include <string>
 
-#include "UI_dll/PDFSettings/pages/page_securities_rules.h"
 #include "common/icc_folder.h"
 #include "common/qk/paths.h"
 #include "common/qk/resource_dll.h"
 #include "companions/host/json_text.h"
+#include "companions/render/protection.h"
+#include "companions/render/result_codes.h"
 #include "job/output_intent.h"
 #include "print_settings/pdf_version.h"
 
@@ -16,6 +17,7 @@ namespace host {
 namespace {
 
 namespace ps = Corvanta::Vantrix::PrintSettings;
+namespace render = companions::render;
 
 class Sense {
 public:
@@ -76,11 +78,25 @@ private:
             return;
         if (ps::is_standard(version_))
             tell(place, L"PDF/A and PDF/X allow no passwords: the document is not protected");
-        const auto fault = pdf_settings::find_password_fault(version_, {password, {}, false, false});
-        if (fault == pdf_settings::PasswordFault::kOpenCharacter)
-            tell(place, L"has a character that this PDF version cannot take; PDF 2.0 (12) takes every one");
-        else if (fault == pdf_settings::PasswordFault::kOpenTooLong)
-            tell(place, L"is longer than 127 bytes of UTF-8");
+        if (const auto fault = render::find_password_fault(settings_, password))
+            tell(place, words(*fault));
+    }
+
+    static std::wstring words(render::PasswordFault fault) {
+        const std::wstring end =
+            L": a job fails with error " +
+            std::to_wstring(static_cast<unsigned>(render::ResultCode::kPasswordUnusable));
+        switch (fault) {
+            case render::PasswordFault::kControl:
+                return L"has a control character, which no PDF takes" + end;
+            case render::PasswordFault::kNotLatin:
+                return L"has a character that only PDF 1.7 (4) and 2.0 (12) take" + end;
+            case render::PasswordFault::kTooLong:
+                return L"is longer than 127 bytes of UTF-8" + end;
+            case render::PasswordFault::kCut:
+                break;
+        }
+        return L"is longer than the 32 characters that count in this PDF";
     }
 
     const ps::PrintSettings& settings_;

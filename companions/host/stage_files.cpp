@@ -8,6 +8,7 @@
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
+#include "companions/leftovers.h"
 #include "companions/print_processor/names.h"
 #include "companions/system_texts.h"
 
@@ -16,7 +17,9 @@ namespace host {
 namespace {
 
 constexpr wchar_t kModule[] = L"ZR_UI80.dll";
-constexpr wchar_t kAside[] = L".old";  // before the number of the process that has moved a file aside
+// Before the number of the process that has moved a file aside, or writes it.
+constexpr wchar_t kAside[] = L".old";
+constexpr wchar_t kFresh[] = L".new";
 constexpr const wchar_t* kInstalledFiles[] = {L"Tessalo80.dll", L"zr_render.exe"};
 
 void demand(const std::wstring& path) {
@@ -41,7 +44,7 @@ void move_aside(const std::wstring& target) {
 
 // Under a name of its own first, so that nobody ever sees half a file.
 void put_in_place(const FileCopy& copy) {
-    const std::wstring fresh = qk::format(L"%s.new%u", copy.target.c_str(), GetCurrentProcessId());
+    const std::wstring fresh = copy.target + kFresh + std::to_wstring(GetCurrentProcessId());
     ForceDirectories(companions::folder_part(copy.target));
     if (!CopyFileW(copy.source.c_str(), fresh.c_str(), FALSE)) {
         const DWORD error = GetLastError();
@@ -65,17 +68,15 @@ const wchar_t* outcome_name(CopyOutcome outcome) noexcept {
     return kNames[static_cast<size_t>(outcome)];
 }
 
-void delete_moved_aside(const std::wstring& target) {
-    const std::wstring start = target + kAside;
-    const size_t number = qk::file_part(start).size();
-    WIN32_FIND_DATAW found = {};
-    const qk::FindObj search(FindFirstFileW((start + L'*').c_str(), &found));
-    for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found) != FALSE) {
-        const std::wstring_view name = found.cFileName;
-        // Somebody's own "x.old" is none.
-        if (name.size() > number && name.find_first_not_of(L"0123456789", number) == std::wstring_view::npos)
-            DeleteFileW((companions::folder_part(target) + found.cFileName).c_str());
-    }
+void delete_leftovers_of(const std::wstring& target) {
+    const std::wstring name(qk::file_part(target));
+    companions::delete_leftovers(target + kAside + L'*', [&name](std::wstring_view found) {
+        return companions::find_process(found, name + kAside).has_value();  // somebody's own "x.old" is none
+    });
+    companions::delete_leftovers(target + kFresh + L'*', [&name](std::wstring_view found) {
+        const auto process = companions::find_process(found, name + kFresh);
+        return process && companions::is_gone(*process);
+    });
 }
 
 std::vector<std::wstring> files_below(const std::wstring& folder, const std::wstring& relative) {
@@ -135,7 +136,7 @@ std::optional<std::string> find_bytes(const std::wstring& path) {
 }
 
 CopyOutcome bring_up_to_date(const FileCopy& copy) {
-    delete_moved_aside(copy.target);
+    delete_leftovers_of(copy.target);
     const bool there = qk::is_file(copy.target);
     const auto source = find_bytes(copy.source);
     if (there && source && source == find_bytes(copy.target))

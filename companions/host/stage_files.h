@@ -41,8 +41,9 @@ inline constexpr wchar_t kHelpFolder[] = L"Help\\";
 // program holds open is moved aside first. Throws HostError (installation) when that fails.
 CopyOutcome bring_up_to_date(const FileCopy& copy);
 
-// Deletes what was moved aside from there, unless a program still holds it.
-void delete_moved_aside(const std::wstring& target);
+// Deletes what was moved aside from there, unless a program still holds it, and what an installation that was
+// ended from outside has written of it.
+void delete_leftovers_of(const std::wstring& target);
 
 // What a file holds; nothing when it cannot be read.
 [[nodiscard]] std::optional<std::string> find_bytes(const std::wstring& path);

@@ -64,6 +64,8 @@ PdfMaker::PdfMaker(const Settings& settings, std::wstring_view title, std::funct
     rules_ = std::move(*rules);
     const auto& security = *settings.security();
     const bool secret = wants_password(settings);
+    if (refuses_passwords(settings))
+        throw Failure{ResultCode::kPasswordUnusable, ERROR_INVALID_PASSWORD, {}};
     tool_.emplace(scratch_, !secret                           ? std::wstring()
                             : security.MasterPassword.empty() ? security.UserPassword
                                                               : security.MasterPassword);

@@ -2,21 +2,32 @@
 
 #include <windows.h>
 
+#include <string_view>
 #include <utility>
 
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
+#include "companions/leftovers.h"
 #include "companions/render/result_codes.h"
 #include "companions/system_texts.h"
 
 namespace companions::render {
 
+namespace {
+
+// Around the numbers of the process and of the attempt.
+constexpr wchar_t kPrefix[] = L"zr_";
+constexpr wchar_t kExtension[] = L".tmp";
+
+}  // namespace
+
 PendingPdf::PendingPdf(const std::wstring& target) : target_(target) {
     const std::wstring folder = folder_part(target);
     DWORD error = ERROR_FILE_EXISTS;
     for (unsigned attempt = 0; attempt < 100 && error == ERROR_FILE_EXISTS; ++attempt) {
-        std::wstring path = qk::format(L"%szr_%lu_%u.tmp", folder.c_str(), GetCurrentProcessId(), attempt);
+        std::wstring path =
+            qk::format(L"%s%s%lu_%u%s", folder.c_str(), kPrefix, GetCurrentProcessId(), attempt, kExtension);
         const qk::FileObj file(
             CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
         error = file ? ERROR_SUCCESS : GetLastError();
@@ -45,12 +56,10 @@ void PendingPdf::take_its_place() {
 }
 
 void remove_pending(const std::wstring& target, DWORD process) {
-    const std::wstring folder = folder_part(target);
-    const std::wstring names = qk::format(L"%szr_%lu_*.tmp", folder.c_str(), process);
-    WIN32_FIND_DATAW found = {};
-    const qk::FindObj search(FindFirstFileW(names.c_str(), &found));
-    for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found) != FALSE)
-        DeleteFileW((folder + found.cFileName).c_str());
+    const std::wstring start = kPrefix + std::to_wstring(process) + L'_';
+    delete_leftovers(folder_part(target) + start + L'*' + kExtension, [&start](std::wstring_view name) {
+        return name.ends_with(kExtension) && find_process(name, start, kExtension[0]);
+    });
 }
 
 }  // namespace companions::render

@@ -22,22 +22,49 @@ bool has_control(const std::wstring& password) {
     return std::ranges::any_of(password, [](wchar_t unit) { return unit < 0x20; });
 }
 
-}  // namespace
-
-std::optional<Encryption> find_encryption(const ps::PrintSettings& settings) {
+// Whether AES with 256 bits protects the PDF, which takes every letter.
+bool is_strongest(const ps::PrintSettings& settings) {
     constexpr uint32_t kStrongest = 5;
     const auto& security = *settings.security();
     const uint32_t version = settings.pdfVersion()->Version;
-    if (has_control(security.MasterPassword) || has_control(security.UserPassword))
+    return version == ps::kPDF20 ||
+           (version == ps::kPDF17 && (security.Level >= kStrongest || !is_latin(security.MasterPassword) ||
+                                      !is_latin(security.UserPassword)));
+}
+
+}  // namespace
+
+std::optional<PasswordFault> find_password_fault(const ps::PrintSettings& settings,
+                                                 const std::wstring& password) {
+    // Readers cut what is typed behind so many bytes; qpdf counts all, and no password opens its PDF.
+    constexpr size_t kMostBytes = 127;
+    constexpr size_t kMostLatin = 32;
+    if (ps::is_standard(settings.pdfVersion()->Version))
         return std::nullopt;
-    if (version == ps::kPDF20)
+    if (has_control(password))
+        return PasswordFault::kControl;
+    if (is_strongest(settings))
+        return qk::to_utf8(password).size() > kMostBytes ? std::optional(PasswordFault::kTooLong)
+                                                         : std::nullopt;
+    if (!is_latin(password))
+        return PasswordFault::kNotLatin;
+    return password.size() > kMostLatin ? std::optional(PasswordFault::kCut) : std::nullopt;
+}
+
+bool refuses_passwords(const ps::PrintSettings& settings) {
+    const auto is_refused = [&settings](const std::wstring& password) {
+        return find_password_fault(settings, password).value_or(PasswordFault::kCut) != PasswordFault::kCut;
+    };
+    return is_refused(settings.security()->MasterPassword) || is_refused(settings.security()->UserPassword);
+}
+
+std::optional<Encryption> find_encryption(const ps::PrintSettings& settings) {
+    const uint32_t version = settings.pdfVersion()->Version;
+    if (is_strongest(settings))
         return Encryption::kAes256;
-    const bool latin = is_latin(security.MasterPassword) && is_latin(security.UserPassword);
-    if (version == ps::kPDF17 && (!latin || security.Level >= kStrongest))
-        return Encryption::kAes256;
-    if (!latin || ps::has_low_level(version))
+    if (ps::has_low_level(version))
         return std::nullopt;
-    return version < ps::kPDF16 || security.Level == 0 ? Encryption::kRc4 : Encryption::kAes;
+    return version < ps::kPDF16 || settings.security()->Level == 0 ? Encryption::kRc4 : Encryption::kAes;
 }
 
 picojson::value encryption_job(const ps::Security_impl& security, Encryption encryption) {

@@ -40,7 +40,8 @@ inline constexpr struct {
      L"Ghostscript, which makes the PDF, was not found. Install it or name it in ZR_GHOSTSCRIPT."},
     {ResultCode::kEngineStopped, L"Ghostscript stopped before the PDF was complete."},
     {ResultCode::kPasswordUnusable,
-     L"The setting's password holds characters that the PDF's encryption cannot take."},
+     L"The setting's password is too long for the PDF's encryption, or holds characters that it cannot "
+     L"take."},
     {ResultCode::kCannotJoin, L"This renderer cannot add a document to one that is still open."},
     {ResultCode::kNoTarget, L"The job names no PDF file."},
     {ResultCode::kStandardUnmet,

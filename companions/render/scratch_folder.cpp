@@ -4,13 +4,14 @@
 
 #include <sddl.h>
 
+#include <algorithm>
 #include <cstddef>
-#include <cwchar>
 #include <iterator>
 #include <vector>
 
 #include "common/qk/handle.h"
 #include "common/qk/text.h"
+#include "companions/leftovers.h"
 #include "companions/system_texts.h"
 
 namespace companions::render {
@@ -44,47 +45,29 @@ bool make_private_folder(const std::wstring& path) {
     return CreateDirectoryW(path.c_str(), &attributes);
 }
 
-// Those of the folder's files that the pattern fits.
-void remove_files(const std::wstring& folder, const wchar_t* pattern) {
-    WIN32_FIND_DATAW found;
-    const qk::FindObj search(FindFirstFileW((folder + L'\\' + pattern).c_str(), &found));
-    if (!search)
-        return;
-    do {
-        if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY))
-            DeleteFileW((folder + L'\\' + found.cFileName).c_str());
-    } while (FindNextFileW(search.get(), &found));
-}
-
 constexpr wchar_t kPrefix[] = L"zr_render_";
 
-// Removes what runs have left that were ended from outside: passwords may lie in it. Of a folder that
-// somebody else has given such a name, no more than the files of these names.
-void remove_leftovers(const std::wstring& root) {
-    WIN32_FIND_DATAW found;
-    const qk::FindObj search(FindFirstFileW((root + kPrefix + L"*").c_str(), &found));
-    if (!search)
-        return;
-    do {
-        const DWORD process = wcstoul(found.cFileName + std::size(kPrefix) - 1, nullptr, 10);
-        const qk::HandleObj alive(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, process));
-        if (alive || GetLastError() != ERROR_INVALID_PARAMETER)
-            continue;
-        const std::wstring folder = root + found.cFileName;
-        for (const wchar_t* name :
-             {kOptionsFile, kPasswordFile, kJobFile, kChangesFile, kMetadataFile, kBareFile, kSpoolFile,
-              kProfileFile, kPrologueFile, kEpilogueFile, kLogFile, kPidFile})
-            DeleteFileW((folder + L'\\' + name).c_str());
-        remove_files(folder, kEnginesOwn);
-        RemoveDirectoryW(folder.c_str());
-    } while (FindNextFileW(search.get(), &found));
+// Removes what runs have left that were ended from outside: passwords may lie in it.
+void remove_dead(const std::wstring& root) {
+    delete_leftovers(
+        root + kPrefix + L'*',
+        [](std::wstring_view name) {
+            const auto process = find_process(name, kPrefix, L'_');
+            return process && is_gone(*process);
+        },
+        [](std::wstring_view name) {
+            constexpr std::wstring_view kOfRuns[] = {kOptionsFile,  kPasswordFile, kJobFile,   kChangesFile,
+                                                     kMetadataFile, kBareFile,     kSpoolFile, kProfileFile,
+                                                     kPrologueFile, kEpilogueFile, kLogFile,   kPidFile};
+            return name.starts_with(kEnginesOwn) || std::ranges::find(kOfRuns, name) != std::end(kOfRuns);
+        });
 }
 
 }  // namespace
 
 ScratchFolder::ScratchFolder() {
     const std::wstring root = temporary_folder();
-    remove_leftovers(root);
+    remove_dead(root);
     // A crashed run may have left a folder under this process's id.
     for (unsigned attempt = 0; attempt < 100; ++attempt) {
         std::wstring path = qk::format(L"%s%s%lu_%u", root.c_str(), kPrefix, GetCurrentProcessId(), attempt);
@@ -101,7 +84,7 @@ ScratchFolder::~ScratchFolder() {
     if (path_.empty())
         return;
     try {
-        remove_files(path_, L"*");
+        delete_leftovers(path_ + L"\\*", [](std::wstring_view) { return true; });
     } catch (...) {  // no memory: the files stay
     }
     RemoveDirectoryW(path_.c_str());

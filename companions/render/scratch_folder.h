@@ -19,7 +19,7 @@ inline constexpr wchar_t kPrologueFile[] = L"prologue.ps";
 inline constexpr wchar_t kEpilogueFile[] = L"epilogue.ps";
 inline constexpr wchar_t kLogFile[] = L"engine.log";  // what a program says, the document's text among it
 inline constexpr wchar_t kPidFile[] = L"engine.pid";
-inline constexpr wchar_t kEnginesOwn[] = L"gs_*";  // what the engine makes here for itself
+inline constexpr wchar_t kEnginesOwn[] = L"gs_";  // begins what the engine makes here for itself
 
 // Made in the temporary folder, open to the current user only since passwords lie in it, and removed with all
 // that it holds when this goes out of scope; after a run that was ended from outside, when the next one

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "companions/render/glyph_names.h"
 #include "companions/render/pdfmark.h"
 #include "companions/render/web_links.h"
 
@@ -35,8 +36,8 @@ userdict /ZRlinked {
 } bind put
 )";
 
-// The character of ASCII that a glyph's name stands for, a zero for anything else.
-char character_of(std::string_view name) {
+// The character of an address that a glyph's name stands for, a zero for anything else.
+wchar_t character_of(std::string_view name) {
     constexpr std::pair<std::string_view, char> kNames[] = {
         {"zero", '0'},         {"one", '1'},        {"two", '2'},          {"three", '3'},
         {"four", '4'},         {"five", '5'},       {"six", '6'},          {"seven", '7'},
@@ -50,9 +51,9 @@ char character_of(std::string_view name) {
         {"braceleft", '{'},    {"braceright", '}'}, {"bar", '|'},          {"backslash", '\\'},
         {"asciicircum", '^'},  {"grave", '`'}};
     if (name.size() == 1)
-        return name[0];
+        return name[0] > ' ' && name[0] < '\x7F' ? static_cast<wchar_t>(name[0]) : L'\0';
     const auto* found = std::ranges::find(kNames, name, [](const auto& row) { return row.first; });
-    return found == std::end(kNames) ? '\0' : found->second;
+    return found == std::end(kNames) ? find_letter(name) : static_cast<wchar_t>(found->second);
 }
 
 class Marker {
@@ -92,11 +93,11 @@ private:
     }
 
     void take_glyph(std::string_view name, Line line) {
-        const char character = character_of(name);
-        if (character == '\0' || word_.size() == kMostWord)
+        const wchar_t character = character_of(name);
+        if (character == L'\0' || word_.size() == kMostWord)
             end_word();
         ++since_move_;
-        if (character == '\0')
+        if (character == L'\0')
             return;
         word_ += character;
         lines_.push_back(line);
@@ -134,7 +135,7 @@ private:
             insert(lines_[address->end - 1].after, std::to_string(2 * links_ + 1) + " ZRat\n");
             char letters[80];
             std::snprintf(letters, sizeof letters, " %.2f %.2f ZRlinked\n", right_, up_);
-            at_end_ += postscript_literal(address->text) + ' ' + start + letters;
+            at_end_ += postscript_literal(address->uri) + ' ' + start + letters;
             ++links_;
         }
         word_.clear();
@@ -159,7 +160,7 @@ private:
     std::string_view document_;
     std::string result_;
     size_t done_ = 0;  // of the document
-    std::string word_;
+    std::wstring word_;
     std::vector<Line> lines_;  // of the word's letters
     double x_ = 0, y_ = 0;     // where the last move went
     size_t since_move_ = 0;    // letters

@@ -2,9 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <system_error>
 #include <utility>
+
+#include "common/qk/text.h"
 
 namespace companions::render {
 
@@ -22,14 +28,37 @@ std::string_view attribute(std::string_view line, std::string_view name) {
     return line.substr(0, line.find('"'));
 }
 
-// The one character of ASCII that an attribute stands for, a zero for anything else.
-char character_of(std::string_view value) {
+// The one character of an address that an attribute stands for, a zero for anything else.
+wchar_t character_of(std::string_view value) {
     constexpr std::pair<std::string_view, char> kNames[] = {
         {"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&quot;", '"'}, {"&apos;", '\''}};
     for (const auto& [name, character] : kNames)
         if (value == name)
-            return character;
-    return value.size() == 1 && value[0] > ' ' && value[0] < '\x7F' ? value[0] : '\0';
+            return static_cast<wchar_t>(character);
+    if (value.size() == 1)
+        return value[0] > ' ' && value[0] < '\x7F' ? static_cast<wchar_t>(value[0]) : L'\0';
+    constexpr std::string_view kCode = "&#x";
+    uint16_t code = 0;
+    if (!value.starts_with(kCode))
+        return L'\0';
+    const auto [end, error] =
+        std::from_chars(value.data() + kCode.size(), value.data() + value.size(), code, 16);
+    const bool whole = error == std::errc() && end + 1 == value.data() + value.size() && *end == ';';
+    return whole && is_address_letter(code) ? code : L'\0';
+}
+
+std::string as_uri(std::wstring_view address) {
+    std::string uri;
+    for (const char byte : qk::to_utf8(address)) {
+        if ((byte & 0x80) == 0) {
+            uri += byte;
+            continue;
+        }
+        char escape[4];
+        std::snprintf(escape, sizeof escape, "%%%02X", byte & 0xFFu);
+        uri += escape;
+    }
+    return uri;
 }
 
 }  // namespace
@@ -48,35 +77,44 @@ bool read_numbers(std::string_view text, std::span<double> numbers) {
     return true;
 }
 
-std::optional<WebAddress> find_address(const std::string& word) {
-    constexpr std::string_view kBare = "www.";
+bool is_address_letter(wchar_t character) noexcept {
+    constexpr std::pair<int, int> kLetters[] = {{0xC0, 0xD6},   {0xD8, 0xF6},   {0xF8, 0x36F},
+                                                {0x386, 0x386}, {0x388, 0x52F}, {0x1E00, 0x1FFF}};
+    return std::ranges::any_of(kLetters, [character](const auto& range) {
+        return character >= range.first && character <= range.second;
+    });
+}
+
+std::optional<WebAddress> find_address(const std::wstring& word) {
+    constexpr std::wstring_view kBare = L"www.";
     constexpr size_t kLeast = 8;  // "www.a.de"
-    size_t first = std::string::npos;
+    size_t first = std::wstring::npos;
     bool bare = false;
     if (word.size() < kLeast)
         return std::nullopt;
-    for (const std::string_view start : {std::string_view("http://"), std::string_view("https://"),
-                                         std::string_view("ftp://"), std::string_view("mailto:"), kBare}) {
+    for (const std::wstring_view start :
+         {std::wstring_view(L"http://"), std::wstring_view(L"https://"), std::wstring_view(L"ftp://"),
+          std::wstring_view(L"mailto:"), kBare}) {
         const size_t at = word.find(start);
         if (at >= first)
             continue;
         first = at;
         bare = start == kBare;
     }
-    if (first == std::string::npos)
+    if (first == std::wstring::npos)
         return std::nullopt;
-    size_t end = std::min(word.find_first_of("<>\"", first), word.size());
-    const auto has = [&](char sign) {
+    size_t end = std::min(word.find_first_of(L"<>\"", first), word.size());
+    const auto has = [&](wchar_t sign) {
         const auto* from = word.data();
         return std::count(from + first, from + end, sign);
     };
     // A parenthesis that the address itself has opened is its own.
-    while (end > first && std::string_view(".,;:!?')]}").find(word[end - 1]) != std::string_view::npos &&
-           (word[end - 1] != ')' || has('(') < has(')')))
+    while (end > first && std::wstring_view(L".,;:!?')]}").find(word[end - 1]) != std::wstring_view::npos &&
+           (word[end - 1] != L')' || has(L'(') < has(L')')))
         --end;
     if (end - first < kLeast)
         return std::nullopt;
-    return WebAddress{first, end, (bare ? "http://" : "") + word.substr(first, end - first)};
+    return WebAddress{first, end, (bare ? "http://" : "") + as_uri(word.substr(first, end - first))};
 }
 
 void WebLinkReader::feed(std::string_view bytes) {
@@ -111,7 +149,7 @@ void WebLinkReader::take_character(std::string_view line) {
     // Boxes are whole points: a word goes on where the last letter ended, or nearly so.
     const bool goes_on = !word_.empty() && std::fabs(baseline - baseline_) < 0.5 &&
                          std::fabs(left - word_.back().right) <= std::max(1.5, size_ / 5);
-    const char character = character_of(attribute(line, "c=\""));
+    const wchar_t character = character_of(attribute(line, "c=\""));
     if (!goes_on || character == 0 || word_.size() == kMostWord)
         end_word();
     baseline_ = baseline;
@@ -120,12 +158,12 @@ void WebLinkReader::take_character(std::string_view line) {
 }
 
 void WebLinkReader::end_word() {
-    std::string word;
+    std::wstring word;
     for (const Glyph& glyph : word_)
         word += glyph.character;
     if (const auto address = find_address(word); address && !pages_.empty())
         pages_.back().push_back({word_[address->first].left, baseline_ - size_ * 0.8,
-                                 word_[address->end - 1].right, baseline_ + size_ * 0.2, address->text});
+                                 word_[address->end - 1].right, baseline_ + size_ * 0.2, address->uri});
     word_.clear();
 }
 

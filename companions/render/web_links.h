@@ -13,15 +13,21 @@ namespace companions::render {
 // An address and where it stands: points from the page's left and top edge.
 struct WebLink {
     double left, top, right, bottom;
-    std::string address;  // ASCII, with its scheme
+    std::string address;  // as in WebAddress
 };
 
-// An address in a word: its first letter, the one behind its last, and the whole of it with its scheme.
+// An address in a word of ASCII and the letters below: its first letter, the one behind its last, and the
+// whole of it with its scheme, as a URI: letters beyond ASCII are the bytes of their UTF-8 behind per cent
+// signs.
 struct WebAddress {
     size_t first, end;
-    std::string text;
+    std::string uri;
 };
-[[nodiscard]] std::optional<WebAddress> find_address(const std::string& word);
+[[nodiscard]] std::optional<WebAddress> find_address(const std::wstring& word);
+
+// Whether a character beyond ASCII belongs to an address: a Latin, Greek or Cyrillic letter. Text of other
+// scripts often goes on right behind an address, without a blank.
+[[nodiscard]] bool is_address_letter(wchar_t character) noexcept;
 
 // The numbers that a text begins with, blanks between them; false when there are fewer than asked for.
 [[nodiscard]] bool read_numbers(std::string_view text, std::span<double> numbers);
@@ -38,7 +44,7 @@ public:
 private:
     struct Glyph {
         double left, right;
-        char character;
+        wchar_t character;
     };
     void take_line(std::string_view line);
     void take_character(std::string_view line);

@@ -178,7 +178,7 @@ TEST_F(CompstuiSheet, WhatIsMalformedIsNotAdded) {
 
 // The reasons: 5 before INIT, 0 INIT, 1 header, 3 result, 2 DESTROY.
 TEST_F(CompstuiSheet, ReasonsAndResultByHowItIsLeft) {
-    enum Pages { kNone, kGroup, kOwnApply, kRestarting, kAlone };
+    enum Pages { kNone, kGroup, kOwnApply, kAlone };
     // The buttons, the answers to INIT and to the header, the pages, the reasons, the sheet's answer and
     // result.
     const std::tuple<std::vector<int>, LONG, LONG, Pages, const char*, LONG, DWORD> rows[] = {
@@ -186,7 +186,6 @@ TEST_F(CompstuiSheet, ReasonsAndResultByHowItIsLeft) {
         {{PSBTN_CANCEL}, 1, 1, kGroup, "5012", CPSUI_CANCEL, 0},
         {{PSBTN_APPLYNOW, PSBTN_CANCEL}, 1, 1, kGroup, "50132", CPSUI_CANCEL, 1},
         {{PSBTN_OK}, 1, 1, kOwnApply, "5012", CPSUI_OK, 0},
-        {{PSBTN_OK}, 1, 1, kRestarting, "50132", CPSUI_OK, 2},
         {{PSBTN_OK}, 1, 1, kAlone, "5012", CPSUI_OK, 0},
         {{}, -5, 1, kGroup, "502", -5, 0},
         {{}, 0, 1, kGroup, "502", ERR_CPSUI_GETLASTERROR, 0},
@@ -206,7 +205,6 @@ TEST_F(CompstuiSheet, ReasonsAndResultByHowItIsLeft) {
         player.init_answer = init;
         player.header_answer = header;
         player.page_applies = pages == kOwnApply;
-        group.sheet.pfnCallBack = pages == kRestarting ? &restarts : nullptr;
         player.add = [&, made = pages](PROPSHEETUI_INFO& info) {
             if (made == kAlone)
                 call(info, CPSFUNC_ADD_PROPSHEETPAGEW, &page);

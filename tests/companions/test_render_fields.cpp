@@ -29,7 +29,7 @@ std::string picture(int left, const char* decode, const char* paint, size_t row,
 std::string document() {
     constexpr char kText[] =
         "/Courier findfont 12 scalefont setfont 0 0 0 setrgbcolor\n"
-        "72 700 moveto (see https://example.org/a?b=1, or www.test.net.) show\n"
+        "72 700 moveto (see https://example.org/a) show /germandbls glyphshow (?b=1, or www.test.net.) show\n"
         "0.8 0.1 0.1 setrgbcolor 72 660 moveto (red) show 72 610 100 30 rectfill\n";
     const auto colour = [](size_t i) { return static_cast<uint8_t>(i % 3 == 0 ? i / 192 * 3 : i % 192); };
     const auto grey = [](size_t i) { return static_cast<uint8_t>(i % 192 / 3 * 4); };
@@ -43,6 +43,8 @@ std::string document() {
 // Questions: commands of a shell with the PDF as $1 and a folder to write in as $2.
 constexpr char kInfo[] = "pdfinfo \"$1\" 2>/dev/null | sed -n 's/^PDF version: *//p; s/^Pages: */pages /p'";
 constexpr char kImages[] = "pdfimages -list \"$1\" | awk 'NR > 2 { print $6 \":\" $8 \":\" $9 }'";
+// The small picture in black and white stands in the page.
+constexpr char kMono[] = "grep -a -o -E '^/BPC 1|^/F */[A-Z][A-Za-z]*|/K -1' \"$1\" | tr -d ' '";
 constexpr char kWidths[] = "pdfimages -list \"$1\" | awk 'NR > 2 { print $4 }'";
 constexpr char kFonts[] = "pdffonts \"$1\" | awk 'NR > 2 { print $1, $(NF - 4) }' | sed 's/^.*+//'";
 const std::string kPasswords =
@@ -121,20 +123,23 @@ const std::vector<Row> kRows = {
     {R"({"General": {"NoOutputBlankPage": true}})", kInfo, "pages 2 1.7"},
     {R"({"General": {"URLLink": true}})",
      "qpdf --qdf --object-streams=disable \"$1\" - | grep -a -o '/URI (.*)' | sort | uniq -c",
-     "      2 /URI (http://www.test.net)       2 /URI (https://example.org/a?b=1)"},
+     "      2 /URI (http://www.test.net)       2 /URI (https://example.org/a%C3%9F?b=1)"},
 
     {R"({"Compression": {"ASCIIFormat": true}})",
      "test $(grep -a -c 'Filter.*ASCII85Decode' \"$1\") -ge 6; echo $?", "0"},
     {R"({"Compression": {"TextAndLineArt": true}})", "grep -a -c ' Tf$' \"$1\"", "0"},
     {R"({"Compression": {"HighCompress": true}})", "grep -a -o /ObjStm \"$1\" | sort -u", "/ObjStm"},
-    {R"({"Compression": {"Color": {"CompressionMethod": 1}, "Gray": {"CompressionMethod": 2}}})", kImages,
-     "rgb:8:jpeg gray:8:image -:1:ccitt"},
     {R"({"Compression": {"Color": {"CompressionMethod": 2}, "Gray": {"CompressionMethod": 1},
                          "Mono": {"MonoCompressionMethod": 3}}})",
      kImages, "rgb:8:image gray:8:jpeg -:1:image"},
-    {R"({"Compression": {"Mono": {"MonoCompressionMethod": 4}}})", "grep -a -o '/F */RL' \"$1\"", "/F/RL"},
-    {R"({"Compression": {"Color": {"CompressionMethod": 1, "JpegQuality": 10}}})",
-     "pdfimages -j \"$1\" \"$2/x\" && identify -format %Q \"$2/x-000.jpg\" 2>/dev/null", "10"},
+    {R"({"Compression": {"Mono": {"MonoCompressionMethod": 0}}})", kMono, "/BPC1"},  // as it is
+    {R"({"Compression": {"Mono": {"MonoCompressionMethod": 1}}})", kMono, "/BPC1 /F/CCF"},
+    {R"({"Compression": {"Mono": {"MonoCompressionMethod": 2}}})", kMono, "/BPC1 /F/CCF /K-1"},
+    {R"({"Compression": {"Mono": {"MonoCompressionMethod": 4}}})", kMono, "/BPC1 /F/RL"},
+    {R"({"Compression": {"Color": {"CompressionMethod": 1, "JpegQuality": 10},
+                         "Gray": {"CompressionMethod": 1, "JpegQuality": 80}}})",
+     "pdfimages -j \"$1\" \"$2/x\" && identify -format '%Q ' \"$2/x-000.jpg\" \"$2/x-001.jpg\" 2>/dev/null",
+     "10 80"},
     {R"({"Compression": {"Color": {"ResolutionThreshold": 40, "ResolutionTarget": 23},
                          "Gray": {"ResolutionThreshold": 40, "DownSamplingMethod": 0},
                          "Mono": {"ResolutionTarget": 10}}})",  // as far below as the engine takes
@@ -168,8 +173,15 @@ const std::vector<Row> kRows = {
     {R"({"General": {"Linearize": false, "NoOutputBlankPage": true}, "OpenAction": {"StartPage": 3}})",
      kFirstPage, "page 2"},
 
+    // Print and annotate; change and annotate; copy.
     {R"({"PDFVersion": {"Version": 0}, )" + kPasswords, kSecurity, "2 -28"},
+    {R"({"PDFVersion": {"Version": 0}, "Security": {"UserPassword": "usr", "PDF13_DisallowModify": false}})",
+     kSecurity, "2 -24"},
+    {R"({"PDFVersion": {"Version": 0}, "Security": {"UserPassword": "usr", "PDF13_DisallowCopy": false,
+                                                    "PDF13_DisallowAnnotate": true}})",
+     kSecurity, "2 -48"},
     {R"({"PDFVersion": {"Version": 2}, )" + kPasswords, kSecurity, "3 -3132"},
+    {R"({"Security": {"MasterPassword": "o", "UserPassword": "usr", "Level": 0}})", kSecurity, "3 -3132"},
     {R"({"Security": {"MasterPassword": "o", "UserPassword": "usr", "AllowCopyContent": true,
                       "AllowAccessFromScreenReader": false}})",
      kSecurity, "4 -3116 AESv2"},  // copying reads aloud too

@@ -4,6 +4,7 @@
 #include "companions/render/engine.h"
 #include "companions/render/engine_arguments.h"
 #include "companions/render/engine_log.h"
+#include "companions/render/glyph_names.h"
 #include "companions/render/result_record.h"
 #include "companions/render/scratch_folder.h"
 #include "companions/render/spool_links.h"
@@ -49,6 +50,8 @@ TEST(RenderRules, SpooledAddressesAreMarked) {
                 lines += '/' +
                          (letter == '.'   ? "period"
                           : letter == ' ' ? "space"
+                          : letter == '~' ? "germandbls"
+                          : letter == '#' ? "uni65E5"
                                           : std::string(1, letter)) +
                          " glyphshow\n";
         return "%!PS\n%%Creator: Wine PostScript Driver\n%%EndComments\n%%EndProlog\n[10 0 0 -10 0 0]\n" +
@@ -58,8 +61,8 @@ TEST(RenderRules, SpooledAddressesAreMarked) {
         std::string text, first, second;  // pieces of the lines
         bool marked = true;
     } rows[] = {
-        {"www.a.de", "/e glyphshow\n1 ZRat\n(http://www.a.de) 0 0.00 -10.00 ZRlinked\npgsave"},
         {"x (www.a.de/b_(c)). y", "\n0 ZRat\n/w glyphshow\n", "/) glyphshow\n1 ZRat\n/) glyphshow\n/period"},
+        {"~www.a~.de#x~", "(http://www.a%C3%9F.de) 0 0.00 -10.00 ZRlinked\npgsave", "0 ZRat\n/w"},
         {"^w^w^w|^.^a^.^d^e", "/period", "", false},
         {"www.a.de|www.b.de", "/e glyphshow\n1 ZRat\n90 700", "(http://www.b.de) 2 0.00"}};
     for (const auto& row : rows) {
@@ -69,6 +72,15 @@ TEST(RenderRules, SpooledAddressesAreMarked) {
         EXPECT_EQ(marked.find("glyphshow\n1 ZRat") != std::string::npos, row.marked) << marked;
     }
     EXPECT_FALSE(mark_links("%!PS\n%%EndComments\n%%EndProlog\n/w glyphshow\n")) << "another program's";
+}
+
+TEST(RenderRules, GlyphsAreNamedForTheirLetters) {
+    const std::wstring letters = L"\u00C0\u00FF\u017E\u0386\u03CE\u0401\u0410\u044F\u1E9E";
+    size_t at = 0;
+    for (const char* name : {"Agrave", "ydieresis", "zcaron", "Alphatonos", "omegatonos", "afii10023",
+                             "afii10017", "afii10097", "uni1E9E",  // these have one
+                             "afii10050", "multiply", "uni65E5", "tcommaaccent", "unicode", "-", ""})
+        EXPECT_EQ(find_letter(name), letters.c_str()[std::min(at++, letters.size())]) << name;
 }
 
 TEST(RenderRules, EnginesOutputIsReadInPiecesOfAnySize) {
@@ -161,7 +173,6 @@ TEST(ScratchFolders, OfKilledRunsGoWithTheNext) {
         {L"zr_render_4294967292_0", L"password.txt", false},  // no process has it
         {L"zr_render_4294967292_1", L"gs_a1B2c3", false},
         {L"zr_render_4294967292_2", L"another's.txt", true},
-        {L"zr_render_4294967292_3", L"engine.log", false},
         {L"zr_render_" + std::to_wstring(GetCurrentProcessId()) + L"_7", L"options.txt", true}};
     for (const auto& [name, file, stays] : rows) {
         CreateDirectoryW(temp.file(name).c_str(), nullptr);

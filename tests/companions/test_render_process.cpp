@@ -7,7 +7,6 @@
 TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     settings_.compression()->HighCompress = true;
     settings_.pdfVersion()->Version = 1;
-    folder_.write(L"\u65E5\u672C 100%d.pdf", "old");
     spool_ = folder_.write(L"100%d.ps", kTwoPages);
     ASSERT_EQ(run(L"--keep-spool"), kDone);
     EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
@@ -69,8 +68,6 @@ TEST_F(RenderProcess, DamagedPdfIsNoSuccess) {
 
 TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
     using Job = RenderProcess;
-    static constexpr char kUnusable[] =
-        R"({"PDFVersion": {"Version":3}, "Security": {"UserPassword": "\u65E5"}})";
     const struct {
         const char* spool;  // null: missing
         uint32_t error, win32_error;
@@ -86,9 +83,10 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
         {kTwoPages, 1001, ERROR_FILE_NOT_FOUND, L"C:\\none\\x.ps4",
          [](Job& job) { job.setting_ = L"C:\\none\\x.ps4"; }},
         {kTwoPages, 1008, ERROR_INVALID_PASSWORD, L"password",
-         [](Job& job) { (void)job.settings_.LoadPS4(kUnusable, true); }},
-        {kTwoPages, 1008, ERROR_INVALID_PASSWORD, L"password",
-         [](Job& job) { job.settings_.security()->UserPassword = L"a\nb"; }},
+         [](Job& job) {
+             job.settings_.pdfVersion()->Version = ps::kPDF20;
+             job.settings_.security()->UserPassword = std::wstring(128, L'x');
+         }},
         {kTwoPages, 1009, ERROR_NOT_SUPPORTED, L"add a document",
          [](Job& job) { job.start_.view()->resume = 1; }},
         {kTwoPages, 1010, ERROR_INVALID_PARAMETER, L"names no PDF", [](Job& job) { job.target_.clear(); }},

@@ -15,7 +15,6 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
         std::string_view bytes;
         Lines faults, forced = {};
     } const rows[] = {
-        {L"smallest.ps4", "{\"PSComment\": []}", none},
         {L"bare.ps4",
          "\n{}",
          {L"the byte-order mark EF BB BF is missing; without it no program takes the file for a setting"}},
@@ -68,6 +67,17 @@ TEST(SettingCheck, FaultsAreToldWithWhatIsUsed) {
           L"Watermark.PictureFileName: there is no file Q:\\x.png",
           L"Security.UserPassword: is the same as MasterPassword: whoever opens the document has every "
           L"permission"}},
+        {L"new.ps4",
+         R"({"PSComment": [], "PDFVersion": {"Version": 12},
+            "Security": {"MasterPassword": "a\tb", "UserPassword": "\u65E5 \u0080"}})",
+         {L"Security.MasterPassword: has a control character, which no PDF takes: a job fails with error "
+          L"1008"}},
+        {L"latin.ps4",
+         R"({"PSComment": [], "PDFVersion": {"Version": 3},
+            "Security": {"MasterPassword": "012345678901234567890123456789012", "UserPassword": "\u0080"}})",
+         {L"Security.MasterPassword: is longer than the 32 characters that count in this PDF",
+          L"Security.UserPassword: has a character that only PDF 1.7 (4) and 2.0 (12) take: a job fails with "
+          L"error 1008"}},
         {L"administrator.ps4a",
          R"({"Administrator": {"PSFile": "Q:\\x.ps4", "NoSettingTabs": 1,
             "PDFFileName": "Q:\\{a}", "OutputFolder": "Q:\\b"}, "Color": {"ColorMode": "grey"}, "Security": {"UserPassword": "secret"},
