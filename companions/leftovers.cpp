@@ -37,9 +37,4 @@ std::optional<DWORD> find_process(std::wstring_view name, std::wstring_view star
     return std::wcstoul(number.c_str(), nullptr, 10);
 }
 
-bool is_gone(DWORD process) noexcept {
-    const qk::HandleObj alive(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, process));
-    return !alive && GetLastError() == ERROR_INVALID_PARAMETER;
-}
-
 }  // namespace companions

@@ -26,7 +26,4 @@ void delete_leftovers(const std::wstring& pattern, const IsLeft& is_left, const 
 [[nodiscard]] std::optional<DWORD> find_process(std::wstring_view name, std::wstring_view start,
                                                 wchar_t end = L'\0');
 
-// Whether no process has that number.
-[[nodiscard]] bool is_gone(DWORD process) noexcept;
-
 }  // namespace companions

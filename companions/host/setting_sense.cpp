@@ -78,22 +78,22 @@ private:
             return;
         if (ps::is_standard(version_))
             tell(place, L"PDF/A and PDF/X allow no passwords: the document is not protected");
-        if (const auto fault = render::find_password_fault(settings_, password))
+        if (const auto fault = render::find_protection_fault(settings_, password))
             tell(place, words(*fault));
     }
 
-    static std::wstring words(render::PasswordFault fault) {
+    static std::wstring words(render::ProtectionFault fault) {
         const std::wstring end =
             L": a job fails with error " +
             std::to_wstring(static_cast<unsigned>(render::ResultCode::kPasswordUnusable));
         switch (fault) {
-            case render::PasswordFault::kControl:
+            case render::ProtectionFault::kControl:
                 return L"has a control character, which no PDF takes" + end;
-            case render::PasswordFault::kNotLatin:
+            case render::ProtectionFault::kNotLatin:
                 return L"has a character that only PDF 1.7 (4) and 2.0 (12) take" + end;
-            case render::PasswordFault::kTooLong:
+            case render::ProtectionFault::kTooLong:
                 return L"is longer than 127 bytes of UTF-8" + end;
-            case render::PasswordFault::kCut:
+            case render::ProtectionFault::kCut:
                 break;
         }
         return L"is longer than the 32 characters that count in this PDF";

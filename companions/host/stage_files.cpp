@@ -6,6 +6,7 @@
 
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
+#include "common/qk/process.h"
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
 #include "companions/leftovers.h"
@@ -75,7 +76,7 @@ void delete_leftovers_of(const std::wstring& target) {
     });
     companions::delete_leftovers(target + kFresh + L'*', [&name](std::wstring_view found) {
         const auto process = companions::find_process(found, name + kFresh);
-        return process && companions::is_gone(*process);
+        return process && qk::is_gone(*process);
     });
 }
 

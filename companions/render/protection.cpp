@@ -34,7 +34,7 @@ bool is_strongest(const ps::PrintSettings& settings) {
 
 }  // namespace
 
-std::optional<PasswordFault> find_password_fault(const ps::PrintSettings& settings,
+std::optional<ProtectionFault> find_protection_fault(const ps::PrintSettings& settings,
                                                  const std::wstring& password) {
     // Readers cut what is typed behind so many bytes; qpdf counts all, and no password opens its PDF.
     constexpr size_t kMostBytes = 127;
@@ -42,18 +42,18 @@ std::optional<PasswordFault> find_password_fault(const ps::PrintSettings& settin
     if (ps::is_standard(settings.pdfVersion()->Version))
         return std::nullopt;
     if (has_control(password))
-        return PasswordFault::kControl;
+        return ProtectionFault::kControl;
     if (is_strongest(settings))
-        return qk::to_utf8(password).size() > kMostBytes ? std::optional(PasswordFault::kTooLong)
+        return qk::to_utf8(password).size() > kMostBytes ? std::optional(ProtectionFault::kTooLong)
                                                          : std::nullopt;
     if (!is_latin(password))
-        return PasswordFault::kNotLatin;
-    return password.size() > kMostLatin ? std::optional(PasswordFault::kCut) : std::nullopt;
+        return ProtectionFault::kNotLatin;
+    return password.size() > kMostLatin ? std::optional(ProtectionFault::kCut) : std::nullopt;
 }
 
 bool refuses_passwords(const ps::PrintSettings& settings) {
     const auto is_refused = [&settings](const std::wstring& password) {
-        return find_password_fault(settings, password).value_or(PasswordFault::kCut) != PasswordFault::kCut;
+        return find_protection_fault(settings, password).value_or(ProtectionFault::kCut) != ProtectionFault::kCut;
     };
     return is_refused(settings.security()->MasterPassword) || is_refused(settings.security()->UserPassword);
 }

@@ -14,7 +14,7 @@ namespace companions::render {
 enum class Encryption { kRc4, kAes, kAes256 };
 
 // What keeps a password from protecting a PDF as it stands.
-enum class PasswordFault {
+enum class ProtectionFault {
     kControl,   // it has control characters, which nobody can type
     kNotLatin,  // characters outside Latin-1, which only AES with 256 bits has bytes for
     kTooLong,   // longer than that one's 127 bytes of UTF-8
@@ -23,7 +23,7 @@ enum class PasswordFault {
 
 // What is wrong with one of the setting's passwords; nothing when its PDF takes it whole, or is a PDF/A or
 // PDF/X, which has none.
-[[nodiscard]] std::optional<PasswordFault> find_password_fault(
+[[nodiscard]] std::optional<ProtectionFault> find_protection_fault(
     const Corvanta::Vantrix::PrintSettings::PrintSettings& settings, const std::wstring& password);
 
 // Whether a job with that setting fails (kPasswordUnusable): for every fault but the last.

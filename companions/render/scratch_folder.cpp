@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "common/qk/handle.h"
+#include "common/qk/process.h"
 #include "common/qk/text.h"
 #include "companions/leftovers.h"
 #include "companions/system_texts.h"
@@ -53,7 +54,7 @@ void remove_dead(const std::wstring& root) {
         root + kPrefix + L'*',
         [](std::wstring_view name) {
             const auto process = find_process(name, kPrefix, L'_');
-            return process && is_gone(*process);
+            return process && qk::is_gone(*process);
         },
         [](std::wstring_view name) {
             constexpr std::wstring_view kOfRuns[] = {kOptionsFile,  kPasswordFile, kJobFile,   kChangesFile,

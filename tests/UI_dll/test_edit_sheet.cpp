@@ -190,7 +190,7 @@ TEST_F(Saving, CheckButtonTellsEveryFaultAtOnce) {
         type(kGeneralPage, IDC_RESOLUTION, L"71");
         type(kGeneralPage, IDC_SCALE, L"9");
         click(kWaterMarkPage, IDC_MARK_TEXT);
-        type(kWaterMarkPage, IDC_MARK_WORDS, L" ");
+        type(kWaterMarkPage, IDC_MARK_WORDS, L"\u00A0 ");
         type(kWaterMarkPage, IDC_MARK_SIZE, L"7");
         check();
         for (const UINT fault : {IDS_BAD_RESOLUTION, IDS_BAD_SCALE, IDS_MARK_NO_WORDS, IDS_MARK_BAD_SIZE})

@@ -115,7 +115,7 @@ TEST_F(GeneralPage, BadInputKeepsThePageAndShowsWhatWasThere) {
     ASSERT_TRUE(setting().Save(here.folder.file(L"Settings\\taken.ps4")));
     // The control, what is typed, the message, what is shown then, what is good.
     const std::tuple<int, const wchar_t*, UINT, const wchar_t*, const wchar_t*> rows[] = {
-        {7122, L" ", 1423, L" ", L"Taken"},
+        {7122, L"\u3000", 1423, L"\u3000", L"Taken"},
         {7122, L"Taken", 1428, L"Taken", L"taken"},
         {146, L"25.3", 4392, L"297.00", nullptr},
         {7135, L".", 4703, L".", nullptr},  // it is there, below the program's folder

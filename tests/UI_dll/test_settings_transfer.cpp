@@ -118,7 +118,7 @@ TEST_F(SettingsPage, KeysRenameAndDelete) {
     const std::tuple<int, const wchar_t*, UINT, const wchar_t*> cases[] = {
         // the row, what is typed (null: it cannot be), the message, the rows then
         {0, L"gamma", 0, L"[gamma] zeta Office Standard"},
-        {0, L" ", IDS_NO_NAME, L"[gamma] zeta Office Standard"},
+        {0, L" \u3000", IDS_NO_NAME, L"[gamma] zeta Office Standard"},
         {0, L"Office", IDS_RENAME_TAKEN, L"[gamma] zeta Office Standard"},
         {2, nullptr, 0, L"gamma zeta [Office] Standard"}};
     for (const auto& [row, typed, box, after] : cases) {

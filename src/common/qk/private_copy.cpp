@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "common/qk/paths.h"
+#include "common/qk/process.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 
@@ -54,11 +55,6 @@ std::optional<DWORD> find_process(std::wstring_view name) {
         name.remove_prefix(1);
     }
     return equal_no_case(name, kExtension) ? process : std::nullopt;
-}
-
-bool is_dead(DWORD process) noexcept {
-    const HandleObj alive(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, process));
-    return !alive && GetLastError() == ERROR_INVALID_PARAMETER;
 }
 
 bool is_plain_folder(DWORD attributes) noexcept {
@@ -214,7 +210,7 @@ void remove_private_copy(PrivateCopy copy) {
         return;
     do {
         const auto process = find_process(found.cFileName);
-        if (process && is_dead(*process))
+        if (process && is_gone(*process))
             DeleteFileW((folder + found.cFileName).c_str());
     } while (FindNextFileW(search.get(), &found));
 }

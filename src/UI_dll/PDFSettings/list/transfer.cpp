@@ -150,7 +150,7 @@ void begin_rename(HWND list_page) {
 
 void rename_setting(HWND list_page, const std::wstring& path, const std::wstring& name) {
     TRACE("rename_setting");
-    if (name.find_first_not_of(L' ') == std::wstring::npos) {
+    if (qk::without_blanks(name).empty()) {
         show_message(list_page, dialog_text(IDS_NO_NAME), IDS_REFUSED, MB_OK | MB_ICONERROR);
         return;
     }

@@ -17,6 +17,7 @@
 #include "common/dialog_library.h"
 #include "common/driver_util.h"
 #include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "common/threadprop.h"
 #include "job/name_pattern.h"
@@ -161,7 +162,7 @@ void command(HWND page, int control, int notification) {
 
 bool check_name(HWND page) {
     const std::wstring name = control_text(page, IDC_NAME);
-    if (name.find_first_not_of(L' ') == std::wstring::npos)
+    if (qk::without_blanks(name).empty())
         return refuse(page, IDC_NAME, IDS_NO_NAME);
     ULONG_PTR is_new = 0;
     GetThreadProp(threadprop::kNewSheet, is_new);

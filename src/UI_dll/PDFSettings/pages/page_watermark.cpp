@@ -12,6 +12,7 @@
 #include "UI_dll/PDFSettings/preview/view_box.h"
 #include "common/qk/gdi_handle.h"
 #include "common/qk/paths.h"
+#include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "resources/ids.h"
 
@@ -276,7 +277,7 @@ void dlg_setactive_WaterMark(HWND page) {
 
 bool check_text(HWND page) {
     if (is_new(page, IDC_MARK_WORDS) &&
-        control_text(page, IDC_MARK_WORDS).find_first_not_of(L' ') == std::wstring::npos &&
+        qk::without_blanks(control_text(page, IDC_MARK_WORDS)).empty() &&
         !refuse(page, IDC_MARK_WORDS, IDS_MARK_NO_WORDS))
         return false;
     if (is_new(page, IDC_MARK_FONT) && control_text(page, IDC_MARK_FONT).empty() &&
