@@ -13,8 +13,11 @@ constexpr size_t kMostUnits = 260;
 
 thread_local SheetWatch* watch = nullptr;
 
-// The tab control of a property sheet; null for any other window.
+// The tab control of this thread's property sheet; null for any other window. A thread that closes its last
+// window tries to activate another program's, and asks its hook about it.
 HWND find_tabs(HWND window) noexcept {
+    if (GetWindowThreadProcessId(window, nullptr) != GetCurrentThreadId())
+        return nullptr;
     wchar_t name[16] = {};
     GetClassNameW(window, name, static_cast<int>(std::size(name)));
     return std::wstring_view(name) == kDialogClass ? FindWindowExW(window, nullptr, WC_TABCONTROLW, nullptr)
