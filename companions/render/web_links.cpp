@@ -55,7 +55,8 @@ std::string as_uri(std::wstring_view address) {
             continue;
         }
         char escape[4];
-        std::snprintf(escape, sizeof escape, "%%%02X", byte & 0xFFu);
+        std::snprintf(escape, sizeof escape, "%%%02X",
+                      static_cast<unsigned>(static_cast<unsigned char>(byte)));
         uri += escape;
     }
     return uri;
