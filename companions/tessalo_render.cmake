@@ -10,6 +10,7 @@ add_library(zr_companions STATIC
     render/engine_log.cpp
     render/fonts.cpp
     render/glyph_names.cpp
+    render/letter_names.cpp
     render/mark_drawing.cpp
     render/metadata.cpp
     render/outside.cpp
@@ -18,12 +19,14 @@ add_library(zr_companions STATIC
     render/pdf_tool.cpp
     render/pdfmark.cpp
     render/pending_pdf.cpp
+    render/prepared_spool.cpp
     render/protection.cpp
     render/render_job.cpp
     render/result_record.cpp
     render/scratch_folder.cpp
     render/spool_links.cpp
     render/spool_pictures.cpp
+    render/spool_text.cpp
     render/standards.cpp
     render/unsupported.cpp
     render/viewer.cpp

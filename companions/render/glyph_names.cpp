@@ -1,86 +1,75 @@
 #include "companions/render/glyph_names.h"
 
 #include <algorithm>
-#include <charconv>
-#include <string>
-#include <system_error>
-
-#include "companions/render/web_links.h"
+#include <cctype>
+#include <map>
 
 namespace companions::render {
 
 namespace {
 
-// The names of letters one after another from the first on; a dash has none or shares it.
-constexpr struct {
-    int first;
-    std::string_view names;
-} kLetters[] = {
-    {0xC0,
-     " Agrave Aacute Acircumflex Atilde Adieresis Aring AE Ccedilla Egrave Eacute Ecircumflex Edieresis"
-     " Igrave Iacute Icircumflex Idieresis Eth Ntilde Ograve Oacute Ocircumflex Otilde Odieresis - Oslash"
-     " Ugrave Uacute Ucircumflex Udieresis Yacute Thorn germandbls agrave aacute acircumflex atilde"
-     " adieresis aring ae ccedilla egrave eacute ecircumflex edieresis igrave iacute icircumflex idieresis"
-     " eth ntilde ograve oacute ocircumflex otilde odieresis - oslash ugrave uacute ucircumflex udieresis"
-     " yacute thorn ydieresis Amacron amacron Abreve abreve Aogonek aogonek Cacute cacute Ccircumflex"
-     " ccircumflex Cdotaccent cdotaccent Ccaron ccaron Dcaron dcaron Dcroat dcroat Emacron emacron Ebreve"
-     " ebreve Edotaccent edotaccent Eogonek eogonek Ecaron ecaron Gcircumflex gcircumflex Gbreve gbreve"
-     " Gdotaccent gdotaccent Gcommaaccent gcommaaccent Hcircumflex hcircumflex Hbar hbar Itilde itilde"
-     " Imacron imacron Ibreve ibreve Iogonek iogonek Idotaccent dotlessi IJ ij Jcircumflex jcircumflex"
-     " Kcommaaccent kcommaaccent kgreenlandic Lacute lacute Lcommaaccent lcommaaccent Lcaron lcaron Ldot"
-     " ldot Lslash lslash Nacute nacute Ncommaaccent ncommaaccent Ncaron ncaron napostrophe Eng eng Omacron"
-     " omacron Obreve obreve Ohungarumlaut ohungarumlaut OE oe Racute racute Rcommaaccent rcommaaccent"
-     " Rcaron rcaron Sacute sacute Scircumflex scircumflex Scedilla scedilla Scaron scaron - - Tcaron"
-     " tcaron Tbar tbar Utilde utilde Umacron umacron Ubreve ubreve Uring uring Uhungarumlaut uhungarumlaut"
-     " Uogonek uogonek Wcircumflex wcircumflex Ycircumflex ycircumflex Ydieresis Zacute zacute Zdotaccent"
-     " zdotaccent Zcaron zcaron "},
-    {0x386,
-     " Alphatonos - Epsilontonos Etatonos Iotatonos - Omicrontonos - Upsilontonos Omegatonos"
-     " iotadieresistonos Alpha Beta Gamma - Epsilon Zeta Eta Theta Iota Kappa Lambda Mu Nu Xi Omicron Pi"
-     " Rho - Sigma Tau Upsilon Phi Chi Psi - Iotadieresis Upsilondieresis alphatonos epsilontonos etatonos"
-     " iotatonos upsilondieresistonos alpha beta gamma delta epsilon zeta eta theta iota kappa lambda - nu"
-     " xi omicron pi rho sigma1 sigma tau upsilon phi chi psi omega iotadieresis upsilondieresis"
-     " omicrontonos upsilontonos omegatonos "},
-};
+constexpr uint8_t kFirst = ' ';
+constexpr std::string_view kGlyph = " glyphshow";
+constexpr std::string_view kNone = ".notdef";
 
-// A number that is all of the text; -1 for any other.
-int number_in(std::string_view text, int base) {
-    int number = -1;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
-    return error == std::errc() && end == text.data() + text.size() ? number : -1;
-}
+// Of the codes from the blank on, as Windows' Western code page has them. The second blank and the hyphen
+// that is not seen are left out: a name has one code.
+constexpr std::string_view kNames =
+    "space exclam quotedbl numbersign dollar percent ampersand quotesingle parenleft parenright asterisk "
+    "plus comma hyphen period slash zero one two three four five six seven eight nine colon semicolon "
+    "less equal greater question at A B C D E F G H I J K L M N O P Q R S T U V W X Y Z bracketleft "
+    "backslash bracketright asciicircum underscore grave a b c d e f g h i j k l m n o p q r s t u v w x "
+    "y z braceleft bar braceright asciitilde .notdef Euro .notdef quotesinglbase florin quotedblbase "
+    "ellipsis dagger daggerdbl circumflex perthousand Scaron guilsinglleft OE .notdef Zcaron .notdef "
+    ".notdef quoteleft quoteright quotedblleft quotedblright bullet endash emdash tilde trademark scaron "
+    "guilsinglright oe .notdef zcaron Ydieresis .notdef exclamdown cent sterling currency yen brokenbar "
+    "section dieresis copyright ordfeminine guillemotleft logicalnot .notdef registered macron degree "
+    "plusminus twosuperior threesuperior acute mu paragraph periodcentered cedilla onesuperior "
+    "ordmasculine guillemotright onequarter onehalf threequarters questiondown Agrave Aacute Acircumflex "
+    "Atilde Adieresis Aring AE Ccedilla Egrave Eacute Ecircumflex Edieresis Igrave Iacute Icircumflex "
+    "Idieresis Eth Ntilde Ograve Oacute Ocircumflex Otilde Odieresis multiply Oslash Ugrave Uacute "
+    "Ucircumflex Udieresis Yacute Thorn germandbls agrave aacute acircumflex atilde adieresis aring ae "
+    "ccedilla egrave eacute ecircumflex edieresis igrave iacute icircumflex idieresis eth ntilde ograve "
+    "oacute ocircumflex otilde odieresis divide oslash ugrave uacute ucircumflex udieresis yacute thorn "
+    "ydieresis";
 
-// "afii10017" is the first of the Cyrillic capitals, the small ones begin 48 behind; Io stands where it does
-// in the alphabet, unlike in the encoding.
-int cyrillic(int number) {
-    constexpr int kFirst = 10017, kSmall = 48, kIo = 6, kCount = 33;
-    const bool small = number >= kFirst + kSmall;
-    const int at = number - kFirst - (small ? kSmall : 0);
-    if (at < 0 || at >= kCount)
-        return 0;
-    return at == kIo ? (small ? 0x451 : 0x401) : (small ? 0x430 : 0x410) + at - (at > kIo ? 1 : 0);
-}
-
-int code_of(std::string_view name) {
-    constexpr std::string_view kCode = "uni", kCyrillic = "afii";
-    constexpr size_t kWithCode = 7;
-    if (name.size() == kWithCode && name.starts_with(kCode))
-        return number_in(name.substr(kCode.size()), 16);
-    if (name.starts_with(kCyrillic))
-        return cyrillic(number_in(name.substr(kCyrillic.size()), 10));
-    for (const auto& [first, names] : kLetters)
-        if (const size_t at = names.find(' ' + std::string(name) + ' '); at != std::string_view::npos)
-            return first + static_cast<int>(std::ranges::count(names.substr(0, at), ' '));
-    return 0;
+// Every code from the blank on with its name.
+template <class Take>
+void each_name(Take take) {
+    unsigned code = kFirst;
+    for (std::string_view rest = kNames; !rest.empty(); ++code) {
+        const std::string_view name = rest.substr(0, rest.find(' '));
+        take(static_cast<uint8_t>(code), name);
+        rest.remove_prefix(std::min(name.size() + 1, rest.size()));
+    }
 }
 
 }  // namespace
 
-wchar_t find_letter(std::string_view name) {
-    if (name.size() < 2 || name == "space")  // most of them
-        return L'\0';
-    const auto letter = static_cast<wchar_t>(std::max(code_of(name), 0));
-    return is_address_letter(letter) ? letter : L'\0';
+std::string_view drawn_glyph(std::string_view line) noexcept {
+    return line.ends_with(kGlyph) && line.starts_with('/') ? line.substr(1, line.size() - kGlyph.size() - 1)
+                                                           : std::string_view();
+}
+
+uint8_t glyph_code(std::string_view name) {
+    static const auto known = [] {
+        std::map<std::string_view, uint8_t> codes;
+        each_name([&codes](uint8_t code, std::string_view each) {
+            if (each != kNone)
+                codes[each] = code;
+        });
+        return codes;
+    }();
+    if (name.size() == 1 && std::isalpha(static_cast<unsigned char>(name[0])))
+        return static_cast<uint8_t>(name[0]);  // most of them
+    const auto found = known.find(name);
+    return found == known.end() ? uint8_t{0} : found->second;
+}
+
+std::string glyph_array() {
+    std::string text = "[ 32 { /.notdef } repeat";
+    each_name([&text](uint8_t, std::string_view name) { text.append(" /").append(name); });
+    return text + " ]";
 }
 
 }  // namespace companions::render

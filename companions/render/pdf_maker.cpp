@@ -10,8 +10,8 @@
 #include "companions/render/fonts.h"
 #include "companions/render/mark_drawing.h"
 #include "companions/render/metadata.h"
+#include "companions/render/prepared_spool.h"
 #include "companions/render/result_codes.h"
-#include "companions/render/spool_links.h"
 #include "companions/render/spool_pictures.h"
 #include "companions/render/viewer.h"
 #include "companions/system_texts.h"
@@ -27,26 +27,6 @@ bool is_full(const std::wstring& folder) noexcept {
     ULARGE_INTEGER left = {};
     return GetDiskFreeSpaceExW(folder.c_str(), &left, nullptr, nullptr) && left.QuadPart < kLeast;
 }
-
-// A file as it lies on the disk.
-class MappedFile {
-public:
-    explicit MappedFile(const std::wstring& path)
-        : file_(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)),
-          mapping_(file_ ? CreateFileMappingW(file_.get(), nullptr, PAGE_READONLY, 0, 0, nullptr) : nullptr),
-          view_(mapping_ ? MapViewOfFile(mapping_.get(), FILE_MAP_READ, 0, 0, 0) : nullptr) {}
-    [[nodiscard]] std::string_view bytes() const noexcept {
-        LARGE_INTEGER size = {};
-        if (!view_ || !GetFileSizeEx(file_.get(), &size))
-            return {};
-        return {static_cast<const char*>(view_.get()), static_cast<size_t>(size.QuadPart)};
-    }
-
-private:
-    qk::FileObj file_;
-    qk::HandleObj mapping_;
-    qk::View view_;
-};
 
 }  // namespace
 
@@ -89,7 +69,9 @@ unsigned PdfMaker::draw(const std::wstring& spool, bool landscape, PendingPdf& p
     }
     if (encryption_)
         bare_ = scratch_.path() + L'\\' + kBareFile;
-    files.spool = prepared(spool);
+    const PreparedSpool prepared = prepare_spool(spool, settings_, look_for_links_, scratch_);
+    look_for_links_ = look_for_links_ && !prepared.linked;
+    files.spool = engine_path(prepared.path);
     const PagesFound found = look_through(files.spool, landscape);
     files.prologue = written(kPrologueFile, prologue_text(landscape, found));
     files.epilogue = written(kEpilogueFile, epilogue_text(found));
@@ -168,24 +150,6 @@ std::string PdfMaker::epilogue_text(const PagesFound& found) const {
            opens;
 }
 
-std::string PdfMaker::prepared(const std::wstring& spool) {
-    PictureWork work;
-    const bool pictures = wants_picture_work(settings_, work);
-    if (!pictures && !look_for_links_)
-        return engine_path(spool);
-    const MappedFile document(spool);
-    std::optional<std::string> changed;
-    if (pictures)
-        changed = change_pictures(document.bytes(), work);
-    if (look_for_links_) {
-        auto marked = mark_links(changed ? std::string_view(*changed) : document.bytes());
-        look_for_links_ = !marked;
-        if (marked)
-            changed = std::move(marked);
-    }
-    return changed ? written(kSpoolFile, *changed) : engine_path(spool);
-}
-
 PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
     PdfTool& tool = *tool_;
     const bool linearize = settings_.general()->Linearize;
@@ -213,7 +177,8 @@ PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
         keep_if(find_fault_of_end(drawn.path()), drawn);
         return drawn;
     }
-    keep_if(tool.find_fault(rewritten.path(), expected), rewritten);
+    if (!tool.is_as_expected(rewritten.path(), expected))
+        keep_if(tool.find_fault(rewritten.path(), expected), rewritten);
     return rewritten;
 }
 

@@ -40,9 +40,6 @@ private:
     [[nodiscard]] std::string prologue_text(bool landscape, const PagesFound& found);
     [[nodiscard]] std::string profiles_text();
     [[nodiscard]] std::string epilogue_text(const PagesFound& found) const;
-    // The spooled document as the engine takes it, which may be a copy with its pictures changed and its
-    // links marked.
-    [[nodiscard]] std::string prepared(const std::wstring& spool);
     [[nodiscard]] std::string written(const wchar_t* name, const std::string& text);
     [[nodiscard]] std::string engine_path(const std::wstring& path) const;
     void run_pass(const char* device, const std::vector<std::string>& more, const std::string& spool,

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -71,26 +70,27 @@ std::string first_line(const std::string& output) {
     return output.substr(0, output.find_first_of("\r\n"));
 }
 
-// The catalogue, the information and the pages as a linearized PDF names them in its first bytes, each as it
-// is asked for. What is wrong costs another look.
-std::vector<std::string> named_at_start(const std::wstring& path) {
+// The first bytes of a PDF, where a linearized one has its trailer.
+std::string start_of(const std::wstring& path) {
     const qk::FileObj file(
         CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     char bytes[4096];
     DWORD read = 0;
     if (!file || !ReadFile(file.get(), bytes, sizeof bytes, &read, nullptr))
         return {};
-    const std::string_view start(bytes, read);
-    std::vector<std::string> names;
-    for (const std::string_view key : {"/Root ", "/Info ", "/Pages "}) {
-        constexpr size_t kMostDigits = 7;  // a number that is none would be a fault to qpdf
-        const size_t at = start.find(key);
-        const std::string_view value = at == std::string_view::npos ? "" : start.substr(at + key.size());
-        const size_t digits = std::min(value.find_first_not_of("0123456789"), value.size());
-        if (digits > 0 && digits <= kMostDigits && value.substr(digits).starts_with(" 0 R"))
-            names.push_back(std::string(value.substr(0, digits)) + ",0");
-    }
-    return names;
+    return {bytes, read};
+}
+
+// The object that stands behind a key ("/Root ") there, as it is asked for; empty when there is none. What is
+// wrong costs another look.
+std::string named_at_start(std::string_view start, std::string_view key) {
+    constexpr size_t kMostDigits = 7;  // a number that is none would be a fault to qpdf
+    const size_t at = start.find(key);
+    const std::string_view value = at == std::string_view::npos ? "" : start.substr(at + key.size());
+    const size_t digits = std::min(value.find_first_not_of("0123456789"), value.size());
+    return digits > 0 && digits <= kMostDigits && value.substr(digits).starts_with(" 0 R")
+               ? std::string(value.substr(0, digits)) + ",0"
+               : std::string();
 }
 
 }  // namespace
@@ -199,7 +199,10 @@ bool PdfTool::ask(const std::wstring& path, const std::vector<std::string>& name
 bool PdfTool::look_into(const std::wstring& path, Objects& objects, std::string& output) {
     // The engine gives these numbers to the catalogue, the information and the pages.
     std::vector<std::string> names = {"trailer", "1", "2", "3"};
-    std::ranges::copy(named_at_start(path), std::back_inserter(names));
+    const std::string start = start_of(path);
+    for (const char* key : {"/Root ", "/Info ", "/Pages "})
+        if (std::string name = named_at_start(start, key); !name.empty())
+            names.push_back(std::move(name));
     if (!ask(path, names, objects, output))
         return false;
     const picojson::value catalogue = objects.entry("trailer", "/Root");
@@ -236,6 +239,22 @@ std::wstring PdfTool::write_texts(const std::wstring& path, const DocumentInfo& 
     head["maxobjectid"] = picojson::value(1.0);
     all["qpdf"] = picojson::value(picojson::array{picojson::value(head), picojson::value(changes)});
     return scratch_.write(kChangesFile, picojson::value(all).serialize());
+}
+
+bool PdfTool::is_as_expected(const std::wstring& path, const ExpectedPdf& expected) {
+    const std::string start = start_of(path);
+    const std::string information = named_at_start(start, "/Info ");
+    std::string output;
+    if (information.empty() || (!password_.empty() && start.find("/Encrypt ") == std::string::npos) ||
+        run({"--show-npages", "--show-object=" + information, path_for_tool(path)}, output) !=
+            Engine::End::kDone)
+        return false;
+    std::string title = postscript_text(expected.title);
+    std::ranges::transform(title, title.begin(), [](char c) {
+        return static_cast<char>(c >= 'A' && c <= 'F' ? c - 'A' + 'a' : c);
+    });
+    return output.starts_with(std::to_string(expected.pages) + "\n<<") &&
+           (expected.title.empty() || output.find(" /Title " + title) != std::string::npos);
 }
 
 std::optional<std::string> PdfTool::find_fault(const std::wstring& path, const ExpectedPdf& expected) {

@@ -9,7 +9,6 @@
 #include <iterator>
 #include <vector>
 
-#include "common/qk/handle.h"
 #include "common/qk/process.h"
 #include "common/qk/text.h"
 #include "companions/leftovers.h"
@@ -92,17 +91,53 @@ ScratchFolder::~ScratchFolder() {
 }
 
 std::wstring ScratchFolder::write(std::wstring_view name, std::string_view bytes) const {
-    std::wstring path = path_ + L'\\' + std::wstring(name);
-    const qk::FileObj file(
-        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
-    DWORD written = 0;
-    if (!file || !WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
-        return {};
-    if (written != bytes.size()) {  // which is no error to every system
-        SetLastError(ERROR_DISK_FULL);
-        return {};
+    ScratchFile file(*this, name);
+    file.add(bytes);
+    return file.finish();
+}
+
+ScratchFile::ScratchFile(const ScratchFolder& folder, std::wstring_view name)
+    : path_(folder.path() + L'\\' + std::wstring(name)),
+      file_(
+          CreateFileW(path_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr)),
+      error_(file_ ? ERROR_SUCCESS : GetLastError()) {}
+
+void ScratchFile::add(std::string_view bytes) {
+    constexpr size_t kMostWaiting = 1 << 16;
+    if (waiting_.size() + bytes.size() > kMostWaiting) {
+        put(waiting_);
+        waiting_.clear();
     }
-    return path;
+    if (bytes.size() > kMostWaiting)
+        put(bytes);
+    else
+        waiting_ += bytes;
+}
+
+void ScratchFile::put(std::string_view bytes) {
+    constexpr size_t kMostAtOnce = 1 << 30;
+    while (error_ == ERROR_SUCCESS && !bytes.empty()) {
+        const auto size = static_cast<DWORD>(std::min(bytes.size(), kMostAtOnce));
+        DWORD written = 0;
+        if (!WriteFile(file_.get(), bytes.data(), size, &written, nullptr))
+            error_ = GetLastError();
+        else if (written != size)  // which is no error to every system
+            error_ = ERROR_DISK_FULL;
+        bytes.remove_prefix(size);
+    }
+}
+
+std::wstring ScratchFile::finish() {
+    put(waiting_);
+    waiting_.clear();
+    const bool made = static_cast<bool>(file_);
+    file_.reset();
+    if (error_ == ERROR_SUCCESS)
+        return path_;
+    if (made)
+        DeleteFileW(path_.c_str());
+    SetLastError(error_);
+    return {};
 }
 
 }  // namespace companions::render

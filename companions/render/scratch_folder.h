@@ -1,8 +1,12 @@
 // A folder for the files of one run.
 #pragma once
 
+#include <windows.h>
+
 #include <string>
 #include <string_view>
+
+#include "common/qk/handle.h"
 
 namespace companions::render {
 
@@ -40,6 +44,24 @@ public:
 
 private:
     std::wstring path_;
+};
+
+// A file of the folder that is written piece by piece, some memory at a time however long it becomes.
+class ScratchFile {
+public:
+    ScratchFile(const ScratchFolder& folder, std::wstring_view name);
+    void add(std::string_view bytes);
+
+    // The full path when all has been written; else the file is gone: empty, with the last error.
+    [[nodiscard]] std::wstring finish();
+
+private:
+    void put(std::string_view bytes);
+
+    std::wstring path_;
+    qk::FileObj file_;
+    DWORD error_;
+    std::string waiting_;
 };
 
 }  // namespace companions::render

@@ -4,12 +4,14 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
-#include <iterator>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "companions/render/glyph_names.h"
+#include "companions/render/letter_names.h"
 #include "companions/render/pdfmark.h"
 #include "companions/render/web_links.h"
 
@@ -17,8 +19,6 @@ namespace companions::render {
 
 namespace {
 
-constexpr std::string_view kEndOfProlog = "%%EndProlog\n";
-constexpr std::string_view kGlyph = " glyphshow";
 constexpr std::string_view kMove = " moveto";
 constexpr size_t kMostWord = 2000;
 
@@ -38,42 +38,29 @@ userdict /ZRlinked {
 
 // The character of an address that a glyph's name stands for, a zero for anything else.
 wchar_t character_of(std::string_view name) {
-    constexpr std::pair<std::string_view, char> kNames[] = {
-        {"zero", '0'},         {"one", '1'},        {"two", '2'},          {"three", '3'},
-        {"four", '4'},         {"five", '5'},       {"six", '6'},          {"seven", '7'},
-        {"eight", '8'},        {"nine", '9'},       {"colon", ':'},        {"slash", '/'},
-        {"period", '.'},       {"hyphen", '-'},     {"underscore", '_'},   {"question", '?'},
-        {"equal", '='},        {"ampersand", '&'},  {"percent", '%'},      {"numbersign", '#'},
-        {"at", '@'},           {"plus", '+'},       {"asciitilde", '~'},   {"comma", ','},
-        {"semicolon", ';'},    {"exclam", '!'},     {"parenleft", '('},    {"parenright", ')'},
-        {"bracketleft", '['},  {"dollar", '$'},     {"bracketright", ']'}, {"asterisk", '*'},
-        {"quotesingle", '\''}, {"quotedbl", '"'},   {"less", '<'},         {"greater", '>'},
-        {"braceleft", '{'},    {"braceright", '}'}, {"bar", '|'},          {"backslash", '\\'},
-        {"asciicircum", '^'},  {"grave", '`'}};
-    if (name.size() == 1)
-        return name[0] > ' ' && name[0] < '\x7F' ? static_cast<wchar_t>(name[0]) : L'\0';
-    const auto* found = std::ranges::find(kNames, name, [](const auto& row) { return row.first; });
-    return found == std::end(kNames) ? find_letter(name) : static_cast<wchar_t>(found->second);
+    const uint8_t code = glyph_code(name);
+    if (code == ' ')
+        return L'\0';
+    return code != 0 && code < 0x7F ? static_cast<wchar_t>(code) : find_letter(name);
 }
 
 class Marker {
 public:
-    explicit Marker(std::string_view document) : document_(document) { result_.reserve(document.size()); }
+    Marker(std::string_view body, const std::function<void(std::string_view)>& output)
+        : body_(body), output_(output) {}
 
-    // Takes lines from there on to the end.
-    std::string mark(size_t at) {
-        insert(at, kProcedures);
-        while (at < document_.size()) {
-            const size_t end = std::min(document_.find('\n', at), document_.size());
-            take_line(document_.substr(at, end - at), at);
+    void mark() {
+        output_(kProcedures);
+        for (size_t at = 0; at < body_.size();) {
+            const size_t end = std::min(body_.find('\n', at), body_.size());
+            take_line(body_.substr(at, end - at), at);
             at = end + 1;
         }
-        insert(document_.size(), {});
-        return std::move(result_);
+        insert(body_.size(), {});
     }
 
 private:
-    // Places of a glyph's line in the document.
+    // Places of a glyph's line in the body.
     struct Line {
         size_t first, after;
     };
@@ -82,8 +69,8 @@ private:
         // Most lines are the bytes of fonts and pictures.
         if (line.empty() || std::string_view("woe]").find(line.back()) == std::string_view::npos)
             return;
-        if (line.ends_with(kGlyph) && line.starts_with('/'))
-            take_glyph(line.substr(1, line.size() - kGlyph.size() - 1), {at, at + line.size() + 1});
+        if (const std::string_view glyph = drawn_glyph(line); !glyph.empty())
+            take_glyph(glyph, {at, at + line.size() + 1});
         else if (line.ends_with(kMove))
             take_place(line);
         else if (line.starts_with('[') && line.ends_with(" 0 0]"))
@@ -149,17 +136,18 @@ private:
         links_ = 0;
     }
 
-    // Text before that place of the document, which lies behind all that have been inserted before.
-    void insert(size_t at, std::string_view text) {
-        result_.append(document_.substr(done_, at - done_)).append(text);
+    // Lines before that place, which lies behind all that have been inserted before.
+    void insert(size_t at, std::string_view lines) {
+        output_(body_.substr(done_, at - done_));
+        output_(lines);
         done_ = at;
     }
 
     [[nodiscard]] double size() const { return std::hypot(right_, up_); }
 
-    std::string_view document_;
-    std::string result_;
-    size_t done_ = 0;  // of the document
+    std::string_view body_;
+    const std::function<void(std::string_view)>& output_;
+    size_t done_ = 0;  // of the body
     std::wstring word_;
     std::vector<Line> lines_;  // of the word's letters
     double x_ = 0, y_ = 0;     // where the last move went
@@ -171,12 +159,8 @@ private:
 
 }  // namespace
 
-std::optional<std::string> mark_links(std::string_view document) {
-    const std::string_view head = document.substr(0, document.find("\n%%EndComments"));
-    const size_t prolog = document.find(kEndOfProlog);
-    if (prolog == std::string_view::npos || head.find(kWineCreator) == std::string_view::npos)
-        return std::nullopt;
-    return Marker(document).mark(prolog + kEndOfProlog.size());
+void mark_links(std::string_view body, const std::function<void(std::string_view)>& output) {
+    Marker(body, output).mark();
 }
 
 }  // namespace companions::render

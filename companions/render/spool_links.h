@@ -2,14 +2,13 @@
 // glyph.
 #pragma once
 
-#include <optional>
-#include <string>
+#include <functional>
 #include <string_view>
 
 namespace companions::render {
 
-// The document with its addresses marked, so that they become links as it is drawn; nothing when another
-// program has written it. It needs no more procedures than stand in it, whatever the engine's device.
-[[nodiscard]] std::optional<std::string> mark_links(std::string_view document);
+// Hands on what follows the document's prolog, in pieces of whole lines, with its addresses marked, so that
+// they become links as it is drawn.
+void mark_links(std::string_view body, const std::function<void(std::string_view)>& output);
 
 }  // namespace companions::render

@@ -4,10 +4,10 @@
 #include "companions/render/engine.h"
 #include "companions/render/engine_arguments.h"
 #include "companions/render/engine_log.h"
-#include "companions/render/glyph_names.h"
+#include "companions/render/letter_names.h"
 #include "companions/render/result_record.h"
 #include "companions/render/scratch_folder.h"
-#include "companions/render/spool_links.h"
+#include "companions/render/spool_text.h"
 
 namespace {
 
@@ -39,39 +39,47 @@ TEST(RenderRules, PasswordsGoIntoTheOptionsOnly) {
 }
 
 // Letters one after another, or each ('^') or some ('|', far away) with a place of their own.
-TEST(RenderRules, SpooledAddressesAreMarked) {
-    const auto spooled = [](const std::string& text) {
-        std::string lines;
+TEST(RenderRules, SpooledTextIsJoinedAndItsAddressesMarked) {
+    const auto changed = [](const std::string& text, bool links) {
+        const std::map<char, std::string> names = {
+            {'.', "period"},    {' ', "space"},      {'/', "slash"},
+            {'(', "parenleft"}, {')', "parenright"}, {'_', "underscore"},
+            {'E', "eacute"},    {'~', "germandbls"}, {'J', "uni65E5"}};
+        std::string lines, result;
         int x = 0;
         for (const char letter : text)
             if (letter == '^' || letter == '|')
                 lines += std::to_string(x += letter == '^' ? 7 : 90) + " 700 moveto\n";
             else
-                lines += '/' +
-                         (letter == '.'   ? "period"
-                          : letter == ' ' ? "space"
-                          : letter == '~' ? "germandbls"
-                          : letter == '#' ? "uni65E5"
-                                          : std::string(1, letter)) +
+                lines += '/' + (names.contains(letter) ? names.at(letter) : std::string(1, letter)) +
                          " glyphshow\n";
-        return "%!PS\n%%Creator: Wine PostScript Driver\n%%EndComments\n%%EndProlog\n[10 0 0 -10 0 0]\n" +
-               lines + "pgsave restore\n";
+        change_text(
+            "%!PS\n%%EndProlog\n /Encoding 256 array 0 1 255{1 index exch /.notdef put} for\n def\n"
+            "[10 0 0 -10 0 0]\n" +
+                lines + "pgsave restore\n",
+            links, [&](std::string_view piece) { result += piece; });
+        return result;
     };
     const struct {
         std::string text, first, second;  // pieces of the lines
         bool marked = true;
     } rows[] = {
-        {"x (www.a.de/b_(c)). y", "\n0 ZRat\n/w glyphshow\n", "/) glyphshow\n1 ZRat\n/) glyphshow\n/period"},
-        {"~www.a~.de#x~", "(http://www.a%C3%9F.de) 0 0.00 -10.00 ZRlinked\npgsave", "0 ZRat\n/w"},
-        {"^w^w^w|^.^a^.^d^e", "/period", "", false},
-        {"www.a.de|www.b.de", "/e glyphshow\n1 ZRat\n90 700", "(http://www.b.de) 2 0.00"}};
+        {"~www.a~.deJx~", "ZRshow\n0 ZRat\n(www.a\xDF.de) ZRshow\n1 ZRat\n/uni65E5 glyphshow\n",
+         "(http://www.a%C3%9F.de) 0 0.00 -10.00 ZRlinked\npgsave"},
+        {"x (www.a.de/b_(c)). y", "0]\n(x \\() ZRshow\n0 ZRat\n(www.", "c\\)) ZRshow\n1 ZRat\n(\\). y) ZR"},
+        {"^w^w^w|^.^a^.^d^e", "700 moveto\n(w) ZRshow\n14 700 moveto\n(w) ZRshow\n21", "", false},
+        {"www.a.de|www.b.de", "e) ZRshow\n1 ZRat\n90 700", "(http://www.b.de) 2 0.00"},
+        {"aEJb", "\n /Encoding ZRcodes\n def\n", "]\n(a\xE9) ZRshow\n/uni65E5 glyphshow\n(b) ZRshow\npg",
+         false}};
     for (const auto& row : rows) {
-        const std::string marked = mark_links(spooled(row.text)).value_or("");
+        const std::string marked = changed(row.text, true);
         EXPECT_NE(marked.find(row.first), std::string::npos) << marked;
         EXPECT_NE(marked.find(row.second), std::string::npos) << marked;
-        EXPECT_EQ(marked.find("glyphshow\n1 ZRat") != std::string::npos, row.marked) << marked;
+        EXPECT_EQ(marked.find("ZRshow\n1 ZRat") != std::string::npos, row.marked) << marked;
+        EXPECT_EQ(changed(row.text, false).find("ZRat"), std::string::npos);
     }
-    EXPECT_FALSE(mark_links("%!PS\n%%EndComments\n%%EndProlog\n/w glyphshow\n")) << "another program's";
+    EXPECT_TRUE(has_wine_text("%!PS\n%%Creator: Wine PostScript Driver\n%%EndComments\n%%EndProlog\n"));
+    EXPECT_FALSE(has_wine_text("%!PS\n%%EndComments\n%%EndProlog\n/w glyphshow\n")) << "another program's";
 }
 
 TEST(RenderRules, GlyphsAreNamedForTheirLetters) {
