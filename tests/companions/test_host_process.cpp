@@ -2,6 +2,7 @@
 #include <commctrl.h>
 #include <picojson.h>
 
+#include "companions/host/sheet_watch.h"
 #include "support/printer_turn.h"
 
 namespace {
@@ -115,10 +116,6 @@ TEST_F(HostProcess, SheetGivesBackTheSettingOnOkOnly) {
         {L"--press ok --no-permission", "OK", "100 1 9 2100 2970 A4 "},
         {L"--press ok --direct", "OK", "77 1 256 1234 2345 custom "},
         {L"--press cancel --direct", "cancelled", "100 1 9 2100 2970 A4 "}};
-    // Another program's sheet, which is activated as theirs close.
-    const HWND other = CreateWindowExW(0, L"#32770", L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 99, 99,
-                                       nullptr, nullptr, nullptr, nullptr);
-    CreateWindowExW(0, WC_TABCONTROLW, L"", WS_CHILD, 0, 0, 9, 9, other, nullptr, nullptr, nullptr);
     for (const auto& [words, result, wanted] : rows) {
         ASSERT_EQ(run(L"properties " + (words + (L" --setting \"" + setting + L"\""))), 0);
         EXPECT_EQ(text("result_name"), result);
@@ -130,13 +127,32 @@ TEST_F(HostProcess, SheetGivesBackTheSettingOnOkOnly) {
         EXPECT_NE(sheet.get("title").to_str().find("Corvanta Vantrix 8.0"), std::string::npos);
         EXPECT_TRUE(sheet.get("pages").contains(1) && !sheet.get("pages").contains(2));
     }
-    MSG message;
-    EXPECT_FALSE(PeekMessageW(&message, other, PSM_PRESSBUTTON, PSM_PRESSBUTTON, PM_REMOVE));
-    DestroyWindow(other);
     EXPECT_EQ(run(L"properties --printer --press cancel"), 0);
     EXPECT_EQ(text("result_name"), "cancelled");
     EXPECT_EQ(run(L"properties --setting nosuch --press cancel"), 2);
     EXPECT_EQ(text("fault"), "there is no print setting nosuch");
+}
+
+TEST(SheetWatch, ButtonIsPressedInTheThreadsOwnSheetsOnly) {
+    const HWND sheet =
+        CreateWindowExW(0, L"#32770", L"", WS_POPUP, 0, 0, 99, 99, nullptr, nullptr, nullptr, nullptr);
+    ASSERT_TRUE(
+        CreateWindowExW(0, WC_TABCONTROLW, L"", WS_CHILD, 0, 0, 9, 9, sheet, nullptr, nullptr, nullptr));
+    const auto is_pressed = [sheet] {
+        MSG message;
+        return PeekMessageW(&message, sheet, PSM_PRESSBUTTON, PSM_PRESSBUTTON, PM_REMOVE) != FALSE;
+    };
+    const auto activate = [](void* window) -> DWORD {
+        const host::SheetWatch watch(PSBTN_OK);
+        SetActiveWindow(static_cast<HWND>(window));
+        return 0;
+    };
+    const qk::HandleObj other(CreateThread(nullptr, 0, activate, sheet, 0, nullptr));
+    WaitForSingleObject(other.get(), INFINITE);
+    EXPECT_FALSE(is_pressed());
+    activate(sheet);
+    EXPECT_TRUE(is_pressed());
+    DestroyWindow(sheet);
 }
 
 TEST_F(HostProcess, SettingsAreCheckedAndCompared) {
