@@ -134,6 +134,8 @@ TEST_F(HostProcess, SheetGivesBackTheSettingOnOkOnly) {
 }
 
 TEST(SheetWatch, ButtonIsPressedInTheThreadsOwnSheetsOnly) {
+    const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_TAB_CLASSES};
+    ASSERT_TRUE(InitCommonControlsEx(&classes));
     const HWND sheet =
         CreateWindowExW(0, L"#32770", L"", WS_POPUP, 0, 0, 99, 99, nullptr, nullptr, nullptr, nullptr);
     ASSERT_TRUE(
