@@ -107,8 +107,9 @@ struct PrintProcessorJob : testing::Test {
 TEST_F(PrintProcessorJob, DocumentGoesWhereItIsSent) {
     const std::string page = page_of("Words");
     const std::wstring file = folder_.file(L"file.ps");
-    const std::string killer =
-        ask(folder_.write(L"killer", "#!/bin/sh\nkill -9 $PPID\n"), "chmod +x \"$1\"; printf %s \"$1\"");
+    const std::wstring lock =
+        folder_.write(L"killer", "#!/bin/sh\nexec 9<\"$0\"\nflock 9\nkill -9 $PPID\nexec sleep 90\n");
+    const std::string killer = ask(lock, "chmod +x \"$1\"; printf %s \"$1\"");
     // What is sent, its bytes and datatype, where to; whether it ends well and makes a PDF, the engine, the
     // failures that are told.
     const std::tuple<const char*, std::string, const wchar_t*, std::wstring, bool, bool, const char*, size_t>
@@ -144,6 +145,8 @@ TEST_F(PrintProcessorJob, DocumentGoesWhereItIsSent) {
         EXPECT_FALSE(!RemoveDirectoryW(folder_.file(L"out").c_str()) &&
                      GetLastError() == ERROR_DIR_NOT_EMPTY);
     }
+    EXPECT_EQ(ask(lock, "flock -w 30 \"$1\" true"), "")
+        << "the engine, which holds it, outlives its renderer";
 }
 
 // Somebody watches and thinks better of it: before the job begins, or while it is at work.
