@@ -210,8 +210,9 @@ InstallSteps uninstall(const StepSeen& seen) {
     demand(turn);
     const InstallPlaces places = install_places();
     Steps steps(seen);
+    const bool was_default = is_default_printer();
     steps.add(std::wstring(L"printer ") + qk::kProductName, remove_printer() ? L"removed" : L"was not there");
-    if (const std::wstring former = restore_default_printer(); !former.empty())
+    if (const std::wstring former = restore_default_printer(was_default); !former.empty())
         steps.add(L"default printer", former + L" again");
     steps.add(kProcessor, remove_print_processor() ? L"removed" : L"was not there");
     steps.add(L"driver", remove_driver() ? L"removed" : L"was not there");

@@ -129,7 +129,7 @@ bool ensure_printer() {
             return false;
         // Not every spooler changes a printer's processor; each makes a printer with the one that is named.
         there.reset();
-        was_default = qk::equal_no_case(default_printer(), qk::kProductName);
+        was_default = is_default_printer();
         remove_printer();
     }
     PRINTER_INFO_2W printer = {};
@@ -181,9 +181,13 @@ std::vector<std::byte> default_mode(HANDLE printer) {
     return mode;
 }
 
+bool is_default_printer() {
+    return qk::equal_no_case(default_printer(), qk::kProductName);
+}
+
 void make_default_printer() {
     const std::wstring former = default_printer();
-    if (qk::equal_no_case(former, qk::kProductName))
+    if (is_default_printer())
         return;
     if (!SetDefaultPrinterW(qk::kProductName))
         throw installation_fault(L"the printer cannot be made the default", GetLastError());
@@ -195,7 +199,7 @@ void make_default_printer() {
                        static_cast<DWORD>((former.size() + 1) * sizeof(wchar_t)));
 }
 
-std::wstring restore_default_printer() {
+std::wstring restore_default_printer(bool was_default) {
     constexpr wchar_t kUsersDevice[] = L"Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows";
     const auto now = qk::registry::find_text(HKEY_CURRENT_USER, kUsersDevice, L"Device").value_or(L"");
     const bool dangling = qk::starts_with_no_case(now, std::wstring(qk::kProductName) + L',');
@@ -205,7 +209,8 @@ std::wstring restore_default_printer() {
     if (!former)
         return {};
     RegDeleteKeyValueW(HKEY_CURRENT_USER, qk::registry::kRoot, kFormerDefault);
-    const bool chosen_since = !now.empty() && !dangling;
+    // A spooler may have put the first printer that it has in this one's place.
+    const bool chosen_since = !was_default && !now.empty() && !dangling;
     return !chosen_since && SetDefaultPrinterW(former->c_str()) ? *former : std::wstring();
 }
 
