@@ -9,14 +9,18 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string_view>
 
 #include "common/qk/guard.h"
 #include "common/qk/handle.h"
+#include "common/qk/process.h"
 #include "companions/host/host_error.h"
 #include "companions/host/spool_file.h"
+#include "companions/leftovers.h"
 #include "companions/print_processor/names.h"
 #include "companions/print_processor/pdf_job.h"
 #include "companions/print_processor/spooled_job.h"
+#include "companions/system_texts.h"
 
 namespace {
 
@@ -62,10 +66,18 @@ std::unique_ptr<SpooledJob> job_of(const PRINTPROCESSOROPENDATA& data) {
     return job;
 }
 
-// A file that is gone in every end.
+// A file that is gone in every end; that of a program which was killed when the next one prints.
 class SpoolFile {
 public:
-    SpoolFile() : path_(host::make_spool_file()) {}
+    SpoolFile() {
+        constexpr wchar_t kStart[] = L"zr_spool_";
+        companions::delete_leftovers(companions::temporary_folder() + kStart + L'*',
+                                     [&kStart](std::wstring_view name) {
+                                         const auto owner = companions::find_process(name, kStart, L'_');
+                                         return owner && qk::is_gone(*owner);
+                                     });
+        path_ = host::make_spool_file(kStart);
+    }
     ~SpoolFile() {
         const qk::LastErrorKeeper keep;
         DeleteFileW(path_.c_str());
