@@ -188,6 +188,8 @@ const std::vector<Row> kRows = {
     {R"({"Security": {"MasterPassword": "-own er", "UserPassword": "usr", "Level": 5, "EditPermission": 5,
                       "AllowCopyContent": true, "PrintPermission": 2}})",
      kSecurity, "6 -4 AESv3"},
+    {"", "qpdf --password-file=\"$2/pw\" --check-linearization \"$1\" | sed 's/.*: //'",
+     "no linearization errors"},
     {R"({"PDFVersion": {"Version": 12}, "Security": {"MasterPassword": "x", "UserPassword": "\u65E5"}})",
      kSecurityOther, "6"},
 
