@@ -29,6 +29,8 @@ using processor::SpooledJob;
 constexpr const wchar_t* kDatatypes[] = {processor::kRaw, L"RAW [FF appended]", L"RAW [FF auto]",
                                          processor::kText, processor::kEmf};
 
+constexpr wchar_t kSpoolStart[] = L"zr_spool_";  // of a spool file's name
+
 // Stands for a job that there was no memory for.
 char no_job;
 
@@ -70,13 +72,12 @@ std::unique_ptr<SpooledJob> job_of(const PRINTPROCESSOROPENDATA& data) {
 class SpoolFile {
 public:
     SpoolFile() {
-        constexpr wchar_t kStart[] = L"zr_spool_";
-        companions::delete_leftovers(companions::temporary_folder() + kStart + L'*',
-                                     [&kStart](std::wstring_view name) {
-                                         const auto owner = companions::find_process(name, kStart, L'_');
-                                         return owner && qk::is_gone(*owner);
-                                     });
-        path_ = host::make_spool_file(kStart);
+        const std::wstring all = companions::temporary_folder() + kSpoolStart + L'*';
+        companions::delete_leftovers(all, [](std::wstring_view name) {
+            const auto owner = companions::find_process(name, kSpoolStart, L'_');
+            return owner && qk::is_gone(*owner);
+        });
+        path_ = host::make_spool_file(kSpoolStart);
     }
     ~SpoolFile() {
         const qk::LastErrorKeeper keep;
