@@ -269,9 +269,8 @@ std::wstring notify_channels_text() {
 }
 
 void set_notify_channels(DWORD channels) {
-    const qk::RegKey key = machine_key(kNotificationKey);
-    const LSTATUS error = RegSetValueExW(key.get(), kChannelsValue, 0, REG_DWORD,
-                                         reinterpret_cast<const BYTE*>(&channels), sizeof channels);
+    const LSTATUS error = RegSetKeyValueW(HKEY_LOCAL_MACHINE, kNotificationKey, kChannelsValue, REG_DWORD,
+                                          &channels, sizeof channels);
     if (error != ERROR_SUCCESS)
         throw HostError{ExitCode::kInstallation,
                         with_reason(L"the notification channels cannot be set", static_cast<DWORD>(error))};

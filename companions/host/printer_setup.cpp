@@ -39,17 +39,6 @@ std::wstring default_printer() {
     return GetDefaultPrinterW(name, &units) ? name : std::wstring();
 }
 
-std::vector<std::byte> installed_drivers(DWORD& count) {
-    DWORD needed = 0;
-    EnumPrinterDriversW(nullptr, writable(kEnvironment), 3, nullptr, 0, &needed, &count);
-    std::vector<std::byte> drivers(needed);
-    count = 0;
-    if (needed != 0)
-        EnumPrinterDriversW(nullptr, writable(kEnvironment), 3, reinterpret_cast<BYTE*>(drivers.data()),
-                            needed, &needed, &count);
-    return drivers;
-}
-
 }  // namespace
 
 std::wstring driver_folder() {
@@ -77,9 +66,11 @@ bool provide_data_file(const std::wstring& folder) {
 
 std::optional<std::wstring> find_driver_module() {
     DWORD count = 0;
-    const std::vector<std::byte> bytes = installed_drivers(count);
-    const auto* drivers = reinterpret_cast<const DRIVER_INFO_3W*>(bytes.data());
-    for (DWORD at = 0; at < count; ++at)
+    const qk::SizedAnswer answer = qk::read_sized([&count](BYTE* buffer, DWORD size, DWORD* needed) {
+        return EnumPrinterDriversW(nullptr, writable(kEnvironment), 3, buffer, size, needed, &count);
+    });
+    const auto* drivers = reinterpret_cast<const DRIVER_INFO_3W*>(answer.bytes.get());
+    for (DWORD at = 0; drivers && at < count; ++at)
         if (drivers[at].pName && qk::equal_no_case(drivers[at].pName, qk::kProductName))
             return drivers[at].pConfigFile ? std::wstring(drivers[at].pConfigFile) : std::wstring();
     return std::nullopt;
@@ -191,12 +182,9 @@ void make_default_printer() {
         return;
     if (!SetDefaultPrinterW(qk::kProductName))
         throw installation_fault(L"the printer cannot be made the default", GetLastError());
-    if (former.empty())
-        return;
-    const qk::RegKey key = qk::registry::create(HKEY_CURRENT_USER, qk::registry::kRoot, KEY_WRITE);
-    if (key)
-        RegSetValueExW(key.get(), kFormerDefault, 0, REG_SZ, reinterpret_cast<const BYTE*>(former.c_str()),
-                       static_cast<DWORD>((former.size() + 1) * sizeof(wchar_t)));
+    if (!former.empty())
+        RegSetKeyValueW(HKEY_CURRENT_USER, qk::registry::kRoot, kFormerDefault, REG_SZ, former.c_str(),
+                        static_cast<DWORD>((former.size() + 1) * sizeof(wchar_t)));
 }
 
 std::wstring restore_default_printer(bool was_default) {

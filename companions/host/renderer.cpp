@@ -64,17 +64,10 @@ std::wstring program() {
 }  // namespace
 
 DWORD run_renderer(const RenderJob& job, std::span<wchar_t> arena) {
-    std::vector<std::wstring> words = {
-        program(),
-        L"--thread",
-        qk::format(L"%u", job.thread),
-        L"--printer",
-        job.printer,
-        L"--spool",
-        job.spool,
-        L"--notify",
-        qk::format(L"%u:%llu:%llu", GetCurrentProcessId(), reinterpret_cast<uintptr_t>(arena.data()),
-                   arena.size_bytes())};
+    std::vector<std::wstring> words = {program(), L"--thread", std::to_wstring(job.thread)};
+    words.insert(words.end(), {L"--printer", job.printer, L"--spool", job.spool, L"--notify",
+                               qk::format(L"%u:%llu:%llu", GetCurrentProcessId(),
+                                          reinterpret_cast<uintptr_t>(arena.data()), arena.size_bytes())});
     if (!job.setting.empty())
         words.insert(words.end(), {L"--setting", job.setting});
     if (!job.cancel.empty())
