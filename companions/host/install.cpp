@@ -210,8 +210,9 @@ InstallSteps uninstall(const StepSeen& seen) {
     demand(turn);
     const InstallPlaces places = install_places();
     Steps steps(seen);
+    const bool was_default = is_default_printer();
     steps.add(std::wstring(L"printer ") + qk::kProductName, remove_printer() ? L"removed" : L"was not there");
-    if (const std::wstring former = restore_default_printer(); !former.empty())
+    if (const std::wstring former = restore_default_printer(was_default); !former.empty())
         steps.add(L"default printer", former + L" again");
     steps.add(kProcessor, remove_print_processor() ? L"removed" : L"was not there");
     steps.add(L"driver", remove_driver() ? L"removed" : L"was not there");
@@ -268,9 +269,8 @@ std::wstring notify_channels_text() {
 }
 
 void set_notify_channels(DWORD channels) {
-    const qk::RegKey key = machine_key(kNotificationKey);
-    const LSTATUS error = RegSetValueExW(key.get(), kChannelsValue, 0, REG_DWORD,
-                                         reinterpret_cast<const BYTE*>(&channels), sizeof channels);
+    const LSTATUS error = RegSetKeyValueW(HKEY_LOCAL_MACHINE, kNotificationKey, kChannelsValue, REG_DWORD,
+                                          &channels, sizeof channels);
     if (error != ERROR_SUCCESS)
         throw HostError{ExitCode::kInstallation,
                         with_reason(L"the notification channels cannot be set", static_cast<DWORD>(error))};

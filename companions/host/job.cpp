@@ -174,7 +174,7 @@ void JobRun::start() {
         report_.start_record = fields_of(*record);
         report_.pdf = record_text(record->output_path);
     }
-    spool_ = make_spool_file();
+    spool_ = make_spool_file(L"zr_print_");
     document.lpszOutput = spool_.c_str();
     spool_turn_.emplace(L"zr_print_spool", kMostSpoolWait);
     report_.job = StartDocW(context_.get(), &document);

@@ -16,7 +16,8 @@ OutputTarget::OutputTarget(const std::wstring& output) {
     folder_ = companions::absolute_path(output);
     if (ends_in_pdf(folder_) && !qk::is_folder(folder_)) {
         file_ = folder_;
-        folder_ = qk::format(L"%s.job%u", file_.c_str(), GetCurrentProcessId());
+        // Of a short name, since the PDF's own may be as long as names can be.
+        folder_ = qk::format(L"%szr_print_%u", companions::folder_part(file_).c_str(), GetCurrentProcessId());
     }
     if (!ForceDirectories(folder_))
         throw HostError{ExitCode::kUsage, with_reason(L"cannot make the folder " + folder_, GetLastError())};

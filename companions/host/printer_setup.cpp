@@ -39,17 +39,6 @@ std::wstring default_printer() {
     return GetDefaultPrinterW(name, &units) ? name : std::wstring();
 }
 
-std::vector<std::byte> installed_drivers(DWORD& count) {
-    DWORD needed = 0;
-    EnumPrinterDriversW(nullptr, writable(kEnvironment), 3, nullptr, 0, &needed, &count);
-    std::vector<std::byte> drivers(needed);
-    count = 0;
-    if (needed != 0)
-        EnumPrinterDriversW(nullptr, writable(kEnvironment), 3, reinterpret_cast<BYTE*>(drivers.data()),
-                            needed, &needed, &count);
-    return drivers;
-}
-
 }  // namespace
 
 std::wstring driver_folder() {
@@ -77,9 +66,11 @@ bool provide_data_file(const std::wstring& folder) {
 
 std::optional<std::wstring> find_driver_module() {
     DWORD count = 0;
-    const std::vector<std::byte> bytes = installed_drivers(count);
-    const auto* drivers = reinterpret_cast<const DRIVER_INFO_3W*>(bytes.data());
-    for (DWORD at = 0; at < count; ++at)
+    const qk::SizedAnswer answer = qk::read_sized([&count](BYTE* buffer, DWORD size, DWORD* needed) {
+        return EnumPrinterDriversW(nullptr, writable(kEnvironment), 3, buffer, size, needed, &count);
+    });
+    const auto* drivers = reinterpret_cast<const DRIVER_INFO_3W*>(answer.bytes.get());
+    for (DWORD at = 0; drivers && at < count; ++at)
         if (drivers[at].pName && qk::equal_no_case(drivers[at].pName, qk::kProductName))
             return drivers[at].pConfigFile ? std::wstring(drivers[at].pConfigFile) : std::wstring();
     return std::nullopt;
@@ -129,7 +120,7 @@ bool ensure_printer() {
             return false;
         // Not every spooler changes a printer's processor; each makes a printer with the one that is named.
         there.reset();
-        was_default = qk::equal_no_case(default_printer(), qk::kProductName);
+        was_default = is_default_printer();
         remove_printer();
     }
     PRINTER_INFO_2W printer = {};
@@ -181,21 +172,22 @@ std::vector<std::byte> default_mode(HANDLE printer) {
     return mode;
 }
 
+bool is_default_printer() {
+    return qk::equal_no_case(default_printer(), qk::kProductName);
+}
+
 void make_default_printer() {
     const std::wstring former = default_printer();
-    if (qk::equal_no_case(former, qk::kProductName))
+    if (is_default_printer())
         return;
     if (!SetDefaultPrinterW(qk::kProductName))
         throw installation_fault(L"the printer cannot be made the default", GetLastError());
-    if (former.empty())
-        return;
-    const qk::RegKey key = qk::registry::create(HKEY_CURRENT_USER, qk::registry::kRoot, KEY_WRITE);
-    if (key)
-        RegSetValueExW(key.get(), kFormerDefault, 0, REG_SZ, reinterpret_cast<const BYTE*>(former.c_str()),
-                       static_cast<DWORD>((former.size() + 1) * sizeof(wchar_t)));
+    if (!former.empty())
+        RegSetKeyValueW(HKEY_CURRENT_USER, qk::registry::kRoot, kFormerDefault, REG_SZ, former.c_str(),
+                        static_cast<DWORD>((former.size() + 1) * sizeof(wchar_t)));
 }
 
-std::wstring restore_default_printer() {
+std::wstring restore_default_printer(bool was_default) {
     constexpr wchar_t kUsersDevice[] = L"Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows";
     const auto now = qk::registry::find_text(HKEY_CURRENT_USER, kUsersDevice, L"Device").value_or(L"");
     const bool dangling = qk::starts_with_no_case(now, std::wstring(qk::kProductName) + L',');
@@ -205,7 +197,8 @@ std::wstring restore_default_printer() {
     if (!former)
         return {};
     RegDeleteKeyValueW(HKEY_CURRENT_USER, qk::registry::kRoot, kFormerDefault);
-    const bool chosen_since = !now.empty() && !dangling;
+    // A spooler may have put the first printer that it has in this one's place.
+    const bool chosen_since = !was_default && !now.empty() && !dangling;
     return !chosen_since && SetDefaultPrinterW(former->c_str()) ? *former : std::wstring();
 }
 

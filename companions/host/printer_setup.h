@@ -57,8 +57,10 @@ bool remove_driver();
 // Makes the printer the current user's default. Throws HostError (installation).
 void make_default_printer();
 
+[[nodiscard]] bool is_default_printer();
+
 // Makes the printer that was the user's default before this one so again, where it still is there; its name,
-// empty when there is none. To be called when this printer is gone.
-std::wstring restore_default_printer();
+// empty when there is none. To be called when this printer is gone; `was_default`: it was the default then.
+std::wstring restore_default_printer(bool was_default);
 
 }  // namespace host

@@ -38,8 +38,15 @@ DWORD exit_code_of(HANDLE process, const RenderJob& job) {
 
 DWORD run(const std::vector<std::wstring>& words, const RenderJob& job) {
     Child started = job.wait ? start_quiet(words) : start_telling(words);
-    if (job.wait)
-        job.wait(started.process.get(), started.lines.get());
+    try {
+        if (job.wait)
+            job.wait(started.process.get(), started.lines.get());
+    } catch (...) {  // it writes into memory of this process, which is about to go
+        TerminateProcess(started.process.get(), ERROR_CANCELLED);
+        WaitForSingleObject(started.process.get(), INFINITE);
+        static_cast<void>(exit_code_of(started.process.get(), job));
+        throw;
+    }
     started.lines.reset();  // a renderer that still speaks must not wait for a reader
     WaitForSingleObject(started.process.get(), INFINITE);  // the renderer keeps its own time limit
     return exit_code_of(started.process.get(), job);
@@ -57,17 +64,10 @@ std::wstring program() {
 }  // namespace
 
 DWORD run_renderer(const RenderJob& job, std::span<wchar_t> arena) {
-    std::vector<std::wstring> words = {
-        program(),
-        L"--thread",
-        qk::format(L"%u", job.thread),
-        L"--printer",
-        job.printer,
-        L"--spool",
-        job.spool,
-        L"--notify",
-        qk::format(L"%u:%llu:%llu", GetCurrentProcessId(), reinterpret_cast<uintptr_t>(arena.data()),
-                   arena.size_bytes())};
+    std::vector<std::wstring> words = {program(), L"--thread", std::to_wstring(job.thread)};
+    words.insert(words.end(), {L"--printer", job.printer, L"--spool", job.spool, L"--notify",
+                               qk::format(L"%u:%llu:%llu", GetCurrentProcessId(),
+                                          reinterpret_cast<uintptr_t>(arena.data()), arena.size_bytes())});
     if (!job.setting.empty())
         words.insert(words.end(), {L"--setting", job.setting});
     if (!job.cancel.empty())

@@ -4,7 +4,6 @@
 
 #include <string_view>
 
-#include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/registry.h"
 #include "common/qk/text.h"
@@ -33,9 +32,8 @@ std::wstring kept_path(const std::wstring& target) {
 }
 
 void prefer_file() {
-    const qk::RegKey key = qk::registry::create(HKEY_CURRENT_USER, kOverrides, KEY_WRITE);
-    const LSTATUS error = RegSetValueExW(key.get(), kLibrary, 0, REG_SZ,
-                                         reinterpret_cast<const BYTE*>(kFileFirst), sizeof kFileFirst);
+    const LSTATUS error =
+        RegSetKeyValueW(HKEY_CURRENT_USER, kOverrides, kLibrary, REG_SZ, kFileFirst, sizeof kFileFirst);
     if (error != ERROR_SUCCESS)
         throw HostError{ExitCode::kInstallation,
                         with_reason(L"programs cannot be told of the sheet host", static_cast<DWORD>(error))};

@@ -9,11 +9,11 @@
 
 namespace host {
 
-std::wstring make_spool_file() {
+std::wstring make_spool_file(const wchar_t* start) {
     const std::wstring folder = companions::temporary_folder();
     for (unsigned attempt = 0;; ++attempt) {
         std::wstring path =
-            qk::format(L"%szr_spool_%u_%u.ps", folder.c_str(), GetCurrentProcessId(), attempt);
+            qk::format(L"%s%s%u_%u.ps", folder.c_str(), start, GetCurrentProcessId(), attempt);
         const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
         if (file)
             return path;

@@ -5,9 +5,9 @@
 
 namespace host {
 
-// The path of a new, empty file in the temporary folder. The print system writes into what is there without
-// cutting it, so a file that an ended job has left is never taken. Throws HostError (job failed) when the
-// folder takes no file.
-[[nodiscard]] std::wstring make_spool_file();
+// The path of a new, empty file in the temporary folder; `start` begins its name, before this process's
+// number and a '_'. The print system writes into what is there without cutting it, so a file that an ended
+// job has left is never taken. Throws HostError (job failed) when the folder takes no file.
+[[nodiscard]] std::wstring make_spool_file(const wchar_t* start);
 
 }  // namespace host

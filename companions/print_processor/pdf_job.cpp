@@ -67,6 +67,9 @@ public:
         } catch (const host::HostError& error) {
             abort();
             tell(ERROR_FILE_NOT_FOUND, error.text);
+        } catch (...) {  // no memory
+            abort();
+            throw;
         }
     }
 
@@ -102,9 +105,10 @@ private:
 
 void make_pdf(const SpooledJob& job, const std::wstring& spool) {
     qk::PrinterHandleObj printer;
-    if (!OpenPrinterW(const_cast<wchar_t*>(job.printer.c_str()), printer.put(), nullptr))
-        return tell(GetLastError(),
-                    host::with_reason(L"cannot open the printer " + job.printer, GetLastError()));
+    if (!OpenPrinterW(const_cast<wchar_t*>(job.printer.c_str()), printer.put(), nullptr)) {
+        const DWORD error = GetLastError();
+        return tell(error, host::with_reason(L"cannot open the printer " + job.printer, error));
+    }
     try {
         const host::DriverModule module = host::load_module(module_path(printer.get()));
         PdfJob(job, spool, printer.get(), module).run();

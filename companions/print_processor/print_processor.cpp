@@ -9,14 +9,18 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string_view>
 
 #include "common/qk/guard.h"
 #include "common/qk/handle.h"
+#include "common/qk/process.h"
 #include "companions/host/host_error.h"
 #include "companions/host/spool_file.h"
+#include "companions/leftovers.h"
 #include "companions/print_processor/names.h"
 #include "companions/print_processor/pdf_job.h"
 #include "companions/print_processor/spooled_job.h"
+#include "companions/system_texts.h"
 
 namespace {
 
@@ -24,6 +28,8 @@ using processor::SpooledJob;
 
 constexpr const wchar_t* kDatatypes[] = {processor::kRaw, L"RAW [FF appended]", L"RAW [FF auto]",
                                          processor::kText, processor::kEmf};
+
+constexpr wchar_t kSpoolStart[] = L"zr_spool_";  // of a spool file's name
 
 // Stands for a job that there was no memory for.
 char no_job;
@@ -62,10 +68,17 @@ std::unique_ptr<SpooledJob> job_of(const PRINTPROCESSOROPENDATA& data) {
     return job;
 }
 
-// A file that is gone in every end.
+// A file that is gone in every end; that of a program which was killed when the next one prints.
 class SpoolFile {
 public:
-    SpoolFile() : path_(host::make_spool_file()) {}
+    SpoolFile() {
+        const std::wstring all = companions::temporary_folder() + kSpoolStart + L'*';
+        companions::delete_leftovers(all, [](std::wstring_view name) {
+            const auto owner = companions::find_process(name, kSpoolStart, L'_');
+            return owner && qk::is_gone(*owner);
+        });
+        path_ = host::make_spool_file(kSpoolStart);
+    }
     ~SpoolFile() {
         const qk::LastErrorKeeper keep;
         DeleteFileW(path_.c_str());

@@ -1,7 +1,6 @@
 #include "companions/print_processor/renderer_watch.h"
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
 #include "common/qk/paths.h"
@@ -19,12 +18,7 @@ constexpr ULONGLONG kUnseen = 1000;      // most jobs are done by then
 constexpr ULONGLONG kToGiveUp = 10'000;  // what the renderer has for it, with its engine
 constexpr size_t kMostLine = 4096;       // what is longer tells no page
 constexpr std::string_view kPages = "%%Pages: ";
-
-unsigned number_at(std::string_view text) noexcept {
-    unsigned number = 0;
-    std::from_chars(text.data(), text.data() + text.size(), number);
-    return number;
-}
+using companions::render::number_at;
 
 // The windows of this thread. A message that ends the program's loop, which may come with any other, is the
 // program's.

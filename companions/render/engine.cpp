@@ -22,10 +22,12 @@ constexpr DWORD kPollMilliseconds = 50;
 
 // Limits the engine's processor time, since nobody could stop an endless document otherwise, and sends what
 // it prints to a file: a pipe of this process means nothing to a Unix program. A job that is given up ends it
-// by its number.
+// by its number; when this process is killed the system does, where there is a setpriv (one that is a link is
+// of a smaller kind, which cannot say so).
 constexpr char kScript[] =
     "ulimit -t \"$1\" 2>/dev/null || :; log=$2; TMPDIR=$3; export TMPDIR; "
     "echo $$ >\"$3/engine.pid\"; shift 3; "
+    "own=/usr/bin/setpriv; [ -L $own ] || [ ! -x $own ] || set -- $own --pdeathsig KILL \"$@\"; "
     "exec \"$@\" >\"$log\" 2>&1 </dev/null";
 constexpr char kKill[] = "read pid <\"$1\" && kill \"$pid\"";
 constexpr int kShellNotStarted = 126;  // 126 not a program, 127 not found

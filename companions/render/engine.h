@@ -31,8 +31,8 @@ public:
     [[nodiscard]] std::optional<std::string> find_path(const std::wstring& path) const;
 
     // Runs the engine to its end, or until it has used the seconds that ZR_RENDER_SECONDS allows
-    // (kUsualSeconds; processor time below Wine) or the job is given up. Its output goes to `log` in the
-    // folder `scratch` and, piece by piece, to `output` on the calling thread.
+    // (kUsualSeconds; processor time below Wine) or the job is given up; it also ends with this process. Its
+    // output goes to `log` in the folder `scratch` and, piece by piece, to `output` on the calling thread.
     [[nodiscard]] End run(const std::vector<std::string>& arguments, const std::wstring& scratch,
                           const std::function<void(std::string_view)>& output) const;
 

@@ -9,15 +9,10 @@ namespace companions::render {
 namespace {
 
 namespace ps = Corvanta::Vantrix::PrintSettings;
-using Corvanta::Vantrix::PrintSettings::CompressImage;
 using Corvanta::Vantrix::PrintSettings::PrintSettings;
 using Corvanta::Vantrix::PrintSettings::Watermark_impl;
 
-// Run length is offered for images of two colours only.
-bool wants_run_length(const CompressImage& image) {
-    constexpr uint32_t kRunLength = 3;
-    return image.CompressionMethod() == kRunLength;
-}
+constexpr uint32_t kRunLength = 3;  // offered for images of two colours only
 
 }  // namespace
 
@@ -32,7 +27,8 @@ std::vector<std::string> unsupported_wishes(const PrintSettings& settings) {
         bool asked;
         const char* wish;
     } wishes[] = {
-        {wants_run_length(compression.Color) || wants_run_length(compression.Gray),
+        {compression.Color.CompressionMethod() == kRunLength ||
+             compression.Gray.CompressionMethod() == kRunLength,
          "run length for colour and grey images (ZIP is used)"},
         {packed && (compression.ASCIIFormat || compatibility_level(version) < "1.5"),
          "high compression in ASCII format or before PDF 1.5"},

@@ -18,12 +18,23 @@ constexpr unsigned kMostNumbers = 9999;
 constexpr unsigned kMostTries = 100;
 constexpr std::wstring_view kExtension = L".pdf";
 
+// Whether a file is there that cannot be replaced: the job would end as if the user had cancelled it.
+bool is_held(const std::wstring& path) {
+    const qk::FileObj file(
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return !file && qk::is_file(path);
+}
+
 // One answer of the dialog, settled under the rule; nothing, after the user was told, when it cannot be
 // taken.
 std::optional<OutputFile> settle(SaveDialog& dialog, const std::wstring& path, bool confirmed, SameName rule,
                                  const NameLimits& limits) {
     if (path.size() > limits.path_units) {
         dialog.refuse(path, L"The path is too long. Choose a shorter name or another folder.");
+        return std::nullopt;
+    }
+    if ((rule == SameName::kOverwrite || rule == SameName::kAsk) && is_held(path)) {
+        dialog.refuse(path, L"The file is open in another program, or protected. Choose another name.");
         return std::nullopt;
     }
     if (rule == SameName::kOverwrite)
@@ -144,7 +155,7 @@ std::optional<OutputFile> choose_in_folder(SaveDialog& dialog, const std::wstrin
         return choose_unattended(folder, name, rule, limits);
     const std::wstring title = name.title(1);
     const auto path = find_safe_path(folder, title, 0, limits);
-    if (rule == SameName::kOverwrite && path && qk::is_folder(folder))
+    if (rule == SameName::kOverwrite && path && qk::is_folder(folder) && !is_held(*path))
         return OutputFile{*path, false};
     if (rule != SameName::kOverwrite && path) {
         const Reservation result = reserve(*path);

@@ -1,8 +1,6 @@
 // The command lines of the host program and the renderer.
 #include <picojson.h>
-#include <shellapi.h>
 
-#include "companions/command_line.h"
 #include "companions/host/options.h"
 #include "companions/render/arguments.h"
 
@@ -50,17 +48,6 @@ TEST(CommandLines, WrongWordsAreNamed) {
     EXPECT_EQ(fault, L"");
     EXPECT_EQ(std::tuple(good.thread, good.arena->address, good.arena->bytes),
               std::tuple(16u, 0x10000u, companions::render::kMostArenaBytes));
-}
-
-// What the renderer's run-time library does with the line, done by the system's own function.
-TEST(CommandLines, AreReadBackWordForWord) {
-    const std::vector<std::wstring> words = {
-        L"C:\\Program Files\\x.exe", L"", L"a b", L"C:\\folder\\", L"say \"hi\"", L"\\\\\"", L"tab\there"};
-    int count = 0;
-    const qk::LocalMemory memory(CommandLineToArgvW(companions::command_line(words).c_str(), &count));
-    auto* const* read = static_cast<wchar_t**>(memory.get());
-    ASSERT_NE(read, nullptr);
-    EXPECT_EQ(std::vector<std::wstring>(read, read + count), words);
 }
 
 }  // namespace

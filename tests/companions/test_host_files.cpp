@@ -1,6 +1,7 @@
 // Files that the host program reads, copies and replaces.
 
 #include "companions/host/host_error.h"
+#include "companions/host/printer_setup.h"
 #include "companions/host/renderer.h"
 #include "companions/host/setting_choice.h"
 #include "companions/host/sheet_host.h"
@@ -87,6 +88,24 @@ TEST(HostFiles, SheetHostTakesTheSystemsPlaceAndGivesItBack) {
         EXPECT_EQ(host::remove_sheet_host(target), taken);
         EXPECT_EQ(TempFolder::read(target), taken ? wines : found);
         EXPECT_FALSE(qk::is_file(target + L".wine") || preference());
+    }
+}
+
+TEST(HostFiles, FormerDefaultPrinterComesBack) {
+    // Whether this printer was the default, the default now that it is gone; what is chosen.
+    const std::tuple<bool, const wchar_t*, std::wstring> rows[] = {
+        {true, L"First,winspool,LPT1:", L"Second"},  // the spooler's own choice
+        {false, L"First,winspool,LPT1:", L""},       // the user's
+        {false, L"Corvanta Vantrix 8.0,winspool,VANTRIX:", L"Second"}};
+    for (const auto& [was_default, now, wanted] : rows) {
+        const UserRegistry user;
+        user.set_text(L"Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows", L"Device", now);
+        user.set_text(Installation::kKey, L"FormerDefaultPrinter", L"Second");
+        std::wstring chosen;
+        const Intercept<decltype(SetDefaultPrinterW)> choose(
+            "SetDefaultPrinterW", [&chosen](auto* name) { return chosen = name, TRUE; });
+        EXPECT_EQ(host::restore_default_printer(was_default), wanted);
+        EXPECT_EQ(chosen, wanted);
     }
 }
 

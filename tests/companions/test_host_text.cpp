@@ -6,7 +6,6 @@ using namespace std::string_literals;
 
 TEST(HostText, EncodingsAreTold) {
     const std::tuple<const char*, std::string, std::wstring, Encoding> rows[] = {
-        {"empty", "", L"", Encoding::kUtf8},
         {"damaged UTF-8 with mark", "\xEF\xBB\xBFx\xFF", L"x\uFFFD", Encoding::kUtf8},
         {"Windows-1252", "caf\xE9 \x80 \x93q\x94", L"caf\u00e9 \u20ac \u201cq\u201d", Encoding::kWindows1252},
         {"cut UTF-8", "caf\xC3", L"caf\u00c3", Encoding::kWindows1252},
@@ -24,7 +23,6 @@ TEST(HostText, PagesAreFilled) {
     using Pages = std::vector<host::Page>;
     // The width, every unit being one column wide, the text, and its pages of two lines.
     const std::tuple<const char*, size_t, std::wstring, Pages> rows[] = {
-        {"empty text is one empty page", 4, L"", {{}}},
         {"CR LF is one end, LF CR are two", 4, L"a\r\nb\n\rc", {{L"a", L"b"}, {L"", L"c"}}},
         {"form feed first", 4, L"\fa", {{}, {L"a"}}},
         {"form feed behind a full page", 4, L"a\nb\fc", {{L"a", L"b"}, {L"c"}}},

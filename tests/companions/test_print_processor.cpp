@@ -25,6 +25,7 @@ TEST_F(PrintProcessor, DatatypesComeWithTheirSize) {
     std::vector<BYTE> buffer(needed, 0xAB);
     EXPECT_FALSE(enumerate(nullptr, nullptr, 1, buffer.data(), needed - 1, &needed, &count));
     EXPECT_EQ(buffer, std::vector<BYTE>(needed, 0xAB));
+    EXPECT_FALSE(enumerate(nullptr, nullptr, 1, nullptr, needed, &needed, &count));
     EXPECT_FALSE(enumerate(nullptr, nullptr, 2, buffer.data(), needed, &needed, &count));
     EXPECT_FALSE(enumerate(nullptr, nullptr, 1, buffer.data(), needed, nullptr, nullptr));
     ASSERT_TRUE(enumerate(nullptr, nullptr, 1, buffer.data(), needed, &needed, &count));

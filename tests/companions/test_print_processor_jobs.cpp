@@ -107,8 +107,11 @@ struct PrintProcessorJob : testing::Test {
 TEST_F(PrintProcessorJob, DocumentGoesWhereItIsSent) {
     const std::string page = page_of("Words");
     const std::wstring file = folder_.file(L"file.ps");
-    const std::string killer =
-        ask(folder_.write(L"killer", "#!/bin/sh\nkill -9 $PPID\n"), "chmod +x \"$1\"; printf %s \"$1\"");
+    const std::wstring lock =
+        folder_.write(L"killer", "#!/bin/sh\nexec 9<\"$0\"\nflock 9\nkill -9 $PPID\nexec sleep 90\n");
+    const std::string killer = ask(lock, "chmod +x \"$1\"; printf %s \"$1\"");
+    const auto left = std::filesystem::temp_directory_path() / L"zr_spool_4294967292_0.ps";
+    std::ofstream(left) << "of a program that was killed";
     // What is sent, its bytes and datatype, where to; whether it ends well and makes a PDF, the engine, the
     // failures that are told.
     const std::tuple<const char*, std::string, const wchar_t*, std::wstring, bool, bool, const char*, size_t>
@@ -144,6 +147,9 @@ TEST_F(PrintProcessorJob, DocumentGoesWhereItIsSent) {
         EXPECT_FALSE(!RemoveDirectoryW(folder_.file(L"out").c_str()) &&
                      GetLastError() == ERROR_DIR_NOT_EMPTY);
     }
+    EXPECT_EQ(ask(lock, "flock -w 30 \"$1\" true"), "")
+        << "the engine, which holds it, outlives its renderer";
+    EXPECT_FALSE(exists(left));
 }
 
 // Somebody watches and thinks better of it: before the job begins, or while it is at work.
@@ -172,7 +178,7 @@ TEST_F(PrintProcessorJob, CancelledJobLeavesNothing) {
                 GetDlgItemTextW(progress, IDC_STATE, text, 100);
                 return std::wstring(text).ends_with(L" of 90");
             })) << qk::to_utf8(text);
-            PostMessageW(progress, WM_COMMAND, IDCANCEL, 0);
+            PostMessageW(progress, WM_SYSCOMMAND, SC_CLOSE, 0);
         }
         ASSERT_TRUE(job.ended_within(20'000));
         EXPECT_TRUE(ended);

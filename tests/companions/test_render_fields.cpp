@@ -188,6 +188,8 @@ const std::vector<Row> kRows = {
     {R"({"Security": {"MasterPassword": "-own er", "UserPassword": "usr", "Level": 5, "EditPermission": 5,
                       "AllowCopyContent": true, "PrintPermission": 2}})",
      kSecurity, "6 -4 AESv3"},
+    {"", "qpdf --password-file=\"$2/pw\" --check-linearization \"$1\" | sed 's/.*: //'",
+     "no linearization errors"},
     {R"({"PDFVersion": {"Version": 12}, "Security": {"MasterPassword": "x", "UserPassword": "\u65E5"}})",
      kSecurityOther, "6"},
 
@@ -224,8 +226,11 @@ const std::vector<Row> kRows = {
      "'/[A-Z].*'",
      "/PrintState /OFF /ViewState /ON"},
     {R"({"Watermark": {"Style": 1, "FontSize": 150, "ZOrder": 1}})", pixel("30+46") + " | cut -c1-2", "#C"},
-    {R"({"Watermark": {"Style": 1, "VerticalPosition": 2, "HorizontalPosition": 2, "Transparency": 50}})",
-     pixel("145+205"), "#FF7F7F"},
+    {R"({"Watermark": {"Style": 1, "VerticalPosition": 2, "HorizontalPosition": 2, "Transparency": 50,
+                       "TextColor": 16711680}})",
+     pixel("145+205"), "#7F7FFF"},
+    {R"({"Watermark": {"Style": 1, "VerticalPosition": 1, "HorizontalPosition": 1, "DiagonalText": true}})",
+     pixel("93+93"), "#FF0000"},           // above what stands upright there
     {R"({"Watermark": {"Style": 1, "VerticalPosition": 2, "HorizontalPosition": 2, "Transparency": 50},
          "PDFVersion": {"Version": 0}})",  // which has no transparency
      pixel("145+205"), "#FF7F7F"},
@@ -282,6 +287,10 @@ TEST_F(RenderFields, PictureOfTheWatermark) {
     watermark.Transparency = 0;
     ASSERT_EQ(run(), kDone);
     EXPECT_EQ(ask(pixel("85+90") + "; " + pixel("85+140")), "#0000FF #00FF00");
+    watermark.PictureScale = 6400;
+    folder_.write(L"job.ps", kTwoPages);
+    ASSERT_EQ(run(), kDone);
+    EXPECT_EQ(ask(pixel("85+107") + "; " + pixel("85+140")), "#0000FF #FFFFFF");
 }
 
 TEST_F(RenderFields, ViewerIsToldOfThePdf) {

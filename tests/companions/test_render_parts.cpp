@@ -166,12 +166,12 @@ TEST_F(EngineRun, EndsAreTold) {
         {L"/bin/sh", {"-c", "kill -9 $$"}, Engine::End::kStopped, ""},
         {L"/etc/passwd", {}, Engine::End::kMissing, nullptr},
         {renderer.c_str(), {"--help"}, Engine::End::kDone, nullptr},
-        {renderer.c_str(), {"--thread", "a \"b\""}, Engine::End::kFailed, nullptr}};
+        {renderer.c_str(), {"--thread", "a\\\"b\" c\\", "--discard"}, Engine::End::kFailed, nullptr}};
     for (const auto& [program, arguments, end, output] : rows) {
         EXPECT_EQ(run(program, arguments), end) << program;
         EXPECT_EQ(output_, output ? output : output_) << program;
     }
-    EXPECT_NE(output_.find("a \"b\""), std::string::npos) << "quoted words arrive whole: " << output_;
+    EXPECT_NE(output_.find("a\\\"b\" c\\"), std::string::npos) << "words arrive whole: " << output_;
 }
 
 TEST(ScratchFolders, OfKilledRunsGoWithTheNext) {

@@ -76,7 +76,6 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
     } rows[] = {
         {nullptr, 1002, ERROR_FILE_NOT_FOUND, L"print data"},
         {"", 1003, ERROR_INVALID_DATA, L"no pages"},
-        {"%!PS\n1 1 add pop\n", 1003, ERROR_INVALID_DATA, L"no pages"},
         {"%!PS\nquit\n", 1003, ERROR_INVALID_DATA, L"no pages"},
         {"%!PS\nshowpage bogus", 1004, ERROR_INVALID_DATA, L"/undefined in bogus"},
         {"\x01\x02 rubbish \xFF)", 1004, ERROR_INVALID_DATA, L"damaged"},

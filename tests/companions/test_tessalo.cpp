@@ -113,21 +113,22 @@ public:
 
 TEST(OutputChoice, DialogAnswersFollowTheRule) {
     const std::wstring too_long(250, L'x');
-    // The rule, the answers ("old.pdf" and "old.txt.pdf" exist), the name (empty: cancelled), whether it is
-    // reserved, the refusals.
+    // The rule, the answers ("old.pdf" and "old.txt.pdf" exist, "held.pdf" is open), the name (empty:
+    // cancelled), whether it is reserved, the refusals.
     const std::tuple<SameName, std::vector<std::wstring>, std::wstring, bool, int> rows[] = {
         {SameName::kAsk, {L"new"}, L"new.pdf", true, 0},
         {SameName::kAsk, {L"old.pdf"}, L"old.pdf", false, 0},  // the dialog has asked
         {SameName::kAsk, {L"old.txt"}, L"", false, 1},         // about another name
         {SameName::kNumber, {L"old.PDF"}, L"old(1).pdf", true, 0},
         {SameName::kRefuse, {L"old.pdf", L"old.pdf", L"x.pdf"}, L"x.pdf", true, 2},
-        {SameName::kOverwrite, {too_long, L"x.pdf"}, L"x.pdf", false, 1},
+        {SameName::kOverwrite, {too_long, L"held.pdf", L"x.pdf"}, L"x.pdf", false, 2},
         {SameName::kNumber, {L"none\\x.pdf", L"x.pdf"}, L"x.pdf", true, 1}};
     for (const auto& [rule, answers, name, reserved, refusals] : rows) {
         SCOPED_TRACE(testing::PrintToString(answers));
         const TempFolder folder;
         folder.write(L"old.pdf", "old");
         folder.write(L"old.txt.pdf", "old");
+        const qk::FileObj user = hold(folder.write(L"held.pdf", ""), FILE_SHARE_READ);
         ScriptedDialog dialog;
         for (const std::wstring& answer : answers)
             dialog.answers.push_back(folder.file(answer));
@@ -147,6 +148,7 @@ TEST(OutputChoice, AFixedFolderAsksNothingUnlessTheRuleSaysSo) {
         {SameName::kAsk, L"free", L"free.pdf", true, 0, 0},
         {SameName::kAsk, L"old", L"new.pdf", true, 1, 0},
         {SameName::kOverwrite, L"old", L"old.pdf", false, 0, 0},
+        {SameName::kOverwrite, L"held", L"new.pdf", false, 1, 0},
         {SameName::kNumber, L"old", L"old(1).pdf", true, 0, 0},
         {SameName::kRefuse, L"old", L"", false, 0, 1}};
     const TempFolder elsewhere;
@@ -155,6 +157,7 @@ TEST(OutputChoice, AFixedFolderAsksNothingUnlessTheRuleSaysSo) {
         SCOPED_TRACE(qk::to_utf8(title) + std::to_string(static_cast<int>(rule)));
         const TempFolder folder;
         folder.write(L"old.pdf", "old");
+        const qk::FileObj user = hold(folder.write(L"held.pdf", ""), FILE_SHARE_READ);
         ScriptedDialog dialog;
         dialog.answers = {folder.file(L"new.pdf")};
         const WantedName wanted{[text = title](unsigned) { return text; }};
