@@ -1,14 +1,18 @@
 #include "UI_dll/PDFSettings/list/import_check.h"
 
 #include <cmath>
+#include <map>
 #include <optional>
 #include <stdexcept>
+#include <string>
 #include <string_view>
+#include <type_traits>
+#include <vector>
 
 #include "UI_dll/PDFSettings/messages.h"
 #include "common/qk/text.h"
 #include "common/qk/wipe.h"
-#include "print_settings/display.h"
+#include "print_settings/differences.h"
 #include "print_settings/ps4_reader.h"
 #include "print_settings/ps4_writer.h"
 #include "print_settings/setting_file.h"
@@ -19,7 +23,7 @@ namespace pdf_settings {
 namespace {
 
 constexpr size_t kMarkBytes = 3;
-constexpr size_t kMostCorrected = 12;  // that a message box shows
+constexpr size_t kMostCorrected = 13;  // one more than the message shows, which then says that there are more
 
 std::wstring shown(const picojson::value& value) {
     constexpr size_t kMostUnits = 60;
@@ -35,17 +39,53 @@ bool same(const picojson::value& given, const picojson::value& used) {
     return difference <= 1e-6 * std::abs(given.get<double>()) || difference == kBeyondAllOnes;
 }
 
+std::wstring place_in(const std::wstring& path, const std::string& key) {
+    return path.empty() ? qk::to_wide(key) : path + L'.' + qk::to_wide(key);
+}
+
+// What the pages call a field and its value.
+struct Words {
+    std::wstring name, value;
+};
+using WordsByPlace = std::map<std::wstring, Words>;
+
+template <class Section>
+void add_words(const std::wstring& place, const std::wstring& name, const Section& section,
+               WordsByPlace& words);
+
+template <class Value>
+void add_word(const std::wstring& section_place, const std::wstring& section_name, const ps::FieldInfo& field,
+              const Value& value, WordsByPlace& words) {
+    const std::wstring place = place_in(section_place, field.key);
+    const std::wstring name = ps::display::join(section_name, field);
+    if constexpr (ps::SectionHandle<Value>)
+        add_words(place, name, *value, words);
+    else if constexpr (std::is_same_v<Value, ps::Box>)
+        add_words(place, name, value, words);
+    else if constexpr (requires { ps::display::show(field, value); })
+        words[place] = {name,
+                        field.shown == ps::Shown::kSecret ? std::wstring() : ps::display::show(field, value)};
+}
+
+template <class Section>
+void add_words(const std::wstring& place, const std::wstring& name, const Section& section,
+               WordsByPlace& words) {
+    ps::for_each_field<Section>(
+        [&](const auto& field) { add_word(place, name, field, section.*field.member, words); });
+}
+
 void compare(const std::wstring& path, const picojson::value& given, const picojson::value& used,
-             std::vector<std::wstring>& corrected) {
+             const WordsByPlace& words, std::vector<std::wstring>& corrected) {
     if (given.is<picojson::object>() && used.is<picojson::object>()) {
         const auto& members = used.get<picojson::object>();
         for (const auto& [key, value] : given.get<picojson::object>())
             if (const auto found = members.find(key); found != members.end())
-                compare(path.empty() ? qk::to_wide(key) : path + L'.' + qk::to_wide(key), value,
-                        found->second, corrected);
+                compare(place_in(path, key), value, found->second, words, corrected);
     } else if (!same(given, used) && corrected.size() < kMostCorrected) {
+        const auto found = words.find(path);
+        const Words told = found != words.end() ? found->second : Words{path, shown(used)};
         const bool is_secret = path.ends_with(L"Password");
-        corrected.push_back(is_secret ? path : ps::Changed2Str(path, shown(given), shown(used)));
+        corrected.push_back(is_secret ? told.name : ps::Changed2Str(told.name, shown(given), told.value));
     }
 }
 
@@ -74,7 +114,9 @@ std::wstring load_text(std::string_view text, Setting& setting, std::vector<std:
     }
     picojson::value used = ps::write_setting(*setting);
     const ps::PasswordsWipedAtEnd used_wiped(used);
-    compare({}, document, used, corrected);
+    WordsByPlace words;
+    add_words({}, {}, *setting, words);
+    compare({}, document, used, words, corrected);
     return {};
 }
 
