@@ -74,6 +74,12 @@
 #define IDS_READY_PROTECTED 1079
 #define IDS_IMPORT_TOO_MANY 1080
 
+// Why the dialog library refuses the name of a PDF.
+#define IDS_SAVE_TOO_LONG 1081
+#define IDS_SAVE_NOT_MADE 1082
+#define IDS_SAVE_TAKEN 1083
+#define IDS_SAVE_KEPT 1084
+
 // The edit sheet and its messages.
 // Of each of its pages, in dialog units.
 #define PAGE_WIDTH 316
