@@ -89,8 +89,8 @@ TEST_F(SettingsPage, FilesAreImportedOrRefusedInWords) {
     for (const std::wstring& fault :
          {L"torn.ps4: " + qk::format(dialog_text(IDS_IMPORT_DAMAGED).c_str(), 2),
           L"bare.ps4: " + dialog_text(IDS_IMPORT_NO_SETTING),
-          L"list.ps4: " + dialog_text(IDS_IMPORT_WRONG_KIND), L"old.ps4: " + dialog_text(IDS_IMPORT_LEGACY),
-          L"gone.ps4: " + dialog_text(IDS_IMPORT_UNREADABLE)})
+          L"list.ps4: " + qk::format(dialog_text(IDS_IMPORT_WRONG_KIND).c_str(), L"General"),
+          L"old.ps4: " + dialog_text(IDS_IMPORT_LEGACY), L"gone.ps4: " + dialog_text(IDS_IMPORT_UNREADABLE)})
         EXPECT_NE(Outbox::boxes[1].text.find(fault), std::wstring::npos)
             << qk::to_utf8(Outbox::boxes[1].text);
 }

@@ -25,9 +25,14 @@ namespace {
 constexpr size_t kMarkBytes = 3;
 constexpr size_t kMostCorrected = 13;  // one more than the message shows, which then says that there are more
 
-std::wstring shown(const picojson::value& value) {
+// Of a text of the file's own that stands in a line.
+std::wstring shortened(const std::wstring& text) {
     constexpr size_t kMostUnits = 60;
-    return std::wstring(qk::cut(qk::to_wide(value.serialize()), kMostUnits));
+    return std::wstring(qk::cut(text, kMostUnits));
+}
+
+std::wstring shown(const picojson::value& value) {
+    return shortened(qk::to_wide(value.serialize()));
 }
 
 // Numbers that have decimals are kept in single precision; an integer may stand for its bits.
@@ -41,6 +46,22 @@ bool same(const picojson::value& given, const picojson::value& used) {
 
 std::wstring place_in(const std::wstring& path, const std::string& key) {
     return path.empty() ? qk::to_wide(key) : path + L'.' + qk::to_wide(key);
+}
+
+// Where the value stands; nothing when it is none of the document's.
+std::optional<std::wstring> find_place(const picojson::value& document, const picojson::value* wanted,
+                                       const std::wstring& path) {
+    if (&document == wanted)
+        return path;
+    if (document.is<picojson::object>())
+        for (const auto& [key, value] : document.get<picojson::object>())
+            if (auto found = find_place(value, wanted, place_in(path, key)))
+                return found;
+    if (document.is<picojson::array>())
+        for (const picojson::value& value : document.get<picojson::array>())
+            if (auto found = find_place(value, wanted, path))
+                return found;
+    return std::nullopt;
 }
 
 // What the pages call a field and its value.
@@ -83,7 +104,7 @@ void compare(const std::wstring& path, const picojson::value& given, const picoj
                 compare(place_in(path, key), value, found->second, words, corrected);
     } else if (!same(given, used) && corrected.size() < kMostCorrected) {
         const auto found = words.find(path);
-        const Words told = found != words.end() ? found->second : Words{path, shown(used)};
+        const Words told = found != words.end() ? found->second : Words{shortened(path), shown(used)};
         const bool is_secret = path.ends_with(L"Password");
         corrected.push_back(is_secret ? told.name : ps::Changed2Str(told.name, shown(given), told.value));
     }
@@ -107,8 +128,10 @@ std::wstring load_text(std::string_view text, Setting& setting, std::vector<std:
         if (!ps::json::try_parse(text, document, &fault))
             return damaged(fault);
         ps::read_setting(document, *setting, false);
-    } catch (const ps::json::WrongKind&) {
-        return dialog_text(IDS_IMPORT_WRONG_KIND);
+    } catch (const ps::json::WrongKind& wrong) {
+        const std::wstring place = shortened(find_place(document, wrong.found, {}).value_or(L"PSComment"));
+        return place.empty() ? dialog_text(IDS_IMPORT_NO_SETTING)
+                             : qk::format(dialog_text(IDS_IMPORT_WRONG_KIND).c_str(), place.c_str());
     } catch (const std::overflow_error&) {
         return damaged(fault);
     }
