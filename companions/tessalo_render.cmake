@@ -1,6 +1,7 @@
 # The save-file dialog library and the renderer. What both are made of lies in one library, which the tests link.
 add_library(zr_companions STATIC
     command_line.cpp
+    language_text.cpp
     leftovers.cpp
     render/arguments.cpp
     render/ascii85.cpp

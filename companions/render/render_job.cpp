@@ -9,6 +9,7 @@
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "common/rwPDFSet_functions.h"
+#include "companions/language_text.h"
 #include "companions/render/cancelling.h"
 #include "companions/render/console.h"
 #include "companions/render/engine_arguments.h"
@@ -109,12 +110,19 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
         warn("the print data could not be deleted: " + qk::to_utf8(arguments.spool));
 }
 
+// In the user's language; by its number where there is no language library.
+std::wstring words_of(ResultCode code) {
+    std::wstring words;
+    for (const auto& row : kMessages)
+        if (row.code == code)
+            words = language_text(row.text);
+    return words.empty() ? qk::format(L"Error %u", static_cast<unsigned>(code)) : words;
+}
+
 Result failed(Result result, const Failure& failure) {
     result.code = failure.code;
     result.win32_error = failure.win32_error;
-    for (const auto& row : kMessages)
-        if (row.code == failure.code)
-            result.message = row.text;
+    result.message = words_of(failure.code);
     if (!failure.detail.empty())
         result.message += L"\n" + failure.detail;
     result.caption = qk::kProductName;

@@ -1,9 +1,12 @@
 // How a job can end in the renderer: the codes of the result record and what they tell a person.
 #pragma once
 
+#include <windows.h>
+
 #include <cstdint>
 #include <string>
-#include <string_view>
+
+#include "resources/ids.h"
 
 namespace companions::render {
 
@@ -26,30 +29,25 @@ enum class ResultCode : uint32_t {
     kFontMissing = 1014,
 };
 
-// What each tells, in one sentence, without the details of the case.
+// What each tells, in one sentence of the language library, without the details of the case.
 inline constexpr struct {
     ResultCode code;
-    std::wstring_view text;
+    UINT text;
 } kMessages[] = {
-    {ResultCode::kSettingUnreadable, L"The print setting could not be read."},
-    {ResultCode::kSpoolUnreadable, L"The print data could not be read."},
-    {ResultCode::kNoPages, L"The document has no pages, so no PDF was made."},
-    {ResultCode::kSpoolDamaged, L"The print data is damaged, so no PDF was made."},
-    {ResultCode::kTargetUnwritable, L"The PDF file could not be written."},
-    {ResultCode::kEngineMissing,
-     L"Ghostscript, which makes the PDF, was not found. Install it or name it in ZR_GHOSTSCRIPT."},
-    {ResultCode::kEngineStopped, L"Ghostscript stopped before the PDF was complete."},
-    {ResultCode::kPasswordUnusable,
-     L"The setting's password is too long for the PDF's encryption, or holds characters that it cannot "
-     L"take."},
-    {ResultCode::kCannotJoin, L"This renderer cannot add a document to one that is still open."},
-    {ResultCode::kNoTarget, L"The job names no PDF file."},
-    {ResultCode::kStandardUnmet,
-     L"The document cannot be made the PDF/A or PDF/X that the setting asks for."},
-    {ResultCode::kFontMissing, L"A font could not be put into the PDF, so no PDF was made."},
-    {ResultCode::kInternal, L"The renderer failed unexpectedly."},
-    {ResultCode::kPdfUnreadable,
-     L"The PDF was made, but opening it again found it damaged, so it was not kept."},
+    {ResultCode::kSettingUnreadable, IDS_RENDER_SETTING_UNREADABLE},
+    {ResultCode::kSpoolUnreadable, IDS_RENDER_SPOOL_UNREADABLE},
+    {ResultCode::kNoPages, IDS_RENDER_NO_PAGES},
+    {ResultCode::kSpoolDamaged, IDS_RENDER_SPOOL_DAMAGED},
+    {ResultCode::kTargetUnwritable, IDS_RENDER_TARGET_UNWRITABLE},
+    {ResultCode::kEngineMissing, IDS_RENDER_ENGINE_MISSING},
+    {ResultCode::kEngineStopped, IDS_RENDER_ENGINE_STOPPED},
+    {ResultCode::kPasswordUnusable, IDS_RENDER_PASSWORD_UNUSABLE},
+    {ResultCode::kCannotJoin, IDS_RENDER_CANNOT_JOIN},
+    {ResultCode::kNoTarget, IDS_RENDER_NO_TARGET},
+    {ResultCode::kStandardUnmet, IDS_RENDER_STANDARD_UNMET},
+    {ResultCode::kFontMissing, IDS_RENDER_FONT_MISSING},
+    {ResultCode::kInternal, IDS_RENDER_INTERNAL},
+    {ResultCode::kPdfUnreadable, IDS_RENDER_PDF_UNREADABLE},
 };
 
 // Thrown within the renderer; becomes the job's result record.

@@ -9,6 +9,7 @@
 #include "common/qk/handle.h"
 #include "common/qk/module.h"
 #include "common/qk/text.h"
+#include "companions/language_text.h"
 
 namespace companions {
 
@@ -83,8 +84,8 @@ std::optional<std::wstring> SystemSaveDialog::ask(const std::wstring& folder, co
     return std::wstring(path.data());
 }
 
-void SystemSaveDialog::refuse(const std::wstring& path, std::wstring_view reason) {
-    const std::wstring text = path + L"\n\n" + std::wstring(reason);
+void SystemSaveDialog::refuse(const std::wstring& path, UINT reason) {
+    const std::wstring text = path + L"\n\n" + language_text(reason);
     MessageBoxW(GetActiveWindow(), text.c_str(), qk::kProductName, MB_ICONEXCLAMATION | MB_SETFOREGROUND);
 }
 

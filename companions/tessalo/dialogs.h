@@ -5,7 +5,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "companions/tessalo/output_choice.h"
 
@@ -16,7 +15,7 @@ class SystemSaveDialog final : public SaveDialog {
 public:
     [[nodiscard]] std::optional<std::wstring> ask(const std::wstring& folder, const std::wstring& name,
                                                   bool confirm_overwrite) override;
-    void refuse(const std::wstring& path, std::wstring_view reason) override;
+    void refuse(const std::wstring& path, UINT reason) override;
 };
 
 // Asks for a folder, with `current` selected at first; nothing when the user cancelled. The thread's COM

@@ -9,6 +9,7 @@
 #include "common/qk/text.h"
 #include "companions/system_texts.h"
 #include "job/output_name.h"
+#include "resources/ids.h"
 
 namespace companions {
 
@@ -30,7 +31,7 @@ bool is_held(const std::wstring& path) {
 std::optional<OutputFile> settle(SaveDialog& dialog, const std::wstring& path, bool confirmed, SameName rule,
                                  const NameLimits& limits) {
     if (path.size() > limits.path_units) {
-        dialog.refuse(path, L"The path is too long. Choose a shorter name or another folder.");
+        dialog.refuse(path, IDS_SAVE_TOO_LONG);
         return std::nullopt;
     }
     if ((rule == SameName::kOverwrite || rule == SameName::kAsk) && is_held(path)) {
@@ -43,7 +44,7 @@ std::optional<OutputFile> settle(SaveDialog& dialog, const std::wstring& path, b
         case Reservation::kMade:
             return OutputFile{path, true};
         case Reservation::kFailed:
-            dialog.refuse(path, L"The file cannot be made there. Choose another name or folder.");
+            dialog.refuse(path, IDS_SAVE_NOT_MADE);
             return std::nullopt;
         case Reservation::kTaken:
             break;
@@ -52,7 +53,7 @@ std::optional<OutputFile> settle(SaveDialog& dialog, const std::wstring& path, b
         return find_numbered(folder_part(path), qk::file_part(path), limits);
     if (rule == SameName::kAsk && confirmed)
         return OutputFile{path, false};
-    dialog.refuse(path, L"A file of this name exists already. Choose another name.");
+    dialog.refuse(path, IDS_SAVE_TAKEN);
     return std::nullopt;
 }
 
@@ -164,9 +165,7 @@ std::optional<OutputFile> choose_in_folder(SaveDialog& dialog, const std::wstrin
         if (result == Reservation::kTaken && rule == SameName::kNumber)
             return find_numbered(folder, title, limits);
         if (result == Reservation::kTaken && rule == SameName::kRefuse) {
-            dialog.refuse(
-                *path,
-                L"A file of this name exists already, and the print setting keeps it. No PDF is made.");
+            dialog.refuse(*path, IDS_SAVE_KEPT);
             return std::nullopt;
         }
     }

@@ -2,6 +2,8 @@
 // name.
 #pragma once
 
+#include <windows.h>
+
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -67,8 +69,9 @@ public:
                                                           const std::wstring& name,
                                                           bool confirm_overwrite) = 0;
 
-    // Tells the user why the file cannot be taken; the question is put again afterwards.
-    virtual void refuse(const std::wstring& path, std::wstring_view reason) = 0;
+    // Tells the user why the file cannot be taken, by a text of the language library; the question is put
+    // again afterwards.
+    virtual void refuse(const std::wstring& path, UINT reason) = 0;
 };
 
 // Asks until the user names a file that can be taken or cancels (nothing). ".pdf" is added where it is

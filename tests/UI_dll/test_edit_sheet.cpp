@@ -192,9 +192,22 @@ TEST_F(Saving, CheckButtonTellsEveryFaultAtOnce) {
         click(kWaterMarkPage, IDC_MARK_TEXT);
         type(kWaterMarkPage, IDC_MARK_WORDS, L"\u00A0 ");
         type(kWaterMarkPage, IDC_MARK_SIZE, L"7");
+        for (const int edit : {CMP_THRESHOLD, CMP_TARGET})
+            type(kCompressPage, IDC_CMP_GREY + edit, L"9");
+        for (const int box : {IDC_SEC_USE_OPEN, IDC_SEC_USE_PERMISSIONS})
+            click(kSecuritiesPage, box);
         check();
-        for (const UINT fault : {IDS_BAD_RESOLUTION, IDS_BAD_SCALE, IDS_MARK_NO_WORDS, IDS_MARK_BAD_SIZE})
-            EXPECT_TRUE(says(dialog_text(fault))) << fault;
+        const std::tuple<std::wstring, UINT> faults[] = {
+            {L"General – Resolution", IDS_BAD_RESOLUTION},
+            {L"General – Scaling", IDS_BAD_SCALE},
+            {L"Compression – Grey images – Images above", IDS_CMP_BAD_RESOLUTION},
+            {L"Compression – Grey images – Reduced to", IDS_CMP_BAD_RESOLUTION},
+            {L"Security – Opening the document – Password to open", IDS_SEC_NO_OPEN_PASSWORD},
+            {L"Security – Permissions – Permissions password", IDS_SEC_NO_PASSWORD},
+            {L"Watermark – Text – Text", IDS_MARK_NO_WORDS},
+            {L"Watermark – Text – Size", IDS_MARK_BAD_SIZE}};
+        for (const auto& [place, fault] : faults)
+            EXPECT_TRUE(says(place + L": " + dialog_text(fault))) << qk::to_utf8(place);
         EXPECT_TRUE(is_in_front(kGeneralPage));
         type(kGeneralPage, IDC_RESOLUTION, L"72x");
         expect_check(kGeneralPage, IDS_BAD_RESOLUTION, IDC_RESOLUTION);

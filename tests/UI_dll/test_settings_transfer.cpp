@@ -4,6 +4,7 @@
 #include "UI_dll/PDFSettings/setting_list.h"
 #include "UI_dll/settings_page_fixture.h"
 #include "companions/host/setting_check.h"
+#include "support/profile_folder.h"
 
 namespace {
 
@@ -60,7 +61,10 @@ TEST_F(SettingsPage, SelectedSettingIsToldInWords) {
 TEST_F(SettingsPage, FilesAreImportedOrRefusedInWords) {
     const std::string mark = "\xEF\xBB\xBF";
     add(L"zeta.ps4", L"zeta");  // of a name and a file that are there
-    here.folder.write(L"low.ps4", mark + R"({"PSName":"low","PSComment":[],"General":{"Scale":5}})");
+    here.folder.write(L"low.ps4", mark + R"({"PSName":"low","PSComment":[],"General":{"Scale":5},
+        "Color":{"ColorMode":9,"MonoImageFilter":9},
+        "Watermark":{"Style":9,"ZOrder":9,"FontSize":999,"Transparency":999,"PictureScale":9999},
+        "OpenAction":{"PageLayout":9,"Binding":9,"PageAdjust":9,"PageMode":9,"StartPage":9999999}})");
     here.folder.write(L"torn.ps4", mark + "{\n\"a\":");
     here.folder.write(L"bare.ps4", "{}");
     here.folder.write(L"list.ps4", mark + R"({"PSComment":[],"General":[]})");
@@ -78,12 +82,15 @@ TEST_F(SettingsPage, FilesAreImportedOrRefusedInWords) {
     EXPECT_EQ(rows(), L"alpha [low] zeta zeta(1) Office Standard");
     EXPECT_EQ(TempFolder::read(own(L"zeta")), before);
     ASSERT_EQ(Outbox::boxes.size(), 2u);
-    EXPECT_NE(Outbox::boxes[0].text.find(L"General.Scale: 5 \u2192 10"), std::wstring::npos);
+    for (const wchar_t* told :
+         {L"low.ps4: General \u2013 Scaling (%): 5 \u2192 10\n",
+          L"low.ps4: Colour \u2013 Colours of the PDF: 9 \u2192 Black and white\n", L"\n\u2026"})
+        EXPECT_NE(Outbox::boxes[0].text.find(told), std::wstring::npos) << qk::to_utf8(Outbox::boxes[0].text);
     for (const std::wstring& fault :
          {L"torn.ps4: " + qk::format(dialog_text(IDS_IMPORT_DAMAGED).c_str(), 2),
           L"bare.ps4: " + dialog_text(IDS_IMPORT_NO_SETTING),
-          L"list.ps4: " + dialog_text(IDS_IMPORT_WRONG_KIND), L"old.ps4: " + dialog_text(IDS_IMPORT_LEGACY),
-          L"gone.ps4: " + dialog_text(IDS_IMPORT_UNREADABLE)})
+          L"list.ps4: " + qk::format(dialog_text(IDS_IMPORT_WRONG_KIND).c_str(), L"General"),
+          L"old.ps4: " + dialog_text(IDS_IMPORT_LEGACY), L"gone.ps4: " + dialog_text(IDS_IMPORT_UNREADABLE)})
         EXPECT_NE(Outbox::boxes[1].text.find(fault), std::wstring::npos)
             << qk::to_utf8(Outbox::boxes[1].text);
 }

@@ -2,6 +2,7 @@
 
 #include "companions/reservation.h"
 #include "companions/wine_layer.h"
+#include "support/installation.h"
 #include "support/render_process.h"
 
 TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
@@ -116,6 +117,24 @@ TEST_F(RenderProcess, FailuresAreToldAndLeaveTheOldFile) {
         EXPECT_EQ(result_.view()->caption.find_text(), L"Corvanta Vantrix 8.0");
         EXPECT_EQ(TempFolder::read(old), "old");
         EXPECT_EQ(folder_.count(), files) << "nothing half-written stays";
+    }
+}
+
+// Those that name a profile of Windows get one that is there everywhere.
+TEST_F(RenderProcess, ReadySettingsMakePdfs) {
+    const std::tuple<std::wstring, const wchar_t*> rows[] = {
+        {L"smallest", nullptr},  {L"everyday", nullptr}, {L"quality", nullptr},
+        {L"protected", nullptr}, {L"archive", L"srgb"},  {L"press", L"default_cmyk"}};
+    for (const auto& [name, profile] : rows) {
+        SCOPED_TRACE(qk::to_utf8(name));
+        spool_ = folder_.write(L"job.ps", kTwoPages);
+        EXPECT_TRUE(settings_.Load(Installation::built(L"Settings\\" + name + L".ps4")));
+        if (profile)
+            settings_.pdfVersion()->ICCFileName =
+                qk::format(L"Z:\\usr\\share\\color\\icc\\ghostscript\\%s.icc", profile);
+        EXPECT_EQ(run(), kDone) << qk::to_utf8(message());
+        EXPECT_TRUE(pdf().starts_with("%PDF-"));
+        DeleteFileW(target_.c_str());
     }
 }
 

@@ -102,7 +102,7 @@ public:
         confirmed = asks;
         return asked == answers.size() ? std::nullopt : std::optional(answers[asked++]);
     }
-    void refuse(const std::wstring&, std::wstring_view) override { ++refusals; }
+    void refuse(const std::wstring&, UINT) override { ++refusals; }
 
     std::vector<std::wstring> answers;
     size_t asked = 0;

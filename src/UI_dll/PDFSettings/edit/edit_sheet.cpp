@@ -2,13 +2,12 @@
 
 #include <commctrl.h>
 
-#include <algorithm>
 #include <array>
 #include <utility>
-#include <vector>
 
 #include "UI_dll/PDFSettings/controls.h"
 #include "UI_dll/PDFSettings/edit/changes_box.h"
+#include "UI_dll/PDFSettings/edit/check_settings.h"
 #include "UI_dll/PDFSettings/edit/page_table.h"
 #include "UI_dll/PDFSettings/edit/restore_defaults.h"
 #include "UI_dll/PDFSettings/edit/sheet_frame.h"
@@ -38,44 +37,7 @@ bool is_new_sheet() {
     return value != 0;
 }
 
-// --- The check button and help ---
-
-std::vector<Finding> find_faults() {
-    struct Collecting {
-        std::vector<Finding> findings;
-        Collecting() { dialog_state().sheet.findings = &findings; }
-        ~Collecting() { dialog_state().sheet.findings = nullptr; }
-        Collecting(const Collecting&) = delete;
-        Collecting& operator=(const Collecting&) = delete;
-    } collecting;
-    for (size_t page = 0; page < kPageCount; ++page)
-        (void)check_page(static_cast<PageIndex>(page));
-    return std::move(collecting.findings);
-}
-
-// Turns to the control, whatever the page in front thinks of itself.
-void go_to(HWND sheet, const Finding& finding) {
-    const auto& pages = dialog_state().sheet.pages;
-    const auto index = std::ranges::find(pages, finding.page) - pages.begin();
-    dialog_state().sheet.opening = true;
-    SendMessageW(sheet, PSM_SETCURSEL, static_cast<WPARAM>(index), 0);
-    dialog_state().sheet.opening = false;
-    if (const HWND control = GetDlgItem(finding.page, finding.control))
-        SetFocus(control);
-}
-
-void check_all(HWND sheet) {
-    const std::vector<Finding> findings = find_faults();
-    if (findings.empty()) {
-        show_message(sheet, dialog_text(IDS_CHECKED), IDS_REFUSED, MB_OK | MB_ICONINFORMATION);
-        return;
-    }
-    std::wstring text;
-    for (const Finding& finding : findings)
-        text += L"\n\n" + window_text(finding.page) + L": " + finding.text;
-    show_message(sheet, dialog_text(IDS_CHECK_FOUND) + text, IDS_REFUSED, MB_OK | MB_ICONERROR);
-    go_to(sheet, findings.front());
-}
+// --- Buttons of ours ---
 
 void show_help_on_page(HWND sheet) {
     const auto front = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
@@ -90,7 +52,7 @@ using Operation = void(HWND);
 Operation* operation_of(WORD button) noexcept {
     switch (button) {
         case kApplyButton:
-            return &check_all;
+            return &check_settings;
         case IDC_RESTORE:
             return &restore_defaults;
         case IDC_SHEET_HELP:

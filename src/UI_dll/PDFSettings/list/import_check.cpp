@@ -1,14 +1,18 @@
 #include "UI_dll/PDFSettings/list/import_check.h"
 
 #include <cmath>
+#include <map>
 #include <optional>
 #include <stdexcept>
+#include <string>
 #include <string_view>
+#include <type_traits>
+#include <vector>
 
 #include "UI_dll/PDFSettings/messages.h"
 #include "common/qk/text.h"
 #include "common/qk/wipe.h"
-#include "print_settings/display.h"
+#include "print_settings/differences.h"
 #include "print_settings/ps4_reader.h"
 #include "print_settings/ps4_writer.h"
 #include "print_settings/setting_file.h"
@@ -19,11 +23,16 @@ namespace pdf_settings {
 namespace {
 
 constexpr size_t kMarkBytes = 3;
-constexpr size_t kMostCorrected = 12;  // that a message box shows
+constexpr size_t kMostCorrected = 13;  // one more than the message shows, which then says that there are more
+
+// Of a text of the file's own that stands in a line.
+std::wstring shortened(const std::wstring& text) {
+    constexpr size_t kMostUnits = 60;
+    return std::wstring(qk::cut(text, kMostUnits));
+}
 
 std::wstring shown(const picojson::value& value) {
-    constexpr size_t kMostUnits = 60;
-    return std::wstring(qk::cut(qk::to_wide(value.serialize()), kMostUnits));
+    return shortened(qk::to_wide(value.serialize()));
 }
 
 // Numbers that have decimals are kept in single precision; an integer may stand for its bits.
@@ -35,17 +44,69 @@ bool same(const picojson::value& given, const picojson::value& used) {
     return difference <= 1e-6 * std::abs(given.get<double>()) || difference == kBeyondAllOnes;
 }
 
+std::wstring place_in(const std::wstring& path, const std::string& key) {
+    return path.empty() ? qk::to_wide(key) : path + L'.' + qk::to_wide(key);
+}
+
+// Where the value stands; nothing when it is none of the document's.
+std::optional<std::wstring> find_place(const picojson::value& document, const picojson::value* wanted,
+                                       const std::wstring& path) {
+    if (&document == wanted)
+        return path;
+    if (document.is<picojson::object>())
+        for (const auto& [key, value] : document.get<picojson::object>())
+            if (auto found = find_place(value, wanted, place_in(path, key)))
+                return found;
+    if (document.is<picojson::array>())
+        for (const picojson::value& value : document.get<picojson::array>())
+            if (auto found = find_place(value, wanted, path))
+                return found;
+    return std::nullopt;
+}
+
+// What the pages call a field and its value.
+struct Words {
+    std::wstring name, value;
+};
+using WordsByPlace = std::map<std::wstring, Words>;
+
+template <class Section>
+void add_words(const std::wstring& place, const std::wstring& name, const Section& section,
+               WordsByPlace& words);
+
+template <class Value>
+void add_word(const std::wstring& section_place, const std::wstring& section_name, const ps::FieldInfo& field,
+              const Value& value, WordsByPlace& words) {
+    const std::wstring place = place_in(section_place, field.key);
+    const std::wstring name = ps::display::join(section_name, field);
+    if constexpr (ps::SectionHandle<Value>)
+        add_words(place, name, *value, words);
+    else if constexpr (std::is_same_v<Value, ps::Box>)
+        add_words(place, name, value, words);
+    else if constexpr (requires { ps::display::show(field, value); })
+        words[place] = {name,
+                        field.shown == ps::Shown::kSecret ? std::wstring() : ps::display::show(field, value)};
+}
+
+template <class Section>
+void add_words(const std::wstring& place, const std::wstring& name, const Section& section,
+               WordsByPlace& words) {
+    ps::for_each_field<Section>(
+        [&](const auto& field) { add_word(place, name, field, section.*field.member, words); });
+}
+
 void compare(const std::wstring& path, const picojson::value& given, const picojson::value& used,
-             std::vector<std::wstring>& corrected) {
+             const WordsByPlace& words, std::vector<std::wstring>& corrected) {
     if (given.is<picojson::object>() && used.is<picojson::object>()) {
         const auto& members = used.get<picojson::object>();
         for (const auto& [key, value] : given.get<picojson::object>())
             if (const auto found = members.find(key); found != members.end())
-                compare(path.empty() ? qk::to_wide(key) : path + L'.' + qk::to_wide(key), value,
-                        found->second, corrected);
+                compare(place_in(path, key), value, found->second, words, corrected);
     } else if (!same(given, used) && corrected.size() < kMostCorrected) {
+        const auto found = words.find(path);
+        const Words told = found != words.end() ? found->second : Words{shortened(path), shown(used)};
         const bool is_secret = path.ends_with(L"Password");
-        corrected.push_back(is_secret ? path : ps::Changed2Str(path, shown(given), shown(used)));
+        corrected.push_back(is_secret ? told.name : ps::Changed2Str(told.name, shown(given), told.value));
     }
 }
 
@@ -67,14 +128,18 @@ std::wstring load_text(std::string_view text, Setting& setting, std::vector<std:
         if (!ps::json::try_parse(text, document, &fault))
             return damaged(fault);
         ps::read_setting(document, *setting, false);
-    } catch (const ps::json::WrongKind&) {
-        return dialog_text(IDS_IMPORT_WRONG_KIND);
+    } catch (const ps::json::WrongKind& wrong) {
+        const std::wstring place = shortened(find_place(document, wrong.found, {}).value_or(L"PSComment"));
+        return place.empty() ? dialog_text(IDS_IMPORT_NO_SETTING)
+                             : qk::format(dialog_text(IDS_IMPORT_WRONG_KIND).c_str(), place.c_str());
     } catch (const std::overflow_error&) {
         return damaged(fault);
     }
     picojson::value used = ps::write_setting(*setting);
     const ps::PasswordsWipedAtEnd used_wiped(used);
-    compare({}, document, used, corrected);
+    WordsByPlace words;
+    add_words({}, {}, *setting, words);
+    compare({}, document, used, words, corrected);
     return {};
 }
 

@@ -9,8 +9,9 @@
 namespace pdf_settings {
 
 struct ImportCheck {
-    std::wstring fault;                   // why it is no setting; empty: it is one, and is loaded
-    std::vector<std::wstring> corrected;  // "General.Scale: 5 -> 10": what it gives and what is used instead
+    std::wstring fault;  // why it is no setting; empty: it is one, and is loaded
+    // "General - Scaling (%): 5 -> 10": what it gives and what is used instead, in the words of the pages.
+    std::vector<std::wstring> corrected;
 };
 
 // Loads the file as a job would. What the file gives and the loader does not take as it is, is told; secrets

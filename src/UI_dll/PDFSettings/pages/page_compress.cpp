@@ -142,8 +142,11 @@ bool check_image(HWND page, const ImageControls& image) {
         return true;
     const auto threshold = threshold_of(image.base).find(page);
     const auto target = target_of(image.base).find(page);
+    if ((!threshold && !refuse(page, image.base + CMP_THRESHOLD, IDS_CMP_BAD_RESOLUTION)) ||
+        (!target && !refuse(page, image.base + CMP_TARGET, IDS_CMP_BAD_RESOLUTION)))
+        return false;
     if (!threshold || !target)
-        return refuse(page, image.base + (threshold ? CMP_TARGET : CMP_THRESHOLD), IDS_CMP_BAD_RESOLUTION);
+        return true;  // both are told
     const std::array together = {image.base + CMP_SAMPLING, image.base + CMP_THRESHOLD,
                                  image.base + CMP_TARGET};
     return *target <= *threshold || !is_touched(page, together) ||

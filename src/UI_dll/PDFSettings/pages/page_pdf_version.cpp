@@ -265,9 +265,10 @@ bool dlg_killactive_PDFVersion(HWND page) {
     if (!is_standard(section.Version))
         return true;
     const bool press = is_press_standard(section.Version);
-    const int bad_margin = press ? find_bad_margin(page) : 0;
-    if (bad_margin && !refuse(page, bad_margin, IDS_PV_BAD_MARGIN))
-        return false;
+    const std::vector<int> bad_margins = press ? find_bad_margins(page) : std::vector<int>();
+    for (const int margin : bad_margins)
+        if (!refuse(page, margin, IDS_PV_BAD_MARGIN))
+            return false;
     if (is_other_profile(page) && !icc::find_profile(section.ICCFileName) &&
         !refuse(page, IDC_PV_PROFILE, IDS_PV_NO_PROFILE))
         return false;
@@ -279,7 +280,7 @@ bool dlg_killactive_PDFVersion(HWND page) {
     const PDFVersion_impl& loaded = *loaded_setting().pdfVersion();
     const bool has_other_boxes =
         is_other_version(page) || section.TrimBox != loaded.TrimBox || section.BleedBox != loaded.BleedBox;
-    return bad_margin || !has_other_boxes || job::is_trim_inside_bleed(section) ||
+    return !bad_margins.empty() || !has_other_boxes || job::is_trim_inside_bleed(section) ||
            refuse(page, box_to_mend(page, section), IDS_PV_BAD_BOXES);
 }
 

@@ -45,13 +45,14 @@ void store_boxes(HWND page, PDFVersion_impl& section) {
         }
 }
 
-int find_bad_margin(HWND page) {
+std::vector<int> find_bad_margins(HWND page) {
+    std::vector<int> bad;
     for (const BoxControls& box : kBoxes)
         for (int edit = box.first_edge; edit < box.first_edge + static_cast<int>(kEdges.size()); ++edit)
             if (is_checked(page, box.use) && is_touched(page, std::array{box.use, edit}) &&
                 !find_margin(control_text(page, edit)))
-                return edit;
-    return 0;
+                bad.push_back(edit);
+    return bad;
 }
 
 int box_to_mend(HWND page, const PDFVersion_impl& section) {

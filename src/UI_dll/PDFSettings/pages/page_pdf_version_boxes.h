@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <vector>
+
 #include "print_settings/PrintSettings.h"
 
 namespace pdf_settings {
@@ -16,8 +18,8 @@ void store_boxes(HWND page, Corvanta::Vantrix::PrintSettings::PDFVersion_impl& s
 // Greys both boxes, or offers them and greys the margins of one that is not used.
 void enable_boxes(HWND page, bool offered);
 
-// The first edit of the used boxes that holds no margin, of what was touched; or 0.
-[[nodiscard]] int find_bad_margin(HWND page);
+// The edits of the used boxes that hold no margin, of what was touched.
+[[nodiscard]] std::vector<int> find_bad_margins(HWND page);
 
 // The control to put the boxes right with when the trim box is not inside the bleed box: the first bleed
 // margin that is too large, where it can be typed in, else the trim margin of that edge, else what makes them

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -44,6 +45,23 @@ struct PasswordControls {
 };
 constexpr PasswordControls kOpen = {IDC_SEC_USE_OPEN, IDC_SEC_OPEN_PASSWORD, IDC_SEC_OPEN_LABEL};
 constexpr PasswordControls kPermissions = {IDC_SEC_USE_PERMISSIONS, IDC_SEC_PASSWORD, IDC_SEC_PASSWORD_LABEL};
+
+// What is told of a fault, and where it is mended.
+struct FaultControls {
+    PasswordFault fault;
+    int edit;
+    UINT text;
+    UINT icon = MB_ICONERROR;
+};
+constexpr FaultControls kFaults[] = {
+    {PasswordFault::kSame, IDC_SEC_OPEN_PASSWORD, IDS_SEC_SAME_PASSWORDS},
+    {PasswordFault::kNoOpen, IDC_SEC_OPEN_PASSWORD, IDS_SEC_NO_OPEN_PASSWORD, MB_ICONEXCLAMATION},
+    {PasswordFault::kNoPermissions, IDC_SEC_PASSWORD, IDS_SEC_NO_PASSWORD, MB_ICONEXCLAMATION},
+    {PasswordFault::kPermissionsCharacter, IDC_SEC_PASSWORD, IDS_SEC_BAD_CHARACTER},
+    {PasswordFault::kOpenCharacter, IDC_SEC_OPEN_PASSWORD, IDS_SEC_BAD_CHARACTER},
+    {PasswordFault::kPermissionsTooLong, IDC_SEC_PASSWORD, IDS_SEC_TOO_LONG},
+    {PasswordFault::kOpenTooLong, IDC_SEC_OPEN_PASSWORD, IDS_SEC_TOO_LONG},
+};
 
 // The passwords whose check boxes were cleared.
 struct SecurityHelper final : PageHelper {
@@ -191,27 +209,18 @@ bool dlg_validate_Securities(HWND page) {
     };
     const bool needs_open = is_checked(page, IDC_SEC_USE_OPEN);
     const bool needs_permissions = is_checked(page, IDC_SEC_USE_PERMISSIONS);
-    const auto fault = find_password_fault(
-        version, {open, permissions, needs_open, needs_permissions, is_new(kOpen), is_new(kPermissions)});
-    if (!fault)
-        return true;
-    switch (*fault) {
-        case PasswordFault::kSame:
-            return refuse(page, IDC_SEC_OPEN_PASSWORD, IDS_SEC_SAME_PASSWORDS);
-        case PasswordFault::kNoOpen:
-            return refuse(page, IDC_SEC_OPEN_PASSWORD, IDS_SEC_NO_OPEN_PASSWORD, MB_ICONEXCLAMATION);
-        case PasswordFault::kNoPermissions:
-            return refuse(page, IDC_SEC_PASSWORD, IDS_SEC_NO_PASSWORD, MB_ICONEXCLAMATION);
-        case PasswordFault::kPermissionsCharacter:
-            return refuse(page, IDC_SEC_PASSWORD, IDS_SEC_BAD_CHARACTER);
-        case PasswordFault::kOpenCharacter:
-            return refuse(page, IDC_SEC_OPEN_PASSWORD, IDS_SEC_BAD_CHARACTER);
-        case PasswordFault::kPermissionsTooLong:
-            return refuse(page, IDC_SEC_PASSWORD, IDS_SEC_TOO_LONG);
-        case PasswordFault::kOpenTooLong:
+    PasswordChoice choice = {open,          permissions,         needs_open, needs_permissions,
+                             is_new(kOpen), is_new(kPermissions)};
+    while (const auto fault = find_password_fault(version, choice)) {
+        const auto& told = *std::ranges::find(kFaults, *fault, &FaultControls::fault);
+        if (!refuse(page, told.edit, told.text, told.icon))
+            return false;
+        if (*fault == PasswordFault::kSame)
             break;
+        // Every fault is asked for: the other password may have one, too.
+        (told.edit == kOpen.edit ? choice.is_open_new : choice.is_permissions_new) = false;
     }
-    return refuse(page, IDC_SEC_OPEN_PASSWORD, IDS_SEC_TOO_LONG);
+    return true;
 }
 
 bool dlg_killactive_Securities(HWND page) {
