@@ -1,5 +1,6 @@
 // From STARTDOCPRE to the published records.
 #include "common/driver_util.h"
+#include "common/qk/override_ini.h"
 #include "common/teskel_custom_2021.h"
 #include "job/job_fixture.h"
 
@@ -163,6 +164,10 @@ TEST_F(JobTest, OverrideFileSetsTheFolderWhileItsVersionCounts) {
         run_job();
         EXPECT_EQ(folder, wanted) << version << lines;
     }
+    here.write_ini("MessageID=5");
+    EXPECT_EQ(qk::OverrideIni().message_id(), 5u);
+    const ImportPatch pipe("GetFileType", always<DWORD{FILE_TYPE_PIPE}>());
+    EXPECT_EQ(qk::OverrideIni().message_id(), 11u) << "whatever has the name is read";
 }
 
 TEST_F(JobTest, ChosenFileIsCheckedUnlessTheJobModeForbids) {

@@ -123,9 +123,11 @@ TEST_F(PrintSettingsAdmin, UsersFolderLiftsNothingAndNoUserIsBelievedForAnother)
         EXPECT_EQ(restricted_to(), restriction);
         EXPECT_EQ(trusted == folder_.path() + L"\\", users_folder != other.path());
     }
-    registry_.set_text(kKey, kFolder, L"relative\\");
     users.set_text(kKey, kFolder, L"");
-    EXPECT_EQ(qk::install_folder() + qk::machine_install_folder(), L"");
+    for (const wchar_t* folder : {L"relative\\", L"\\\\.\\pipe\\"}) {
+        registry_.set_text(kKey, kFolder, folder);
+        EXPECT_EQ(qk::install_folder() + qk::machine_install_folder(), L"");
+    }
 }
 
 TEST_F(PrintSettingsAdmin, AFileThatCannotBeReadFailsEveryLoad) {
