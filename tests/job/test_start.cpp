@@ -2,6 +2,7 @@
 #include "common/driver_util.h"
 #include "common/qk/override_ini.h"
 #include "common/teskel_custom_2021.h"
+#include "companions/host/record_fields.h"
 #include "job/job_fixture.h"
 
 namespace {
@@ -250,6 +251,8 @@ TEST_F(JobTest, BlocksWithoutMemoryBehindThemCountAsAbsent) {
         const OtherSide<char> block(name, 200'000, SEC_RESERVE);
         ASSERT_TRUE(block);
         run_job([] {}, left);
+        const DWORD thread = GetCurrentThreadId();
+        EXPECT_FALSE(host::find_start_record(thread) || host::find_result_record(thread));
     }
 }
 
