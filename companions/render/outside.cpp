@@ -12,6 +12,7 @@
 #include "common/qk/text.h"
 #include "companions/command_line.h"
 #include "companions/render/cancelling.h"
+#include "job/output_name.h"
 
 namespace companions::render {
 
@@ -58,10 +59,10 @@ void open_with_viewer(const std::wstring& pdf) {
         [](wchar_t* buffer, DWORD units) { return GetEnvironmentVariableW(L"ZR_VIEWER", buffer, units); });
     if (viewer == L"none")
         return;
-    if (viewer.empty())
-        ShellExecuteW(nullptr, nullptr, pdf.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
-    else
+    if (!viewer.empty())
         start({viewer, pdf});
+    else if (ends_in_pdf(pdf))  // other names, which the record's writers choose, may be those of programs
+        ShellExecuteW(nullptr, nullptr, pdf.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
 }
 
 }  // namespace companions::render
