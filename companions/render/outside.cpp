@@ -9,9 +9,11 @@
 #include <vector>
 
 #include "common/qk/handle.h"
+#include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/command_line.h"
 #include "companions/render/cancelling.h"
+#include "companions/system_texts.h"
 #include "job/output_name.h"
 
 namespace companions::render {
@@ -19,7 +21,10 @@ namespace companions::render {
 namespace {
 
 // The process, empty when it could not be started.
-qk::HandleObj start(const std::vector<std::wstring>& words) {
+qk::HandleObj start(std::vector<std::wstring> words) {
+    words[0] = find_program(words[0]);
+    if (words[0].empty())
+        return {};
     std::wstring line = command_line(words);
     STARTUPINFOW startup = {sizeof startup};
     PROCESS_INFORMATION made = {};
@@ -40,8 +45,8 @@ StagePrograms::StagePrograms(const std::wstring& document, std::wstring pdf) : p
         return;
     const TeskelCustom2021 programs(document);
     for (size_t stage = 0; stage < std::size(programs_); ++stage)
-        if (programs.HasExe(stage))
-            programs_[stage] = programs.getExeName(stage);
+        if (std::wstring name = programs.getExeName(stage); qk::is_full_path(name) && programs.HasExe(stage))
+            programs_[stage] = std::move(name);
 }
 
 void StagePrograms::run(size_t stage, unsigned page) const {
