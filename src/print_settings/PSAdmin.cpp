@@ -1,5 +1,7 @@
 #include "print_settings/PSAdmin.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -50,12 +52,22 @@ bool read_file(const std::wstring& path, std::string& bytes, Restriction& restri
     return read;
 }
 
+// One of which nobody can tell holds too, and then refuses: a user cannot lift restrictions by keeping the
+// machine's folder out of reach.
+bool is_absent(const std::wstring& path) noexcept {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES)
+        return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const DWORD error = GetLastError();
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_INVALID_NAME;
+}
+
 }  // namespace
 
 std::vector<std::wstring> find_files(const std::wstring& install_folder) {
     std::vector<std::wstring> files;
     const auto add_from = [&files](const std::wstring& folder) {
-        if (std::wstring path = folder + kFileName; !folder.empty() && qk::is_file(path))
+        if (std::wstring path = folder + kFileName; !folder.empty() && !is_absent(path))
             files.push_back(std::move(path));
     };
     const std::wstring machine = qk::machine_install_folder();

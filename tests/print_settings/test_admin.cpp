@@ -144,4 +144,8 @@ TEST_F(PrintSettingsAdmin, AFileThatCannotBeReadFailsEveryLoad) {
     EXPECT_EQ(restriction.PDFFileName, L"before");
     EXPECT_TRUE(settings_.Load(user_path_));
     EXPECT_FALSE(settings_.Load(folder_.file(L"missing.ps4")) || settings_.Load(folder_.path()));
+    DeleteFileW(folder_.file(kFile).c_str());
+    EXPECT_FALSE(fails());
+    const ImportPatch away("GetFileAttributesW", always<INVALID_FILE_ATTRIBUTES, DWORD{ERROR_BAD_NETPATH}>());
+    EXPECT_TRUE(fails()) << "a folder that cannot be reached lifts nothing";
 }
