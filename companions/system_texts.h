@@ -27,6 +27,15 @@ namespace companions {
     });
 }
 
+// The full path of a program that is named without a folder, on the path: never in the current folder, which
+// is the printing program's.
+[[nodiscard]] inline std::wstring find_program(const std::wstring& name) {
+    const std::wstring folders = variable(L"PATH");
+    return qk::grow_until_it_fits([&](wchar_t* buffer, DWORD units) {
+        return SearchPathW(folders.c_str(), name.c_str(), L".exe", units, buffer, nullptr);
+    });
+}
+
 // What stands before the file's name, with its trailing backslash.
 [[nodiscard]] inline std::wstring folder_part(const std::wstring& path) {
     return path.substr(0, path.size() - qk::file_part(path).size());

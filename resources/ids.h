@@ -79,6 +79,7 @@
 #define IDS_SAVE_NOT_MADE 1082
 #define IDS_SAVE_TAKEN 1083
 #define IDS_SAVE_KEPT 1084
+#define IDS_SAVE_HELD 1085
 
 // Why the renderer has made no PDF.
 #define IDS_RENDER_SETTING_UNREADABLE 20350

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 
 #include "common/qk/handle.h"
+#include "common/qk/memory_probe.h"
 #include "common/qk/text.h"
 
 namespace host {
@@ -20,9 +20,8 @@ std::optional<Record> find_record(const wchar_t* pattern, DWORD thread) {
     const qk::View view(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, sizeof(Record)));
     if (!view)
         return std::nullopt;
-    Record record;
-    std::memcpy(&record, view.get(), sizeof record);
-    return record;
+    Record record;  // the block is anybody's: its memory may not be there
+    return qk::try_copy(&record, view.get(), sizeof record) ? std::optional(record) : std::nullopt;
 }
 
 Field number(const wchar_t* name, uint32_t value) {

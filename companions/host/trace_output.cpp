@@ -56,8 +56,7 @@ LONG CALLBACK take_debug_output(EXCEPTION_POINTERS* exception) noexcept {
 
 TraceOutput::TraceOutput(DWORD level, DebugLineSeen seen) : switch_(kSwitchName), handler_(nullptr) {
     line_seen = std::move(seen);
-    if (switch_.view())
-        *switch_.view() = level;
+    switch_.write(level);
     handler_ = AddVectoredExceptionHandler(1, &take_debug_output);
 }
 

@@ -115,9 +115,7 @@ qk::FileObj open_inheritable(const std::wstring& path, DWORD access, DWORD dispo
 }
 
 qk::HandleObj start(const std::wstring& program, std::wstring command_line, const std::wstring& log) {
-    std::wstring found = qk::grow_until_it_fits([&program](wchar_t* buffer, DWORD units) {
-        return SearchPathW(nullptr, program.c_str(), L".exe", units, buffer, nullptr);
-    });
+    const std::wstring found = find_program(program);
     if (found.empty())
         return {};
     const qk::FileObj output = open_inheritable(log, FILE_APPEND_DATA, CREATE_ALWAYS);

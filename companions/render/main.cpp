@@ -25,22 +25,26 @@ template <class Record>
 class JobBlock {
 public:
     JobBlock(const wchar_t* name, DWORD thread) : block_(qk::format(name, static_cast<int>(thread))) {}
-    [[nodiscard]] Record* find() const noexcept { return block_.created() ? nullptr : block_.view(); }
-    [[nodiscard]] bool read(Record& record) const noexcept { return find() && block_.read(record); }
+    [[nodiscard]] bool read(Record& record) const noexcept {
+        return !block_.created() && block_.read(record);
+    }
+    bool write(const Record& record) const noexcept { return !block_.created() && block_.write(record); }
 
 private:
     qk::MMF<Record> block_;
 };
 
-int report(const Rendered& rendered, const Arguments& arguments, ZRTKPrintInfo* record) {
+int report(const Rendered& rendered, const Arguments& arguments, const JobBlock<ZRTKPrintInfo>& block) {
     const Result& result = rendered.result;
     if (result.code != ResultCode::kDone)
         warn("error " + std::to_string(static_cast<uint32_t>(result.code)) + ": " +
              qk::to_utf8(result.message));
-    if (!record)
+    ZRTKPrintInfo record = {};
+    if (!block.read(record))
         warn("the job has no result record");
-    else if (!publish(result, arguments.arena, *record))
+    else if (!publish(result, arguments.arena, record))
         warn("the printing process's memory could not be written, error " + std::to_string(GetLastError()));
+    block.write(record);
     return result.code == ResultCode::kDone ? kExitDone : kExitFailed;
 }
 
@@ -70,7 +74,7 @@ int run(std::span<const wchar_t* const> words) {
     if (rendered.result.code != ResultCode::kDone && cancelled())
         return kExitFailed;  // whoever has cancelled the job is told nothing
     const JobBlock<ZRTKPrintInfo> result_block(kResultBlockName, parsed.arguments.thread);
-    return report(rendered, parsed.arguments, result_block.find());
+    return report(rendered, parsed.arguments, result_block);
 }
 
 }  // namespace

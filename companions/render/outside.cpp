@@ -9,16 +9,21 @@
 #include <vector>
 
 #include "common/qk/handle.h"
+#include "common/qk/paths.h"
 #include "companions/command_line.h"
 #include "companions/render/cancelling.h"
 #include "companions/system_texts.h"
+#include "job/output_name.h"
 
 namespace companions::render {
 
 namespace {
 
 // The process, empty when it could not be started.
-qk::HandleObj start(const std::vector<std::wstring>& words) {
+qk::HandleObj start(std::vector<std::wstring> words) {
+    words[0] = find_program(words[0]);
+    if (words[0].empty())
+        return {};
     std::wstring line = command_line(words);
     STARTUPINFOW startup = {sizeof startup};
     PROCESS_INFORMATION made = {};
@@ -39,8 +44,8 @@ StagePrograms::StagePrograms(const std::wstring& document, std::wstring pdf) : p
         return;
     const TeskelCustom2021 programs(document);
     for (size_t stage = 0; stage < std::size(programs_); ++stage)
-        if (programs.HasExe(stage))
-            programs_[stage] = programs.getExeName(stage);
+        if (std::wstring name = programs.getExeName(stage); qk::is_full_path(name) && programs.HasExe(stage))
+            programs_[stage] = std::move(name);
 }
 
 void StagePrograms::run(size_t stage, unsigned page) const {
@@ -57,10 +62,10 @@ void open_with_viewer(const std::wstring& pdf) {
     const std::wstring viewer = variable(L"ZR_VIEWER");
     if (viewer == L"none")
         return;
-    if (viewer.empty())
-        ShellExecuteW(nullptr, nullptr, pdf.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
-    else
+    if (!viewer.empty())
         start({viewer, pdf});
+    else if (ends_in_pdf(pdf))  // other names, which the record's writers choose, may be those of programs
+        ShellExecuteW(nullptr, nullptr, pdf.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
 }
 
 }  // namespace companions::render

@@ -24,7 +24,8 @@ private:
     std::wstring programs_[4];
 };
 
-// Opens the PDF with the program that ZR_VIEWER names, or else the user's own; "none" opens nothing.
+// Opens the PDF with the program that ZR_VIEWER names, or else, where its name ends in ".pdf", the user's
+// own; "none" opens nothing.
 void open_with_viewer(const std::wstring& pdf);
 
 }  // namespace companions::render

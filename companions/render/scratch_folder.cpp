@@ -36,12 +36,12 @@ std::wstring user_sid() {
 
 bool make_private_folder(const std::wstring& path) {
     const std::wstring sid = user_sid();
-    const std::wstring rules = sid.empty() ? std::wstring() : L"D:P(A;OICI;FA;;;" + sid + L")";
+    const std::wstring rules = L"D:P(A;OICI;FA;;;" + sid + L")";
     qk::LocalMemory descriptor;
-    SECURITY_ATTRIBUTES attributes = {sizeof attributes, nullptr, FALSE};
-    if (!rules.empty() && ConvertStringSecurityDescriptorToSecurityDescriptorW(rules.c_str(), SDDL_REVISION_1,
-                                                                               descriptor.put(), nullptr))
-        attributes.lpSecurityDescriptor = descriptor.get();
+    if (sid.empty() || !ConvertStringSecurityDescriptorToSecurityDescriptorW(rules.c_str(), SDDL_REVISION_1,
+                                                                             descriptor.put(), nullptr))
+        return false;  // others could read the passwords in it
+    SECURITY_ATTRIBUTES attributes = {sizeof attributes, descriptor.get(), FALSE};
     return CreateDirectoryW(path.c_str(), &attributes);
 }
 

@@ -10,6 +10,7 @@
 
 #include "common/qk/memory_probe.h"
 #include "common/qk/paths.h"
+#include "common/qk/process.h"
 #include "common/qk/registry.h"
 #include "common/qk/text.h"
 #include "companions/system_texts.h"
@@ -27,15 +28,6 @@ std::wstring ini_text(const std::wstring& ini_path, const wchar_t* key) {
     });
 }
 
-// A service's windows come on a station of their own, where nobody sees them.
-bool has_visible_station() noexcept {
-    USEROBJECTFLAGS flags = {};
-    DWORD size = 0;
-    const HWINSTA station = GetProcessWindowStation();
-    return station && (!GetUserObjectInformationW(station, UOI_FLAGS, &flags, sizeof flags, &size) ||
-                       (flags.dwFlags & WSF_VISIBLE));
-}
-
 std::wstring documents_folder() {
     wchar_t folder[MAX_PATH + 1] = {};
     return SHGetSpecialFolderPathW(nullptr, folder, CSIDL_PERSONAL, TRUE) ? std::wstring(folder)
@@ -45,7 +37,7 @@ std::wstring documents_folder() {
 }  // namespace
 
 bool unattended(const std::wstring& ini_path) {
-    if (!has_visible_station())
+    if (!qk::has_visible_station())
         return true;
     std::wstring choice = variable(L"ZR_UNATTENDED");
     if (choice.empty())

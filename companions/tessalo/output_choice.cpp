@@ -35,7 +35,7 @@ std::optional<OutputFile> settle(SaveDialog& dialog, const std::wstring& path, b
         return std::nullopt;
     }
     if ((rule == SameName::kOverwrite || rule == SameName::kAsk) && is_held(path)) {
-        dialog.refuse(path, L"The file is open in another program, or protected. Choose another name.");
+        dialog.refuse(path, IDS_SAVE_HELD);
         return std::nullopt;
     }
     if (rule == SameName::kOverwrite)

@@ -18,23 +18,21 @@ constexpr LONG kFailure = -1;
 constexpr DWORD kAdvancedMode = DM_COPY | DM_PROMPT | DM_MODIFY | 16;  // 16: the advanced page
 
 BOOL convert_devmode(LPWSTR printer, DEVMODEW* source, DEVMODEW* target, DWORD* needed, DWORD mode) {
-    constexpr DWORD kLeastSize = 64;
     if (!qk::is_writable(needed, sizeof *needed)) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    const DWORD size = *needed;
     const ConvertResult result = CommonDrvConvertDevmode(source, target, needed, mode);
     if (result != ConvertResult::kCallerFinishes || mode != kDriverDefault)
         return result == ConvertResult::kDone;
     qk::PrinterHandleObj handle;
     // Without a name the system would open the print server.
-    if (size < kLeastSize || *needed < kLeastSize || !qk::is_writable(target, kDriverDevmodeSize) ||
-        !printer || !OpenPrinterW(printer, handle.put(), nullptr)) {
+    const DriverDevmode standard = default_devmode();
+    if (!qk::is_writable(target, kDriverDevmodeSize) || !printer ||
+        !OpenPrinterW(printer, handle.put(), nullptr) || !qk::try_copy(target, &standard, sizeof standard)) {
         SetLastError(ERROR_INVALID_DATA);
         return FALSE;
     }
-    *reinterpret_cast<DriverDevmode*>(target) = default_devmode();
     return TRUE;
 }
 

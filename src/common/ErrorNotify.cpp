@@ -7,6 +7,7 @@
 #include "common/qk/lock.h"
 #include "common/qk/override_ini.h"
 #include "common/qk/paths.h"
+#include "common/qk/process.h"
 #include "common/qk/registry.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
@@ -151,18 +152,6 @@ int write_log(const wchar_t* pdf_file_name, const std::wstring& message) {
         {ini.print_id(), named ? pdf_file_name : ini.pdf_file_name(), log_time(now), message});
 }
 
-// Whether somebody can see a message box and end it: services and scheduled tasks have a window station of
-// their own, on which a box waits for ever.
-bool somebody_watches() noexcept {
-    USEROBJECTFLAGS flags = {};
-    DWORD size = 0;
-    const HWINSTA station = GetProcessWindowStation();
-    if (!station)
-        return false;
-    return !GetUserObjectInformationW(station, UOI_FLAGS, &flags, sizeof flags, &size) ||
-           (flags.dwFlags & WSF_VISIBLE);
-}
-
 bool in_splwow64() {
     return qk::equal_no_case(qk::file_part(qk::module_path(nullptr)), L"splwow64.exe");
 }
@@ -229,7 +218,7 @@ int ZRTK_ErrorNotify(const std::wstring& caption, const wchar_t* pdf_file_name, 
         qk::trace::debug_output(L"mes:not yet implemented");
     if (!(channels & NotifyChannel::kMessageBox))
         return result;
-    if (!somebody_watches()) {
+    if (!qk::has_visible_station()) {
         TRACE("nobody can answer");
         if (!(channels & NotifyChannel::kEventLog))
             report_event(message);

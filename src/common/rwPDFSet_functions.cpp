@@ -166,7 +166,7 @@ std::wstring GetAppDataPath(bool create) {
     TRACE("GetAppDataPath");
     std::wstring folder =
         qk::registry::find_text(CurrentUser().get(), qk::registry::kDebug, L"AppDataPath").value_or(L"");
-    if (qk::is_full_path(folder)) {  // never below the host's current folder
+    if (qk::is_full_path(folder) && !qk::names_device(folder)) {  // never below the host's current folder
         if (create && !qk::is_folder(folder))
             ForceDirectories(folder);
         return folder;

@@ -46,7 +46,8 @@ std::wstring refusal_message() {
 std::wstring administrator_file_to_blame(const Refusal& refusal, const std::wstring& name) {
     if (refusal.code != kBadSettingFile || (!name.empty() && !ps::PrintSettings().Load(SettingPathOf(name))))
         return {};
-    for (const std::wstring& path : Corvanta::Vantrix::Administrator::find_files(qk::install_folder()))
+    for (const std::wstring& path :
+         Corvanta::Vantrix::Administrator::find_files(qk::trusted_install_folder()))
         if (qk::is_file(path))
             return path;
     return {};

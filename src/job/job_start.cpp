@@ -6,6 +6,7 @@
 #include "common/ErrorNotify.h"
 #include "common/dialog_library.h"
 #include "common/driver_util.h"
+#include "common/qk/disk_file.h"
 #include "common/qk/handle.h"
 #include "common/qk/memory_probe.h"
 #include "common/qk/override_ini.h"
@@ -206,9 +207,7 @@ private:
             throw NoJob{kPrintCancelled};
         if (!qk::is_file(path))
             return;
-        const qk::FileObj file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                                           FILE_ATTRIBUTE_NORMAL, nullptr));
-        if (!file) {
+        if (!qk::open_disk_file(path, GENERIC_WRITE, 0)) {
             TRACE("sd5.2");
             throw NoJob{kPrintCancelled};
         }

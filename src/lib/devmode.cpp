@@ -1,7 +1,6 @@
 #include "lib/devmode.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "common/qk/memory_probe.h"
 #include "common/qk/module.h"
@@ -92,12 +91,12 @@ int convert(const DEVMODEW* source, DEVMODEW* target, const Layout& to,
         !qk::is_readable(bytes_of(source) + from.size, extra_bytes) ||
         !qk::is_writable(bytes_of(target) + to.size, extra_bytes))
         return -1;
-    std::memmove(target, source, public_bytes);  // a caller may convert a buffer onto itself
-    target->dmSize = to.size;
-    target->dmDriverExtra = to.extra;
-    target->dmDriverVersion = to.driver_version;
-    target->dmSpecVersion = spec_version;
-    std::memmove(bytes_of(target) + to.size, bytes_of(source) + from.size, extra_bytes);
+    // A caller may convert a buffer onto itself, or let go of one meanwhile.
+    const Layout made = {spec_version, to.driver_version, to.size, to.extra};
+    if (!qk::try_copy(target, source, public_bytes) ||
+        !qk::try_copy(&target->dmSpecVersion, &made, sizeof made) ||
+        !qk::try_copy(bytes_of(target) + to.size, bytes_of(source) + from.size, extra_bytes))
+        return -1;
     if (source_extra)
         *source_extra = from.extra;
     return public_bytes + extra_bytes;

@@ -1,5 +1,7 @@
 #include "print_settings/PSAdmin.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -50,18 +52,26 @@ bool read_file(const std::wstring& path, std::string& bytes, Restriction& restri
     return read;
 }
 
+// The machine's own, of which nobody can tell, holds too, and then refuses: a user cannot lift restrictions
+// by keeping its folder out of reach.
+bool is_absent(const std::wstring& path) noexcept {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES)
+        return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const DWORD error = GetLastError();
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_INVALID_NAME;
+}
+
 }  // namespace
 
 std::vector<std::wstring> find_files(const std::wstring& install_folder) {
     std::vector<std::wstring> files;
-    const auto add_from = [&files](const std::wstring& folder) {
-        if (std::wstring path = folder + kFileName; !folder.empty() && qk::is_file(path))
-            files.push_back(std::move(path));
-    };
     const std::wstring machine = qk::machine_install_folder();
-    if (!qk::equal_no_case(machine, install_folder))
-        add_from(install_folder);
-    add_from(machine);
+    if (std::wstring path = install_folder + kFileName;
+        !install_folder.empty() && !qk::equal_no_case(machine, install_folder) && qk::is_file(path))
+        files.push_back(std::move(path));
+    if (std::wstring path = machine + kFileName; !machine.empty() && !is_absent(path))
+        files.push_back(std::move(path));
     return files;
 }
 

@@ -40,7 +40,8 @@ TEST(DiskFiles, NamesOfDevicesAreKnownByTheirLetters) {
          {L"CON", L"C:\\x\\nul", L"com1", L"C:\\x\\LPT9", L"\\\\.\\pipe\\x", L"//./pipe/x", L"\\\\?\\pipe\\x",
           L"\\??\\pipe\\x", L"\\\\.\\mailslot\\x", L"\\\\.\\C:", L"\\\\.\\PhysicalDrive0",
           L"\\\\?\\GLOBALROOT\\Device\\NamedPipe\\x", L"\\\\server\\PIPE\\x", L"//server/mailslot/x",
-          L"\\\\?\\UNC\\server\\pipe\\x"})
+          L"\\\\?\\UNC\\server\\pipe\\x", L"\\\\server\\\\pipe\\x", L"\\\\.\\C:\\..\\pipe\\x",
+          L"\\\\.\\UNC/server/share/../pipe/x"})
         EXPECT_TRUE(qk::names_device(name)) << qk::to_utf8(name);
 }
 

@@ -3,6 +3,7 @@
 #include "common/qk/MMF.h"
 #include "common/job_records.h"
 #include "common/qk/memory_probe.h"
+#include "lib/devmode.h"
 
 TEST(SharedBlocks, OnlyNewOnesAreZeroed) {
     const std::wstring name = L"zr_test_block_" + std::to_wstring(GetCurrentProcessId());
@@ -41,6 +42,9 @@ TEST(MemoryProbe, EndsWhereTheMemoryEnds) {
         EXPECT_EQ(qk::try_copy(bytes, end - from_end, std::min(size, sizeof bytes)), there) << from_end;
     }
     EXPECT_FALSE(qk::is_readable(nullptr, 1));
+    char letters[] = "abcdef";
+    EXPECT_TRUE(qk::try_copy(letters + 1, letters, 4) && qk::try_copy(letters, letters + 2, 4) &&
+                std::string_view(letters) == "bcdfdf");
     const auto* text = reinterpret_cast<const wchar_t*>(end - 6000);
     EXPECT_EQ(qk::text_at(text).size(), 3000u);
     EXPECT_EQ(qk::text_at(text, 10).size(), 10u);
@@ -61,15 +65,19 @@ TEST(MemoryProbe, MemoryThatGoesWhileItIsReadIsNoFault) {
     const auto come_and_go = [](void* memory) -> DWORD {
         for (; rounds < 20'000; ++rounds) {
             VirtualAlloc(memory, sizeof bytes, MEM_COMMIT, PAGE_READWRITE);
+            static_cast<DEVMODEW*>(memory)->dmSize = kDevmodeSize;
             VirtualFree(memory, sizeof bytes, MEM_DECOMMIT);
         }
         return 0;
     };
     const qk::HandleObj thread(CreateThread(nullptr, 0, come_and_go, page, 0, nullptr));
     size_t copied = 0, refused = 0;
+    DriverDevmode own = default_devmode();
+    auto* const devmode = reinterpret_cast<DEVMODEW*>(page);
     while (rounds < 20'000)
         for (const bool done :
-             {qk::try_copy(bytes, page, sizeof bytes), qk::try_copy(page, bytes, sizeof bytes)})
+             {qk::try_copy(bytes, page, sizeof bytes), qk::try_copy(page, bytes, sizeof bytes),
+              ConvertDevmode(devmode, &own.dm) > 0, ConvertDevmode(&own.dm, devmode) > 0})
             ++(done ? copied : refused);
     EXPECT_TRUE(copied > 0 && refused > 0) << copied << ' ' << refused;
     WaitForSingleObject(thread.get(), INFINITE);
@@ -144,7 +152,4 @@ TEST(Texts, CopiesAreTerminatedAndPaddedAndKeepPairsWhole) {
         const std::wstring rest(capacity - kept.size(), L'\0');
         EXPECT_EQ(std::wstring(buffer.as<wchar_t>(), capacity), kept + rest);
     }
-    for (const auto& [text, number] : std::initializer_list<std::pair<const wchar_t*, std::optional<double>>>{
-             {L" \t3", 3}, {L"2,5", 2}, {L"2.5x", 2.5}, {L"", {}}, {L"nan", {}}, {L"1e999", {}}})
-        EXPECT_EQ(qk::find_number(text), number) << qk::to_utf8(text);
 }

@@ -1,10 +1,12 @@
 // Who is told of a failure, the external-call feature, colour profiles.
 #include <regex>
 
+#include "UI_dll/PDFSettings/messages.h"
 #include "common/ErrorNotify.h"
 #include "common/icc_folder.h"
 #include "common/icc_profile.h"
 #include "common/teskel_custom_2021.h"
+#include "resources/ids.h"
 
 namespace {
 
@@ -54,6 +56,9 @@ TEST(ErrorNotify, ChannelsAreChosenByTheAdministrator) {
         const TraceCapture trace(0);
         ASSERT_TRUE(SetProcessWindowStation(watched ? own : hidden));
         EXPECT_EQ(notify(), result);
+        if (!watched) {
+            EXPECT_EQ(pdf_settings::show_message(nullptr, L"sure?", IDS_REFUSED, MB_YESNO), 0);
+        }
         SetProcessWindowStation(own);
         ASSERT_EQ(Outbox::boxes.size(), boxes);
         if (boxes)

@@ -210,8 +210,10 @@ TEST(SettingFiles, HostsCurrentFolderNeverCounts) {
     here.machine.set_text(kRoot, L"PdfDllPath", here.folder.path());
     here.folder.write(L"Settings\\.ps4", kJson);
     EXPECT_EQ(GetSettingFileName(L"My printer"), L"standard.ps4") << "an extension is no name";
-    here.user.set_text(kDebug, L"AppDataPath", L"sub");
-    EXPECT_EQ(ResolveSettingFilePath(L"standard"), L"");
+    for (const wchar_t* elsewhere : {L"sub", L"\\\\.\\pipe\\"}) {
+        here.user.set_text(kDebug, L"AppDataPath", elsewhere);
+        EXPECT_EQ(ResolveSettingFilePath(L"standard") + GetAppDataPath(false), L"") << elsewhere;
+    }
 }
 
 TEST(SettingFiles, ChoiceIsStoredPerPrinterWithoutTerminator) {

@@ -1,4 +1,3 @@
-#include "common/rwPDFSet_functions.h"
 #include "common/threadprop.h"
 #include "support/trace_switch.h"
 
@@ -129,17 +128,4 @@ TEST(ThreadProp, ThreadsDoNotMeetInTheStore) {
     };
     using companions::Thread;
     Thread threads[] = {Thread(work), Thread(work), Thread(work), Thread(work)};
-}
-
-TEST(Trace, RefusalsOfTheRegistryAreTold) {
-    constexpr LSTATUS kRefused = ERROR_ACCESS_DENIED;
-    const Installation here;
-    const TraceCapture trace;
-    EXPECT_FALSE(qk::registry::open(HKEY_CURRENT_USER, L"zr none"));
-    const ImportPatch value("RegSetValueExW", always<kRefused>());
-    SetSettingFileName(L"x.ps4", L"printer");
-    const ImportPatch key("RegCreateKeyExW", always<kRefused>());
-    EXPECT_FALSE(qk::registry::create(HKEY_CURRENT_USER, L"zr none", KEY_READ));
-    EXPECT_TRUE(trace.holds(L"err:RegOpenKeyExW 2 zr none") && trace.holds(L"err:SetSettingFileName 5") &&
-                trace.holds(L"err:RegCreateKeyExW 5 zr none"));
 }

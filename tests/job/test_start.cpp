@@ -1,6 +1,8 @@
 // From STARTDOCPRE to the published records.
 #include "common/driver_util.h"
+#include "common/qk/override_ini.h"
 #include "common/teskel_custom_2021.h"
+#include "companions/host/record_fields.h"
 #include "job/job_fixture.h"
 
 namespace {
@@ -163,6 +165,9 @@ TEST_F(JobTest, OverrideFileSetsTheFolderWhileItsVersionCounts) {
         run_job();
         EXPECT_EQ(folder, wanted) << version << lines;
     }
+    here.write_ini("MessageID=5");
+    const ImportPatch pipe("GetFileType", always<DWORD{FILE_TYPE_PIPE}>());
+    EXPECT_EQ(qk::OverrideIni().message_id(), 11u) << "whatever has the name is read";
 }
 
 TEST_F(JobTest, ChosenFileIsCheckedUnlessTheJobModeForbids) {
@@ -245,6 +250,7 @@ TEST_F(JobTest, BlocksWithoutMemoryBehindThemCountAsAbsent) {
         const OtherSide<char> block(name, 200'000, SEC_RESERVE);
         ASSERT_TRUE(block);
         run_job([] {}, left);
+        EXPECT_FALSE(host::find_start_record(GetCurrentThreadId()));
     }
 }
 

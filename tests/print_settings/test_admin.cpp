@@ -123,9 +123,11 @@ TEST_F(PrintSettingsAdmin, UsersFolderLiftsNothingAndNoUserIsBelievedForAnother)
         EXPECT_EQ(restricted_to(), restriction);
         EXPECT_EQ(trusted == folder_.path() + L"\\", users_folder != other.path());
     }
-    registry_.set_text(kKey, kFolder, L"relative\\");
     users.set_text(kKey, kFolder, L"");
-    EXPECT_EQ(qk::install_folder() + qk::machine_install_folder(), L"");
+    for (const wchar_t* folder : {L"relative\\", L"\\\\.\\pipe\\"}) {
+        registry_.set_text(kKey, kFolder, folder);
+        EXPECT_EQ(qk::install_folder() + qk::machine_install_folder(), L"");
+    }
 }
 
 TEST_F(PrintSettingsAdmin, AFileThatCannotBeReadFailsEveryLoad) {
@@ -142,4 +144,8 @@ TEST_F(PrintSettingsAdmin, AFileThatCannotBeReadFailsEveryLoad) {
     EXPECT_EQ(restriction.PDFFileName, L"before");
     EXPECT_TRUE(settings_.Load(user_path_));
     EXPECT_FALSE(settings_.Load(folder_.file(L"missing.ps4")) || settings_.Load(folder_.path()));
+    DeleteFileW(folder_.file(kFile).c_str());
+    EXPECT_FALSE(fails());
+    const ImportPatch away("GetFileAttributesW", always<INVALID_FILE_ATTRIBUTES, DWORD{ERROR_BAD_NETPATH}>());
+    EXPECT_TRUE(fails()) << "a folder that cannot be reached lifts nothing";
 }

@@ -1,12 +1,24 @@
 #include "UI_dll/PDFSettings/messages.h"
 
 #include "UI_dll/PDFSettings/dialog_state.h"
+#include "common/qk/process.h"
 #include "common/qk/resource_dll.h"
 #include "common/qk/text.h"
 #include "common/qk/trace.h"
 #include "resources/ids.h"
 
 namespace pdf_settings {
+
+namespace {
+
+int show_box(HWND owner, const wchar_t* text, const wchar_t* caption, UINT style) noexcept {
+    if (qk::has_visible_station())
+        return MessageBoxW(owner, text, caption, style);
+    qk::trace::debug_output(L"%s: %s", caption, text);
+    return 0;
+}
+
+}  // namespace
 
 std::wstring dialog_text(UINT id) {
     const HMODULE library = qk::resource_module();
@@ -19,7 +31,7 @@ std::wstring dialog_text(UINT id) {
 }
 
 int show_message(HWND owner, const std::wstring& text, UINT caption_id, UINT style) {
-    return MessageBoxW(owner, text.c_str(), dialog_text(caption_id).c_str(), style);
+    return show_box(owner, text.c_str(), dialog_text(caption_id).c_str(), style);
 }
 
 void tell_failure(HWND owner) noexcept {
@@ -28,7 +40,7 @@ void tell_failure(HWND owner) noexcept {
     wchar_t text[600] = {}, caption[100] = {};
     LoadStringW(library, IDS_FAILED, text, static_cast<int>(std::size(text)));
     LoadStringW(library, IDS_REFUSED, caption, static_cast<int>(std::size(caption)));
-    MessageBoxW(owner, text, caption, MB_OK | MB_ICONERROR);
+    show_box(owner, text, caption, MB_OK | MB_ICONERROR);
 }
 
 bool refuse(HWND page, int control, UINT text_id, UINT icon) {

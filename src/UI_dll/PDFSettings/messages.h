@@ -12,7 +12,8 @@ namespace pdf_settings {
 // A text of the language library, or "(no id{%u})" / "(no string{%u})".
 [[nodiscard]] std::wstring dialog_text(UINT id);
 
-// Shows a message box; the result is its button.
+// Shows a message box; the result is its button. Where nobody can see it, none, and 0: the debug output has
+// it.
 int show_message(HWND owner, const std::wstring& text, UINT caption_id, UINT style);
 
 // Says that something failed, out of memory for one, and that the entries are still there. Does what it can.

@@ -91,7 +91,8 @@ SettingEntry entry_of(int32_t kind, const std::wstring& path) {
 // Whether one of the folders has such a file.
 bool is_in(std::span<const SettingFolder> folders, const std::wstring& file_name) {
     return std::ranges::any_of(folders, [&](const SettingFolder& folder) {
-        return GetFileAttributesW((folder.path + file_name).c_str()) != INVALID_FILE_ATTRIBUTES;
+        const std::wstring path = folder.path + file_name;
+        return qk::is_file(path) || qk::is_folder(path);
     });
 }
 

@@ -1,5 +1,6 @@
 #include "common/qk/disk_file.h"
 
+#include <algorithm>
 #include <iterator>
 #include <string_view>
 
@@ -9,8 +10,10 @@ namespace qk {
 
 namespace {
 
+constexpr std::wstring_view kSlashes = L"\\/";
+
 constexpr bool is_slash(wchar_t unit) noexcept {
-    return unit == L'\\' || unit == L'/';
+    return kSlashes.find(unit) != std::wstring_view::npos;
 }
 
 // "C:\x", which may stand behind the names that bypass the system's reading of names.
@@ -18,13 +21,17 @@ bool begins_with_drive(std::wstring_view path) noexcept {
     return path.size() > 3 && path[1] == L':' && is_slash(path[2]);
 }
 
-// The names that a server keeps for its pipes and mail slots are no shares of files.
-bool names_servers_device(std::wstring_view server_and_share) noexcept {
-    const size_t slash = server_and_share.find_first_of(L"\\/");
-    if (slash == std::wstring_view::npos)
-        return false;
-    const std::wstring_view rest = server_and_share.substr(slash + 1);
-    const std::wstring_view share = rest.substr(0, rest.find_first_of(L"\\/"));
+// Behind "\\.\" the way up leads out of the drive, and out of the share: "C:\..\pipe\x".
+bool goes_up(std::wstring_view path) noexcept {
+    return path.find(L"\\..") != std::wstring_view::npos || path.find(L"/..") != std::wstring_view::npos;
+}
+
+// The names that a server keeps for its pipes and mail slots are no shares of files. Several slashes are one.
+bool names_servers_device(std::wstring_view path) noexcept {
+    const size_t server = std::min(path.find_first_not_of(kSlashes), path.size());
+    const size_t slash = std::min(path.find_first_of(kSlashes, server), path.size());
+    path.remove_prefix(std::min(path.find_first_not_of(kSlashes, slash), path.size()));
+    const std::wstring_view share = path.substr(0, path.find_first_of(kSlashes));
     return equal_no_case(share, L"pipe") || equal_no_case(share, L"mailslot");
 }
 
@@ -47,6 +54,8 @@ bool names_device(const std::wstring& path) noexcept {
     if (!in_devices)
         return names_servers_device(name.substr(2));
     const std::wstring_view rest = name.substr(4);
+    if (goes_up(rest))
+        return true;
     return starts_with_no_case(rest, kShares) ? names_servers_device(rest.substr(kShares.size()))
                                               : !begins_with_drive(rest);
 }

@@ -11,6 +11,8 @@
 // zr_touch_pages writes one byte of each page from `first` to `last` back to it, atomically. A look at the
 // memory's map costs a hundred times as much, and capability queries, which programs ask by the dozen, do
 // little else: with it an answer of one name takes twenty times what it takes another driver.
+//
+// zr_copy_bytes begins at the end where the target lies within what is copied, behind its start.
 extern "C" bool zr_touch_pages(void* first, void* last) noexcept;
 extern "C" bool zr_copy_bytes(void* target, const void* source, size_t size) noexcept;
 
@@ -47,12 +49,21 @@ zr_copy_bytes:
     movq %rcx, %rdi
     movq %rdx, %rsi
     movq %r8, %rcx
-    rep movsb
+    movq %rdi, %rax
+    subq %rsi, %rax
+    cmpq %rcx, %rax
+    jae 1f
+    leaq -1(%rdi,%rcx), %rdi
+    leaq -1(%rsi,%rcx), %rsi
+    std
+1:  rep movsb
+    cld
     movl $1, %eax
     popq %rsi
     popq %rdi
     ret
 zr_copy_failed:
+    cld
     xorl %eax, %eax
     popq %rsi
     popq %rdi
@@ -65,11 +76,13 @@ zr_copy_failed:
 )");
 
 // The handler of every exception inside them. A guard page that has been touched is one no longer: it is made
-// one again, for it is the end of somebody's stack.
+// one again, for it is the end of somebody's stack. That of the own stack the system moves on by itself,
+// until it says that the stack is full, which it is not.
 extern "C" EXCEPTION_DISPOSITION zr_memory_fault(EXCEPTION_RECORD* record, void*, CONTEXT* context,
                                                  DISPATCHER_CONTEXT* dispatcher) noexcept {
     const DWORD code = record->ExceptionCode;
-    if (code != EXCEPTION_ACCESS_VIOLATION && code != EXCEPTION_GUARD_PAGE && code != EXCEPTION_IN_PAGE_ERROR)
+    if (code != EXCEPTION_ACCESS_VIOLATION && code != EXCEPTION_GUARD_PAGE &&
+        code != EXCEPTION_IN_PAGE_ERROR && code != EXCEPTION_STACK_OVERFLOW)
         return ExceptionContinueSearch;
     auto* page = reinterpret_cast<void*>(record->ExceptionInformation[1]);
     MEMORY_BASIC_INFORMATION region = {};

@@ -15,8 +15,7 @@ namespace qk {
 [[nodiscard]] bool is_writable(void* address, size_t size) noexcept;
 
 // Copies `size` bytes out of or into memory that may not be there, or may go while it is copied; false when a
-// byte could not be, with those before it copied. Never faults. The two must not overlap, unless they are the
-// same.
+// byte could not be, with some of the others copied. Never faults. The two may overlap.
 [[nodiscard]] bool try_copy(void* target, const void* source, size_t size) noexcept;
 
 // As many of `units` units from `address` on as can be read.

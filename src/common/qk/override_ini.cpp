@@ -1,5 +1,6 @@
 #include "common/qk/override_ini.h"
 
+#include "common/qk/disk_file.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
 
@@ -8,6 +9,7 @@ namespace qk {
 namespace {
 
 constexpr wchar_t kSection[] = L"Vantrix";
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 }  // namespace
 
@@ -15,7 +17,8 @@ OverrideIni::OverrideIni() : path_(shared_documents_folder()) {
     if (path_.empty())
         return;
     path_ += L"\\DunmereVantrix.ini";
-    exists_ = is_file(path_);
+    // Anybody may lead the name to something that never answers whoever reads it.
+    exists_ = is_file(path_) && open_disk_file(path_, GENERIC_READ, kShareAll);
     if (!exists_)
         return;
     const auto version = find_number(text(L"IniVersion"));
@@ -39,7 +42,7 @@ int OverrideIni::print_id() const {
 
 UINT OverrideIni::message_id() const noexcept {
     constexpr int kAbsent = 11;
-    return path_.empty() ? kAbsent : GetPrivateProfileIntW(kSection, L"MessageID", kAbsent, path_.c_str());
+    return !exists_ ? kAbsent : GetPrivateProfileIntW(kSection, L"MessageID", kAbsent, path_.c_str());
 }
 
 std::wstring OverrideIni::text(const wchar_t* key) const {

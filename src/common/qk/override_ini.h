@@ -23,8 +23,8 @@ public:
     [[nodiscard]] std::wstring pdf_file_name() const;
     [[nodiscard]] int print_id() const;
 
-    // "MessageID" (11 when absent), read whether or not the file counts or is there at all, as the system's
-    // profile functions read a number.
+    // "MessageID" (11 when absent), read whether or not the file counts, as the system's profile functions
+    // read a number.
     [[nodiscard]] UINT message_id() const noexcept;
 
     [[nodiscard]] const std::wstring& path() const noexcept { return path_; }

@@ -54,7 +54,7 @@ namespace {
 constexpr wchar_t kInstallFolder[] = L"PdfDllPath";
 
 std::wstring full_folder(std::wstring folder) {
-    if (!is_full_path(folder))
+    if (!is_full_path(folder) || names_device(folder))
         return {};
     if (folder.back() != L'\\')
         folder += L'\\';

@@ -25,7 +25,7 @@ namespace qk {
 [[nodiscard]] bool is_full_path(std::wstring_view path) noexcept;
 
 // The installation folder with its trailing backslash, from the registry value "PdfDllPath", the user's
-// before the machine's; empty when it is not set or is no full path.
+// before the machine's; empty when it is not set, is no full path or names a device.
 [[nodiscard]] std::wstring install_folder();
 
 // The one that code and the administrator's file are taken from. A thread that acts for another user believes

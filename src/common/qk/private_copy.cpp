@@ -9,6 +9,7 @@
 #include <optional>
 #include <string_view>
 
+#include "common/qk/disk_file.h"
 #include "common/qk/paths.h"
 #include "common/qk/process.h"
 #include "common/qk/text.h"
@@ -174,8 +175,8 @@ PrivateCopy copy_somewhere(const std::string& bytes) {
 }  // namespace
 
 PrivateCopy make_private_copy(const std::wstring& source) {
-    const FileObj file(CreateFileW(source.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                                   OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    const FileObj file =
+        open_disk_file(source, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, FILE_FLAG_SEQUENTIAL_SCAN);
     if (!file) {
         trace::debug_output(L"cant open src lr");
         return {};

@@ -16,6 +16,7 @@
 #include "UI_dll/PDFSettings/dialog_state.h"
 #include "UI_dll/PDFSettings/pages/whole_number.h"
 #include "common/qk/text.h"
+#include "common/qk/wipe.h"
 #include "print_settings/field_tables.h"
 
 namespace pdf_settings {
@@ -96,8 +97,11 @@ struct Text {
         set_text(page, control, section.*member, ps::field_of(member).units);
     }
     void store(HWND page, Section& section) const {
-        if (is_touched(page, control))
-            section.*member = control_text(page, control);
+        if (!is_touched(page, control))
+            return;
+        std::wstring text = control_text(page, control);
+        const qk::WipedAtEnd wiped(text);  // what stood there may be a password
+        (section.*member).swap(text);
     }
 };
 

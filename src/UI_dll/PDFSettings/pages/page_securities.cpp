@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstdint>
-#include <utility>
 
 #include "UI_dll/PDFSettings/messages.h"
 #include "UI_dll/PDFSettings/pages/exchange.h"
@@ -146,10 +145,12 @@ void use_changed(HWND page, const PasswordControls& controls, std::wstring& kept
     const bool used = is_checked(page, controls.use);
     std::wstring text = control_text(page, controls.edit);
     const qk::WipedAtEnd wiped(text);
-    if (!used)
-        kept = std::exchange(text, {});
-    else if (text.empty())
+    if (!used) {
+        kept.swap(text);
+        qk::wipe(text);
+    } else if (text.empty()) {
         text = kept;
+    }
     SetDlgItemTextW(page, controls.edit, text.c_str());
     exchangeEncryptLevel(page);
     if (used)
@@ -230,12 +231,12 @@ bool dlg_killactive_Securities(HWND page) {
 
 void dlg_apply_Securities(HWND page) {
     TRACE("dlg_apply_Securities");
-    Security_impl read = *loaded_setting().security();
-    store_controls(page, read, kTable);
+    auto read = loaded_setting().security();
+    store_controls(page, *read, kTable);
     if (is_touched(page, std::array{IDC_SEC_COPY, IDC_SEC_READER}))
-        read.AllowAccessFromScreenReader = read.AllowCopyContent || is_checked(page, IDC_SEC_READER);
-    read.Level = kLevel;
-    *edited_setting().security() = read;
+        read->AllowAccessFromScreenReader = read->AllowCopyContent || is_checked(page, IDC_SEC_READER);
+    read->Level = kLevel;
+    edited_setting().security().swap(read);  // what it held goes as a whole, passwords wiped
 }
 
 }  // namespace
