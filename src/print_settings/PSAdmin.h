@@ -32,8 +32,8 @@ public:
 
 // The full paths of the "administrator.ps4a" files that hold, the stronger one last: that of the installation
 // folder (with its trailing backslash) and, where the user has named another folder, that of the machine's
-// own, so that nobody lifts a restriction by looking elsewhere. The latter counts as there
-// unless it is known not to be.
+// own, so that nobody lifts a restriction by looking elsewhere. The machine's counts as there unless it is
+// known not to be.
 [[nodiscard]] std::vector<std::wstring> find_files(const std::wstring& install_folder);
 
 }  // namespace Administrator
