@@ -18,6 +18,7 @@
 #include "companions/print_processor/names.h"
 #include "companions/render/engine.h"
 #include "companions/render/scratch_folder.h"
+#include "companions/system_texts.h"
 #include "companions/wine_layer.h"
 
 namespace host {
@@ -65,17 +66,14 @@ qk::RegKey machine_key(const std::wstring& path) {
 bool set_text(HKEY key, const wchar_t* value, const std::wstring& text) {
     if (qk::registry::find_text(key, value) == text)
         return false;
-    const LSTATUS error = RegSetValueExW(key, value, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                                         static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-    if (error != ERROR_SUCCESS)
-        throw HostError{ExitCode::kInstallation, with_reason(std::wstring(L"the registry refuses ") + value,
-                                                             static_cast<DWORD>(error))};
+    if (const DWORD error = companions::store_text(key, value, text); error != ERROR_SUCCESS)
+        throw installation_fault(std::wstring(L"the registry refuses ") + value, error);
     return true;
 }
 
 void make_folder(const std::wstring& folder) {
     if (!ForceDirectories(folder))
-        throw HostError{ExitCode::kInstallation, with_reason(L"cannot make " + folder, GetLastError())};
+        throw installation_fault(L"cannot make " + folder, GetLastError());
 }
 
 void copy_files(const std::wstring& stage, const InstallPlaces& places, Steps& steps) {
@@ -272,8 +270,7 @@ void set_notify_channels(DWORD channels) {
     const LSTATUS error = RegSetValueExW(key.get(), kChannelsValue, 0, REG_DWORD,
                                          reinterpret_cast<const BYTE*>(&channels), sizeof channels);
     if (error != ERROR_SUCCESS)
-        throw HostError{ExitCode::kInstallation,
-                        with_reason(L"the notification channels cannot be set", static_cast<DWORD>(error))};
+        throw installation_fault(L"the notification channels cannot be set", static_cast<DWORD>(error));
 }
 
 }  // namespace host

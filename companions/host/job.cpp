@@ -47,9 +47,8 @@ public:
           printer_(open_printer()),
           events_(module.document_event, printer_.get()) {
         if (!printer_)
-            throw HostError{
-                ExitCode::kInstallation,
-                with_reason(std::wstring(L"cannot open the printer ") + qk::kProductName, GetLastError())};
+            throw installation_fault(std::wstring(L"cannot open the printer ") + qk::kProductName,
+                                     GetLastError());
     }
 
     void run(std::wstring_view text) {

@@ -10,6 +10,7 @@
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
 #include "companions/host/stage_files.h"
+#include "companions/system_texts.h"
 
 namespace host {
 
@@ -34,11 +35,9 @@ std::wstring kept_path(const std::wstring& target) {
 
 void prefer_file() {
     const qk::RegKey key = qk::registry::create(HKEY_CURRENT_USER, kOverrides, KEY_WRITE);
-    const LSTATUS error = RegSetValueExW(key.get(), kLibrary, 0, REG_SZ,
-                                         reinterpret_cast<const BYTE*>(kFileFirst), sizeof kFileFirst);
+    const DWORD error = companions::store_text(key.get(), kLibrary, kFileFirst);
     if (error != ERROR_SUCCESS)
-        throw HostError{ExitCode::kInstallation,
-                        with_reason(L"programs cannot be told of the sheet host", static_cast<DWORD>(error))};
+        throw installation_fault(L"programs cannot be told of the sheet host", error);
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ void put_in_place(const FileCopy& copy) {
     if (!CopyFileW(copy.source.c_str(), fresh.c_str(), FALSE)) {
         const DWORD error = GetLastError();
         DeleteFileW(fresh.c_str());  // what a full disk has taken of it
-        throw HostError{ExitCode::kInstallation, with_reason(L"cannot write " + copy.target, error)};
+        throw installation_fault(L"cannot write " + copy.target, error);
     }
     if (MoveFileExW(fresh.c_str(), copy.target.c_str(), MOVEFILE_REPLACE_EXISTING))
         return;
@@ -59,7 +59,7 @@ void put_in_place(const FileCopy& copy) {
         return;
     const DWORD error = GetLastError();
     DeleteFileW(fresh.c_str());
-    throw HostError{ExitCode::kInstallation, with_reason(L"cannot replace " + copy.target, error)};
+    throw installation_fault(L"cannot replace " + copy.target, error);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <utility>
 
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
