@@ -154,7 +154,7 @@ void JobRun::start_document(const DOCINFOW& document) {
 std::wstring JobRun::why_refused() {
     const std::wstring name = options_.setting.empty() ? GetSettingFileName(qk::kProductName)
                                                        : setting_for_module(options_.setting);
-    Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin settings;
+    ps::PrintSettingsAdmin settings;
     const auto refusal = job::load_job_setting(name, settings);
     if (!refusal)
         return {};

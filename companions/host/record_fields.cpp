@@ -1,6 +1,5 @@
 #include "companions/host/record_fields.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -49,10 +48,6 @@ std::optional<ZRTKPrintStartInfoC> find_start_record(DWORD thread) {
 
 std::optional<ZRTKPrintInfo> find_result_record(DWORD thread) {
     return find_record<ZRTKPrintInfo>(kResultBlockName, thread);
-}
-
-std::wstring record_text(const wchar_t (&text)[kRecordTextUnits]) {
-    return std::wstring(text, std::find(std::begin(text), std::end(text), L'\0'));
 }
 
 Fields fields_of(const ZRTKPrintStartInfoC& record) {

@@ -23,8 +23,6 @@ namespace host {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 constexpr char kOwnKey[] = "Administrator";
 constexpr size_t kMarkBytes = 3;
 

@@ -37,12 +37,12 @@ std::vector<std::wstring> setting_files(const std::wstring& path) {
 }
 
 std::vector<std::wstring> setting_differences(const std::wstring& older, const std::wstring& newer) {
-    Corvanta::Vantrix::PrintSettings::PrintSettings settings[2];
+    ps::PrintSettings settings[2];
     const std::wstring* paths[2] = {&older, &newer};
     for (size_t i = 0; i < 2; ++i)
         if (!settings[i].Load(*paths[i]))
             throw HostError{ExitCode::kUsage, *paths[i] + L" cannot be loaded; \"zr_print check\" tells why"};
-    return Corvanta::Vantrix::PrintSettings::Changed2Str(settings[0], settings[1]);
+    return ps::Changed2Str(settings[0], settings[1]);
 }
 
 std::vector<std::wstring> report_lines(const SettingFindings& findings) {

@@ -8,7 +8,6 @@
 
 #include <cstring>
 #include <memory>
-#include <new>
 
 #include "common/qk/guard.h"
 #include "common/qk/handle.h"

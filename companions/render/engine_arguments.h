@@ -27,29 +27,26 @@ struct EngineFiles {
 [[nodiscard]] std::string_view compatibility_level(uint32_t version_code) noexcept;
 
 // The arguments behind the program's name, in the engine's order.
-[[nodiscard]] std::vector<std::string> engine_arguments(
-    const Corvanta::Vantrix::PrintSettings::PrintSettings& settings, const EngineFiles& files);
+[[nodiscard]] std::vector<std::string> engine_arguments(const ps::PrintSettings& settings,
+                                                        const EngineFiles& files);
 
 // Arguments for a run with another of the engine's devices.
 [[nodiscard]] std::vector<std::string> quiet_arguments(const char* device);
 
 // PostScript: what an image's compression needs beyond arguments.
-[[nodiscard]] std::string image_parameters(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
+[[nodiscard]] std::string image_parameters(const ps::PrintSettings& settings);
 
 // Whether the setting asks for a password and its version of PDF allows one.
-[[nodiscard]] bool wants_password(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings) noexcept;
+[[nodiscard]] bool wants_password(const ps::PrintSettings& settings) noexcept;
 
 // The arguments with the passwords, one a line, for the file `EngineFiles::options`; nothing when a password
 // has characters outside Latin-1, which this encryption has no bytes for. Only 32 characters of one count.
-[[nodiscard]] std::optional<std::string> find_password_options(
-    const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
+[[nodiscard]] std::optional<std::string> find_password_options(const ps::PrintSettings& settings);
 
 // The permission bits (the PDF entry /P) of a setting, for the 40-bit encryption of PDF 1.3 and for 128 bits.
-[[nodiscard]] int32_t permission_bits(const Corvanta::Vantrix::PrintSettings::Security_impl& security,
-                                      bool pdf13) noexcept;
+[[nodiscard]] int32_t permission_bits(const ps::Security_impl& security, bool pdf13) noexcept;
 
 // What the setting asks for and this renderer does not do, a phrase each; empty when it does everything.
-[[nodiscard]] std::vector<std::string> unsupported_wishes(
-    const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
+[[nodiscard]] std::vector<std::string> unsupported_wishes(const ps::PrintSettings& settings);
 
 }  // namespace companions::render

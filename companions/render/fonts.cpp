@@ -17,8 +17,6 @@ namespace companions::render {
 
 namespace {
 
-using Corvanta::Vantrix::PrintSettings::Font_impl;
-
 constexpr const char* kBase14[] = {
     "Courier",        "Courier-Bold",      "Courier-Oblique", "Courier-BoldOblique",   "Helvetica",
     "Helvetica-Bold", "Helvetica-Oblique", "Symbol",          "Helvetica-BoldOblique", "Times-Roman",
@@ -82,7 +80,7 @@ std::string list(const char* key, const std::set<std::string>& names) {
 
 }  // namespace
 
-std::string font_parameters(const Font_impl& fonts, bool all) {
+std::string font_parameters(const ps::Font_impl& fonts, bool all) {
     std::set<std::string> names;
     qk::DeviceContext dc;  // only for names: with it the display's driver is loaded
     if (!fonts.Fonts.empty())
@@ -95,7 +93,7 @@ std::string font_parameters(const Font_impl& fonts, bool all) {
         names.insert(own);
         add_names(names, dc.get(), family);
     }
-    const bool listed_only = fonts.EmbedFontStyle == Font_impl::kListedOnly && !all;
+    const bool listed_only = fonts.EmbedFontStyle == ps::Font_impl::kListedOnly && !all;
     std::set<std::string> never;
     if (!all && !listed_only)
         never = names;

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "common/qk/handle.h"
-#include "common/qk/text.h"
 #include "companions/command_line.h"
 #include "companions/render/cancelling.h"
+#include "companions/system_texts.h"
 
 namespace companions::render {
 
@@ -54,8 +54,7 @@ void StagePrograms::run(size_t stage, unsigned page) const {
 }
 
 void open_with_viewer(const std::wstring& pdf) {
-    const std::wstring viewer = qk::grow_until_it_fits(
-        [](wchar_t* buffer, DWORD units) { return GetEnvironmentVariableW(L"ZR_VIEWER", buffer, units); });
+    const std::wstring viewer = variable(L"ZR_VIEWER");
     if (viewer == L"none")
         return;
     if (viewer.empty())

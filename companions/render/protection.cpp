@@ -9,8 +9,6 @@ namespace companions::render {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 bool is_latin(const std::wstring& password) {
     return std::ranges::all_of(password, [](wchar_t unit) {
         return (unit >= 0x20 && unit < 0x7F) || (unit > 0xA0 && unit < 0x100);
@@ -35,7 +33,7 @@ bool is_strongest(const ps::PrintSettings& settings) {
 }  // namespace
 
 std::optional<ProtectionFault> find_protection_fault(const ps::PrintSettings& settings,
-                                                 const std::wstring& password) {
+                                                     const std::wstring& password) {
     // Readers cut what is typed behind so many bytes; qpdf counts all, and no password opens its PDF.
     constexpr size_t kMostBytes = 127;
     constexpr size_t kMostLatin = 32;
@@ -53,7 +51,8 @@ std::optional<ProtectionFault> find_protection_fault(const ps::PrintSettings& se
 
 bool refuses_passwords(const ps::PrintSettings& settings) {
     const auto is_refused = [&settings](const std::wstring& password) {
-        return find_protection_fault(settings, password).value_or(ProtectionFault::kCut) != ProtectionFault::kCut;
+        return find_protection_fault(settings, password).value_or(ProtectionFault::kCut) !=
+               ProtectionFault::kCut;
     };
     return is_refused(settings.security()->MasterPassword) || is_refused(settings.security()->UserPassword);
 }

@@ -12,8 +12,6 @@ namespace companions::render {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 constexpr std::string_view kStart = "<<\n /ImageType 1\n";
 constexpr std::string_view kSource =
     " /DataSource currentfile /ASCII85Decode filter /RunLengthDecode filter\n>>\nimage\n";

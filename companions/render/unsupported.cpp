@@ -8,26 +8,21 @@ namespace companions::render {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-using Corvanta::Vantrix::PrintSettings::CompressImage;
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
-using Corvanta::Vantrix::PrintSettings::Watermark_impl;
-
 // Run length is offered for images of two colours only.
-bool wants_run_length(const CompressImage& image) {
+bool wants_run_length(const ps::CompressImage& image) {
     constexpr uint32_t kRunLength = 3;
     return image.CompressionMethod() == kRunLength;
 }
 
 }  // namespace
 
-std::vector<std::string> unsupported_wishes(const PrintSettings& settings) {
-    const PrintSettings defaults;
+std::vector<std::string> unsupported_wishes(const ps::PrintSettings& settings) {
+    const ps::PrintSettings defaults;
     const uint32_t version = settings.pdfVersion()->Version;
     const auto& mark = *settings.watermark();
     const auto& compression = *settings.compression();
     const bool packed = compression.HighCompress;
-    const bool has_mark = mark.Style != Watermark_impl::kNoMark;
+    const bool has_mark = mark.Style != ps::Watermark_impl::kNoMark;
     const struct {
         bool asked;
         const char* wish;

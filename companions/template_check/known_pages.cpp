@@ -11,8 +11,6 @@ namespace template_check {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 constexpr unsigned kEditPages[] = {IDD_GENERAL, IDD_PDF_VERSION, IDD_COLOR,     IDD_COMPRESS,   IDD_FONT,
                                    IDD_INFO,    IDD_SECURITIES,  IDD_WATERMARK, IDD_OPEN_ACTION};
 

@@ -53,8 +53,7 @@ bool unattended(const std::wstring& ini_path) {
     return qk::find_number(choice).value_or(0) != 0;
 }
 
-std::wstring unattended_folder(const std::wstring& record_folder,
-                               const Corvanta::Vantrix::PrintSettings::General_impl& general,
+std::wstring unattended_folder(const std::wstring& record_folder, const ps::General_impl& general,
                                const std::wstring& ini_path) {
     // The renderer has a current folder of its own, so what it is told must not depend on this process's.
     if (!record_folder.empty())
@@ -67,14 +66,13 @@ std::wstring unattended_folder(const std::wstring& record_folder,
     return folder.empty() ? documents_folder() : absolute_path(folder);
 }
 
-std::wstring dialog_folder(const std::wstring& record_folder,
-                           const Corvanta::Vantrix::PrintSettings::General_impl& general) {
+std::wstring dialog_folder(const std::wstring& record_folder, const ps::General_impl& general) {
     if (!record_folder.empty())
         return absolute_path(record_folder);
     return general.OutputFolder.empty() ? documents_folder() : absolute_path(general.OutputFolder);
 }
 
-bool has_fixed_folder(const Corvanta::Vantrix::PrintSettings::General_impl& general) noexcept {
+bool has_fixed_folder(const ps::General_impl& general) noexcept {
     return general.SaveStyle == kFixedFolder && !general.OutputFolder.empty();
 }
 

@@ -27,9 +27,7 @@ std::wstring_view cut(std::wstring_view stem, size_t units, size_t bytes) noexce
         if (used > bytes)
             break;
     }
-    if (kept > 0 && kept < stem.size() && IS_HIGH_SURROGATE(stem[kept - 1]))
-        --kept;
-    return stem.substr(0, kept);
+    return qk::cut(stem, kept);
 }
 
 }  // namespace
