@@ -8,8 +8,6 @@ namespace companions::render {
 
 namespace {
 
-constexpr size_t kMostPassword = 32;
-
 std::string flag(std::string_view name, bool value) {
     return "-d" + std::string(name) + (value ? "=true" : "=false");
 }
@@ -65,10 +63,11 @@ void add_image(std::vector<std::string>& arguments, const std::string& kind, con
 }
 
 std::optional<std::string> find_hex_password(std::wstring_view password) {
+    const std::wstring_view counted = password.substr(0, kMostLatinPassword);
+    if (!is_latin(counted))
+        return std::nullopt;
     std::string hex = "<";
-    for (const wchar_t unit : password.substr(0, kMostPassword)) {
-        if (unit < 0x20 || (unit > 0x7E && unit < 0xA1) || unit > 0xFF)
-            return std::nullopt;
+    for (const wchar_t unit : counted) {
         char digits[3];
         std::snprintf(digits, sizeof digits, "%02X", static_cast<unsigned>(unit));
         hex += digits;
@@ -77,10 +76,10 @@ std::optional<std::string> find_hex_password(std::wstring_view password) {
 }
 
 int32_t pdf13_permission_bits(const ps::Security_impl& security) noexcept {
-    const uint32_t bits = 0xFFFFFFC0u | (security.PDF13_DisallowPrint ? 0u : 0x4u) |
-                          (security.PDF13_DisallowModify ? 0u : 0x8u) |
-                          (security.PDF13_DisallowCopy ? 0u : 0x10u) |
-                          (security.PDF13_DisallowAnnotate ? 0u : 0x20u);
+    const uint32_t bits = 0xFFFFFFC0u | (security.PDF13_DisallowPrint ? 0u : kMayPrint) |
+                          (security.PDF13_DisallowModify ? 0u : kMayModify) |
+                          (security.PDF13_DisallowCopy ? 0u : kMayCopy) |
+                          (security.PDF13_DisallowAnnotate ? 0u : kMayAnnotate);
     return static_cast<int32_t>(bits);
 }
 
@@ -151,6 +150,16 @@ std::string image_parameters(const ps::PrintSettings& settings) {
            "/MonoImageDict << /K " + (group3 ? "0" : "-1") + " >>\n>> setdistillerparams\n";
 }
 
+bool is_latin(std::wstring_view password) noexcept {
+    return std::ranges::all_of(password, [](wchar_t unit) {
+        return (unit >= 0x20 && unit < 0x7F) || (unit > 0xA0 && unit < 0x100);
+    });
+}
+
+const std::wstring& owner_password(const ps::Security_impl& security) noexcept {
+    return security.MasterPassword.empty() ? security.UserPassword : security.MasterPassword;
+}
+
 bool wants_password(const ps::PrintSettings& settings) noexcept {
     const auto& security = *settings.security();
     return !ps::is_standard(settings.pdfVersion()->Version) &&
@@ -160,9 +169,7 @@ bool wants_password(const ps::PrintSettings& settings) noexcept {
 std::optional<std::string> find_password_options(const ps::PrintSettings& settings) {
     const auto& security = *settings.security();
     const bool pdf13 = ps::has_low_level(settings.pdfVersion()->Version);
-    // Without a master password the user's stands for it, as the format has it.
-    const auto owner =
-        find_hex_password(security.MasterPassword.empty() ? security.UserPassword : security.MasterPassword);
+    const auto owner = find_hex_password(owner_password(security));
     const auto user = find_hex_password(security.UserPassword);
     if (!owner || !user)
         return std::nullopt;
@@ -176,30 +183,22 @@ std::optional<std::string> find_password_options(const ps::PrintSettings& settin
 int32_t permission_bits(const ps::Security_impl& security, bool pdf13) noexcept {
     if (pdf13)
         return pdf13_permission_bits(security);
-    constexpr uint32_t kPrint = 0x4;
-    constexpr uint32_t kModify = 0x8;
-    constexpr uint32_t kCopy = 0x10;
-    constexpr uint32_t kAnnotate = 0x20;
-    constexpr uint32_t kFillForms = 0x100;
-    constexpr uint32_t kReadAloud = 0x200;
-    constexpr uint32_t kAssemble = 0x400;
-    constexpr uint32_t kPrintFine = 0x800;
     constexpr uint32_t kEditing[] = {
-        0,           // nothing
-        kAssemble,   // insert, delete and turn pages
-        kFillForms,  // fill in and sign forms
-        kFillForms | kAnnotate,
-        kFillForms | kAnnotate | kModify,  // everything but extracting pages
-        kFillForms | kAnnotate | kModify | kAssemble,
+        0,              // nothing
+        kMayAssemble,   // insert, delete and turn pages
+        kMayFillForms,  // fill in and sign forms
+        kMayFillForms | kMayAnnotate,
+        kMayFillForms | kMayAnnotate | kMayModify,  // everything but extracting pages
+        kMayFillForms | kMayAnnotate | kMayModify | kMayAssemble,
     };
-    constexpr uint32_t kPrinting[] = {0, kPrint, kPrint | kPrintFine};
+    constexpr uint32_t kPrinting[] = {0, kMayPrint, kMayPrint | kMayPrintFine};
     uint32_t bits = 0xFFFFF0C0u;
     bits |= kEditing[std::min<size_t>(security.EditPermission, std::size(kEditing) - 1)];
     bits |= kPrinting[std::min<size_t>(security.PrintPermission, std::size(kPrinting) - 1)];
     if (security.AllowCopyContent)
-        bits |= kCopy | kReadAloud;
+        bits |= kMayCopy | kMayReadAloud;
     if (security.AllowAccessFromScreenReader)
-        bits |= kReadAloud;
+        bits |= kMayReadAloud;
     return static_cast<int32_t>(bits);
 }
 

@@ -1,6 +1,7 @@
 // How a print setting reads as arguments of Ghostscript's PDF writer.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -43,7 +44,18 @@ struct EngineFiles {
 // has characters outside Latin-1, which this encryption has no bytes for. Only 32 characters of one count.
 [[nodiscard]] std::optional<std::string> find_password_options(const ps::PrintSettings& settings);
 
+// Whether Latin-1 has every character of a password, as the encryptions but AES with 256 bits need it, for
+// which so many count.
+[[nodiscard]] bool is_latin(std::wstring_view password) noexcept;
+inline constexpr size_t kMostLatinPassword = 32;
+
+// Without a master password the user's stands for it, as the format has it.
+[[nodiscard]] const std::wstring& owner_password(const ps::Security_impl& security) noexcept;
+
 // The permission bits (the PDF entry /P) of a setting, for the 40-bit encryption of PDF 1.3 and for 128 bits.
+inline constexpr uint32_t kMayPrint = 0x4, kMayModify = 0x8, kMayCopy = 0x10, kMayAnnotate = 0x20,
+                          kMayFillForms = 0x100, kMayReadAloud = 0x200, kMayAssemble = 0x400,
+                          kMayPrintFine = 0x800;
 [[nodiscard]] int32_t permission_bits(const ps::Security_impl& security, bool pdf13) noexcept;
 
 // What the setting asks for and this renderer does not do, a phrase each; empty when it does everything.

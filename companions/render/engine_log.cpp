@@ -1,8 +1,8 @@
 #include "companions/render/engine_log.h"
 
 #include <algorithm>
-#include <charconv>
 
+#include "companions/render/console.h"
 #include "companions/render/pdfmark.h"
 
 namespace companions::render {
@@ -12,12 +12,6 @@ namespace {
 constexpr size_t kMostLine = 4096;  // what is longer is no line that matters
 constexpr size_t kMostError = 200;
 constexpr std::string_view kAborting = "aborting conversion";  // PDF/A or PDF/X cannot be kept
-
-unsigned number_at(std::string_view text) noexcept {
-    unsigned number = 0;
-    std::from_chars(text.data(), text.data() + text.size(), number);
-    return number;
-}
 
 }  // namespace
 

@@ -50,7 +50,7 @@ std::string postscript_name(const std::vector<std::byte>& table) {
 // The names of a family's four usual faces.
 void add_names(std::set<std::string>& names, HDC dc, const std::wstring& family) {
     constexpr DWORD kNameTable = 0x656D616E;  // "name"
-    for (const LONG weight : {FW_NORMAL, FW_BOLD}) {
+    for (const LONG weight : {FW_NORMAL, FW_BOLD})
         for (const BYTE italic : {BYTE{0}, BYTE{1}}) {
             LOGFONTW wanted = {};
             wanted.lfHeight = -100;
@@ -67,7 +67,6 @@ void add_names(std::set<std::string>& names, HDC dc, const std::wstring& family)
             if (GetFontData(dc, kNameTable, 0, table.data(), size) == size)
                 names.insert(postscript_name(table));
         }
-    }
 }
 
 std::string list(const char* key, const std::set<std::string>& names) {

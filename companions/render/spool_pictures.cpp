@@ -91,7 +91,7 @@ std::vector<uint8_t> colours_of(std::string_view head, std::string_view before, 
     const std::vector<uint8_t> packed = from_run_length(from_ascii85(data), row * height);
     std::vector<uint8_t> colours;
     colours.reserve(width * height * 3);
-    for (size_t y = 0; y < height; ++y) {
+    for (size_t y = 0; y < height; ++y)
         for (size_t x = 0; x < width; ++x) {
             const size_t bit = x * bits;
             const unsigned byte = packed[y * row + bit / 8];
@@ -99,7 +99,6 @@ std::vector<uint8_t> colours_of(std::string_view head, std::string_view before, 
             for (size_t part = 0; part < 3; ++part)
                 colours.push_back(palette[std::min(index * 3 + part, palette.size() - 1)]);
         }
-    }
     return colours;
 }
 
@@ -159,7 +158,7 @@ void filter(GreyPicture& picture, Rule rule) {
         return static_cast<size_t>(
             std::clamp<int64_t>(static_cast<int64_t>(at) + step, 0, static_cast<int64_t>(size) - 1));
     };
-    for (size_t y = 0; y < picture.height; ++y) {
+    for (size_t y = 0; y < picture.height; ++y)
         for (size_t x = 0; x < picture.width; ++x) {
             std::array<int, 9> around;
             for (int i = 0; i < 9; ++i)
@@ -167,7 +166,6 @@ void filter(GreyPicture& picture, Rule rule) {
                                                      clamped(x, i % 3 - 1, picture.width)];
             picture.pixels[y * picture.width + x] = static_cast<uint8_t>(std::clamp(rule(around), 0, 255));
         }
-    }
 }
 
 void apply_filter(GreyPicture& picture, uint32_t kind) {

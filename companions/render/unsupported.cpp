@@ -6,28 +6,20 @@
 
 namespace companions::render {
 
-namespace {
-
-// Run length is offered for images of two colours only.
-bool wants_run_length(const ps::CompressImage& image) {
-    constexpr uint32_t kRunLength = 3;
-    return image.CompressionMethod() == kRunLength;
-}
-
-}  // namespace
-
 std::vector<std::string> unsupported_wishes(const ps::PrintSettings& settings) {
     const ps::PrintSettings defaults;
     const uint32_t version = settings.pdfVersion()->Version;
     const auto& mark = *settings.watermark();
     const auto& compression = *settings.compression();
+    constexpr uint32_t kRunLength = 3;  // which is offered for images of two colours only
     const bool packed = compression.HighCompress;
     const bool has_mark = mark.Style != ps::Watermark_impl::kNoMark;
     const struct {
         bool asked;
         const char* wish;
     } wishes[] = {
-        {wants_run_length(compression.Color) || wants_run_length(compression.Gray),
+        {compression.Color.CompressionMethod() == kRunLength ||
+             compression.Gray.CompressionMethod() == kRunLength,
          "run length for colour and grey images (ZIP is used)"},
         {packed && (compression.ASCIIFormat || compatibility_level(version) < "1.5"),
          "high compression in ASCII format or before PDF 1.5"},
