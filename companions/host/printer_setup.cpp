@@ -36,17 +36,6 @@ std::wstring default_printer() {
     return GetDefaultPrinterW(name, &units) ? name : std::wstring();
 }
 
-std::vector<std::byte> installed_drivers(DWORD& count) {
-    DWORD needed = 0;
-    EnumPrinterDriversW(nullptr, writable(kEnvironment), 3, nullptr, 0, &needed, &count);
-    std::vector<std::byte> drivers(needed);
-    count = 0;
-    if (needed != 0)
-        EnumPrinterDriversW(nullptr, writable(kEnvironment), 3, reinterpret_cast<BYTE*>(drivers.data()),
-                            needed, &needed, &count);
-    return drivers;
-}
-
 }  // namespace
 
 std::wstring driver_folder() {
@@ -74,9 +63,11 @@ bool provide_data_file(const std::wstring& folder) {
 
 std::optional<std::wstring> find_driver_module() {
     DWORD count = 0;
-    const std::vector<std::byte> bytes = installed_drivers(count);
-    const auto* drivers = reinterpret_cast<const DRIVER_INFO_3W*>(bytes.data());
-    for (DWORD at = 0; at < count; ++at)
+    const qk::SizedAnswer answer = qk::read_sized([&count](BYTE* buffer, DWORD size, DWORD* needed) {
+        return EnumPrinterDriversW(nullptr, writable(kEnvironment), 3, buffer, size, needed, &count);
+    });
+    const auto* drivers = reinterpret_cast<const DRIVER_INFO_3W*>(answer.bytes.get());
+    for (DWORD at = 0; drivers && at < count; ++at)
         if (drivers[at].pName && qk::equal_no_case(drivers[at].pName, qk::kProductName))
             return drivers[at].pConfigFile ? std::wstring(drivers[at].pConfigFile) : std::wstring();
     return std::nullopt;

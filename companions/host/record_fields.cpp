@@ -1,9 +1,8 @@
 #include "companions/host/record_fields.h"
 
 #include <cstdint>
-#include <cstring>
 
-#include "common/qk/handle.h"
+#include "common/qk/MMF.h"
 #include "common/qk/text.h"
 
 namespace host {
@@ -12,16 +11,10 @@ namespace {
 
 template <class Record>
 std::optional<Record> find_record(const wchar_t* pattern, DWORD thread) {
-    const std::wstring name = qk::format(pattern, static_cast<int>(thread));
-    const qk::HandleObj mapping(OpenFileMappingW(FILE_MAP_READ, FALSE, name.c_str()));
-    if (!mapping)
-        return std::nullopt;
-    const qk::View view(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, sizeof(Record)));
-    if (!view)
-        return std::nullopt;
+    qk::MMF<Record> block;
+    block.open(qk::format(pattern, static_cast<int>(thread)));
     Record record;
-    std::memcpy(&record, view.get(), sizeof record);
-    return record;
+    return block.read(record) ? std::optional(record) : std::nullopt;
 }
 
 Field number(const wchar_t* name, uint32_t value) {

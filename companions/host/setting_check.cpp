@@ -308,11 +308,9 @@ SettingFindings check_setting(const std::wstring& path) {
         findings.faults.push_back(why_not_read(result));
         return findings;
     }
-    const std::wstring_view extension =
-        std::wstring_view(path).substr(path.size() - std::min<size_t>(path.size(), 5));
     switch (const ps::SettingKind kind = ps::RecogniseBytes(bytes)) {
         case ps::kPS4:
-            check_json(std::string_view(bytes).substr(kMarkBytes), qk::equal_no_case(extension, L".ps4a"),
+            check_json(std::string_view(bytes).substr(kMarkBytes), qk::ends_with_no_case(path, L".ps4a"),
                        findings);
             break;
         case ps::kLegacyFirst:

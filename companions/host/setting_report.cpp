@@ -21,10 +21,8 @@ std::vector<std::wstring> setting_files(const std::wstring& path) {
     WIN32_FIND_DATAW found = {};
     const qk::FindObj search(FindFirstFileW((folder + L"*").c_str(), &found));
     for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found)) {
-        const std::wstring_view name = found.cFileName;
-        const auto is_kind = [&](std::wstring_view extension) {
-            return name.size() > extension.size() &&
-                   qk::equal_no_case(name.substr(name.size() - extension.size()), extension);
+        const auto is_kind = [&found](std::wstring_view extension) {
+            return qk::ends_with_no_case(found.cFileName, extension);
         };
         if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
             (is_kind(L".ps4a") || std::ranges::any_of(kSettingExtensions, is_kind)))

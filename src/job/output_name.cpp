@@ -64,8 +64,7 @@ std::wstring CleanJobTitle(std::wstring_view document_name) {
 }
 
 bool ends_in_pdf(std::wstring_view path) noexcept {
-    return path.size() >= kExtension.size() &&
-           qk::equal_no_case(path.substr(path.size() - kExtension.size()), kExtension);
+    return qk::ends_with_no_case(path, kExtension);
 }
 
 std::wstring safe_stem(std::wstring_view title) {

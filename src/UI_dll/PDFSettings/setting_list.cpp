@@ -48,13 +48,10 @@ std::vector<std::wstring> setting_files(const std::wstring& folder) {
     if (!search)
         return {};
     do {
-        const std::wstring_view name = file.cFileName;
-        for (size_t i = 0; i < kSettingExtensions.size(); ++i) {
-            const std::wstring_view extension = kSettingExtensions[i];
-            if (name.size() >= extension.size() && !(file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) &&
-                qk::equal_no_case(name.substr(name.size() - extension.size()), extension))
+        for (size_t i = 0; i < kSettingExtensions.size(); ++i)
+            if (!(file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) &&
+                qk::ends_with_no_case(file.cFileName, kSettingExtensions[i]))
                 by_extension[i].push_back(folder + file.cFileName);
-        }
     } while (FindNextFileW(search.get(), &file));
     std::vector<std::wstring> files;
     for (auto kind = by_extension.rbegin(); kind != by_extension.rend(); ++kind)

@@ -48,6 +48,7 @@ void copy_zero_padded(wchar_t* buffer, size_t capacity, std::wstring_view text) 
 // Equal without regard to case, as file and registry names are compared.
 [[nodiscard]] bool equal_no_case(std::wstring_view a, std::wstring_view b) noexcept;
 [[nodiscard]] bool starts_with_no_case(std::wstring_view text, std::wstring_view prefix) noexcept;
+[[nodiscard]] bool ends_with_no_case(std::wstring_view text, std::wstring_view suffix) noexcept;
 
 // `text` without the blanks around it, of every kind that people type and paste.
 [[nodiscard]] std::wstring_view without_blanks(std::wstring_view text) noexcept;
