@@ -144,8 +144,7 @@ std::string image_parameters(const ps::PrintSettings& settings) {
         const std::string name = std::string("/") + kind;
         return name + "ImageDict " + dictionary + name + "ACSImageDict " + dictionary;
     };
-    constexpr uint32_t kGroup3 = 1;
-    const bool group3 = compression.Mono.MonoCompressionMethod() == kGroup3;
+    const bool group3 = compression.Mono.MonoCompressionMethod() == ps::CompressImage_impl::kGroup3;
     return "<<\n" + quality("Color", compression.Color) + quality("Gray", compression.Gray) +
            "/MonoImageDict << /K " + (group3 ? "0" : "-1") + " >>\n>> setdistillerparams\n";
 }

@@ -16,12 +16,12 @@ bool has_control(const std::wstring& password) {
 
 // Whether AES with 256 bits protects the PDF, which takes every letter.
 bool is_strongest(const ps::PrintSettings& settings) {
-    constexpr uint32_t kStrongest = 5;
     const auto& security = *settings.security();
     const uint32_t version = settings.pdfVersion()->Version;
     return version == ps::kPDF20 ||
-           (version == ps::kPDF17 && (security.Level >= kStrongest || !is_latin(security.MasterPassword) ||
-                                      !is_latin(security.UserPassword)));
+           (version == ps::kPDF17 &&
+            (security.Level >= ps::Security_impl::kAes256Level || !is_latin(security.MasterPassword) ||
+             !is_latin(security.UserPassword)));
 }
 
 }  // namespace
@@ -56,7 +56,9 @@ std::optional<Encryption> find_encryption(const ps::PrintSettings& settings) {
         return Encryption::kAes256;
     if (ps::has_low_level(version))
         return std::nullopt;
-    return version < ps::kPDF16 || settings.security()->Level == 0 ? Encryption::kRc4 : Encryption::kAes;
+    return version < ps::kPDF16 || settings.security()->Level == ps::Security_impl::kRc4Level
+               ? Encryption::kRc4
+               : Encryption::kAes;
 }
 
 picojson::value encryption_job(const ps::Security_impl& security, Encryption encryption) {

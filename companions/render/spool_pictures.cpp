@@ -19,9 +19,9 @@ constexpr uint64_t kMostPixels = 100'000'000;
 
 uint8_t grey_of(unsigned red, unsigned green, unsigned blue, uint32_t method) {
     const auto [least, most] = std::minmax({red, green, blue});
-    if (method == 1)
+    if (method == ps::Color_impl::kMean)
         return static_cast<uint8_t>((red + green + blue + 1) / 3);
-    if (method == 2)
+    if (method == ps::Color_impl::kMidway)
         return static_cast<uint8_t>((least + most) / 2);
     return static_cast<uint8_t>((red * 299 + green * 587 + blue * 114 + 500) / 1000);
 }
@@ -176,13 +176,13 @@ void apply_filter(GreyPicture& picture, uint32_t kind) {
             all += grey;
         return all;
     };
-    if (kind == 1)  // smooth
+    if (kind == ps::Color_impl::kSmooth)
         filter(picture, [&](const Around& around) { return sum(around) / 9; });
-    else if (kind == 2)  // sharpen
+    else if (kind == ps::Color_impl::kSharpen)
         filter(picture, [&](const Around& around) { return 2 * around[4] - sum(around) / 9; });
-    else if (kind == 3)  // emphasise edges
+    else if (kind == ps::Color_impl::kEmphasiseEdges)
         filter(picture, [&](const Around& around) { return 10 * around[4] - sum(around); });
-    else if (kind == 4)  // remove specks: the middle of the nine
+    else if (kind == ps::Color_impl::kRemoveSpecks)  // the middle of the nine
         filter(picture, [](Around around) {
             std::nth_element(around.begin(), around.begin() + 4, around.end());
             return around[4];
@@ -221,14 +221,14 @@ bool wants_picture_work(const ps::PrintSettings& settings, PictureWork& work) {
     work.method = colour.GrayDecreasingMethod;
     if (colour.ColorMode == ps::Color_impl::kMonochrome) {
         work.to = PictureWork::To::kBlackAndWhite;
-        work.dithers = colour.MonoDecreasingMethod == 1;
+        work.dithers = colour.MonoDecreasingMethod == ps::Color_impl::kDither;
         work.threshold = colour.MonoImageThreshold;
         work.filter = colour.MonoImageFilter;
         return true;
     }
     if (colour.ColorMode == ps::Color_impl::kGrey) {
         work.to = PictureWork::To::kGrey;
-        return work.method != 0;  // the engine's own is the first
+        return work.method != ps::Color_impl::kLuminance;  // the engine's own is the first
     }
     const ps::CompressImage& coloured = settings.compression()->Color;
     const ps::CompressImage& grey = settings.compression()->Gray;
@@ -267,7 +267,8 @@ std::string colour_work(const ps::PrintSettings& settings) {
         ".114 mul exch .587 mul add exch .299 mul add", "add add 3 div",
         ("3 copy 2 copy lt { exch } if pop 2 copy lt { exch } if pop 4 1 roll\n"
          "2 copy gt { exch } if pop 2 copy gt { exch } if pop add 2 div")};
-    if (mono || (colour.ColorMode == ps::Color_impl::kGrey && colour.GrayDecreasingMethod != 0)) {
+    if (mono || (colour.ColorMode == ps::Color_impl::kGrey &&
+                 colour.GrayDecreasingMethod != ps::Color_impl::kLuminance)) {
         const std::string grey = kMethods[std::min(colour.GrayDecreasingMethod, 2u)];
         std::string step;
         if (mono)

@@ -11,7 +11,7 @@ std::vector<std::string> unsupported_wishes(const ps::PrintSettings& settings) {
     const uint32_t version = settings.pdfVersion()->Version;
     const auto& mark = *settings.watermark();
     const auto& compression = *settings.compression();
-    constexpr uint32_t kRunLength = 3;  // which is offered for images of two colours only
+    constexpr auto kRunLength = ps::CompressImage_impl::kRunLength;
     const bool packed = compression.HighCompress;
     const bool has_mark = mark.Style != ps::Watermark_impl::kNoMark;
     const struct {

@@ -19,7 +19,6 @@ namespace companions {
 namespace {
 
 constexpr wchar_t kSection[] = L"Dialog";
-constexpr int32_t kFixedFolder = 1;  // SaveStyle
 
 std::wstring ini_text(const std::wstring& ini_path, const wchar_t* key) {
     return qk::grow_until_it_fits([&](wchar_t* buffer, DWORD units) {
@@ -73,7 +72,7 @@ std::wstring dialog_folder(const std::wstring& record_folder, const ps::General_
 }
 
 bool has_fixed_folder(const ps::General_impl& general) noexcept {
-    return general.SaveStyle == kFixedFolder && !general.OutputFolder.empty();
+    return general.SaveStyle == general.kFixedFolder && !general.OutputFolder.empty();
 }
 
 std::wstring setting_name_for(const std::wstring& printer_name, size_t units) {

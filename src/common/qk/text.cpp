@@ -136,6 +136,11 @@ std::wstring_view file_part(std::wstring_view path) noexcept {
     return slash == std::wstring_view::npos ? path : path.substr(slash + 1);
 }
 
+std::wstring_view file_stem(std::wstring_view path) noexcept {
+    const std::wstring_view file = file_part(path);
+    return file.substr(0, file.rfind(L'.'));
+}
+
 std::wstring_view without_trailing_backslashes(std::wstring_view path) noexcept {
     while (!path.empty() && path.back() == L'\\')
         path.remove_suffix(1);

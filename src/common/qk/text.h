@@ -56,6 +56,9 @@ void copy_zero_padded(wchar_t* buffer, size_t capacity, std::wstring_view text) 
 // The part behind the last backslash; the whole text when it has none.
 [[nodiscard]] std::wstring_view file_part(std::wstring_view path) noexcept;
 
+// That part without its extension, which begins at its last point.
+[[nodiscard]] std::wstring_view file_stem(std::wstring_view path) noexcept;
+
 [[nodiscard]] std::wstring_view without_trailing_backslashes(std::wstring_view path) noexcept;
 
 // Calls `fill(buffer, units)` with growing buffers until the text fits. `fill` follows the Windows habit of
