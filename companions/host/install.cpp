@@ -26,7 +26,7 @@ namespace host {
 namespace {
 
 constexpr wchar_t kFolderValue[] = L"PdfDllPath";
-constexpr wchar_t kNotificationKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Notification";
+using qk::registry::kNotification;
 constexpr wchar_t kChannelsValue[] = L"Error";
 constexpr wchar_t kProcessor[] = L"print processor";
 constexpr wchar_t kOneAtATime[] = L"zr_print_installation";
@@ -126,7 +126,7 @@ void remove_files(const InstallPlaces& places, Steps& steps) {
 // The product's keys, and those that Wine has made around its printer, as far as nothing is left in them.
 void remove_empty_keys() {
     for (const wchar_t* path :
-         {kNotificationKey, L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Corvanta Vantrix 8.0",
+         {kNotification, L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Corvanta Vantrix 8.0",
           L"SOFTWARE\\Corvanta\\Vantrix\\8.0", L"SOFTWARE\\Corvanta\\Vantrix", L"SOFTWARE\\Corvanta"})
         for (const HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
             remove_key_if_empty(hive, path);
@@ -140,7 +140,7 @@ void remove_empty_keys() {
 }
 
 std::wstring log_folder() {
-    const auto chosen = qk::registry::find_text(HKEY_LOCAL_MACHINE, kNotificationKey, L"ErrFile");
+    const auto chosen = qk::registry::find_text(HKEY_LOCAL_MACHINE, kNotification, L"ErrFile");
     return chosen && !chosen->empty() ? *chosen : qk::shared_documents_folder();
 }
 
@@ -217,7 +217,7 @@ InstallSteps uninstall(const StepSeen& seen) {
     if (const std::wstring sheet_host = sheet_host_path(); remove_sheet_host(sheet_host))
         steps.add(sheet_host, L"the system's own again");
     RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, qk::registry::kRoot, kFolderValue);
-    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kNotificationKey, kChannelsValue);
+    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kNotification, kChannelsValue);
     remove_empty_keys();
     steps.add(kFolderValue, L"removed");
     return steps.take();
@@ -256,7 +256,7 @@ std::wstring notify_channels_text() {
                           {NotifyChannel::kEventLog, L"event log"},
                           {NotifyChannel::kDebugOutput, L"debug output"},
                           {NotifyChannel::kLogFile, L"log file in " + log_folder()}};
-    const DWORD channels = qk::registry::find_number(HKEY_LOCAL_MACHINE, kNotificationKey, kChannelsValue)
+    const DWORD channels = qk::registry::find_number(HKEY_LOCAL_MACHINE, kNotification, kChannelsValue)
                                .value_or(NotifyChannel::kMessageBox);
     std::wstring text;
     for (const Name& name : names)
@@ -266,7 +266,7 @@ std::wstring notify_channels_text() {
 }
 
 void set_notify_channels(DWORD channels) {
-    const qk::RegKey key = machine_key(kNotificationKey);
+    const qk::RegKey key = machine_key(kNotification);
     const LSTATUS error = RegSetValueExW(key.get(), kChannelsValue, 0, REG_DWORD,
                                          reinterpret_cast<const BYTE*>(&channels), sizeof channels);
     if (error != ERROR_SUCCESS)
