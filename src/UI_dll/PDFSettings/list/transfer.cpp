@@ -23,8 +23,6 @@ namespace pdf_settings {
 
 namespace {
 
-constexpr WPARAM kMostNameUnits = 100;  // as the General page takes
-
 std::wstring filter() {
     using std::string_view_literals::operator""sv;
     return dialog_text(IDS_PS4_FILES) + std::wstring(L" (*.ps4)\0*.ps4\0"sv);

@@ -30,7 +30,6 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::General_impl;
 
-constexpr size_t kMostNameUnits = 100;
 constexpr size_t kFolderUnits = 512;  // also the buffer of "GetBrowsePath"
 
 struct GeneralHelper final : PageHelper {
