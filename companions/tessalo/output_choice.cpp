@@ -16,8 +16,6 @@ namespace {
 
 constexpr unsigned kMostNumbers = 9999;
 constexpr unsigned kMostTries = 100;
-constexpr std::wstring_view kExtension = L".pdf";
-
 // One answer of the dialog, settled under the rule; nothing, after the user was told, when it cannot be
 // taken.
 std::optional<OutputFile> settle(SaveDialog& dialog, const std::wstring& path, bool confirmed, SameName rule,
@@ -121,7 +119,7 @@ std::optional<OutputFile> choose_unattended(std::wstring_view folder, const Want
 
 std::optional<OutputFile> choose_with_dialog(SaveDialog& dialog, std::wstring folder, std::wstring_view title,
                                              SameName rule, const NameLimits& limits) {
-    std::wstring name = safe_stem(title) + std::wstring(kExtension);
+    std::wstring name = safe_stem(title) + std::wstring(kPdfExtension);
     if (const auto path = find_safe_path(folder, title, 0, limits))
         name = qk::file_part(*path);
     for (;;) {
@@ -130,7 +128,7 @@ std::optional<OutputFile> choose_with_dialog(SaveDialog& dialog, std::wstring fo
             return std::nullopt;
         // A name that the extension is added to is not the one that the dialog has asked about.
         const bool confirmed = ends_in_pdf(*answer);
-        const std::wstring path = confirmed ? *answer : *answer + std::wstring(kExtension);
+        const std::wstring path = confirmed ? *answer : *answer + std::wstring(kPdfExtension);
         if (auto file = settle(dialog, path, confirmed, rule, limits))
             return file;
         folder = folder_part(path);

@@ -14,12 +14,8 @@
 namespace companions {
 
 // What a setting says of an output file that exists (`WhenSameName`).
-enum class SameName : int32_t {
-    kOverwrite = ps::General_impl::kOverwrite,
-    kAsk = ps::General_impl::kAsk,
-    kNumber = ps::General_impl::kNumber,
-    kRefuse = ps::General_impl::kRefuse
-};
+enum class SameName : int32_t { kOverwrite, kAsk, kNumber, kRefuse };
+static_assert(static_cast<int32_t>(SameName::kRefuse) == ps::General_impl::kRefuse);
 
 // Codes outside 0 to 3 count as kAsk, which loses nothing.
 [[nodiscard]] SameName same_name_rule(int32_t code) noexcept;
