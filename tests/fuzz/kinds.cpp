@@ -23,8 +23,6 @@ namespace fuzz {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 constexpr wchar_t kOwnFolder[] = L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\";
 
 // What all kinds share: an installation with the scripted dialog library.
