@@ -10,6 +10,7 @@
 
 #include "common/ErrorNotify.h"
 #include "common/qk/text.h"
+#include "companions/command_line.h"
 
 namespace host {
 
@@ -157,7 +158,7 @@ std::vector<std::wstring> without_mark(std::span<const wchar_t* const> words) {
 ParsedOptions parse_options(std::span<const wchar_t* const> words) {
     const std::vector<std::wstring> plain = without_mark(words);
     if (plain.empty())
-        return {{L"no command given", {}}, {}};
+        return {{}, L"no command given", {}};
     ParsedOptions parsed;
     CLI::App app(
         "Prints text files through the printer \"Corvanta Vantrix 8.0\" and plays the print system "
@@ -173,12 +174,14 @@ ParsedOptions parse_options(std::span<const wchar_t* const> words) {
     std::ranges::transform(plain, std::back_inserter(given), &std::wstring::c_str);
     if (std::wstring_view(given[0]) == L"help")
         given[0] = L"--help";
-    static_cast<companions::ReadWords&>(parsed) = companions::read_words(app, given);
+    companions::ReadWords read = companions::read_words(app, given);
     parsed.options.json = std::ranges::find(plain, L"--json") != plain.end();
-    if (!parsed.help.empty() && parsed.options.json) {
+    if (!read.help.empty() && parsed.options.json) {
         const auto asked = app.get_subcommands();
-        parsed.help = qk::to_wide(json_app(asked.empty() ? app : *asked.front()).serialize(true));
+        read.help = qk::to_wide(json_app(asked.empty() ? app : *asked.front()).serialize(true));
     }
+    parsed.help = std::move(read.help);
+    parsed.fault = std::move(read.fault);
     if (parsed.help.empty() && app.get_subcommands().empty())
         parsed.fault = L"unknown command \"" + std::wstring(given[0]) + L"\"";
     return parsed;

@@ -8,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "companions/command_line.h"
-
 namespace host {
 
 enum class Command { kInstall, kUninstall, kStatus, kPrint, kProperties, kCheck, kDiff };
@@ -43,8 +41,10 @@ struct Options {
     bool keep_spool = false;
 };
 
-struct ParsedOptions : companions::ReadWords {  // whose help is lines, or with --json a JSON object
+struct ParsedOptions {
     Options options;
+    std::wstring fault;  // what is wrong, in one sentence; empty when nothing is
+    std::wstring help;   // when the words ask for that: lines, or with --json a JSON object
 };
 
 // What the words behind the program's name ask for.

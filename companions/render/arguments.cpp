@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "companions/command_line.h"
+
 namespace companions::render {
 
 namespace {
@@ -44,7 +46,9 @@ ParsedArguments parse_arguments(std::span<const wchar_t* const> words) {
     app.footer("exit codes: 0 done, 1 failed (see the result record), 2 wrong arguments, 3 no such job");
     prepare(app);
     add_options(app, parsed.arguments, arena);
-    static_cast<ReadWords&>(parsed) = read_words(app, words);
+    ReadWords read = read_words(app, words);
+    parsed.help = std::move(read.help);
+    parsed.fault = std::move(read.fault);
     if (parsed.fault.empty() && arena.size() == 3)
         parsed.arguments.arena = {static_cast<DWORD>(arena[0]), arena[1],
                                   static_cast<size_t>(std::min<uint64_t>(arena[2], kMostArenaBytes))};

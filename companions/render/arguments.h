@@ -8,8 +8,6 @@
 #include <span>
 #include <string>
 
-#include "companions/command_line.h"
-
 namespace companions::render {
 
 // Memory of the printing process that the renderer may write texts into.
@@ -32,8 +30,10 @@ struct Arguments {
 };
 
 // What a command line asks for.
-struct ParsedArguments : ReadWords {
+struct ParsedArguments {
     Arguments arguments;
+    std::wstring fault;  // what is wrong with it, in one sentence; empty when nothing is
+    std::wstring help;   // when it asks for that
 };
 
 // Numbers are decimal, or hexadecimal after "0x".
