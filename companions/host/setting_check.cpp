@@ -7,6 +7,7 @@
 
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
+#include "common/setting_signatures.h"
 #include "companions/host/field_ranges.h"
 #include "companions/host/json_text.h"
 #include "companions/host/report_parts.h"
@@ -24,7 +25,6 @@ namespace host {
 namespace {
 
 constexpr char kOwnKey[] = "Administrator";
-constexpr size_t kMarkBytes = 3;
 
 // By the kinds' numbers in picojson.
 constexpr const wchar_t* kKindNames[] = {L"null",   L"true or false", L"a number",
@@ -310,8 +310,8 @@ SettingFindings check_setting(const std::wstring& path) {
     }
     switch (const ps::SettingKind kind = ps::RecogniseBytes(bytes)) {
         case ps::kPS4:
-            check_json(std::string_view(bytes).substr(kMarkBytes), qk::ends_with_no_case(path, L".ps4a"),
-                       findings);
+            check_json(std::string_view(bytes).substr(kByteOrderMark.size()),
+                       qk::ends_with_no_case(path, L".ps4a"), findings);
             break;
         case ps::kLegacyFirst:
         case ps::kLegacyChunked:
