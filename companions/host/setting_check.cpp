@@ -59,7 +59,7 @@ std::wstring line_number(std::string_view text, size_t at) {
     return std::to_wstring(std::ranges::count(text.substr(0, at), '\n') + 1);
 }
 
-std::wstring why_not_read(int result) {
+std::wstring why_not_read(ps::LoadResult result) {
     return result == ps::kMissing ? L"there is no such file"
                                   : L"it is locked by another program or too large for a setting file";
 }
