@@ -98,7 +98,7 @@ bool bench_settings(const TempFolder& folder) {
         101, 50,
         [&] {
             PrintSettings settings;
-            sink = settings.LoadPS4(text, false);
+            sink = static_cast<int>(settings.LoadPS4(text, false));
         },
         parse_alone);
     bool good = report("read a full setting", "picojson's parse of the same bytes", read, 1.5);

@@ -25,7 +25,6 @@ namespace bench {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
 using companions::wine::find_unix_path;
 
 constexpr int kRuns = 5;

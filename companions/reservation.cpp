@@ -2,13 +2,12 @@
 
 #include <windows.h>
 
-#include <cwchar>
 #include <string>
 
 namespace companions {
 
 void discard_reserved(const ZRTKPrintStartInfoC& start) {
-    const std::wstring path(start.output_path, wcsnlen(start.output_path, kRecordTextUnits));
+    const std::wstring path = record_text(start.output_path);
     WIN32_FILE_ATTRIBUTE_DATA data = {};
     const bool empty = !path.empty() && GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) &&
                        data.nFileSizeHigh == 0 && data.nFileSizeLow == 0;

@@ -1,4 +1,5 @@
-// Texts that the system gives, and parts of paths. Each is empty where the system has none.
+// Texts that the system gives, and parts of paths, each empty where the system has none; and those that it
+// keeps.
 #pragma once
 
 #include <windows.h>
@@ -18,6 +19,13 @@ namespace companions {
 // With its trailing backslash.
 [[nodiscard]] inline std::wstring temporary_folder() {
     return qk::grow_until_it_fits([](wchar_t* buffer, DWORD units) { return GetTempPathW(units, buffer); });
+}
+
+// Writes a text value of the registry with its terminating zero; the error, 0 when it stands there.
+[[nodiscard]] inline DWORD store_text(HKEY key, const wchar_t* value, const std::wstring& text) noexcept {
+    return static_cast<DWORD>(RegSetValueExW(key, value, 0, REG_SZ,
+                                             reinterpret_cast<const BYTE*>(text.c_str()),
+                                             static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))));
 }
 
 // The path whatever the current folder is.

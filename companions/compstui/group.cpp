@@ -1,6 +1,5 @@
 #include "companions/compstui/group.h"
 
-#include <algorithm>
 #include <memory>
 
 #include "common/qk/memory_probe.h"
@@ -61,10 +60,9 @@ LONG GroupNode::check() const {
     if (description_.cDlgPage == 0 ||
         !qk::is_readable(description_.pDlgPage, description_.cDlgPage * sizeof(DLGPAGE)))
         return ERR_CPSUI_INVALID_PDLGPAGE;
-    for (const DLGPAGE& page : std::span(description_.pDlgPage, description_.cDlgPage)) {
+    for (const DLGPAGE& page : std::span(description_.pDlgPage, description_.cDlgPage))
         if (page.cbSize != sizeof page)
             return ERR_CPSUI_INVALID_DLGPAGE_CBSIZE;
-    }
     return check_items(items(), description_.cDlgPage);
 }
 
@@ -73,10 +71,9 @@ LONG GroupNode::make_pages(const COMPROPSHEETUI& description) {
         return ERR_CPSUI_INVALID_PDATA;
     if (const LONG wrong = check(); wrong < 0)
         return wrong;
-    for (size_t i = 0; i < description_.cDlgPage; ++i) {
+    for (size_t i = 0; i < description_.cDlgPage; ++i)
         if (const LONG wrong = make_page(description_.pDlgPage[i], i); wrong < 0)
             return wrong;
-    }
     return description_.cDlgPage;
 }
 

@@ -8,9 +8,6 @@
 #include <winspool.h>
 #include <compstui.h>
 
-#include <exception>
-#include <new>
-
 static_assert(sizeof(COMPROPSHEETUI) == 128 && sizeof(DLGPAGE) == 40 && sizeof(OPTITEM) == 88);
 static_assert(sizeof(OPTTYPE) == 48 && sizeof(OPTPARAM) == 48 && sizeof(PSPINFO) == 32);
 
@@ -27,21 +24,6 @@ enum ListControl { kListFrame, kListTitle, kListBox, kListIcon };
 // count, when the handle or parameter is wrong or the function is not served (last error 120). Called on the
 // sheet's thread.
 LONG_PTR CALLBACK com_prop_sheet(HANDLE handle, UINT function, LPARAM first, LPARAM second) noexcept;
-
-// Calls `inner`; an exception becomes `failure` and last error 14 (no memory) or 31 (anything else).
-template <class Result, class Inner>
-[[nodiscard]] Result guarded(Result failure, Inner inner) noexcept {
-    DWORD error = ERROR_GEN_FAILURE;
-    try {
-        return inner();
-    } catch (const std::bad_alloc&) {
-        error = ERROR_OUTOFMEMORY;
-    } catch (...) {
-        error = ERROR_GEN_FAILURE;
-    }
-    SetLastError(error);
-    return failure;
-}
 
 // Returns `result` with the thread's last error set.
 template <class Result>

@@ -20,10 +20,9 @@ LONG check_type(const OPTTYPE& type) noexcept {
         return ERR_CPSUI_INVALID_OPTTYPE_COUNT;
     if (!qk::is_readable(type.pOptParam, type.Count * sizeof(OPTPARAM)))
         return ERR_CPSUI_NULL_POPTPARAM;
-    for (const OPTPARAM& parameter : std::span(type.pOptParam, type.Count)) {
+    for (const OPTPARAM& parameter : std::span(type.pOptParam, type.Count))
         if (parameter.cbSize != sizeof parameter)
             return ERR_CPSUI_INVALID_OPTPARAM_CBSIZE;
-    }
     return 0;
 }
 
@@ -44,10 +43,9 @@ LONG check_items(std::span<const OPTITEM> items, size_t pages) noexcept {
         return 0;
     if (!qk::is_writable(const_cast<OPTITEM*>(items.data()), items.size_bytes()))
         return ERR_CPSUI_NULL_POPTITEM;
-    for (const OPTITEM& item : items) {
+    for (const OPTITEM& item : items)
         if (const LONG wrong = check_item(item, pages); wrong < 0)
             return wrong;
-    }
     return 0;
 }
 

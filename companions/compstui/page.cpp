@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "common/qk/guard.h"
 #include "companions/compstui/group.h"
 #include "companions/compstui/sheet.h"
 
@@ -77,7 +78,7 @@ UINT CALLBACK PageNode::callback(HWND window, UINT message, PROPSHEETPAGEW* page
 }
 
 INT_PTR CALLBACK PageNode::procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
-    return guarded<INT_PTR>(FALSE, [&]() -> INT_PTR {
+    return qk::guarded<INT_PTR>(FALSE, [&]() -> INT_PTR {
         if (message == WM_INITDIALOG) {
             auto* page = reinterpret_cast<PageNode*>(reinterpret_cast<PROPSHEETPAGEW*>(lparam)->lParam);
             return SetPropW(window, kProperty, page) ? page->initialise(window, wparam) : FALSE;

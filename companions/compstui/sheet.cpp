@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "common/qk/memory_probe.h"
+#include "common/qk/guard.h"
 #include "companions/compstui/page.h"
 #include "companions/compstui/sheet_size.h"
 #include "companions/compstui/strings.h"
@@ -187,7 +187,7 @@ LONG show_sheet(HWND owner, PFNPROPSHEETUI function, LPARAM parameter, DWORD* re
         *result = CPSUI_CANCEL;
     if (!function)
         return failed<LONG>(ERROR_INVALID_PARAMETER, ERR_CPSUI_INVALID_PDATA);
-    return guarded<LONG>(ERR_CPSUI_ALLOCMEM_FAILED, [&] {
+    return qk::guarded<LONG>(ERR_CPSUI_ALLOCMEM_FAILED, [&] {
         constexpr INITCOMMONCONTROLSEX kControls = {sizeof kControls, ICC_TAB_CLASSES | ICC_STANDARD_CLASSES};
         InitCommonControlsEx(&kControls);
         return Sheet().run(owner, function, parameter, result);

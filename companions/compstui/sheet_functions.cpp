@@ -1,9 +1,9 @@
 // What callers reach through pfnComPropSheet.
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <vector>
 
+#include "common/qk/guard.h"
 #include "common/qk/memory_probe.h"
 #include "companions/compstui/group.h"
 #include "companions/compstui/page.h"
@@ -46,20 +46,17 @@ LONG_PTR add_group(Node& node, LPARAM group, LPARAM pages) {
     FunctionNode* function = find_open_function(node);
     const auto* description = reinterpret_cast<const COMPROPSHEETUI*>(group);
     auto added = std::make_unique<GroupNode>(node.sheet, function);
+    auto* stands = added.get();
     if (function && qk::is_readable(description, sizeof *description)) {
         // In its place before its pages are made: they count against the sheet's room.
         function->children.push_back(std::move(added));
-        auto& stands = static_cast<GroupNode&>(*function->children.back());
-        made = stands.make_pages(*description);
-        if (reports)
-            *count = made;
-        if (made > 0)
-            return as_result(&stands);
-        function->children.pop_back();
+        made = stands->make_pages(*description);
+        if (made <= 0)
+            function->children.pop_back();
     }
     if (reports)
         *count = made;
-    return failed<LONG_PTR>(ERROR_INVALID_PARAMETER, 0);
+    return made > 0 ? as_result(stands) : failed<LONG_PTR>(ERROR_INVALID_PARAMETER, 0);
 }
 
 LONG_PTR add_function(Node& node, LPARAM function, LPARAM parameter) {
@@ -110,7 +107,7 @@ constexpr Entry kEntries[] = {
 }  // namespace
 
 LONG_PTR CALLBACK com_prop_sheet(HANDLE handle, UINT function, LPARAM first, LPARAM second) noexcept {
-    return guarded<LONG_PTR>(0, [&]() -> LONG_PTR {
+    return qk::guarded<LONG_PTR>(0, [&]() -> LONG_PTR {
         Node* node = find_node(handle);
         if (!node)
             return failed<LONG_PTR>(ERROR_INVALID_HANDLE, function == CPSFUNC_SET_RESULT ? -1 : 0);

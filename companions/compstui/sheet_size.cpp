@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/qk/guard.h"
 #include "companions/compstui/page.h"
 
 namespace compstui {
@@ -53,7 +54,7 @@ SheetSize::~SheetSize() {
 }
 
 int CALLBACK SheetSize::callback(HWND sheet, UINT message, LPARAM) noexcept {
-    return guarded<int>(0, [&] {
+    return qk::guarded<int>(0, [&] {
         if (message == PSCB_INITIALIZED && current)
             current->fit(sheet);
         return 0;
@@ -75,12 +76,11 @@ void SheetSize::fit(HWND sheet) const {
     }
     if (lacks.cx == 0 && lacks.cy == 0)
         return;
-    for (HWND child = GetWindow(sheet, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+    for (HWND child = GetWindow(sheet, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
         if (child == tabs)
             grow(child, lacks);
         else
             move(child, sheet, lacks);
-    }
     grow(sheet, lacks);
 }
 

@@ -66,7 +66,7 @@ Child start(const std::vector<std::wstring>& words, STARTUPINFOEXW& startup, boo
     PROCESS_INFORMATION made = {};
     if (!CreateProcessW(words[0].c_str(), line.data(), nullptr, nullptr, inherits, flags, nullptr, nullptr,
                         &startup.StartupInfo, &made))
-        throw HostError{ExitCode::kInstallation, with_reason(L"cannot start " + words[0], GetLastError())};
+        throw installation_fault(L"cannot start " + words[0], GetLastError());
     const qk::HandleObj thread(made.hThread);
     return {qk::HandleObj(made.hProcess), {}};
 }

@@ -28,18 +28,14 @@ void write(DWORD stream, std::wstring_view text) {
     WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
 }
 
-std::wstring as_line(std::wstring_view text) {
-    return std::wstring(text) + L'\n';
-}
-
 }  // namespace
 
 void print_line(std::wstring_view line) {
-    write(output_is_json ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE, as_line(line));
+    write(output_is_json ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE, std::wstring(line) + L'\n');
 }
 
 void report_progress(std::wstring_view line) {
-    write(STD_ERROR_HANDLE, as_line(line));
+    write(STD_ERROR_HANDLE, std::wstring(line) + L'\n');
 }
 
 void keep_output_for_json() noexcept {

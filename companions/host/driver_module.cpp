@@ -1,6 +1,5 @@
 #include "companions/host/driver_module.h"
 
-#include "companions/host/host_error.h"
 #include "companions/host/printer_setup.h"
 
 namespace host {
@@ -8,10 +7,8 @@ namespace host {
 DriverModule load_module(const std::wstring& path) {
     qk::DLL library(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
     if (!library)
-        throw HostError{ExitCode::kInstallation, with_reason(L"cannot load " + path, GetLastError())};
-    auto* document_event = qk::find_export<DocumentEvent>(library.get(), "DrvDocumentEvent");
-    if (!document_event)
-        throw HostError{ExitCode::kInstallation, path + L" has no DrvDocumentEvent"};
+        throw installation_fault(L"cannot load " + path, GetLastError());
+    auto* document_event = driver_export<DocumentEvent>(library, path, "DrvDocumentEvent");
     return {path, std::move(library), document_event};
 }
 

@@ -13,8 +13,6 @@ namespace host {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 using Ranges = std::map<std::wstring, std::wstring>;
 
 std::wstring number(double value) {

@@ -22,4 +22,8 @@ std::wstring with_reason(const std::wstring& what, DWORD error) {
     return qk::format(L"%s: %s (%u)", what.c_str(), error_in_words(error).c_str(), error);
 }
 
+HostError installation_fault(const std::wstring& what, DWORD error) {
+    return {ExitCode::kInstallation, with_reason(what, error)};
+}
+
 }  // namespace host

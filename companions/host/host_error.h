@@ -38,4 +38,7 @@ inline constexpr DWORD kJobCancelled = 2153;
 // "<what>: <the error in words> (<number>)".
 [[nodiscard]] std::wstring with_reason(const std::wstring& what, DWORD error);
 
+// The same as what ends a program whose installation is at fault.
+[[nodiscard]] HostError installation_fault(const std::wstring& what, DWORD error);
+
 }  // namespace host

@@ -18,6 +18,7 @@
 #include "companions/print_processor/names.h"
 #include "companions/render/engine.h"
 #include "companions/render/scratch_folder.h"
+#include "companions/system_texts.h"
 #include "companions/wine_layer.h"
 
 namespace host {
@@ -25,7 +26,7 @@ namespace host {
 namespace {
 
 constexpr wchar_t kFolderValue[] = L"PdfDllPath";
-constexpr wchar_t kNotificationKey[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Notification";
+using qk::registry::kNotification;
 constexpr wchar_t kChannelsValue[] = L"Error";
 constexpr wchar_t kProcessor[] = L"print processor";
 constexpr wchar_t kOneAtATime[] = L"zr_print_installation";
@@ -65,17 +66,14 @@ qk::RegKey machine_key(const std::wstring& path) {
 bool set_text(HKEY key, const wchar_t* value, const std::wstring& text) {
     if (qk::registry::find_text(key, value) == text)
         return false;
-    const LSTATUS error = RegSetValueExW(key, value, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                                         static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-    if (error != ERROR_SUCCESS)
-        throw HostError{ExitCode::kInstallation, with_reason(std::wstring(L"the registry refuses ") + value,
-                                                             static_cast<DWORD>(error))};
+    if (const DWORD error = companions::store_text(key, value, text); error != ERROR_SUCCESS)
+        throw installation_fault(std::wstring(L"the registry refuses ") + value, error);
     return true;
 }
 
 void make_folder(const std::wstring& folder) {
     if (!ForceDirectories(folder))
-        throw HostError{ExitCode::kInstallation, with_reason(L"cannot make " + folder, GetLastError())};
+        throw installation_fault(L"cannot make " + folder, GetLastError());
 }
 
 void copy_files(const std::wstring& stage, const InstallPlaces& places, Steps& steps) {
@@ -128,7 +126,7 @@ void remove_files(const InstallPlaces& places, Steps& steps) {
 // The product's keys, and those that Wine has made around its printer, as far as nothing is left in them.
 void remove_empty_keys() {
     for (const wchar_t* path :
-         {kNotificationKey, L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Corvanta Vantrix 8.0",
+         {kNotification, L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Corvanta Vantrix 8.0",
           L"SOFTWARE\\Corvanta\\Vantrix\\8.0", L"SOFTWARE\\Corvanta\\Vantrix", L"SOFTWARE\\Corvanta"})
         for (const HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
             remove_key_if_empty(hive, path);
@@ -142,7 +140,7 @@ void remove_empty_keys() {
 }
 
 std::wstring log_folder() {
-    const auto chosen = qk::registry::find_text(HKEY_LOCAL_MACHINE, kNotificationKey, L"ErrFile");
+    const auto chosen = qk::registry::find_text(HKEY_LOCAL_MACHINE, kNotification, L"ErrFile");
     return chosen && !chosen->empty() ? *chosen : qk::shared_documents_folder();
 }
 
@@ -220,7 +218,7 @@ InstallSteps uninstall(const StepSeen& seen) {
     if (const std::wstring sheet_host = sheet_host_path(); remove_sheet_host(sheet_host))
         steps.add(sheet_host, L"the system's own again");
     RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, qk::registry::kRoot, kFolderValue);
-    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kNotificationKey, kChannelsValue);
+    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kNotification, kChannelsValue);
     remove_empty_keys();
     steps.add(kFolderValue, L"removed");
     return steps.take();
@@ -259,7 +257,7 @@ std::wstring notify_channels_text() {
                           {NotifyChannel::kEventLog, L"event log"},
                           {NotifyChannel::kDebugOutput, L"debug output"},
                           {NotifyChannel::kLogFile, L"log file in " + log_folder()}};
-    const DWORD channels = qk::registry::find_number(HKEY_LOCAL_MACHINE, kNotificationKey, kChannelsValue)
+    const DWORD channels = qk::registry::find_number(HKEY_LOCAL_MACHINE, kNotification, kChannelsValue)
                                .value_or(NotifyChannel::kMessageBox);
     std::wstring text;
     for (const Name& name : names)
@@ -269,11 +267,10 @@ std::wstring notify_channels_text() {
 }
 
 void set_notify_channels(DWORD channels) {
-    const LSTATUS error = RegSetKeyValueW(HKEY_LOCAL_MACHINE, kNotificationKey, kChannelsValue, REG_DWORD,
+    const LSTATUS error = RegSetKeyValueW(HKEY_LOCAL_MACHINE, kNotification, kChannelsValue, REG_DWORD,
                                           &channels, sizeof channels);
     if (error != ERROR_SUCCESS)
-        throw HostError{ExitCode::kInstallation,
-                        with_reason(L"the notification channels cannot be set", static_cast<DWORD>(error))};
+        throw installation_fault(L"the notification channels cannot be set", static_cast<DWORD>(error));
 }
 
 }  // namespace host

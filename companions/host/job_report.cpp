@@ -3,6 +3,7 @@
 #include <picojson.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
@@ -117,13 +118,14 @@ std::vector<std::wstring> report_lines(const JobReport& report) {
 }
 
 std::string report_json(const JobReport& report) {
+    const std::pair<const char*, const std::wstring&> texts[] = {
+        {"file", report.file},       {"encoding", report.encoding}, {"title", report.title},
+        {"printer", report.printer}, {"module", report.module},     {"font", report.font},
+        {"spool", report.spool},     {"pdf", report.pdf},           {"fault", report.fault},
+        {"caption", report.caption}, {"message", report.message}};
     picojson::object object;
-    object["file"] = json_text(report.file);
-    object["encoding"] = json_text(report.encoding);
-    object["title"] = json_text(report.title);
-    object["printer"] = json_text(report.printer);
-    object["module"] = json_text(report.module);
-    object["font"] = json_text(report.font);
+    for (const auto& [name, text] : texts)
+        object[name] = json_text(text);
     object["thread"] = json_number(report.thread);
     object["job"] = json_number(static_cast<size_t>(report.job));
     object["pages"] = json_number(report.pages);
@@ -134,13 +136,8 @@ std::string report_json(const JobReport& report) {
     object["result_record"] = json_record(report.result_record);
     object["renderer_exit_code"] =
         report.renderer_exit_code ? json_number(*report.renderer_exit_code) : picojson::value();
-    object["spool"] = json_text(report.spool);
-    object["pdf"] = json_text(report.pdf);
     object["last_error"] = json_number(report.last_error);
     object["last_error_text"] = json_text(error_in_words(report.last_error));
-    object["fault"] = json_text(report.fault);
-    object["caption"] = json_text(report.caption);
-    object["message"] = json_text(report.message);
     object["outcome"] = json_text(outcome_name(report.outcome));
     object["trace"] = json_texts(report.trace);
     return picojson::value(object).serialize(true);

@@ -70,12 +70,11 @@ void add_lines(PageBuilder& pages, std::wstring_view text) {
 std::wstring drawable_line(std::wstring_view line) {
     std::wstring drawn;
     drawn.reserve(line.size());
-    for (const wchar_t unit : line) {
+    for (const wchar_t unit : line)
         if (unit == L'\t')
             drawn.append(kTabColumns - drawn.size() % kTabColumns, L' ');
         else
             drawn += is_control(unit) ? L' ' : unit;
-    }
     return drawn;
 }
 

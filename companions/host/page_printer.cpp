@@ -67,16 +67,12 @@ void draw_text(HDC context, int x, int y, const std::wstring& text) noexcept {
 PagePrinter::PagePrinter(HDC context)
     : context_(context),
       font_(create_font(context)),
-      replaced_font_(SelectObject(context, font_.get())),
+      selected_(context, font_.get()),
       area_(text_area(context)) {
     TEXTMETRICW metrics = {};
     GetTextMetricsW(context_, &metrics);
     line_height_ = std::max<int>(metrics.tmHeight + metrics.tmExternalLeading, 1);
     footer_top_ = area_.bottom - line_height_;
-}
-
-PagePrinter::~PagePrinter() {
-    SelectObject(context_, replaced_font_);
 }
 
 PageLayout PagePrinter::layout() const {

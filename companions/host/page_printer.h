@@ -16,9 +16,6 @@ namespace host {
 class PagePrinter {
 public:
     explicit PagePrinter(HDC context);
-    ~PagePrinter();
-    PagePrinter(const PagePrinter&) = delete;
-    PagePrinter& operator=(const PagePrinter&) = delete;
 
     // How text is broken into pages for this device. Valid while this object lives.
     [[nodiscard]] PageLayout layout() const;
@@ -35,7 +32,7 @@ private:
 
     HDC context_;
     qk::Font font_;
-    HGDIOBJ replaced_font_ = nullptr;
+    qk::Selected selected_;
     RECT area_ = {};  // of the text, device units
     int line_height_ = 1;
     int footer_top_ = 0;

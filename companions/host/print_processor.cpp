@@ -15,9 +15,6 @@ namespace host {
 
 namespace {
 
-const PrintProcessor kEmf = {processor::kName, processor::kEmf, L"documents are spooled as EMF"};
-const PrintProcessor kRaw = {processor::kName, processor::kRaw, L"documents are spooled as PostScript"};
-
 std::wstring processor_key(const wchar_t* name) {
     return environment_key() + L"\\Print Processors" + name;
 }
@@ -31,13 +28,15 @@ bool spools_emf() {
 
 }  // namespace
 
-PrintProcessor needed_print_processor() {
-    return spools_emf() ? kEmf : kRaw;
+const wchar_t* needed_datatype() {
+    return spools_emf() ? processor::kEmf : processor::kRaw;
 }
 
 std::wstring print_processor_text(const std::wstring& name) {
-    const PrintProcessor own = needed_print_processor();
-    return qk::equal_no_case(name, own.name) ? own.name + L", " + own.meaning : name;
+    if (!qk::equal_no_case(name, processor::kName))
+        return name;
+    return std::wstring(processor::kName) + L", documents are spooled as " +
+           (spools_emf() ? L"EMF" : L"PostScript");
 }
 
 std::wstring processor_folder() {
@@ -45,8 +44,7 @@ std::wstring processor_folder() {
     DWORD needed = 0;
     if (!GetPrintProcessorDirectoryW(nullptr, writable(kEnvironment), 1, reinterpret_cast<BYTE*>(folder),
                                      sizeof folder, &needed))
-        throw HostError{ExitCode::kInstallation,
-                        with_reason(L"the spooler names no folder of print processors", GetLastError())};
+        throw installation_fault(L"the spooler names no folder of print processors", GetLastError());
     return std::wstring(folder) + L'\\';
 }
 
@@ -62,8 +60,7 @@ bool ensure_print_processor() {
         return false;
     if (!AddPrintProcessorW(nullptr, writable(kEnvironment), writable(processor::kLibrary),
                             writable(processor::kName)))
-        throw HostError{ExitCode::kInstallation,
-                        with_reason(L"the print processor cannot be installed", GetLastError())};
+        throw installation_fault(L"the print processor cannot be installed", GetLastError());
     return true;
 }
 
@@ -85,10 +82,9 @@ bool remove_print_processor() {
     DeletePrintProcessorW(nullptr, writable(kEnvironment), writable(processor::kName));
     // Wine's does nothing.
     const std::wstring key = processor_key(L"\\") + processor::kName;
-    const LSTATUS error = RegDeleteKeyW(HKEY_LOCAL_MACHINE, key.c_str());
+    const auto error = static_cast<DWORD>(RegDeleteKeyW(HKEY_LOCAL_MACHINE, key.c_str()));
     if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND)
-        throw HostError{ExitCode::kInstallation,
-                        with_reason(L"the print processor cannot be removed", static_cast<DWORD>(error))};
+        throw installation_fault(L"the print processor cannot be removed", error);
     remove_key_if_empty(HKEY_LOCAL_MACHINE, processor_key(L""));
     return true;
 }

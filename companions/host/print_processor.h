@@ -7,15 +7,9 @@
 
 namespace host {
 
-struct PrintProcessor {
-    std::wstring name;      // as it is registered
-    std::wstring datatype;  // of the documents that it takes
-    std::wstring meaning;   // in words, for the installation's report
-};
-
-// The print processor that the printer has to name, which is the product's own, and what it gets on this
-// print system: Wine from version 10 on spools documents as EMF, earlier ones as PostScript.
-[[nodiscard]] PrintProcessor needed_print_processor();
+// The datatype that the printer has to have, so that the product's print processor gets what this print
+// system spools: Wine from version 10 on EMF, earlier ones PostScript.
+[[nodiscard]] const wchar_t* needed_datatype();
 
 // What the name of a printer's processor means; the name alone where it is none of ours.
 [[nodiscard]] std::wstring print_processor_text(const std::wstring& name);

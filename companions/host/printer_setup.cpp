@@ -13,6 +13,7 @@
 #include "companions/host/spooler.h"
 #include "companions/host/stage_files.h"
 #include "companions/print_processor/names.h"
+#include "companions/system_texts.h"
 
 namespace host {
 
@@ -20,10 +21,6 @@ namespace {
 
 constexpr wchar_t kFormerDefault[] = L"FormerDefaultPrinter";  // of the user's product key
 constexpr DWORD kDriverVersion = 3;
-
-HostError installation_fault(const std::wstring& what, DWORD error) {
-    return {ExitCode::kInstallation, with_reason(what, error)};
-}
 
 std::string_view data_file_bytes() {
     const HRSRC found = FindResourceW(nullptr, MAKEINTRESOURCEW(IDR_DATA_FILE), RT_RCDATA);
@@ -107,13 +104,12 @@ PrinterWay printer_way(HANDLE printer) {
 }
 
 bool leads_to_pdf(const PrinterWay& way) {
-    const PrintProcessor wanted = needed_print_processor();
-    return qk::equal_no_case(way.processor, wanted.name) && qk::equal_no_case(way.port, processor::kPort) &&
-           way.datatype == wanted.datatype;  // which the print system compares as it stands
+    return qk::equal_no_case(way.processor, processor::kName) &&
+           qk::equal_no_case(way.port, processor::kPort) &&
+           way.datatype == needed_datatype();  // which the print system compares as it stands
 }
 
 bool ensure_printer() {
-    PrintProcessor needed = needed_print_processor();
     bool was_default = false;
     if (qk::PrinterHandleObj there = open_printer()) {
         if (leads_to_pdf(printer_way(there.get())))
@@ -127,8 +123,8 @@ bool ensure_printer() {
     printer.pPrinterName = writable(qk::kProductName);
     printer.pDriverName = writable(qk::kProductName);
     printer.pPortName = writable(processor::kPort);
-    printer.pPrintProcessor = needed.name.data();
-    printer.pDatatype = needed.datatype.data();
+    printer.pPrintProcessor = writable(processor::kName);
+    printer.pDatatype = writable(needed_datatype());
     printer.pComment = writable(L"Makes PDF files");
     const qk::PrinterHandleObj made(AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&printer)));
     if (!made && GetLastError() != ERROR_PRINTER_ALREADY_EXISTS)
@@ -182,9 +178,11 @@ void make_default_printer() {
         return;
     if (!SetDefaultPrinterW(qk::kProductName))
         throw installation_fault(L"the printer cannot be made the default", GetLastError());
-    if (!former.empty())
-        RegSetKeyValueW(HKEY_CURRENT_USER, qk::registry::kRoot, kFormerDefault, REG_SZ, former.c_str(),
-                        static_cast<DWORD>((former.size() + 1) * sizeof(wchar_t)));
+    if (former.empty())
+        return;
+    const qk::RegKey key = qk::registry::create(HKEY_CURRENT_USER, qk::registry::kRoot, KEY_WRITE);
+    if (key)
+        (void)companions::store_text(key.get(), kFormerDefault, former);
 }
 
 std::wstring restore_default_printer(bool was_default) {

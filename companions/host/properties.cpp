@@ -25,14 +25,6 @@ using AskPrinter = BOOL WINAPI(HWND window, HANDLE printer);
 using AskDocument = LONG WINAPI(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* output, DEVMODEW* input,
                                 DWORD mode);
 
-template <class Function>
-Function* driver_export(const DriverModule& module, const char* name) {
-    auto* function = qk::find_export<Function>(module.library.get(), name);
-    if (!function)
-        throw HostError{ExitCode::kInstallation, module.path + L" has no " + qk::to_wide(name)};
-    return function;
-}
-
 DEVMODEW* mode_in(std::vector<std::byte>& bytes) noexcept {
     return reinterpret_cast<DEVMODEW*>(bytes.data());
 }
@@ -51,7 +43,7 @@ void show_document(const Options& options, const DriverModule& module, HANDLE pr
     report.call = options.direct ? L"DrvDocumentProperties" : L"DocumentPropertiesW";
     AskDocument* properties = &DocumentPropertiesW;
     if (options.direct)
-        properties = driver_export<AskDocument>(module, "DrvDocumentProperties");
+        properties = driver_export<AskDocument>(module.library, module.path, "DrvDocumentProperties");
     const DWORD mode =
         DM_IN_BUFFER | DM_OUT_BUFFER | DM_IN_PROMPT | (options.no_permission ? kNoPermission : 0);
     report.result =
@@ -62,7 +54,7 @@ void show_document(const Options& options, const DriverModule& module, HANDLE pr
 }
 
 void show_printer(const DriverModule& module, HANDLE printer, SheetReport& report) {
-    auto* properties = driver_export<AskPrinter>(module, "PrinterProperties");
+    auto* properties = driver_export<AskPrinter>(module.library, module.path, "PrinterProperties");
     report.call = L"PrinterProperties";
     report.result = properties(nullptr, printer);
     report.result_name = report.result ? L"OK" : L"cancelled";
@@ -92,8 +84,7 @@ SheetReport show_properties(const Options& options, const DriverModule& module) 
     if (!printer)
         printer = open_printer();
     if (!printer)
-        throw HostError{ExitCode::kInstallation,
-                        with_reason(L"the printer cannot be opened", GetLastError())};
+        throw installation_fault(L"the printer cannot be opened", GetLastError());
     std::optional<SettingTurn> turn;
     if (!options.setting.empty()) {
         const std::wstring setting = setting_for_module(options.setting);

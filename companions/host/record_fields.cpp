@@ -1,10 +1,8 @@
 #include "companions/host/record_fields.h"
 
-#include <algorithm>
 #include <cstdint>
 
-#include "common/qk/handle.h"
-#include "common/qk/memory_probe.h"
+#include "common/qk/MMF.h"
 #include "common/qk/text.h"
 
 namespace host {
@@ -13,15 +11,10 @@ namespace {
 
 template <class Record>
 std::optional<Record> find_record(const wchar_t* pattern, DWORD thread) {
-    const std::wstring name = qk::format(pattern, static_cast<int>(thread));
-    const qk::HandleObj mapping(OpenFileMappingW(FILE_MAP_READ, FALSE, name.c_str()));
-    if (!mapping)
-        return std::nullopt;
-    const qk::View view(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, sizeof(Record)));
-    if (!view)
-        return std::nullopt;
-    Record record;  // the block is anybody's: its memory may not be there
-    return qk::try_copy(&record, view.get(), sizeof record) ? std::optional(record) : std::nullopt;
+    qk::MMF<Record> block;
+    block.open(qk::format(pattern, static_cast<int>(thread)));
+    Record record;
+    return block.read(record) ? std::optional(record) : std::nullopt;
 }
 
 Field number(const wchar_t* name, uint32_t value) {
@@ -48,10 +41,6 @@ std::optional<ZRTKPrintStartInfoC> find_start_record(DWORD thread) {
 
 std::optional<ZRTKPrintInfo> find_result_record(DWORD thread) {
     return find_record<ZRTKPrintInfo>(kResultBlockName, thread);
-}
-
-std::wstring record_text(const wchar_t (&text)[kRecordTextUnits]) {
-    return std::wstring(text, std::find(std::begin(text), std::end(text), L'\0'));
 }
 
 Fields fields_of(const ZRTKPrintStartInfoC& record) {

@@ -25,9 +25,6 @@ using Fields = std::vector<Field>;
 [[nodiscard]] std::optional<ZRTKPrintStartInfoC> find_start_record(DWORD thread);
 [[nodiscard]] std::optional<ZRTKPrintInfo> find_result_record(DWORD thread);
 
-// A text of a record that may lack its terminating zero.
-[[nodiscard]] std::wstring record_text(const wchar_t (&text)[kRecordTextUnits]);
-
 [[nodiscard]] Fields fields_of(const ZRTKPrintStartInfoC& record);
 
 // Texts held by address are read from this process's memory, as far as they can be read.

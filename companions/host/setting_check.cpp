@@ -7,6 +7,7 @@
 
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
+#include "common/setting_signatures.h"
 #include "companions/host/field_ranges.h"
 #include "companions/host/json_text.h"
 #include "companions/host/report_parts.h"
@@ -23,10 +24,7 @@ namespace host {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 constexpr char kOwnKey[] = "Administrator";
-constexpr size_t kMarkBytes = 3;
 
 // By the kinds' numbers in picojson.
 constexpr const wchar_t* kKindNames[] = {L"null",   L"true or false", L"a number",
@@ -61,7 +59,7 @@ std::wstring line_number(std::string_view text, size_t at) {
     return std::to_wstring(std::ranges::count(text.substr(0, at), '\n') + 1);
 }
 
-std::wstring why_not_read(int result) {
+std::wstring why_not_read(ps::LoadResult result) {
     return result == ps::kMissing ? L"there is no such file"
                                   : L"it is locked by another program or too large for a setting file";
 }
@@ -310,12 +308,10 @@ SettingFindings check_setting(const std::wstring& path) {
         findings.faults.push_back(why_not_read(result));
         return findings;
     }
-    const std::wstring_view extension =
-        std::wstring_view(path).substr(path.size() - std::min<size_t>(path.size(), 5));
     switch (const ps::SettingKind kind = ps::RecogniseBytes(bytes)) {
         case ps::kPS4:
-            check_json(std::string_view(bytes).substr(kMarkBytes), qk::equal_no_case(extension, L".ps4a"),
-                       findings);
+            check_json(std::string_view(bytes).substr(kByteOrderMark.size()),
+                       qk::ends_with_no_case(path, L".ps4a"), findings);
             break;
         case ps::kLegacyFirst:
         case ps::kLegacyChunked:

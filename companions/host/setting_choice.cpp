@@ -31,12 +31,9 @@ SettingTurn::~SettingTurn() {
 }
 
 void SettingTurn::choose(const std::wstring& setting) {
-    const LSTATUS error = RegSetValueExW(key().get(), value_name().c_str(), 0, REG_SZ,
-                                         reinterpret_cast<const BYTE*>(setting.c_str()),
-                                         static_cast<DWORD>((setting.size() + 1) * sizeof(wchar_t)));
+    const DWORD error = companions::store_text(key().get(), value_name().c_str(), setting);
     if (error != ERROR_SUCCESS)
-        throw HostError{ExitCode::kInstallation,
-                        with_reason(L"the job's setting cannot be chosen", static_cast<DWORD>(error))};
+        throw installation_fault(L"the job's setting cannot be chosen", error);
     chosen_ = true;
 }
 

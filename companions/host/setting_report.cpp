@@ -21,10 +21,8 @@ std::vector<std::wstring> setting_files(const std::wstring& path) {
     WIN32_FIND_DATAW found = {};
     const qk::FindObj search(FindFirstFileW((folder + L"*").c_str(), &found));
     for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.get(), &found)) {
-        const std::wstring_view name = found.cFileName;
-        const auto is_kind = [&](std::wstring_view extension) {
-            return name.size() > extension.size() &&
-                   qk::equal_no_case(name.substr(name.size() - extension.size()), extension);
+        const auto is_kind = [&found](std::wstring_view extension) {
+            return qk::ends_with_no_case(found.cFileName, extension);
         };
         if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
             (is_kind(L".ps4a") || std::ranges::any_of(kSettingExtensions, is_kind)))
@@ -37,12 +35,12 @@ std::vector<std::wstring> setting_files(const std::wstring& path) {
 }
 
 std::vector<std::wstring> setting_differences(const std::wstring& older, const std::wstring& newer) {
-    Corvanta::Vantrix::PrintSettings::PrintSettings settings[2];
+    ps::PrintSettings settings[2];
     const std::wstring* paths[2] = {&older, &newer};
     for (size_t i = 0; i < 2; ++i)
         if (!settings[i].Load(*paths[i]))
             throw HostError{ExitCode::kUsage, *paths[i] + L" cannot be loaded; \"zr_print check\" tells why"};
-    return Corvanta::Vantrix::PrintSettings::Changed2Str(settings[0], settings[1]);
+    return ps::Changed2Str(settings[0], settings[1]);
 }
 
 std::vector<std::wstring> report_lines(const SettingFindings& findings) {

@@ -16,7 +16,6 @@ namespace host {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
 namespace render = companions::render;
 
 class Sense {

@@ -11,7 +11,6 @@ struct JsonText;
 
 // Adds what is found. Of an administrator's file only what stands there counts (`given`; null for a user's),
 // since the rest is the user's affair.
-void check_sense(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings, const JsonText* given,
-                 SettingFindings& findings);
+void check_sense(const ps::PrintSettings& settings, const JsonText* given, SettingFindings& findings);
 
 }  // namespace host

@@ -4,11 +4,13 @@
 
 #include <string_view>
 
+#include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/registry.h"
 #include "common/qk/text.h"
 #include "companions/host/host_error.h"
 #include "companions/host/stage_files.h"
+#include "companions/system_texts.h"
 
 namespace host {
 
@@ -32,11 +34,10 @@ std::wstring kept_path(const std::wstring& target) {
 }
 
 void prefer_file() {
-    const LSTATUS error =
-        RegSetKeyValueW(HKEY_CURRENT_USER, kOverrides, kLibrary, REG_SZ, kFileFirst, sizeof kFileFirst);
+    const qk::RegKey key = qk::registry::create(HKEY_CURRENT_USER, kOverrides, KEY_WRITE);
+    const DWORD error = companions::store_text(key.get(), kLibrary, kFileFirst);
     if (error != ERROR_SUCCESS)
-        throw HostError{ExitCode::kInstallation,
-                        with_reason(L"programs cannot be told of the sheet host", static_cast<DWORD>(error))};
+        throw installation_fault(L"programs cannot be told of the sheet host", error);
 }
 
 }  // namespace

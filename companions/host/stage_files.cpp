@@ -50,7 +50,7 @@ void put_in_place(const FileCopy& copy) {
     if (!CopyFileW(copy.source.c_str(), fresh.c_str(), FALSE)) {
         const DWORD error = GetLastError();
         DeleteFileW(fresh.c_str());  // what a full disk has taken of it
-        throw HostError{ExitCode::kInstallation, with_reason(L"cannot write " + copy.target, error)};
+        throw installation_fault(L"cannot write " + copy.target, error);
     }
     if (MoveFileExW(fresh.c_str(), copy.target.c_str(), MOVEFILE_REPLACE_EXISTING))
         return;
@@ -59,7 +59,7 @@ void put_in_place(const FileCopy& copy) {
         return;
     const DWORD error = GetLastError();
     DeleteFileW(fresh.c_str());
-    throw HostError{ExitCode::kInstallation, with_reason(L"cannot replace " + copy.target, error)};
+    throw installation_fault(L"cannot replace " + copy.target, error);
 }
 
 }  // namespace
@@ -99,27 +99,28 @@ std::vector<std::wstring> files_below(const std::wstring& folder, const std::wst
 
 std::vector<FileCopy> plan_copies(const std::wstring& stage, const InstallPlaces& places) {
     std::vector<FileCopy> copies;
-    demand(stage + kModule);
-    demand(stage + L"Language\\zrtk_res_en.dll");
-    demand(stage + L"Settings\\standard.ps4");
-    copies.push_back({stage + kModule, places.drivers + kModule, false});
+    const auto add = [&](const std::wstring& name, const std::wstring& place, bool keep_newer = false) {
+        copies.push_back({stage + name, place + name, keep_newer});
+    };
+    for (const wchar_t* name : {kModule, L"Language\\zrtk_res_en.dll", L"Settings\\standard.ps4"})
+        demand(stage + name);
+    add(kModule, places.drivers);
     if (!places.processors.empty()) {
         demand(stage + processor::kLibrary);
-        copies.push_back({stage + processor::kLibrary, places.processors + processor::kLibrary, false});
+        add(processor::kLibrary, places.processors);
     }
-    for (const std::wstring& name : files_below(stage + L"Language\\")) {
-        copies.push_back({stage + L"Language\\" + name, places.drivers + L"Language\\" + name, false});
-        copies.push_back({stage + L"Language\\" + name, places.installation + L"Language\\" + name, false});
-    }
+    for (const std::wstring& name : files_below(stage + L"Language\\"))
+        for (const std::wstring& place : {places.drivers, places.installation})
+            add(L"Language\\" + name, place);
     for (const wchar_t* name : kInstalledFiles) {
         demand(stage + name);
-        copies.push_back({stage + name, places.installation + name, false});
+        add(name, places.installation);
     }
     for (const std::wstring& name : files_below(stage + kHelpFolder))
-        copies.push_back({stage + kHelpFolder + name, places.installation + kHelpFolder + name, false});
+        add(kHelpFolder + name, places.installation);
     for (const wchar_t* folder : {L"Settings\\", L"CustomSettings\\"})
         for (const std::wstring& name : files_below(stage + folder))
-            copies.push_back({stage + folder + name, places.installation + folder + name, true});
+            add(folder + name, places.installation, true);
     return copies;
 }
 

@@ -3,11 +3,11 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <utility>
 
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
+#include "common/setting_signatures.h"
 #include "companions/host/host_error.h"
 
 namespace host {
@@ -59,9 +59,9 @@ DecodedText decode_text(std::string_view bytes) {
         const std::wstring text = from_utf16(bytes.substr(2), little_endian);
         return {qk::to_wide(qk::to_utf8(text)), little_endian ? Encoding::kUtf16Le : Encoding::kUtf16Be};
     }
-    if (bytes.starts_with(
-            "\xEF\xBB\xBF"))  // the mark says UTF-8, so bad bytes are damage, not another encoding
-        return {qk::to_wide(bytes.substr(3)), Encoding::kUtf8};
+    // The mark says UTF-8, so bad bytes are damage, not another encoding.
+    if (bytes.starts_with(kByteOrderMark))
+        return {qk::to_wide(bytes.substr(kByteOrderMark.size())), Encoding::kUtf8};
     if (is_valid_utf8(bytes))
         return {qk::to_wide(bytes), Encoding::kUtf8};
     return {from_windows_1252(bytes), Encoding::kWindows1252};

@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <functional>
-#include <memory>
 #include <string>
 
 #include "common/qk/MMF.h"

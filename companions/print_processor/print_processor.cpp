@@ -8,7 +8,6 @@
 
 #include <cstring>
 #include <memory>
-#include <new>
 #include <string_view>
 
 #include "common/qk/guard.h"

@@ -18,7 +18,6 @@ constexpr ULONGLONG kUnseen = 1000;      // most jobs are done by then
 constexpr ULONGLONG kToGiveUp = 10'000;  // what the renderer has for it, with its engine
 constexpr size_t kMostLine = 4096;       // what is longer tells no page
 constexpr std::string_view kPages = "%%Pages: ";
-using companions::render::number_at;
 
 // The windows of this thread. A message that ends the program's loop, which may come with any other, is the
 // program's.
@@ -55,7 +54,7 @@ unsigned spooled_pages(const std::wstring& spool) {
         return 0;
     const std::string_view end(bytes, read);
     const size_t at = end.rfind(kPages);
-    return at == std::string_view::npos ? 0 : number_at(end.substr(at + kPages.size()));
+    return at == std::string_view::npos ? 0 : companions::render::number_at(end.substr(at + kPages.size()));
 }
 
 RendererWatch::RendererWatch(std::wstring document, const std::wstring& spool)
@@ -95,12 +94,11 @@ void RendererWatch::read(HANDLE lines) {
     DWORD size = 0;
     while (lines && PeekNamedPipe(lines, nullptr, 0, nullptr, &there, nullptr) && there > 0 &&
            ReadFile(lines, bytes, std::min<DWORD>(there, sizeof bytes), &size, nullptr) && size > 0)
-        for (const char letter : std::string_view(bytes, size)) {
+        for (const char letter : std::string_view(bytes, size))
             if (letter == '\n')
                 take_line(std::exchange(line_, {}));
             else if (line_.size() < kMostLine)
                 line_ += letter;
-        }
 }
 
 void RendererWatch::take_line(std::string_view line) {
@@ -109,7 +107,7 @@ void RendererWatch::take_line(std::string_view line) {
             return;
         line.remove_prefix(part.size());
     }
-    page_ = number_at(line);
+    page_ = companions::render::number_at(line);
 }
 
 void RendererWatch::show(ULONGLONG begun) {

@@ -4,7 +4,6 @@
 #include <winsplp.h>
 
 #include <string_view>
-#include <type_traits>
 
 #include "common/printer_handle.h"
 #include "common/qk/handle.h"
@@ -91,10 +90,8 @@ bool draw_emf(const SpooledJob& job, const std::wstring& target) {
     if (!library)
         return false;
     EmfProcessor emf = {};
-    const auto find = [&library](auto& function, const char* name) {
-        function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(
-            reinterpret_cast<void*>(GetProcAddress(library.get(), name)));
-        return function != nullptr;
+    const auto find = [&library]<class Function>(Function*& function, const char* name) {
+        return (function = qk::find_export<Function>(library.get(), name)) != nullptr;
     };
     if (!find(emf.open, "OpenPrintProcessor") || !find(emf.print, "PrintDocumentOnPrintProcessor") ||
         !find(emf.close, "ClosePrintProcessor"))

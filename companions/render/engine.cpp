@@ -1,6 +1,5 @@
 #include "companions/render/engine.h"
 
-#include <algorithm>
 #include <chrono>
 #include <optional>
 

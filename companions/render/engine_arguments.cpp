@@ -8,14 +8,6 @@ namespace companions::render {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-using Corvanta::Vantrix::PrintSettings::CompressImage;
-using Corvanta::Vantrix::PrintSettings::PDFVer;
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
-using Corvanta::Vantrix::PrintSettings::Security_impl;
-
-constexpr size_t kMostPassword = 32;
-
 std::string flag(std::string_view name, bool value) {
     return "-d" + std::string(name) + (value ? "=true" : "=false");
 }
@@ -29,7 +21,7 @@ std::string output_argument(const std::string& path) {
 }
 
 // The engine takes thresholds as multiples of the target, from 1 to 10.
-std::string threshold(const CompressImage& image) {
+std::string threshold(const ps::CompressImage& image) {
     const uint64_t target = std::max(image.ResolutionTarget(), 1u);
     const uint64_t percent =
         std::clamp<uint64_t>(uint64_t{image.ResolutionThreshold()} * 100 / target, 100, 1000);
@@ -40,7 +32,7 @@ std::string threshold(const CompressImage& image) {
 }
 
 // How the engine writes the images of a kind; null: as the engine finds best.
-const char* filter_of(const std::string& kind, const CompressImage& image) {
+const char* filter_of(const std::string& kind, const ps::CompressImage& image) {
     constexpr const char* kColour[] = {nullptr, "/DCTEncode", "/FlateEncode", "/FlateEncode", ""};
     constexpr const char* kMono[] = {"", "/CCITTFaxEncode", "/CCITTFaxEncode", "/FlateEncode",
                                      "/RunLengthEncode"};
@@ -49,7 +41,7 @@ const char* filter_of(const std::string& kind, const CompressImage& image) {
     return method < std::size(kColour) ? (mono ? kMono : kColour)[method] : nullptr;
 }
 
-void add_image(std::vector<std::string>& arguments, const std::string& kind, const CompressImage& image) {
+void add_image(std::vector<std::string>& arguments, const std::string& kind, const ps::CompressImage& image) {
     const char* const filter = filter_of(kind, image);
     if (filter) {
         arguments.push_back(flag("AutoFilter" + kind + "Images", false));
@@ -71,10 +63,11 @@ void add_image(std::vector<std::string>& arguments, const std::string& kind, con
 }
 
 std::optional<std::string> find_hex_password(std::wstring_view password) {
+    const std::wstring_view counted = password.substr(0, kMostLatinPassword);
+    if (!is_latin(counted))
+        return std::nullopt;
     std::string hex = "<";
-    for (const wchar_t unit : password.substr(0, kMostPassword)) {
-        if (unit < 0x20 || (unit > 0x7E && unit < 0xA1) || unit > 0xFF)
-            return std::nullopt;
+    for (const wchar_t unit : counted) {
         char digits[3];
         std::snprintf(digits, sizeof digits, "%02X", static_cast<unsigned>(unit));
         hex += digits;
@@ -82,11 +75,11 @@ std::optional<std::string> find_hex_password(std::wstring_view password) {
     return hex + '>';
 }
 
-int32_t pdf13_permission_bits(const Security_impl& security) noexcept {
-    const uint32_t bits = 0xFFFFFFC0u | (security.PDF13_DisallowPrint ? 0u : 0x4u) |
-                          (security.PDF13_DisallowModify ? 0u : 0x8u) |
-                          (security.PDF13_DisallowCopy ? 0u : 0x10u) |
-                          (security.PDF13_DisallowAnnotate ? 0u : 0x20u);
+int32_t pdf13_permission_bits(const ps::Security_impl& security) noexcept {
+    const uint32_t bits = 0xFFFFFFC0u | (security.PDF13_DisallowPrint ? 0u : kMayPrint) |
+                          (security.PDF13_DisallowModify ? 0u : kMayModify) |
+                          (security.PDF13_DisallowCopy ? 0u : kMayCopy) |
+                          (security.PDF13_DisallowAnnotate ? 0u : kMayAnnotate);
     return static_cast<int32_t>(bits);
 }
 
@@ -94,14 +87,14 @@ int32_t pdf13_permission_bits(const Security_impl& security) noexcept {
 
 std::string_view compatibility_level(uint32_t version_code) noexcept {
     constexpr struct {
-        PDFVer version;
+        ps::PDFVer version;
         std::string_view level;
-    } kLevels[] = {{PDFVer::_13, "1.3"},
-                   {PDFVer::_14, "1.4"},
-                   {PDFVer::_15, "1.5"},
-                   {PDFVer::_16, "1.6"},
-                   {PDFVer::_20, "2.0"}};
-    const PDFVer version = Corvanta::Vantrix::PrintSettings::pdf_ver(version_code);
+    } kLevels[] = {{ps::PDFVer::_13, "1.3"},
+                   {ps::PDFVer::_14, "1.4"},
+                   {ps::PDFVer::_15, "1.5"},
+                   {ps::PDFVer::_16, "1.6"},
+                   {ps::PDFVer::_20, "2.0"}};
+    const ps::PDFVer version = ps::pdf_ver(version_code);
     const auto* found = std::ranges::find(kLevels, version, [](const auto& row) { return row.version; });
     return found == std::end(kLevels) ? "1.7" : found->level;
 }
@@ -110,7 +103,7 @@ std::vector<std::string> quiet_arguments(const char* device) {
     return {"-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", std::string("-sDEVICE=") + device};
 }
 
-std::vector<std::string> engine_arguments(const PrintSettings& settings, const EngineFiles& files) {
+std::vector<std::string> engine_arguments(const ps::PrintSettings& settings, const EngineFiles& files) {
     // Pages stay as they were printed: the engine would turn them to the direction of their text.
     std::vector<std::string> arguments = quiet_arguments("pdfwrite");
     arguments.insert(
@@ -140,9 +133,9 @@ std::vector<std::string> engine_arguments(const PrintSettings& settings, const E
     return arguments;
 }
 
-std::string image_parameters(const PrintSettings& settings) {
+std::string image_parameters(const ps::PrintSettings& settings) {
     const auto& compression = *settings.compression();
-    const auto quality = [](const char* kind, const CompressImage& image) {
+    const auto quality = [](const char* kind, const ps::CompressImage& image) {
         const double percent = std::clamp<double>(image.JpegQuality(), 1, 99.5);
         const double factor = percent >= 50 ? 2 - percent / 50 : 50 / percent;
         char dictionary[100];
@@ -151,24 +144,31 @@ std::string image_parameters(const PrintSettings& settings) {
         const std::string name = std::string("/") + kind;
         return name + "ImageDict " + dictionary + name + "ACSImageDict " + dictionary;
     };
-    constexpr uint32_t kGroup3 = 1;
-    const bool group3 = compression.Mono.MonoCompressionMethod() == kGroup3;
+    const bool group3 = compression.Mono.MonoCompressionMethod() == ps::CompressImage_impl::kGroup3;
     return "<<\n" + quality("Color", compression.Color) + quality("Gray", compression.Gray) +
            "/MonoImageDict << /K " + (group3 ? "0" : "-1") + " >>\n>> setdistillerparams\n";
 }
 
-bool wants_password(const PrintSettings& settings) noexcept {
+bool is_latin(std::wstring_view password) noexcept {
+    return std::ranges::all_of(password, [](wchar_t unit) {
+        return (unit >= 0x20 && unit < 0x7F) || (unit > 0xA0 && unit < 0x100);
+    });
+}
+
+const std::wstring& owner_password(const ps::Security_impl& security) noexcept {
+    return security.MasterPassword.empty() ? security.UserPassword : security.MasterPassword;
+}
+
+bool wants_password(const ps::PrintSettings& settings) noexcept {
     const auto& security = *settings.security();
     return !ps::is_standard(settings.pdfVersion()->Version) &&
            !(security.MasterPassword.empty() && security.UserPassword.empty());
 }
 
-std::optional<std::string> find_password_options(const PrintSettings& settings) {
+std::optional<std::string> find_password_options(const ps::PrintSettings& settings) {
     const auto& security = *settings.security();
     const bool pdf13 = ps::has_low_level(settings.pdfVersion()->Version);
-    // Without a master password the user's stands for it, as the format has it.
-    const auto owner =
-        find_hex_password(security.MasterPassword.empty() ? security.UserPassword : security.MasterPassword);
+    const auto owner = find_hex_password(owner_password(security));
     const auto user = find_hex_password(security.UserPassword);
     if (!owner || !user)
         return std::nullopt;
@@ -179,33 +179,25 @@ std::optional<std::string> find_password_options(const PrintSettings& settings) 
     return options + "-dPermissions=" + std::to_string(permission_bits(security, pdf13)) + '\n';
 }
 
-int32_t permission_bits(const Security_impl& security, bool pdf13) noexcept {
+int32_t permission_bits(const ps::Security_impl& security, bool pdf13) noexcept {
     if (pdf13)
         return pdf13_permission_bits(security);
-    constexpr uint32_t kPrint = 0x4;
-    constexpr uint32_t kModify = 0x8;
-    constexpr uint32_t kCopy = 0x10;
-    constexpr uint32_t kAnnotate = 0x20;
-    constexpr uint32_t kFillForms = 0x100;
-    constexpr uint32_t kReadAloud = 0x200;
-    constexpr uint32_t kAssemble = 0x400;
-    constexpr uint32_t kPrintFine = 0x800;
     constexpr uint32_t kEditing[] = {
-        0,           // nothing
-        kAssemble,   // insert, delete and turn pages
-        kFillForms,  // fill in and sign forms
-        kFillForms | kAnnotate,
-        kFillForms | kAnnotate | kModify,  // everything but extracting pages
-        kFillForms | kAnnotate | kModify | kAssemble,
+        0,              // nothing
+        kMayAssemble,   // insert, delete and turn pages
+        kMayFillForms,  // fill in and sign forms
+        kMayFillForms | kMayAnnotate,
+        kMayFillForms | kMayAnnotate | kMayModify,  // everything but extracting pages
+        kMayFillForms | kMayAnnotate | kMayModify | kMayAssemble,
     };
-    constexpr uint32_t kPrinting[] = {0, kPrint, kPrint | kPrintFine};
+    constexpr uint32_t kPrinting[] = {0, kMayPrint, kMayPrint | kMayPrintFine};
     uint32_t bits = 0xFFFFF0C0u;
     bits |= kEditing[std::min<size_t>(security.EditPermission, std::size(kEditing) - 1)];
     bits |= kPrinting[std::min<size_t>(security.PrintPermission, std::size(kPrinting) - 1)];
     if (security.AllowCopyContent)
-        bits |= kCopy | kReadAloud;
+        bits |= kMayCopy | kMayReadAloud;
     if (security.AllowAccessFromScreenReader)
-        bits |= kReadAloud;
+        bits |= kMayReadAloud;
     return static_cast<int32_t>(bits);
 }
 

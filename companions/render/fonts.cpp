@@ -17,8 +17,6 @@ namespace companions::render {
 
 namespace {
 
-using Corvanta::Vantrix::PrintSettings::Font_impl;
-
 constexpr const char* kBase14[] = {
     "Courier",        "Courier-Bold",      "Courier-Oblique", "Courier-BoldOblique",   "Helvetica",
     "Helvetica-Bold", "Helvetica-Oblique", "Symbol",          "Helvetica-BoldOblique", "Times-Roman",
@@ -52,7 +50,7 @@ std::string postscript_name(const std::vector<std::byte>& table) {
 // The names of a family's four usual faces.
 void add_names(std::set<std::string>& names, HDC dc, const std::wstring& family) {
     constexpr DWORD kNameTable = 0x656D616E;  // "name"
-    for (const LONG weight : {FW_NORMAL, FW_BOLD}) {
+    for (const LONG weight : {FW_NORMAL, FW_BOLD})
         for (const BYTE italic : {BYTE{0}, BYTE{1}}) {
             LOGFONTW wanted = {};
             wanted.lfHeight = -100;
@@ -69,7 +67,6 @@ void add_names(std::set<std::string>& names, HDC dc, const std::wstring& family)
             if (GetFontData(dc, kNameTable, 0, table.data(), size) == size)
                 names.insert(postscript_name(table));
         }
-    }
 }
 
 std::string list(const char* key, const std::set<std::string>& names) {
@@ -82,7 +79,7 @@ std::string list(const char* key, const std::set<std::string>& names) {
 
 }  // namespace
 
-std::string font_parameters(const Font_impl& fonts, bool all) {
+std::string font_parameters(const ps::Font_impl& fonts, bool all) {
     std::set<std::string> names;
     qk::DeviceContext dc;  // only for names: with it the display's driver is loaded
     if (!fonts.Fonts.empty())
@@ -95,7 +92,7 @@ std::string font_parameters(const Font_impl& fonts, bool all) {
         names.insert(own);
         add_names(names, dc.get(), family);
     }
-    const bool listed_only = fonts.EmbedFontStyle == Font_impl::kListedOnly && !all;
+    const bool listed_only = fonts.EmbedFontStyle == ps::Font_impl::kListedOnly && !all;
     std::set<std::string> never;
     if (!all && !listed_only)
         never = names;

@@ -17,19 +17,17 @@ namespace companions::render {
 
 namespace {
 
-using Corvanta::Vantrix::PrintSettings::Watermark_impl;
-
 constexpr int kUnits = 1000;      // of the font's height, in which its outlines are taken
 constexpr UINT kMostSide = 1600;  // of a picture, pixels
 constexpr double kPointsPerMm = 72 / 25.4;
 
 // A share of a colour's part, lighter where the paper is to shine through.
-uint8_t lightened(uint8_t part, const Watermark_impl& watermark, bool opaque) {
+uint8_t lightened(uint8_t part, const ps::Watermark_impl& watermark, bool opaque) {
     const unsigned percent = opaque ? std::min(watermark.Transparency, 100u) : 0;
     return static_cast<uint8_t>(part + (255 - part) * percent / 100);
 }
 
-std::string colour(const Watermark_impl& watermark, bool opaque) {
+std::string colour(const ps::Watermark_impl& watermark, bool opaque) {
     const auto part = [&](int shift) {
         return lightened(static_cast<uint8_t>(watermark.TextColor >> shift), watermark, opaque) / 255.0;
     };
@@ -64,7 +62,7 @@ std::string outlines(HDC dc, LONG height) {
     return path;
 }
 
-std::optional<MarkDrawing> draw_text(const Watermark_impl& watermark, bool opaque) {
+std::optional<MarkDrawing> draw_text(const ps::Watermark_impl& watermark, bool opaque) {
     constexpr size_t kMostText = 1000;
     const std::wstring text = watermark.Text.substr(0, kMostText);
     const qk::DeviceContext dc(CreateCompatibleDC(nullptr));
@@ -116,7 +114,7 @@ std::vector<uint8_t> pixels_of(const pdf_settings::Picture& picture) {
 
 // The pixels as red, green and blue, each behind a byte of the mask: what is more than half transparent is
 // left out.
-std::vector<uint8_t> masked_samples(const std::vector<uint8_t>& pixels, const Watermark_impl& watermark,
+std::vector<uint8_t> masked_samples(const std::vector<uint8_t>& pixels, const ps::Watermark_impl& watermark,
                                     bool opaque) {
     std::vector<uint8_t> samples;
     samples.reserve(pixels.size());
@@ -166,7 +164,7 @@ std::string picture_head(const MarkDrawing& mark, SIZE pixels, bool solid) {
     return head + "image\n";
 }
 
-std::optional<MarkDrawing> draw_picture(const Watermark_impl& watermark, bool opaque) {
+std::optional<MarkDrawing> draw_picture(const ps::Watermark_impl& watermark, bool opaque) {
     const pdf_settings::Picture picture = pdf_settings::load_picture(watermark.PictureFileName, kMostSide);
     const std::vector<uint8_t> pixels = picture.bitmap ? pixels_of(picture) : std::vector<uint8_t>();
     if (pixels.empty())
@@ -174,7 +172,7 @@ std::optional<MarkDrawing> draw_picture(const Watermark_impl& watermark, bool op
     std::vector<uint8_t> samples = masked_samples(pixels, watermark, opaque);
     const bool solid = drop_empty_mask(samples);
     MarkDrawing mark;
-    mark.fits = watermark.PictureScale == Watermark_impl::kNoPictureScale;
+    mark.fits = watermark.PictureScale == ps::Watermark_impl::kNoPictureScale;
     const double percent = mark.fits ? 100 : std::max(watermark.PictureScale, 1u);
     mark.width = picture.width_mm * kPointsPerMm * percent / 100;
     mark.height = picture.height_mm * kPointsPerMm * percent / 100;
@@ -184,10 +182,10 @@ std::optional<MarkDrawing> draw_picture(const Watermark_impl& watermark, bool op
 
 }  // namespace
 
-std::optional<MarkDrawing> draw_watermark(const Watermark_impl& watermark, bool opaque) {
-    if (watermark.Style == Watermark_impl::kTextMark)
+std::optional<MarkDrawing> draw_watermark(const ps::Watermark_impl& watermark, bool opaque) {
+    if (watermark.Style == ps::Watermark_impl::kTextMark)
         return draw_text(watermark, opaque);
-    if (watermark.Style == Watermark_impl::kPictureMark)
+    if (watermark.Style == ps::Watermark_impl::kPictureMark)
         return draw_picture(watermark, opaque);
     return MarkDrawing();
 }

@@ -11,7 +11,6 @@ namespace companions::render {
 // The watermark's text as outlines of its font, or its picture; `opaque` in lighter colours, for versions
 // that know no transparency. An empty drawing when there is no watermark; nothing when its font or its
 // picture cannot be read.
-[[nodiscard]] std::optional<MarkDrawing> draw_watermark(
-    const Corvanta::Vantrix::PrintSettings::Watermark_impl& watermark, bool opaque);
+[[nodiscard]] std::optional<MarkDrawing> draw_watermark(const ps::Watermark_impl& watermark, bool opaque);
 
 }  // namespace companions::render

@@ -9,8 +9,6 @@ namespace companions::render {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 // ZRspace leaves the width and the height of the page and counts in points from its lower left corner,
 // whichever way it lies. ZRplace goes to the corner of the watermark as the preview of the settings dialog
 // places it. ZRpage counts in global memory, since documents restore theirs after each page.

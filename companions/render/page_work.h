@@ -24,8 +24,7 @@ struct MarkDrawing {
 };
 
 // The PostScript of the start of the document which does that work.
-[[nodiscard]] std::string page_work(const Corvanta::Vantrix::PrintSettings::Watermark_impl& watermark,
-                                    const Corvanta::Vantrix::PrintSettings::PDFVersion_impl& version,
+[[nodiscard]] std::string page_work(const ps::Watermark_impl& watermark, const ps::PDFVersion_impl& version,
                                     const MarkDrawing& mark, const PagesFound& found);
 
 // Whether a page of that version can be seen through a watermark, and whether a part of it can be for the

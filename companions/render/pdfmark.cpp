@@ -1,7 +1,6 @@
 #include "companions/render/pdfmark.h"
 
 #include <algorithm>
-#include <cstdint>
 
 #include "common/qk/text.h"
 
@@ -9,25 +8,11 @@ namespace companions::render {
 
 namespace {
 
-void append_unit(std::string& hex, unsigned unit) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    for (int shift = 12; shift >= 0; shift -= 4)
-        hex += kDigits[unit >> shift & 0xF];
-}
-
-void append_entry(std::string& mark, const char* key, const std::wstring& text) {
-    if (!text.empty())
-        mark += std::string("  /") + key + ' ' + postscript_text(text) + '\n';
-}
-
 std::string information(const DocumentInfo& info) {
     std::string entries;
-    append_entry(entries, "Title", info.title);
-    append_entry(entries, "Author", info.author);
-    append_entry(entries, "Subject", info.subject);
-    append_entry(entries, "Keywords", info.keywords);
-    append_entry(entries, "Creator", info.creator);
-    append_entry(entries, "PrintSetting", info.setting_name);
+    for (const auto& row : kDocumentTexts)
+        if (const std::wstring& text = info.*row.text; !text.empty())
+            entries += std::string("  ") + row.key + ' ' + postscript_text(text) + '\n';
     return entries.empty() ? std::string() : "mark\n" + entries + "/DOCINFO pdfmark\n";
 }
 
@@ -37,8 +22,7 @@ std::string print_count(std::string_view mark) {
 
 }  // namespace
 
-DocumentInfo document_info(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings,
-                           std::wstring_view job_title) {
+DocumentInfo document_info(const ps::PrintSettings& settings, std::wstring_view job_title) {
     const auto& summary = *settings.summary();
     return {summary.Title.empty() ? std::wstring(job_title) : summary.Title,
             summary.Author,
@@ -48,11 +32,16 @@ DocumentInfo document_info(const Corvanta::Vantrix::PrintSettings::PrintSettings
             summary.EmbedPSFileName ? settings->PSName : std::wstring()};
 }
 
-std::string postscript_text(std::wstring_view text) {
-    std::string hex = "<FEFF";
+std::string utf16_digits(std::wstring_view text) {
+    std::string digits = "FEFF";
     for (const wchar_t unit : qk::to_wide(qk::to_utf8(text)))  // whole pairs only
-        append_unit(hex, static_cast<uint16_t>(unit));
-    return hex + '>';
+        for (int shift = 12; shift >= 0; shift -= 4)
+            digits += "0123456789ABCDEF"[unit >> shift & 0xF];
+    return digits;
+}
+
+std::string postscript_text(std::wstring_view text) {
+    return '<' + utf16_digits(text) + '>';
 }
 
 std::string postscript_literal(std::string_view bytes) {

@@ -20,12 +20,24 @@ struct DocumentInfo {
     friend bool operator==(const DocumentInfo&, const DocumentInfo&) = default;
 };
 
-// The setting's summary; the title of the job where the setting has none.
-[[nodiscard]] DocumentInfo document_info(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings,
-                                         std::wstring_view job_title);
+// Where each text stands: the key of the information, the element of the metadata.
+inline constexpr struct {
+    std::wstring DocumentInfo::*text;
+    const char* key;
+    const char* element;  // null: only in the information
+} kDocumentTexts[] = {{&DocumentInfo::title, "/Title", "dc:title"},
+                      {&DocumentInfo::author, "/Author", "dc:creator"},
+                      {&DocumentInfo::subject, "/Subject", "dc:description"},
+                      {&DocumentInfo::keywords, "/Keywords", "pdf:Keywords"},
+                      {&DocumentInfo::creator, "/Creator", "xmp:CreatorTool"},
+                      {&DocumentInfo::setting_name, "/PrintSetting", nullptr}};
 
-// A text as a hexadecimal PostScript string in UTF-16BE with its byte-order mark, which every language fits
-// into; U+FFFD stands in the place of each surrogate without its other half.
+// The setting's summary; the title of the job where the setting has none.
+[[nodiscard]] DocumentInfo document_info(const ps::PrintSettings& settings, std::wstring_view job_title);
+
+// The digits of a text in UTF-16BE with its byte-order mark, which every language fits into; U+FFFD stands in
+// the place of each surrogate without its other half. And the same as a hexadecimal PostScript string.
+[[nodiscard]] std::string utf16_digits(std::wstring_view text);
 [[nodiscard]] std::string postscript_text(std::wstring_view text);
 
 // Bytes as a PostScript string in parentheses, whatever stands in them.

@@ -9,14 +9,6 @@ namespace companions::render {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
-bool is_latin(const std::wstring& password) {
-    return std::ranges::all_of(password, [](wchar_t unit) {
-        return (unit >= 0x20 && unit < 0x7F) || (unit > 0xA0 && unit < 0x100);
-    });
-}
-
 // qpdf reads a password as a line of a file, and nobody can type these.
 bool has_control(const std::wstring& password) {
     return std::ranges::any_of(password, [](wchar_t unit) { return unit < 0x20; });
@@ -24,12 +16,12 @@ bool has_control(const std::wstring& password) {
 
 // Whether AES with 256 bits protects the PDF, which takes every letter.
 bool is_strongest(const ps::PrintSettings& settings) {
-    constexpr uint32_t kStrongest = 5;
     const auto& security = *settings.security();
     const uint32_t version = settings.pdfVersion()->Version;
     return version == ps::kPDF20 ||
-           (version == ps::kPDF17 && (security.Level >= kStrongest || !is_latin(security.MasterPassword) ||
-                                      !is_latin(security.UserPassword)));
+           (version == ps::kPDF17 &&
+            (security.Level >= ps::Security_impl::kAes256Level || !is_latin(security.MasterPassword) ||
+             !is_latin(security.UserPassword)));
 }
 
 }  // namespace
@@ -38,7 +30,6 @@ std::optional<ProtectionFault> find_protection_fault(const ps::PrintSettings& se
                                                      const std::wstring& password) {
     // Readers cut what is typed behind so many bytes; qpdf counts all, and no password opens its PDF.
     constexpr size_t kMostBytes = 127;
-    constexpr size_t kMostLatin = 32;
     if (ps::is_standard(settings.pdfVersion()->Version))
         return std::nullopt;
     if (has_control(password))
@@ -48,7 +39,7 @@ std::optional<ProtectionFault> find_protection_fault(const ps::PrintSettings& se
                                                          : std::nullopt;
     if (!is_latin(password))
         return ProtectionFault::kNotLatin;
-    return password.size() > kMostLatin ? std::optional(ProtectionFault::kCut) : std::nullopt;
+    return password.size() > kMostLatinPassword ? std::optional(ProtectionFault::kCut) : std::nullopt;
 }
 
 bool refuses_passwords(const ps::PrintSettings& settings) {
@@ -65,28 +56,29 @@ std::optional<Encryption> find_encryption(const ps::PrintSettings& settings) {
         return Encryption::kAes256;
     if (ps::has_low_level(version))
         return std::nullopt;
-    return version < ps::kPDF16 || settings.security()->Level == 0 ? Encryption::kRc4 : Encryption::kAes;
+    return version < ps::kPDF16 || settings.security()->Level == ps::Security_impl::kRc4Level
+               ? Encryption::kRc4
+               : Encryption::kAes;
 }
 
 picojson::value encryption_job(const ps::Security_impl& security, Encryption encryption) {
     const auto bits = static_cast<uint32_t>(permission_bits(security, false));
     const auto allowed = [bits](uint32_t bit) { return picojson::value((bits & bit) != 0 ? "y" : "n"); };
     picojson::object permissions;
-    permissions["annotate"] = allowed(0x20);
-    permissions["assemble"] = allowed(0x400);
-    permissions["extract"] = allowed(0x10);
-    permissions["form"] = allowed(0x100);
-    permissions["modifyOther"] = allowed(0x8);
-    permissions["print"] = picojson::value((bits & 0x800) != 0 ? "full" : (bits & 0x4) != 0 ? "low" : "none");
+    permissions["annotate"] = allowed(kMayAnnotate);
+    permissions["assemble"] = allowed(kMayAssemble);
+    permissions["extract"] = allowed(kMayCopy);
+    permissions["form"] = allowed(kMayFillForms);
+    permissions["modifyOther"] = allowed(kMayModify);
+    permissions["print"] = picojson::value((bits & kMayPrintFine) != 0 ? "full"
+                                           : (bits & kMayPrint) != 0   ? "low"
+                                                                       : "none");
     if (encryption == Encryption::kRc4)
-        permissions["accessibility"] = allowed(0x200);  // the later ones always allow it
+        permissions["accessibility"] = allowed(kMayReadAloud);  // the later ones always allow it
     else if (encryption == Encryption::kAes)
         permissions["useAes"] = picojson::value("y");
     picojson::object encrypt;
-    // Without a master password the user's stands for it, as the format has it.
-    const std::wstring& owner =
-        security.MasterPassword.empty() ? security.UserPassword : security.MasterPassword;
-    encrypt["ownerPassword"] = picojson::value(qk::to_utf8(owner));
+    encrypt["ownerPassword"] = picojson::value(qk::to_utf8(owner_password(security)));
     encrypt["userPassword"] = picojson::value(qk::to_utf8(security.UserPassword));
     encrypt[encryption == Encryption::kAes256 ? "256bit" : "128bit"] = picojson::value(permissions);
     return picojson::value(encrypt);

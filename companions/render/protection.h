@@ -23,20 +23,18 @@ enum class ProtectionFault {
 
 // What is wrong with one of the setting's passwords; nothing when its PDF takes it whole, or is a PDF/A or
 // PDF/X, which has none.
-[[nodiscard]] std::optional<ProtectionFault> find_protection_fault(
-    const Corvanta::Vantrix::PrintSettings::PrintSettings& settings, const std::wstring& password);
+[[nodiscard]] std::optional<ProtectionFault> find_protection_fault(const ps::PrintSettings& settings,
+                                                                   const std::wstring& password);
 
 // Whether a job with that setting fails (kPasswordUnusable): for every fault but the last.
-[[nodiscard]] bool refuses_passwords(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
+[[nodiscard]] bool refuses_passwords(const ps::PrintSettings& settings);
 
 // What the version of PDF and the level allow: PDF 1.4 and 1.5 the first, 1.6 and 1.7 the second (the first
 // at level 0), PDF 2.0 the last. PDF 1.7 takes the last one too, at level 5 and for passwords that the others
 // have no bytes for. Nothing for PDF 1.3.
-[[nodiscard]] std::optional<Encryption> find_encryption(
-    const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
+[[nodiscard]] std::optional<Encryption> find_encryption(const ps::PrintSettings& settings);
 
 // The member "encrypt" of a job of qpdf, with the passwords.
-[[nodiscard]] picojson::value encryption_job(const Corvanta::Vantrix::PrintSettings::Security_impl& security,
-                                             Encryption encryption);
+[[nodiscard]] picojson::value encryption_job(const ps::Security_impl& security, Encryption encryption);
 
 }  // namespace companions::render

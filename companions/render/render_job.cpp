@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <cstdint>
-
 #include "common/qk/handle.h"
 #include "common/qk/module.h"
 #include "common/qk/paths.h"
@@ -26,23 +24,15 @@ namespace companions::render {
 
 namespace {
 
-using Corvanta::Vantrix::PrintSettings::General_impl;
-using Corvanta::Vantrix::PrintSettings::PrintSettingsAdmin;
-
-template <size_t Size>
-std::wstring text_of(const wchar_t (&field)[Size]) {
-    return {field, wcsnlen(field, Size)};
-}
-
 std::wstring setting_path(const std::wstring& name) {
     return name.find_first_of(L"\\/") == std::wstring::npos ? ResolveSettingFilePath(name) : name;
 }
 
-PrintSettingsAdmin load_settings(const Arguments& arguments) {
+ps::PrintSettingsAdmin load_settings(const Arguments& arguments) {
     const bool named = !arguments.setting.empty();
     const std::wstring name = named ? arguments.setting : setting_name_for(arguments.printer);
     const std::wstring path = setting_path(name);
-    PrintSettingsAdmin settings;
+    ps::PrintSettingsAdmin settings;
     if (!qk::is_file(path)) {
         if (named)
             throw Failure{ResultCode::kSettingUnreadable, ERROR_FILE_NOT_FOUND, name};
@@ -78,7 +68,7 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
         throw Failure{ResultCode::kCannotJoin, ERROR_NOT_SUPPORTED, {}};
     if (target.empty())
         throw Failure{ResultCode::kNoTarget, ERROR_INVALID_PARAMETER, {}};
-    const PrintSettingsAdmin settings = load_settings(arguments);
+    const ps::PrintSettingsAdmin settings = load_settings(arguments);
     std::wstring& told = rendered.result.message;  // also of a job that is done
     for (const std::string& wish : unsupported_wishes(settings)) {
         warn("not done by this renderer: " + wish);
@@ -88,7 +78,7 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
     PendingPdf drawn(target);
     PendingPdf rewritten(target);
     using pd_tk::TeskelCustom2021;
-    const std::wstring title = text_of(start.title);
+    const std::wstring title = record_text(start.title);
     const StagePrograms programs(title, target);
     programs.run(TeskelCustom2021::kDocStart);
     PdfMaker maker(settings, title, [&](unsigned page) {
@@ -103,7 +93,7 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
         throw Failure{ResultCode::kEngineStopped, ERROR_CANCELLED, {}};
     pdf.take_its_place();
     programs.run(TeskelCustom2021::kDocEnd);
-    if (settings.general()->OpenPDF != General_impl::kLeaveClosed &&
+    if (settings.general()->OpenPDF != ps::General_impl::kLeaveClosed &&
         !unattended(qk::install_folder() + L"Tessalo80.ini"))
         open_with_viewer(target);
     if (!arguments.keep_spool && !DeleteFileW(arguments.spool.c_str()))
@@ -133,7 +123,7 @@ Result failed(Result result, const Failure& failure) {
 
 Rendered render(const Arguments& arguments, const ZRTKPrintStartInfoC& start) {
     Rendered rendered;
-    rendered.result.pdf_file_name = text_of(start.output_path);
+    rendered.result.pdf_file_name = record_text(start.output_path);
     say("rendering " + qk::to_utf8(rendered.result.pdf_file_name));
     try {
         make_pdf(arguments, start, rendered);

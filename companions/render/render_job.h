@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "common/job_records.h"
 #include "companions/render/arguments.h"

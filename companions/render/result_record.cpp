@@ -2,10 +2,10 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <cstdint>
 
 #include "common/qk/handle.h"
+#include "common/qk/text.h"
 
 namespace companions::render {
 
@@ -27,7 +27,7 @@ public:
         }
         const size_t free = room_ - texts_.size();
         if (may_cut && free > 0)
-            text = cut(text, free - 1);
+            text = qk::cut(text, free - 1);
         if (text.size() >= free || text.size() <= qk::MsWString::kInPlace)
             return;  // an all-zero field is an empty text
         field.address = reinterpret_cast<wchar_t*>(address_ + texts_.size() * sizeof(wchar_t));
@@ -39,12 +39,6 @@ public:
     [[nodiscard]] std::vector<wchar_t> take_texts() { return std::move(texts_); }
 
 private:
-    static std::wstring_view cut(std::wstring_view text, size_t most) noexcept {
-        if (most < text.size() && most > 0 && IS_HIGH_SURROGATE(text[most - 1]))
-            --most;
-        return text.substr(0, most);
-    }
-
     uint64_t address_ = 0;
     size_t room_ = 0;  // in units
     std::vector<wchar_t> texts_;

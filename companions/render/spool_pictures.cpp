@@ -12,8 +12,6 @@ namespace companions::render {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 constexpr std::string_view kStart = "<<\n /ImageType 1\n";
 constexpr std::string_view kSource =
     " /DataSource currentfile /ASCII85Decode filter /RunLengthDecode filter\n>>\nimage\n";
@@ -21,9 +19,9 @@ constexpr uint64_t kMostPixels = 100'000'000;
 
 uint8_t grey_of(unsigned red, unsigned green, unsigned blue, uint32_t method) {
     const auto [least, most] = std::minmax({red, green, blue});
-    if (method == 1)
+    if (method == ps::Color_impl::kMean)
         return static_cast<uint8_t>((red + green + blue + 1) / 3);
-    if (method == 2)
+    if (method == ps::Color_impl::kMidway)
         return static_cast<uint8_t>((least + most) / 2);
     return static_cast<uint8_t>((red * 299 + green * 587 + blue * 114 + 500) / 1000);
 }
@@ -93,7 +91,7 @@ std::vector<uint8_t> colours_of(std::string_view head, std::string_view before, 
     const std::vector<uint8_t> packed = from_run_length(from_ascii85(data), row * height);
     std::vector<uint8_t> colours;
     colours.reserve(width * height * 3);
-    for (size_t y = 0; y < height; ++y) {
+    for (size_t y = 0; y < height; ++y)
         for (size_t x = 0; x < width; ++x) {
             const size_t bit = x * bits;
             const unsigned byte = packed[y * row + bit / 8];
@@ -101,7 +99,6 @@ std::vector<uint8_t> colours_of(std::string_view head, std::string_view before, 
             for (size_t part = 0; part < 3; ++part)
                 colours.push_back(palette[std::min(index * 3 + part, palette.size() - 1)]);
         }
-    }
     return colours;
 }
 
@@ -161,7 +158,7 @@ void filter(GreyPicture& picture, Rule rule) {
         return static_cast<size_t>(
             std::clamp<int64_t>(static_cast<int64_t>(at) + step, 0, static_cast<int64_t>(size) - 1));
     };
-    for (size_t y = 0; y < picture.height; ++y) {
+    for (size_t y = 0; y < picture.height; ++y)
         for (size_t x = 0; x < picture.width; ++x) {
             std::array<int, 9> around;
             for (int i = 0; i < 9; ++i)
@@ -169,7 +166,6 @@ void filter(GreyPicture& picture, Rule rule) {
                                                      clamped(x, i % 3 - 1, picture.width)];
             picture.pixels[y * picture.width + x] = static_cast<uint8_t>(std::clamp(rule(around), 0, 255));
         }
-    }
 }
 
 void apply_filter(GreyPicture& picture, uint32_t kind) {
@@ -180,13 +176,13 @@ void apply_filter(GreyPicture& picture, uint32_t kind) {
             all += grey;
         return all;
     };
-    if (kind == 1)  // smooth
+    if (kind == ps::Color_impl::kSmooth)
         filter(picture, [&](const Around& around) { return sum(around) / 9; });
-    else if (kind == 2)  // sharpen
+    else if (kind == ps::Color_impl::kSharpen)
         filter(picture, [&](const Around& around) { return 2 * around[4] - sum(around) / 9; });
-    else if (kind == 3)  // emphasise edges
+    else if (kind == ps::Color_impl::kEmphasiseEdges)
         filter(picture, [&](const Around& around) { return 10 * around[4] - sum(around); });
-    else if (kind == 4)  // remove specks: the middle of the nine
+    else if (kind == ps::Color_impl::kRemoveSpecks)  // the middle of the nine
         filter(picture, [](Around around) {
             std::nth_element(around.begin(), around.begin() + 4, around.end());
             return around[4];
@@ -225,14 +221,14 @@ bool wants_picture_work(const ps::PrintSettings& settings, PictureWork& work) {
     work.method = colour.GrayDecreasingMethod;
     if (colour.ColorMode == ps::Color_impl::kMonochrome) {
         work.to = PictureWork::To::kBlackAndWhite;
-        work.dithers = colour.MonoDecreasingMethod == 1;
+        work.dithers = colour.MonoDecreasingMethod == ps::Color_impl::kDither;
         work.threshold = colour.MonoImageThreshold;
         work.filter = colour.MonoImageFilter;
         return true;
     }
     if (colour.ColorMode == ps::Color_impl::kGrey) {
         work.to = PictureWork::To::kGrey;
-        return work.method != 0;  // the engine's own is the first
+        return work.method != ps::Color_impl::kLuminance;  // the engine's own is the first
     }
     const ps::CompressImage& coloured = settings.compression()->Color;
     const ps::CompressImage& grey = settings.compression()->Gray;
@@ -271,7 +267,8 @@ std::string colour_work(const ps::PrintSettings& settings) {
         ".114 mul exch .587 mul add exch .299 mul add", "add add 3 div",
         ("3 copy 2 copy lt { exch } if pop 2 copy lt { exch } if pop 4 1 roll\n"
          "2 copy gt { exch } if pop 2 copy gt { exch } if pop add 2 div")};
-    if (mono || (colour.ColorMode == ps::Color_impl::kGrey && colour.GrayDecreasingMethod != 0)) {
+    if (mono || (colour.ColorMode == ps::Color_impl::kGrey &&
+                 colour.GrayDecreasingMethod != ps::Color_impl::kLuminance)) {
         const std::string grey = kMethods[std::min(colour.GrayDecreasingMethod, 2u)];
         std::string step;
         if (mono)

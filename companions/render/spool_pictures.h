@@ -22,15 +22,14 @@ struct PictureWork {
 };
 
 // Whether the setting needs that work, and which.
-[[nodiscard]] bool wants_picture_work(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings,
-                                      PictureWork& work);
+[[nodiscard]] bool wants_picture_work(const ps::PrintSettings& settings, PictureWork& work);
 
 // The document with the pictures changed that stand in it as Wine's PostScript driver writes them; others
 // stay.
 [[nodiscard]] std::string change_pictures(std::string_view document, const PictureWork& work);
 
 // PostScript for the start of the document that does the like to the colours of text and lines.
-[[nodiscard]] std::string colour_work(const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
+[[nodiscard]] std::string colour_work(const ps::PrintSettings& settings);
 
 // A grey picture, a byte a pixel.
 struct GreyPicture {

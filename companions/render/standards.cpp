@@ -16,8 +16,6 @@ namespace companions::render {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 constexpr LONGLONG kMostProfile = 16 << 20;  // bytes
 
 std::vector<uint8_t> read_file(const std::wstring& path) {
@@ -109,40 +107,25 @@ std::optional<Standard> find_standard(const ps::PrintSettings& settings) {
 }
 
 DocumentInfo standard_texts(DocumentInfo info) {
-    for (std::wstring* text :
-         {&info.title, &info.author, &info.subject, &info.keywords, &info.creator, &info.setting_name}) {
-        *text = qk::to_wide(qk::to_utf8(*text));  // whole pairs only
-        std::erase_if(*text, [](wchar_t unit) { return (unit & 0xFC00) == 0xDC00; });
+    for (const auto& row : kDocumentTexts) {
+        std::wstring& text = info.*row.text;
+        text = qk::to_wide(qk::to_utf8(text));  // whole pairs only
+        std::erase_if(text, [](wchar_t unit) { return IS_LOW_SURROGATE(unit); });
         std::ranges::replace_if(
-            *text, [](wchar_t unit) { return (unit & 0xFC00) == 0xD800; }, L'\uFFFD');
+            text, [](wchar_t unit) { return IS_HIGH_SURROGATE(unit); }, L'\uFFFD');
     }
     return info;
 }
 
 std::string standard_information(const DocumentInfo& info) {
-    const struct {
-        const char* key;
-        const std::wstring& text;
-    } rows[] = {{"/Title", info.title},     {"/Author", info.author},
-                {"/Subject", info.subject}, {"/Keywords", info.keywords},
-                {"/Creator", info.creator}, {"/PrintSetting", info.setting_name}};
     std::string entries;
-    for (const auto& row : rows) {
-        if (row.text.empty())
-            continue;
+    for (const auto& row : kDocumentTexts) {
+        const std::wstring& text = info.*row.text;
         const bool ascii =
-            std::ranges::all_of(row.text, [](wchar_t unit) { return unit >= 0x20 && unit < 0x7F; });
-        entries += std::string(row.key) + ' ' + (ascii ? "(" : "");
-        if (!ascii) {
-            entries += postscript_text(row.text) + '\n';
-            continue;
-        }
-        for (const wchar_t unit : row.text) {
-            if (unit == L'(' || unit == L')' || unit == L'\\')
-                entries += '\\';
-            entries += static_cast<char>(unit);
-        }
-        entries += ")\n";
+            std::ranges::all_of(text, [](wchar_t unit) { return unit >= 0x20 && unit < 0x7F; });
+        if (!text.empty())
+            entries += std::string(row.key) + ' ' +
+                       (ascii ? postscript_literal(qk::to_utf8(text)) : postscript_text(text)) + '\n';
     }
     // In a form that is the same date to every reader; the engine's own for Greenwich's is not.
     SYSTEMTIME now = {};

@@ -17,8 +17,7 @@ struct Standard {
 };
 
 // Empty for a plain PDF; nothing when the setting's colour profile cannot be read.
-[[nodiscard]] std::optional<Standard> find_standard(
-    const Corvanta::Vantrix::PrintSettings::PrintSettings& settings);
+[[nodiscard]] std::optional<Standard> find_standard(const ps::PrintSettings& settings);
 
 // The document information with the time as the standards take it: the engine leaves out what is not ASCII of
 // its usual form, and old ones break the metadata over characters beyond the first plane.

@@ -6,23 +6,14 @@
 
 namespace companions::render {
 
-namespace {
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
-using Corvanta::Vantrix::PrintSettings::Watermark_impl;
-
-constexpr uint32_t kRunLength = 3;  // offered for images of two colours only
-
-}  // namespace
-
-std::vector<std::string> unsupported_wishes(const PrintSettings& settings) {
-    const PrintSettings defaults;
+std::vector<std::string> unsupported_wishes(const ps::PrintSettings& settings) {
+    const ps::PrintSettings defaults;
     const uint32_t version = settings.pdfVersion()->Version;
     const auto& mark = *settings.watermark();
     const auto& compression = *settings.compression();
+    constexpr auto kRunLength = ps::CompressImage_impl::kRunLength;
     const bool packed = compression.HighCompress;
-    const bool has_mark = mark.Style != Watermark_impl::kNoMark;
+    const bool has_mark = mark.Style != ps::Watermark_impl::kNoMark;
     const struct {
         bool asked;
         const char* wish;

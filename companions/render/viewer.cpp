@@ -1,19 +1,15 @@
 #include "companions/render/viewer.h"
 
-#include <iterator>
-
 namespace companions::render {
 
 namespace {
-
-using Corvanta::Vantrix::PrintSettings::OpenAction_impl;
 
 template <size_t Size>
 std::string entry(const char* key, const char* const (&values)[Size], uint32_t code) {
     return code < Size && values[code] ? std::string(key) + ' ' + values[code] + '\n' : std::string();
 }
 
-std::string preferences(const OpenAction_impl& action) {
+std::string preferences(const ps::OpenAction_impl& action) {
     const struct {
         bool asked;
         const char* key;
@@ -41,7 +37,7 @@ std::string preferences(const OpenAction_impl& action) {
 
 }  // namespace
 
-std::string opening(const OpenAction_impl& action, unsigned start_page, bool modern) {
+std::string opening(const ps::OpenAction_impl& action, unsigned start_page, bool modern) {
     constexpr const char* kLayouts[] = {nullptr, "/SinglePage", "/OneColumn", "/TwoPageLeft",
                                         "/TwoColumnLeft"};
     constexpr const char* kOldLayouts[] = {nullptr, "/SinglePage", "/OneColumn", "/TwoColumnLeft",
@@ -55,8 +51,8 @@ std::string opening(const OpenAction_impl& action, unsigned start_page, bool mod
         entries += "/PageMode /FullScreen\n";
     else
         entries += entry("/PageMode", modern ? kModes : kOldModes, action.PageMode);
-    const bool has_page = action.StartPage != OpenAction_impl::kNoStartPage && start_page > 1;
-    if (has_page || action.PageAdjust != OpenAction_impl::kAnyZoom)
+    const bool has_page = action.StartPage != ps::OpenAction_impl::kNoStartPage && start_page > 1;
+    if (has_page || action.PageAdjust != ps::OpenAction_impl::kAnyZoom)
         entries += "/Page " + std::to_string(has_page ? start_page : 1) +
                    " currentpagedevice /PageCount get 2 copy gt { exch } if pop\n" +
                    entry("/View", kViews, action.PageAdjust);

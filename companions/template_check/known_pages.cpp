@@ -1,20 +1,15 @@
 #include "companions/template_check/known_pages.h"
 
 #include <algorithm>
-#include <iterator>
 #include <stdexcept>
 
+#include "UI_dll/PDFSettings/edit/page_table.h"
 #include "print_settings/field_tables.h"
 #include "resources/ids.h"
 
 namespace template_check {
 
 namespace {
-
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
-constexpr unsigned kEditPages[] = {IDD_GENERAL, IDD_PDF_VERSION, IDD_COLOR,     IDD_COMPRESS,   IDD_FONT,
-                                   IDD_INFO,    IDD_SECURITIES,  IDD_WATERMARK, IDD_OPEN_ACTION};
 
 // The names of the codes of one of the section's fields, from the first on.
 template <class Section>
@@ -71,7 +66,9 @@ bool are_two_levels(unsigned low, unsigned high) {
 }  // namespace
 
 bool is_edit_page(unsigned template_id) noexcept {
-    return std::find(std::begin(kEditPages), std::end(kEditPages), template_id) != std::end(kEditPages);
+    return std::ranges::any_of(pdf_settings::page_table(), [template_id](const auto& row) {
+        return row.operations->template_id == template_id;
+    });
 }
 
 bool are_alternatives(unsigned template_id, unsigned first, unsigned second) noexcept {

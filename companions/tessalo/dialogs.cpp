@@ -8,6 +8,7 @@
 
 #include "common/qk/handle.h"
 #include "common/qk/module.h"
+#include "common/qk/paths.h"
 #include "common/qk/text.h"
 #include "companions/language_text.h"
 
@@ -17,14 +18,10 @@ namespace {
 
 constexpr size_t kPathUnits = 1024;
 
-qk::DLL system_library(const wchar_t* name) noexcept {
-    return qk::DLL(LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
-}
-
 // The shell's dialogs want a single-threaded apartment; a thread that has another one keeps it.
 class Apartment {
 public:
-    Apartment() : ole_(system_library(L"ole32.dll")) {
+    Apartment() : ole_(qk::load_system_library(L"ole32.dll")) {
         auto* enter =
             ole_ ? qk::find_export<decltype(CoInitializeEx)>(ole_.get(), "CoInitializeEx") : nullptr;
         entered_ = enter && SUCCEEDED(enter(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE));
@@ -37,13 +34,6 @@ public:
     }
     Apartment(const Apartment&) = delete;
     Apartment& operator=(const Apartment&) = delete;
-
-    void free(void* memory) const noexcept {
-        auto* free_memory =
-            ole_ ? qk::find_export<decltype(CoTaskMemFree)>(ole_.get(), "CoTaskMemFree") : nullptr;
-        if (free_memory)
-            free_memory(memory);
-    }
 
 private:
     qk::DLL ole_;
@@ -61,7 +51,7 @@ int CALLBACK select_current(HWND window, UINT message, LPARAM, LPARAM current) n
 std::optional<std::wstring> SystemSaveDialog::ask(const std::wstring& folder, const std::wstring& name,
                                                   bool confirm_overwrite) {
     // Loaded here and not with the library: a job that nobody watches has no use for it.
-    const qk::DLL library = system_library(L"comdlg32.dll");
+    const qk::DLL library = qk::load_system_library(L"comdlg32.dll");
     auto* save =
         library ? qk::find_export<decltype(GetSaveFileNameW)>(library.get(), "GetSaveFileNameW") : nullptr;
     if (!save)
@@ -104,7 +94,7 @@ std::optional<std::wstring> browse_for_folder(const std::wstring& current) {
         return std::nullopt;
     wchar_t path[MAX_PATH] = {};
     const bool has_path = SHGetPathFromIDListW(chosen, path);
-    apartment.free(chosen);
+    ILFree(chosen);
     return has_path ? std::optional<std::wstring>(path) : std::nullopt;
 }
 

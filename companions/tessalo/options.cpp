@@ -20,7 +20,6 @@ namespace companions {
 namespace {
 
 constexpr wchar_t kSection[] = L"Dialog";
-constexpr int32_t kFixedFolder = 1;  // SaveStyle
 
 std::wstring ini_text(const std::wstring& ini_path, const wchar_t* key) {
     return qk::grow_until_it_fits([&](wchar_t* buffer, DWORD units) {
@@ -45,8 +44,7 @@ bool unattended(const std::wstring& ini_path) {
     return qk::find_number(choice).value_or(0) != 0;
 }
 
-std::wstring unattended_folder(const std::wstring& record_folder,
-                               const Corvanta::Vantrix::PrintSettings::General_impl& general,
+std::wstring unattended_folder(const std::wstring& record_folder, const ps::General_impl& general,
                                const std::wstring& ini_path) {
     // The renderer has a current folder of its own, so what it is told must not depend on this process's.
     if (!record_folder.empty())
@@ -59,15 +57,14 @@ std::wstring unattended_folder(const std::wstring& record_folder,
     return folder.empty() ? documents_folder() : absolute_path(folder);
 }
 
-std::wstring dialog_folder(const std::wstring& record_folder,
-                           const Corvanta::Vantrix::PrintSettings::General_impl& general) {
+std::wstring dialog_folder(const std::wstring& record_folder, const ps::General_impl& general) {
     if (!record_folder.empty())
         return absolute_path(record_folder);
     return general.OutputFolder.empty() ? documents_folder() : absolute_path(general.OutputFolder);
 }
 
-bool has_fixed_folder(const Corvanta::Vantrix::PrintSettings::General_impl& general) noexcept {
-    return general.SaveStyle == kFixedFolder && !general.OutputFolder.empty();
+bool has_fixed_folder(const ps::General_impl& general) noexcept {
+    return general.SaveStyle == general.kFixedFolder && !general.OutputFolder.empty();
 }
 
 std::wstring setting_name_for(const std::wstring& printer_name, size_t units) {

@@ -18,15 +18,13 @@ namespace companions {
 // The folder of a job that nobody watches: the first that is given of the record's, the setting's, the
 // variable ZR_OUTPUT_FOLDER, the ini's "OutputFolder" and the user's documents.
 [[nodiscard]] std::wstring unattended_folder(const std::wstring& record_folder,
-                                             const Corvanta::Vantrix::PrintSettings::General_impl& general,
-                                             const std::wstring& ini_path);
+                                             const ps::General_impl& general, const std::wstring& ini_path);
 
 // The folder that the dialog opens in: the record's, else the setting's, else the user's documents.
-[[nodiscard]] std::wstring dialog_folder(const std::wstring& record_folder,
-                                         const Corvanta::Vantrix::PrintSettings::General_impl& general);
+[[nodiscard]] std::wstring dialog_folder(const std::wstring& record_folder, const ps::General_impl& general);
 
 // Whether the setting has a folder for every PDF: nobody is to be asked for the place.
-[[nodiscard]] bool has_fixed_folder(const Corvanta::Vantrix::PrintSettings::General_impl& general) noexcept;
+[[nodiscard]] bool has_fixed_folder(const ps::General_impl& general) noexcept;
 
 // The setting file that a printer's next job uses: the choice made for the running process, when there is one
 // that fits into `units` with its terminating zero, else the printer's own. A bare name or a path; never

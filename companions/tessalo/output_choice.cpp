@@ -17,7 +17,6 @@ namespace {
 
 constexpr unsigned kMostNumbers = 9999;
 constexpr unsigned kMostTries = 100;
-constexpr std::wstring_view kExtension = L".pdf";
 
 // Whether a file is there that cannot be replaced: the job would end as if the user had cancelled it.
 bool is_held(const std::wstring& path) {
@@ -133,7 +132,7 @@ std::optional<OutputFile> choose_unattended(std::wstring_view folder, const Want
 
 std::optional<OutputFile> choose_with_dialog(SaveDialog& dialog, std::wstring folder, std::wstring_view title,
                                              SameName rule, const NameLimits& limits) {
-    std::wstring name = safe_stem(title) + std::wstring(kExtension);
+    std::wstring name = safe_stem(title) + std::wstring(kPdfExtension);
     if (const auto path = find_safe_path(folder, title, 0, limits))
         name = qk::file_part(*path);
     for (;;) {
@@ -142,7 +141,7 @@ std::optional<OutputFile> choose_with_dialog(SaveDialog& dialog, std::wstring fo
             return std::nullopt;
         // A name that the extension is added to is not the one that the dialog has asked about.
         const bool confirmed = ends_in_pdf(*answer);
-        const std::wstring path = confirmed ? *answer : *answer + std::wstring(kExtension);
+        const std::wstring path = confirmed ? *answer : *answer + std::wstring(kPdfExtension);
         if (auto file = settle(dialog, path, confirmed, rule, limits))
             return file;
         folder = folder_part(path);

@@ -11,11 +11,13 @@
 #include <string_view>
 
 #include "companions/tessalo/safe_name.h"
+#include "print_settings/sections.h"
 
 namespace companions {
 
 // What a setting says of an output file that exists (`WhenSameName`).
-enum class SameName : int32_t { kOverwrite = 0, kAsk = 1, kNumber = 2, kRefuse = 3 };
+enum class SameName : int32_t { kOverwrite, kAsk, kNumber, kRefuse };
+static_assert(static_cast<int32_t>(SameName::kRefuse) == ps::General_impl::kRefuse);
 
 // Codes outside 0 to 3 count as kAsk, which loses nothing.
 [[nodiscard]] SameName same_name_rule(int32_t code) noexcept;

@@ -12,8 +12,6 @@ namespace companions {
 
 namespace {
 
-constexpr std::wstring_view kExtension = L".pdf";
-
 size_t utf8_bytes(wchar_t unit) noexcept {
     if (IS_HIGH_SURROGATE(unit) || IS_LOW_SURROGATE(unit))
         return 2;  // a pair takes four
@@ -27,9 +25,7 @@ std::wstring_view cut(std::wstring_view stem, size_t units, size_t bytes) noexce
         if (used > bytes)
             break;
     }
-    if (kept > 0 && kept < stem.size() && IS_HIGH_SURROGATE(stem[kept - 1]))
-        --kept;
-    return stem.substr(0, kept);
+    return qk::cut(stem, kept);
 }
 
 }  // namespace
@@ -44,7 +40,7 @@ NameLimits system_name_limits() noexcept {
 std::optional<std::wstring> find_safe_path(std::wstring_view folder, std::wstring_view title, unsigned number,
                                            const NameLimits& limits) {
     const std::wstring start = std::wstring(qk::without_trailing_backslashes(folder)) + L'\\';
-    const std::wstring end = number > 0 ? qk::format(L"(%u).pdf", number) : std::wstring(kExtension);
+    const std::wstring end = number > 0 ? qk::format(L"(%u).pdf", number) : std::wstring(kPdfExtension);
     const size_t room =
         std::min(limits.path_units - std::min(limits.path_units, start.size()), limits.name_units);
     if (room <= end.size() || limits.name_bytes <= end.size())

@@ -26,9 +26,6 @@
 namespace {
 
 using companions::OutputFile;
-using Corvanta::Vantrix::PrintSettings::General_impl;
-using Corvanta::Vantrix::PrintSettings::PrintSettings;
-
 constexpr int kAnswered = 0;  // the user confirmed a file or cancelled; a job is never handed over to another
 
 constexpr size_t kBrowseUnits = 512;
@@ -54,7 +51,7 @@ private:
 KeptTexts kept_texts;
 
 // The pattern for the PDF's name: an administrator's, else the setting's, else none.
-std::wstring name_pattern(const PrintSettings& settings) {
+std::wstring name_pattern(const ps::PrintSettings& settings) {
     Corvanta::Vantrix::Administrator::Restriction restriction;
     if (load_restriction(restriction) && !restriction.PDFFileName.empty())
         return std::wstring(qk::file_part(restriction.PDFFileName));
@@ -81,10 +78,10 @@ companions::WantedName wanted_name(const dialog_library::WorkingRecord& record, 
 }
 
 std::optional<OutputFile> choose(const dialog_library::WorkingRecord& record, const wchar_t* printer_name) {
-    const PrintSettings defaults;
-    const auto* given = static_cast<const PrintSettings*>(record.settings);
-    const PrintSettings& settings = given ? *given : defaults;
-    const General_impl& general = *settings.general();
+    const ps::PrintSettings defaults;
+    const auto* given = static_cast<const ps::PrintSettings*>(record.settings);
+    const ps::PrintSettings& settings = given ? *given : defaults;
+    const ps::General_impl& general = *settings.general();
     const companions::WantedName name = wanted_name(record, name_pattern(settings), printer_name);
     const std::wstring asked_folder = record.output_path.readable_text();
     const companions::SameName rule = companions::same_name_rule(general.WhenSameName);

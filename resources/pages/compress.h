@@ -50,3 +50,13 @@
 #define IDS_CMP_BAD_RESOLUTION 1178
 #define IDS_CMP_BAD_QUALITY 1179
 #define IDS_CMP_TARGET_ABOVE 1180
+
+// What its fields and their values are called where somebody is told of them.
+#define IDS_PS_ASCII 20046
+#define IDS_PS_TEXT_AND_LINE_ART 20047
+#define IDS_PS_HIGH_COMPRESS 20048
+#define IDS_PS_DOWN_SAMPLING 20052
+#define IDS_PS_METHOD 20053
+#define IDS_PS_JPEG_QUALITY 20054
+#define IDS_PS_THRESHOLD 20055
+#define IDS_PS_TARGET 20056

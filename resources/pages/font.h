@@ -35,3 +35,9 @@
 #define IDS_FONT_STANDARD_HINT 22013
 #define IDS_FONT_NONE_LISTED 22014
 #define IDS_CUE_ALL_FONTS 20203
+
+// What its fields and their values are called where somebody is told of them.
+#define IDS_PS_EMBED_STYLE 20057
+#define IDS_PS_EMBED_FAILED 20058
+#define IDS_PS_EMBED_BASE_14 20059
+#define IDS_PS_FONTS 20060

@@ -13,3 +13,11 @@
 #define IDS_CUE_TITLE 20201
 #define IDS_CUE_LEFT_OUT 20202
 #define IDS_CUE_CREATOR 20208
+
+// What its fields and their values are called where somebody is told of them.
+#define IDS_PS_TITLE 20061
+#define IDS_PS_SUBJECT 20062
+#define IDS_PS_AUTHOR 20063
+#define IDS_PS_KEYWORDS 20064
+#define IDS_PS_CREATOR 20065
+#define IDS_PS_EMBED_PS_NAME 20066

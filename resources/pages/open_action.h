@@ -38,3 +38,17 @@
 #define IDS_OPEN_MODE_2 22215
 #define IDS_OPEN_MODE_3 22216
 #define IDS_OPEN_BAD_PAGE 22217
+
+// What its fields and their values are called where somebody is told of them.
+#define IDS_PS_PAGE_LAYOUT 20067
+#define IDS_PS_BINDING 20068
+#define IDS_PS_PAGE_ADJUST 20069
+#define IDS_PS_PAGE_MODE 20070
+#define IDS_PS_START_PAGE 20071
+#define IDS_PS_FULL_SCREEN 20072
+#define IDS_PS_SHOW_TITLE 20073
+#define IDS_PS_HIDE_MENU 20074
+#define IDS_PS_HIDE_TOOL_BAR 20075
+#define IDS_PS_HIDE_WINDOW_CONTROL 20076
+#define IDS_PS_FIT_TO_PAGE 20077
+#define IDS_PS_CENTER_WINDOW 20078

@@ -107,7 +107,7 @@ INT_PTR CALLBACK option_page_proc(HWND, UINT, WPARAM, LPARAM) {
 
 }  // namespace
 
-std::optional<DWORD> show(HWND window, PFNPROPSHEETUI sheet, void* header) {
+std::optional<DWORD> run_sheet(HWND window, PFNPROPSHEETUI sheet, void* header) {
     using Show = LONG APIENTRY(HWND, PFNPROPSHEETUI, LPARAM, DWORD*);
     const qk::DLL library = qk::load_system_library(L"compstui.dll");
     auto* show_sheet = library ? qk::find_export<Show>(library.get(), "CommonPropertySheetUIW") : nullptr;

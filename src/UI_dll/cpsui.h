@@ -9,9 +9,9 @@
 
 namespace cpsui {
 
-// Shows a sheet through "compstui.dll": its result (1 = OK, 0 = cancelled), or nothing, traced, when the
+// Runs a sheet through "compstui.dll": its result (1 = OK, 0 = cancelled), or nothing, traced, when the
 // service is missing or fails.
-[[nodiscard]] std::optional<DWORD> show(HWND window, PFNPROPSHEETUI sheet, void* header);
+[[nodiscard]] std::optional<DWORD> run_sheet(HWND window, PFNPROPSHEETUI sheet, void* header);
 
 // Whether the registry value "HideSettingTab" or the administrator's "NoSettingTabs" leaves the settings page
 // as the only one.

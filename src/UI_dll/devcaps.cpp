@@ -124,7 +124,7 @@ public:
             return;
         switch (index_) {
             case DC_PAPERS:
-                buffer_.put(form ? form->paper_number : static_cast<uint16_t>(DMPAPER_USER));
+                buffer_.put(form ? form->paper_number : static_cast<uint16_t>(kPaperCustom));
                 break;
             case DC_PAPERSIZE:
                 buffer_.put(form ? POINT{short_tenths(form->size.cx), short_tenths(form->size.cy)}

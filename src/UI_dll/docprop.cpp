@@ -117,7 +117,7 @@ LONG document_properties(HWND window, HANDLE printer, LPWSTR device, DEVMODEW* o
         TRACE_SCOPE("DrvDocumentPropertySheets");  // whose answer without a sheet it is
         return answer_query(header.get());
     }
-    return cpsui::show(window, &DrvDocumentPropertySheets, header.get()) == CPSUI_OK ? IDOK : IDCANCEL;
+    return cpsui::run_sheet(window, &DrvDocumentPropertySheets, header.get()) == CPSUI_OK ? IDOK : IDCANCEL;
 }
 
 }  // namespace docprop

@@ -66,7 +66,7 @@ BOOL printer_properties(HWND window, HANDLE printer) {
     header->cbSize = sizeof *header;
     header->hPrinter = printer;
     header->pszPrinterName = info ? reinterpret_cast<PRINTER_INFO_4W*>(info.get())->pPrinterName : nullptr;
-    return cpsui::show(window, &DrvDevicePropertySheets, header.get()) == CPSUI_OK;
+    return cpsui::run_sheet(window, &DrvDevicePropertySheets, header.get()) == CPSUI_OK;
 }
 
 LONG answer_sheet(PROPSHEETUI_INFO& info, LPARAM parameter) {

@@ -19,15 +19,9 @@ constexpr UINT kBoxStyle = MB_ICONERROR | MB_SETFOREGROUND | MB_TOPMOST;
 constexpr int kLogNotWritten = -2;
 constexpr DWORD kMostFolderBytes = 260;
 
-qk::RegKey notification_key(const wchar_t* name) {
-    return qk::registry::open(HKEY_LOCAL_MACHINE,
-                              qk::format(L"Software\\%s\\%s\\%s\\%s", L"Corvanta", L"Vantrix", L"8.0", name));
-}
-
 DWORD chosen_channels() {
-    const qk::RegKey key = notification_key(L"Notification");
-    return key ? qk::registry::find_number(key.get(), L"Error").value_or(NotifyChannel::kMessageBox)
-               : NotifyChannel::kMessageBox;
+    return qk::registry::find_number(HKEY_LOCAL_MACHINE, qk::registry::kNotification, L"Error")
+        .value_or(NotifyChannel::kMessageBox);
 }
 
 void report_event(const std::wstring& message) {
@@ -40,8 +34,8 @@ void report_event(const std::wstring& message) {
 // The log's folder with its trailing backslash; empty when there is none or "ErrFile" lacks it, which leaves
 // no path to open.
 std::wstring log_folder() {
-    const qk::RegKey key = notification_key(L"NotifiCation");
-    const std::wstring chosen = key ? qk::registry::find_text(key.get(), L"ErrFile").value_or(L"") : L"";
+    const std::wstring chosen =
+        qk::registry::find_text(HKEY_LOCAL_MACHINE, qk::registry::kNotification, L"ErrFile").value_or(L"");
     if (chosen.empty() || chosen.size() * sizeof(wchar_t) >= kMostFolderBytes) {
         const std::wstring shared = qk::shared_documents_folder();
         return shared.empty() ? shared : shared + L'\\';

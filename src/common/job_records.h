@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "common/qk/ms_wstring.h"
@@ -18,6 +19,11 @@ inline constexpr size_t kRecordTextUnits = 260;  // a text of a record: 259 unit
 inline void put_record_text(wchar_t (&target)[kRecordTextUnits], std::wstring_view text) noexcept {
     const size_t units = text.copy(target, kRecordTextUnits - 1);
     std::fill(target + units, target + kRecordTextUnits, L'\0');
+}
+
+// The text of a record that may lack its terminating zero.
+[[nodiscard]] inline std::wstring record_text(const wchar_t (&text)[kRecordTextUnits]) {
+    return {text, std::find(text, text + kRecordTextUnits, L'\0')};
 }
 
 // Written by the document-event handler at the start of a job, read by the rendering module.

@@ -11,8 +11,6 @@ namespace job {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 constexpr unsigned long kNoSettingFile = 100;
 constexpr unsigned long kBadSettingFile = 101;
 

@@ -10,7 +10,6 @@ namespace job {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
 using Settings = ps::PrintSettings;
 
 // The text "OutputCondition"; settings older than it get the identifier of the profile's description. An

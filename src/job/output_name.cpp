@@ -13,7 +13,6 @@ constexpr std::wstring_view kPrefixes[] = {L"Microsoft Word - ", L"Microsoft Pow
                                            L"Taro13-", L"Taro-"};
 constexpr std::wstring_view kMiwPrefix = L"MIW(";
 constexpr size_t kMostUnits = 512;
-constexpr std::wstring_view kExtension = L".pdf";
 
 // The current user's value, when present, wins over the machine's.
 bool cuts_off_by_period() {
@@ -64,13 +63,13 @@ std::wstring CleanJobTitle(std::wstring_view document_name) {
 }
 
 bool ends_in_pdf(std::wstring_view path) noexcept {
-    return path.size() >= kExtension.size() &&
-           qk::equal_no_case(path.substr(path.size() - kExtension.size()), kExtension);
+    return qk::ends_with_no_case(path, kPdfExtension);
 }
 
 std::wstring safe_stem(std::wstring_view title) {
     std::wstring safe = qk::safe_file_name(title, L' ');
     if (ends_in_pdf(safe))
-        safe = qk::safe_file_name(std::wstring_view(safe).substr(0, safe.size() - kExtension.size()), L' ');
+        safe =
+            qk::safe_file_name(std::wstring_view(safe).substr(0, safe.size() - kPdfExtension.size()), L' ');
     return safe.empty() ? L"no_name" : safe;
 }

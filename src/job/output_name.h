@@ -15,6 +15,7 @@
 [[nodiscard]] std::wstring CleanJobTitle(std::wstring_view document_name);
 
 // Whether a path names a PDF by its extension, of any case.
+inline constexpr std::wstring_view kPdfExtension = L".pdf";
 [[nodiscard]] bool ends_in_pdf(std::wstring_view path) noexcept;
 
 // The stem of a file name (without ".pdf") that every Windows file system takes, of any length (see

@@ -22,8 +22,6 @@ namespace Administrator {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 // The file is kept as bytes, so that what is read here is what is laid over the user's setting later.
 bool read_restriction(std::string_view bytes, Restriction& restriction) {
     try {

@@ -59,7 +59,7 @@ LoadResult PrintSettings::Load(const std::wstring& path, bool keepCurrent) {
     if (result == kLoaded)
         result = LoadBytes(bytes, keepCurrent);
     if (result != kLoaded)
-        TRACE_F(L"err:PrintSettings::Load %d", int{result});
+        TRACE_F(L"err:PrintSettings::Load %d", static_cast<int>(result));
     return result;
 }
 

@@ -12,23 +12,25 @@
 namespace Corvanta::Vantrix::PrintSettings {
 
 // Results of loading.
-enum LoadResult : int {
+enum class LoadResult : int {
     kLoaded = 0,
     kUnreadable = 17,     // unknown kind, not JSON, wrong structure, locked, too large
     kMissing = 18,        // no path, no such file, or a folder
     kLegacyPayload = 21,  // a sound older binary setting, whose values cannot be taken over
 };
+using enum LoadResult;
 
 // Setting files above this many bytes are unreadable; a full one has some 4 KiB.
 inline constexpr unsigned kMostFileBytes = 4u << 20;
 
 // Kinds of setting file.
-enum SettingKind : int {
+enum class SettingKind : int {
     kUnknownKind = 0,
     kLegacyFirst = 5,    // binary, first generation
     kLegacyChunked = 6,  // binary, chunks
     kPS4 = 7,            // JSON
 };
+using enum SettingKind;
 
 // The kind of a file by its first bytes; kUnknownKind also when it is missing, a folder or cannot be opened.
 [[nodiscard]] SettingKind Recognise(const std::wstring& path);

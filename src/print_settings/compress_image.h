@@ -10,11 +10,12 @@ namespace Corvanta::Vantrix::PrintSettings {
 // The record that each kind of image owns. An image whose resolution is above the threshold is brought down
 // to the target, both in dots per inch (10 to 24000).
 struct CompressImage_impl {
-    uint32_t MonoCompressionMethod = 2;  // 0 to 4; monochrome images only
+    enum : uint32_t { kMonoPlain, kGroup3, kGroup4, kMonoZip, kMonoRunLength };
+    uint32_t MonoCompressionMethod = kGroup4;  // monochrome images only
     enum : uint32_t { kNoSampling, kSubsample, kAverage, kBicubic };
     uint32_t DownSamplingMethod = kAverage;
-    enum : uint32_t { kAutomatic, kJpeg };    // and 2 to 4 without loss
-    uint32_t CompressionMethod = kAutomatic;  // 0 to 4; colour and grey images only
+    enum : uint32_t { kAutomatic, kJpeg, kZip, kRunLength, kPlain };
+    uint32_t CompressionMethod = kAutomatic;  // colour and grey images only
     uint8_t JpegQuality = 95;                 // 0 to 100; colour and grey images only
     uint32_t ResolutionThreshold = 225;
     uint32_t ResolutionTarget = 150;

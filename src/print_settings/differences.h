@@ -14,32 +14,32 @@
 namespace Corvanta::Vantrix::PrintSettings::display {
 
 // One value as a person reads it: texts in quotation marks, or "(empty)"; codes by name.
-[[nodiscard]] std::wstring show(const FieldInfo& field, bool value);
-[[nodiscard]] std::wstring show(const FieldInfo& field, int64_t value);
-[[nodiscard]] std::wstring show(const FieldInfo& field, double value);
-[[nodiscard]] std::wstring show(const FieldInfo& field, const std::wstring& value);
+[[nodiscard]] std::wstring in_words(const FieldInfo& field, bool value);
+[[nodiscard]] std::wstring in_words(const FieldInfo& field, int64_t value);
+[[nodiscard]] std::wstring in_words(const FieldInfo& field, double value);
+[[nodiscard]] std::wstring in_words(const FieldInfo& field, const std::wstring& value);
 template <class Number>
 requires std::is_integral_v<Number>
-[[nodiscard]] std::wstring show(const FieldInfo& field, Number value) {
-    return show(field, static_cast<int64_t>(value));
+[[nodiscard]] std::wstring in_words(const FieldInfo& field, Number value) {
+    return in_words(field, static_cast<int64_t>(value));
 }
 template <class Element>
-[[nodiscard]] std::wstring show(const FieldInfo& field, const std::vector<Element>& list) {
+[[nodiscard]] std::wstring in_words(const FieldInfo& field, const std::vector<Element>& list) {
     std::wstring text;
     for (const Element& element : list) {
         if (!text.empty())
             text += L", ";
-        text += show(field, element);
+        text += in_words(field, element);
     }
-    return text.empty() ? show(field, std::wstring()) : text;
+    return text.empty() ? in_words(field, std::wstring()) : text;
 }
 
 // A text of the pages without its mark for the keyboard and its colon: "&Width: (mm)" gives "Width (mm)".
 [[nodiscard]] std::wstring plain(std::wstring text);
 
 // The name of an additional value: that of the pages where the dialog writes it.
-[[nodiscard]] std::wstring show_name(const std::wstring& name);
-[[nodiscard]] inline std::wstring show_name(int32_t number) {
+[[nodiscard]] std::wstring key_in_words(const std::wstring& name);
+[[nodiscard]] inline std::wstring key_in_words(int32_t number) {
     return std::to_wstring(number);
 }
 [[nodiscard]] std::wstring nothing();  // the place of a value that is not there
@@ -81,9 +81,9 @@ private:
         if (field.shown == Shown::kSecret)
             lines_.push_back(secret_change(what));
         else if (field.shown == Shown::kPaper)
-            tell_paper(what, show(field, older), show(field, newer));
+            tell_paper(what, in_words(field, older), in_words(field, newer));
         else
-            lines_.push_back(Changed2Str(what, show(field, older), show(field, newer)));
+            lines_.push_back(Changed2Str(what, in_words(field, older), in_words(field, newer)));
     }
 
     // By the names, unless they do not tell the two apart.
@@ -108,14 +108,16 @@ private:
         for (const auto& [key, value] : older) {
             const auto other = newer.find(key);
             if (other == newer.end())
-                lines_.push_back(Changed2Str(join(what, show_name(key)), show(field, value), nothing()));
-            else if (!(other->second == value))
                 lines_.push_back(
-                    Changed2Str(join(what, show_name(key)), show(field, value), show(field, other->second)));
+                    Changed2Str(join(what, key_in_words(key)), in_words(field, value), nothing()));
+            else if (!(other->second == value))
+                lines_.push_back(Changed2Str(join(what, key_in_words(key)), in_words(field, value),
+                                             in_words(field, other->second)));
         }
         for (const auto& [key, value] : newer)
             if (!older.contains(key))
-                lines_.push_back(Changed2Str(join(what, show_name(key)), nothing(), show(field, value)));
+                lines_.push_back(
+                    Changed2Str(join(what, key_in_words(key)), nothing(), in_words(field, value)));
     }
 
     std::vector<std::wstring>& lines_;

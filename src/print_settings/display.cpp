@@ -91,11 +91,11 @@ std::wstring plain(std::wstring text) {
     return last == std::wstring::npos ? text : text.substr(0, last + 1) + text.substr(end);
 }
 
-std::wstring show(const FieldInfo&, bool value) {
+std::wstring in_words(const FieldInfo&, bool value) {
     return qk::load_string(value ? IDS_PS_YES : IDS_PS_NO);
 }
 
-std::wstring show(const FieldInfo& field, int64_t value) {
+std::wstring in_words(const FieldInfo& field, int64_t value) {
     constexpr int64_t kAllOnes = 0xFFFFFFFF;
     if (field.shown == Shown::kNamed && value >= 0 && value < field.value_count)
         return name_text(field.first_value + static_cast<UINT>(value));
@@ -111,13 +111,13 @@ std::wstring show(const FieldInfo& field, int64_t value) {
     return std::to_wstring(value);
 }
 
-std::wstring show(const FieldInfo&, double value) {
+std::wstring in_words(const FieldInfo&, double value) {
     return qk::format(L"%g", value);
 }
-std::wstring show(const FieldInfo&, const std::wstring& value) {
+std::wstring in_words(const FieldInfo&, const std::wstring& value) {
     return value.empty() ? nothing() : L"\"" + shortened(value) + L"\"";
 }
-std::wstring show_name(const std::wstring& name) {
+std::wstring key_in_words(const std::wstring& name) {
     for (const auto& known : kNamedKeys)
         if (name == known.key)
             return name_text(known.name);
@@ -149,7 +149,7 @@ void list_name(std::vector<std::wstring>& lines, const std::wstring& path, const
         list_names(lines, path, *value);
     else if constexpr (std::is_integral_v<Value>)
         if (field.shown == Shown::kNamed)
-            lines.push_back(fill_in(qk::load_string(IDS_PS_VALUE), {path, show(field, value)}));
+            lines.push_back(fill_in(qk::load_string(IDS_PS_VALUE), {path, in_words(field, value)}));
 }
 
 template <class Section>

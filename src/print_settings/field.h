@@ -71,8 +71,10 @@ struct Field : FieldInfo {
         field.shown = how;
         return field;
     }
+    // The codes 0, 1, 2, ..., which are its range, by the names from `first` on.
     [[nodiscard]] constexpr Field values(UINT first, uint8_t count) const {
         Field field = as(Shown::kNamed);
+        field.rule = range(0, count - 1);
         field.first_value = first;
         field.value_count = count;
         return field;

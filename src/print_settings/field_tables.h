@@ -14,20 +14,17 @@ inline constexpr UINT kName<General_impl> = IDS_PS_GENERAL;
 template <>
 inline constexpr auto kFields<General_impl> = std::tuple{
     field("Linearize", &General_impl::Linearize, IDS_PS_LINEARIZE),
-    field("OpenPDF", &General_impl::OpenPDF, IDS_PS_OPEN_PDF, range(0, 3)).values(IDS_PS_OPEN_PDF_0, 4),
-    field("WhenSameName", &General_impl::WhenSameName, IDS_PS_SAME_NAME, range(0, 3))
-        .values(IDS_PS_SAME_NAME_0, 4),
+    field("OpenPDF", &General_impl::OpenPDF, IDS_PS_OPEN_PDF).values(IDS_PS_OPEN_PDF_0, 4),
+    field("WhenSameName", &General_impl::WhenSameName, IDS_PS_SAME_NAME).values(IDS_PS_SAME_NAME_0, 4),
     field("NoOutputBlankPage", &General_impl::NoOutputBlankPage, IDS_PS_NO_BLANK_PAGE),
     field("URLLink", &General_impl::URLLink, IDS_PS_URL_LINK),
-    field("SaveStyle", &General_impl::SaveStyle, IDS_PS_SAVE_STYLE, range(0, 1))
-        .values(IDS_PS_SAVE_STYLE_0, 2),
+    field("SaveStyle", &General_impl::SaveStyle, IDS_PS_SAVE_STYLE).values(IDS_PS_SAVE_STYLE_0, 2),
     field("OutputFolder", &General_impl::OutputFolder, IDS_PS_OUTPUT_FOLDER).typed(512),
-    field("PaperType", &General_impl::PaperType, IDS_PS_PAPER_TYPE, range(0, 1))
-        .values(IDS_PS_PAPER_TYPE_0, 2),
+    field("PaperType", &General_impl::PaperType, IDS_PS_PAPER_TYPE).values(IDS_PS_PAPER_TYPE_0, 2),
     field("PaperName", &General_impl::PaperName, IDS_PS_PAPER_NAME, range(1, 32767)).as(Shown::kPaper),
     field("PaperWidth", &General_impl::PaperWidth, IDS_PS_PAPER_WIDTH, range(25.4, 3276.7)),
     field("PaperHeight", &General_impl::PaperHeight, IDS_PS_PAPER_HEIGHT, range(25.4, 3276.7)),
-    field("PaperOrientation", &General_impl::PaperOrientation, IDS_PS_ORIENTATION, range(0, 1))
+    field("PaperOrientation", &General_impl::PaperOrientation, IDS_PS_ORIENTATION)
         .values(IDS_PS_ORIENTATION_0, 2),
     field("PaperResolution", &General_impl::PaperResolution, IDS_PS_RESOLUTION, range(72, 3600)),
     field("Scale", &General_impl::Scale, IDS_PS_SCALE, range(10, 400)),
@@ -37,13 +34,13 @@ inline constexpr auto kFields<General_impl> = std::tuple{
 namespace image_fields {
 
 inline constexpr auto kMonoMethod =
-    field("MonoCompressionMethod", &CompressImage_impl::MonoCompressionMethod, IDS_PS_METHOD, range(0, 4))
+    field("MonoCompressionMethod", &CompressImage_impl::MonoCompressionMethod, IDS_PS_METHOD)
         .values(IDS_CMP_MONO_METHOD_0, 5);
 inline constexpr auto kSampling =
-    field("DownSamplingMethod", &CompressImage_impl::DownSamplingMethod, IDS_PS_DOWN_SAMPLING, range(0, 3))
+    field("DownSamplingMethod", &CompressImage_impl::DownSamplingMethod, IDS_PS_DOWN_SAMPLING)
         .values(IDS_CMP_SAMPLING_0, 4);
 inline constexpr auto kMethod =
-    field("CompressionMethod", &CompressImage_impl::CompressionMethod, IDS_PS_METHOD, range(0, 4))
+    field("CompressionMethod", &CompressImage_impl::CompressionMethod, IDS_PS_METHOD)
         .values(IDS_CMP_METHOD_0, 5);
 inline constexpr auto kQuality =
     field("JpegQuality", &CompressImage_impl::JpegQuality, IDS_PS_JPEG_QUALITY, low_bits_range(0xFF, 0, 100));
@@ -90,9 +87,8 @@ template <>
 inline constexpr UINT kName<Font_impl> = IDS_PS_FONT;
 template <>
 inline constexpr auto kFields<Font_impl> = std::tuple{
-    field("EmbedFontStyle", &Font_impl::EmbedFontStyle, IDS_PS_EMBED_STYLE, range(0, 1))
-        .values(IDS_FONT_STYLE_0, 2),
-    field("WhenFailedToEmbed", &Font_impl::WhenFailedToEmbed, IDS_PS_EMBED_FAILED, range(0, 1))
+    field("EmbedFontStyle", &Font_impl::EmbedFontStyle, IDS_PS_EMBED_STYLE).values(IDS_FONT_STYLE_0, 2),
+    field("WhenFailedToEmbed", &Font_impl::WhenFailedToEmbed, IDS_PS_EMBED_FAILED)
         .values(IDS_FONT_FAILED_0, 2),
     field("EmbedBase14", &Font_impl::EmbedBase14, IDS_PS_EMBED_BASE_14),
     field("Fonts", &Font_impl::Fonts, IDS_PS_FONTS),
@@ -114,12 +110,10 @@ template <>
 inline constexpr UINT kName<OpenAction_impl> = IDS_PS_OPEN_ACTION;
 template <>
 inline constexpr auto kFields<OpenAction_impl> = std::tuple{
-    field("PageLayout", &OpenAction_impl::PageLayout, IDS_PS_PAGE_LAYOUT, range(0, 4))
-        .values(IDS_OPEN_LAYOUT_0, 5),
-    field("Binding", &OpenAction_impl::Binding, IDS_PS_BINDING, range(0, 2)).values(IDS_OPEN_BINDING_0, 3),
-    field("PageAdjust", &OpenAction_impl::PageAdjust, IDS_PS_PAGE_ADJUST, range(0, 4))
-        .values(IDS_OPEN_ADJUST_0, 5),
-    field("PageMode", &OpenAction_impl::PageMode, IDS_PS_PAGE_MODE, range(0, 3)).values(IDS_OPEN_MODE_0, 4),
+    field("PageLayout", &OpenAction_impl::PageLayout, IDS_PS_PAGE_LAYOUT).values(IDS_OPEN_LAYOUT_0, 5),
+    field("Binding", &OpenAction_impl::Binding, IDS_PS_BINDING).values(IDS_OPEN_BINDING_0, 3),
+    field("PageAdjust", &OpenAction_impl::PageAdjust, IDS_PS_PAGE_ADJUST).values(IDS_OPEN_ADJUST_0, 5),
+    field("PageMode", &OpenAction_impl::PageMode, IDS_PS_PAGE_MODE).values(IDS_OPEN_MODE_0, 4),
     field("StartPage", &OpenAction_impl::StartPage, IDS_PS_START_PAGE, range_or_all_ones(-1, 1000000))
         .as(Shown::kOnesAreNone),
     field("FullScreen", &OpenAction_impl::FullScreen, IDS_PS_FULL_SCREEN),
@@ -143,8 +137,8 @@ template <>
 inline constexpr UINT kName<PDFVersion_impl> = IDS_PS_PDF_VERSION;
 template <>
 inline constexpr auto kFields<PDFVersion_impl> = std::tuple{
-    field("Version", &PDFVersion_impl::Version, IDS_PS_VERSION, range(0, 12)).values(IDS_PS_VERSION_0, 13),
-    field("WhenErroredPDFAX", &PDFVersion_impl::WhenErroredPDFAX, IDS_PS_WHEN_ERRORED, range(0, 1))
+    field("Version", &PDFVersion_impl::Version, IDS_PS_VERSION).values(IDS_PS_VERSION_0, 13),
+    field("WhenErroredPDFAX", &PDFVersion_impl::WhenErroredPDFAX, IDS_PS_WHEN_ERRORED)
         .values(IDS_PV_ON_ERROR_0, 2),
     field("UseTrimBox", &PDFVersion_impl::UseTrimBox, IDS_PS_USE_TRIM_BOX),
     field("TrimBox", &PDFVersion_impl::TrimBox, IDS_PS_TRIM_BOX),
@@ -163,11 +157,10 @@ inline constexpr auto kFields<Security_impl> = std::tuple{
     field("UserPassword", &Security_impl::UserPassword, IDS_PS_USER_PASSWORD).as(Shown::kSecret).typed(1000),
     field("AllowCopyContent", &Security_impl::AllowCopyContent, IDS_PS_ALLOW_COPY),
     field("AllowAccessFromScreenReader", &Security_impl::AllowAccessFromScreenReader, IDS_PS_ALLOW_READER),
-    field("EditPermission", &Security_impl::EditPermission, IDS_PS_EDIT_PERMISSION, range(0, 5))
-        .values(IDS_SEC_EDIT_0, 6),
-    field("PrintPermission", &Security_impl::PrintPermission, IDS_PS_PRINT_PERMISSION, range(0, 2))
+    field("EditPermission", &Security_impl::EditPermission, IDS_PS_EDIT_PERMISSION).values(IDS_SEC_EDIT_0, 6),
+    field("PrintPermission", &Security_impl::PrintPermission, IDS_PS_PRINT_PERMISSION)
         .values(IDS_SEC_PRINT_0, 3),
-    field("Level", &Security_impl::Level, IDS_PS_LEVEL, range(0, 5)).values(IDS_PS_LEVEL_0, 6),
+    field("Level", &Security_impl::Level, IDS_PS_LEVEL).values(IDS_PS_LEVEL_0, 6),
     field("PDF13_DisallowPrint", &Security_impl::PDF13_DisallowPrint, IDS_PS_13_NO_PRINT),
     field("PDF13_DisallowModify", &Security_impl::PDF13_DisallowModify, IDS_PS_13_NO_MODIFY),
     field("PDF13_DisallowCopy", &Security_impl::PDF13_DisallowCopy, IDS_PS_13_NO_COPY),
@@ -178,7 +171,7 @@ template <>
 inline constexpr UINT kName<Watermark_impl> = IDS_PS_WATERMARK;
 template <>
 inline constexpr auto kFields<Watermark_impl> = std::tuple{
-    field("Style", &Watermark_impl::Style, IDS_PS_STYLE, range(0, 2)).values(IDS_PS_STYLE_0, 3),
+    field("Style", &Watermark_impl::Style, IDS_PS_STYLE).values(IDS_PS_STYLE_0, 3),
     field("PictureFileName", &Watermark_impl::PictureFileName, IDS_PS_PICTURE).typed(32767),
     field("PictureScale", &Watermark_impl::PictureScale, IDS_PS_PICTURE_SCALE, range_or_all_ones(0, 6400))
         .as(Shown::kOnesAreAuto),
@@ -188,10 +181,10 @@ inline constexpr auto kFields<Watermark_impl> = std::tuple{
     field("FontSize", &Watermark_impl::FontSize, IDS_PS_FONT_SIZE, zero_or_range(8, 500))
         .as(Shown::kZeroIsAuto),
     field("DiagonalText", &Watermark_impl::DiagonalText, IDS_PS_DIAGONAL),
-    field("ZOrder", &Watermark_impl::ZOrder, IDS_PS_Z_ORDER, range(0, 1)).values(IDS_MARK_ORDER_0, 2),
-    field("VerticalPosition", &Watermark_impl::VerticalPosition, IDS_PS_VERTICAL, range(0, 2))
+    field("ZOrder", &Watermark_impl::ZOrder, IDS_PS_Z_ORDER).values(IDS_MARK_ORDER_0, 2),
+    field("VerticalPosition", &Watermark_impl::VerticalPosition, IDS_PS_VERTICAL)
         .values(IDS_MARK_VERTICAL_0, 3),
-    field("HorizontalPosition", &Watermark_impl::HorizontalPosition, IDS_PS_HORIZONTAL, range(0, 2))
+    field("HorizontalPosition", &Watermark_impl::HorizontalPosition, IDS_PS_HORIZONTAL)
         .values(IDS_MARK_HORIZONTAL_0, 3),
     field("Transparency", &Watermark_impl::Transparency, IDS_PS_TRANSPARENCY, range(0, 100)),
     field("VisibleInPrint", &Watermark_impl::VisibleInPrint, IDS_PS_VISIBLE_PRINT),
@@ -203,17 +196,15 @@ inline constexpr UINT kName<Color_impl> = IDS_PS_COLOUR;
 template <>
 inline constexpr auto kFields<Color_impl> = std::tuple{
     field("BlackToK100", &Color_impl::BlackToK100, IDS_PS_BLACK_TO_K),
-    field("GrayDecreasingMethod", &Color_impl::GrayDecreasingMethod, IDS_PS_GREY_METHOD, range(0, 2))
+    field("GrayDecreasingMethod", &Color_impl::GrayDecreasingMethod, IDS_PS_GREY_METHOD)
         .values(IDS_GRAY_METHOD_0, 3),
-    field("MonoDecreasingMethod", &Color_impl::MonoDecreasingMethod, IDS_PS_MONO_METHOD, range(0, 1))
+    field("MonoDecreasingMethod", &Color_impl::MonoDecreasingMethod, IDS_PS_MONO_METHOD)
         .values(IDS_MONO_METHOD_0, 2),
-    field("ColorMode", &Color_impl::ColorMode, IDS_PS_COLOUR_MODE, range(0, 2))
-        .values(IDS_PS_COLOUR_MODE_0, 3),
+    field("ColorMode", &Color_impl::ColorMode, IDS_PS_COLOUR_MODE).values(IDS_PS_COLOUR_MODE_0, 3),
     field("MonoImageThreshold", &Color_impl::MonoImageThreshold, IDS_PS_MONO_THRESHOLD, low_bits(0xFF)),
     field("MonoTextAndPassThreshold", &Color_impl::MonoTextAndPassThreshold, IDS_PS_MONO_TEXT_THRESHOLD,
           range(0, 255)),
-    field("MonoImageFilter", &Color_impl::MonoImageFilter, IDS_PS_MONO_FILTER, range(0, 4))
-        .values(IDS_MONO_FILTER_0, 5),
+    field("MonoImageFilter", &Color_impl::MonoImageFilter, IDS_PS_MONO_FILTER).values(IDS_MONO_FILTER_0, 5),
 };
 
 template <>

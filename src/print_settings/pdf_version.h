@@ -63,3 +63,5 @@ enum class PDFVer { Unknown, _13, _14, _15, _16, _17, _20 };
 [[nodiscard]] PDFVer pdf_ver(uint32_t version_code) noexcept;
 
 }  // namespace Corvanta::Vantrix::PrintSettings
+
+namespace ps = Corvanta::Vantrix::PrintSettings;  // as everybody else calls it

@@ -125,9 +125,12 @@ struct Security_impl final : ps_impl_base<Security_impl> {
     std::wstring UserPassword;    // opens the document
     bool AllowCopyContent = false;
     bool AllowAccessFromScreenReader = true;
-    uint32_t EditPermission = 2;      // 0 to 5
-    uint32_t PrintPermission = 0;     // 0 to 2
-    uint32_t Level = 4;               // 0 to 5: encryption
+    enum : uint32_t { kNoEdit, kEditPages, kFillForms, kAnnotate, kEditContents, kEditAll };
+    uint32_t EditPermission = kFillForms;
+    enum : uint32_t { kNoPrint, kPrintLow, kPrintHigh };
+    uint32_t PrintPermission = kNoPrint;
+    enum : uint32_t { kRc4Level, kPageLevel, kUsualLevel = 4, kAes256Level };
+    uint32_t Level = kUsualLevel;     // 0 to 5: encryption; the Security page stores kPageLevel
     bool PDF13_DisallowPrint = true;  // the four of the 40-bit encryption of PDF 1.3
     bool PDF13_DisallowModify = true;
     bool PDF13_DisallowCopy = true;
@@ -159,14 +162,17 @@ struct Watermark_impl final : ps_impl_base<Watermark_impl> {
 class Watermark final : public ps_handle<Watermark_impl> {};
 
 struct Color_impl final : ps_impl_base<Color_impl> {
-    bool BlackToK100 = false;           // black becomes pure K
-    uint32_t GrayDecreasingMethod = 0;  // 0 to 2
-    uint32_t MonoDecreasingMethod = 0;  // 0 to 1
+    bool BlackToK100 = false;  // black becomes pure K
+    enum : uint32_t { kLuminance, kMean, kMidway };
+    uint32_t GrayDecreasingMethod = kLuminance;
+    enum : uint32_t { kThreshold, kDither };
+    uint32_t MonoDecreasingMethod = kThreshold;
     enum : uint32_t { kColour, kGrey, kMonochrome };
     uint32_t ColorMode = kColour;
     uint8_t MonoImageThreshold = 128;
     uint8_t MonoTextAndPassThreshold = 128;
-    uint32_t MonoImageFilter = 0;  // 0 to 4
+    enum : uint32_t { kNoFilter, kSmooth, kSharpen, kEmphasiseEdges, kRemoveSpecks };
+    uint32_t MonoImageFilter = kNoFilter;
 };
 class Color final : public ps_handle<Color_impl> {};
 

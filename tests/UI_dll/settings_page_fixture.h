@@ -4,7 +4,6 @@
 
 #include "UI_dll/PDFSettings/list/setting_rows.h"
 #include "UI_dll/PDFSettings/list/settings_page.h"
-#include "common/qk/resource_dll.h"
 #include "common/rwPDFSet_functions.h"
 #include "support/sheet_driver.h"
 

@@ -202,7 +202,7 @@ TEST_F(EveryField, SetOnItsPageIsInTheFileAndOnThePageAgain) {
         Setting wanted;
         wanted.addition()->Str[L"PaperName"] = L"A4";
         wanted.security()->Level = 1;  // what is always written
-        ASSERT_EQ(wanted.LoadPS4(file, true), 0);
+        ASSERT_EQ(wanted.LoadPS4(file, true), ps::kLoaded);
         if (is_first)
             wanted.font()->Fonts = {font_states().front().name};
         SCOPED_TRACE(qk::to_utf8(wanted->PSName));

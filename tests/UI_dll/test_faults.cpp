@@ -283,7 +283,8 @@ struct SheetFaults : Faults {
             for (const auto& file : std::filesystem::directory_iterator(own_folder)) {
                 const std::string bytes = TempFolder::read(file.path());
                 Settings setting;
-                expect(bytes.size() > 3 && setting.LoadPS4(bytes.substr(3), false) == 0, "a file is torn");
+                expect(bytes.size() > 3 && setting.LoadPS4(bytes.substr(3), false) == ps::kLoaded,
+                       "a file is torn");
                 left += text(file.path().filename()) + text(setting->PSName);
             }
             return left;

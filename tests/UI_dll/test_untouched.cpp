@@ -89,7 +89,7 @@ TEST_F(Untouched, WhatDoesNotGoTogetherStaysUntilItIsChanged) {
         for (const bool changes : {false, true}) {
             SCOPED_TRACE(qk::to_utf8(row.label) + (changes ? " changed" : ""));
             setting() = {};
-            ASSERT_EQ(setting().LoadPS4(row.holds, true), 0);
+            ASSERT_EQ(setting().LoadPS4(row.holds, true), ps::kLoaded);
             setting()->PSName = row.label + std::wstring(changes ? L"(1)" : L"");
             show([&] {
                 go_to(row.page);

@@ -250,7 +250,8 @@ TEST_F(RenderFields, EveryRow) {
         SCOPED_TRACE(row.question);
         if (!row.setting.empty()) {
             settings_ = {};
-            ASSERT_TRUE(settings_.LoadPS4(kStart, false) == 0 && settings_.LoadPS4(row.setting, true) == 0);
+            ASSERT_EQ(settings_.LoadPS4(kStart, false), ps::kLoaded);
+            ASSERT_EQ(settings_.LoadPS4(row.setting, true), ps::kLoaded);
             folder_.write(L"job.ps", document());
             EXPECT_EQ(run(), kDone) << qk::to_utf8(message());
         }

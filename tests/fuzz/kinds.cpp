@@ -23,8 +23,6 @@ namespace fuzz {
 
 namespace {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 constexpr wchar_t kOwnFolder[] = L"Roaming\\Corvanta\\Vantrix\\8.0\\CustomSettings\\";
 
 // What all kinds share: an installation with the scripted dialog library.
@@ -60,7 +58,7 @@ void send(int event, const char* what, const void* in = nullptr, size_t size = 0
 
 bool feed_text(std::string_view text) {
     ps::PrintSettings settings;
-    const int result = settings.LoadPS4(text, text.size() % 2 == 0);
+    const ps::LoadResult result = settings.LoadPS4(text, text.size() % 2 == 0);
     expect(result == ps::kLoaded || result == ps::kUnreadable, "a result of loading that there is not");
     expect(!settings.Serialise().empty(), "what was read cannot be written");
     return result == ps::kLoaded;
@@ -70,7 +68,7 @@ bool feed_text(std::string_view text) {
 bool feed_file(const World& world, std::string_view bytes) {
     const std::wstring path = world.here.folder.write(std::wstring(kOwnFolder) + L"fuzzed.ps4", bytes);
     ps::PrintSettings settings;
-    const int result = settings.Load(path, false);
+    const ps::LoadResult result = settings.Load(path, false);
     expect(result != ps::kMissing, "a file that is there is missing");
     const bool named = ps::ReadName(path).has_value();
     expect(named || result != ps::kLoaded, "a setting that can be loaded has no name");
@@ -99,7 +97,7 @@ bool feed_legacy(std::string_view bytes) {
     expect(ps::RecogniseBytes(seen) <= ps::kPS4, "a kind that there is not");
     bool sound = true;  // the readers see what would not get as far as one of them, too
     for (const ps::SettingKind kind : {ps::kLegacyFirst, ps::kLegacyChunked}) {
-        const int result = ps::read_legacy(seen, kind);
+        const ps::LoadResult result = ps::read_legacy(seen, kind);
         expect(result == ps::kLegacyPayload || result == ps::kUnreadable, "a result that there is not");
         sound &= kind != ps::RecogniseBytes(seen) || result == ps::kLegacyPayload;
     }

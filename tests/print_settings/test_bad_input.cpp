@@ -68,7 +68,7 @@ TEST(BadSetting, FilesThatCannotBeLoadedSayWhy) {
     const std::string good = ps::PrintSettings().Serialise();
     const std::wstring locked = folder.write(L"locked.ps4", good);
     const qk::FileObj writer = hold(locked, FILE_SHARE_READ | FILE_SHARE_WRITE, GENERIC_WRITE);
-    const std::pair<std::wstring, int> rows[] = {
+    const std::pair<std::wstring, ps::LoadResult> rows[] = {
         {folder.write(L"good.ps4", good), ps::kLoaded},
         {L"", ps::kMissing},
         {folder.file(L"missing.ps4"), ps::kMissing},
@@ -89,7 +89,7 @@ TEST(BadSetting, FilesThatCannotBeLoadedSayWhy) {
 TEST(BadSetting, LegacyFilesAreCheckedAndNeverHalfRead) {
     const std::string data = chunk("DAT3", "payload"), end = chunk("CEND", "");
     const auto bad = L"bad chunk list";
-    const std::tuple<std::string, int, const wchar_t*> rows[] = {
+    const std::tuple<std::string, ps::LoadResult, const wchar_t*> rows[] = {
         {std::string("\x09\x00\x02\x00 and more", 13), ps::kLegacyPayload, L"read_legacy"},
         {chunked(data + end), ps::kLegacyPayload, L"read_legacy"},
         {chunked(data + chunk("AXXX", "x") + end), ps::kLegacyPayload, L"header.d=0x58585841"},

@@ -19,5 +19,3 @@
 #include "support/profile_folder.h"
 #include "support/trace_capture.h"
 #include "support/variable.h"
-
-namespace ps = Corvanta::Vantrix::PrintSettings;

@@ -7,8 +7,6 @@
 #include "print_settings/field_tables.h"
 #include "support/prelude.h"
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 class RandomSettings {
 public:
     explicit RandomSettings(unsigned seed) : engine_(seed) {}

@@ -17,7 +17,6 @@
 
 namespace pdf_settings {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
 using Setting = ps::PrintSettings;
 
 // The pages of the edit sheet, in their order.

@@ -48,23 +48,15 @@ std::vector<std::wstring> setting_files(const std::wstring& folder) {
     if (!search)
         return {};
     do {
-        const std::wstring_view name = file.cFileName;
-        for (size_t i = 0; i < kSettingExtensions.size(); ++i) {
-            const std::wstring_view extension = kSettingExtensions[i];
-            if (name.size() >= extension.size() && !(file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) &&
-                qk::equal_no_case(name.substr(name.size() - extension.size()), extension))
+        for (size_t i = 0; i < kSettingExtensions.size(); ++i)
+            if (!(file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) &&
+                qk::ends_with_no_case(file.cFileName, kSettingExtensions[i]))
                 by_extension[i].push_back(folder + file.cFileName);
-        }
     } while (FindNextFileW(search.get(), &file));
     std::vector<std::wstring> files;
     for (auto kind = by_extension.rbegin(); kind != by_extension.rend(); ++kind)
         std::ranges::move(*kind, std::back_inserter(files));
     return files;
-}
-
-std::wstring name_of_file(const std::wstring& path) {
-    const std::wstring_view file = qk::file_part(path);
-    return std::wstring(file.substr(0, file.rfind(L'.')));
 }
 
 // The settings that come with the product: what their files call them, and what the user's language does.
@@ -80,7 +72,8 @@ constexpr struct {
 
 SettingEntry entry_of(int32_t kind, const std::wstring& path) {
     const auto name = Corvanta::Vantrix::PrintSettings::ReadName(path);
-    SettingEntry entry{kind, path, name && !name->empty() ? *name : name_of_file(path), name.has_value()};
+    SettingEntry entry{kind, path, name && !name->empty() ? *name : std::wstring(qk::file_stem(path)),
+                       name.has_value()};
     if (kind == SettingEntry::kInstalled && entry.is_readable)
         for (const auto& ready : kReady)
             if (qk::equal_no_case(qk::file_part(path), ready.file) && entry.name == ready.name)
@@ -116,7 +109,7 @@ void copy_settings(const std::wstring& from, const std::wstring& to) {
     auto others = listed_folders();
     std::erase_if(others, [](const SettingFolder& folder) { return folder.owner == SettingFolder::kUser; });
     for (const std::wstring& path : setting_files(from)) {
-        const std::wstring stem = name_of_file(path);
+        const std::wstring stem(qk::file_stem(path));
         const std::wstring extension = path.substr(path.rfind(L'.'));
         const std::wstring name = free_name(stem, [&](const std::wstring& candidate) {
             const bool is_other = candidate != stem;
@@ -227,7 +220,7 @@ bool LoadSettingFile(const std::wstring& path) {
     if (!loaded) {
         TRACE("no ps");
         edited = Setting();
-        edited->PSName = path.empty() ? std::wstring() : name_of_file(path);
+        edited->PSName = qk::file_stem(path);
     }
     state.saved = std::make_unique<Setting>(edited);
     return loaded;

@@ -1,6 +1,7 @@
 // The setting files that a user may choose from.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -16,6 +17,9 @@ namespace pdf_settings {
 // cannot be read is listed under its file name, one of those that come with the product under the name that
 // the dialog's language has for it.
 [[nodiscard]] std::vector<SettingEntry> ListUpPSFiles();
+
+// The most UTF-16 units of a setting's name that can be typed.
+inline constexpr size_t kMostNameUnits = 100;
 
 // The name under which the list shows the file; one that cannot be read goes by its file's.
 [[nodiscard]] std::wstring shown_setting_name(const std::wstring& path);

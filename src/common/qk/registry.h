@@ -14,6 +14,7 @@ namespace qk::registry {
 inline constexpr wchar_t kRoot[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\";
 inline constexpr wchar_t kSpecial[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Special";
 inline constexpr wchar_t kDebug[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Debug";
+inline constexpr wchar_t kNotification[] = L"SOFTWARE\\Corvanta\\Vantrix\\8.0\\Notification";
 
 // An existing key opened with `access` (KEY_READ, KEY_WRITE); empty when it cannot be.
 [[nodiscard]] RegKey open(HKEY parent, const std::wstring& path, REGSAM access = KEY_READ) noexcept;

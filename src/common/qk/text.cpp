@@ -120,6 +120,10 @@ bool starts_with_no_case(std::wstring_view text, std::wstring_view prefix) noexc
     return text.size() >= prefix.size() && equal_no_case(text.substr(0, prefix.size()), prefix);
 }
 
+bool ends_with_no_case(std::wstring_view text, std::wstring_view suffix) noexcept {
+    return text.size() >= suffix.size() && equal_no_case(text.substr(text.size() - suffix.size()), suffix);
+}
+
 std::wstring_view without_blanks(std::wstring_view text) noexcept {
     constexpr std::wstring_view kBlanks = L" \t\r\n\u00A0\u202F\u3000";
     const size_t first = std::min(text.find_first_not_of(kBlanks), text.size());
@@ -130,6 +134,11 @@ std::wstring_view without_blanks(std::wstring_view text) noexcept {
 std::wstring_view file_part(std::wstring_view path) noexcept {
     const size_t slash = path.rfind(L'\\');
     return slash == std::wstring_view::npos ? path : path.substr(slash + 1);
+}
+
+std::wstring_view file_stem(std::wstring_view path) noexcept {
+    const std::wstring_view file = file_part(path);
+    return file.substr(0, file.rfind(L'.'));
 }
 
 std::wstring_view without_trailing_backslashes(std::wstring_view path) noexcept {

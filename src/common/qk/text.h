@@ -48,12 +48,16 @@ void copy_zero_padded(wchar_t* buffer, size_t capacity, std::wstring_view text) 
 // Equal without regard to case, as file and registry names are compared.
 [[nodiscard]] bool equal_no_case(std::wstring_view a, std::wstring_view b) noexcept;
 [[nodiscard]] bool starts_with_no_case(std::wstring_view text, std::wstring_view prefix) noexcept;
+[[nodiscard]] bool ends_with_no_case(std::wstring_view text, std::wstring_view suffix) noexcept;
 
 // `text` without the blanks around it, of every kind that people type and paste.
 [[nodiscard]] std::wstring_view without_blanks(std::wstring_view text) noexcept;
 
 // The part behind the last backslash; the whole text when it has none.
 [[nodiscard]] std::wstring_view file_part(std::wstring_view path) noexcept;
+
+// That part without its extension, which begins at its last point.
+[[nodiscard]] std::wstring_view file_stem(std::wstring_view path) noexcept;
 
 [[nodiscard]] std::wstring_view without_trailing_backslashes(std::wstring_view path) noexcept;
 

@@ -139,6 +139,13 @@ bool dlg_notify_PDFSettings(HWND page, const NMHDR& header) {
     return true;
 }
 
+void take_dropped(HWND page, HDROP files) {
+    if (IsWindowEnabled(GetParent(page)))
+        import_dropped(page, files);
+    else  // a sheet or a question over it works on the list
+        DragFinish(files);
+}
+
 INT_PTR handle(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_INITDIALOG)
         open_dialog_state(page);
@@ -169,10 +176,7 @@ INT_PTR handle(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
             show_help(page, kListChapter);
             return TRUE;
         case WM_DROPFILES:
-            if (IsWindowEnabled(GetParent(page)))
-                import_dropped(page, reinterpret_cast<HDROP>(wparam));
-            else  // a sheet or a question over it works on the list
-                DragFinish(reinterpret_cast<HDROP>(wparam));
+            take_dropped(page, reinterpret_cast<HDROP>(wparam));
             return TRUE;
         case WM_DESTROY:
             close_page(page);

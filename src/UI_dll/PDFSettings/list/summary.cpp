@@ -82,8 +82,9 @@ std::wstring summary_of(const Setting& setting, const SettingEntry& entry) {
     add(IDS_PS_VERSION, words(IDS_PS_VERSION_0 + setting.pdfVersion()->Version));
     add(IDS_PS_COLOUR_MODE, words(IDS_PS_COLOUR_MODE_0 + static_cast<UINT>(setting.color()->ColorMode)));
     add(IDS_PS_SECURITY, dialog_text(protection(setting)));
-    add(IDS_PS_SAVE_STYLE,
-        general.SaveStyle == 0 ? dialog_text(IDS_SUM_ASKS) : shortened(general.OutputFolder));
+    add(IDS_PS_SAVE_STYLE, general.SaveStyle == ps::General_impl::kAskForPlace
+                               ? dialog_text(IDS_SUM_ASKS)
+                               : shortened(general.OutputFolder));
     add(IDS_PS_WATERMARK, watermark(*setting.watermark()));
     return text;
 }

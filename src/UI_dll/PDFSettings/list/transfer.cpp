@@ -23,8 +23,6 @@ namespace pdf_settings {
 
 namespace {
 
-constexpr WPARAM kMostNameUnits = 100;  // as the General page takes
-
 std::wstring filter() {
     using std::string_view_literals::operator""sv;
     return dialog_text(IDS_PS4_FILES) + std::wstring(L" (*.ps4)\0*.ps4\0"sv);
@@ -53,11 +51,6 @@ void add_line(std::vector<std::wstring>& lines, std::wstring line) {
         lines.push_back(lines.size() < kMostTold ? std::move(line) : L"\u2026");
 }
 
-std::wstring stem_of(const std::wstring& path) {
-    const std::wstring_view file = qk::file_part(path);
-    return std::wstring(file.substr(0, file.rfind(L'.')));
-}
-
 // The new file's path; empty when there is none, and then `fault` says why.
 std::wstring import_file(const std::wstring& path, std::vector<std::wstring>& corrected,
                          std::wstring& fault) {
@@ -68,7 +61,7 @@ std::wstring import_file(const std::wstring& path, std::vector<std::wstring>& co
         return {};
     }
     if (setting->PSName.empty())
-        setting->PSName = stem_of(path);
+        setting->PSName = qk::file_stem(path);
     setting->PSName = free_setting_name(setting->PSName);
     std::wstring made = create_setting_file(setting);
     if (made.empty())

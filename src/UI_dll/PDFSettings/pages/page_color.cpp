@@ -39,13 +39,12 @@ constexpr std::array kImageThresholdControls = {IDC_IMAGE_THRESHOLD_LABEL, IDC_I
                                                 IDC_IMAGE_THRESHOLD_SPIN, IDC_IMAGE_THRESHOLD_RANGE};
 constexpr std::array kBlackControls = {IDC_BLACK_TO_K, IDC_BLACK_TO_K_GROUP};
 
-constexpr int kMonoMethodDither = 1;  // has no use for the threshold of images
-
 void enable_conversions(HWND page) {
     const bool mono = is_checked(page, IDC_COLOR_MODE_MONO);
     enable(page, kGrayControls, mono || is_checked(page, IDC_COLOR_MODE_GRAY));
     enable(page, kMonoControls, mono);
-    enable(page, kImageThresholdControls, selected(page, IDC_MONO_METHOD) != kMonoMethodDither);
+    // Dithering has no use for it.
+    enable(page, kImageThresholdControls, selected(page, IDC_MONO_METHOD) != int{Color_impl::kDither});
 }
 
 // Pure K is a matter of the output condition: the versions that carry one, and one that prints in CMYK.

@@ -30,7 +30,6 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::General_impl;
 
-constexpr size_t kMostNameUnits = 100;
 constexpr size_t kFolderUnits = 512;  // also the buffer of "GetBrowsePath"
 
 struct GeneralHelper final : PageHelper {
@@ -91,7 +90,7 @@ void show_resolution(HWND page, int32_t resolution) {
 void show_General(HWND page, const Setting& setting) {
     const General_impl& general = *setting.general();
     load_controls(page, general, kControls);
-    select(page, IDC_SAVE_STYLE, general.SaveStyle ? 1 : 0);
+    select(page, IDC_SAVE_STYLE, general.SaveStyle == General_impl::kAskForPlace ? 0 : 1);
     enable_folder(page);
     show_file_name(page, setting);
     show_resolution(page, general.PaperResolution);
@@ -236,7 +235,7 @@ General_impl read_section(HWND page) {
     General_impl read = *loaded_setting().general();
     store_controls(page, read, kControls);
     if (is_touched(page, IDC_SAVE_STYLE))
-        read.SaveStyle = saves_in_folder(page) ? 1 : 0;
+        read.SaveStyle = saves_in_folder(page) ? General_impl::kFixedFolder : General_impl::kAskForPlace;
     if (is_touched(page, IDC_RESOLUTION))
         read.PaperResolution =
             find_resolution(control_text(page, IDC_RESOLUTION)).value_or(read.PaperResolution);

@@ -11,8 +11,6 @@
 
 namespace pdf_settings {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 namespace {
 
 // The sizes that people ask for most, as DMPAPER_* counts: A2 to A6, B4 to B6, Letter and its like,

@@ -13,7 +13,7 @@ namespace {
 
 using Section = Corvanta::Vantrix::PrintSettings::OpenAction_impl;
 
-constexpr int kMostPage = 1000000;
+constexpr int kMostPage = static_cast<int>(ps::field_of(&Section::StartPage).rule.high);
 
 constexpr std::tuple kTable{
     DropList{IDC_OPEN_LAYOUT, &Section::PageLayout},

@@ -6,8 +6,6 @@
 
 namespace pdf_settings {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 bool is_profile_listed(uint32_t version, uint32_t colour_space, uint32_t device_class) noexcept {
     const bool archive = ps::is_archive(version);
     const bool takes_rgb = !ps::is_cmyk_only(version);

@@ -17,8 +17,6 @@ namespace {
 
 using Corvanta::Vantrix::PrintSettings::Security_impl;
 
-constexpr uint32_t kLevel = 1;
-
 constexpr auto kTable = std::tuple{
     Text{IDC_SEC_PASSWORD, &Security_impl::MasterPassword},
     Text{IDC_SEC_OPEN_PASSWORD, &Security_impl::UserPassword},
@@ -169,7 +167,7 @@ void dlg_init_Securities(HWND page) {
     TRACE("dlg_init_Securities");
     // What the page always writes is no change of the user's.
     Security_impl& loaded = *loaded_setting().security();
-    loaded.Level = kLevel;
+    loaded.Level = Security_impl::kPageLevel;
     loaded.AllowAccessFromScreenReader |= loaded.AllowCopyContent;  // copying includes reading aloud
     move_low_level(page);
     show_Securities(page, edited_setting());
@@ -235,7 +233,7 @@ void dlg_apply_Securities(HWND page) {
     store_controls(page, *read, kTable);
     if (is_touched(page, std::array{IDC_SEC_COPY, IDC_SEC_READER}))
         read->AllowAccessFromScreenReader = read->AllowCopyContent || is_checked(page, IDC_SEC_READER);
-    read->Level = kLevel;
+    read->Level = Security_impl::kPageLevel;
     edited_setting().security().swap(read);  // what it held goes as a whole, passwords wiped
 }
 

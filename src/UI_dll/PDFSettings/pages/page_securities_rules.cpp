@@ -7,8 +7,6 @@
 
 namespace pdf_settings {
 
-namespace ps = Corvanta::Vantrix::PrintSettings;
-
 namespace {
 
 constexpr size_t kPasswordBytes = 128;  // in UTF-8, as a setting file holds it, with its end

@@ -22,9 +22,10 @@ namespace {
 
 using Section = Corvanta::Vantrix::PrintSettings::Watermark_impl;
 
-constexpr uint32_t kLeastSize = 8;  // points
-constexpr int kMostSize = 500;
-constexpr int kMostScale = 6400;  // percent
+constexpr ps::Rule kSizes = ps::field_of(&Section::FontSize).rule;  // points
+constexpr auto kLeastSize = static_cast<uint32_t>(kSizes.low);
+constexpr auto kMostSize = static_cast<int>(kSizes.high);
+constexpr auto kMostScale = static_cast<int>(ps::field_of(&Section::PictureScale).rule.high);  // percent
 constexpr int kFirstScale = 100;  // what is offered when the picture has been fitted so far
 
 struct WaterMarkHelper final : PageHelper {
@@ -276,8 +277,7 @@ void dlg_setactive_WaterMark(HWND page) {
 }
 
 bool check_text(HWND page) {
-    if (is_new(page, IDC_MARK_WORDS) &&
-        qk::without_blanks(control_text(page, IDC_MARK_WORDS)).empty() &&
+    if (is_new(page, IDC_MARK_WORDS) && qk::without_blanks(control_text(page, IDC_MARK_WORDS)).empty() &&
         !refuse(page, IDC_MARK_WORDS, IDS_MARK_NO_WORDS))
         return false;
     if (is_new(page, IDC_MARK_FONT) && control_text(page, IDC_MARK_FONT).empty() &&
