@@ -56,7 +56,7 @@ void read_and_parse(const SettingFolder& folder) {
     constexpr size_t kByteOrderMark = 3;
     for (const std::wstring& path : folder.paths()) {
         std::string bytes;
-        if (Corvanta::Vantrix::PrintSettings::setting_file::read(path, bytes) != 0)
+        if (ps::setting_file::read(path, bytes) != ps::kLoaded)
             continue;
         picojson::value document;
         picojson::parse(document, bytes.substr(kByteOrderMark));
