@@ -84,8 +84,8 @@ void add_word(const std::wstring& section_place, const std::wstring& section_nam
     else if constexpr (std::is_same_v<Value, ps::Box>)
         add_words(place, name, value, words);
     else if constexpr (requires { ps::display::in_words(field, value); })
-        words[place] = {name,
-                        field.shown == ps::Shown::kSecret ? std::wstring() : ps::display::in_words(field, value)};
+        words[place] = {
+            name, field.shown == ps::Shown::kSecret ? std::wstring() : ps::display::in_words(field, value)};
 }
 
 template <class Section>
