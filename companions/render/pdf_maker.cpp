@@ -123,7 +123,7 @@ std::string PdfMaker::prologue_text(bool landscape, const PagesFound& found) {
     const auto& version = *settings_.pdfVersion();
     const auto mark = draw_watermark(*settings_.watermark(), !allows_transparency(version.Version));
     if (!mark)
-        warn("not done by this renderer: the watermark, whose font or picture cannot be read");
+        not_done_.emplace_back("the watermark, whose font or picture cannot be read");
     fonts_ = font_parameters(*settings_.font(), standard_);
     return prologue(standard_ ? DocumentInfo() : given_, landscape) + profiles_text() +
            image_parameters(settings_) + fonts_ + colour_work(settings_) + rules_.definition +
@@ -173,7 +173,7 @@ PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
         return drawn;
     tool.rewrite(made, rewritten.path(), how);  // mends what engines leave damaged
     if (!tool.present()) {
-        tell_what_is_left(how.small);
+        add_what_is_left(how.small);
         keep_if(find_fault_of_end(drawn.path()), drawn);
         return drawn;
     }
@@ -183,22 +183,21 @@ PendingPdf& PdfMaker::finish(PendingPdf& drawn, PendingPdf& rewritten) {
 }
 
 // What the setting asks for and only qpdf does.
-void PdfMaker::tell_what_is_left(bool packs) const {
+void PdfMaker::add_what_is_left(bool packs) {
     const auto encryption = wants_password(settings_) ? find_encryption(settings_) : std::nullopt;
     const struct {
         bool asked;
         const char* left;
     } rows[] = {
-        {settings_.general()->Linearize, "it is not linearized"},
+        {settings_.general()->Linearize, "the PDF is not linearized"},
         {packs, "its objects are not packed together"},
         {encryption && *encryption != Encryption::kRc4, "it is protected by RC4 only"},
         {settings_.font()->WhenFailedToEmbed == ps::Font_impl::kNoPDF, "its fonts are not looked through"},
     };
-    std::string text = "qpdf was not found: the PDF's end is looked at, not its title";
+    warn("qpdf was not found: the PDF's end is looked at, not its title");
     for (const auto& row : rows)
         if (row.asked)
-            text += std::string("; ") + row.left;
-    warn(text);
+            not_done_.push_back(std::string(row.left) + ", since qpdf was not found");
 }
 
 // Nothing is kept of a PDF that has a fault.

@@ -35,6 +35,9 @@ public:
     // open. The file that is to be kept, one of the two.
     PendingPdf& finish(PendingPdf& drawn, PendingPdf& rewritten);
 
+    // What the setting asks for and this job is without; whole when it is finished.
+    [[nodiscard]] const std::vector<std::string>& not_done() const noexcept { return not_done_; }
+
 private:
     [[nodiscard]] PagesFound look_through(const std::string& spool, bool landscape);
     [[nodiscard]] std::string prologue_text(bool landscape, const PagesFound& found);
@@ -47,7 +50,7 @@ private:
     void follow(std::string_view bytes);
     void check(Engine::End end, const PendingPdf& pdf) const;
     void keep_if(const std::optional<std::string>& fault, const PendingPdf& pdf) const;
-    void tell_what_is_left(bool packs) const;
+    void add_what_is_left(bool packs);
     void demand_room(const PendingPdf& pdf) const;
     void check_fonts(const std::wstring& pdf);
 
@@ -65,6 +68,7 @@ private:
     std::optional<PdfTool> tool_;
     std::optional<Encryption> encryption_;  // that qpdf applies
     std::wstring bare_;                     // the PDF before its encryption; empty: none
+    std::vector<std::string> not_done_;
     unsigned told_ = 0;
 };
 

@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <string>
+#include <vector>
+
 #include "common/qk/handle.h"
 #include "common/qk/module.h"
 #include "common/qk/paths.h"
@@ -70,10 +73,13 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
         throw Failure{ResultCode::kNoTarget, ERROR_INVALID_PARAMETER, {}};
     const ps::PrintSettingsAdmin settings = load_settings(arguments);
     std::wstring& told = rendered.result.message;  // also of a job that is done
-    for (const std::string& wish : unsupported_wishes(settings)) {
-        warn("not done by this renderer: " + wish);
-        told += (told.empty() ? L"Not done by this renderer: " : L"; ") + qk::to_wide(wish);
-    }
+    const auto tell = [&told](const std::vector<std::string>& wishes) {
+        for (const std::string& wish : wishes) {
+            warn("not done by this renderer: " + wish);
+            told += (told.empty() ? L"Not done by this renderer: " : L"; ") + qk::to_wide(wish);
+        }
+    };
+    tell(unsupported_wishes(settings));
     const bool landscape = check_spool(arguments.spool);
     PendingPdf drawn(target);
     PendingPdf rewritten(target);
@@ -88,6 +94,7 @@ void make_pdf(const Arguments& arguments, const ZRTKPrintStartInfoC& start, Rend
     });
     rendered.pages = maker.draw(arguments.spool, landscape, drawn);
     PendingPdf& pdf = maker.finish(drawn, rewritten);
+    tell(maker.not_done());
     rendered.bytes = pdf.size();
     if (cancelled())
         throw Failure{ResultCode::kEngineStopped, ERROR_CANCELLED, {}};

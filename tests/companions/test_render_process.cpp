@@ -12,7 +12,13 @@ TEST_F(RenderProcess, SpoolBecomesThePdfOfTheRecord) {
     ASSERT_EQ(run(L"--keep-spool"), kDone);
     EXPECT_EQ(result_.view()->pdf_file_name.find_text(), target_);
     EXPECT_TRUE(pdf().starts_with("%PDF-1.4"));
-    EXPECT_NE(message().find(L"high compression"), std::wstring::npos) << "what this version lacks";
+    settings_.general()->Linearize = true;
+    settings_.watermark()->Style = ps::Watermark_impl::kPictureMark;
+    settings_.watermark()->PictureFileName = L"C:\\none.png";
+    const Variable tool(L"ZR_QPDF", L"/none/qpdf");
+    ASSERT_EQ(run(L"--keep-spool"), kDone);
+    for (const wchar_t* left : {L"high compression", L"the watermark, whose", L"not linearized, since qpdf"})
+        EXPECT_NE(message().find(left), std::wstring::npos) << qk::to_utf8(message());
     EXPECT_TRUE(DeleteFileW(spool_.c_str())) << "it was to be kept";
 }
 
