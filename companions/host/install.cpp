@@ -217,10 +217,11 @@ InstallSteps uninstall(const StepSeen& seen) {
     remove_files(places, steps);
     if (const std::wstring sheet_host = sheet_host_path(); remove_sheet_host(sheet_host))
         steps.add(sheet_host, L"the system's own again");
-    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, qk::registry::kRoot, kFolderValue);
+    const bool had_folder =
+        RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, qk::registry::kRoot, kFolderValue) == ERROR_SUCCESS;
     RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kNotification, kChannelsValue);
     remove_empty_keys();
-    steps.add(kFolderValue, L"removed");
+    steps.add(kFolderValue, had_folder ? L"removed" : L"was not there");
     return steps.take();
 }
 
