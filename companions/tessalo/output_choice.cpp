@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "common/qk/disk_file.h"
 #include "common/qk/handle.h"
 #include "common/qk/paths.h"
 #include "common/qk/text.h"
@@ -20,9 +21,7 @@ constexpr unsigned kMostTries = 100;
 
 // Whether a file is there that cannot be replaced: the job would end as if the user had cancelled it.
 bool is_held(const std::wstring& path) {
-    const qk::FileObj file(
-        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    return !file && qk::is_file(path);
+    return qk::is_file(path) && !qk::open_disk_file(path, GENERIC_WRITE, 0);
 }
 
 // One answer of the dialog, settled under the rule; nothing, after the user was told, when it cannot be

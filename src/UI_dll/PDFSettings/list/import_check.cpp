@@ -23,7 +23,6 @@ namespace pdf_settings {
 namespace {
 
 constexpr size_t kMarkBytes = 3;
-constexpr size_t kMostCorrected = 13;  // one more than the message shows, which then says that there are more
 
 // Of a text of the file's own that stands in a line.
 std::wstring shortened(const std::wstring& text) {
@@ -102,7 +101,7 @@ void compare(const std::wstring& path, const picojson::value& given, const picoj
         for (const auto& [key, value] : given.get<picojson::object>())
             if (const auto found = members.find(key); found != members.end())
                 compare(place_in(path, key), value, found->second, words, corrected);
-    } else if (!same(given, used) && corrected.size() < kMostCorrected) {
+    } else if (!same(given, used) && corrected.size() <= kMostTold) {
         const auto found = words.find(path);
         const Words told = found != words.end() ? found->second : Words{shortened(path), shown(used)};
         const bool is_secret = path.ends_with(L"Password");

@@ -1,6 +1,7 @@
 // What is wrong with a file that is to become a print setting, in the dialog's language.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -8,9 +9,13 @@
 
 namespace pdf_settings {
 
+// The most lines that a message box holds; behind them it says only that there are more.
+inline constexpr size_t kMostTold = 12;
+
 struct ImportCheck {
     std::wstring fault;  // why it is no setting; empty: it is one, and is loaded
-    // "General - Scaling (%): 5 -> 10": what it gives and what is used instead, in the words of the pages.
+    // "General - Scaling (%): 5 -> 10": what it gives and what is used instead, in the words of the pages;
+    // one more than a message box holds, at most.
     std::vector<std::wstring> corrected;
 };
 

@@ -44,9 +44,7 @@ void tell_error(HWND page, UINT text_id, const std::wstring& path, DWORD error) 
                  IDS_REFUSED, MB_OK | MB_ICONERROR);
 }
 
-// A message box holds so many lines; behind them it says only that there are more.
 void add_line(std::vector<std::wstring>& lines, std::wstring line) {
-    constexpr size_t kMostTold = 12;
     if (lines.size() <= kMostTold)
         lines.push_back(lines.size() < kMostTold ? std::move(line) : L"\u2026");
 }
